@@ -1,0 +1,31 @@
+# How everything is compiled: language level, visibility, warnings, sanitizers, compiler cache.
+include(GNUInstallDirs)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Dev or Release" FORCE)
+endif()
+# Dev: quick to build, assertions on, fast enough for the large tests.
+set(CMAKE_CXX_FLAGS_DEV "-O1 -g1 -D_GLIBCXX_ASSERTIONS")
+set(CMAKE_C_FLAGS_DEV "-O1 -g1")
+set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG -fno-semantic-interposition")
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
+                    -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+
+if(NX_SANITIZE)
+  add_compile_options(-fsanitize=${NX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${NX_SANITIZE})
+endif()
+
+find_program(NX_CCACHE ccache)
+if(NX_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${NX_CCACHE})
+  set(CMAKE_C_COMPILER_LAUNCHER ${NX_CCACHE})
+endif()

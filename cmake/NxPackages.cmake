@@ -1,0 +1,17 @@
+# The packages that the library itself stands on; tools, tests and benches find their own.
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(absl REQUIRED)
+find_package(Eigen3 REQUIRED NO_MODULE)
+find_package(utf8cpp REQUIRED)
+
+# yajl is taken whole from its static archive, so that its public functions are exported again.
+find_library(NX_YAJL_ARCHIVE NAMES libyajl_s.a REQUIRED)
+find_path(NX_YAJL_INCLUDE NAMES yajl/yajl_parse.h REQUIRED)
+add_library(nx_yajl STATIC IMPORTED GLOBAL)
+set_target_properties(nx_yajl PROPERTIES IMPORTED_LOCATION ${NX_YAJL_ARCHIVE}
+                                         INTERFACE_INCLUDE_DIRECTORIES ${NX_YAJL_INCLUDE})
+
+if(NX_TESTS)
+  find_package(GTest REQUIRED)
+endif()

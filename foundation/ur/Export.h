@@ -1,0 +1,8 @@
+// The mark of what the shared library shows to its users.
+#pragma once
+
+#if defined(_WIN32)
+#define NX_API __declspec(dllexport)
+#else
+#define NX_API __attribute__((visibility("default")))
+#endif

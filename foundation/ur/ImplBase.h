@@ -1,0 +1,17 @@
+// The base of private implementation records.
+#pragma once
+
+#include "foundation/ur/Export.h"
+
+namespace ur {
+
+/// Base of the records that public classes keep behind a pointer; deleted through it, never copied.
+class NX_API ImplBase {
+public:
+    ImplBase() = default;
+    ImplBase(ImplBase const&) = delete;
+    ImplBase& operator=(ImplBase const&) = delete;
+    virtual ~ImplBase();
+};
+
+}  // namespace ur

@@ -1,0 +1,36 @@
+// Storage for the many small nodes of value trees.
+#pragma once
+
+#include <cstddef>
+
+#include "foundation/ur/Export.h"
+
+namespace ur {
+
+/// Storage of `bytes` bytes, aligned for any object of up to 8-byte alignment. Throws `std::bad_alloc`.
+///
+/// Made for trees of small nodes: sizes up to 256 bytes come from regions that hold one size each, cost no
+/// header per node and lie in the order in which they were asked for. Any thread may take a node, any other
+/// may give it back: neither waits for a lock, and a region's memory returns to the system when its last node
+/// is gone.
+[[nodiscard]] NX_API void* allocateNode(std::size_t bytes);
+
+/// Gives back what `allocateNode(bytes)` gave; null is ignored.
+NX_API void deallocateNode(void* node, std::size_t bytes) noexcept;
+
+/// The same storage for the standard's containers.
+template <class T>
+struct NodeAllocator {
+    using value_type = T;
+
+    NodeAllocator() noexcept = default;
+    template <class U>
+    NodeAllocator(NodeAllocator<U> const& /*other*/) noexcept {}
+
+    [[nodiscard]] T* allocate(std::size_t count) { return static_cast<T*>(allocateNode(count * sizeof(T))); }
+    void deallocate(T* node, std::size_t count) noexcept { deallocateNode(node, count * sizeof(T)); }
+
+    friend bool operator==(NodeAllocator, NodeAllocator) noexcept { return true; }
+};
+
+}  // namespace ur

@@ -1,0 +1,96 @@
+// The counted pointer to an object that counts its own holders.
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <functional>
+#include <utility>
+
+namespace ur {
+
+/// Holds one count of an object of a class with `ref()` and `unref()`, or nothing.
+///
+/// Copying adds a holder, moving does not touch the count. Not checked: dereferencing a null reference.
+template <class T>
+class Reference {
+public:
+    using element_type = T;
+
+    constexpr Reference() noexcept = default;
+    constexpr Reference(std::nullptr_t) noexcept {}
+    /// Adds a holder to `object`, which may be null.
+    explicit Reference(T* object) noexcept : object_(object) {
+        if (object_) object_->ref();
+    }
+    Reference(Reference const& other) noexcept : Reference(other.object_) {}
+    Reference(Reference&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+    template <class U>
+    requires std::convertible_to<U*, T*> Reference(Reference<U> const& other)
+    noexcept : Reference(static_cast<T*>(other.get())) {}
+    template <class U>
+    requires std::convertible_to<U*, T*> Reference(Reference<U>&& other)
+    noexcept : object_(other.release()) {}
+    ~Reference() {
+        if (object_) object_->unref();
+    }
+
+    /// The former object loses its holder only after the new one is in place, so its destructor may look here.
+    Reference& operator=(Reference other) noexcept {
+        std::swap(object_, other.object_);
+        return *this;
+    }
+
+    [[nodiscard]] T* get() const noexcept { return object_; }
+    T& operator*() const noexcept { return *object_; }
+    T* operator->() const noexcept { return object_; }
+    explicit operator bool() const noexcept { return object_ != nullptr; }
+    [[nodiscard]] bool null() const noexcept { return object_ == nullptr; }
+
+    void reset() noexcept { *this = Reference(); }
+    void reset(T* object) noexcept { *this = Reference(object); }
+    /// Gives up the object without dropping the count, which the caller owns from here on.
+    [[nodiscard]] T* release() noexcept { return std::exchange(object_, nullptr); }
+    void swap(Reference& other) noexcept { std::swap(object_, other.object_); }
+
+    /// Takes over a count that the caller owns; the counterpart of `release`.
+    [[nodiscard]] static Reference adopt(T* object) noexcept {
+        Reference result;
+        result.object_ = object;
+        return result;
+    }
+
+    friend void swap(Reference& a, Reference& b) noexcept { a.swap(b); }
+    template <class U>
+    friend bool operator==(Reference const& a, Reference<U> const& b) noexcept {
+        return a.get() == b.get();
+    }
+    friend bool operator==(Reference const& a, T const* b) noexcept { return a.object_ == b; }
+    friend bool operator==(Reference const& a, std::nullptr_t) noexcept { return a.object_ == nullptr; }
+    friend bool operator<(Reference const& a, Reference const& b) noexcept {
+        return std::less<T const*>()(a.object_, b.object_);
+    }
+
+private:
+    T* object_ = nullptr;
+};
+
+/// A new T held by its first reference.
+template <class T, class... Args>
+[[nodiscard]] Reference<T> make(Args&&... args) {
+    return Reference<T>(new T(std::forward<Args>(args)...));
+}
+
+/// The same object as a U when its dynamic class allows it, otherwise null. Null stays null.
+template <class U, class T>
+[[nodiscard]] Reference<U> dynamicCast(Reference<T> const& from) noexcept {
+    return Reference<U>(dynamic_cast<U*>(from.get()));
+}
+
+}  // namespace ur
+
+template <class T>
+struct std::hash<ur::Reference<T>> {
+    std::size_t operator()(ur::Reference<T> const& reference) const noexcept {
+        return std::hash<T*>()(reference.get());
+    }
+};

@@ -1,0 +1,97 @@
+// Counted references, class identities, the ordered map and the hash.
+#include <gtest/gtest.h>
+
+#include "foundation/ur/Reference.h"
+#include "foundation/ur/ReferenceCount.h"
+#include "foundation/ur/TypeInfo.h"
+#include "foundation/ur/containers.h"
+#include "foundation/ur/hashfunction.h"
+
+namespace {
+
+struct Counted : ur::ReferenceCount {
+    explicit Counted(int* counter) : alive(counter) { ++*alive; }
+    Counted(Counted const& other) : ur::ReferenceCount(other), alive(other.alive) { ++*alive; }
+    Counted& operator=(Counted const&) = default;
+    ~Counted() override { --*alive; }
+    int* alive;
+};
+struct Derived : Counted {
+    using Counted::Counted;
+};
+
+TEST(Reference, CountsHoldersAndDeletesWithTheLast) {
+    int alive = 0;
+    auto first = ur::make<Derived>(&alive);
+    EXPECT_EQ(first->referenceCount(), 1);
+    ur::Reference<Counted const> second = first;
+    EXPECT_EQ(first->referenceCount(), 2);
+    ur::Reference<Counted const> moved = std::move(second);
+    EXPECT_TRUE(second.null());
+    EXPECT_EQ(first->referenceCount(), 2);
+    moved = moved;
+    first.reset();
+    EXPECT_EQ(alive, 1);
+    EXPECT_TRUE(ur::dynamicCast<Derived const>(moved));
+    moved = nullptr;
+    EXPECT_EQ(alive, 0);
+}
+
+TEST(Reference, ACopiedObjectStartsUnshared) {
+    int alive = 0;
+    auto original = ur::make<Counted>(&alive);
+    auto other = original;
+    auto copy = ur::make<Counted>(*original);
+    EXPECT_EQ(copy->referenceCount(), 1);
+    *copy = *original;
+    EXPECT_EQ(copy->referenceCount(), 1);
+    EXPECT_EQ(original->referenceCount(), 2);
+}
+
+struct Slot : ur::ReferenceCount {
+    ur::Reference<Slot>* holder = nullptr;
+    bool* sawReplacement = nullptr;
+    ~Slot() override {
+        if (holder) *sawReplacement = holder->get() != this;
+    }
+};
+
+TEST(Reference, AnObjectReplacedSeesItsReplacementWhenItDies) {
+    bool sawReplacement = false;
+    ur::Reference<Slot> holder(new Slot);
+    holder->holder = &holder;
+    holder->sawReplacement = &sawReplacement;
+    holder = ur::make<Slot>();
+    EXPECT_TRUE(sawReplacement);
+}
+
+TEST(TypeInfo, IdentifiesTheDynamicClass) {
+    int alive = 0;
+    Derived derived(&alive);
+    Counted& base = derived;
+    EXPECT_EQ(ur::TypeInfo::of(base), ur::TypeInfo::of<Derived>());
+    EXPECT_NE(ur::TypeInfo::of<Counted>(), ur::TypeInfo::of<Derived>());
+    EXPECT_NE(ur::TypeInfo::of<Counted>() < ur::TypeInfo::of<Derived>(),
+              ur::TypeInfo::of<Derived>() < ur::TypeInfo::of<Counted>());
+    EXPECT_EQ(ur::TypeInfo::of<ur::ReferenceCount>().readableName(), "ur::ReferenceCount");
+}
+
+TEST(Map, FindsOrInsertsAndWalksInOrder) {
+    ur::map<int, int> map;
+    for (int i = 0; i < 1000; ++i) map[i * 7919 % 1000] = i;
+    ASSERT_EQ(map.size(), 1000U);
+    int expected = 0;
+    for (auto const& [key, value] : map) {
+        EXPECT_EQ(key, expected++);
+        EXPECT_EQ(value * 7919 % 1000, key);
+    }
+    EXPECT_EQ(sizeof(map), 24U);
+}
+
+TEST(HashFunction, GivesThePublishedValues) {
+    EXPECT_EQ(ur::hashfunction(""), 0x811c9dc5U);
+    EXPECT_EQ(ur::hashfunction("a"), 0xe40c292cU);
+    EXPECT_EQ(ur::hashfunction("foobar"), 0xbf9cf968U);
+}
+
+}  // namespace
