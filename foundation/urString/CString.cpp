@@ -1,0 +1,118 @@
+// Changing a text: whatever may need a new block, and whatever an argument inside the text could upset.
+#include "foundation/urString/CString.h"
+
+#include <algorithm>
+#include <functional>
+#include <ostream>
+#include <stdexcept>
+
+namespace urString {
+
+using impl::TextRep;
+
+namespace {
+
+/// Room for at least `needed` bytes and enough that repeated growth stays linear.
+std::size_t grownCapacity(TextRep const& rep, std::size_t needed) {
+    return std::max(needed, std::min(rep.capacity() + rep.capacity() / 2, TextRep::maxSize));
+}
+
+bool liesWithin(std::string_view part, TextRep const& whole) {
+    std::less_equal<char const*> const before;
+    return before(whole.data(), part.data()) && before(part.data(), whole.data() + whole.size());
+}
+
+std::size_t sum(std::size_t a, std::size_t b) {
+    if (b > TextRep::maxSize - a) throw std::length_error("text too long");
+    return a + b;
+}
+
+char* put(char* to, std::string_view text) {
+    if (text.empty()) return to;
+    std::memcpy(to, text.data(), text.size());
+    return to + text.size();
+}
+
+}  // namespace
+
+CString::CString(std::size_t count, char character) { append(count, character); }
+
+CString& CString::assign(std::string_view text) { return replace(0, npos, text); }
+
+void CString::appendGrowing(std::string_view text) {
+    std::size_t const size = sum(rep_.size(), text.size());
+    TextRep grown = TextRep::ofSize(size, grownCapacity(rep_, size));
+    put(put(grown.data(), view()), text);
+    rep_ = std::move(grown);
+}
+
+CString& CString::append(std::size_t count, char character) {
+    resize(sum(size(), count), character);
+    return *this;
+}
+
+CString& CString::replace(std::size_t position, std::size_t count, std::string_view text) {
+    std::size_t const start = std::min(position, size());
+    std::size_t const removed = std::min(count, size() - start);
+    std::size_t const newSize = sum(size() - removed, text.size());
+    std::string_view const head = view().substr(0, start);
+    std::string_view const tail = view().substr(start + removed);
+    if (newSize <= capacity() && !liesWithin(text, rep_)) {
+        std::memmove(rep_.data() + start + text.size(), tail.data(), tail.size());
+        put(rep_.data() + start, text);
+        rep_.setSize(newSize);
+    } else {
+        TextRep changed = TextRep::ofSize(newSize, newSize <= capacity() ? newSize : grownCapacity(rep_, newSize));
+        put(put(put(changed.data(), head), text), tail);
+        rep_ = std::move(changed);
+    }
+    return *this;
+}
+
+std::size_t CString::replace(std::string_view from, std::string_view to) {
+    std::size_t at = from.empty() ? npos : find(from);
+    if (at == npos) return 0;
+    CString result;
+    std::size_t replaced = 0;
+    std::size_t done = 0;
+    for (; at != npos; at = find(from, done)) {
+        result.append(view().substr(done, at - done)).append(to);
+        done = at + from.size();
+        ++replaced;
+    }
+    result.append(view().substr(done));
+    *this = std::move(result);
+    return replaced;
+}
+
+void CString::reserve(std::size_t capacity) {
+    if (capacity <= rep_.capacity()) return;
+    TextRep grown = TextRep::ofSize(size(), capacity);
+    put(grown.data(), view());
+    rep_ = std::move(grown);
+}
+
+void CString::resize(std::size_t size, char fill) {
+    std::size_t const former = this->size();
+    if (size > capacity()) reserve(grownCapacity(rep_, size));
+    if (size > former) std::memset(rep_.data() + former, fill, size - former);
+    rep_.setSize(size);
+}
+
+CString& CString::toUpperCase() noexcept {
+    for (char& c : *this) c = 'a' <= c && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    return *this;
+}
+
+CString& CString::toLowerCase() noexcept {
+    for (char& c : *this) c = 'A' <= c && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return *this;
+}
+
+CString CString::substr(std::size_t position, std::size_t count) const {
+    return CString(view().substr(std::min(position, size()), count));
+}
+
+std::ostream& operator<<(std::ostream& out, CString const& text) { return out << text.view(); }
+
+}  // namespace urString

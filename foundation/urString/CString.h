@@ -1,0 +1,189 @@
+// 8-bit text that owns its bytes.
+#pragma once
+
+#include <concepts>
+#include <cstdarg>
+#include <functional>
+#include <iosfwd>
+
+#include "foundation/urString/TextRep.h"
+
+namespace urString {
+
+class CString;
+
+/// What can stand beside a CString in a comparison without being copied into one.
+template <class T>
+concept ForeignText = std::convertible_to<T const&, std::string_view> && !std::same_as<T, CString>;
+
+/// The framework's text: any bytes, bounded by a length, with a NUL behind them; UTF-8 where it is meant as text.
+///
+/// Sixteen bytes, up to fifteen of text held in place, so that it can sit in items and dictionary entries.
+/// Order and equality are by bytes as unsigned numbers, and a text comes before every longer one that it begins.
+/// Positions beyond the end mean the end, counts beyond it reach to it. Arguments may be part of the text that
+/// is changed. A moved-from text is empty. A value: different threads may use different copies.
+class NX_API CString {
+public:
+    using value_type = char;
+    using size_type = std::size_t;
+    using iterator = char*;
+    using const_iterator = char const*;
+    static constexpr std::size_t npos = std::string_view::npos;
+
+    constexpr CString() noexcept = default;
+    /// Up to the terminating NUL; null gives the empty text.
+    CString(char const* text) : rep_(text, text ? std::strlen(text) : 0) {}
+    CString(char const* text, std::size_t size) : rep_(text, size) {}
+    CString(std::size_t count, char character);
+    explicit CString(std::string_view text) : rep_(text.data(), text.size()) {}
+    CString(CString const&) = default;
+    CString(CString&&) noexcept = default;
+    CString& operator=(CString const&) = default;
+    CString& operator=(CString&&) noexcept = default;
+
+    /// The text that `printf` would print; empty when the format is in error. Numbers have a point as their
+    /// decimal mark, whatever the process's locale is.
+    [[gnu::format(printf, 1, 2)]] static CString format(char const* format, ...);
+    [[gnu::format(printf, 1, 0)]] static CString vformat(char const* format, va_list arguments);
+
+    [[nodiscard]] char const* c_str() const noexcept { return rep_.data(); }
+    [[nodiscard]] char const* data() const noexcept { return rep_.data(); }
+    /// Valid until the text changes its size or moves; the NUL behind it must stay.
+    [[nodiscard]] char* data() noexcept { return rep_.data(); }
+    [[nodiscard]] std::size_t size() const noexcept { return rep_.size(); }
+    [[nodiscard]] std::size_t length() const noexcept { return rep_.size(); }
+    [[nodiscard]] bool empty() const noexcept { return rep_.size() == 0; }
+    [[nodiscard]] std::size_t capacity() const noexcept { return rep_.capacity(); }
+    [[nodiscard]] std::string_view view() const noexcept { return rep_.view(); }
+    operator std::string_view() const noexcept { return rep_.view(); }
+
+    [[nodiscard]] iterator begin() noexcept { return data(); }
+    [[nodiscard]] iterator end() noexcept { return data() + size(); }
+    [[nodiscard]] const_iterator begin() const noexcept { return data(); }
+    [[nodiscard]] const_iterator end() const noexcept { return data() + size(); }
+    /// NUL beyond the end.
+    [[nodiscard]] char operator[](std::size_t position) const noexcept {
+        return position < size() ? data()[position] : '\0';
+    }
+
+    CString& assign(std::string_view text);
+    CString& assign(char const* text) { return assign(orEmpty(text)); }
+    CString& assign(char const* text, std::size_t size) { return assign(std::string_view(text, size)); }
+    CString& append(std::string_view text) {
+        if (text.size() <= capacity() - size()) {
+            std::memmove(data() + size(), text.data(), text.size());
+            rep_.setSize(size() + text.size());
+        } else {
+            appendGrowing(text);
+        }
+        return *this;
+    }
+    CString& append(char const* text) { return append(orEmpty(text)); }
+    CString& append(char const* text, std::size_t size) { return append(std::string_view(text, size)); }
+    CString& append(char character) { return append(std::string_view(&character, 1)); }
+    CString& append(std::size_t count, char character);
+    CString& operator+=(std::string_view text) { return append(text); }
+    CString& operator+=(char const* text) { return append(text); }
+    CString& operator+=(char character) { return append(character); }
+
+    void clear() noexcept { rep_.setSize(0); }
+    CString& erase(std::size_t position = 0, std::size_t count = npos) { return replace(position, count, {}); }
+    /// Puts `text` in the place of `count` bytes.
+    CString& replace(std::size_t position, std::size_t count, std::string_view text);
+    /// Replaces every `from`, left to right and not again in what was put in; gives their number. An empty `from`
+    /// is found nowhere.
+    std::size_t replace(std::string_view from, std::string_view to);
+    void reserve(std::size_t capacity);
+    void resize(std::size_t size, char fill = '\0');
+    /// Lets `write(char* bytes, std::size_t size)` fill a text of `size` bytes, which hold the former text as far
+    /// as that goes and anything behind it; the result of `write`, at most `size`, is the size that stays.
+    template <class Write>
+    void resizeAndOverwrite(std::size_t size, Write write) {
+        reserve(size);
+        rep_.setSize(size);
+        rep_.setSize(write(rep_.data(), size));
+    }
+    /// The letters a to z only, in every locale.
+    CString& toUpperCase() noexcept;
+    CString& toLowerCase() noexcept;
+
+    /// The first place at or after `from`, or npos.
+    [[nodiscard]] std::size_t find(std::string_view text, std::size_t from = 0) const noexcept {
+        return view().find(text, from);
+    }
+    [[nodiscard]] std::size_t find(char character, std::size_t from = 0) const noexcept {
+        return view().find(character, from);
+    }
+    /// The last place at or before `from`, or npos.
+    [[nodiscard]] std::size_t rfind(std::string_view text, std::size_t from = npos) const noexcept {
+        return view().rfind(text, from);
+    }
+    [[nodiscard]] std::size_t rfind(char character, std::size_t from = npos) const noexcept {
+        return view().rfind(character, from);
+    }
+    [[nodiscard]] bool startsWith(std::string_view text) const noexcept { return view().starts_with(text); }
+    [[nodiscard]] bool endsWith(std::string_view text) const noexcept { return view().ends_with(text); }
+    [[nodiscard]] CString substr(std::size_t position, std::size_t count = npos) const;
+
+    /// Negative, 0 or positive as this text comes before, equals or comes after the other.
+    [[nodiscard]] int compare(CString const& other) const noexcept { return toInt(rep_ <=> other.rep_); }
+    template <ForeignText Text>
+    [[nodiscard]] int compare(Text const& other) const noexcept {
+        return view().compare(other);
+    }
+    friend bool operator==(CString const& a, CString const& b) noexcept { return a.rep_ == b.rep_; }
+    friend std::strong_ordering operator<=>(CString const& a, CString const& b) noexcept { return a.rep_ <=> b.rep_; }
+    template <ForeignText Text>
+    friend bool operator==(CString const& a, Text const& b) noexcept {
+        return a.view() == b;
+    }
+    template <ForeignText Text>
+    friend std::strong_ordering operator<=>(CString const& a, Text const& b) noexcept {
+        return a.view().compare(b) <=> 0;
+    }
+
+    friend CString operator+(CString a, std::string_view b) { return std::move(a.append(b)); }
+    friend NX_API std::ostream& operator<<(std::ostream& out, CString const& text);
+
+private:
+    [[nodiscard]] static std::string_view orEmpty(char const* text) noexcept {
+        return text ? std::string_view(text) : std::string_view();
+    }
+    [[nodiscard]] static int toInt(std::strong_ordering order) noexcept { return (order > 0) - (order < 0); }
+    void appendGrowing(std::string_view text);
+
+    impl::TextRep rep_;
+};
+
+static_assert(sizeof(CString) == 16);
+
+/// The order of texts as a function object; looks up by any text without copying it.
+struct less {
+    using is_transparent = void;
+
+    template <std::same_as<CString> Text>
+    [[nodiscard]] bool operator()(Text const& a, Text const& b) const noexcept {
+        return a < b;
+    }
+    [[nodiscard]] bool operator()(CString const& a, std::string_view b) const noexcept { return a.view() < b; }
+    [[nodiscard]] bool operator()(std::string_view a, CString const& b) const noexcept { return a < b.view(); }
+};
+
+}  // namespace urString
+
+namespace ur {
+
+template <class T>
+struct less;
+
+template <>
+struct less<urString::CString> : urString::less {};
+
+}  // namespace ur
+
+template <>
+struct std::hash<urString::CString> {
+    std::size_t operator()(urString::CString const& text) const noexcept {
+        return std::hash<std::string_view>()(text.view());
+    }
+};

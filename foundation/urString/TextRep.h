@@ -1,0 +1,167 @@
+// The sixteen bytes that hold a text: inline when it is short, on the heap when it is long.
+#pragma once
+
+#include <bit>
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+#include "foundation/ur/Export.h"
+
+namespace urString::impl {
+
+/// Owned bytes with a NUL behind them; the layout and the comparisons under `CString`.
+///
+/// Two words. The last byte in memory is the tag. Inline, it is 15 - size, so that for a text of 15 bytes it is
+/// its terminator as well, and every byte between the text and the tag is zero: equal short texts are equal
+/// words. On the heap, its top bit is set and the rest is the code of the block's size; the first word is the
+/// block's address and the other seven bytes of the second are the size of the text.
+class NX_API TextRep {
+public:
+    static constexpr std::size_t inlineCapacity = 15;
+    static constexpr std::size_t maxSize = (std::size_t(7) << 33) - 1;  // the largest block that a code can name
+
+    constexpr TextRep() noexcept = default;
+    /// Throws `std::length_error` beyond `maxSize`, `std::bad_alloc` when there is no memory.
+    TextRep(char const* text, std::size_t size) {
+        if (size <= inlineCapacity) [[likely]] {
+            pack(text, size);
+        } else {
+            std::memcpy(makeRoom(size, size), text, size);
+        }
+    }
+    TextRep(TextRep const& other) : words_{other.words_[0], other.words_[1]} {
+        if (!other.isInline()) [[unlikely]]
+            std::memcpy(makeRoom(other.size(), other.size()), other.data(), other.size());
+    }
+    TextRep(TextRep&& other) noexcept : words_{other.words_[0], other.words_[1]} { other.forget(); }
+    TextRep& operator=(TextRep const& other) {
+        if (this != &other) TextRep(other).swap(*this);
+        return *this;
+    }
+    TextRep& operator=(TextRep&& other) noexcept {
+        TextRep(std::move(other)).swap(*this);
+        return *this;
+    }
+    ~TextRep() {
+        if (!isInline()) [[unlikely]]
+            release();
+    }
+
+    /// A text of `size` bytes of any value in a block that can take `capacity` bytes: to be written at once.
+    [[nodiscard]] static TextRep ofSize(std::size_t size, std::size_t capacity) {
+        TextRep result;
+        if (capacity > inlineCapacity) {
+            result.makeRoom(size, capacity);
+        } else {
+            result.setSize(size);
+        }
+        return result;
+    }
+
+    [[nodiscard]] bool isInline() const noexcept { return tag() < heapTag; }
+    [[nodiscard]] std::size_t size() const noexcept {
+        return isInline() ? inlineCapacity - tag() : (words_[1] >> sizeShift) & sizeMask;
+    }
+    [[nodiscard]] std::size_t capacity() const noexcept {
+        return isInline() ? inlineCapacity : blockBytes(tag() - heapTag) - 1;
+    }
+    [[nodiscard]] char const* data() const noexcept {
+        return isInline() ? reinterpret_cast<char const*>(words_) : block();
+    }
+    [[nodiscard]] char* data() noexcept { return isInline() ? reinterpret_cast<char*>(words_) : block(); }
+    [[nodiscard]] std::string_view view() const noexcept { return {data(), size()}; }
+
+    /// Requires: at most `capacity()`. Bytes that join the text keep the value that they have.
+    void setSize(std::size_t size) noexcept {
+        if (isInline()) {
+            words_[0] &= firstBytes(size);
+            words_[1] = (size > 8 ? words_[1] & firstBytes(size - 8) : 0) | std::uint64_t(inlineCapacity - size)
+                                                                                << tagShift;
+        } else {
+            block()[size] = '\0';
+            words_[1] = std::uint64_t(size) << sizeShift | std::uint64_t(tag()) << tagShift;
+        }
+    }
+    void swap(TextRep& other) noexcept {
+        std::swap(words_[0], other.words_[0]);
+        std::swap(words_[1], other.words_[1]);
+    }
+
+    friend bool operator==(TextRep const& a, TextRep const& b) noexcept {
+        if (a.words_[0] == b.words_[0] && a.words_[1] == b.words_[1]) return true;
+        return !(a.isInline() && b.isInline()) && a.view() == b.view();
+    }
+    /// By bytes as unsigned numbers; a text comes before every longer one that it begins.
+    friend std::strong_ordering operator<=>(TextRep const& a, TextRep const& b) noexcept {
+        if (!a.isInline() || !b.isInline()) [[unlikely]]
+            return a.view().compare(b.view()) <=> 0;
+        if (a.words_[0] != b.words_[0]) return inMemoryOrder(a.words_[0]) <=> inMemoryOrder(b.words_[0]);
+        // The tag is the least byte here and falls as the size grows; inverted, it lets the shorter come first.
+        return (inMemoryOrder(a.words_[1]) ^ 0xff) <=> (inMemoryOrder(b.words_[1]) ^ 0xff);
+    }
+
+private:
+    static constexpr bool littleEndian = std::endian::native == std::endian::little;
+    static constexpr int tagShift = littleEndian ? 56 : 0;
+    static constexpr int sizeShift = littleEndian ? 0 : 8;
+    static constexpr std::uint64_t sizeMask = (std::uint64_t(1) << 56) - 1;
+    static constexpr unsigned heapTag = 0x80;
+
+    /// Four block sizes to the octave, from 16 bytes on: what growth and allocators round to anyway.
+    [[nodiscard]] static constexpr std::size_t blockBytes(unsigned code) noexcept {
+        return std::size_t(4 + code % 4) << (2 + code / 4);
+    }
+    /// The bytes of a word as a number that orders as they do in memory.
+    [[nodiscard]] static std::uint64_t inMemoryOrder(std::uint64_t word) noexcept {
+        return littleEndian ? __builtin_bswap64(word) : word;
+    }
+    /// The mask of the first `count` bytes in memory.
+    [[nodiscard]] static std::uint64_t firstBytes(std::size_t count) noexcept {
+        if (count == 0) return 0;
+        std::uint64_t const all = ~std::uint64_t(0);
+        std::size_t const others = count < 8 ? 64 - 8 * count : 0;
+        return littleEndian ? all >> others : all << others;
+    }
+    template <class Word>
+    [[nodiscard]] static std::uint64_t load(char const* from) noexcept {
+        Word word;
+        std::memcpy(&word, from, sizeof word);
+        return word;
+    }
+
+    [[nodiscard]] unsigned tag() const noexcept { return static_cast<unsigned char>(words_[1] >> tagShift); }
+    [[nodiscard]] char* block() const noexcept { return reinterpret_cast<char*>(words_[0]); }
+    void forget() noexcept {
+        words_[0] = 0;
+        words_[1] = std::uint64_t(inlineCapacity) << tagShift;
+    }
+    /// Becomes the inline text, without the call that a copy of unknown length would be. Requires: a new text.
+    void pack(char const* text, std::size_t size) noexcept {
+        if (!littleEndian) {
+            std::memcpy(words_, text, size);
+        } else if (size > 8) {
+            words_[0] = load<std::uint64_t>(text);
+            words_[1] = load<std::uint64_t>(text + size - 8) >> (8 * (16 - size));
+        } else if (size >= 4) {
+            words_[0] = load<std::uint32_t>(text) | load<std::uint32_t>(text + size - 4) << (8 * (size - 4));
+        } else if (size > 0) {
+            std::size_t const middle = size / 2;
+            words_[0] = load<unsigned char>(text) | load<unsigned char>(text + middle) << (8 * middle) |
+                        load<unsigned char>(text + size - 1) << (8 * (size - 1));
+        }
+        words_[1] = (words_[1] & ~(std::uint64_t(0xff) << tagShift)) | std::uint64_t(inlineCapacity - size) << tagShift;
+    }
+    /// Becomes an unwritten heap text of `size` bytes. Requires: no block is held.
+    char* makeRoom(std::size_t size, std::size_t capacity);
+    void release() noexcept;
+
+    std::uint64_t words_[2] = {0, std::uint64_t(inlineCapacity) << tagShift};
+};
+
+static_assert(sizeof(TextRep) == 16 && sizeof(void*) == 8);
+
+}  // namespace urString::impl
