@@ -1,11 +1,12 @@
-# One folder, one module: a static library of its sources, one test program of its tests.
+# One folder, one module: its objects, one test program of its tests.
 #
 #   nx_module(NAME urString USES ur PACKAGES utf8cpp SOURCES CString.cpp)
 #
 # USES names the modules whose headers this one may include (cmake/check_layers holds it to that);
 # PACKAGES are link targets that only this module's sources need; PUBLIC_PACKAGES those that its
 # headers need as well. Headers in the folder itself are public and installed, those in impl/ are not.
-set_property(GLOBAL PROPERTY NX_MODULES "")
+set_property(GLOBAL PROPERTY NX_OBJECTS "")
+set_property(GLOBAL PROPERTY NX_PACKAGES "")
 set_property(GLOBAL PROPERTY NX_PUBLIC_HEADERS "")
 
 function(nx_module)
@@ -14,20 +15,23 @@ function(nx_module)
   set_property(GLOBAL APPEND PROPERTY NX_PUBLIC_HEADERS ${headers})
 
   set(target nx_${M_NAME})
+  list(TRANSFORM M_USES PREPEND nx_ OUTPUT_VARIABLE used)
   if(M_SOURCES)
-    add_library(${target} STATIC ${M_SOURCES})
-    set(scope PUBLIC)
-    set_property(GLOBAL APPEND PROPERTY NX_MODULES ${target})
+    # Compiled once: the objects go into the shared library and into the archive that the tests link.
+    add_library(${target}_objects OBJECT ${M_SOURCES})
+    target_include_directories(${target}_objects PRIVATE ${PROJECT_SOURCE_DIR})
+    target_link_libraries(${target}_objects PRIVATE ${used} ${M_PACKAGES} ${M_PUBLIC_PACKAGES})
+    add_library(${target} STATIC $<TARGET_OBJECTS:${target}_objects>)
     target_link_libraries(${target} PRIVATE ${M_PACKAGES})
+    set_property(GLOBAL APPEND PROPERTY NX_OBJECTS $<TARGET_OBJECTS:${target}_objects>)
+    set_property(GLOBAL APPEND PROPERTY NX_PACKAGES ${M_PACKAGES} ${M_PUBLIC_PACKAGES})
+    set(scope PUBLIC)
   else()
     add_library(${target} INTERFACE)
     set(scope INTERFACE)
   endif()
   target_include_directories(${target} ${scope} ${PROJECT_SOURCE_DIR})
-  target_link_libraries(${target} ${scope} ${M_PUBLIC_PACKAGES})
-  foreach(used ${M_USES})
-    target_link_libraries(${target} ${scope} nx_${used})
-  endforeach()
+  target_link_libraries(${target} ${scope} ${used} ${M_PUBLIC_PACKAGES})
 
   file(GLOB tests CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tests/*_test.cpp)
   if(NX_TESTS AND tests)
@@ -40,15 +44,17 @@ endfunction()
 
 # libSupport: every module taken whole, yajl beside it, and only what is public exported.
 function(nx_shared_library)
-  get_property(modules GLOBAL PROPERTY NX_MODULES)
+  get_property(objects GLOBAL PROPERTY NX_OBJECTS)
+  get_property(packages GLOBAL PROPERTY NX_PACKAGES)
+  list(REMOVE_DUPLICATES packages)
+  list(REMOVE_ITEM packages nx_yajl)
   set(map ${PROJECT_SOURCE_DIR}/cmake/libSupport.map)
-  file(WRITE ${CMAKE_BINARY_DIR}/anchor.cpp "")
-  add_library(Support SHARED ${CMAKE_BINARY_DIR}/anchor.cpp)
+  add_library(Support SHARED ${objects})
   add_library(nxSupport::Support ALIAS Support)
-  target_link_libraries(Support PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,${modules},nx_yajl>" Threads::Threads)
+  target_link_libraries(Support PRIVATE ${packages} "$<LINK_LIBRARY:WHOLE_ARCHIVE,nx_yajl>")
   target_link_options(Support PRIVATE LINKER:--version-script=${map} LINKER:-Bsymbolic-functions LINKER:-z,defs)
   set_target_properties(Support PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
-                                           EXPORT_NAME Support LINK_DEPENDS ${map})
+                                           LINK_DEPENDS ${map})
   target_include_directories(Support INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
                                                $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/nxSupport>)
   target_link_libraries(Support INTERFACE absl::btree)

@@ -1,0 +1,42 @@
+// The item that holds a sequence of items.
+#pragma once
+
+#include <utility>
+
+#include "foundation/ur/containers.h"
+#include "plst/Item.h"
+
+namespace nxPLST {
+
+/// Items in the order in which they were inserted. Elements are meant to be non-null.
+///
+/// Indexes are not checked: 0 to `size() - 1` is the caller's promise.
+class NX_API Array final : public Item {
+public:
+    Array() noexcept : Item(ArrayType) {}
+    ~Array() override;
+
+    [[nodiscard]] ur::vector<ur::Reference<Item>>& array() noexcept { return array_; }
+    [[nodiscard]] ur::vector<ur::Reference<Item>> const& array() const noexcept { return array_; }
+
+    /// Appends; never inserts in the middle.
+    void insert(ur::Reference<Item> item) { array_.push_back(std::move(item)); }
+
+    /// The element's slot itself, assignable until the array grows.
+    [[nodiscard]] ur::Reference<Item>& operator[](int index) noexcept { return array_[index]; }
+    [[nodiscard]] ur::Reference<Item> operator[](int index) const noexcept { return array_[index]; }
+    [[nodiscard]] ur::Reference<Item> objectAt(int index) const noexcept { return array_[index]; }
+
+    [[nodiscard]] int size() const noexcept { return static_cast<int>(array_.size()); }
+    [[nodiscard]] int capacity() const noexcept { return static_cast<int>(array_.capacity()); }
+    [[nodiscard]] bool empty() const noexcept { return array_.empty(); }
+    void clear() noexcept;
+
+private:
+    [[nodiscard]] ur::Reference<Item> onClone() const override;
+    [[nodiscard]] bool onCongruent(Item const& other) const override;
+
+    ur::vector<ur::Reference<Item>> array_;
+};
+
+}  // namespace nxPLST

@@ -1,0 +1,24 @@
+// The item that holds a truth value.
+#pragma once
+
+#include "plst/Item.h"
+
+namespace nxPLST {
+
+/// A truth value.
+class NX_API Bool final : public Item {
+public:
+    Bool() noexcept : Bool(false) {}
+    explicit Bool(bool value) noexcept : Item(BoolType), value_(value) {}
+    ~Bool() override;
+
+    [[nodiscard]] bool value() const noexcept { return value_; }
+    void set(bool value) noexcept { value_ = value; }
+
+private:
+    [[nodiscard]] ur::Reference<Item> onClone() const override;
+
+    bool value_;
+};
+
+}  // namespace nxPLST

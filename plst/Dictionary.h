@@ -1,0 +1,38 @@
+// The item that holds items under text keys.
+#pragma once
+
+#include "foundation/ur/containers.h"
+#include "foundation/urString/CString.h"
+#include "plst/Item.h"
+
+namespace nxPLST {
+
+/// Items under unique keys, always in ascending order of the keys' bytes. Values are meant to be non-null.
+class NX_API Dictionary final : public Item {
+public:
+    using Map = ur::map<urString::CString, ur::Reference<Item>, ur::less<urString::CString>>;
+
+    Dictionary() noexcept : Item(DictionaryType) {}
+    ~Dictionary() override;
+
+    [[nodiscard]] Map& dictionary() noexcept { return dictionary_; }
+    [[nodiscard]] Map const& dictionary() const noexcept { return dictionary_; }
+
+    /// The value under `key`; null when there is none.
+    [[nodiscard]] ur::Reference<Item> find(urString::CString const& key) const;
+    [[nodiscard]] ur::Reference<Item> get(urString::CString const& key) const { return find(key); }
+
+    /// Stores `value` under `key` in place of any former value.
+    void insert(urString::CString const& key, ur::Reference<Item> value);
+
+    [[nodiscard]] int size() const noexcept { return static_cast<int>(dictionary_.size()); }
+    [[nodiscard]] bool empty() const noexcept { return dictionary_.empty(); }
+
+private:
+    [[nodiscard]] ur::Reference<Item> onClone() const override;
+    [[nodiscard]] bool onCongruent(Item const& other) const override;
+
+    Map dictionary_;
+};
+
+}  // namespace nxPLST

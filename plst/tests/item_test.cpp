@@ -1,0 +1,151 @@
+// Item trees: sharing, copying, shape comparison, casts, depth.
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <functional>
+#include <thread>
+
+#include "plst/casts.h"
+
+namespace {
+
+using namespace nxPLST;
+using ur::make;
+using ur::Reference;
+
+Reference<Item> number(double value) { return make<Double>(value); }
+Reference<Item> text(char const* value) { return make<String>(value); }
+
+Reference<Array> arrayOf(std::initializer_list<Reference<Item>> elements) {
+    auto array = make<Array>();
+    for (auto const& element : elements) array->insert(element);
+    return array;
+}
+
+Reference<Dictionary> dictionaryOf(char const* key, Reference<Item> value) {
+    auto dictionary = make<Dictionary>();
+    dictionary->insert(key, std::move(value));
+    return dictionary;
+}
+
+/// Nests arrays and dictionaries in turn, `depth` levels around a number.
+Reference<Item> nested(int depth) {
+    Reference<Item> item = number(1);
+    for (int i = 0; i < depth; ++i) item = i % 2 ? Reference<Item>(dictionaryOf("k", item)) : arrayOf({item});
+    return item;
+}
+
+void onSmallStack(std::function<void()> work) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, 512 * 1024);
+    pthread_t thread;
+    auto run = [](void* argument) -> void* {
+        (*static_cast<std::function<void()>*>(argument))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+TEST(Items, TellTheirKind) {
+    EXPECT_EQ(make<Bool>()->type(), 0);
+    EXPECT_EQ(make<Double>()->type(), 1);
+    EXPECT_EQ(make<String>("")->type(), 2);
+    EXPECT_EQ(make<Array>()->type(), 3);
+    EXPECT_EQ(make<Dictionary>()->type(), 4);
+}
+
+TEST(Dictionary, KeepsOneValuePerKeyInKeyOrder) {
+    auto dictionary = make<Dictionary>();
+    EXPECT_TRUE(dictionary->get("x").null());
+    for (char const* key : {"b", "a", "c", "a"}) dictionary->insert(key, text(key));
+    auto const last = number(2);
+    dictionary->insert("a", last);
+    EXPECT_EQ(dictionary->size(), 3);
+    EXPECT_EQ(dictionary->find("a"), last);
+    std::string keys;
+    for (auto const& entry : dictionary->dictionary()) keys += entry.first.c_str();
+    EXPECT_EQ(keys, "abc");
+}
+
+TEST(Array, InsertAppendsAndSlotsAreAssignable) {
+    auto array = arrayOf({number(1), number(2), number(3)});
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(asDouble(array->objectAt(i))->value(), i + 1);
+    (*array)[1] = text("two");
+    EXPECT_FALSE(asString(array->objectAt(1)).null());
+    array->clear();
+    EXPECT_TRUE(array->empty());
+}
+
+TEST(Clone, UnsharesEveryOccurrence) {
+    auto const shared = text("a");
+    auto const original = arrayOf({shared, shared, dictionaryOf("k", shared)});
+    auto const copy = asArray(original->clone());
+    ASSERT_EQ(copy->size(), 3);
+    EXPECT_EQ(shared->referenceCount(), 4);
+    asString(copy->objectAt(0))->set("changed");
+    EXPECT_STREQ(asString(copy->objectAt(1))->value().c_str(), "a");
+    EXPECT_STREQ(asString(asDictionary(copy->objectAt(2))->get("k"))->value().c_str(), "a");
+    EXPECT_TRUE(copy->congruent(*original));
+}
+
+TEST(Congruent, ComparesShapesAndNeverValues) {
+    auto const pair = arrayOf({number(1), text("a")});
+    struct {
+        Reference<Item> a, b;
+        bool expected;
+    } const cases[] = {
+        {number(1), number(7), true},
+        {number(1), make<Bool>(true), false},
+        {pair, arrayOf({number(9), text("z")}), true},
+        {pair, arrayOf({text("z"), number(9)}), false},
+        {pair, arrayOf({number(1)}), false},
+        {arrayOf({number(1)}), pair, false},
+        {pair, make<Bool>(), false},
+        {arrayOf({}), arrayOf({}), true},
+        {arrayOf({}), make<Dictionary>(), false},
+        {arrayOf({nullptr}), arrayOf({nullptr}), true},
+        {arrayOf({nullptr}), arrayOf({number(1)}), false},
+        {dictionaryOf("a", number(1)), dictionaryOf("b", number(1)), false},
+        {dictionaryOf("a", pair), dictionaryOf("a", arrayOf({number(0), text("")})), true},
+        {dictionaryOf("a", pair), dictionaryOf("a", arrayOf({number(0), number(0)})), false},
+    };
+    for (auto const& one : cases) EXPECT_EQ(one.a->congruent(*one.b), one.expected) << (&one - cases);
+}
+
+TEST(Casts, NeverConvert) {
+    EXPECT_TRUE(asDouble(Reference<Item>(make<Bool>(true))).null());
+    EXPECT_TRUE(asDouble(Reference<Item const>()).null());
+    Reference<Item const> item = number(3);
+    EXPECT_EQ(asDouble(item).get(), item.get());
+    EXPECT_EQ(item->referenceCount(), 1);
+}
+
+TEST(Depth, AMillionLevelsFitASmallStack) {
+    onSmallStack([] {
+        Reference<Item> const deep = nested(1000000);
+        Reference<Item> const copy = deep->clone();
+        EXPECT_TRUE(copy->congruent(*deep));
+        EXPECT_FALSE(copy->congruent(*nested(1000001)));
+    });
+}
+
+TEST(Depth, DestructionReachesSharedAndUnsharedChildrenOnce) {
+    auto const kept = text("kept");
+    {
+        Reference<Item> item = kept;
+        for (int i = 0; i < 5000; ++i) item = arrayOf({item, kept, dictionaryOf("k", arrayOf({kept, item}))});
+    }
+    EXPECT_EQ(kept->referenceCount(), 1);
+}
+
+TEST(Trees, MayBeDroppedOnAnotherThread) {
+    Reference<Item> tree;
+    std::thread([&tree] { tree = nested(10000); }).join();
+    EXPECT_EQ(tree->referenceCount(), 1);
+    std::thread([tree = std::move(tree)]() mutable { tree.reset(); }).join();
+}
+
+}  // namespace

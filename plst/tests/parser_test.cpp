@@ -1,0 +1,58 @@
+// The typed reader, in both modes.
+#include <gtest/gtest.h>
+
+#include "plst/Parser.h"
+
+namespace {
+
+using namespace nxPLST;
+using ur::make;
+
+ur::Reference<Array> numbers(int count) {
+    auto array = make<Array>();
+    for (int i = 0; i < count; ++i) array->insert(make<Double>(i));
+    return array;
+}
+
+TEST(Parser, AcceptsOnlyTheKindItself) {
+    Parser parser(make<Double>(1.0), false);
+    EXPECT_TRUE(parser.parseDouble());
+    EXPECT_TRUE(parser.parseDouble());
+    EXPECT_FALSE(parser.parseBool());
+    EXPECT_FALSE(parser.parseString());
+    EXPECT_FALSE(parser.parseArray());
+    EXPECT_FALSE(parser.parseDictionary());
+    EXPECT_TRUE(Parser().null());
+    EXPECT_FALSE(Parser().parseDouble());
+    EXPECT_FALSE(Parser(nullptr, false).parseNumericArray());
+}
+
+TEST(Parser, ChecksNumericArrays) {
+    Parser three(numbers(3), false);
+    EXPECT_TRUE(three.parseNumericArray(3));
+    EXPECT_TRUE(three.parseNumericArray());
+    EXPECT_FALSE(three.parseNumericArray(2));
+    Parser none(numbers(0), false);
+    EXPECT_TRUE(none.parseNumericArray());
+    EXPECT_TRUE(none.parseNumericArray(0));
+}
+
+TEST(Parser, ThrowsFalseInThrowModeExceptForAnElementOfAnotherKind) {
+    Parser null(nullptr, true);
+    EXPECT_THROW(null.parseDouble(), bool);
+    Parser three(numbers(3), true);
+    EXPECT_THROW(three.parseNumericArray(2), bool);
+    EXPECT_THROW(three.parseDictionary(), bool);
+    auto mixed = numbers(3);
+    (*mixed)[1] = make<String>("a");
+    EXPECT_FALSE(Parser(mixed, true).parseNumericArray(3));
+    EXPECT_FALSE(Parser(mixed, true).parseNumericArray());
+    Parser text(make<String>("a"), false);
+    text.setThrowMode();
+    Parser copy = text;
+    EXPECT_THROW(copy.parseNumericArray(3), bool);
+    copy = three;
+    EXPECT_TRUE(copy.parseNumericArray(3));
+}
+
+}  // namespace
