@@ -37,7 +37,15 @@ char* put(char* to, std::string_view text) {
 
 CString::CString(std::size_t count, char character) { append(count, character); }
 
-CString& CString::assign(std::string_view text) { return replace(0, npos, text); }
+CString& CString::assign(std::string_view text) {
+    if (text.size() <= capacity()) {
+        if (!text.empty()) std::memmove(rep_.data(), text.data(), text.size());
+        rep_.setSize(text.size());
+    } else {
+        rep_ = TextRep(text.data(), text.size());
+    }
+    return *this;
+}
 
 void CString::appendGrowing(std::string_view text) {
     std::size_t const size = sum(rep_.size(), text.size());
@@ -70,18 +78,15 @@ CString& CString::replace(std::size_t position, std::size_t count, std::string_v
 }
 
 std::size_t CString::replace(std::string_view from, std::string_view to) {
-    std::size_t at = from.empty() ? npos : find(from);
-    if (at == npos) return 0;
+    if (from.empty()) return 0;
     CString result;
     std::size_t replaced = 0;
     std::size_t done = 0;
-    for (; at != npos; at = find(from, done)) {
+    for (std::size_t at; (at = find(from, done)) != npos; done = at + from.size()) {
         result.append(view().substr(done, at - done)).append(to);
-        done = at + from.size();
         ++replaced;
     }
-    result.append(view().substr(done));
-    *this = std::move(result);
+    if (replaced > 0) *this = std::move(result.append(view().substr(done)));
     return replaced;
 }
 

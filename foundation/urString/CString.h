@@ -71,7 +71,7 @@ public:
     CString& assign(char const* text, std::size_t size) { return assign(std::string_view(text, size)); }
     CString& append(std::string_view text) {
         if (text.size() <= capacity() - size()) {
-            std::memmove(data() + size(), text.data(), text.size());
+            if (!text.empty()) std::memmove(data() + size(), text.data(), text.size());
             rep_.setSize(size() + text.size());
         } else {
             appendGrowing(text);

@@ -1,0 +1,117 @@
+// Wide text: characters rather than bytes, and the road between the two.
+#pragma once
+
+#include <compare>
+#include <cstddef>
+#include <functional>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+
+#include "foundation/urString/CString.h"
+
+namespace urString {
+
+/// What bytes mean. Both read well-formed UTF-8 as what it says and differ in what they do with other bytes.
+///
+/// `multibyte`, for names that the system gives (files, environment): a byte that belongs to no character becomes
+/// a character of its own, U+DC80 to U+DCFF, and `asMultibyte` gives the same byte again, so that every file can
+/// be named. The process's locale has no say: a path means the same file whatever `setlocale` was called with.
+/// `utf8`, for text: each ill-formed piece becomes one U+FFFD, and what is written is always valid UTF-8.
+enum class Encoding : int { multibyte = 0, utf8 = 1 };
+
+/// Text as Unicode characters, for file names and for what people read and write.
+///
+/// Always holds characters only: Unicode scalar values, and the stand-ins for undecodable bytes that
+/// `Encoding::multibyte` describes; anything else given to it becomes U+FFFD. NULs are characters like others
+/// where a length is given. Order is by character number. Positions beyond the end mean the end, counts beyond
+/// it reach to it. A value: different threads may use different copies.
+class NX_API IString {
+public:
+    static constexpr std::size_t npos = std::u32string::npos;
+
+    IString() noexcept = default;
+    /// As `assign` does, for each of these; null gives the empty text.
+    IString(char const* text, Encoding encoding = Encoding::multibyte, bool* error = nullptr);
+    IString(std::string_view text, Encoding encoding, bool* error = nullptr);
+    IString(wchar_t const* text);
+    explicit IString(std::wstring_view text);
+    explicit IString(std::u32string_view text);
+
+    /// The text that `printf` would print, as `CString::format`.
+    [[gnu::format(printf, 1, 2)]] static IString format(char const* format, ...);
+
+    /// Takes over the characters of `text`. `error`, where given, tells whether any byte was no UTF-8.
+    IString& assign(std::string_view text, Encoding encoding, bool* error = nullptr);
+    IString& assign(char const* text, std::size_t size, Encoding encoding, bool* error = nullptr);
+    /// Up to the terminating NUL; null gives the empty text.
+    IString& assign(char const* text, Encoding encoding, bool* error = nullptr);
+    IString& assign(std::wstring_view text);
+
+    [[nodiscard]] CString asUTF8() const;
+    /// The size of `asUTF8` with the NUL behind it.
+    [[nodiscard]] std::size_t asUTF8StoreSize() const noexcept;
+    [[nodiscard]] CString asMultibyte() const;
+    /// In the platform's wide form: UTF-32, or UTF-16 where `wchar_t` has two bytes.
+    [[nodiscard]] std::wstring asWide() const;
+
+    [[nodiscard]] std::size_t length() const noexcept { return text_.size(); }
+    [[nodiscard]] std::size_t size() const noexcept { return text_.size(); }
+    [[nodiscard]] bool empty() const noexcept { return text_.empty(); }
+    [[nodiscard]] std::u32string_view view() const noexcept { return text_; }
+    /// NUL beyond the end.
+    [[nodiscard]] char32_t operator[](std::size_t position) const noexcept {
+        return position < text_.size() ? text_[position] : U'\0';
+    }
+
+    IString& append(IString const& text);
+    IString& append(char32_t character);
+    IString& operator+=(IString const& text) { return append(text); }
+    IString& operator+=(char32_t character) { return append(character); }
+    void clear() noexcept { text_.clear(); }
+    IString& erase(std::size_t position = 0, std::size_t count = npos);
+    /// Puts `text` in the place of `count` characters.
+    IString& replace(std::size_t position, std::size_t count, IString const& text);
+    /// Replaces every `from`, left to right and not again in what was put in; gives their number. An empty `from`
+    /// is found nowhere.
+    std::size_t replace(IString const& from, IString const& to);
+
+    /// The first place at or after `from`, or npos.
+    [[nodiscard]] std::size_t find(IString const& text, std::size_t from = 0) const noexcept {
+        return text_.find(text.text_, from);
+    }
+    [[nodiscard]] std::size_t find(char32_t character, std::size_t from = 0) const noexcept {
+        return text_.find(character, from);
+    }
+    /// The last place at or before `from`, or npos.
+    [[nodiscard]] std::size_t rfind(IString const& text, std::size_t from = npos) const noexcept {
+        return text_.rfind(text.text_, from);
+    }
+    [[nodiscard]] std::size_t rfind(char32_t character, std::size_t from = npos) const noexcept {
+        return text_.rfind(character, from);
+    }
+    [[nodiscard]] bool startsWith(IString const& text) const noexcept { return text_.starts_with(text.text_); }
+    [[nodiscard]] bool endsWith(IString const& text) const noexcept { return text_.ends_with(text.text_); }
+    [[nodiscard]] IString substr(std::size_t position, std::size_t count = npos) const;
+
+    /// Negative, 0 or positive as this text comes before, equals or comes after the other.
+    [[nodiscard]] int compare(IString const& other) const noexcept { return text_.compare(other.text_); }
+    friend bool operator==(IString const& a, IString const& b) noexcept = default;
+    friend std::strong_ordering operator<=>(IString const& a, IString const& b) noexcept = default;
+
+    friend IString operator+(IString a, IString const& b) { return std::move(a.append(b)); }
+    /// Writes the text as UTF-8.
+    friend NX_API std::ostream& operator<<(std::ostream& out, IString const& text);
+
+private:
+    std::u32string text_;
+};
+
+}  // namespace urString
+
+template <>
+struct std::hash<urString::IString> {
+    std::size_t operator()(urString::IString const& text) const noexcept {
+        return std::hash<std::u32string_view>()(text.view());
+    }
+};

@@ -1,0 +1,220 @@
+// CString: against std::string under random edits, its order, its limits, and printf-style formatting.
+#include "foundation/urString/CString.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <stdexcept>
+#include <utility>
+
+#include "foundation/ur/containers.h"
+#include "foundation/urString/tests/CommaLocale.h"
+
+using urString::CString;
+
+namespace {
+
+/// The same text in a block, however short it is.
+CString onHeap(std::string_view text) {
+    CString result;
+    result.reserve(40);
+    result.append(text);
+    return result;
+}
+
+/// Two texts under the same random edits: the real one, and the standard's as the model.
+class Pair {
+public:
+    explicit Pair(unsigned seed) : random_(seed) {}
+
+    void edit() {
+        switch (below(12)) {
+            case 0: return both([&](auto& s) { s.append(std::string_view(text_)); }, someText());
+            case 1: return both([&](auto& s) { s.append(std::string_view(s).substr(at_, count_)); });
+            case 2: return both([&](auto& s) { s.replace(at_, count_, std::string_view(text_)); }, someText());
+            case 3: return replaceByOwnPart();
+            case 4: return both([&](auto& s) { s.erase(at_, count_); });
+            case 5: return both([&](auto& s) { s.resize(count_ * 2, 'r'); });
+            case 6: return both([&](auto& s) { s.assign(std::string_view(s).substr(at_, count_)); });
+            case 7: return both([&](auto& s) { s += 'c'; });
+            case 8: return both([&](auto& s) { s = std::decay_t<decltype(s)>(s); });
+            case 9: return both([&](auto& s) { s.reserve(count_ * 3); });
+            case 10: return both([&](auto& s) { s.append(count_, '\0'); });
+            default: return both([&](auto& s) { s = s.substr(at_, count_); });
+        }
+    }
+
+    void expectEqual() const {
+        ASSERT_EQ(text.view(), model);
+        ASSERT_EQ(text.c_str()[text.size()], '\0');
+        ASSERT_EQ(text, CString(model)) << "unused inline bytes are not zero";
+        ASSERT_EQ(text <=> CString(model), std::strong_ordering::equal);
+        ASSERT_GE(text.capacity(), text.size());
+    }
+
+    CString text;
+    std::string model;
+
+private:
+    std::size_t below(std::size_t bound) { return random_() % bound; }
+    std::string someText() {
+        static constexpr std::size_t sizes[] = {0, 1, 3, 7, 8, 9, 14, 15, 16, 17, 40, 300};
+        return std::string(sizes[below(std::size(sizes))], static_cast<char>('a' + below(3)));
+    }
+    template <class Edit>
+    void both(Edit edit, std::string given = {}) {
+        if (model.size() > 2000) given.clear(), text.erase(5), model.erase(5);
+        text_ = std::move(given);
+        at_ = below(model.size() + 1);
+        count_ = below(40);
+        edit(text);
+        edit(model);
+    }
+    void replaceByOwnPart() {
+        std::size_t const from = below(model.size() + 1);
+        both([&](auto& s) {
+            auto const part = std::string(std::string_view(s).substr(std::min(from, s.size()), 20));
+            if constexpr (std::is_same_v<decltype(s), CString&>) {
+                s.replace(at_, count_, s.view().substr(std::min(from, s.size()), 20));
+            } else {
+                s.replace(at_, count_, part);
+            }
+        });
+    }
+
+    std::mt19937 random_;
+    std::string text_;
+    std::size_t at_ = 0;
+    std::size_t count_ = 0;
+};
+
+TEST(CString, DoesWhatTheStandardStringDoes) {
+    unsigned const seed = std::random_device()();
+    SCOPED_TRACE(seed);
+    Pair pair(seed);
+    for (int i = 0; i < 20000; ++i) {
+        pair.edit();
+        ASSERT_NO_FATAL_FAILURE(pair.expectEqual()) << "after edit " << i;
+    }
+}
+
+TEST(CString, OrdersAndEqualsByBytesHoweverItIsStored) {
+    std::vector<std::string> const texts = {"",
+                                            std::string(1, '\0'),
+                                            "a",
+                                            std::string("a\0", 2),
+                                            "a\x7f",
+                                            "a\x80",
+                                            "a\xff",
+                                            "ab",
+                                            "b",
+                                            "abcdefgh",
+                                            "abcdefg\xff",
+                                            "abcdefghi",
+                                            "abcdefghijklmno",
+                                            "abcdefghijklmnp",
+                                            "abcdefghijklmnop",
+                                            std::string(16, '\xff')};
+    auto const sign = [](int i) { return (i > 0) - (i < 0); };
+    for (auto const& a : texts) {
+        for (auto const& b : texts) {
+            int const expected = sign(a.compare(b));
+            for (CString const& left : {CString(a), onHeap(a)}) {
+                for (CString const& right : {CString(b), onHeap(b)}) {
+                    EXPECT_EQ(sign(left.compare(right)), expected) << left << " and " << right;
+                    EXPECT_EQ(ur::less<CString>()(left, right), expected < 0);
+                    EXPECT_EQ(left == right, expected == 0);
+                    EXPECT_EQ(std::hash<CString>()(left) == std::hash<CString>()(right), expected == 0);
+                }
+                EXPECT_EQ(sign(left.compare(b)), expected);
+                EXPECT_EQ(ur::less<CString>()(left, b), expected < 0);
+                EXPECT_EQ(ur::less<CString>()(b, left), expected > 0);
+                EXPECT_EQ(left == b, expected == 0);
+                EXPECT_EQ(left < b, expected < 0);
+            }
+        }
+    }
+}
+
+TEST(CString, IsAKeyThatIsLookedUpByAnyText) {
+    ur::map<CString, int> map;
+    map["width"] = 1;
+    map["height of the whole"] = 2;
+    EXPECT_EQ(map.find("width")->second, 1);
+    EXPECT_EQ(map.find(std::string_view("height of the whole"))->second, 2);
+    EXPECT_EQ(map.count(CString("depth")), 0u);
+    EXPECT_EQ(map.begin()->first, "height of the whole");
+}
+
+TEST(CString, KeepsEveryByteAndGivesItsTextAwayWhenMoved) {
+    for (std::string const& bytes : {std::string("a\0b", 3), std::string(15, '\0'), std::string(100, '\0')}) {
+        CString source(bytes);
+        CString target = std::move(source);
+        EXPECT_EQ(target, bytes);
+        EXPECT_TRUE(source.empty());  // NOLINT(bugprone-use-after-move): that is the promise
+        target = std::as_const(target);
+        EXPECT_EQ(target, bytes);
+    }
+    EXPECT_EQ(CString(static_cast<char const*>(nullptr)), "");
+}
+
+TEST(CString, FindsReplacesAndChangesCase) {
+    CString text = "6ba7b810-9dad-11d1-80b4-00c04fd430c8";
+    EXPECT_EQ(text.find('-'), 8u);
+    EXPECT_EQ(text.rfind("-"), 23u);
+    EXPECT_EQ(text.find("x"), CString::npos);
+    EXPECT_EQ(text.find('6', 1000), CString::npos);
+    EXPECT_EQ(text.replace("-", ""), 4u);
+    EXPECT_EQ(text.toUpperCase(), "6BA7B8109DAD11D180B400C04FD430C8");
+    EXPECT_EQ(CString("aaaa").replace("", "b"), 0u);
+    CString growing = "aXa";
+    EXPECT_EQ(growing.replace("a", growing), 2u);
+    EXPECT_EQ(growing, "aXaXaXa");
+    EXPECT_EQ(CString("\xc3\xa4Z").toLowerCase(), "\xc3\xa4z");
+}
+
+TEST(CString, TakesPositionsBeyondTheEndForTheEnd) {
+    CString text = "abc";
+    EXPECT_EQ(text.substr(7), "");
+    EXPECT_EQ(text[3], '\0');
+    EXPECT_EQ(text[1000], '\0');
+    EXPECT_EQ(text.replace(9, 9, "d"), "abcd");
+    EXPECT_EQ(text.erase(2, CString::npos), "ab");
+    EXPECT_EQ(text.erase(), "");
+    EXPECT_THROW(text.resize(CString::npos), std::length_error);
+    EXPECT_THROW(text.append(CString::npos, 'x'), std::length_error);
+    EXPECT_EQ(text, "");
+}
+
+TEST(CString, GrowsSeldom) {
+    CString text;
+    int blocks = 0;
+    for (std::size_t capacity = text.capacity(); text.size() < 1000000; text += 'x') {
+        blocks += std::exchange(capacity, text.capacity()) != capacity;
+    }
+    EXPECT_LT(blocks, 40);
+    EXPECT_LT(CString(text).capacity(), text.size() + text.size() / 4);
+}
+
+TEST(CString, FormatsTextOfAnyLength) {
+    EXPECT_EQ(CString::format("%d.%d.%d", 0, 5, 0), "0.5.0");
+    EXPECT_EQ(CString::format("%s", ""), "");
+    for (std::size_t size : {15u, 16u, 255u, 256u, 257u, 100000u}) {
+        std::string const text(size, 'x');
+        EXPECT_EQ(CString::format("%s", text.c_str()), text);
+    }
+}
+
+TEST(CString, FormatsWithAPointInEveryLocaleAndLeavesTheLocaleAlone) {
+    test::CommaLocale const locale;
+    if (!locale.active()) GTEST_SKIP() << "no locale with a decimal comma can be made here";
+    char plain[16];
+    std::snprintf(plain, sizeof plain, "%.2f", 0.5);
+    ASSERT_STREQ(plain, "0,50");
+    EXPECT_EQ(CString::format("%.2f", 0.5), "0.50");
+    std::snprintf(plain, sizeof plain, "%.2f", 0.5);
+    EXPECT_STREQ(plain, "0,50");
+}
+
+}  // namespace
