@@ -10,10 +10,11 @@
 
 #include <atomic>
 #include <cstdint>
-#include <cstdlib>
 #include <mutex>
 #include <new>
 #include <utility>
+
+#include "foundation/ur/impl/Region.h"
 
 // Under AddressSanitizer every node is an allocation of its own, so that use after release is seen.
 #if defined(__SANITIZE_ADDRESS__)
@@ -33,53 +34,13 @@ void deallocateNode(void* node, std::size_t /*bytes*/) noexcept { ::operator del
 
 #else
 
-namespace {
+namespace impl {
 
-constexpr std::size_t regionBytes = 32 * 1024;
 constexpr std::size_t largestNode = 256;
-constexpr std::size_t granule = 8;
-constexpr std::size_t classCount = largestNode / granule + 1;
-// The system allocator's own bookkeeping between two regions; leaving room for it keeps regions adjacent.
-constexpr std::size_t systemOverhead = 32;
+constexpr std::size_t classCount = largestNode / Region::granule + 1;
 constexpr unsigned returnsPerSweep = 1024;
 
-struct Node {
-    Node* next;
-};
-
-class Heap;
-
-/// An aligned piece of memory holding nodes of one size; its header lies at its start.
-struct Region {
-    Heap* heap;
-    Node* free;
-    char* fresh;  // never handed out from here to `end`
-    char* end;
-    Region* previous;
-    Region* next;
-    std::uint32_t used;  // nodes handed out and not yet back on `free`
-    std::uint16_t sizeClass;
-    bool listed;  // in its heap's list of regions with room
-
-    bool hasRoom() const { return free || fresh != end; }
-
-    void* take() {
-        void* node = free;
-        if (free) {
-            free = free->next;
-        } else {
-            node = fresh;
-            fresh += sizeClass * granule;
-        }
-        ++used;
-        return node;
-    }
-
-    static Region* of(void* node) {
-        return reinterpret_cast<Region*>(reinterpret_cast<std::uintptr_t>(node) & ~std::uintptr_t(regionBytes - 1));
-    }
-};
-
+/// The nodes of one thread, or of one that has ended.
 class Heap {
 public:
     void* allocate(std::size_t sizeClass) {
@@ -128,14 +89,12 @@ private:
     }
 
     Region* addRegion(std::size_t sizeClass) {
-        void* memory = spare_ ? spare_ : std::aligned_alloc(regionBytes, regionBytes - systemOverhead);
-        spare_ = nullptr;
-        if (!memory) throw std::bad_alloc();
-        auto* region = new (memory) Region{this, nullptr, nullptr, nullptr, nullptr, nullptr, 0, 0, false};
+        Region* region = RegionSource::instance().take();
+        region->heap = this;
         region->sizeClass = static_cast<std::uint16_t>(sizeClass);
-        region->fresh = static_cast<char*>(memory) + sizeof(Region);
-        std::size_t const room = regionBytes - systemOverhead - sizeof(Region);
-        region->end = region->fresh + room / (sizeClass * granule) * (sizeClass * granule);
+        region->fresh = reinterpret_cast<char*>(region + 1);
+        std::size_t const nodeBytes = sizeClass * Region::granule;
+        region->end = region->fresh + (Region::bytes - sizeof(Region)) / nodeBytes * nodeBytes;
         list(region);
         return region;
     }
@@ -146,11 +105,7 @@ private:
         if (!region->listed) list(region);
         if (region->used > 0 || withRoom_[region->sizeClass] == region) return;
         unlist(region);
-        if (spare_) {
-            std::free(region);
-        } else {
-            spare_ = region;
-        }
+        RegionSource::instance().put(region);
     }
 
     /// The first region stays first while it has room, so that nodes asked for together lie together.
@@ -176,7 +131,6 @@ private:
     }
 
     Region* withRoom_[classCount] = {};
-    void* spare_ = nullptr;
     std::atomic<Node*> returned_ = nullptr;
 };
 
@@ -231,14 +185,16 @@ Heap* acquireHeap() {
     return currentHeap;
 }
 
-}  // namespace
+}  // namespace impl
+
+using namespace impl;
 
 void* allocateNode(std::size_t bytes) {
     if (bytes > largestNode) return ::operator new(bytes);
     Heap* heap = currentHeap;
     if (!heap) [[unlikely]]
         heap = acquireHeap();
-    return heap->allocate(bytes ? (bytes + granule - 1) / granule : 1);
+    return heap->allocate(bytes ? (bytes + Region::granule - 1) / Region::granule : 1);
 }
 
 void deallocateNode(void* node, std::size_t bytes) noexcept {

@@ -162,10 +162,10 @@ bool congruentTrees(Item const& a, Item const& b) {
     while (!pending.empty()) {
         Pair const pair = pending.back();
         pending.pop_back();
-        bool const same = pair.a->type() == ArrayType
-                              ? childrenAgree(static_cast<Array const&>(*pair.a), static_cast<Array const&>(*pair.b), pending)
-                              : childrenAgree(static_cast<Dictionary const&>(*pair.a),
-                                              static_cast<Dictionary const&>(*pair.b), pending);
+        bool const same = pair.a->type() == ArrayType ? childrenAgree(static_cast<Array const&>(*pair.a),
+                                                                      static_cast<Array const&>(*pair.b), pending)
+                                                      : childrenAgree(static_cast<Dictionary const&>(*pair.a),
+                                                                      static_cast<Dictionary const&>(*pair.b), pending);
         if (!same) return false;
     }
     return true;

@@ -1,0 +1,73 @@
+// Regions of equal nodes, and where they come from.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <mutex>
+
+namespace ur::impl {
+
+struct Chunk;
+class Heap;
+
+/// A node that was given back.
+struct Node {
+    Node* next;
+};
+
+/// An aligned piece of memory holding nodes of one size; its header lies at its start.
+struct Region {
+    static constexpr std::size_t bytes = 32 * 1024;
+    static constexpr std::size_t granule = 8;
+
+    Heap* heap;
+    Chunk* chunk;
+    Node* free;
+    char* fresh;  // never handed out from here to `end`
+    char* end;
+    Region* previous;
+    Region* next;
+    std::uint32_t used;  // nodes handed out and not yet back on `free`
+    std::uint16_t sizeClass;
+    bool listed;  // in its heap's list of regions with room
+
+    [[nodiscard]] bool hasRoom() const { return free || fresh != end; }
+
+    [[nodiscard]] void* take() {
+        void* node = free;
+        if (free) {
+            free = free->next;
+        } else {
+            node = fresh;
+            fresh += sizeClass * granule;
+        }
+        ++used;
+        return node;
+    }
+
+    [[nodiscard]] static Region* of(void* node) {
+        return reinterpret_cast<Region*>(reinterpret_cast<std::uintptr_t>(node) & ~std::uintptr_t(bytes - 1));
+    }
+};
+
+/// Cuts regions from larger chunks; a chunk goes back to the system when all its regions are back. Any thread.
+class RegionSource {
+public:
+    /// Never destroyed: nodes may outlive every static object.
+    static RegionSource& instance();
+
+    /// Memory for one region, with only its `chunk` set. Throws `std::bad_alloc`.
+    [[nodiscard]] Region* take();
+    void put(Region* region) noexcept;
+
+private:
+    void link(Chunk* chunk) noexcept;
+    void unlink(Chunk* chunk) noexcept;
+
+    std::mutex mutex_;
+    Chunk* withRoom_ = nullptr;
+    // Kept, so that a tree made and dropped in turn does not go to the system each time.
+    Chunk* empty_ = nullptr;
+};
+
+}  // namespace ur::impl
