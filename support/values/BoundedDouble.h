@@ -12,8 +12,7 @@ class BoundedDouble {
 public:
     BoundedDouble() noexcept = default;
     explicit BoundedDouble(double value) noexcept : value_(value) {}
-    BoundedDouble(double value, urLinear::Range1d const& range) noexcept
-        : BoundedDouble(value, range.min(), range.max()) {}
+    BoundedDouble(double value, urLinear::Range1d const& range) noexcept : BoundedDouble(value, range.min, range.max) {}
     BoundedDouble(double value, double minimum, double maximum) noexcept
         : value_(value), minimum_(minimum), maximum_(maximum) {}
 
@@ -28,7 +27,7 @@ public:
         minimum_ = minimum;
         maximum_ = maximum;
     }
-    void setRange(urLinear::Range1d const& range) noexcept { setRange(range.min(), range.max()); }
+    void setRange(urLinear::Range1d const& range) noexcept { setRange(range.min, range.max); }
 
     /// Where `x` lies in the range: 0 at the minimum, 1 at the maximum, beyond them outside. A range of no width
     /// gives an infinity or not-a-number.

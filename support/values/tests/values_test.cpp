@@ -21,7 +21,7 @@ TEST(BoundedDouble, NeverClamps) {
     EXPECT_EQ(value.value(), 5.0);
     value.setValue(-3.0);
     EXPECT_EQ(value, -3.0);
-    EXPECT_EQ(value.range().max(), 9.0);
+    EXPECT_EQ(value.range().max, 9.0);
 }
 
 TEST(BoundedDouble, TellsWhereAValueLiesInTheRange) {

@@ -1,0 +1,19 @@
+// Attributes by the type of their value.
+#pragma once
+
+#include "foundation/ur/Export.h"
+#include "support/values/AttributeBase.h"
+
+namespace nxSupport {
+
+/// An attribute whose value is a T. Leaf attributes derive from it.
+template <class T>
+class NX_API Attribute : public AttributeBase {
+public:
+    /// The value now.
+    [[nodiscard]] virtual T evaluate() const = 0;
+};
+
+extern template class Attribute<double>;
+
+}  // namespace nxSupport
