@@ -1,0 +1,90 @@
+// Values of the framework's types as items, and back.
+#pragma once
+
+#include "foundation/urLinear/AffineMatrix.h"
+#include "foundation/urLinear/Normal.h"
+#include "foundation/urLinear/Point.h"
+#include "foundation/urLinear/Quaternion.h"
+#include "foundation/urLinear/Vector.h"
+#include "foundation/urString/CString.h"
+#include "foundation/urString/IString.h"
+#include "foundation/urUtil/Color.h"
+#include "plst/casts.h"
+#include "support/values/BoundedDouble.h"
+#include "support/values/BoundedInt.h"
+
+namespace nxPLST {
+
+// To an item. `out` becomes a new item of the type's one shape and lets its former item go:
+//
+//   int, float, double                 a number
+//   bool                               a truth value
+//   char const*, CString, IString      a text; an IString in UTF-8, a null pointer as the empty text
+//   Point2                             [x, y]
+//   Point, Vector, Normal              [x, y, z]
+//   Quaternion                         [x, y, z, w]
+//   AffineMatrix                       its twelve coefficients
+//   Color, Color8                      [r, g, b, a]; a Color8 as 0 to 255
+//   BoundedDouble, BoundedInt          [value, minimum, maximum]
+//   an item                            a private deep copy; null stays null
+
+NX_API void convert(ur::Reference<Item>& out, int value);
+NX_API void convert(ur::Reference<Item>& out, float value);
+NX_API void convert(ur::Reference<Item>& out, double value);
+NX_API void convert(ur::Reference<Item>& out, bool value);
+NX_API void convert(ur::Reference<Item>& out, char const* value);
+NX_API void convert(ur::Reference<Item>& out, urString::CString const& value);
+NX_API void convert(ur::Reference<Item>& out, urString::IString const& value);
+NX_API void convert(ur::Reference<Item>& out, urLinear::Point2 const& value);
+NX_API void convert(ur::Reference<Item>& out, urLinear::Point const& value);
+NX_API void convert(ur::Reference<Item>& out, urLinear::Vector const& value);
+NX_API void convert(ur::Reference<Item>& out, urLinear::Normal const& value);
+NX_API void convert(ur::Reference<Item>& out, urLinear::Quaternion const& value);
+NX_API void convert(ur::Reference<Item>& out, urLinear::AffineMatrix const& value);
+NX_API void convert(ur::Reference<Item>& out, urUtil::Color const& value);
+NX_API void convert(ur::Reference<Item>& out, urUtil::Color8 const& value);
+NX_API void convert(ur::Reference<Item>& out, nxSupport::BoundedDouble const& value);
+NX_API void convert(ur::Reference<Item>& out, nxSupport::BoundedInt const& value);
+NX_API void convert(ur::Reference<Item>& out, ur::Reference<Item const> value);
+
+// From an item. An item of another shape, or null, leaves `out` as it was.
+//
+// Arrays may be longer than what is read of them. A number becomes an integer by dropping its fraction; beyond the
+// integer's range it becomes the nearest end of it, and not-a-number leaves `out` as it was. A truth value is also
+// read from a number: true when it is not 0. Of a Color8's channels the low eight bits of the integer count. A
+// matrix is read from twelve numbers, or from three or four rows of at least four numbers each, of which the
+// first three are the rows of the three-by-four matrix whose columns are the stored groups.
+
+NX_API void convert(int& out, ur::Reference<Item const> item);
+NX_API void convert(float& out, ur::Reference<Item const> item);
+NX_API void convert(double& out, ur::Reference<Item const> item);
+NX_API void convert(bool& out, ur::Reference<Item const> item);
+NX_API void convert(urString::CString& out, ur::Reference<Item const> item);
+NX_API void convert(urString::IString& out, ur::Reference<Item const> item);
+NX_API void convert(urLinear::Point2& out, ur::Reference<Item const> item);
+NX_API void convert(urLinear::Point& out, ur::Reference<Item const> item);
+NX_API void convert(urLinear::Vector& out, ur::Reference<Item const> item);
+NX_API void convert(urLinear::Normal& out, ur::Reference<Item const> item);
+NX_API void convert(urLinear::Quaternion& out, ur::Reference<Item const> item);
+NX_API void convert(urLinear::AffineMatrix& out, ur::Reference<Item const> item);
+NX_API void convert(urUtil::Color& out, ur::Reference<Item const> item);
+NX_API void convert(urUtil::Color8& out, ur::Reference<Item const> item);
+NX_API void convert(nxSupport::BoundedDouble& out, ur::Reference<Item const> item);
+NX_API void convert(nxSupport::BoundedInt& out, ur::Reference<Item const> item);
+
+// To a typed reference: null when the item is null or of another kind. The forms to constant items share the item
+// read, except that a dictionary is always a private deep copy; so are all forms to items that may be changed.
+
+NX_API void convert(ur::Reference<Item const>& out, ur::Reference<Item const> item);
+NX_API void convert(ur::Reference<Array>& out, ur::Reference<Item const> item);
+NX_API void convert(ur::Reference<Array const>& out, ur::Reference<Item const> item);
+NX_API void convert(ur::Reference<Bool>& out, ur::Reference<Item const> item);
+NX_API void convert(ur::Reference<Bool const>& out, ur::Reference<Item const> item);
+NX_API void convert(ur::Reference<Dictionary>& out, ur::Reference<Item const> item);
+NX_API void convert(ur::Reference<Dictionary const>& out, ur::Reference<Item const> item);
+NX_API void convert(ur::Reference<Double>& out, ur::Reference<Item const> item);
+NX_API void convert(ur::Reference<Double const>& out, ur::Reference<Item const> item);
+NX_API void convert(ur::Reference<String>& out, ur::Reference<Item const> item);
+NX_API void convert(ur::Reference<String const>& out, ur::Reference<Item const> item);
+
+}  // namespace nxPLST

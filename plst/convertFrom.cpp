@@ -1,0 +1,171 @@
+// Items to values.
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <utility>
+
+#include "plst/convert.h"
+
+namespace nxPLST {
+namespace {
+
+using ItemIn = ur::Reference<Item const>;
+
+/// `value` without its fraction, brought into the range of Integer; nothing for not-a-number.
+template <class Integer>
+std::optional<Integer> truncated(double value) {
+    using Limits = std::numeric_limits<Integer>;
+    if (std::isnan(value)) return std::nullopt;
+    if (value <= static_cast<double>(Limits::min())) return Limits::min();
+    // The largest 64-bit integer is no double; its nearest one lies just above it.
+    if (value >= static_cast<double>(Limits::max())) return Limits::max();
+    return static_cast<Integer>(value);
+}
+
+std::optional<double> number(Item const* item) {
+    if (!item || item->type() != DoubleType) return std::nullopt;
+    return static_cast<Double const*>(item)->value();
+}
+
+/// The first N numbers of an array that begins with as many.
+template <std::size_t N>
+std::optional<std::array<double, N>> numbers(Item const* item) {
+    if (!item || item->type() != ArrayType) return std::nullopt;
+    auto const& elements = static_cast<Array const*>(item)->array();
+    if (elements.size() < N) return std::nullopt;
+    std::array<double, N> result;
+    for (std::size_t i = 0; i < N; ++i) {
+        auto const value = number(elements[i].get());
+        if (!value) return std::nullopt;
+        result[i] = *value;
+    }
+    return result;
+}
+
+urString::CString const* text(Item const* item) {
+    return item && item->type() == StringType ? &static_cast<String const*>(item)->value() : nullptr;
+}
+
+template <class Vector>
+void readXYZ(Vector& out, ItemIn const& item) {
+    if (auto const xyz = numbers<3>(item.get())) out = Vector((*xyz)[0], (*xyz)[1], (*xyz)[2]);
+}
+
+void readFlat(urLinear::AffineMatrix& out, Item const& item) {
+    if (auto const coefficients = numbers<12>(&item)) {
+        for (int i = 0; i < 12; ++i) out.coefficient(i) = (*coefficients)[i];
+    }
+}
+
+void readRows(urLinear::AffineMatrix& out, Array const& rows) {
+    urLinear::AffineMatrix read;
+    for (int m = 0; m < 3; ++m) {
+        auto const row = numbers<4>(rows.array()[m].get());
+        if (!row) return;
+        for (int k = 0; k < 4; ++k) read.coefficient(3 * k + m) = (*row)[k];
+    }
+    out = read;
+}
+
+/// A deep copy when the item is of the kind wanted; nothing is copied when it is not.
+template <class Kind, ur::Reference<Kind> (*as)(ur::Reference<Item>), ur::Reference<Kind const> (*asConst)(ItemIn)>
+ur::Reference<Kind> privateCopy(ItemIn const& item) {
+    return asConst(item) ? as(item->clone()) : nullptr;
+}
+
+}  // namespace
+
+void convert(int& out, ItemIn item) {
+    if (auto const value = number(item.get())) out = truncated<int>(*value).value_or(out);
+}
+
+void convert(float& out, ItemIn item) {
+    if (auto const value = number(item.get())) out = static_cast<float>(*value);
+}
+
+void convert(double& out, ItemIn item) { out = number(item.get()).value_or(out); }
+
+void convert(bool& out, ItemIn item) {
+    if (auto const truth = asBool(item)) {
+        out = truth->value();
+    } else if (auto const value = number(item.get())) {
+        out = *value != 0.0;
+    }
+}
+
+void convert(urString::CString& out, ItemIn item) {
+    if (auto const* value = text(item.get())) out = *value;
+}
+
+void convert(urString::IString& out, ItemIn item) {
+    if (auto const* value = text(item.get())) out.assign(value->view(), urString::Encoding::utf8);
+}
+
+void convert(urLinear::Point2& out, ItemIn item) {
+    if (auto const xy = numbers<2>(item.get())) out = urLinear::Point2((*xy)[0], (*xy)[1]);
+}
+
+void convert(urLinear::Point& out, ItemIn item) { readXYZ(out, item); }
+void convert(urLinear::Vector& out, ItemIn item) { readXYZ(out, item); }
+void convert(urLinear::Normal& out, ItemIn item) { readXYZ(out, item); }
+
+void convert(urLinear::Quaternion& out, ItemIn item) {
+    if (auto const four = numbers<4>(item.get())) {
+        for (int i = 0; i < 4; ++i) out[i] = (*four)[i];
+    }
+}
+
+void convert(urLinear::AffineMatrix& out, ItemIn item) {
+    auto const array = asArray(item);
+    if (!array) return;
+    if (array->size() == 12) readFlat(out, *array);
+    if (array->size() == 3 || array->size() == 4) readRows(out, *array);
+}
+
+void convert(urUtil::Color& out, ItemIn item) {
+    if (auto const channels = numbers<4>(item.get())) {
+        for (int i = 0; i < 4; ++i) out[i] = static_cast<float>((*channels)[i]);
+    }
+}
+
+void convert(urUtil::Color8& out, ItemIn item) {
+    auto const channels = numbers<4>(item.get());
+    if (!channels) return;
+    for (int i = 0; i < 4; ++i) {
+        if (auto const whole = truncated<std::int64_t>((*channels)[i])) out[i] = static_cast<unsigned char>(*whole);
+    }
+}
+
+void convert(nxSupport::BoundedDouble& out, ItemIn item) {
+    if (auto const three = numbers<3>(item.get())) out = {(*three)[0], (*three)[1], (*three)[2]};
+}
+
+void convert(nxSupport::BoundedInt& out, ItemIn item) {
+    auto const three = numbers<3>(item.get());
+    if (!three) return;
+    auto const value = truncated<std::int32_t>((*three)[0]);
+    auto const minimum = truncated<std::int32_t>((*three)[1]);
+    auto const maximum = truncated<std::int32_t>((*three)[2]);
+    if (value && minimum && maximum) out = {*value, *minimum, *maximum};
+}
+
+void convert(ur::Reference<Item const>& out, ItemIn item) { out = std::move(item); }
+void convert(ur::Reference<Array const>& out, ItemIn item) { out = asArray(std::move(item)); }
+void convert(ur::Reference<Bool const>& out, ItemIn item) { out = asBool(std::move(item)); }
+void convert(ur::Reference<Double const>& out, ItemIn item) { out = asDouble(std::move(item)); }
+void convert(ur::Reference<String const>& out, ItemIn item) { out = asString(std::move(item)); }
+
+void convert(ur::Reference<Array>& out, ItemIn item) { out = privateCopy<Array, asArray, asArray>(item); }
+void convert(ur::Reference<Bool>& out, ItemIn item) { out = privateCopy<Bool, asBool, asBool>(item); }
+void convert(ur::Reference<Double>& out, ItemIn item) { out = privateCopy<Double, asDouble, asDouble>(item); }
+void convert(ur::Reference<String>& out, ItemIn item) { out = privateCopy<String, asString, asString>(item); }
+void convert(ur::Reference<Dictionary>& out, ItemIn item) {
+    out = privateCopy<Dictionary, asDictionary, asDictionary>(item);
+}
+void convert(ur::Reference<Dictionary const>& out, ItemIn item) {
+    out = privateCopy<Dictionary, asDictionary, asDictionary>(item);
+}
+
+}  // namespace nxPLST

@@ -1,0 +1,165 @@
+// Conversions between items and the framework's value types.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "plst/convert.h"
+
+namespace {
+
+using namespace nxPLST;
+using testing::ElementsAre;
+using ur::make;
+using ur::Reference;
+
+Reference<Item> array(std::initializer_list<double> numbers) {
+    auto result = make<Array>();
+    for (double number : numbers) result->insert(make<Double>(number));
+    return result;
+}
+
+Reference<Item> arrayOf(std::initializer_list<Reference<Item>> items) {
+    auto result = make<Array>();
+    for (auto const& item : items) result->insert(item);
+    return result;
+}
+
+template <class T>
+Reference<Item> written(T const& value) {
+    Reference<Item> out = make<Bool>();
+    convert(out, value);
+    return out;
+}
+
+template <class T>
+std::vector<double> numbersOf(T const& value) {
+    std::vector<double> result;
+    auto const item = asArray(written(value));
+    for (auto const& element : item->array()) result.push_back(asDouble(element)->value());
+    return result;
+}
+
+template <class T>
+T readInto(T out, Reference<Item> item) {
+    convert(out, item);
+    return out;
+}
+
+TEST(Convert, WritesEachTypeInItsShape) {
+    EXPECT_EQ(asDouble(written(3))->value(), 3.0);
+    EXPECT_EQ(asDouble(written(0.1f))->value(), double(0.1f));
+    EXPECT_TRUE(asBool(written(true))->value());
+    EXPECT_STREQ(asString(written("text"))->value().c_str(), "text");
+    EXPECT_THAT(numbersOf(urLinear::Point2(1, 2)), ElementsAre(1, 2));
+    EXPECT_THAT(numbersOf(urLinear::Point(1, 2, 3)), ElementsAre(1, 2, 3));
+    EXPECT_THAT(numbersOf(urLinear::Vector(1, 2, 3)), ElementsAre(1, 2, 3));
+    EXPECT_THAT(numbersOf(urLinear::Normal(0, 3, 4)), ElementsAre(0, testing::DoubleEq(0.6), testing::DoubleEq(0.8)));
+    EXPECT_THAT(numbersOf(urLinear::Quaternion(1, 2, 3, 4)), ElementsAre(1, 2, 3, 4));
+    EXPECT_THAT(numbersOf(urUtil::Color(0.5f, 0.25f, 1, 0)), ElementsAre(0.5, 0.25, 1, 0));
+    EXPECT_THAT(numbersOf(urUtil::Color8(10, 20, 30, 255)), ElementsAre(10, 20, 30, 255));
+    EXPECT_THAT(numbersOf(nxSupport::BoundedDouble(5, 0, 10)), ElementsAre(5, 0, 10));
+    EXPECT_THAT(numbersOf(nxSupport::BoundedInt(5, 0, 10)), ElementsAre(5, 0, 10));
+}
+
+TEST(Convert, ReadsNumbers) {
+    double const huge = 1e300;
+    double const nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_EQ(readInto(0, written(3)), 3);
+    EXPECT_EQ(readInto(0, written(-2.7)), -2);
+    EXPECT_EQ(readInto(0, written(2.7)), 2);
+    EXPECT_EQ(readInto(0, written(huge)), std::numeric_limits<int>::max());
+    EXPECT_EQ(readInto(0, written(-huge)), std::numeric_limits<int>::min());
+    EXPECT_EQ(readInto(7, written(nan)), 7);
+    EXPECT_EQ(readInto(0.0f, written(0.1)), 0.1f);
+    EXPECT_EQ(readInto(false, written(-0.5)), true);
+    EXPECT_EQ(readInto(true, written(0.0)), false);
+    EXPECT_EQ(readInto(false, written(nan)), true);
+}
+
+TEST(Convert, ReadsBackWhatItWrote) {
+    urLinear::AffineMatrix matrix;
+    for (int i = 0; i < 12; ++i) matrix.coefficient(i) = 0.1 * i;
+    EXPECT_EQ(readInto(urLinear::AffineMatrix(), written(matrix)), matrix);
+    urLinear::Normal const normal(1, 2, -3);
+    EXPECT_EQ(readInto(urLinear::Normal(), written(normal)), normal);
+    EXPECT_EQ(readInto(urLinear::Point(), written(urLinear::Point(1, 2, 3))), urLinear::Point(1, 2, 3));
+    EXPECT_EQ(readInto(urLinear::Vector(), written(urLinear::Vector(1, 2, 3))), urLinear::Vector(1, 2, 3));
+    EXPECT_EQ(readInto(urLinear::Point2(), written(urLinear::Point2(1, 2))), urLinear::Point2(1, 2));
+    urLinear::Quaternion const turn(1, 2, 3, 4);
+    EXPECT_EQ(readInto(urLinear::Quaternion(), written(turn)), turn);
+    urUtil::Color const color(0.1f, 0.2f, 0.3f, 0.4f);
+    EXPECT_EQ(readInto(urUtil::Color(), written(color)), color);
+    auto const bounded = readInto(nxSupport::BoundedDouble(), written(nxSupport::BoundedDouble(9, 1, 2)));
+    EXPECT_EQ(bounded.value(), 9);
+    EXPECT_EQ(bounded.maxValue(), 2);
+    EXPECT_EQ(readInto(nxSupport::BoundedInt(), array({5.9, -0.9, 10})).minValue(), 0);
+}
+
+TEST(Convert, KeepsTheLowBitsOfColourChannels) {
+    EXPECT_EQ(readInto(urUtil::Color8(), array({10.9, 300, -1, 255})), urUtil::Color8(10, 44, 255, 255));
+    EXPECT_EQ(readInto(urUtil::Color8(), array({256, 255.9, 0, 1})), urUtil::Color8(0, 255, 0, 1));
+}
+
+TEST(Convert, CarriesTextInUtf8) {
+    urString::IString const wide(L"gr\u00fc\u00df \U0001F600");
+    auto const item = written(wide);
+    EXPECT_STREQ(asString(item)->value().c_str(), "gr\u00fc\u00df \U0001F600");
+    EXPECT_EQ(readInto(urString::IString(), item), wide);
+    urString::CString const withNul("a\0b", 3);
+    EXPECT_EQ(readInto(urString::CString(), written(withNul)), withNul);
+}
+
+TEST(Convert, ReadsMatricesFromRows) {
+    auto const rows = {array({1, 2, 3, 4}), array({5, 6, 7, 8}), array({9, 10, 11, 12})};
+    auto const matrix = readInto(urLinear::AffineMatrix(), arrayOf(rows));
+    EXPECT_THAT(std::vector<double>(matrix.data(), matrix.data() + 12),
+                ElementsAre(1, 5, 9, 2, 6, 10, 3, 7, 11, 4, 8, 12));
+    auto four = asArray(arrayOf(rows));
+    four->insert(array({0, 0, 0, 1}));
+    EXPECT_EQ(readInto(urLinear::AffineMatrix(), four), matrix);
+    four->insert(array({0, 0, 0, 1}));
+    EXPECT_EQ(readInto(urLinear::AffineMatrix(), four), urLinear::AffineMatrix());
+}
+
+TEST(Convert, LeavesTheTargetAloneWhenTheShapeIsAnother) {
+    for (Reference<Item> const& item :
+         {Reference<Item>(), written("text"), array({1}), arrayOf({written("a"), nullptr}),
+          arrayOf({array({1, 2, 3, 4}), nullptr, array({1, 2, 3, 4})})}) {
+        EXPECT_EQ(readInto(7, item), 7);
+        EXPECT_EQ(readInto(true, item), true);
+        EXPECT_EQ(readInto(7.5, item), 7.5);
+        EXPECT_EQ(readInto(urLinear::Point2(1, 2), item), urLinear::Point2(1, 2));
+        EXPECT_EQ(readInto(urLinear::Point(1, 2, 3), item), urLinear::Point(1, 2, 3));
+        EXPECT_EQ(readInto(urLinear::Normal(1, 0, 0), item), urLinear::Normal(1, 0, 0));
+        EXPECT_EQ(readInto(urUtil::Color8(1, 2, 3, 4), item), urUtil::Color8(1, 2, 3, 4));
+        EXPECT_EQ(readInto(urLinear::AffineMatrix(), item), urLinear::AffineMatrix());
+        EXPECT_EQ(readInto(nxSupport::BoundedInt(1, 2, 3), item).value(), 1);
+    }
+    EXPECT_STREQ(readInto(urString::CString("kept"), array({1})).c_str(), "kept");
+}
+
+TEST(Convert, SharesConstantItemsAndCopiesTheOthers) {
+    Reference<Item const> const item = array({1, 2});
+    Reference<Item const> const entries = make<Dictionary>();
+    auto const read = [](auto out, Reference<Item const> const& from) {
+        convert(out, from);
+        return out;
+    };
+    EXPECT_EQ(read(Reference<Item const>(), item), item);
+    EXPECT_EQ(read(Reference<Array const>(), item).get(), item.get());
+    auto const copy = read(Reference<Array>(), item);
+    ASSERT_TRUE(copy);
+    EXPECT_NE(copy.get(), item.get());
+    EXPECT_TRUE(copy->congruent(*item));
+    auto const dictionary = read(Reference<Dictionary const>(), entries);
+    ASSERT_TRUE(dictionary);
+    EXPECT_NE(dictionary.get(), entries.get());
+    EXPECT_TRUE(read(make<Double>(), item).null());
+    EXPECT_TRUE(read(make<Dictionary>(), Reference<Item const>()).null());
+    Reference<Item> out = make<Bool>();
+    convert(out, item);
+    EXPECT_TRUE(out && out != item && out->congruent(*item));
+}
+
+}  // namespace
