@@ -1,0 +1,102 @@
+// Replacing a file as a whole.
+#include "foundation/urOS/AtomicFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "foundation/urOS/Uuid.h"
+
+namespace urOS {
+namespace {
+
+using urUtil::Error;
+
+constexpr mode_t permissionBits = 07777;
+
+/// The file at the end of a chain of links; the name itself where there is none yet.
+std::string behindLinks(std::string const& name) {
+    std::error_code failure;
+    std::filesystem::path const real = std::filesystem::canonical(name, failure);
+    return failure ? name : real.string();
+}
+
+/// A name in the target's folder that no other file has, short enough for every file system.
+std::string nameBeside(std::string const& target) {
+    Uuid id;
+    id.generate();
+    urString::CString const hidden = urString::CString::format(".nx-%s.tmp", id.asString().c_str());
+    return (std::filesystem::path(target).parent_path() / hidden.c_str()).string();
+}
+
+/// Makes an open file resemble the one it is to replace.
+Error resemble(int descriptor, struct stat const& former) {
+    // Giving a file away is a privilege; without it the new file belongs to whoever writes it.
+    bool const given = ::fchown(descriptor, former.st_uid, former.st_gid) == 0;
+    mode_t const mode = former.st_mode & permissionBits;
+    mode_t const allowed = given ? mode : mode & ~static_cast<mode_t>(S_ISUID | S_ISGID);
+    return ::fchmod(descriptor, allowed) == 0 ? Error() : Error::fromSystem(errno, "permissions");
+}
+
+}  // namespace
+
+AtomicFile::~AtomicFile() { discard(); }
+
+Error AtomicFile::open(urString::IString const& path) {
+    discard();
+    target_ = behindLinks(std::string(path.asMultibyte()));
+    error_ = create();
+    return error_;
+}
+
+Error AtomicFile::create() {
+    struct stat former = {};
+    bool const exists = ::stat(target_.c_str(), &former) == 0;
+    if (exists && !S_ISREG(former.st_mode)) {
+        return file_.open(urString::IString(target_, urString::Encoding::multibyte), openWrite);
+    }
+    if (exists && ::access(target_.c_str(), W_OK) != 0) return Error::fromSystem(errno, target_);
+    std::string const name = nameBeside(target_);
+    // Never wider open than the file to be replaced, not even before the permissions are set in full.
+    mode_t const mode = exists ? former.st_mode & 0666 : 0666;
+    int const descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (descriptor < 0) return Error::fromSystem(errno, target_);
+    temporary_ = name;
+    static_cast<void>(file_.attach(descriptor, File::Ownership::own));
+    return exists ? resemble(descriptor, former) : Error();
+}
+
+Error AtomicFile::read(void* /*buffer*/, std::size_t /*count*/, std::size_t* done) {
+    if (done) *done = 0;
+    return Error::fromSystem(EBADF, "file open for writing only");
+}
+
+Error AtomicFile::write(void const* buffer, std::size_t count, std::size_t* done) {
+    if (done) *done = 0;
+    if (error_.ok()) error_ = file_.write(buffer, count, done);
+    return error_;
+}
+
+Error AtomicFile::commit() {
+    if (!file_.isOpen() && error_.ok()) return Error::fromSystem(EBADF, "no file to commit");
+    Error const closed = file_.close();
+    if (error_.ok()) error_ = closed;
+    if (error_.ok() && !temporary_.empty()) {
+        bool const moved = ::rename(temporary_.c_str(), target_.c_str()) == 0;
+        if (!moved) error_ = Error::fromSystem(errno, target_);
+        if (moved) temporary_.clear();
+    }
+    discard();
+    return error_;
+}
+
+void AtomicFile::discard() noexcept {
+    static_cast<void>(file_.close());
+    if (!temporary_.empty()) ::unlink(temporary_.c_str());
+    temporary_.clear();
+}
+
+}  // namespace urOS

@@ -1,0 +1,50 @@
+// Making, writing and reading identifiers.
+#include "foundation/urOS/Uuid.h"
+
+#include <charconv>
+#include <random>
+
+namespace urOS {
+namespace {
+
+constexpr std::string_view shape = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
+
+}  // namespace
+
+void Uuid::generate() {
+    std::random_device random;
+    for (std::uint32_t& word : words_) word = random();
+    // RFC 4122, 4.4: the version in the upper four bits of the seventh byte, the variant in the ninth.
+    words_[1] = (words_[1] & 0xFFFF0FFFU) | 0x00004000U;
+    words_[2] = (words_[2] & 0x3FFFFFFFU) | 0x80000000U;
+}
+
+bool Uuid::parse(std::string_view text) noexcept {
+    if (text.size() != shape.size()) return false;
+    std::array<std::uint32_t, 4> words{};
+    unsigned digits = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (shape[i] == '-') {
+            if (text[i] != '-') return false;
+            continue;
+        }
+        unsigned digit = 0;
+        if (std::from_chars(&text[i], &text[i] + 1, digit, 16).ptr == &text[i]) return false;
+        std::uint32_t& word = words[digits++ / 8];
+        word = word << 4 | digit;
+    }
+    words_ = words;
+    return true;
+}
+
+urString::CString Uuid::asString() const {
+    auto const [a, b, c, d] = words_;
+    return urString::CString::format("%08x-%04x-%04x-%04x-%04x%08x", a, b >> 16, b & 0xFFFF, c >> 16, c & 0xFFFF, d);
+}
+
+int Uuid::compare(Uuid const& other) const noexcept {
+    auto const order = *this <=> other;
+    return std::is_gt(order) - std::is_lt(order);
+}
+
+}  // namespace urOS
