@@ -1,0 +1,16 @@
+// A Qt object with one signal, and one that listens to it.
+#pragma once
+
+#include <QObject>
+
+namespace bench {
+
+class QtEmitter : public QObject {
+    Q_OBJECT
+public:
+    void send(int value) { Q_EMIT sent(value); }
+Q_SIGNALS:
+    void sent(int value);
+};
+
+}  // namespace bench

@@ -1,0 +1,103 @@
+// Medians of interleaved runs, printed and kept.
+#include "bench/Suite.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+
+namespace bench {
+namespace {
+
+/// The value below which `fraction` of the sorted samples lie.
+double percentile(std::vector<double> const& sorted, double fraction) {
+    return sorted[static_cast<std::size_t>(fraction * static_cast<double>(sorted.size() - 1) + 0.5)];
+}
+
+struct Measured {
+    double median;
+    double spread;
+};
+
+Measured summary(std::vector<double> samples) {
+    std::sort(samples.begin(), samples.end());
+    double const median = percentile(samples, 0.5);
+    double const range = percentile(samples, 0.9) - percentile(samples, 0.1);
+    return {median, median > 0 ? range / median : 0};
+}
+
+/// As many turns as fit the time for a row, between three and a hundred.
+int turnsFor(double secondsPerTurn, bool quick) {
+    double const budget = quick ? 0.6 : 3.0;
+    return static_cast<int>(std::clamp(budget / std::max(secondsPerTurn, 1e-6), 3.0, 100.0));
+}
+
+std::vector<Measured> interleaved(Sides const& sides, bool quick, Unit unit) {
+    std::vector<std::vector<double>> samples(sides.size());
+    double const warmUp = seconds([&] {
+        for (Side const& side : sides) side.measure();
+    });
+    int const turns = unit == Unit::bytes ? 1 : turnsFor(warmUp, quick);
+    for (int turn = 0; turn < turns; ++turn) {
+        for (std::size_t i = 0; i < sides.size(); ++i) samples[i].push_back(sides[i].measure());
+    }
+    std::vector<Measured> result;
+    for (auto& one : samples) result.push_back(summary(std::move(one)));
+    return result;
+}
+
+std::string readable(double cost, Unit unit) {
+    char text[32];
+    if (unit == Unit::bytes) {
+        std::snprintf(text, sizeof text, "%.1f B", cost);
+    } else if (cost >= 1e-3) {
+        std::snprintf(text, sizeof text, "%.2f ms", cost * 1e3);
+    } else if (cost >= 1e-6) {
+        std::snprintf(text, sizeof text, "%.2f us", cost * 1e6);
+    } else {
+        std::snprintf(text, sizeof text, "%.2f ns", cost * 1e9);
+    }
+    return text;
+}
+
+void print(Row const& row, Unit unit) {
+    std::printf("%-34s ours %11s +-%2.0f%%   best peer %11s (%s)   %.2f   target %.2f   %s\n", row.name.c_str(),
+                readable(row.ours, unit).c_str(), row.spread * 50, readable(row.peer, unit).c_str(),
+                row.peerName.c_str(), row.ratio, row.target, row.ok ? "ok" : "missed");
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+void Suite::compare(std::string const& name, double target, std::function<Sides()> const& prepare, Unit unit) {
+    if (name.find(options_.filter) == std::string::npos) return;
+    Sides const sides = prepare();
+    std::vector<Measured> const costs = interleaved(sides, options_.quick, unit);
+    std::size_t best = 1;
+    for (std::size_t i = 2; i < sides.size(); ++i) {
+        if (costs[i].median < costs[best].median) best = i;
+    }
+    double const ratio = costs[0].median / costs[best].median;
+    rows_.push_back(
+        {name, costs[0].median, costs[best].median, sides[best].name, ratio, target, costs[0].spread, ratio <= target});
+    print(rows_.back(), unit);
+}
+
+bool Suite::allMet() const {
+    return std::all_of(rows_.begin(), rows_.end(), [](Row const& row) { return row.ok; });
+}
+
+bool Suite::writeJson() const {
+    if (options_.jsonFile.empty()) return true;
+    std::ofstream out(options_.jsonFile);
+    char const* separator = "[\n";
+    for (Row const& row : rows_) {
+        out << separator << R"(  {"name": ")" << row.name << R"(", "ours": )" << row.ours << R"(, "peer": )" << row.peer
+            << R"(, "peer_name": ")" << row.peerName << R"(", "ratio": )" << row.ratio << R"(, "target": )"
+            << row.target << R"(, "ok": )" << (row.ok ? "true" : "false") << "}";
+        separator = ",\n";
+    }
+    out << (rows_.empty() ? "[]\n" : "\n]\n");
+    return static_cast<bool>(out.flush());
+}
+
+}  // namespace bench

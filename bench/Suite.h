@@ -1,0 +1,78 @@
+// Comparing our way of doing a piece of work with what a user would pick instead, in one run.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+/// One way of doing the work. `measure` does it once and gives its cost: seconds, or bytes for rows of memory.
+struct Side {
+    std::string name;
+    std::function<double()> measure;
+};
+
+/// Our way first, then the peers'.
+using Sides = std::vector<Side>;
+
+/// One line of the result: the medians of both sides, our own against the best peer's.
+struct Row {
+    std::string name;
+    double ours;
+    double peer;
+    std::string peerName;
+    double ratio;
+    double target;
+    double spread;  // of ours: (90th - 10th percentile) / median
+    bool ok;
+};
+
+enum class Unit { seconds, bytes };
+
+/// How long `work` takes, in seconds.
+template <class Work>
+double seconds(Work&& work) {
+    auto const start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// Runs rows as they are added and keeps their results. The sides of a row take turns, so that a machine whose
+/// speed drifts treats them alike.
+class Suite {
+public:
+    struct Options {
+        bool quick = false;    // smaller inputs and fewer repetitions
+        std::string filter;    // only rows whose names contain it
+        std::string jsonFile;  // where `writeJson` puts the results; empty: nowhere
+    };
+
+    explicit Suite(Options options) : options_(std::move(options)) {}
+
+    /// Compares one row. `prepare` makes the sides, and with them the inputs, only when the row is to run; `target`
+    /// is the largest good ratio of ours to the best peer's.
+    void compare(std::string const& name, double target, std::function<Sides()> const& prepare,
+                 Unit unit = Unit::seconds);
+
+    [[nodiscard]] bool quick() const { return options_.quick; }
+    /// `full` work, or a tenth of it in a quick run.
+    [[nodiscard]] int scaled(int full) const { return options_.quick ? (full + 9) / 10 : full; }
+
+    [[nodiscard]] bool allMet() const;
+    /// False when the file could not be written.
+    [[nodiscard]] bool writeJson() const;
+
+private:
+    Options options_;
+    std::vector<Row> rows_;
+};
+
+/// Keeps the compiler from dropping a result that nobody reads.
+template <class T>
+void keep(T const& value) {
+    asm volatile("" : : "r,m"(value) : "memory");
+}
+
+}  // namespace bench

@@ -1,0 +1,97 @@
+// JSON text to tree and back.
+#include <rapidjson/error/en.h>
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/stringbuffer.h>
+
+#include <memory>
+
+#include "bench/inputs.h"
+#include "bench/peers.h"
+#include "bench/rows.h"
+#include "plst/json.h"
+
+namespace bench {
+namespace {
+
+boost::json::parse_options const anyDepth = [] {
+    boost::json::parse_options options;
+    options.max_depth = 1 << 20;
+    return options;
+}();
+
+using Text = std::shared_ptr<std::string const>;
+
+/// The trees outlive the clock: destroying them is measured elsewhere.
+Sides readers(Document const& document) {
+    Text const text = std::make_shared<std::string>(document.text);
+    return {
+        {"nxPLST",
+         [=] {
+             ur::Reference<nxPLST::Item> tree;
+             return seconds([&] { nxPLST::convertFromJSON(tree, text->data(), static_cast<unsigned>(text->size())); });
+         }},
+        {rapidName,
+         [=] {
+             rapidjson::Document tree;
+             return seconds([&] {
+                 tree.Parse<rapidjson::kParseFullPrecisionFlag | rapidjson::kParseValidateEncodingFlag>(text->data(),
+                                                                                                        text->size());
+             });
+         }},
+        {boostName,
+         [=] {
+             boost::json::value tree;
+             return seconds([&] { tree = boost::json::parse(*text, {}, anyDepth); });
+         }},
+        {nlohmannName, [=] {
+             nlohmann::json tree;
+             return seconds([&] { tree = nlohmann::json::parse(*text); });
+         }}};
+}
+
+/// Boost.JSON has no indented form: it writes the same values in fewer characters.
+Sides writers(Document const& document) {
+    ur::Reference<nxPLST::Item> ours;
+    nxPLST::convertFromJSON(ours, document.text.data(), static_cast<unsigned>(document.text.size()));
+    auto const rapid = std::make_shared<rapidjson::Document>();
+    rapid->Parse<rapidjson::kParseFullPrecisionFlag>(document.text.data(), document.text.size());
+    auto const boosts = std::make_shared<boost::json::value>(boost::json::parse(document.text, {}, anyDepth));
+    auto const nlohmanns = std::make_shared<nlohmann::json>(nlohmann::json::parse(document.text));
+    return {{"nxPLST",
+             [=] {
+                 urString::CString out;
+                 return seconds([&] { nxPLST::convertToJSON(out, ours); });
+             }},
+            {rapidName,
+             [=] {
+                 rapidjson::StringBuffer out;
+                 return seconds([&] {
+                     rapidjson::PrettyWriter<rapidjson::StringBuffer> writer(out);
+                     rapid->Accept(writer);
+                 });
+             }},
+            {boostName,
+             [=] {
+                 std::string out;
+                 return seconds([&] { out = boost::json::serialize(*boosts); });
+             }},
+            {nlohmannName, [=] {
+                 std::string out;
+                 return seconds([&] { out = nlohmanns->dump(4); });
+             }}};
+}
+
+}  // namespace
+
+void addJsonRows(Suite& suite) {
+    for (Document const& document : documents(suite.quick())) {
+        suite.compare("json-read/" + document.name, 0.90, [&] { return readers(document); });
+    }
+    for (Document const& document : documents(suite.quick())) {
+        if (document.name == "nested") continue;  // deeper than strict JSON is written
+        suite.compare("json-write/" + document.name, document.name == "outlines" ? 0.80 : 0.95,
+                      [&] { return writers(document); });
+    }
+}
+
+}  // namespace bench

@@ -1,0 +1,33 @@
+// The benchmark program: every row, one line each; exits with 1 when a target is missed.
+#include <cstdio>
+#include <cstring>
+
+#include "bench/Suite.h"
+#include "bench/rows.h"
+
+int main(int argc, char** argv) {
+    bench::Suite::Options options;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--quick") == 0) {
+            options.quick = true;
+        } else if (std::strcmp(argv[i], "--json") == 0 && i + 1 < argc) {
+            options.jsonFile = argv[++i];
+        } else if (argv[i][0] != '-') {
+            options.filter = argv[i];
+        } else {
+            std::fprintf(stderr, "usage: nxbench [--quick] [--json FILE] [ROW]\n");
+            return 2;
+        }
+    }
+    bench::Suite suite(options);
+    bench::addJsonRows(suite);
+    bench::addTreeRows(suite);
+    bench::addDictionaryRows(suite);
+    bench::addPacketRows(suite);
+    bench::addSignalRows(suite);
+    if (!suite.writeJson()) {
+        std::fprintf(stderr, "nxbench: cannot write %s\n", options.jsonFile.c_str());
+        return 2;
+    }
+    return suite.allMet() ? 0 : 1;
+}
