@@ -1,0 +1,66 @@
+// Callbacks by the arguments that they take: plain functions and anything callable.
+#pragma once
+
+#include <concepts>
+#include <functional>
+#include <optional>
+#include <type_traits>
+#include <utility>
+
+#include "foundation/urRTB/FunctionBase.h"
+
+namespace urRTB {
+
+/// How an argument of type A travels through an emission: references and scalars as they are, the rest uncopied.
+template <class A>
+using Passed = std::conditional_t<std::is_reference_v<A> || std::is_scalar_v<A>, A, A const&>;
+
+/// What a signal of the given arguments can call.
+template <class F, class... Args>
+concept Callback = std::invocable < std::decay_t<F>
+&, Passed<Args>... > ;
+
+/// A callback that takes the given arguments.
+template <class... Args>
+class Function : public FunctionBase {
+public:
+    virtual void call(Passed<Args>... args) = 0;
+};
+
+/// Calls a plain function.
+template <class... Args>
+class FunctionGlobal final : public Function<Args...> {
+public:
+    /// Requires: `function` is not null.
+    explicit FunctionGlobal(void (*function)(Args...)) noexcept : function_(function) {}
+
+    void call(Passed<Args>... args) override { function_(args...); }
+
+private:
+    void (*function_)(Args...);
+};
+
+/// Calls a copy of any callable; the copy is destroyed as soon as the connection ends.
+template <class F, class... Args>
+class FunctionCallable final : public Function<Args...> {
+public:
+    explicit FunctionCallable(F callable) : callable_(std::move(callable)) {}
+
+    void call(Passed<Args>... args) override { static_cast<void>(std::invoke(*callable_, args...)); }
+
+private:
+    void onDisconnected() noexcept override { callable_.reset(); }
+
+    std::optional<F> callable_;
+};
+
+template <class A>
+using FunctionArg = Function<A>;
+template <class A>
+using FunctionArgGlobal = FunctionGlobal<A>;
+template <class A, class B>
+using Function2Args = Function<A, B>;
+template <class A, class B>
+using Function2ArgsGlobal = FunctionGlobal<A, B>;
+
+}  // namespace urRTB

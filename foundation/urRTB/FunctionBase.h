@@ -1,0 +1,54 @@
+// The callback object of a signal, which is also its place among the signal's connections.
+#pragma once
+
+#include <cstdint>
+
+#include "foundation/ur/Export.h"
+#include "foundation/ur/ReferenceCount.h"
+
+namespace urRTB {
+
+class SignalBase;
+
+/// One callback of one signal: made with `new`, given to the signal's `addCallback`, owned by the signal.
+///
+/// Connected callbacks form a ring in connection order. An emission holds the lock of the callback that it runs:
+/// a callback removed meanwhile is never called again but keeps its place until its last lock is released, so an
+/// emission can always walk on. Handles (`Connection`) keep the object alive, not the connection.
+/// Belongs to the thread that uses its signal.
+class NX_API FunctionBase : public ur::ReferenceCount {
+public:
+    FunctionBase(FunctionBase const&) = delete;
+    FunctionBase& operator=(FunctionBase const&) = delete;
+    ~FunctionBase() override;
+
+protected:
+    FunctionBase() noexcept = default;
+
+private:
+    friend class SignalBase;
+    friend class Connection;
+
+    /// The connection has ended and the callback is not running: frees what it captured. Called once.
+    virtual void onDisconnected() noexcept;
+
+    [[nodiscard]] bool connected() const noexcept { return !removed_; }
+    [[nodiscard]] bool callable() const noexcept { return !removed_ && blocks_ == 0; }
+    void lock() noexcept { ++locks_; }
+    void unlock() noexcept {
+        if (--locks_ == 0 && removed_) leave();
+    }
+    void disconnect() noexcept;
+    void leave() noexcept;
+    void unlink() noexcept;
+    void end() noexcept;
+
+    bool removed_ = true;           ///< true before the connection as well as after it
+    std::uint32_t blocks_ = 0;      ///< blocks not yet lifted
+    std::uint32_t locks_ = 0;       ///< emissions that stand on this callback
+    SignalBase* signal_ = nullptr;  ///< null once the signal has let go of all its connections
+    FunctionBase* next_ = this;
+    FunctionBase* previous_ = this;
+};
+
+}  // namespace urRTB

@@ -1,0 +1,66 @@
+// Connecting, counting and letting go of all connections.
+#include "foundation/urRTB/SignalBase.h"
+
+namespace urRTB {
+
+Connection SignalBase::add(FunctionBase* function) noexcept {
+    if (!function) return Connection();
+    function->ref();
+    function->removed_ = false;
+    function->signal_ = this;
+    if (first_) {
+        function->next_ = first_;
+        function->previous_ = first_->previous_;
+        first_->previous_->next_ = function;
+        first_->previous_ = function;
+    } else {
+        first_ = function;
+    }
+    return Connection(function);
+}
+
+bool SignalBase::hasConnections() const noexcept {
+    // Only callbacks that an emission stands on can be removed and still be in the ring.
+    FunctionBase const* item = first_;
+    while (item && !item->connected()) item = item->next_ == first_ ? nullptr : item->next_;
+    return item != nullptr;
+}
+
+std::size_t SignalBase::connectionCount() const noexcept {
+    if (!first_) return 0;
+    std::size_t count = 0;
+    FunctionBase const* item = first_;
+    do count += item->connected() ? 1 : 0;
+    while ((item = item->next_) != first_);
+    return count;
+}
+
+void SignalBase::disconnectAll() noexcept {
+    if (!first_) return;
+    // The end of a callback may destroy this signal: from here on nothing may look at it.
+    FunctionBase* item = takeEnded();
+    while (item) std::exchange(item, item->next_)->end();
+}
+
+// Parts with all callbacks before any of their owners' code runs. Those that an emission stands on stay linked
+// to each other without the signal, for the emission to walk out on; the others are the result, a chain in order.
+FunctionBase* SignalBase::takeEnded() noexcept {
+    FunctionBase* chain = nullptr;
+    FunctionBase** end = &chain;
+    FunctionBase* const last = first_->previous_;
+    for (FunctionBase *item = std::exchange(first_, nullptr), *next = nullptr;; item = next) {
+        next = item->next_;
+        item->signal_ = nullptr;
+        item->removed_ = true;
+        if (item->locks_ == 0) {
+            item->unlink();
+            *end = item;
+            end = &item->next_;
+        }
+        if (item == last) break;
+    }
+    *end = nullptr;
+    return chain;
+}
+
+}  // namespace urRTB

@@ -1,0 +1,82 @@
+// What signals of all argument types share: their connections and the walk over them.
+#pragma once
+
+#include <cstddef>
+#include <utility>
+
+#include "foundation/ur/Export.h"
+#include "foundation/urRTB/Connection.h"
+#include "foundation/urRTB/FunctionBase.h"
+
+namespace urRTB {
+
+/// The connections of one signal, in the order in which they were made.
+///
+/// Connecting and disconnecting take constant time; a signal without connections is one null pointer. A copied
+/// signal starts without connections, and assigning leaves both sides alone, so that classes with signals copy.
+/// Not thread-safe: a signal, its connections and their handles are used by one thread at a time.
+class NX_API SignalBase {
+public:
+    /// Blocked connections count, ended ones do not.
+    [[nodiscard]] bool hasConnections() const noexcept;
+    /// Takes time in proportion to the connections.
+    [[nodiscard]] std::size_t connectionCount() const noexcept;
+    /// No callback connected now is called again, not even by an emission under way.
+    void disconnectAll() noexcept;
+
+protected:
+    SignalBase() noexcept = default;
+    SignalBase(SignalBase const& /*other*/) noexcept {}
+    SignalBase& operator=(SignalBase const&) noexcept { return *this; }  // NOLINT(bugprone-unhandled-self-assignment)
+    ~SignalBase() {
+        while (first_) disconnectAll();  // again if the end of one callback made a connection here
+    }
+
+    /// Takes over `function`, which no signal owns yet. Null gives a handle without a connection.
+    Connection add(FunctionBase* function) noexcept;
+    [[nodiscard]] bool idle() const noexcept { return first_ == nullptr; }
+
+    /// The walk of one emission over the callbacks that are connected when it begins.
+    ///
+    /// Holds the locks of the callback it stands on and of the last one. Both thus stay in the ring whatever
+    /// happens to their connections or to the signal, and callbacks added on the way come after the last.
+    class Walk {
+    public:
+        /// Requires: the signal is not idle.
+        explicit Walk(SignalBase const& signal) noexcept : current_(signal.first_), last_(current_->previous_) {
+            last_->lock();
+            current_->lock();
+        }
+        Walk(Walk const&) = delete;
+        Walk& operator=(Walk const&) = delete;
+        ~Walk() {
+            current_->unlock();
+            last_->unlock();
+        }
+
+        [[nodiscard]] FunctionBase& function() const noexcept { return *current_; }
+        /// The callback is neither removed nor blocked.
+        [[nodiscard]] bool callable() const noexcept { return current_->callable(); }
+        /// False after the last callback.
+        bool advance() noexcept {
+            if (current_ == last_) return false;
+            current_->next_->lock();  // before the unlock, which may run code that removes the next one
+            FunctionBase* const left = std::exchange(current_, current_->next_);
+            left->unlock();
+            return true;
+        }
+
+    private:
+        FunctionBase* current_;
+        FunctionBase* last_;
+    };
+
+private:
+    friend class FunctionBase;
+
+    FunctionBase* takeEnded() noexcept;
+
+    FunctionBase* first_ = nullptr;
+};
+
+}  // namespace urRTB

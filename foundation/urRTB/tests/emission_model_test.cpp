@@ -1,0 +1,96 @@
+// Random callbacks that connect, disconnect, block, emit again and throw, against plain bookkeeping.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "foundation/urRTB/Signal.h"
+
+namespace {
+
+class Play {
+public:
+    explicit Play(unsigned seed) : random_(seed) {}
+
+    int run() {
+        for (int step = 0; step < 60; ++step) act(), emit();
+        return calls_;
+    }
+
+private:
+    struct Entry {
+        urRTB::Connection connection;
+        bool connected = true;
+        int blocks = 0;
+    };
+    struct Emission {
+        std::size_t position;  ///< one after the last callback called
+        std::size_t end;       ///< the number of connections made before the emission
+        Emission* outer;
+    };
+
+    // The callback that the innermost emission has to call next; `end` when none is left.
+    [[nodiscard]] std::size_t due() const {
+        std::size_t id = emission_->position;
+        while (id < emission_->end && (!entries_[id].connected || entries_[id].blocks > 0)) ++id;
+        return id;
+    }
+    void emit() {
+        Emission emission{0, entries_.size(), emission_};
+        emission_ = &emission;
+        try {
+            signal_.emit();
+            EXPECT_EQ(due(), emission.end);
+        } catch (std::size_t thrower) {
+            EXPECT_EQ(thrower + 1, emission.position);
+        }
+        emission_ = emission.outer;
+    }
+    void called(std::size_t id) {
+        EXPECT_EQ(id, due());
+        emission_->position = id + 1;
+        if (++calls_ % 4 != 0) act();
+        if (draw(20) == 0) throw id;
+    }
+    void act() {
+        std::size_t const id = draw(entries_.size() + 1);
+        if (id == entries_.size()) return connect();
+        Entry& entry = entries_[id];
+        switch (draw(12)) {
+            case 0: return disconnectAll();
+            case 1:
+            case 2: return emit();
+            case 3: ++entry.blocks; return entry.connection.block();
+            case 4:
+            case 5: entry.blocks -= entry.blocks > 0 ? 1 : 0; return entry.connection.unblock();
+            case 6:
+            case 7: entry.connected = false; return entry.connection.disconnect();
+            default: return connect();
+        }
+    }
+    void connect() {
+        entries_.push_back({signal_.addCallback([this, id = entries_.size()] { called(id); })});
+    }
+    void disconnectAll() {
+        for (Entry& entry : entries_) entry.connected = false;
+        signal_.disconnectAll();
+        EXPECT_FALSE(signal_.hasConnections());
+    }
+    std::size_t draw(std::size_t below) { return random_() % below; }
+
+    std::mt19937 random_;
+    int calls_ = 0;
+    Emission* emission_ = nullptr;
+    std::vector<Entry> entries_;
+    urRTB::Signal<> signal_;
+};
+
+TEST(Emission, CallsWhoeverIsConnectedAndUnblockedWhenItsTurnComes) {
+    int calls = 0;
+    for (unsigned seed = 1; seed <= 2000 && !HasFailure(); ++seed) {
+        SCOPED_TRACE(seed);
+        calls += Play(seed).run();
+    }
+    EXPECT_GT(calls, 200'000);  // no idle play
+}
+
+}  // namespace

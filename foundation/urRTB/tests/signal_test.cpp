@@ -1,0 +1,189 @@
+// Forms of callbacks, what owns what, and who may go when.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+#include <random>
+
+#include "foundation/urRTB/Signal.h"
+
+namespace {
+
+using urRTB::Connection;
+using urRTB::ScopedConnection;
+using urRTB::Signal;
+using urRTB::SignalClient;
+
+std::string log;
+void note(int number) { log += std::to_string(number); }
+void notePair(std::string text, int number) { log += std::move(text) + std::to_string(number); }
+
+struct Tripler {
+    void note(int number) { ::note(3 * number); }
+};
+struct Doubler final : urRTB::FunctionArg<int> {
+    void call(int number) override { note(2 * number); }
+};
+
+class SignalTest : public testing::Test {
+protected:
+    SignalTest() { log.clear(); }
+    [[nodiscard]] long held() const { return token.use_count() - 1; }
+
+    std::shared_ptr<int> const token = std::make_shared<int>();  // captured to see how long captures live
+};
+
+TEST_F(SignalTest, TakesEveryFormOfCallback) {
+    Signal<int> one;
+    SignalClient client;
+    Tripler tripler;
+    void (*const nothing)(int) = nullptr;
+    EXPECT_FALSE(one.addCallback(nothing).connected());
+    one.addCallback(note);
+    one.addCallback(new urRTB::FunctionArgGlobal<int>(note));
+    one.addCallback(new Doubler);
+    one.addCallback(client, &tripler, &Tripler::note);
+    one.addCallback([four = std::make_unique<int>(4)](int number) { return log += std::to_string(*four * number); });
+    one.emit(1);
+    Signal<std::string, int> two;
+    two.addCallback(new urRTB::Function2ArgsGlobal<std::string, int>(notePair));
+    two.emit(":", 5);
+    Signal<std::string&> changing;
+    changing.addCallback([](std::string& text) { text += "!"; });
+    changing.emit(log);
+    EXPECT_EQ(log, "11234:5!");
+    EXPECT_EQ(sizeof(one), sizeof(void*));
+}
+
+TEST_F(SignalTest, ACopyHasItsOwnConnections) {
+    Signal<int> signal;
+    signal.addCallback(note);
+    Signal<int> copy = signal;
+    EXPECT_FALSE(copy.hasConnections());
+    copy.addCallback([](int) { log += "copy"; });
+    copy = signal;
+    copy.emit(1);
+    EXPECT_EQ(log, "copy");
+}
+
+TEST_F(SignalTest, HandlesOutliveTheSignalButNotWhatTheCallbackCaptured) {
+    auto signal = std::make_unique<Signal<>>();
+    Connection const first = signal->addCallback([token = token] {});
+    Connection const second = signal->addCallback([token = token] {});
+    first.disconnect();
+    EXPECT_EQ(held(), 1);
+    signal.reset();
+    EXPECT_EQ(held(), 0);
+    EXPECT_FALSE(second.connected());
+    second.block();
+    second.disconnect();
+    Connection().disconnect();
+}
+
+TEST_F(SignalTest, ScopedOwnersEndWhatTheyOwn) {
+    Signal<int> signal;
+    {
+        ScopedConnection first = signal.addCallback(note);
+        ScopedConnection owner = std::move(first);
+        {
+            urRTB::ScopedBlock const block(owner.get());
+            signal.emit(1);
+        }
+        signal.emit(2);
+        owner = signal.addCallback([](int) { log += "second"; });
+        signal.emit(3);
+    }
+    EXPECT_FALSE(signal.hasConnections());
+    EXPECT_EQ(log, "2second");
+    EXPECT_TRUE(ScopedConnection(signal.addCallback(note)).release().connected());
+}
+
+TEST_F(SignalTest, AClientEndsItsConnectionsAndForgetsThoseOfSignalsThatWent) {
+    Signal<int> lasting;
+    {
+        SignalClient client;
+        lasting.addCallback(client, note);
+        for (int i = 0; i < 1000; ++i) Signal<>().addCallback(client, [token = token] {});
+        EXPECT_EQ(client.connectionCount(), 1U);
+        EXPECT_EQ(held(), 0);
+    }
+    EXPECT_FALSE(lasting.hasConnections());
+}
+
+TEST_F(SignalTest, ACallbackMayDestroyItsSignalAndItsClient) {
+    auto signal = std::make_unique<Signal<>>();
+    auto client = std::make_unique<SignalClient>();
+    signal->addCallback(*client, [&, token = token] {
+        client.reset();
+        signal.reset();
+        log += "1";
+        EXPECT_EQ(held(), 2);  // this capture and the copy in the nested emission's callback are both in use
+    });
+    Signal<> outer;
+    outer.addCallback([&, token = token] { signal->emit(); });
+    signal->addCallback([] { log += "never"; });
+    outer.emit();
+    EXPECT_EQ(log, "1");
+    EXPECT_EQ(held(), 1);
+}
+
+TEST_F(SignalTest, TheEndOfAConnectionMayDestroyTheSignalAndTheClient) {
+    struct Node {
+        explicit Node(std::shared_ptr<int> held) : token(std::move(held)) {}
+        std::shared_ptr<int> token;
+        Signal<> signal;
+        SignalClient client;
+    };
+    auto const ownedByItsCallbacks = [&] {
+        auto const node = std::make_shared<Node>(token);
+        for (int i = 0; i < 3; ++i) node->signal.addCallback(node->client, [node] { log += "."; });
+        return node.get();
+    };
+    ownedByItsCallbacks()->signal.disconnectAll();
+    ownedByItsCallbacks()->client.disconnectAll();
+    Node* const node = ownedByItsCallbacks();
+    node->signal.addCallback([node] { node->signal.disconnectAll(); });
+    node->signal.emit();
+    EXPECT_EQ(log, "...");
+    EXPECT_EQ(held(), 0);
+}
+
+TEST_F(SignalTest, TheEndOfAConnectionMayRemoveTheNextOneOrAddAnother) {
+    using AtEnd = std::shared_ptr<void>;
+    auto signal = std::make_unique<Signal<>>();
+    Connection self;
+    Connection next;
+    auto const removeNext = [&](void*) { next.disconnect(); };
+    auto const addAnother = [this, raw = signal.get()](void*) { raw->addCallback([token = token] {}); };
+    self = signal->addCallback([&, atEnd = AtEnd(nullptr, removeNext)] { self.disconnect(); });
+    next = signal->addCallback([] { log += "next"; });
+    signal->addCallback([atEnd = AtEnd(nullptr, addAnother)] { log += "last"; });
+    signal->emit();
+    EXPECT_EQ(log, "last");
+    signal.reset();
+    EXPECT_EQ(held(), 0);
+}
+
+TEST_F(SignalTest, AnExceptionLeavesNoCallbackLocked) {
+    Signal<> signal;
+    Connection thrower;
+    thrower = signal.addCallback([&, token = token] {
+        thrower.disconnect();
+        throw 1;
+    });
+    EXPECT_THROW(signal.emit(), int);
+    EXPECT_EQ(held(), 0);
+}
+
+TEST_F(SignalTest, DisconnectingInAnyOrderNeverSearches) {
+    Signal<int> signal;
+    std::vector<Connection> connections(200'000);
+    auto const start = std::chrono::steady_clock::now();
+    for (auto& connection : connections) connection = signal.addCallback(note);
+    std::shuffle(connections.begin(), connections.end(), std::mt19937(5));
+    for (auto const& connection : connections) connection.disconnect();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));  // searching takes minutes
+}
+
+}  // namespace
