@@ -47,11 +47,12 @@ CString& CString::assign(std::string_view text) {
     return *this;
 }
 
-void CString::appendGrowing(std::string_view text) {
+CString& CString::appendGrowing(std::string_view text) {
     std::size_t const size = sum(rep_.size(), text.size());
     TextRep grown = TextRep::ofSize(size, grownCapacity(rep_, size));
     put(put(grown.data(), view()), text);
     rep_ = std::move(grown);
+    return *this;
 }
 
 CString& CString::append(std::size_t count, char character) {

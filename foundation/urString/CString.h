@@ -70,17 +70,21 @@ public:
     CString& assign(char const* text) { return assign(orEmpty(text)); }
     CString& assign(char const* text, std::size_t size) { return assign(std::string_view(text, size)); }
     CString& append(std::string_view text) {
-        if (text.size() <= capacity() - size()) {
-            if (!text.empty()) std::memmove(data() + size(), text.data(), text.size());
-            rep_.setSize(size() + text.size());
-        } else {
-            appendGrowing(text);
-        }
+        char* const end = rep_.extend(text.size());
+        if (!end) [[unlikely]]
+            return appendGrowing(text);
+        if (!text.empty()) std::memcpy(end, text.data(), text.size());
         return *this;
     }
     CString& append(char const* text) { return append(orEmpty(text)); }
     CString& append(char const* text, std::size_t size) { return append(std::string_view(text, size)); }
-    CString& append(char character) { return append(std::string_view(&character, 1)); }
+    CString& append(char character) {
+        char* const end = rep_.extend(1);
+        if (!end) [[unlikely]]
+            return appendGrowing({&character, 1});
+        *end = character;
+        return *this;
+    }
     CString& append(std::size_t count, char character);
     CString& operator+=(std::string_view text) { return append(text); }
     CString& operator+=(char const* text) { return append(text); }
@@ -149,8 +153,10 @@ private:
     [[nodiscard]] static std::string_view orEmpty(char const* text) noexcept {
         return text ? std::string_view(text) : std::string_view();
     }
-    [[nodiscard]] static int toInt(std::strong_ordering order) noexcept { return (order > 0) - (order < 0); }
-    void appendGrowing(std::string_view text);
+    [[nodiscard]] static int toInt(std::strong_ordering order) noexcept {
+        return std::is_gt(order) - std::is_lt(order);
+    }
+    CString& appendGrowing(std::string_view text);
 
     impl::TextRep rep_;
 };

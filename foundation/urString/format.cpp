@@ -35,15 +35,14 @@ CString CString::vformat(char const* format, va_list arguments) {
     char brief[256];
     va_list again;
     va_copy(again, arguments);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller's va_start, which the analyzer overlooks
     int const length = std::vsnprintf(brief, sizeof brief, format, arguments);
     CString result;
     if (length > 0 && std::size_t(length) < sizeof brief) {
         result.assign(brief, std::size_t(length));
     } else if (length > 0) {
-        result.resizeAndOverwrite(std::size_t(length), [&](char* bytes, std::size_t size) {
-            std::vsnprintf(bytes, size + 1, format, again);
-            return size;
-        });
+        result.resize(std::size_t(length));
+        std::vsnprintf(result.data(), result.size() + 1, format, again);
     }
     va_end(again);
     return result;

@@ -17,7 +17,7 @@ public:
         if (!mkdtemp(folder.data())) return;
         std::string const compile = "localedef -f UTF-8 -i de_DE " + folder + "/de_DE.UTF-8 >/dev/null 2>&1";
         if (std::system(compile.c_str()) == 0 && setenv("LOCPATH", folder.c_str(), 1) == 0) {
-            active_ = std::setlocale(LC_ALL, "de_DE.UTF-8") && *std::localeconv()->decimal_point == ',';
+            active_ = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
         }
         unsetenv("LOCPATH");
         std::filesystem::remove_all(folder);
