@@ -1,0 +1,33 @@
+// How a call runs through its hooks.
+#include "dyd/Function.h"
+
+#include <utility>
+
+#include "dyd/Invocation.h"
+
+namespace nxDYD {
+
+Arg::~Arg() = default;
+Hooks::~Hooks() = default;
+Function::~Function() = default;
+
+void Hooks::preInvoke(Function* /*function*/, ur::vector<ur::Reference<Arg>>& /*args*/) {}
+void Hooks::postInvoke(Function* /*function*/, ur::vector<ur::Reference<Arg>> const& /*args*/, Arg const* /*result*/) {}
+
+ur::Reference<Arg> Function::call(ur::vector<ur::Reference<Arg>>& args) {
+    // A function that nobody holds lives outside the heap, and must not be counted.
+    ur::Reference<Function> const self(referenceCount() > 0 ? this : nullptr);
+    ur::Reference<Hooks> const hooks = hooks_;
+    if (!hooks) return onCall(args);
+    hooks->preInvoke(this, args);
+    ur::Reference<Arg> result = onCall(args);
+    hooks->postInvoke(this, args, result.get());
+    return result;
+}
+
+Invocation Function::call() {
+    ur::vector<ur::Reference<Arg>> none;
+    return {this, none};
+}
+
+}  // namespace nxDYD

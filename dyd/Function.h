@@ -1,0 +1,44 @@
+// A named operation that is called with items.
+#pragma once
+
+#include "dyd/Arg.h"
+#include "dyd/Hooks.h"
+#include "foundation/ur/containers.h"
+#include "foundation/urString/CString.h"
+
+namespace nxDYD {
+
+class Invocation;
+
+/// The base of operations that a host offers to callers who know them by name only. Held by reference.
+///
+/// Derive from it and implement `onCall`. A call that is running keeps the function and its hooks alive.
+class NX_API Function : public ur::ReferenceCount {
+public:
+    explicit Function(urString::CString const& name) : name_(name) {}
+    /// The copy shares the hooks.
+    Function(Function const&) = default;
+    Function& operator=(Function const&) = default;
+    ~Function() override;
+
+    [[nodiscard]] urString::CString const& name() const noexcept { return name_; }
+
+    /// Has `hooks` see the calls that begin from now on, in place of any others; null for none.
+    void setHooks(ur::Reference<Hooks> hooks) noexcept { hooks_.swap(hooks); }
+    void clearHooks() noexcept { hooks_.reset(); }
+
+    /// Runs the function now. The result may be null; what the function or a hook throws passes through.
+    ur::Reference<Arg> call(ur::vector<ur::Reference<Arg>>& args);
+    /// A call without arguments, which runs when the result goes.
+    [[nodiscard]] Invocation call();
+
+protected:
+    /// The operation itself. May change the arguments and return null.
+    virtual ur::Reference<Arg> onCall(ur::vector<ur::Reference<Arg>>& args) = 0;
+
+private:
+    urString::CString name_;
+    ur::Reference<Hooks> hooks_;
+};
+
+}  // namespace nxDYD
