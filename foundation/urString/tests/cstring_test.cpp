@@ -3,10 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
+#include <cstdio>
 #include <random>
 #include <stdexcept>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "foundation/ur/containers.h"
 #include "foundation/urString/tests/CommaLocale.h"
