@@ -3,27 +3,13 @@
 
 #include "foundation/ur/ImplBase.h"
 #include "foundation/ur/ReferenceCount.h"
-
-#if defined(__GNUG__)
-#include <cxxabi.h>
-
-#include <cstdlib>
-#include <memory>
-#endif
+#include "foundation/ur/impl/demangle.h"
 
 namespace ur {
 
 ReferenceCount::~ReferenceCount() = default;
 ImplBase::~ImplBase() = default;
 
-std::string TypeInfo::readableName() const {
-#if defined(__GNUG__)
-    int status = 0;
-    std::unique_ptr<char, decltype(&std::free)> text(abi::__cxa_demangle(name(), nullptr, nullptr, &status),
-                                                     &std::free);
-    if (status == 0) return text.get();
-#endif
-    return name();
-}
+std::string TypeInfo::readableName() const { return impl::demangle(name()); }
 
 }  // namespace ur

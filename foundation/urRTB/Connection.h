@@ -1,6 +1,7 @@
 // Handles to the connections of signals.
 #pragma once
 
+#include <string>
 #include <utility>
 
 #include "foundation/ur/Reference.h"
@@ -31,6 +32,10 @@ public:
         if (blocked()) --function_->blocks_;
     }
     [[nodiscard]] bool blocked() const noexcept { return function_ && function_->blocks_ != 0; }
+
+    /// Who is called, for diagnosis: the name of a plain function as far as it is known, the class of a callable
+    /// (for a lambda that names the function it was written in); empty without a connection.
+    [[nodiscard]] std::string describe() const { return function_ ? function_->describe() : std::string(); }
 
 private:
     friend class SignalBase;

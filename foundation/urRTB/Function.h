@@ -4,9 +4,12 @@
 #include <concepts>
 #include <functional>
 #include <optional>
+#include <string>
 #include <type_traits>
 #include <utility>
 
+#include "foundation/ur/TypeInfo.h"
+#include "foundation/ur/functionName.h"
 #include "foundation/urRTB/FunctionBase.h"
 
 namespace urRTB {
@@ -37,6 +40,10 @@ public:
     void call(Passed<Args>... args) override { function_(args...); }
 
 private:
+    [[nodiscard]] std::string describe() const override {
+        return ur::functionName(reinterpret_cast<void (*)()>(function_));
+    }
+
     void (*function_)(Args...);
 };
 
@@ -49,6 +56,7 @@ public:
     void call(Passed<Args>... args) override { static_cast<void>(std::invoke(*callable_, args...)); }
 
 private:
+    [[nodiscard]] std::string describe() const override { return ur::TypeInfo::of<F>().readableName(); }
     void onDisconnected() noexcept override { callable_.reset(); }
 
     std::optional<F> callable_;

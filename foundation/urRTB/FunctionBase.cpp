@@ -1,11 +1,14 @@
 // How a callback leaves its signal.
 #include "foundation/urRTB/FunctionBase.h"
 
+#include "foundation/ur/TypeInfo.h"
 #include "foundation/urRTB/SignalBase.h"
 
 namespace urRTB {
 
 FunctionBase::~FunctionBase() = default;
+
+std::string FunctionBase::describe() const { return ur::TypeInfo::of(*this).readableName(); }
 
 void FunctionBase::onDisconnected() noexcept {}
 

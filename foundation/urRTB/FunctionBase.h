@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "foundation/ur/Export.h"
 #include "foundation/ur/ReferenceCount.h"
@@ -29,6 +30,8 @@ private:
     friend class SignalBase;
     friend class Connection;
 
+    /// What is called: see `Connection::describe`.
+    [[nodiscard]] virtual std::string describe() const;
     /// The connection has ended and the callback is not running: frees what it captured. Called once.
     virtual void onDisconnected() noexcept;
 

@@ -35,6 +35,16 @@ std::size_t SignalBase::connectionCount() const noexcept {
     return count;
 }
 
+ur::vector<Connection> SignalBase::connections() const {
+    ur::vector<Connection> result;
+    if (!first_) return result;
+    FunctionBase* item = first_;
+    do {
+        if (item->connected()) result.push_back(Connection(item));
+    } while ((item = item->next_) != first_);
+    return result;
+}
+
 void SignalBase::disconnectAll() noexcept {
     if (!first_) return;
     // The end of a callback may destroy this signal: from here on nothing may look at it.

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "foundation/ur/Export.h"
+#include "foundation/ur/containers.h"
 #include "foundation/urRTB/Connection.h"
 #include "foundation/urRTB/FunctionBase.h"
 
@@ -21,6 +22,8 @@ public:
     [[nodiscard]] bool hasConnections() const noexcept;
     /// Takes time in proportion to the connections.
     [[nodiscard]] std::size_t connectionCount() const noexcept;
+    /// Blocked connections count, ended ones do not; in the order in which they were made.
+    [[nodiscard]] ur::vector<Connection> connections() const;
     /// No callback connected now is called again, not even by an emission under way.
     void disconnectAll() noexcept;
 

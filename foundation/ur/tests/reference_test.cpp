@@ -1,10 +1,13 @@
 // Counted references, class identities, the ordered map and the hash.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "foundation/ur/Reference.h"
 #include "foundation/ur/ReferenceCount.h"
 #include "foundation/ur/TypeInfo.h"
 #include "foundation/ur/containers.h"
+#include "foundation/ur/functionName.h"
 #include "foundation/ur/hashfunction.h"
 
 namespace {
@@ -74,6 +77,14 @@ TEST(TypeInfo, IdentifiesTheDynamicClass) {
     EXPECT_NE(ur::TypeInfo::of<Counted>() < ur::TypeInfo::of<Derived>(),
               ur::TypeInfo::of<Derived>() < ur::TypeInfo::of<Counted>());
     EXPECT_EQ(ur::TypeInfo::of<ur::ReferenceCount>().readableName(), "ur::ReferenceCount");
+}
+
+void hidden() {}
+
+TEST(FunctionName, IsTheSymbolOrAPlaceInAFile) {
+    EXPECT_EQ(ur::functionName(&std::abort), "abort");
+    EXPECT_NE(ur::functionName(&hidden).find("+0x"), std::string::npos);
+    EXPECT_EQ(ur::functionName(nullptr), "0x0");
 }
 
 TEST(Map, FindsOrInsertsAndWalksInOrder) {

@@ -1,6 +1,8 @@
 // Random callbacks that connect, disconnect, block, emit again and throw, against plain bookkeeping.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <memory>
 #include <random>
 
 #include "foundation/urRTB/Signal.h"
@@ -12,7 +14,13 @@ public:
     explicit Play(unsigned seed) : random_(seed) {}
 
     int run() {
-        for (int step = 0; step < 60; ++step) act(), emit();
+        for (int step = 0; step < 60; ++step) {
+            act(), emit();
+            // Nothing stays locked: exactly the callbacks still connected hold what they captured.
+            auto const isConnected = [](Entry const& entry) { return entry.connected; };
+            EXPECT_EQ(token_.use_count() - 1, std::count_if(entries_.begin(), entries_.end(), isConnected));
+            EXPECT_EQ(signal_.connectionCount() + 1, static_cast<std::size_t>(token_.use_count()));
+        }
         return calls_;
     }
 
@@ -68,7 +76,7 @@ private:
         }
     }
     void connect() {
-        entries_.push_back({signal_.addCallback([this, id = entries_.size()] { called(id); })});
+        entries_.push_back({signal_.addCallback([this, id = entries_.size(), token = token_] { called(id); })});
     }
     void disconnectAll() {
         for (Entry& entry : entries_) entry.connected = false;
@@ -77,6 +85,7 @@ private:
     }
     std::size_t draw(std::size_t below) { return random_() % below; }
 
+    std::shared_ptr<int> const token_ = std::make_shared<int>();
     std::mt19937 random_;
     int calls_ = 0;
     Emission* emission_ = nullptr;
