@@ -1,0 +1,51 @@
+// The buffer between a write context and a byte stream.
+#include "foundation/io/ioBufferedStreamOutput.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t bufferBytes = 64 * 1024;
+
+}  // namespace
+
+ioBufferedStreamOutput::~ioBufferedStreamOutput() { static_cast<void>(close()); }
+
+urUtil::Error ioBufferedStreamOutput::openIOStream(urOS::IOStream& stream) {
+    urUtil::Error former = close();
+    stream_ = &stream;
+    buffer_ = std::make_unique_for_overwrite<char[]>(bufferBytes);
+    cursor_ = buffer_.get();
+    end_ = cursor_ + bufferBytes;
+    passed_ = 0;
+    error_ = urUtil::Error();
+    return former;
+}
+
+urUtil::Error ioBufferedStreamOutput::close() {
+    if (stream_) pass();
+    stream_ = nullptr;
+    return error_;
+}
+
+urUtil::Error ioBufferedStreamOutput::flush() {
+    if (stream_) pass();
+    return error_;
+}
+
+void ioBufferedStreamOutput::send(std::string_view bytes) {
+    if (error_.ok() && !bytes.empty()) error_ = stream_->write(bytes.data(), bytes.size());
+    passed_ += bytes.size();
+}
+
+void ioBufferedStreamOutput::pass() {
+    send({buffer_.get(), static_cast<std::size_t>(cursor_ - buffer_.get())});
+    cursor_ = buffer_.get();
+}
+
+void ioBufferedStreamOutput::write(std::string_view bytes) {
+    if (bytes.size() > static_cast<std::size_t>(end_ - cursor_)) pass();
+    if (bytes.size() > bufferBytes) return send(bytes);
+    std::memcpy(cursor_, bytes.data(), bytes.size());
+    cursor_ += bytes.size();
+}

@@ -1,0 +1,59 @@
+// The buffer between a write context and a byte stream.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+
+#include "foundation/ur/Export.h"
+#include "foundation/urOS/IOStream.h"
+
+/// Collects bytes and hands them to a stream in large pieces.
+///
+/// The stream is not owned and must outlive this object, whose destruction writes the rest. The first error stays:
+/// from then on bytes are dropped. One thread at a time.
+class NX_API ioBufferedStreamOutput {
+public:
+    ioBufferedStreamOutput() = default;
+    ioBufferedStreamOutput(ioBufferedStreamOutput const&) = delete;
+    ioBufferedStreamOutput& operator=(ioBufferedStreamOutput const&) = delete;
+    ~ioBufferedStreamOutput();
+
+    urUtil::Error openIOStream(urOS::IOStream& stream);
+    [[nodiscard]] bool isOpen() const noexcept { return stream_ != nullptr; }
+    /// Hands down the rest and lets the stream go, open as it is. The result is the first error there was.
+    urUtil::Error close();
+    urUtil::Error flush();
+    [[nodiscard]] urUtil::Error const& error() const noexcept { return error_; }
+
+    /// Room for the next `bytes` bytes, at most a hundred; `advance` says how many were put there.
+    /// Requires: open.
+    [[nodiscard]] char* room(std::size_t bytes) {
+        if (static_cast<std::size_t>(end_ - cursor_) < bytes) pass();
+        return cursor_;
+    }
+    void advance(std::size_t bytes) noexcept { cursor_ += bytes; }
+    void write(std::string_view bytes);
+    /// Changes the byte written last; false when it has been handed down already.
+    bool amend(char byte) noexcept {
+        if (cursor_ == buffer_.get()) return false;
+        cursor_[-1] = byte;
+        return true;
+    }
+    /// The number of bytes since opening.
+    [[nodiscard]] std::uint64_t position() const noexcept {
+        return passed_ + static_cast<std::uint64_t>(cursor_ - buffer_.get());
+    }
+
+private:
+    void pass();
+    void send(std::string_view bytes);
+
+    urOS::IOStream* stream_ = nullptr;
+    std::unique_ptr<char[]> buffer_;
+    char* cursor_ = nullptr;
+    char* end_ = nullptr;
+    std::uint64_t passed_ = 0;
+    urUtil::Error error_;
+};

@@ -1,0 +1,6 @@
+// What readers do about packets by default.
+#include "foundation/io/ioClientReadContext.h"
+
+ioClientReadContext::~ioClientReadContext() = default;
+void ioClientReadContext::prePacketRead(ioPacketType const& /*type*/) {}
+void ioClientReadContext::postPacketRead(ioPacketType const& /*type*/) {}

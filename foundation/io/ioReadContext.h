@@ -1,0 +1,243 @@
+// Reads packets.
+#pragma once
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "foundation/io/ioBufferedStreamInput.h"
+#include "foundation/io/ioFormat.h"
+#include "foundation/io/ioPacketType.h"
+#include "foundation/io/ioStatus.h"
+#include "foundation/ur/Export.h"
+
+class ioClientReadContext;
+class ioPacketRegistry;
+
+/// Reads one file of packets, of any origin: what does not make sense ends the reading with a status.
+///
+/// Packet types read the payload of their packets by asking for the values in the order in which they were written.
+/// Packets inside a packet are read when the value behind them is asked for. Packets of types without a reader are
+/// passed over, known ones inside them are read. Only the open packets and the addresses of objects are held.
+///
+/// After the first fault (`getStatus`) every value is false, 0, empty or null. One thread at a time.
+class NX_API ioReadContext {
+public:
+    /// How many packets may be read inside each other by their types' `read`. Readers that keep a stack of their own
+    /// (`openPacket`) go as deep as memory allows.
+    static constexpr int deepestRead = 200;
+
+    ioReadContext(ioReadContext const&) = delete;
+    ioReadContext& operator=(ioReadContext const&) = delete;
+    ~ioReadContext();
+
+    /// Reads the file from its mark to its end mark, packet by packet. Asks the registry for its types.
+    void readFile(ioClientReadContext& client);
+    /// One of `ioStatus`.
+    [[nodiscard]] int getStatus() const noexcept { return static_cast<int>(status_); }
+    /// How many bytes of the file had been read when the first fault was found.
+    [[nodiscard]] std::uint64_t getStatusPosition() const noexcept { return statusPosition_; }
+
+    // The next value of the innermost packet; one of another kind is a fault.
+    [[nodiscard]] bool readBoolValue();
+    [[nodiscard]] int readIntValue();
+    [[nodiscard]] double readDoubleValue();
+    /// Valid until the next call of this context.
+    [[nodiscard]] char const* readStringValue();
+    /// The same with its length; no NUL is inside and none need be behind it.
+    [[nodiscard]] std::string_view readTextValue();
+    /// An object that a packet has defined, or null. `flag` is 0; other values are reserved.
+    [[nodiscard]] void* readReference(int flag);
+    /// The type of the packet that defined what `readReference` gave last.
+    [[nodiscard]] ioPacketType const* referencedType() const noexcept { return referencedType_; }
+    /// Says which object the innermost packet has produced.
+    void definePacketObject(void* object) noexcept;
+    /// Ends the reading as malformed: for packet types whose values do not make sense together.
+    void refuse() noexcept { fail(ioStatus::malformed); }
+
+    // For readers that keep a stack of their own: the steps that otherwise happen inside `readReference`.
+    enum class Ending { plain, referred };
+    /// Enters the packet that comes next and tells its type; null when the next thing is a value or an end.
+    [[nodiscard]] ioPacketType* openPacket();
+    /// Leaves the innermost packet, passing over what is left of it. `referred`: a reference to its object comes
+    /// next, and is thereby read.
+    [[nodiscard]] Ending closePacket();
+    /// Lets `type` read the packet that was opened, and closes it.
+    Ending readPacket(ioPacketType& type);
+    /// The object of the packet that was closed as `referred`; null, and a fault, if it defined none.
+    [[nodiscard]] void* referredObject();
+
+private:
+    friend NX_API std::unique_ptr<ioReadContext> ioReadContextAlloc(ioBufferedStreamInput&, ioPacketRegistry&);
+
+    static constexpr std::size_t noObject = std::numeric_limits<std::size_t>::max();
+    struct Object {
+        void* address;  ///< null until its packet defines it
+        ioPacketType const* type;
+    };
+
+    ioReadContext(ioBufferedStreamInput& input, ioPacketRegistry& registry) : input_(input), registry_(registry) {}
+
+    void fail(ioStatus status) noexcept;
+    [[nodiscard]] bool ok() const noexcept { return status_ == ioStatus::ok; }
+    /// Whether so many bytes are there; a fault if not.
+    [[nodiscard]] bool need(std::size_t bytes);
+    [[nodiscard]] unsigned char nextByte() const noexcept { return static_cast<unsigned char>(*input_.next()); }
+
+    [[nodiscard]] bool readFileMark();
+    void readPackets(ioClientReadContext& client);
+
+    // What the inline functions leave to be done when the bytes are not the most usual ones.
+    [[nodiscard]] bool otherBoolValue();
+    [[nodiscard]] int otherIntValue();
+    [[nodiscard]] double otherDoubleValue();
+    [[nodiscard]] std::string_view otherTextValue();
+    [[nodiscard]] void* otherReference();
+    [[nodiscard]] ioPacketType* openOtherPacket();
+
+    /// Reads the packets in front of the next value. False when no value follows.
+    [[nodiscard]] bool comeToValue();
+    [[nodiscard]] bool readNumber(ioFormat::Kind kind, std::uint64_t& number);
+    [[nodiscard]] bool readRest(std::uint64_t& number);
+    [[nodiscard]] std::int32_t readZigzag(ioFormat::Kind kind);
+    [[nodiscard]] double takeDouble() noexcept;
+    [[nodiscard]] std::string_view takeText(std::size_t size);
+    [[nodiscard]] std::string_view takeLongText(std::uint64_t size);
+    [[nodiscard]] void* use(Object const& object) noexcept;
+
+    [[nodiscard]] bool packetIsNext();
+    [[nodiscard]] ioPacketType* beginPacket();
+    [[nodiscard]] ioPacketType* enter(std::size_t number, ioFormat::Kind kind);
+    void nameType();
+    [[nodiscard]] Ending leave(unsigned char end) noexcept;
+    [[nodiscard]] Ending passOver();
+    [[nodiscard]] Ending passOverToken();
+    [[nodiscard]] Ending passOverMark();
+    void passOverText();
+
+    ioBufferedStreamInput& input_;
+    ioPacketRegistry& registry_;
+    ioClientReadContext* client_ = nullptr;
+    ioStatus status_ = ioStatus::ok;
+    std::uint64_t statusPosition_ = 0;
+    int readDepth_ = 0;
+    std::vector<std::size_t> open_;     ///< the open packets' objects, `noObject` where there is none
+    std::vector<ioPacketType*> types_;  ///< by number; null where there is no reader
+    std::vector<Object> objects_;       ///< in the order in which their packets began
+    std::size_t closedObject_ = noObject;
+    ioPacketType const* referencedType_ = nullptr;
+    std::string text_;
+};
+
+/// A context that reads from `input`; null when that is not open. Input and registry outlive it.
+NX_API std::unique_ptr<ioReadContext> ioReadContextAlloc(ioBufferedStreamInput& input, ioPacketRegistry& registry);
+
+inline bool ioReadContext::readBoolValue() {
+    if (!input_.ensure(1) || nextByte() > ioFormat::trueMark) return otherBoolValue();
+    bool const value = nextByte() == ioFormat::trueMark;
+    input_.advance(1);
+    return value;
+}
+
+inline int ioReadContext::readIntValue() {
+    if (!input_.ensure(1)) return otherIntValue();
+    unsigned char const token = nextByte();
+    unsigned const number = ioFormat::numberOf(token);
+    if (ioFormat::kindOf(token) != ioFormat::integer || number == ioFormat::longNumber) return otherIntValue();
+    input_.advance(1);
+    return ioFormat::unzigzag(number);
+}
+
+inline double ioReadContext::readDoubleValue() {
+    if (!input_.ensure(1 + sizeof(double)) || nextByte() != ioFormat::doubleMark) return otherDoubleValue();
+    return takeDouble();
+}
+
+inline double ioReadContext::takeDouble() noexcept {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, input_.next() + 1, sizeof(bits));
+    input_.advance(1 + sizeof(bits));
+    if constexpr (std::endian::native == std::endian::big) bits = __builtin_bswap64(bits);
+    return std::bit_cast<double>(bits);
+}
+
+inline std::string_view ioReadContext::readTextValue() {
+    if (!input_.ensure(1)) return otherTextValue();
+    unsigned char const token = nextByte();
+    std::size_t const size = ioFormat::numberOf(token);
+    bool const isShort = ioFormat::kindOf(token) == ioFormat::text && size != ioFormat::longNumber;
+    if (!isShort || !input_.ensure(1 + size)) return otherTextValue();
+    input_.advance(1);
+    return takeText(size);
+}
+
+inline std::string_view ioReadContext::takeText(std::size_t size) {
+    std::string_view const text(input_.next(), size);
+    input_.advance(size);
+    if (text.find('\0') == std::string_view::npos) return text;
+    fail(ioStatus::malformed);
+    return {};
+}
+
+inline void* ioReadContext::use(Object const& object) noexcept {
+    if (!object.address) fail(ioStatus::unresolvedReference);
+    referencedType_ = object.type;
+    return object.address;
+}
+
+inline void* ioReadContext::readReference(int /*flag*/) {
+    if (!input_.ensure(1)) return otherReference();
+    unsigned char const token = nextByte();
+    std::size_t const distance = ioFormat::numberOf(token);
+    bool const isShort = ioFormat::kindOf(token) == ioFormat::reference && distance != ioFormat::longNumber;
+    if (!isShort || distance == 0 || distance > objects_.size()) return otherReference();
+    input_.advance(1);
+    return use(objects_[objects_.size() - distance]);
+}
+
+inline void ioReadContext::definePacketObject(void* object) noexcept {
+    if (!open_.empty() && open_.back() != noObject) objects_[open_.back()].address = object;
+}
+
+inline ioPacketType* ioReadContext::enter(std::size_t number, ioFormat::Kind kind) {
+    ioPacketType* const type = types_[number];
+    bool const hasObject = kind == ioFormat::objectPacket;
+    open_.push_back(hasObject ? objects_.size() : noObject);
+    if (hasObject) objects_.push_back({nullptr, type});
+    return type;
+}
+
+inline ioPacketType* ioReadContext::openPacket() {
+    if (!input_.ensure(1)) return nullptr;
+    unsigned char const token = nextByte();
+    ioFormat::Kind const kind = ioFormat::kindOf(token);
+    std::size_t const number = ioFormat::numberOf(token);
+    bool const isStart = kind == ioFormat::objectPacket || kind == ioFormat::plainPacket;
+    if (isStart && number != ioFormat::longNumber && number < types_.size() && types_[number]) {
+        input_.advance(1);
+        return enter(number, kind);
+    }
+    return isStart || token == ioFormat::typeMark ? openOtherPacket() : nullptr;
+}
+
+inline ioReadContext::Ending ioReadContext::leave(unsigned char end) noexcept {
+    input_.advance(1);
+    closedObject_ = open_.back();
+    open_.pop_back();
+    if (end == ioFormat::endMark) return Ending::plain;
+    if (closedObject_ != noObject && !open_.empty()) return Ending::referred;
+    fail(ioStatus::malformed);
+    return Ending::plain;
+}
+
+inline ioReadContext::Ending ioReadContext::closePacket() {
+    if (!input_.ensure(1)) return passOver();
+    unsigned char const token = nextByte();
+    return token == ioFormat::endMark || token == ioFormat::referredEndMark ? leave(token) : passOver();
+}

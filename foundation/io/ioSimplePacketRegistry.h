@@ -1,0 +1,39 @@
+// The registry that asks for its types when they are needed.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "foundation/io/ioPacketRegistry.h"
+#include "foundation/ur/Export.h"
+#include "foundation/urRTB/Signal.h"
+
+/// Emits its registration signal once, when the first file starts; whoever knows packet types connects to it and
+/// adds them then.
+///
+/// A registry for writing needs only the names and drops the types themselves. Owned by whoever makes the context,
+/// and outlives it. One thread at a time.
+class NX_API ioSimplePacketRegistry final : public ioPacketRegistry {
+public:
+    explicit ioSimplePacketRegistry(bool forReading) noexcept : forReading_(forReading) {}
+    ~ioSimplePacketRegistry() override;
+
+    [[nodiscard]] urRTB::Signal<ioSimplePacketRegistry&>& registrationSignal() noexcept { return registration_; }
+
+    void supportedType(std::unique_ptr<ioPacketType> type) override;
+    /// Adds a type that is only written; packets of it that are read are passed over.
+    void add(std::string_view name);
+
+    void registerTypes() override;
+    [[nodiscard]] bool supports(std::string_view name) const override;
+    [[nodiscard]] ioPacketType* reader(std::string_view name) const override;
+
+private:
+    std::map<std::string, std::unique_ptr<ioPacketType>, std::less<>> types_;
+    bool forReading_;
+    bool registered_ = false;
+    urRTB::Signal<ioSimplePacketRegistry&> registration_;
+};
