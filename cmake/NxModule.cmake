@@ -4,13 +4,16 @@
 #
 # USES names the modules whose headers this one may include (cmake/check_layers holds it to that);
 # PACKAGES are link targets that only this module's sources need; PUBLIC_PACKAGES those that its
-# headers need as well. Headers in the folder itself are public and installed, those in impl/ are not.
+# headers need as well; TEST_USES and TEST_PACKAGES those of its tests alone. Headers in the folder itself are
+# public and installed, those in impl/ are not.
 set_property(GLOBAL PROPERTY NX_OBJECTS "")
 set_property(GLOBAL PROPERTY NX_PACKAGES "")
 set_property(GLOBAL PROPERTY NX_PUBLIC_HEADERS "")
+set_property(GLOBAL PROPERTY NX_MODULE_TABLE "# name, folder, uses, packages, public packages, uses of the tests\n")
 
 function(nx_module)
-  cmake_parse_arguments(M "" "NAME" "USES;SOURCES;PACKAGES;PUBLIC_PACKAGES;TEST_PACKAGES" ${ARGN})
+  cmake_parse_arguments(M "" "NAME" "USES;SOURCES;PACKAGES;PUBLIC_PACKAGES;TEST_USES;TEST_PACKAGES" ${ARGN})
+  nx_add_to_module_table()
   file(GLOB headers CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
   set_property(GLOBAL APPEND PROPERTY NX_PUBLIC_HEADERS ${headers})
 
@@ -36,11 +39,23 @@ function(nx_module)
   file(GLOB tests CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tests/*_test.cpp)
   if(NX_TESTS AND tests)
     add_executable(${M_NAME}_tests ${tests})
-    target_link_libraries(${M_NAME}_tests PRIVATE ${target} GTest::gmock_main ${M_TEST_PACKAGES})
+    list(TRANSFORM M_TEST_USES PREPEND nx_ OUTPUT_VARIABLE used)
+    target_link_libraries(${M_NAME}_tests PRIVATE ${target} ${used} GTest::gmock_main ${M_TEST_PACKAGES})
     target_precompile_headers(${M_NAME}_tests PRIVATE <gmock/gmock.h> <gtest/gtest.h> <string> <vector>)
     add_test(NAME ${M_NAME} COMMAND ${M_NAME}_tests)
   endif()
 endfunction()
+
+# The table that the checks read, in the order in which the modules are entered; written by NxChecks.
+macro(nx_add_to_module_table)
+  file(RELATIVE_PATH row ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+  string(PREPEND row "${M_NAME}\t")
+  foreach(column USES PACKAGES PUBLIC_PACKAGES TEST_USES)
+    list(JOIN M_${column} " " names)
+    string(APPEND row "\t${names}")
+  endforeach()
+  set_property(GLOBAL APPEND_STRING PROPERTY NX_MODULE_TABLE "${row}\n")
+endmacro()
 
 # libSupport: every module taken whole, yajl beside it, and only what is public exported.
 function(nx_shared_library)

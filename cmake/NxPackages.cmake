@@ -1,5 +1,4 @@
 # The packages that the library itself stands on; tools, tests and benches find their own.
-find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
 find_package(absl REQUIRED)
 find_package(Eigen3 REQUIRED NO_MODULE)

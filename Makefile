@@ -1,0 +1,55 @@
+# The short road to everything; each line is thin over a CMake preset and first installs the packages that are missing.
+PREFIX ?= /usr/local
+DESTDIR ?=
+FUZZ_SECONDS ?= 60
+export DESTDIR
+
+preset = cmake --preset $(1) $(2) && cmake --build --preset $(1)
+
+.PHONY: run test bench asan tsan fuzz docs install format tidy clean packages
+.DEFAULT_GOAL := run
+
+packages:
+	@packaging/install-packages build
+
+run: packages
+	$(call preset,dev) --target nxplist
+	PATH="$(CURDIR)/build/dev/bin:$$PATH" examples/iso-codes.sh
+
+test: packages
+	$(call preset,dev)
+	ctest --preset dev
+
+# QUICK=1: smaller inputs, under a minute.
+bench: packages
+	@packaging/install-packages bench
+	$(call preset,bench)
+	build/bench/bin/nxbench $(if $(filter-out 0,$(QUICK)),--quick) --json build/bench/ratios.json
+
+asan tsan: packages
+	$(call preset,$@)
+	ctest --preset $@
+
+fuzz: packages
+	@packaging/install-packages fuzz
+	$(call preset,fuzz)
+	fuzz/run build/fuzz/bin $(FUZZ_SECONDS)
+
+# Writes the current listings, outputs and tables into the pages, then checks them.
+docs: packages
+	$(call preset,dev)
+	cmake/check_docs --update --path build/dev/bin
+
+install: packages
+	$(call preset,release,-DCMAKE_INSTALL_PREFIX="$(PREFIX)")
+	cmake --install build/release
+
+format: packages
+	cmake/check_format --fix
+
+tidy: packages
+	$(call preset,dev)
+	cmake/check_tidy build/dev
+
+clean:
+	rm -rf build

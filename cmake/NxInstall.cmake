@@ -1,0 +1,25 @@
+# What `cmake --install` lays down: the library, the public headers under include/nxSupport as they lie in the tree,
+# and the two descriptions by which programs outside this tree find them.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS Support EXPORT nxSupport LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+
+get_property(headers GLOBAL PROPERTY NX_PUBLIC_HEADERS)
+foreach(header ${headers})
+  file(RELATIVE_PATH path ${PROJECT_SOURCE_DIR} ${header})
+  get_filename_component(folder ${path} DIRECTORY)
+  install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/nxSupport/${folder})
+endforeach()
+
+set(folder ${CMAKE_INSTALL_LIBDIR}/cmake/nxSupport)
+install(EXPORT nxSupport NAMESPACE nxSupport:: FILE nxSupportTargets.cmake DESTINATION ${folder})
+configure_package_config_file(packaging/nxSupportConfig.cmake.in nxSupportConfig.cmake INSTALL_DESTINATION ${folder})
+write_basic_package_version_file(nxSupportConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/nxSupportConfig.cmake ${PROJECT_BINARY_DIR}/nxSupportConfigVersion.cmake
+        DESTINATION ${folder})
+
+# The prefix is told from where the file lies, so that an installed tree may be moved.
+file(RELATIVE_PATH NX_PC_TO_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+string(REGEX REPLACE "/$" "" NX_PC_TO_PREFIX ${NX_PC_TO_PREFIX})
+configure_file(packaging/nxsupport.pc.in nxsupport.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/nxsupport.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
