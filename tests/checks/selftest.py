@@ -1,0 +1,135 @@
+"""Plants faults in tiny trees and expects each check to name every one of them, and nothing else."""
+import json
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+CHECKS = Path(__file__).resolve().parents[2] / "cmake"
+MARK = '#define NX_API __attribute__((visibility("default")))\n'
+
+
+class Planted(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.top = Path(folder.name)
+        subprocess.run(["git", "init", "-q", self.top], check=True)
+
+    def plant(self, files):
+        for path, text in files.items():
+            (self.top / path).parent.mkdir(parents=True, exist_ok=True)
+            (self.top / path).write_text(text)
+
+    def told(self, check, *arguments):
+        run = subprocess.run([CHECKS / check, *arguments], cwd=self.top, capture_output=True, text=True)
+        self.assertEqual(run.stderr, "")
+        return run.stdout.splitlines() if run.returncode else []
+
+    def test_words(self):
+        self.plant({"a.md": "good\nsee Part 2" + ".1 of the specificatio" + "n\n", "b.md": "a particular part 2\n"})
+        self.assertEqual([line.partition(" ")[0] for line in self.told("check_words")], ["a.md:2:", "a.md:2:"])
+
+    def test_format(self):
+        self.plant({".clang-format": "BasedOnStyle: Google\n", "good.h": "// Good.\nint a;\n",
+                    "spaced.h": "// Bad.\nint  a;\nint  b;\n", "silent.h": "int a;\n"})
+        self.assertEqual([line.partition(" ")[0] for line in self.told("check_format")], ["spaced.h:2:", "silent.h:1:"])
+
+    def test_layers(self):
+        self.plant({
+            "modules.tsv": "low\tlow\t\tEigen3::Eigen\tabsl::btree\t\n"
+                           "high\thigh\tlow\t\t\tside\n"
+                           "side\tside\tlow\t\t\t\n",
+            "low/Low.h": "#include <absl/btree.h>\n#include <vector>\n#include <Eigen/Dense>\n"
+                         '#include "low/impl/Own.h"\n',
+            "low/impl/Own.h": "#include <Eigen/Dense>\n",
+            "low/Low.cpp": '#include "high/High.h"\n#include "low/impl/Own.h"\n',
+            "high/High.h": '#include "low/Low.h"\n#include "side/Side.h"\n#include "Near.h"\n',
+            "high/Near.h": "", "side/Side.h": "",
+            "high/High.cpp": '#include "low/impl/Own.h"\n#include <absl/btree.h>\n#include "high/Absent.h"\n',
+            "high/tests/high_test.cpp": '#include "side/Side.h"\n#include <gtest/gtest.h>\n',
+            "tools/one/main.cpp": '#include "tools/one/One.h"\n#include "high/High.h"\n#include "low/impl/Own.h"\n',
+            "tools/one/One.h": '#include "tools/two/Two.h"\n', "tools/two/Two.h": ""})
+        self.assertEqual(self.told("check_layers", "modules.tsv"), [
+            "high/CMakeLists.txt:1: high uses side, which is not entered before it",
+            "high/High.cpp:1: low/impl/Own.h is private to low",
+            "high/High.cpp:2: absl/btree.h is not among PACKAGES",
+            "high/High.cpp:3: high/Absent.h does not exist",
+            "high/High.h:2: side/Side.h belongs to side, which high does not use",
+            "high/High.h:3: Near.h is not written from the root",
+            "low/Low.cpp:1: high/High.h belongs to high, which low does not use",
+            "low/Low.h:3: Eigen/Dense is not among PUBLIC_PACKAGES",
+            "low/Low.h:4: low/impl/Own.h is private, but this header is public",
+            "tools/one/One.h:1: tools/two/Two.h is not a public header",
+            "tools/one/main.cpp:3: low/impl/Own.h is not a public header"])
+
+    def test_exports(self):
+        yajl = [f"yajl_f{i}" for i in range(28)]
+        header = MARK + """
+            namespace ours {
+            struct NX_API Shown { Shown(); int get() const; int quick() const { return 1; } virtual ~Shown(); };
+            struct Forgotten { void call(); };
+            NX_API int overloaded(int);
+            int overloaded(double);
+            template <class T> T generic(T value);
+            inline int here(int x) { return x; }
+            NX_API Shown operator+(Shown const& a, Shown const& b);
+            }
+            """
+        source = header + """
+            namespace ours {
+            Shown::Shown() {} int Shown::get() const { return 1; } Shown::~Shown() {}
+            void Forgotten::call() {}
+            int overloaded(int x) { return x; } int overloaded(double) { return 2; }
+            Shown operator+(Shown const&, Shown const&) { return {}; }
+            NX_API int secret() { return 3; }
+            }
+            """ + "".join(f'extern "C" NX_API int {name}() {{ return 0; }}\n' for name in yajl[1:] + ["yajl_more"])
+        self.plant({"modules.tsv": "ours\tours\t\t\t\t\n", "ours/Ours.h": header, "ours/Ours.cpp": source,
+                    "yajl/yajl_all.h": "".join(f"YAJL_API int {name}(void);\n" for name in yajl)
+                                       + "YAJL_API void yajl_gen_reset(void);\n"})
+        subprocess.run(["g++", "-shared", "-fPIC", "-fvisibility=hidden", "ours/Ours.cpp", "-o", "lib.so"],
+                       cwd=self.top, check=True)
+        self.assertEqual(self.told("check_exports", "lib.so", "modules.tsv", "yajl"), [
+            "cmake/libSupport.map:1: yajl_f0 is not exported",
+            "cmake/libSupport.map:1: yajl_more is exported but not public",
+            "ours/Ours.h:5: ours::Forgotten::call is public, but 1 of 1 not exported: is NX_API missing?",
+            "ours/Ours.h:6: ours::overloaded is public, but 1 of 2 not exported: is NX_API missing?",
+            "ours::secret is exported, but no public header declares it"])
+
+    def test_tidy(self):
+        self.plant({".clang-tidy": "Checks: '-*,bugprone-suspicious-semicolon'\nWarningsAsErrors: '*'\n",
+                    "a.cpp": "void f(int x) {\n  if (x);\n}\n", "tests/a.cpp": "void f(int x) { if (x); }\n",
+                    "build/build.ninja": ""})
+        entries = [{"directory": str(self.top), "file": str(self.top / path), "command": f"g++ -o a.o -c {path}"}
+                   for path in ("a.cpp", "tests/a.cpp")]
+        self.plant({"build/compile_commands.json": json.dumps(entries)})
+        self.assertEqual([line.partition(" ")[0] for line in self.told("check_tidy", "build")], ["a.cpp:2:"])
+
+    def test_docs(self):
+        self.plant({
+            "examples/a.cpp": "int a;\n// [part]\n    int b;\n// [part]\n",
+            "packaging/apt-packages": "# head\nbuild  one  reason\n",
+            "CONTRIBUTING.md": "# A head, here\n[x](README.md) [y](#a-head-here) [z](https://x.y) `[no](link)`\n",
+            "README.md": "[a](gone.md)\n[b](CONTRIBUTING.md#none)\n"
+                         "```cpp\nint a;\n```\n```cpp file=examples/a.cpp region=none\n```\n"
+                         "```console\n$ false\n```\n",
+            "docs/good.md": "```cpp file=examples/a.cpp region=part\nint b;\n```\n<!-- packages -->\n"
+                            "| package | for | why |\n|---|---|---|\n| `one` | build | reason |\n\n"
+                            "```console\n$ seq 3; exit 2  # exit 2\n1\n...\n```\n",
+            "docs/listing.md": "```cpp file=examples/a.cpp region=part\nint c;\n```\n",
+            "docs/output.md": "\n```console\n$ echo a\nb\n```\n",
+            "docs/table.md": "<!-- packages -->\n| package |\n"})
+        self.assertEqual(self.told("check_docs"), [
+            "README.md:3: a cpp block names no file that is compiled; use `text` for what is not code",
+            "README.md:6: examples/a.cpp has 0 lines `// [none]`, not 2",
+            "README.md:8: `false` exits with 1, not 0: ",
+            "README.md:1: the link to gone.md leads nowhere",
+            "README.md:2: the link to CONTRIBUTING.md#none finds no heading #none",
+            "docs/listing.md:2: reads “int c;”, should read “int b;”; `make docs` updates it",
+            "docs/output.md:4: reads “b”, should read “a”; `make docs` updates it",
+            "docs/table.md:2: reads “| package |”, should read “| package | for | why |”; `make docs` updates it"])
+
+
+if __name__ == "__main__":
+    unittest.main()
