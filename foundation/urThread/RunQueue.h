@@ -1,0 +1,50 @@
+// Work that other threads hand to the thread that services the queue.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+
+#include "foundation/ur/Export.h"
+#include "foundation/ur/Reference.h"
+#include "foundation/urThread/Runnable.h"
+
+namespace urThread {
+
+/// Collects runnables from any thread and runs them, in the order of adding, on the thread that services it.
+///
+/// The host owns it and calls `service` in its loop; a host without a loop calls `wait` and then `service`, one
+/// with its own event loop overrides `onAdd` to post itself that call. It outlives the threads that add to it.
+/// What is still queued when it closes or goes is dropped, not run, since what it would work on may be gone.
+class NX_API RunQueue {
+public:
+    RunQueue();
+    RunQueue(RunQueue const&) = delete;
+    RunQueue& operator=(RunQueue const&) = delete;
+    /// Closes the queue. A runnable may destroy the queue that runs it.
+    virtual ~RunQueue();
+
+    /// Any thread. Ignored when null; dropped when the queue has closed.
+    void add(ur::Reference<Runnable> runnable);
+
+    /// Runs what is queued now and tells how many that were; what is added meanwhile waits for the next call.
+    /// An exception from a runnable leaves at once; those after it stay queued in their order.
+    /// A runnable may service the queue itself: each one still runs once.
+    std::size_t service();
+    /// Waits for something to run, `limit` at most. False when there was nothing, at once when the queue has closed.
+    bool wait(std::chrono::nanoseconds limit);
+    /// Any thread. Drops what is queued and whatever is added later, and ends a `wait`.
+    void close() noexcept;
+    /// Any thread: the number of runnables queued at some moment of the call.
+    [[nodiscard]] std::size_t size() const noexcept;
+
+protected:
+    /// Called after each addition, on the adding thread.
+    virtual void onAdd();
+
+private:
+    struct State;
+    std::shared_ptr<State> state_;
+};
+
+}  // namespace urThread

@@ -1,0 +1,104 @@
+// The run queue: what runs, when, and what is dropped.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <thread>
+
+#include "foundation/urThread/RunQueue.h"
+
+namespace {
+
+using urThread::RunQueue;
+using namespace std::chrono_literals;
+
+struct Task final : urThread::Runnable {
+    explicit Task(std::function<void()> body) : body_(std::move(body)) {}
+    void run() override { body_(); }
+    std::function<void()> body_;
+};
+
+class RunQueueTest : public testing::Test {
+protected:
+    void add(std::function<void()> body) { queue->add(ur::make<Task>(std::move(body))); }
+    void note(std::string const& text) {
+        add([this, text] { log += text; });
+    }
+
+    std::string log;
+    std::unique_ptr<RunQueue> queue = std::make_unique<RunQueue>();
+};
+
+TEST_F(RunQueueTest, RunsWhatWasQueuedWhenTheServiceBegan) {
+    queue->add(nullptr);
+    EXPECT_EQ(queue->service(), 0U);
+    add([this] { note("3"), log += "1"; });
+    note("2");
+    EXPECT_EQ(queue->service(), 2U);
+    EXPECT_EQ(queue->service(), 1U);
+    add([this] { note("5"), queue->service(), note("next"); });
+    note("4");
+    queue->service();
+    EXPECT_EQ(log, "12345");
+    EXPECT_EQ(queue->size(), 1U);
+}
+
+TEST_F(RunQueueTest, AnExceptionKeepsTheRestQueuedInOrder) {
+    add([] { throw 1; });
+    note("a");
+    EXPECT_THROW(queue->service(), int);
+    note("b");
+    EXPECT_EQ(queue->service(), 2U);
+    EXPECT_EQ(log, "ab");
+}
+
+TEST_F(RunQueueTest, WhatIsQueuedAtTheEndIsDroppedAndNotRun) {
+    auto const token = std::make_shared<int>();
+    auto const addOnTheWay = [this](void*) { note("late"); };
+    add([this] { queue->close(); });
+    add([this, token, dropped = std::shared_ptr<void>(nullptr, addOnTheWay)] { log += "run"; });
+    EXPECT_EQ(queue->service(), 1U);
+    EXPECT_EQ(token.use_count(), 1);
+    EXPECT_EQ(queue->size(), 0U);
+    queue = std::make_unique<RunQueue>();
+    add([this] { queue.reset(); });
+    note("run");
+    EXPECT_EQ(queue->service(), 1U);
+    EXPECT_EQ(log, "");
+}
+
+TEST_F(RunQueueTest, WaitingEndsWithTheLimitAnAdditionOrTheClose) {
+    EXPECT_FALSE(queue->wait(-1s));
+    EXPECT_FALSE(queue->wait(1ms));
+    std::thread adder([this] { note("work"); });
+    EXPECT_TRUE(queue->wait(std::chrono::nanoseconds::max()));
+    adder.join();
+    EXPECT_TRUE(queue->wait(0s));
+    queue->service();
+    std::thread closer([this] { queue->close(); });
+    EXPECT_FALSE(queue->wait(1h));
+    closer.join();
+    EXPECT_FALSE(queue->wait(1h));
+}
+
+TEST(RunQueue, TellsItsHostOfAdditionsAndLosesNone) {
+    struct HostQueue : RunQueue {
+        void onAdd() override { ++additions; }
+        std::atomic<std::size_t> additions = 0;
+    } queue;
+    std::size_t ran = 0;  // counted on this thread only
+    auto const addMany = [&] {
+        for (int i = 0; i < 2000; ++i) queue.add(ur::make<Task>([&ran] { ++ran; }));
+    };
+    std::thread first(addMany);
+    std::thread second(addMany);
+    for (std::size_t serviced = 0; serviced < 4000 && queue.wait(10s);) serviced += queue.service();
+    first.join();
+    second.join();
+    EXPECT_EQ(ran, 4000U);
+    EXPECT_EQ(queue.additions, 4000U);
+}
+
+}  // namespace
