@@ -16,13 +16,14 @@ using Linear = Eigen::Matrix<double, N, N, Eigen::RowMajor>;
 /// The inverse of the linear part, if there is one.
 ///
 /// Axes of very different lengths are no obstacle, axes in one plane are. Therefore every row is brought to
-/// length 1 first, and the determinant compared with the most that rows and columns of these lengths can have.
+/// length 1 first, and the determinant compared with the most that columns of their lengths can have
+/// (Hadamard), which is at most the 1 that the rows can have.
 template <int N>
 std::optional<Linear<N>> inverseOf(Linear<N> rows) {
     Eigen::Vector<double, N> const lengths = rows.rowwise().stableNorm();
     rows.array().colwise() /= lengths.array();
     constexpr double rounding = 4 * std::numeric_limits<double>::epsilon();
-    double const most = std::min(1.0, rows.colwise().norm().prod());
+    double const most = rows.colwise().norm().prod();
     Linear<N> inverse = Linear<N>::Zero();
     double determinant = 0;
     bool invertible = false;

@@ -62,15 +62,16 @@ struct NX_API BasicVector : Components<BasicVector<T, N>, T, N> {
         T const squared = lengthSquared();
         if (std::isnormal(squared) || std::isnan(squared)) return std::sqrt(squared);
         T const largest = largestComponent();
-        return largest > 0 && std::isfinite(largest) ? largest * (*this / largest).length() : largest;
+        return largest > 0 && std::isfinite(largest) ? largest * std::sqrt((*this / largest).lengthSquared()) : largest;
     }
     /// The same direction with length 1; the zero vector when there is none (zero or not finite).
     [[nodiscard]] BasicVector normalized() const {
         T const squared = lengthSquared();
         if (std::isnormal(squared)) return *this / std::sqrt(squared);
         T const largest = largestComponent();
-        bool const hasDirection = largest > 0 && std::isfinite(largest) && !std::isnan(squared);
-        return hasDirection ? (*this / largest).normalized() : BasicVector();
+        if (!(largest > 0) || !std::isfinite(largest) || std::isnan(squared)) return {};
+        BasicVector const scaled = *this / largest;
+        return scaled / std::sqrt(scaled.lengthSquared());
     }
     /// The greatest magnitude among the components.
     [[nodiscard]] T largestComponent() const {

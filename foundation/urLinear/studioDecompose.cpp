@@ -18,15 +18,14 @@ Vector finitePart(Vector const& vector) {
     return Vector::generate([&](int i) { return std::isfinite(vector[i]) ? vector[i] : 0; });
 }
 
-/// What is left of `vector` at right angles to the known axes; zero when that is only rounding.
+/// What is left of a unit vector at right angles to the known axes; zero when that is only rounding.
 /// Two passes, because what the first one leaves of a nearly parallel vector is not yet at right angles.
-Vector reject(Vector const& vector, Axes const& known) {
-    Vector rest = vector;
+Vector reject(Vector rest, Axes const& known) {
     for (int pass = 0; pass < 2; ++pass) {
         for (Vector const& axis : known) rest -= axis * rest.dot(axis);
     }
     constexpr double rounding = 16 * std::numeric_limits<double>::epsilon();
-    return rest.length() <= rounding * vector.length() ? Vector() : rest;
+    return rest.length() <= rounding ? Vector() : rest;
 }
 
 /// Gives each axis that is still zero a direction at right angles to the others, its own one if possible.
@@ -71,8 +70,8 @@ void makeRightHanded(RightAngled& parts) {
 RightAngled orthonormalize(Axes const& images) {
     RightAngled parts;
     for (int k = 0; k < 3; ++k) {
-        Vector const rest = reject(images[k], parts.axes);
-        parts.scale[k] = rest.length();
+        Vector const rest = reject(images[k].normalized(), parts.axes);
+        parts.scale[k] = rest.length() * images[k].length();
         parts.axes[k] = rest.normalized();
     }
     complete(parts.axes);

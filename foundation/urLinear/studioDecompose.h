@@ -12,9 +12,9 @@ namespace urLinear {
 /// 2. rotate about x by `rotation.x` radians, then about y by `rotation.y`, then about z by `rotation.z`;
 /// 3. translate by `translation` from the origin.
 ///
-/// Works for every finite matrix. A scale is 0 where an axis collapses (then it has no shear of its own),
-/// and negative only when the matrix mirrors: then the signs are those that leave the least rotation.
-/// Coefficients that are not finite count as 0.
+/// Works for every matrix whose axes have a finite length. A scale is 0 where the image of an axis is zero or
+/// lies in the line or plane of those before it. Scales are negative only when the matrix mirrors; then the
+/// signs are those that leave the least rotation. Coefficients that are not finite count as 0.
 NX_API void studioDecompose(AffineMatrix const& matrix, Point& translation, Vector& scale, Vector& rotation,
                             Vector& shear);
 

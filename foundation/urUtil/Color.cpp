@@ -2,6 +2,7 @@
 #include "foundation/urUtil/Color.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace urUtil {
 
@@ -11,7 +12,7 @@ float fromByte(unsigned char channel) { return static_cast<float>(channel) / 255
 
 unsigned char toByte(float channel) {
     float const clamped = channel > 0 ? std::min(channel, 1.0F) : 0.0F;
-    return static_cast<unsigned char>(clamped * 255.0F + 0.5F);
+    return static_cast<unsigned char>(std::lround(clamped * 255.0F));
 }
 
 }  // namespace

@@ -40,6 +40,6 @@ double random(double a, double b) {
     return value == b ? std::nextafter(b, a) : value;
 }
 
-void seedRandom(std::uint64_t seed) noexcept { state() = seed; }
+void seedRandom(std::uint64_t seed) { state() = seed; }
 
 }  // namespace urUtil

@@ -18,6 +18,6 @@ namespace urUtil {
 [[nodiscard]] NX_API double random(double a, double b);
 
 /// The same seed gives the same numbers, as long as one thread draws them.
-NX_API void seedRandom(std::uint64_t seed) noexcept;
+NX_API void seedRandom(std::uint64_t seed);
 
 }  // namespace urUtil

@@ -1,0 +1,64 @@
+// Colours: steps of a byte, hue and lightness.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "foundation/urUtil/HSL.h"
+
+namespace {
+
+using urUtil::Color;
+using urUtil::Color8;
+using urUtil::HSL;
+
+constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+constexpr float infinity = std::numeric_limits<float>::infinity();
+constexpr float least = std::numeric_limits<float>::denorm_min();
+
+TEST(Color, BytesAreTheNearestStepAndTheEndsOutside) {
+    EXPECT_EQ(Color8(Color(0.5F, 0.4999F, 1.0F / 255, 0.9F / 510)), Color8(128, 127, 1, 0));
+    EXPECT_EQ(Color8(Color(-1, 2, nan, infinity)), Color8(0, 255, 0, 255));
+}
+
+TEST(HSL, EveryColorOfAGridSurvivesTheRoundTripAndKeepsItsOpacity) {
+    for (int i = 0; i < 52 * 52 * 52; ++i) {
+        auto const step = [&](int divisor) { return static_cast<unsigned char>(i / divisor % 52 * 5); };
+        Color8 const original(step(1), step(52), step(52 * 52), 77);
+        Color color(0, 0, 0, Color(original).a);
+        urUtil::HSLtoRGB(urUtil::RGBtoHSL(Color(original)), color);
+        ASSERT_EQ(Color8(color), original);
+    }
+}
+
+TEST(HSL, NamesTheKnownColorsAndStaysInRange) {
+    struct {
+        Color color;
+        HSL hsl;
+    } const cases[] = {
+        {{0, 1, 0}, {1 / 3.0F, 1, 0.5F}},
+        {{1, 0, 1}, {5 / 6.0F, 1, 0.5F}},
+        {{0.75F, 0.25F, 0.25F}, {0, 0.5F, 0.5F}},
+        {{0.5F, 0.5F, 0.5F}, {0, 0, 0.5F}},
+        {{3, -1, nan}, {0, 1, 0.5F}},
+        {{least, 0, 0}, {0, 1, 0}},
+        {{std::nextafter(1.0F, 0.0F), 1, 1}, {0.5F, 1, 1}},
+    };
+    for (auto const& [color, hsl] : cases) {
+        HSL const result = urUtil::RGBtoHSL(color);
+        for (int i = 0; i < 3; ++i) EXPECT_FLOAT_EQ(result[i], hsl[i]) << color.r << ' ' << color.g << ' ' << color.b;
+    }
+}
+
+TEST(HSL, HueWrapsAndTheRestIsClamped) {
+    auto const rgb = [](HSL const& hsl) {
+        Color color;
+        urUtil::HSLtoRGB(hsl, color);
+        return Color8(color);
+    };
+    EXPECT_EQ(rgb({-2 / 3.0F, 5, 0.5F}), Color8(0, 255, 0));
+    EXPECT_EQ(rgb({nan, -1, nan}), Color8(0, 0, 0));
+    EXPECT_EQ(rgb({infinity, infinity, 0.5F}), Color8(255, 0, 0));
+}
+
+}  // namespace
