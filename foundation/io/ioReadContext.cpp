@@ -38,6 +38,7 @@ void ioReadContext::fail(ioStatus status) noexcept {
 
 bool ioReadContext::need(std::size_t bytes) {
     if (input_.ensure(bytes)) return true;
+    input_.advance(input_.available());
     fail(input_.error().isError() ? ioStatus::streamFailed : ioStatus::truncated);
     return false;
 }
