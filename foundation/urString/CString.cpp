@@ -48,10 +48,11 @@ CString& CString::assign(std::string_view text) {
 }
 
 CString& CString::appendGrowing(std::string_view text) {
-    std::size_t const size = sum(rep_.size(), text.size());
-    TextRep grown = TextRep::ofSize(size, grownCapacity(rep_, size));
-    put(put(grown.data(), view()), text);
-    rep_ = std::move(grown);
+    bool const inside = liesWithin(text, rep_);
+    std::size_t const offset = inside ? static_cast<std::size_t>(text.data() - rep_.data()) : 0;
+    rep_.enlarge(grownCapacity(rep_, sum(rep_.size(), text.size())));
+    char* const end = rep_.extend(text.size());
+    put(end, inside ? std::string_view(rep_.data() + offset, text.size()) : text);
     return *this;
 }
 
@@ -92,10 +93,7 @@ std::size_t CString::replace(std::string_view from, std::string_view to) {
 }
 
 void CString::reserve(std::size_t capacity) {
-    if (capacity <= rep_.capacity()) return;
-    TextRep grown = TextRep::ofSize(size(), capacity);
-    put(grown.data(), view());
-    rep_ = std::move(grown);
+    if (capacity > rep_.capacity()) rep_.enlarge(capacity);
 }
 
 void CString::resize(std::size_t size, char fill) {

@@ -99,6 +99,8 @@ public:
         block()[former + count] = '\0';
         return block() + former;
     }
+    /// Moves to a block that can take `capacity` bytes.
+    void enlarge(std::size_t capacity);
     void swap(TextRep& other) noexcept {
         std::swap(words_[0], other.words_[0]);
         std::swap(words_[1], other.words_[1]);

@@ -199,6 +199,17 @@ TEST(CString, GrowsSeldom) {
     EXPECT_LT(CString(text).capacity(), text.size() + text.size() / 4);
 }
 
+TEST(CString, KeepsItsTextThroughEverySizeOfBlock) {
+    CString text("x");
+    std::string expected = "x";
+    while (text.size() < 300000) {
+        text.append(text.view().substr(text.size() / 3)).append('y');
+        expected += expected.substr(expected.size() / 3) + 'y';
+        ASSERT_EQ(text.view(), expected);
+        ASSERT_EQ(text.c_str()[text.size()], '\0');
+    }
+}
+
 TEST(CString, FormatsTextOfAnyLength) {
     EXPECT_EQ(CString::format("%d.%d.%d", 0, 5, 0), "0.5.0");
     EXPECT_EQ(CString::format("%s", ""), "");
