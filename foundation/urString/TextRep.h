@@ -59,7 +59,7 @@ public:
         } else {
             result.setSize(size);
         }
-        return result;
+        return result;  // NOLINT(clang-analyzer-unix.Malloc): its block is held as a number
     }
 
     [[nodiscard]] bool isInline() const noexcept { return tag() < heapTag; }
