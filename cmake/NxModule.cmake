@@ -67,7 +67,10 @@ function(nx_shared_library)
   add_library(Support SHARED ${objects})
   add_library(nxSupport::Support ALIAS Support)
   target_link_libraries(Support PRIVATE ${packages} "$<LINK_LIBRARY:WHOLE_ARCHIVE,nx_yajl>")
-  target_link_options(Support PRIVATE LINKER:--version-script=${map} LINKER:-Bsymbolic-functions LINKER:-z,defs)
+  target_link_options(Support PRIVATE LINKER:--version-script=${map} LINKER:-Bsymbolic-functions)
+  if(NOT NX_SANITIZE)  # their run-time library may be in the program alone
+    target_link_options(Support PRIVATE LINKER:-z,defs)
+  endif()
   set_target_properties(Support PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
                                            LINK_DEPENDS ${map})
   target_include_directories(Support INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
