@@ -12,15 +12,35 @@ std::string FunctionBase::describe() const { return ur::TypeInfo::of(*this).read
 
 void FunctionBase::onDisconnected() noexcept {}
 
+void FunctionBase::join(SignalBase& signal) noexcept {
+    ref();
+    signal_ = &signal;
+    silence_ &= ~removed;
+    lock();
+}
+
 void FunctionBase::disconnect() noexcept {
-    if (removed_) return;
-    removed_ = true;
-    if (locks_ == 0) leave();
+    if (!connected()) return;
+    silence_ |= removed;
+    if (unlock()) leave();
 }
 
 void FunctionBase::leave() noexcept {
     unlink();
     end();
+}
+
+// Gives the callback behind this one. Leaving may run code that removes that one too: it keeps its place meanwhile,
+// and leaves in its turn.
+FunctionBase* FunctionBase::leaveForNext() noexcept {
+    FunctionBase* left = this;
+    do {
+        FunctionBase* const next = left->next_;
+        next->lock();
+        left->leave();
+        left = next;
+    } while (left->unlock());
+    return left;
 }
 
 void FunctionBase::unlink() noexcept {

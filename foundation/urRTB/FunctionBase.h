@@ -35,21 +35,25 @@ private:
     /// The connection has ended and the callback is not running: frees what it captured. Called once.
     virtual void onDisconnected() noexcept;
 
-    [[nodiscard]] bool connected() const noexcept { return !removed_; }
-    [[nodiscard]] bool callable() const noexcept { return !removed_ && blocks_ == 0; }
+    [[nodiscard]] bool connected() const noexcept { return (silence_ & removed) == 0; }
+    [[nodiscard]] bool blocked() const noexcept { return (silence_ & ~removed) != 0; }
+    [[nodiscard]] bool callable() const noexcept { return silence_ == 0; }
     void lock() noexcept { ++locks_; }
-    void unlock() noexcept {
-        if (--locks_ == 0 && removed_) leave();
-    }
+    /// Drops a lock. True when that was the last, so that the callback has to leave.
+    [[nodiscard]] bool unlock() noexcept { return --locks_ == 0; }
+
+    void join(SignalBase& signal) noexcept;
     void disconnect() noexcept;
     void leave() noexcept;
+    FunctionBase* leaveForNext() noexcept;
     void unlink() noexcept;
     void end() noexcept;
 
-    bool removed_ = true;           ///< true before the connection as well as after it
-    std::uint32_t blocks_ = 0;      ///< blocks not yet lifted
-    std::uint32_t locks_ = 0;       ///< emissions that stand on this callback
-    SignalBase* signal_ = nullptr;  ///< null once the signal has let go of all its connections
+    static constexpr std::uint32_t removed = 1U << 31;
+
+    std::uint32_t silence_ = removed;  ///< the blocks not yet lifted; `removed` before and after the connection
+    std::uint32_t locks_ = 0;          ///< one for the connection, one for each emission that needs the place
+    SignalBase* signal_ = nullptr;     ///< null once the signal has let go of all its connections
     FunctionBase* next_ = this;
     FunctionBase* previous_ = this;
 };

@@ -24,7 +24,7 @@ public:
         if (idle()) return;
         Walk walk(*this);
         do {
-            if (walk.callable()) static_cast<Function<Args...>&>(walk.function()).call(args...);
+            if (walk.enter()) static_cast<Function<Args...>&>(walk.function()).call(args...);
         } while (walk.advance());
     }
 

@@ -5,9 +5,7 @@ namespace urRTB {
 
 Connection SignalBase::add(FunctionBase* function) noexcept {
     if (!function) return Connection();
-    function->ref();
-    function->removed_ = false;
-    function->signal_ = this;
+    function->join(*this);
     if (first_) {
         function->next_ = first_;
         function->previous_ = first_->previous_;
@@ -61,8 +59,9 @@ FunctionBase* SignalBase::takeEnded() noexcept {
     for (FunctionBase *item = std::exchange(first_, nullptr), *next = nullptr;; item = next) {
         next = item->next_;
         item->signal_ = nullptr;
-        item->removed_ = true;
-        if (item->locks_ == 0) {
+        bool const wasConnected = item->connected();
+        item->silence_ |= FunctionBase::removed;
+        if (wasConnected && item->unlock()) {
             item->unlink();
             *end = item;
             end = &item->next_;

@@ -48,30 +48,33 @@ protected:
         /// Requires: the signal is not idle.
         explicit Walk(SignalBase const& signal) noexcept : current_(signal.first_), last_(current_->previous_) {
             last_->lock();
-            current_->lock();
         }
         Walk(Walk const&) = delete;
         Walk& operator=(Walk const&) = delete;
         ~Walk() {
-            current_->unlock();
-            last_->unlock();
+            if (entered_ && current_->unlock()) current_->leave();
+            if (last_->unlock()) last_->leave();
         }
 
+        /// Takes the lock of the callback come to. False when it is removed or blocked.
+        bool enter() noexcept {
+            entered_ = current_->callable();
+            if (entered_) current_->lock();
+            return entered_;
+        }
         [[nodiscard]] FunctionBase& function() const noexcept { return *current_; }
-        /// The callback is neither removed nor blocked.
-        [[nodiscard]] bool callable() const noexcept { return current_->callable(); }
-        /// False after the last callback.
+        /// Drops that lock and goes on to the next callback. False after the last one.
         bool advance() noexcept {
-            if (current_ == last_) return false;
-            current_->next_->lock();  // before the unlock, which may run code that removes the next one
-            FunctionBase* const left = std::exchange(current_, current_->next_);
-            left->unlock();
-            return true;
+            bool const more = current_ != last_;
+            bool const leaves = std::exchange(entered_, false) && current_->unlock();
+            current_ = leaves ? current_->leaveForNext() : current_->next_;
+            return more;
         }
 
     private:
         FunctionBase* current_;
         FunctionBase* last_;
+        bool entered_ = false;
     };
 
 private:
