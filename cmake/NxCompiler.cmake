@@ -24,8 +24,10 @@ if(NX_SANITIZE)
   add_link_options(-fsanitize=${NX_SANITIZE})
 endif()
 
+# The cache also serves other clones of this tree, and sources that use the precompiled headers of the tests.
 find_program(NX_CCACHE ccache)
 if(NX_CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${NX_CCACHE})
-  set(CMAKE_C_COMPILER_LAUNCHER ${NX_CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+                                  CCACHE_SLOPPINESS=pch_defines,time_macros ${NX_CCACHE})
+  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 endif()

@@ -17,10 +17,11 @@ DEFINED_WHEREVER_DECLARED = {"inline", "constexpr", "consteval"}
 
 
 class Body(Enum):
-    elsewhere = auto()  # in a source file, so that a symbol is needed
-    here = auto()       # in the header, or by the compiler
-    none = auto()       # deleted or pure
-    of_above = auto()   # an inline definition, outside the class, of what was declared as `elsewhere`
+    elsewhere = auto()   # in a source file, so that a symbol is needed
+    here = auto()        # in the header, or by the compiler
+    none = auto()        # deleted or pure
+    befriended = auto()  # a friend's declaration, which may repeat one at namespace scope
+    of_above = auto()    # an inline definition, outside the class, of what was declared as `elsewhere`
 
 
 @dataclass(frozen=True)
@@ -32,7 +33,6 @@ class Class:
 @dataclass(frozen=True)
 class Function:  # or variable
     name: str
-    parameters: str
     body: Body
     place: str
 
@@ -116,7 +116,7 @@ class Reader:
             if self.word() in TYPE_WORDS:
                 self.skip_statement()
             else:
-                self.declaration(self.namespaces, None)
+                self.declaration(self.namespaces, None, is_friend=True)
         elif self.word() in TYPE_WORDS:
             self.type(path)
         else:
@@ -171,17 +171,17 @@ class Reader:
         if self.word() == ":":
             while self.word() not in ("{", ""):
                 self.at += 1
-        if self.word() != "{":  # announced only, or the start of a declaration that spells `struct`
-            self.skip_statement()
-            return
         names = [word for word in head if word not in ("NX_API", "final") and re.match(r"\w", word)]
         name = path + (names[-1] if names else "",)
         self.found.append(Class("::".join(name), place))
+        if self.word() != "{":  # announced only
+            self.skip_statement()
+            return
         self.at += 1
         self.scope(name, in_class=name[-1])
         self.skip_statement()
 
-    def declaration(self, path, in_class):
+    def declaration(self, path, in_class, is_friend=False):
         """A function or a variable: its words up to its parameters, then how it ends."""
         place, words = self.place(), []
         while self.word() not in ("(", ";", "{", "=", "}", "") or self.is_operator(words):
@@ -197,7 +197,6 @@ class Reader:
             self.declaration(path, in_class)
             return
         is_function = self.word() == "(" and words and (re.match(r"\w", words[-1]) or "operator" in words)
-        start = self.at
         body = self.function_end(words) if is_function else self.variable_end(words, in_class)
         if words:
             name = self.name_of(words)
@@ -205,8 +204,9 @@ class Reader:
                 body = Body.here
             elif "::" in name and body is Body.here and not in_class:
                 body = Body.of_above
-            parameters = " ".join(self.words[start:self.at])
-            self.found.append(Function("::".join(path + (name,)), parameters, body, place))
+            elif is_friend and body is Body.elsewhere:
+                body = Body.befriended
+            self.found.append(Function("::".join(path + (name,)), body, place))
 
     def is_operator(self, words):
         """Whether the word is still part of an operator's name: `operator()`, `operator=`."""

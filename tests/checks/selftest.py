@@ -74,6 +74,8 @@ class Planted(unittest.TestCase):
             template <class T> T generic(T value);
             inline int here(int x) { return x; }
             NX_API Shown operator+(Shown const& a, Shown const& b);
+            NX_API int outside(Shown&);
+            class Friendly { friend NX_API int outside(Shown& named); friend int unmarked(Friendly); };
             }
             """
         source = header + """
@@ -82,6 +84,7 @@ class Planted(unittest.TestCase):
             void Forgotten::call() {}
             int overloaded(int x) { return x; } int overloaded(double) { return 2; }
             Shown operator+(Shown const&, Shown const&) { return {}; }
+            int outside(Shown&) { return 3; } int unmarked(Friendly) { return 4; }
             NX_API int secret() { return 3; }
             }
             """ + "".join(f'extern "C" NX_API int {name}() {{ return 0; }}\n' for name in yajl[1:] + ["yajl_more"])
@@ -95,6 +98,7 @@ class Planted(unittest.TestCase):
             "cmake/libSupport.map:1: yajl_more is exported but not public",
             "ours/Ours.h:5: ours::Forgotten::call is public, but 1 of 1 not exported: is NX_API missing?",
             "ours/Ours.h:6: ours::overloaded is public, but 1 of 2 not exported: is NX_API missing?",
+            "ours/Ours.h:12: ours::unmarked is public, but 1 of 1 not exported: is NX_API missing?",
             "ours::secret is exported, but no public header declares it"])
 
     def test_tidy(self):
