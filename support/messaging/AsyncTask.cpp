@@ -1,0 +1,124 @@
+// The way of a task from the main thread to the worker and back.
+#include "support/messaging/AsyncTask.h"
+
+#include <atomic>
+#include <exception>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "foundation/ur/ImplBase.h"
+#include "foundation/ur/Reference.h"
+#include "foundation/urOS/reportException.h"
+#include "foundation/urThread/RunQueue.h"
+#include "foundation/urThread/Runnable.h"
+#include "foundation/urThread/Thread.h"
+#include "support/messaging/Domain.h"
+#include "support/messaging/impl/DomainImpl.h"
+
+namespace nxSupport {
+
+/// The end of a task on its way through the run queue. Owns the count that `startThread` added to the task.
+class AsyncTask::CompletionTask final : public urThread::Runnable {
+public:
+    explicit CompletionTask(AsyncTask& task) noexcept : task_(&task) {}
+    CompletionTask(CompletionTask const&) = delete;
+    CompletionTask& operator=(CompletionTask const&) = delete;
+
+    void run() override;
+
+private:
+    ~CompletionTask() override {
+        if (task_) task_->abandon();
+    }
+
+    AsyncTask* task_;
+};
+
+struct TaskImpl final : ur::ImplBase {
+    explicit TaskImpl(Domain& owner) : domain(&owner) {}
+
+    Domain* domain;  ///< null once it has gone
+    urRTB::ScopedConnection domainWatch;
+    urThread::Thread thread;
+    /// Between `startThread` and the end of the work, which hands it to the queue.
+    ur::Reference<AsyncTask::CompletionTask> completion;
+    urThread::RunQueue* queue = nullptr;
+    std::thread::id home;  ///< the thread that started the task; the count is its own
+    bool started = false;
+    bool failed = false;
+    urString::CString failureText;
+    std::atomic<bool> waited = false;
+    std::atomic<bool> abandoned = false;  ///< elsewhere than at home: the count is still to drop
+};
+
+AsyncTask::AsyncTask(Domain& domain) : impl_(std::make_unique<TaskImpl>(domain)) {
+    impl_->thread.getSignal().addCallback(client_, this, &AsyncTask::threadFunc);
+    impl_->domainWatch = domain.destroying.addCallback([impl = impl_.get()](Domain*) { impl->domain = nullptr; });
+    domain.setAsyncTask(this);
+}
+
+AsyncTask::~AsyncTask() {
+    if (impl_->domain && impl_->domain->impl_->asyncTask == this) impl_->domain->setAsyncTask(nullptr);
+    impl_.reset();  // before the client, which belongs to the thread until that has ended
+}
+
+void AsyncTask::startThread() {
+    if (impl_->started || !impl_->domain) return;
+    impl_->queue = &impl_->domain->runQueue();
+    impl_->completion = ur::make<CompletionTask>(*this);
+    impl_->home = std::this_thread::get_id();
+    impl_->started = true;
+    ref();
+    urUtil::Error const error = impl_->thread.start();
+    if (error.ok()) return;
+    fail(std::string(error.message()).c_str());
+    post();
+}
+
+void AsyncTask::threadFunc() {
+    try {
+        execute();
+    } catch (...) {
+        fail(urOS::exceptionText(std::current_exception()).c_str());
+    }
+    post();
+}
+
+void AsyncTask::fail(char const* text) {
+    impl_->failed = true;
+    impl_->failureText = text;
+}
+
+// From here on the main thread may destroy the task, waiting only for the end of the thread.
+void AsyncTask::post() { impl_->queue->add(std::move(impl_->completion)); }
+
+void AsyncTask::CompletionTask::run() {
+    if (AsyncTask* const task = std::exchange(task_, nullptr)) task->complete(task->impl_->waited);
+}
+
+void AsyncTask::complete(bool waited) {
+    auto const started = ur::Reference<AsyncTask>::adopt(this);
+    if (impl_->domain) impl_->domain->setAsyncTask(nullptr);
+    onComplete(waited);
+}
+
+void AsyncTask::abandon() noexcept {
+    if (std::this_thread::get_id() == impl_->home) {
+        unref();
+    } else {
+        impl_->abandoned = true;
+    }
+}
+
+void AsyncTask::wait() {
+    impl_->waited = true;
+    static_cast<void>(impl_->thread.wait());
+    if (impl_->abandoned.exchange(false)) unref();
+}
+
+bool AsyncTask::failed() const noexcept { return impl_->failed; }
+
+urString::CString const& AsyncTask::failureText() const noexcept { return impl_->failureText; }
+
+}  // namespace nxSupport

@@ -1,0 +1,63 @@
+// Work on a thread of its own, completed on the main thread.
+#pragma once
+
+#include <memory>
+
+#include "foundation/ur/Export.h"
+#include "foundation/ur/ReferenceCount.h"
+#include "foundation/urRTB/SignalClient.h"
+#include "foundation/urString/CString.h"
+
+namespace nxSupport {
+
+class Domain;
+struct TaskImpl;
+
+/// Runs `execute` once on a worker thread, then `onComplete` from the run queue of its domain.
+///
+/// Held by reference: the owner keeps one while it needs the task, and a started task lives by itself until it has
+/// completed. The count is plain, so `execute` must leave references to the task alone, as it must leave alone the
+/// domain and all else that it does not own. An exception from it ends the work, not the process: the task
+/// completes, and `failed` says so.
+/// When the queue drops the completion unrun, `onComplete` is not called, but the task is freed all the same; only
+/// one whose queue had closed before the work ended needs a `wait` for that.
+/// All but `execute` belongs to the main thread, which services the queue.
+class NX_API AsyncTask : public ur::ReferenceCount {
+public:
+    /// The domain reports this task from now on, in place of any other, until it has completed.
+    explicit AsyncTask(Domain& domain);
+    AsyncTask(AsyncTask const&) = delete;
+    AsyncTask& operator=(AsyncTask const&) = delete;
+    ~AsyncTask() override;
+
+    /// Starts the work. Only the first call does. When the system has no thread to give, the task completes as failed.
+    void startThread();
+    /// Waits for the end of the work, and has `onComplete` told so if it still is to run.
+    void wait();
+
+    /// Whether the work could not be done or threw. Known from `onComplete` on.
+    [[nodiscard]] bool failed() const noexcept;
+    /// What the exception said; empty unless `failed`.
+    [[nodiscard]] urString::CString const& failureText() const noexcept;
+
+protected:
+    /// The work, on the worker thread.
+    virtual void execute() = 0;
+    /// The work has ended; `waited` tells that someone has waited for it. What it throws leaves the queue's service.
+    virtual void onComplete(bool waited) = 0;
+
+private:
+    class CompletionTask;
+    friend struct TaskImpl;
+
+    void threadFunc();
+    void post();
+    void complete(bool waited);
+    void abandon() noexcept;
+    void fail(char const* text);
+
+    urRTB::SignalClient client_;  ///< of the thread's signal
+    std::unique_ptr<TaskImpl> impl_;
+};
+
+}  // namespace nxSupport

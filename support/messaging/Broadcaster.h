@@ -1,0 +1,185 @@
+// The bus that life-cycle messages travel on.
+#pragma once
+
+#include <cstdint>
+#include <iterator>
+#include <memory>
+#include <set>
+#include <utility>
+
+#include "foundation/ur/Export.h"
+#include "foundation/ur/TypeInfo.h"
+#include "foundation/ur/containers.h"
+#include "foundation/urRTB/Signal.h"
+#include "foundation/urString/CString.h"
+
+namespace nxSupport {
+
+/// The keys of a priority. Both are the host's vocabulary; any value can be cast to them.
+enum UnitID : std::int32_t { LibraryUnit = 0, DefaultUnit = 18 };
+enum ModuleID : std::int32_t { LibraryModule = 0, DefaultModule = 3 };
+
+/// Delivers life-cycle messages to the functions subscribed to their class, lowest priority first.
+///
+/// The host creates one and stores it in its call information; modules find it through `ci()`. Subscribers of equal
+/// priority share one signal and run in the order in which they connected.
+/// Main thread only. A subscriber may connect, disconnect, broadcast or destroy the broadcaster while it runs; one
+/// connected meanwhile is called by the same broadcast only if its priority is still to come.
+class NX_API Broadcaster {
+public:
+    /// Where a subscriber stands among those of its message: by unit first, then by module. A value.
+    class NX_API Priority {
+    public:
+        Priority() noexcept = default;
+        Priority(UnitID unit, ModuleID module) noexcept : unit_(unit), module_(module) {}
+
+        [[nodiscard]] UnitID unit() const noexcept { return unit_; }
+        [[nodiscard]] ModuleID module() const noexcept { return module_; }
+
+    private:
+        UnitID unit_ = DefaultUnit;
+        ModuleID module_ = DefaultModule;
+    };
+
+    /// The base of messages: made by who broadcasts them, and gone afterwards.
+    class NX_API Message {
+    public:
+        Message() noexcept = default;
+        Message(Message const&) noexcept = default;
+        Message& operator=(Message const&) noexcept = default;
+        virtual ~Message();
+    };
+
+    /// The subscribers of one message class at one priority.
+    class NX_API SigBase {
+    public:
+        explicit SigBase(Priority const& priority) noexcept : priority_(priority) {}
+        SigBase(SigBase const&) noexcept = default;
+        SigBase& operator=(SigBase const&) = delete;
+        virtual ~SigBase();
+
+        [[nodiscard]] Priority const& priority() const noexcept { return priority_; }
+
+    private:
+        Priority priority_;
+    };
+    template <class T>
+    class Sig final : public SigBase {
+    public:
+        using SigBase::SigBase;
+
+        urRTB::Signal<T&> signal;
+    };
+
+    /// One line of `listeners`.
+    struct Listener {
+        ur::TypeInfo message;
+        Priority priority;
+        urString::CString name;  ///< the function's symbol, or the class of the callable, as far as they are known
+        bool blocked = false;
+    };
+
+    Broadcaster() noexcept = default;
+    Broadcaster(Broadcaster const&) = delete;
+    Broadcaster& operator=(Broadcaster const&) = delete;
+    /// Ends every subscription, then sets the first-time flags to true.
+    virtual ~Broadcaster();
+
+    /// Subscribes a plain function to messages of class T, until it is disconnected.
+    template <class T>
+    urRTB::Connection connect(Priority const& priority, void (*function)(T&)) {
+        return sigFor<T>(priority).addCallback(new urRTB::FunctionArgGlobal<T&>(function));
+    }
+    /// Subscribes anything that can be called with a T&, for as long as the result lives.
+    template <class T, class F>
+    [[nodiscard]] urRTB::ScopedConnection subscribe(Priority const& priority, F&& callable) {
+        return sigFor<T>(priority).addCallback(std::forward<F>(callable));
+    }
+    /// Calls every subscriber of T. An exception from one leaves at once; later ones are not called.
+    template <class T>
+    void broadcast(T& message);
+    /// The signal of T at that priority, made if there is none yet. It lives as long as the broadcaster.
+    template <class T>
+    urRTB::Signal<T&>& sigFor(Priority const& priority);
+
+    /// Has `*flag` set to true when the broadcaster is destroyed; once for each address.
+    void addFirstTimeFlag(bool* flag) { firstTimeFlags_.insert(flag); }
+
+    /// Everybody who listens to anything: class after class, in the order of delivery. For diagnosis.
+    [[nodiscard]] ur::vector<Listener> listeners() const;
+
+private:
+    using Sigs = ur::list<std::unique_ptr<SigBase>>;
+
+    /// What is known of one message class. Never moves or goes before the broadcaster.
+    struct Channel {
+        Sigs sigs;  ///< of that class, by ascending priority, none twice
+        urRTB::SignalBase const& (*signal)(SigBase const&) = nullptr;
+    };
+
+    /// A broadcast under way, told when the broadcaster goes.
+    class Delivery {
+    public:
+        explicit Delivery(Broadcaster& broadcaster) noexcept
+            : broadcaster_(&broadcaster), outer_(std::exchange(broadcaster.delivery_, this)) {}
+        Delivery(Delivery const&) = delete;
+        Delivery& operator=(Delivery const&) = delete;
+        ~Delivery() {
+            if (broadcaster_) broadcaster_->delivery_ = outer_;
+        }
+        [[nodiscard]] bool cancelled() const noexcept { return !broadcaster_; }
+        /// Cancels this one and those around it.
+        void cancel() noexcept {
+            for (Delivery* delivery = this; delivery; delivery = delivery->outer_) delivery->broadcaster_ = nullptr;
+        }
+
+    private:
+        Broadcaster* broadcaster_;
+        Delivery* outer_;
+    };
+
+    Channel& channel(ur::TypeInfo message);
+    template <class T>
+    Channel& channelOf();
+
+    ur::map<ur::TypeInfo, std::unique_ptr<Channel>> channels_;
+    std::set<bool*> firstTimeFlags_;
+    Delivery* delivery_ = nullptr;  ///< the innermost
+};
+
+/// -1, 0 or 1 as `a` comes before, with or after `b`.
+[[nodiscard]] NX_API int compare(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept;
+[[nodiscard]] NX_API bool operator==(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept;
+[[nodiscard]] NX_API bool operator!=(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept;
+[[nodiscard]] NX_API bool operator<(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept;
+[[nodiscard]] NX_API bool operator>(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept;
+
+template <class T>
+Broadcaster::Channel& Broadcaster::channelOf() {
+    Channel& result = channel(ur::TypeInfo::of<T>());
+    result.signal = [](SigBase const& sig) -> urRTB::SignalBase const& {
+        return static_cast<Sig<T> const&>(sig).signal;
+    };
+    return result;
+}
+
+template <class T>
+urRTB::Signal<T&>& Broadcaster::sigFor(Priority const& priority) {
+    Sigs& sigs = channelOf<T>().sigs;
+    auto place = sigs.begin();
+    while (place != sigs.end() && (*place)->priority() < priority) ++place;
+    if (place == sigs.end() || (*place)->priority() != priority)
+        place = sigs.insert(place, std::make_unique<Sig<T>>(priority));
+    return static_cast<Sig<T>&>(**place).signal;
+}
+
+template <class T>
+void Broadcaster::broadcast(T& message) {
+    Delivery const delivery(*this);
+    for (auto const& sig : channelOf<T>().sigs) {
+        static_cast<Sig<T>&>(*sig).signal.emit(message);
+        if (delivery.cancelled()) return;
+    }
+}
+
+}  // namespace nxSupport

@@ -1,0 +1,28 @@
+// A view of the contexts of a domain as they come and go.
+#pragma once
+
+#include <chrono>
+
+#include "foundation/ur/Export.h"
+
+namespace nxSupport {
+
+class Context;
+
+/// Is told by a domain when each of its contexts begins and ends, Bare and Bootstrap ones included.
+///
+/// Owned by whoever sets it on the domain, which must unset it first. A context that began unobserved ends
+/// unobserved. Exceptions are treated like those of the domain owner's hooks. Main thread only.
+class NX_API ContextObserver {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    virtual ~ContextObserver();
+
+    /// `context` begins, before any hook has been told.
+    virtual void onBegin(Context const& context, Clock::time_point when) = 0;
+    /// `context` has ended, or has not begun after all because a hook threw; its post functions are still to run.
+    virtual void onEnd(Context const& context, Clock::time_point when, Clock::duration lasted) = 0;
+};
+
+}  // namespace nxSupport

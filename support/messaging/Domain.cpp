@@ -1,0 +1,192 @@
+// How contexts begin and end, and what their domain tells about them.
+#include "support/messaging/Domain.h"
+
+#include <exception>
+
+#include "support/messaging/AsyncTask.h"
+#include "support/messaging/CallInfo.h"
+#include "support/messaging/ContextObserver.h"
+#include "support/messaging/impl/DomainImpl.h"
+#include "support/messaging/impl/FirstError.h"
+
+namespace nxSupport {
+
+namespace {
+
+using Clock = ContextObserver::Clock;
+
+// Of the whole process, main thread only.
+std::int32_t asyncOperationCount = 0;
+
+bool isModed(Context const& context) noexcept { return context.mode() != Context::Bare; }
+bool isTold(Context const& context) noexcept { return isModed(context) && context.mode() != Context::Bootstrap; }
+
+}  // namespace
+
+ContextObserver::~ContextObserver() = default;
+
+Domain::Domain(Domain* parent) : impl_(std::make_unique<DomainImpl>(parent ? parent : this)) {}
+
+Domain::~Domain() {
+    impl::FirstError errors("nxSupport::Domain::destroying");
+    errors.guard([this] { destroying.emit(this); });
+    errors.print();
+}
+
+void Domain::beginContext(Context const& context) {
+    impl_->push(context);
+    try {
+        announce(context);
+    } catch (...) {
+        if (context.domain()) rollBack(context);
+        throw;
+    }
+}
+
+void Domain::announce(Context const& context) {
+    if (impl_->observer) {
+        context.begun_ = Clock::now();
+        impl_->observer->onBegin(context, context.begun_);
+        if (!context.domain()) return;
+    }
+    if (!isModed(context)) return;
+    if (!impl_->callInfo) createCallInfo(context);
+    if (context.domain() && isTold(context)) onBeginContext(context);
+}
+
+void Domain::createCallInfo(Context const& context) {
+    impl_->makeCallInfo();
+    if (!isTold(context)) return;
+    try {
+        onCallInfoCreated(impl_->callInfo.get(), context.mode() == Context::AppOnly);
+    } catch (...) {
+        if (context.domain()) impl_->dropCallInfo();
+        throw;
+    }
+}
+
+void Domain::rollBack(Context const& context) noexcept {
+    impl::FirstError errors("nxSupport::Context: while it failed to begin");
+    if (isModed(context)) leaveMode(context, errors);
+    if (context.domain()) leave(context, errors);
+    errors.print();
+}
+
+void Domain::endContext(Context const& context) {
+    // User code may destroy the domain, which then lets go of the context.
+    auto const alive = [&] { return context.domain() != nullptr; };
+    impl::FirstError errors("nxSupport::Context: while it ended");
+    if (isTold(context)) errors.guard([&] { onEndContext(context); });
+    if (alive() && isModed(context)) leaveMode(context, errors);
+    if (alive() && isModed(context) && impl_->modeStack.empty()) errors.guard([&] { contextStackEmptied.emit(); });
+    if (alive()) leave(context, errors);
+    errors.rethrow();
+}
+
+void Domain::leaveMode(Context const& context, impl::FirstError& errors) noexcept {
+    if (impl_->callInfoDepth == static_cast<std::int32_t>(impl_->modeStack.size())) {
+        if (isTold(context)) errors.guard([&] { onCallInfoDestroyed(impl_->callInfo.get()); });
+        if (!context.domain()) return;
+        impl_->dropCallInfo();
+    }
+    impl_->popMode(context);
+}
+
+void Domain::leave(Context const& context, impl::FirstError& errors) noexcept {
+    impl_->pop(context);
+    if (impl_->observer && context.begun_ != Clock::time_point()) {
+        Clock::time_point const now = Clock::now();
+        errors.guard([&] { impl_->observer->onEnd(context, now, now - context.begun_); });
+    }
+}
+
+Domain* Domain::getPrimary() const noexcept { return impl_->primary; }
+
+ur::vector<Context::Mode> const& Domain::contextStack() const noexcept { return impl_->modeStack; }
+
+Context const* Domain::getCurrentContext() const noexcept {
+    return impl_->contexts.empty() ? nullptr : impl_->contexts.back();
+}
+
+Context const* Domain::getRootContext() const noexcept {
+    return impl_->contexts.empty() ? nullptr : impl_->contexts.front();
+}
+
+bool Domain::isConst() const noexcept {
+    if (impl_->modeStack.empty()) return false;
+    Context::Mode const top = impl_->modeStack.back();
+    return top == Context::Const || top == Context::ConstWithRedraw;
+}
+
+bool Domain::isCompatibleMode(Context::Mode mode) const noexcept {
+    ur::vector<Context::Mode> const& stack = impl_->modeStack;
+    if (mode == Context::Const || mode == Context::ConstWithRedraw) return true;
+    if (stack.empty()) return mode <= Context::Bare;
+    Context::Mode const top = stack.back();
+    switch (mode) {
+        case Context::InteractionStart:
+        case Context::InteractionEnd:
+        case Context::Transient: return top == Context::Undecided;
+        case Context::InteractionPerform: return top == Context::InteractionStart || top == Context::Undecided;
+        case Context::Momentary: {
+            if (top == Context::Undecided) return true;
+            bool const outermost = stack.size() == 1 || (stack.size() == 2 && stack.front() == Context::Undecided);
+            return outermost && (top == Context::Momentary || top == Context::InteractionEnd);
+        }
+        case Context::Undecided: return top == Context::Undecided || top == Context::Const;
+        case Context::AppOnly: return top == Context::AppOnly || top == Context::NoTxn;
+        case Context::Bare: return top == Context::Const;
+        default: return false;
+    }
+}
+
+void Domain::unlock() {
+    locked_ = false;
+    if (releasePending_) onRelease();
+}
+
+void Domain::release() {
+    releasePending_ = true;
+    if (!locked_) onRelease();
+}
+
+void Domain::onRelease() { delete this; }
+
+void Domain::callInfoSuppress() {
+    impl_->suppress();
+    if (impl_->suppressedCallInfos.size() == 1) callInfoSuppressionChanged.emit(1);
+}
+
+void Domain::callInfoRelease() {
+    if (!callInfoSuppressed()) return;
+    impl_->restore();
+    if (!callInfoSuppressed()) callInfoSuppressionChanged.emit(0);
+}
+
+bool Domain::callInfoSuppressed() const noexcept { return !impl_->suppressedCallInfos.empty(); }
+
+CallInfo const& Domain::callInfoFunc() {
+    static CallInfo const& empty = *new CallInfo;  // never destroyed: code that runs at exit may ask for it
+    auto const& stack = DomainImpl::callInfoStack;
+    CallInfo const* const current = stack.empty() ? nullptr : stack.back()->get();
+    return current ? *current : empty;
+}
+
+void Domain::setAsyncTask(AsyncTask* task) noexcept { impl_->asyncTask = task; }
+
+bool Domain::waitForAsyncTask() {
+    if (!impl_->asyncTask) return false;
+    impl_->asyncTask->wait();
+    return true;
+}
+
+void Domain::declareAsyncOperationBegin() noexcept { ++asyncOperationCount; }
+void Domain::declareAsyncOperationEnd() noexcept { --asyncOperationCount; }
+bool Domain::runningAsyncOperation() const noexcept { return asyncOperationCount > 0; }
+
+void Domain::setContextObserver(ContextObserver* observer) noexcept {
+    impl_->observer = observer;
+    for (Context const* context : impl_->contexts) context->begun_ = Clock::time_point();
+}
+
+}  // namespace nxSupport
