@@ -120,7 +120,7 @@ class Planted(unittest.TestCase):
                          "```console\n$ false\n```\n",
             "docs/good.md": "```cpp file=examples/a.cpp region=part\nint b;\n```\n<!-- packages -->\n"
                             "| package | for | why |\n|---|---|---|\n| `one` | build | reason |\n\n"
-                            "```console\n$ seq 3; exit 2  # exit 2\n1\n...\n```\n",
+                            "```console\n$ seq 3; exit 2\n1\n...\n# exit 2\n```\n",
             "docs/listing.md": "```cpp file=examples/a.cpp region=part\nint c;\n```\n",
             "docs/output.md": "\n```console\n$ echo a\nb\n```\n",
             "docs/table.md": "<!-- packages -->\n| package |\n"})
