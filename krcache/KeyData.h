@@ -1,0 +1,72 @@
+// The description of a resource: what it is called and how it is built.
+#pragma once
+
+#include "foundation/ur/Export.h"
+#include "foundation/ur/Reference.h"
+#include "foundation/ur/ReferenceCount.h"
+#include "foundation/urRTB/Signal.h"
+#include "krcache/KeyVisitor.h"
+#include "krcache/Resource.h"
+
+namespace urKRCache {
+
+/// Names one resource and knows how to build it. Modules derive their own keys.
+///
+/// The manager keeps the first of several equal keys and asks that one. What compares and hashes must not change
+/// while the key is in use. Every hook may use the cache, also for the key's own shim: a resource that is being
+/// built or paged is then absent. An exception from a hook reaches whoever caused the call and leaves the cache
+/// whole; a hook must not destroy the manager. The same thread as its manager.
+class NX_API KeyData : public ur::ReferenceCount {
+public:
+    /// Emitted each time the resource has been cleared, after `onResourceCleared`.
+    urRTB::Signal<> resourceClearedSignal;
+
+    ~KeyData() override;
+
+    /// Whether `getPredeterminedSize` tells how large the resource will be, so that room can be made first.
+    [[nodiscard]] virtual bool hasPredeterminedSize() const;
+    [[nodiscard]] virtual unsigned getPredeterminedSize() const;
+    /// Whether the resource's bytes show up in the resident size of the process.
+    [[nodiscard]] virtual bool isResidential() const;
+
+    /// Negative, 0 or positive. Classes come in the platform's order of type identities; within one class
+    /// `onCompare` decides.
+    [[nodiscard]] int compare(KeyData const* other) const;
+    /// Equal for keys that compare equal. Computed once, unless it is 0.
+    [[nodiscard]] unsigned hash() const {
+        if (cachedHash_ == 0) cachedHash_ = onHash();
+        return cachedHash_;
+    }
+
+protected:
+    KeyData() noexcept;
+
+    /// A hash of the dynamic class, for `onHash` to start from.
+    [[nodiscard]] unsigned getTypeHash() const;
+
+    /// Shows the visitor the shims of all sub-keys: removing one of them removes this key as well.
+    virtual void onVisitSubKeys(KeyVisitor& visitor) const;
+    virtual void onKeyRemoved();
+    virtual void onResourceCleared();
+    /// Requires of the caller: `other` has this object's dynamic class.
+    [[nodiscard]] virtual int onCompare(KeyData const* other) const = 0;
+    [[nodiscard]] virtual unsigned onHash() const = 0;
+    /// Null when there is nothing to build now; the next access asks again.
+    [[nodiscard]] virtual ur::Reference<Resource> onCreateResource() const = 0;
+
+private:
+    /// The resource is in place and counted: after building, and each time after it has been read back.
+    virtual void onInitializeResource(ur::Reference<Resource> resource) const;
+
+    friend class ManagerImpl;
+
+    [[nodiscard]] ur::Reference<Resource> createResource() const { return onCreateResource(); }
+    void initializeResource(ur::Reference<Resource> resource) const;
+    void keyRemoved() { onKeyRemoved(); }
+    void resourceCleared();
+    void visitSubKeys(KeyVisitor& visitor) const { onVisitSubKeys(visitor); }
+
+    mutable unsigned cachedHash_ = 0;
+};
+
+}  // namespace urKRCache

@@ -1,0 +1,44 @@
+// A piece of derived data that the cache keeps.
+#pragma once
+
+#include "foundation/ur/Export.h"
+#include "foundation/ur/ReferenceCount.h"
+
+namespace urOS {
+class IOStream;
+}
+
+namespace urKRCache {
+
+/// Base of what keys build: it tells its size, and may put its payload into a file and get it back.
+///
+/// Shared by reference: whoever holds a resource keeps it alive, also after the cache has dropped it, but only a
+/// lock keeps its payload in memory. A proxy stands for data that is counted elsewhere and counts nothing itself.
+/// The same thread as its manager.
+class NX_API Resource : public ur::ReferenceCount {
+public:
+    Resource() noexcept : Resource(false) {}
+    explicit Resource(bool isProxy) noexcept : isProxy_(isProxy) {}
+    ~Resource() override;
+
+    /// 0 for a proxy, which is not asked.
+    [[nodiscard]] unsigned getSizeInBytes() const { return isProxy_ ? 0 : onGetSizeInBytes(); }
+    [[nodiscard]] bool isProxy() const noexcept { return isProxy_; }
+
+protected:
+    /// The bytes in use. Asked when the resource has been built or read back, and counted until it goes.
+    [[nodiscard]] virtual unsigned onGetSizeInBytes() const = 0;
+    /// Writes the payload, at most as many bytes as the last size told, and may then release it. More is refused,
+    /// and the resource is dropped.
+    virtual void onSerialize(urOS::IOStream& stream);
+    /// Gets back what `onSerialize` wrote. The stream ends where that ended. A read that fails tells that the
+    /// payload is lost: return, the resource will be dropped.
+    virtual void onDeserialize(urOS::IOStream& stream);
+
+private:
+    friend class ManagerImpl;
+
+    bool isProxy_;
+};
+
+}  // namespace urKRCache

@@ -1,0 +1,39 @@
+// What the cache has done and holds.
+#pragma once
+
+#include <cstdint>
+
+#include "foundation/ur/TypeInfo.h"
+#include "foundation/ur/containers.h"
+
+namespace urKRCache {
+
+/// The resources of one class of keys.
+struct ClassUsage {
+    ur::TypeInfo keyClass;
+    std::uint64_t resources = 0;  ///< in memory now
+    std::uint64_t bytes = 0;      ///< in memory now, as measured when they were built or read back
+    std::uint64_t builds = 0;
+    double buildSeconds = 0;  ///< spent in `onCreateResource`, sources built on the way included
+};
+
+/// Counts since the manager was made, unless said otherwise. A value.
+struct Statistics {
+    std::uint64_t hits = 0;             ///< accesses that found the resource in memory
+    std::uint64_t builds = 0;           ///< resources that keys have built
+    std::uint64_t buildsWithout = 0;    ///< times that a key built nothing
+    std::uint64_t clearedForLimit = 0;  ///< resources dropped to stay within the limit
+    std::uint64_t clearedOnRequest = 0;
+    std::uint64_t clearedByRemoval = 0;
+    std::uint64_t clearedByPageFailure = 0;   ///< dropped because the page file could not take or give them
+    std::uint64_t clearedByBuildFailure = 0;  ///< dropped because initialising them threw
+    std::uint64_t pagesOut = 0;
+    std::uint64_t pagesOutBytes = 0;
+    std::uint64_t pagesIn = 0;
+    std::uint64_t pagesInBytes = 0;
+    std::uint64_t memoryUsed = 0;  ///< in bytes, now
+    std::uint64_t peakMemoryUsed = 0;
+    ur::vector<ClassUsage> classes;  ///< in the platform's order of type identities
+};
+
+}  // namespace urKRCache

@@ -1,0 +1,40 @@
+// A recording of what a cache was asked for and did.
+#pragma once
+
+#include <cstdint>
+
+#include "foundation/ur/Export.h"
+#include "foundation/ur/containers.h"
+#include "foundation/urOS/IOStream.h"
+
+namespace urKRCache {
+
+/// Keeps events in memory, twelve bytes each, and writes them as text: one "event key size" a line.
+///
+/// The host owns it and gives it to `Manager::setTraceRecorder`. Files are for replaying the load against another
+/// limit or another cache. Hits, builds and page-ins together are the accesses. A value.
+class NX_API TraceRecorder {
+public:
+    enum class Event : std::uint8_t { hit, build, pageOut, pageIn, clear, remove };
+
+    struct Entry {
+        std::uint32_t key;   ///< the shim's number, counted from 0 in the order of creation
+        std::uint32_t size;  ///< of the resource, in bytes
+        Event event;
+
+        friend bool operator==(Entry const&, Entry const&) = default;
+    };
+
+    void record(Event event, std::uint32_t key, std::uint32_t size) { entries_.push_back({key, size, event}); }
+    [[nodiscard]] ur::vector<Entry> const& entries() const noexcept { return entries_; }
+    void clear() noexcept { entries_.clear(); }
+
+    urUtil::Error write(urOS::IOStream& stream) const;
+    /// Replaces the entries by those of a file. A failure, also for a line of another form, leaves them as they were.
+    urUtil::Error read(urOS::IOStream& stream);
+
+private:
+    ur::vector<Entry> entries_;
+};
+
+}  // namespace urKRCache

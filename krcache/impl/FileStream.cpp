@@ -1,0 +1,102 @@
+// Moving a payload block by block.
+#include "krcache/impl/FileStream.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "krcache/impl/checksum.h"
+
+namespace urKRCache {
+
+using urUtil::Error;
+
+FileStream::~FileStream() {
+    if (block_) file_.giveBlock(std::move(block_));
+}
+
+Error FileStream::write(void const* buffer, std::size_t count, std::size_t* done) {
+    std::size_t moved = 0;
+    if (direction_ == Direction::read && error_.ok()) error_ = Error(EBADF, "the stream is for reading");
+    while (moved < count && error_.ok()) moved += writeSome(static_cast<char const*>(buffer) + moved, count - moved);
+    if (done) *done = moved;
+    return error_;
+}
+
+std::size_t FileStream::writeSome(char const* bytes, std::size_t count) {
+    std::uint64_t const room = entry_.size_ - transferred_ - filled_;
+    if (room == 0) {
+        error_ = Error(EFBIG, "the resource writes more than its size");
+        return 0;
+    }
+    std::size_t const part = std::min({count, PageFile::blockSize - filled_, static_cast<std::size_t>(room)});
+    if (part == PageFile::blockSize) {
+        writeBlock(bytes, part);
+        return error_.ok() ? part : 0;
+    }
+    std::memcpy(block() + filled_, bytes, part);
+    filled_ += part;
+    if (filled_ == PageFile::blockSize) writeBlock(block(), std::exchange(filled_, 0));
+    return part;
+}
+
+void FileStream::writeBlock(char const* bytes, std::size_t count) {
+    error_ = file_.file().writeAt(entry_.offset_ + transferred_, bytes, count);
+    if (error_.isError()) return;
+    entry_.checks_.push_back(impl::checksum(bytes, count));
+    transferred_ += count;
+    entry_.written_ = transferred_;
+}
+
+Error FileStream::finish() {
+    if (filled_ > 0 && error_.ok()) writeBlock(block(), std::exchange(filled_, 0));
+    return error_;
+}
+
+Error FileStream::read(void* buffer, std::size_t count, std::size_t* done) {
+    std::size_t moved = 0;
+    if (direction_ == Direction::write && error_.ok()) error_ = Error(EBADF, "the stream is for writing");
+    while (moved < count && error_.ok()) {
+        std::size_t const part = readSome(static_cast<char*>(buffer) + moved, count - moved);
+        if (part == 0) break;
+        moved += part;
+    }
+    if (done) *done = moved;
+    return error_;
+}
+
+// 0 at the end and after a failure.
+std::size_t FileStream::readSome(char* bytes, std::size_t count) {
+    if (taken_ == filled_) {
+        auto const next =
+            static_cast<std::size_t>(std::min<std::uint64_t>(PageFile::blockSize, entry_.written_ - transferred_));
+        if (next == 0) return 0;
+        if (count >= next) return readBlock(bytes, next) ? next : 0;
+        if (!readBlock(block(), next)) return 0;
+        filled_ = next;
+        taken_ = 0;
+    }
+    std::size_t const part = std::min(count, filled_ - taken_);
+    std::memcpy(bytes, block() + taken_, part);
+    taken_ += part;
+    return part;
+}
+
+bool FileStream::readBlock(char* bytes, std::size_t count) {
+    error_ = file_.file().readAt(entry_.offset_ + transferred_, bytes, count);
+    if (error_.isError()) return false;
+    if (impl::checksum(bytes, count) != entry_.checks_[transferred_ / PageFile::blockSize]) {
+        error_ = Error(EIO, "the file has been changed by someone else");
+        return false;
+    }
+    transferred_ += count;
+    return true;
+}
+
+char* FileStream::block() {
+    if (!block_) block_ = file_.takeBlock();
+    return block_.get();
+}
+
+}  // namespace urKRCache

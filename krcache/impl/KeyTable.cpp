@@ -1,0 +1,75 @@
+// Growing and shrinking the table of keys, and looking up while it changes.
+#include "krcache/impl/KeyTable.h"
+
+#include <utility>
+
+namespace urKRCache {
+
+// For keys whose comparison uses the cache: the candidates are held, so that comparing may do what it likes.
+Shim* KeyTable::findAmongAll(KeyData const& key, std::uint32_t hash) const {
+    ur::vector<ur::Reference<Shim>> candidates;
+    for (std::size_t place = home(hash); slots_[place].shim; place = after(place)) {
+        if (slots_[place].hash == hash) candidates.emplace_back(slots_[place].shim);
+    }
+    for (ur::Reference<Shim> const& candidate : candidates) {
+        ur::Reference<KeyData> const other = candidate->key_;
+        if (other && key.compare(other.get()) == 0 && candidate->manager_) return candidate.get();
+    }
+    return nullptr;
+}
+
+void KeyTable::insert(Shim& shim) {
+    if ((size_ + 1) * 3 > capacity_ * 2) grow();
+    put({shim.hash_, &shim});
+    shim.ref();
+    ++size_;
+    ++version_;
+}
+
+void KeyTable::put(Slot slot) noexcept {
+    std::size_t place = home(slot.hash);
+    while (slots_[place].shim) place = after(place);
+    slots_[place] = slot;
+}
+
+void KeyTable::grow() {
+    std::size_t const former = capacity_;
+    std::size_t const wanted = former == 0 ? 16 : former * 2;
+    auto const old = std::exchange(slots_, std::make_unique<Slot[]>(wanted));
+    capacity_ = wanted;
+    shift_ = former == 0 ? 60 : shift_ - 1;
+    for (std::size_t i = 0; i < former; ++i) {
+        if (old[i].shim) put(old[i]);
+    }
+}
+
+ur::Reference<Shim> KeyTable::take(Shim const& shim) noexcept {
+    if (!reaches(shim)) return {};
+    std::size_t const place = placeOf(shim);
+    auto taken = ur::Reference<Shim>::adopt(slots_[place].shim);
+    close(place);
+    --size_;
+    ++version_;
+    return taken;
+}
+
+/// The shim's slot, or the empty one at which a search for it ends.
+std::size_t KeyTable::placeOf(Shim const& shim) const noexcept {
+    std::size_t place = home(shim.hash_);
+    while (slots_[place].shim && slots_[place].shim != &shim) place = after(place);
+    return place;
+}
+
+// Moves back what lies behind the hole and would no longer be found past it.
+void KeyTable::close(std::size_t hole) noexcept {
+    std::size_t const mask = capacity_ - 1;
+    for (std::size_t place = after(hole); slots_[place].shim; place = after(place)) {
+        std::size_t const fromHome = (place - home(slots_[place].hash)) & mask;
+        if (fromHome < ((place - hole) & mask)) continue;
+        slots_[hole] = slots_[place];
+        hole = place;
+    }
+    slots_[hole].shim = nullptr;
+}
+
+}  // namespace urKRCache

@@ -1,0 +1,85 @@
+// The manager's table of keys.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "krcache/Shim.h"
+
+namespace urKRCache {
+
+/// Finds the shim of a key by its hash and by comparing; holds one reference to each shim.
+///
+/// Open addressing: a slot has the hash beside the shim, so that a look-up reads a shim only when it is very
+/// likely the right one. Comparing runs code of the keys, which may change the table: then nothing that was read
+/// before counts any more.
+class KeyTable {
+public:
+    KeyTable() = default;
+    KeyTable(KeyTable const&) = delete;
+    KeyTable& operator=(KeyTable const&) = delete;
+
+    /// Null when there is no equal key.
+    [[nodiscard]] Shim* find(KeyData const& key) const;
+    /// Requires: no equal key is here, and the shim has its key's hash.
+    void insert(Shim& shim);
+    /// Gives the table's reference to the caller; null when the shim is not here.
+    ur::Reference<Shim> take(Shim const& shim) noexcept;
+
+    /// Whether a look-up would come to this very shim.
+    [[nodiscard]] bool reaches(Shim const& shim) const noexcept { return size_ > 0 && slots_[placeOf(shim)].shim; }
+
+    [[nodiscard]] std::size_t size() const noexcept { return size_; }
+    /// Differs after every change.
+    [[nodiscard]] std::uint64_t version() const noexcept { return version_; }
+
+    /// Calls `visit` with every shim. Requires: `visit` runs no code of keys, resources or clients.
+    template <class Visit>
+    void forEach(Visit&& visit) const {
+        for (std::size_t i = 0; i < capacity_; ++i) {
+            if (slots_[i].shim) visit(*slots_[i].shim);
+        }
+    }
+
+private:
+    struct Slot {
+        std::uint32_t hash;
+        Shim* shim;
+    };
+
+    [[nodiscard]] std::size_t home(std::uint32_t hash) const noexcept {
+        return static_cast<std::size_t>(hash * 0x9E3779B97F4A7C15U >> shift_);
+    }
+    [[nodiscard]] std::size_t after(std::size_t place) const noexcept { return (place + 1) & (capacity_ - 1); }
+    [[nodiscard]] std::size_t placeOf(Shim const& shim) const noexcept;
+    [[nodiscard]] Shim* findAmongAll(KeyData const& key, std::uint32_t hash) const;
+    void put(Slot slot) noexcept;
+    void grow();
+    void close(std::size_t hole) noexcept;
+
+    std::unique_ptr<Slot[]> slots_;
+    std::size_t capacity_ = 0;  ///< a power of two, or 0 at first
+    std::size_t size_ = 0;
+    unsigned shift_ = 64;
+    std::uint64_t version_ = 0;
+};
+
+inline Shim* KeyTable::find(KeyData const& key) const {
+    std::uint32_t const hash = key.hash();
+    if (size_ == 0) return nullptr;
+    for (std::size_t place = home(hash); slots_[place].shim; place = after(place)) {
+        Shim* const shim = slots_[place].shim;
+        if (slots_[place].hash != hash) continue;
+        if (shim->key_.get() == &key) return shim;
+        std::uint64_t const before = version_;
+        ur::Reference<KeyData> const other = shim->key_;
+        bool const equal = key.compare(other.get()) == 0;
+        if (version_ != before) [[unlikely]]
+            return findAmongAll(key, hash);
+        if (equal) return shim;
+    }
+    return nullptr;
+}
+
+}  // namespace urKRCache

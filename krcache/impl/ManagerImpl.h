@@ -1,0 +1,203 @@
+// The state of a manager and the steps of its work.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <exception>
+#include <unordered_map>
+#include <utility>
+
+#include "krcache/Accountant.h"
+#include "krcache/Manager.h"
+#include "krcache/TraceRecorder.h"
+#include "krcache/impl/KeyTable.h"
+#include "krcache/impl/LruList.h"
+#include "krcache/impl/PageFile.h"
+
+namespace urKRCache {
+
+/// What a manager does, in the words of its interface.
+///
+/// Each step leaves the cache whole before it calls a hook, and after a hook takes nothing for granted: the shim may
+/// have been cleared, paged, locked or removed meanwhile. Always so: a shim is in the list exactly when its resource
+/// is in memory and not locked; the counters are the sums of the sizes of the shims whose resource is in memory.
+class ManagerImpl {
+public:
+    ManagerImpl(Manager& manager, urString::IString const& folder);
+    ManagerImpl(ManagerImpl const&) = delete;
+    ManagerImpl& operator=(ManagerImpl const&) = delete;
+    ~ManagerImpl() = default;
+
+    // Finding and building (access.cpp)
+    ur::Reference<Shim> createShim(ur::Reference<KeyData> const& key, Shim::KeyType type);
+    [[nodiscard]] Shim* find(KeyData const& key) const { return table_.find(key); }
+    ur::Reference<Resource> access(Shim& shim) {
+        if (!shim.isResourceAllocated()) [[unlikely]]
+            return accessAbsent(shim);
+        if (shim.lockCount_ <= 0) lru_.touch(shim);
+        ++statistics_.hits;
+        accountant_.resourceAccessed(&shim);
+        if (trace_) [[unlikely]]
+            record(TraceRecorder::Event::hit, shim);
+        return shim.resource_;
+    }
+
+    // Room and limits (limits.cpp)
+    void enforceMemoryLimit(std::uint64_t incoming);
+    void clear();
+    void clear(Shim& shim) { clearOrPageOut(shim, Cause::request); }
+    void lock(Shim& shim);
+    void unlock(Shim& shim);
+    void startInteraction() noexcept { accountant_.startInteraction(); }
+    void endInteraction();
+    void setMemoryLimit(std::uint64_t bytes);
+    void setUseResidentSize();
+    [[nodiscard]] static std::uint64_t residentSize();
+    void allocatingExternal(unsigned bytes);
+    void deletedExternal(unsigned bytes);
+    [[nodiscard]] std::uint64_t limit() const noexcept { return limit_; }
+    [[nodiscard]] std::uint64_t used() const noexcept { return used_; }
+
+    // Removal (removal.cpp)
+    void remove(Shim& shim);
+    void removeUnreferenced(Shim& shim);
+    /// Dependents before what they are built from; what still asks for shims meanwhile gets removed ones.
+    void removeAll();
+
+    void setSerializable(Shim& shim) noexcept { shim.serializable_ = true; }
+    void setClearCheck(bool clearCheck) noexcept { clearCheck_ = clearCheck; }
+    void setTraceRecorder(TraceRecorder* recorder) noexcept { trace_ = recorder; }
+
+    // Telling (usage.cpp, dependencies.cpp, audit.cpp)
+    [[nodiscard]] std::size_t keyCount() const noexcept { return table_.size(); }
+    void logUsageByType() const;
+    [[nodiscard]] Statistics statistics() const;
+    [[nodiscard]] urString::CString audit() const;
+    void printDependencies(urOS::OStream& out) const;
+    void printDependenciesAsDot(urOS::OStream& out) const;
+
+private:
+    enum class Cause { limit, request, removal, pageFailure, buildFailure };
+    /// Whether hooks that eviction calls may build resources.
+    enum class Evicting { no, hooksMayBuild, hooksMayNotBuild };
+
+    /// A removal that is under way. Removals wait on a stack of their own, so that a chain of dependents of any
+    /// length needs no more of the thread's.
+    struct Removal {
+        enum class Stage { clear, dependents, release, finish, done };
+
+        ur::Reference<Shim> shim;
+        Stage stage = Stage::clear;
+        ur::vector<ur::Reference<Shim>> children;
+        ur::vector<ur::Reference<Shim>> parents;
+        std::size_t nextParent = 0;
+        ur::Reference<Resource> resource;  ///< kept until the dependents are gone, whose resources may hold it
+    };
+
+    // access.cpp
+    ur::Reference<Resource> accessAbsent(Shim& shim);
+    bool createResource(Shim& shim);
+    void account(Shim& shim, unsigned size, TraceRecorder::Event event);
+    void linkSources(Shim& shim, KeyData const& key);
+    void withdraw(Shim& shim) noexcept;
+    ClassUsage& usageOf(KeyData const& key);
+    [[nodiscard]] bool isAttached(Shim const& shim) const noexcept { return shim.manager_ && !shim.removing_; }
+
+    // limits.cpp
+    void link(Shim& shim) noexcept {
+        if (shim.lockCount_ <= 0) lru_.append(shim);
+    }
+    void unlink(Shim& shim) noexcept {
+        if (shim.lockCount_ <= 0) lru_.remove(shim);
+    }
+    void addToUsed(Shim const& shim) noexcept;
+    void takeFromUsed(Shim& shim) noexcept;
+    void makeSpace(std::uint64_t bytes, bool residential);
+    void sampleResidentSize(std::uint64_t incoming);
+    [[nodiscard]] bool isOverLimit() const noexcept { return limit_ != 0 && used_ + otherResident_ > limit_; }
+    void evict();
+    void evictHead();
+    void clearOrPageOut(Shim& shim, Cause cause);
+    void clearAllocated(Shim& shim, Cause cause);
+    ur::Reference<Resource> takeResource(Shim& shim, Cause cause);
+    void dropResource(Shim& shim, Cause cause);
+    void reportExcess() const;
+    void checkPeak(std::int64_t peak, char const* message) const;
+    void applyMemoryLimit(std::uint64_t bytes);
+    void count(Cause cause) noexcept;
+
+    // paging.cpp
+    void pageOut(Shim& shim);
+    bool pageIn(Shim& shim);
+    bool endPaging(Shim& shim, PageFileEntry& chunk, urUtil::Error const& error, std::exception_ptr const& thrown);
+    void cleanUpPaging(Shim& shim);
+    void reportLoss(Shim const& shim, urUtil::Error const& why);
+
+    // removal.cpp
+    void push(Shim& shim);
+    void run(std::size_t base);
+    void removeEach(ur::vector<ur::Reference<Shim>> shims);
+    void step(Removal& removal);
+    void release(Removal& removal);
+    void clearForRemoval(Removal& removal);
+    void disconnect(Removal& removal);
+    void finish(Removal& removal);
+    template <class Work>
+    void shielded(Work&& work) noexcept;
+
+    // dependencies.cpp and audit.cpp; a fault is null when there is none
+    [[nodiscard]] ur::vector<Shim const*> inOrder() const;
+    [[nodiscard]] char const* faultOf(Shim const& shim) const;
+    [[nodiscard]] char const* faultOfLinks(Shim const& shim) const;
+    [[nodiscard]] char const* faultOfList() const;
+    [[nodiscard]] char const* faultOfSums() const;
+    [[nodiscard]] std::size_t pagedOutCount() const;
+
+    void record(TraceRecorder::Event event, Shim const& shim) {
+        if (trace_) trace_->record(event, shim.serial_, shim.size_);
+    }
+
+    Manager& manager_;
+    LruList lru_;
+    KeyTable table_;
+    PageFile pageFile_;
+    Accountant accountant_;
+    std::uint64_t used_ = 0;             ///< in memory, and what room is being made for
+    std::uint64_t residentialUsed_ = 0;  ///< the part of it that shows in the resident size
+    std::uint64_t reserved_ = 0;         ///< what room is being made for
+    std::uint64_t residentialReserved_ = 0;
+    std::uint64_t otherResident_ = 0;  ///< resident, but not ours, at the last sample
+    std::uint64_t limit_ = 0;
+    std::uint64_t limitDebt_ = 0;  ///< external bytes that the limit was too small to give up
+    std::uint64_t bytesSinceSample_ = 0;
+    bool useResidentSize_ = false;
+    bool clearCheck_ = false;
+    bool dying_ = false;
+    bool pageFileTold_ = false;  ///< that there is no page file
+    Evicting evicting_ = Evicting::no;
+    TraceRecorder* trace_ = nullptr;
+    Statistics statistics_;  ///< without what is computed on demand
+    std::unordered_map<ur::TypeInfo, ClassUsage> usages_;
+    ClassUsage* lastUsage_ = nullptr;
+    std::uint32_t nextSerial_ = 0;
+    std::deque<Removal> removals_;  ///< a deque: removals begun on the way must not move those under way
+    unsigned removalRuns_ = 0;
+    std::exception_ptr removalFailure_;
+};
+
+/// Sets a variable for as long as a scope runs.
+template <class T>
+class Scoped {
+public:
+    Scoped(T& variable, T value) noexcept : variable_(variable), former_(std::exchange(variable, value)) {}
+    Scoped(Scoped const&) = delete;
+    Scoped& operator=(Scoped const&) = delete;
+    ~Scoped() { variable_ = former_; }
+
+private:
+    T& variable_;
+    T former_;
+};
+
+}  // namespace urKRCache

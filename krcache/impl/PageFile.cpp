@@ -1,0 +1,120 @@
+// Cutting the page file into chunks and joining free ones.
+#include "krcache/impl/PageFile.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace urKRCache {
+namespace {
+
+constexpr std::uint64_t smallestExtension = 1048576;
+
+}  // namespace
+
+PageFile::PageFile(urString::IString const& path) : openError_(file_.open(std::string(path.asMultibyte().view()))) {
+    entries_.makeSentinel();
+}
+
+PageFile::~PageFile() {
+    while (PageFileEntry* const entry = objectOf(entries_.next())) {
+        entry->unlink();
+        delete entry;
+    }
+}
+
+PageFileEntry* PageFile::allocate(std::uint64_t bytes) {
+    PageFileEntry* entry = findFree(bytes);
+    if (!entry) {
+        if (!file_.isOpen() || !extend(bytes)) return nullptr;
+        entry = objectOf(entries_.next());
+    }
+    freeEntries_.erase(entry);
+    if (entry->size_ > bytes) split(*entry, bytes);
+    entry->inUse_ = true;
+    return entry;
+}
+
+PageFileEntry* PageFile::findFree(std::uint64_t bytes) const noexcept {
+    auto const best = freeEntries_.lower_bound(bytes);
+    return best == freeEntries_.end() ? nullptr : *best;
+}
+
+// The rest becomes a free chunk behind the entry in the file, which is before it in the list.
+void PageFile::split(PageFileEntry& entry, std::uint64_t bytes) {
+    auto rest = std::make_unique<PageFileEntry>();
+    rest->offset_ = entry.offset_ + bytes;
+    rest->size_ = entry.size_ - bytes;
+    freeEntries_.insert(rest.get());
+    rest.release()->insertBefore(entry);
+    entry.size_ = bytes;
+}
+
+// False when the file would become longer than it may.
+bool PageFile::extend(std::uint64_t bytes) {
+    PageFileEntry* const last = objectOf(entries_.next());
+    std::uint64_t const end = last ? last->offset_ + last->size_ : 0;
+    std::uint64_t const limit = ScratchFile::sizeLimit();
+    std::uint64_t const room = limit > end ? limit - end : 0;
+    std::uint64_t const size = std::min(std::max(bytes, smallestExtension), room);
+    if (size < bytes || size == 0) return false;
+
+    auto added = std::make_unique<PageFileEntry>();
+    added->offset_ = end;
+    added->size_ = size;
+    freeEntries_.insert(added.get());
+    PageFileEntry* const upper = added.release();
+    upper->insertAfter(entries_);
+    if (last && !last->inUse_) merge(last, upper);
+    return true;
+}
+
+void PageFile::release(PageFileEntry* entry) {
+    entry->inUse_ = false;
+    entry->written_ = 0;
+    entry->checks_ = {};
+    freeEntries_.insert(entry);
+    PageFileEntry* const below = objectOf(entry->next());
+    if (below && !below->inUse_) {
+        merge(below, entry);
+        entry = below;
+    }
+    PageFileEntry* const above = objectOf(entry->previous());
+    if (above && !above->inUse_) merge(entry, above);
+}
+
+void PageFile::merge(PageFileEntry* lower, PageFileEntry* upper) {
+    freeEntries_.erase(upper);
+    auto node = freeEntries_.extract(lower);
+    lower->size_ += upper->size_;
+    freeEntries_.insert(std::move(node));
+    upper->unlink();
+    delete upper;
+}
+
+PageFile::Block PageFile::takeBlock() {
+    return spareBlock_ ? std::move(spareBlock_) : std::make_unique_for_overwrite<char[]>(blockSize);
+}
+
+PageFileEntry const* PageFile::first() const noexcept { return objectOf(entries_.next()); }
+
+PageFileEntry const* PageFile::after(PageFileEntry const& entry) const noexcept { return objectOf(entry.next()); }
+
+char const* PageFile::fault(std::size_t chunksInUse) const {
+    std::size_t used = 0;
+    std::size_t free = 0;
+    PageFileEntry const* above = nullptr;
+    for (PageFileEntry const* entry = first(); entry; above = entry, entry = after(*entry)) {
+        if (above && entry->offset() + entry->size() != above->offset()) return "page file: chunks leave a gap";
+        if (above && !entry->inUse() && !above->inUse()) return "page file: free neighbours are not merged";
+        if (entry->written_ > entry->size()) return "page file: more is written to a chunk than it holds";
+        if (!entry->inUse() && !freeEntries_.contains(const_cast<PageFileEntry*>(entry))) {
+            return "page file: a free chunk is not in the free set";
+        }
+        ++(entry->inUse() ? used : free);
+    }
+    if (above && above->offset() != 0) return "page file: the first chunk does not start the file";
+    if (free != freeEntries_.size()) return "page file: the free set has chunks that are not free";
+    return used == chunksInUse ? nullptr : "page file: chunks in use and paged-out resources differ in number";
+}
+
+}  // namespace urKRCache

@@ -1,0 +1,74 @@
+// The scratch file into which resources are paged out.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+
+#include "foundation/urString/IString.h"
+#include "krcache/PageFileEntry.h"
+#include "krcache/impl/ScratchFile.h"
+
+namespace urKRCache {
+
+/// Hands out chunks of its file and takes them back; free chunks are used again, best fit first.
+///
+/// Owned by the manager. Chunks are listed from the end of the file to its start and cover it without gaps; no two
+/// free ones are neighbours. Bytes appear in the file when they are written. A file that could not be opened is
+/// full: its manager drops what it would have paged out.
+class PageFile {
+public:
+    /// How much is written and checked at a time.
+    static constexpr std::size_t blockSize = 65536;
+    using Block = std::unique_ptr<char[]>;
+
+    explicit PageFile(urString::IString const& path);
+    PageFile(PageFile const&) = delete;
+    PageFile& operator=(PageFile const&) = delete;
+    ~PageFile();
+
+    /// A chunk of exactly that size, in use; null when the file cannot grow that far.
+    PageFileEntry* allocate(std::uint64_t bytes);
+    /// Requires: a chunk in use, with no stream open on it.
+    void release(PageFileEntry* entry);
+
+    [[nodiscard]] ScratchFile& file() noexcept { return file_; }
+    /// Why there is no file; success when there is one.
+    [[nodiscard]] urUtil::Error const& openError() const noexcept { return openError_; }
+
+    /// A buffer for the stream that is open; streams inside streams get further ones.
+    [[nodiscard]] Block takeBlock();
+    void giveBlock(Block block) noexcept { spareBlock_ = std::move(block); }
+
+    /// The first chunk (the one that ends the file), or null; its `next()` lead to the others.
+    [[nodiscard]] PageFileEntry const* first() const noexcept;
+    [[nodiscard]] PageFileEntry const* after(PageFileEntry const& entry) const noexcept;
+    /// The first rule of the chunks that does not hold; null when all do.
+    [[nodiscard]] char const* fault(std::size_t chunksInUse) const;
+
+private:
+    using Node = urUtil::LinkedListNode<PageFileEntry>;
+    struct Smaller {
+        using is_transparent = void;
+        bool operator()(PageFileEntry const* a, PageFileEntry const* b) const noexcept {
+            return a->size() != b->size() ? a->size() < b->size() : a->offset() < b->offset();
+        }
+        bool operator()(PageFileEntry const* a, std::uint64_t bytes) const noexcept { return a->size() < bytes; }
+    };
+
+    bool extend(std::uint64_t bytes);
+    [[nodiscard]] PageFileEntry* findFree(std::uint64_t bytes) const noexcept;
+    void merge(PageFileEntry* lower, PageFileEntry* upper);
+    void split(PageFileEntry& entry, std::uint64_t bytes);
+    [[nodiscard]] PageFileEntry* objectOf(Node* node) const noexcept {
+        return node == &entries_ ? nullptr : node->object();
+    }
+
+    ScratchFile file_;
+    urUtil::Error openError_;
+    Node entries_;
+    std::set<PageFileEntry*, Smaller> freeEntries_;
+    Block spareBlock_;
+};
+
+}  // namespace urKRCache

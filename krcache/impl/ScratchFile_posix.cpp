@@ -1,0 +1,118 @@
+// Scratch files where files have owners, links and advisory locks.
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+
+#include "krcache/impl/ScratchFile.h"
+
+namespace urKRCache {
+namespace {
+
+using urUtil::Error;
+
+constexpr mode_t onlyOurs = 0600;
+constexpr int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+/// Moves all bytes by repeating `move`, which gives what the system calls give.
+template <class Move>
+Error moveAll(std::size_t count, Move move, char const* what) noexcept {
+    std::size_t done = 0;
+    while (done < count) {
+        ssize_t const moved = move(done);
+        if (moved > 0) {
+            done += static_cast<std::size_t>(moved);
+        } else if (moved == 0) {
+            return Error(0, "the file is shorter than what was written");
+        } else if (errno != EINTR) {
+            return Error::fromSystem(errno, what);
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+ScratchFile::~ScratchFile() {
+    if (isOpen() && isAtItsPath()) ::unlink(path_.c_str());
+    close();
+}
+
+Error ScratchFile::open(std::string const& path) {
+    path_ = path;
+    // The file's former owner may delete it between our opening and our locking it, but hardly time and again.
+    Error error;
+    bool deletedMeanwhile = true;
+    for (int attempt = 0; attempt < 10 && deletedMeanwhile; ++attempt) error = openOnce(deletedMeanwhile);
+    return error;
+}
+
+Error ScratchFile::openOnce(bool& deletedMeanwhile) {
+    deletedMeanwhile = false;
+    descriptor_ = ::open(path_.c_str(), flags, onlyOurs);
+    if (descriptor_ < 0) return Error::fromSystem(errno, "open");
+    Error error = makeOurs(deletedMeanwhile);
+    if (error.isError()) close();
+    return error;
+}
+
+Error ScratchFile::makeOurs(bool& deletedMeanwhile) {
+    struct stat status = {};
+    if (::fstat(descriptor_, &status) != 0) return Error::fromSystem(errno, "status");
+    if (!S_ISREG(status.st_mode) || status.st_uid != ::geteuid() || status.st_nlink > 1) {
+        return Error(EACCES, "the name is taken by something that is not a file of this user alone");
+    }
+    if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
+        return errno == EWOULDBLOCK ? Error(EWOULDBLOCK, "another manager uses the file")
+                                    : Error::fromSystem(errno, "lock");
+    }
+    deletedMeanwhile = !isAtItsPath();
+    if (deletedMeanwhile) return Error(ENOENT, "the file keeps being deleted");
+    if (::fchmod(descriptor_, onlyOurs) != 0) return Error::fromSystem(errno, "permissions");
+    return ::ftruncate(descriptor_, 0) == 0 ? Error() : Error::fromSystem(errno, "empty");
+}
+
+bool ScratchFile::isAtItsPath() const noexcept {
+    struct stat ours = {};
+    struct stat named = {};
+    return ::fstat(descriptor_, &ours) == 0 && ::lstat(path_.c_str(), &named) == 0 && ours.st_dev == named.st_dev &&
+           ours.st_ino == named.st_ino;
+}
+
+void ScratchFile::close() noexcept {
+    if (isOpen()) ::close(descriptor_);
+    descriptor_ = -1;
+}
+
+// Writing beyond the limit of the process would raise a signal that ends it.
+std::uint64_t ScratchFile::sizeLimit() noexcept {
+    constexpr std::uint64_t largest = std::numeric_limits<off_t>::max();
+    struct rlimit limit = {};
+    if (::getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return largest;
+    return std::min<std::uint64_t>(limit.rlim_cur, largest);
+}
+
+Error ScratchFile::writeAt(std::uint64_t position, char const* bytes, std::size_t count) noexcept {
+    return moveAll(
+        count,
+        [&](std::size_t done) {
+            return ::pwrite(descriptor_, bytes + done, count - done, static_cast<off_t>(position + done));
+        },
+        "write");
+}
+
+Error ScratchFile::readAt(std::uint64_t position, char* bytes, std::size_t count) noexcept {
+    return moveAll(
+        count,
+        [&](std::size_t done) {
+            return ::pread(descriptor_, bytes + done, count - done, static_cast<off_t>(position + done));
+        },
+        "read");
+}
+
+}  // namespace urKRCache

@@ -1,0 +1,106 @@
+// Checking what must always hold between two calls.
+#include "krcache/impl/ManagerImpl.h"
+
+namespace urKRCache {
+
+using urString::CString;
+
+CString ManagerImpl::audit() const {
+    char const* what = nullptr;
+    std::uint32_t serial = 0;
+    table_.forEach([&](Shim const& shim) {
+        if (what) return;
+        what = faultOf(shim);
+        if (!what) what = faultOfLinks(shim);
+        serial = shim.serial_;
+    });
+    if (what) return CString::format("shim #%u: %s", serial, what);
+    what = faultOfList();
+    if (!what) what = faultOfSums();
+    if (!what) what = pageFile_.fault(pagedOutCount());
+    return what ? what : "";
+}
+
+char const* ManagerImpl::faultOf(Shim const& shim) const {
+    bool const isListed = shim.next() != nullptr;
+    if (shim.manager_ != &manager_ || !shim.key_) return "is in the table without a manager or a key";
+    if (!table_.reaches(shim)) return "is not found by its hash";
+    if (shim.pageEntry_ && !shim.resource_) return "has a page but no resource";
+    if (shim.pageEntry_ && !shim.pageEntry_->inUse()) return "has a page that is free";
+    if (shim.lockCount_ < 0) return "has been unlocked more often than locked";
+    if (isListed != (shim.isResourceAllocated() && !shim.isResourceLocked())) {
+        return isListed ? "is listed for eviction but must not be evicted" : "may be evicted but is not listed";
+    }
+    bool const isHeld = shim.keyType_ == Shim::Retained && shim.resource_;
+    if (shim.strongCount_ < (isHeld ? 2 : 1)) return "has lost a reference of its manager";
+    if (shim.hot_ != accountant_.hotSet_.contains(const_cast<Shim*>(&shim))) return "differs from the set of hot ones";
+    return nullptr;
+}
+
+char const* ManagerImpl::faultOfLinks(Shim const& shim) const {
+    auto const mirrors = [](Shim::Link const& back, Shim const& to, std::size_t place) {
+        return back.shim == &to && back.mirror == place;
+    };
+    for (std::size_t i = 0; i < shim.children_.size(); ++i) {
+        auto const [child, place] = shim.children_[i];
+        if (!child) return "has lost a child, but lives on";
+        if (place >= child->parents_.size() || !mirrors(child->parents_[place], shim, i)) {
+            return "is not a parent of its child";
+        }
+        if (child->manager_ != &manager_) return "has a child that has been removed";
+    }
+    std::uint32_t cut = 0;
+    for (std::size_t i = 0; i < shim.parents_.size(); ++i) {
+        auto const [parent, place] = shim.parents_[i];
+        cut += parent ? 0 : 1;
+        if (!parent) continue;
+        if (place >= parent->children_.size() || !mirrors(parent->children_[place], shim, i)) {
+            return "is not a child of its parent";
+        }
+    }
+    return cut == shim.cutParents_ ? nullptr : "miscounts its parents";
+}
+
+char const* ManagerImpl::faultOfList() const {
+    std::size_t listed = 0;
+    urUtil::LinkedListNode<Shim> const* node = &lru_.sentinel();
+    do {
+        if (!node->next() || node->next()->previous() != node) return "the list of evictable resources is broken";
+        node = node->next();
+        ++listed;
+    } while (node != &lru_.sentinel() && listed <= lru_.count());
+    if (listed != lru_.count() + 1) return "the list of evictable resources is miscounted";
+    std::size_t evictable = 0;
+    table_.forEach([&](Shim const& shim) { evictable += shim.next() ? 1 : 0; });
+    return evictable == lru_.count() ? nullptr : "the list has shims that are not in the table";
+}
+
+char const* ManagerImpl::faultOfSums() const {
+    std::uint64_t used = 0;
+    std::uint64_t residential = 0;
+    std::int64_t locked = accountant_.externalSize_;
+    std::size_t hot = 0;
+    table_.forEach([&](Shim const& shim) {
+        std::uint32_t const size = shim.isResourceAllocated() ? shim.size_ : 0;
+        used += size;
+        residential += shim.residential_ ? size : 0;
+        locked += shim.isResourceLocked() ? size : 0;
+        hot += shim.hot_ ? 1 : 0;
+    });
+    std::uint64_t byClass = 0;
+    for (auto const& [keyClass, usage] : usages_) byClass += usage.bytes;
+    if (used != used_ - reserved_) return "the memory used is not the sum of the resources";
+    if (residential != residentialUsed_ - residentialReserved_) return "the residential bytes are not their sum";
+    if (byClass != used) return "the bytes by class do not add up";
+    if (locked != accountant_.lockedSize_) return "the locked bytes are not their sum";
+    if (hot != accountant_.hotSet_.size()) return "the hot set has shims that are not in the table";
+    return statistics_.peakMemoryUsed >= used ? nullptr : "the peak is below the memory used";
+}
+
+std::size_t ManagerImpl::pagedOutCount() const {
+    std::size_t count = 0;
+    table_.forEach([&](Shim const& shim) { count += shim.pageEntry_ ? 1 : 0; });
+    return count;
+}
+
+}  // namespace urKRCache

@@ -1,0 +1,98 @@
+// Writing payloads to the page file and getting them back.
+#include "krcache/debugChannel.h"
+#include "krcache/impl/FileStream.h"
+#include "krcache/impl/ManagerImpl.h"
+#include "krcache/impl/sizes.h"
+
+namespace urKRCache {
+namespace {
+
+/// What `work` throws, or null.
+template <class Work>
+std::exception_ptr thrownBy(Work&& work) noexcept {
+    try {
+        work();
+    } catch (...) {
+        return std::current_exception();
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+void ManagerImpl::pageOut(Shim& shim) {
+    PageFileEntry* const chunk = pageFile_.allocate(shim.size_);
+    if (!chunk) {
+        reportLoss(shim,
+                   pageFile_.openError().isError() ? pageFile_.openError() : urUtil::Error(0, "the file is full"));
+        return clearAllocated(shim, Cause::pageFailure);
+    }
+    takeFromUsed(shim);
+    shim.pageEntry_ = chunk;
+
+    FileStream stream(pageFile_, *chunk, FileStream::Direction::write);
+    ur::Reference<Resource> const resource = shim.resource_;
+    std::exception_ptr const thrown = thrownBy([&] {
+        Scoped const paging(shim.paging_, true);
+        resource->onSerialize(stream);
+    });
+    if (!endPaging(shim, *chunk, stream.finish(), thrown)) return;
+    ++statistics_.pagesOut;
+    statistics_.pagesOutBytes += stream.transferred();
+    record(TraceRecorder::Event::pageOut, shim);
+}
+
+// False when the payload is lost, or the shim was removed meanwhile.
+bool ManagerImpl::pageIn(Shim& shim) {
+    makeSpace(shim.size_, shim.residential_);
+    PageFileEntry* const chunk = shim.pageEntry_;
+    if (!chunk) return false;
+
+    FileStream stream(pageFile_, *chunk, FileStream::Direction::read);
+    ur::Reference<Resource> const resource = shim.resource_;
+    unsigned size = 0;
+    std::exception_ptr const thrown = thrownBy([&] {
+        Scoped const paging(shim.paging_, true);
+        resource->onDeserialize(stream);
+        if (stream.error().ok()) size = resource->getSizeInBytes();
+    });
+    if (!endPaging(shim, *chunk, stream.error(), thrown)) return false;
+    cleanUpPaging(shim);
+    link(shim);
+    ++statistics_.pagesIn;
+    statistics_.pagesInBytes += stream.transferred();
+    account(shim, size, TraceRecorder::Event::pageIn);
+    return true;
+}
+
+// Whether the payload has been moved whole. One that has not is lost: the key builds the resource anew when it is
+// needed.
+bool ManagerImpl::endPaging(Shim& shim, PageFileEntry& chunk, urUtil::Error const& error,
+                            std::exception_ptr const& thrown) {
+    bool const wasRemoved = shim.pageEntry_ != &chunk;
+    bool const isLost = !wasRemoved && (thrown || error.isError());
+    if (wasRemoved) pageFile_.release(&chunk);
+    if (isLost) {
+        cleanUpPaging(shim);
+        if (!thrown) reportLoss(shim, error);
+        dropResource(shim, Cause::pageFailure);
+    }
+    if (thrown) std::rethrow_exception(thrown);
+    return !wasRemoved && !isLost;
+}
+
+/// Gives up the chunk; while a stream is open on it, whoever opened the stream releases it.
+void ManagerImpl::cleanUpPaging(Shim& shim) {
+    PageFileEntry* const chunk = std::exchange(shim.pageEntry_, nullptr);
+    if (!shim.paging_) pageFile_.release(chunk);
+}
+
+// A file that could not be opened is told of once: it would be told of at every eviction.
+void ManagerImpl::reportLoss(Shim const& shim, urUtil::Error const& why) {
+    bool const isOpen = pageFile_.openError().ok();
+    if (!isOpen && std::exchange(pageFileTold_, true)) return;
+    debugChannel().print("Dropped a %.02fMB resource instead of paging it: %s\n", impl::megabytes(shim.size_),
+                         std::string(why.message()).c_str());
+}
+
+}  // namespace urKRCache

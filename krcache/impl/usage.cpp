@@ -1,0 +1,35 @@
+// What is in memory, by class, and the counts since the start.
+#include <algorithm>
+
+#include "krcache/debugChannel.h"
+#include "krcache/impl/ManagerImpl.h"
+#include "krcache/impl/sizes.h"
+
+namespace urKRCache {
+
+// Resources are asked for their sizes now; they are held, since that runs code of theirs.
+void ManagerImpl::logUsageByType() const {
+    urOS::DebugChannel& channel = debugChannel();
+    if (!channel.isEnabled()) return;
+    channel.print("\nTotal resource memory: %0.02f MB\n", impl::megabytes(used_));
+    ur::vector<std::pair<ur::TypeInfo, ur::Reference<Resource>>> resources;
+    table_.forEach([&](Shim const& shim) {
+        if (shim.isResourceAllocated()) resources.emplace_back(shim.usage_->keyClass, shim.resource_);
+    });
+    ur::map<ur::TypeInfo, std::uint64_t> bytes;
+    for (auto const& [keyClass, resource] : resources) bytes[keyClass] += resource->getSizeInBytes();
+    for (auto const& [keyClass, total] : bytes) {
+        channel.print("Resource type %s: %0.02f MB\n", keyClass.name(), impl::megabytes(total));
+    }
+}
+
+Statistics ManagerImpl::statistics() const {
+    Statistics result = statistics_;
+    result.memoryUsed = used_ - reserved_;
+    for (auto const& [keyClass, usage] : usages_) result.classes.push_back(usage);
+    std::sort(result.classes.begin(), result.classes.end(),
+              [](ClassUsage const& a, ClassUsage const& b) { return a.keyClass < b.keyClass; });
+    return result;
+}
+
+}  // namespace urKRCache
