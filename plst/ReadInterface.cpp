@@ -2,8 +2,10 @@
 #include "plst/ReadInterface.h"
 
 #include <algorithm>
+#include <concepts>
 #include <iterator>
 #include <memory>
+#include <string_view>
 #include <typeinfo>
 #include <utility>
 #include <vector>
@@ -17,13 +19,35 @@ namespace nxPLST {
 
 using urString::CString;
 
+namespace {
+
+template <class Kind, class Value>
+ur::Reference<Item> makeItem(Value value) {
+    if constexpr (std::same_as<Value, std::string_view>) {
+        return ur::make<Kind>(CString(value));
+    } else {
+        return ur::make<Kind>(value);
+    }
+}
+
+/// The item that the payload of a packet of this kind makes.
+ur::Reference<Item> scalar(ioReadContext& context, Type kind) {
+    switch (kind) {
+        case BoolType: return makeItem<Bool>(context.readBoolValue());
+        case DoubleType: return makeItem<Double>(context.readDoubleValue());
+        default: return makeItem<String>(context.readTextValue());
+    }
+}
+
+}  // namespace
+
 /// Reads the packets of one kind of item through a reader.
 class ReadInterface::PListPacket final : public ioPacketType {
 public:
     using Operation = void (ReadInterface::*)();
 
-    PListPacket(char const* name, ReadInterface* reader, Operation reads)
-        : ioPacketType(name), reader_(reader), operation_(reads) {}
+    PListPacket(Type kind, ReadInterface* reader, Operation operation)
+        : ioPacketType(impl::packetNames[kind]), reader_(reader), operation_(operation), kind_(kind) {}
 
     void read(ioClientReadContext& /*client*/) override {
         if (reader_) (reader_->*operation_)();
@@ -34,11 +58,12 @@ public:
         return type && typeid(*type) == typeid(PListPacket) ? static_cast<PListPacket const*>(type) : nullptr;
     }
     [[nodiscard]] bool isFor(ReadInterface const& reader) const { return reader_ == &reader; }
-    [[nodiscard]] Operation operation() const { return operation_; }
+    [[nodiscard]] Type kind() const { return kind_; }
 
 private:
     ReadInterface* reader_;
     Operation operation_;
+    Type kind_;
 };
 
 /// Reads one item with all packets inside it. The containers that wait for their elements lie on a stack of its own,
@@ -53,7 +78,7 @@ public:
     void fill(ur::Reference<Item> container) {
         fills_ = true;
         push(std::move(container));
-        run();
+        reader_.complete(run());
     }
 
 private:
@@ -61,15 +86,17 @@ private:
         ur::Reference<Item> item;
         std::size_t missing;
         std::size_t firstElement;  ///< of an array, among `elements_`
-        CString key;               ///< of a dictionary: what the next item belongs to
+        CString key;               ///< of a dictionary: what the next item belongs to, if `keyIsRead`
+        bool keyIsRead;
     };
 
     ur::Reference<Item> run() {
         for (ur::Reference<Item> item;;) {
+            if (!open_.empty()) readSmallItems();
             if (!open_.empty() && open_.back().missing == 0) {
                 item = finishInnermost();
                 if (open_.empty() && fills_) return item;
-                if (context_.closePacket() == ioReadContext::Ending::plain) continue;
+                if (!close(item)) continue;
             } else if (ioPacketType* const type = context_.openPacket()) {
                 if (!readPacket(*type, item)) continue;
             } else {
@@ -81,6 +108,56 @@ private:
         }
     }
 
+    /// Reads children of the innermost container as long as they are scalars that nothing else refers to: the most
+    /// usual ones, in the fewest steps.
+    void readSmallItems() {
+        Container& innermost = open_.back();
+        if (innermost.item->type() == ArrayType) {
+            readSmallElements(innermost);
+        } else {
+            readSmallEntries(innermost, static_cast<Dictionary&>(*innermost.item).dictionary());
+        }
+    }
+
+    void readSmallElements(Container& array) {
+        for (ur::Reference<Item> item; array.missing > 0 && readSmallItem(item); --array.missing) {
+            elements_.push_back(std::move(item));
+        }
+    }
+
+    void readSmallEntries(Container& dictionary, Dictionary::Map& entries) {
+        while (dictionary.missing > 0 && !dictionary.keyIsRead) {
+            std::string_view const key = context_.readTextValue();
+            ur::Reference<Item> item;
+            if (readSmallItem(item)) {
+                insert(entries, CString(key), std::move(item));
+                --dictionary.missing;
+            } else {
+                dictionary.key = CString(key);
+                dictionary.keyIsRead = true;
+            }
+        }
+    }
+
+    bool readSmallItem(ur::Reference<Item>& item) {
+        PListPacket const* const packet = PListPacket::from(context_.nextPlainPacket());
+        if (!packet || !packet->isFor(reader_)) return false;
+        switch (packet->kind()) {
+            case BoolType: return readSmallItem<Bool, bool>(item);
+            case DoubleType: return readSmallItem<Double, double>(item);
+            case StringType: return readSmallItem<String, std::string_view>(item);
+            default: return false;
+        }
+    }
+
+    template <class Kind, class Value>
+    bool readSmallItem(ur::Reference<Item>& item) {
+        Value value{};
+        if (!context_.readReferredPacket(value)) return false;
+        item = makeItem<Kind>(value);
+        return true;
+    }
+
     /// Reads the packet that was opened, or makes its item the innermost container. True when a reference to it was
     /// read as well, which gives `item`.
     bool readPacket(ioPacketType& type, ur::Reference<Item>& item) {
@@ -90,13 +167,18 @@ private:
             if (referred) item = referenced(context_.referredObject());
             return referred;
         }
-        PListPacket::Operation const operation = packet->operation();
-        if (operation == &ReadInterface::readArrayPacket) return push(ur::make<Array>());
-        if (operation == &ReadInterface::readDictionaryPacket) return push(ur::make<Dictionary>());
-        (reader_.*operation)();
-        if (context_.closePacket() == ioReadContext::Ending::plain) return false;
-        item = reader_.items_.back();
-        return true;
+        switch (packet->kind()) {
+            case ArrayType: push(ur::make<Array>()); return false;
+            case DictionaryType: push(ur::make<Dictionary>()); return false;
+            default: item = scalar(context_, packet->kind());
+        }
+        return close(item);
+    }
+
+    /// Leaves the packet of an item. True when a reference to it was read as well.
+    bool close(ur::Reference<Item> const& item) {
+        if (context_.packetIsNumbered()) reader_.complete(item);
+        return context_.closePacket() == ioReadContext::Ending::referred;
     }
 
     ur::Reference<Item> referenced(void* object) {
@@ -106,18 +188,11 @@ private:
         return nullptr;
     }
 
-    bool push(ur::Reference<Item> container) {
+    void push(ur::Reference<Item> container) {
         int const size = context_.readIntValue();
         if (size < 0) context_.refuse();
-        open_.push_back({std::move(container), static_cast<std::size_t>(std::max(size, 0)), elements_.size(), {}});
-        readKey();
-        return false;
-    }
-
-    void readKey() {
-        Container& innermost = open_.back();
-        if (innermost.missing == 0 || innermost.item->type() != DictionaryType) return;
-        innermost.key.assign(context_.readTextValue());
+        open_.push_back(
+            {std::move(container), static_cast<std::size_t>(std::max(size, 0)), elements_.size(), {}, false});
     }
 
     void add(ur::Reference<Item> item) {
@@ -127,14 +202,15 @@ private:
             elements_.push_back(std::move(item));
         } else {
             insert(static_cast<Dictionary&>(*innermost.item).dictionary(), std::move(innermost.key), std::move(item));
-            readKey();
+            innermost.keyIsRead = false;
         }
     }
 
     /// Writers put keys in ascending order, so the end is the place to try; a repeated key keeps the later value.
     static void insert(Dictionary::Map& entries, CString&& key, ur::Reference<Item> item) {
-        auto const entry = entries.try_emplace(entries.end(), std::move(key));
-        entry->second = std::move(item);
+        std::size_t const before = entries.size();
+        auto const entry = entries.try_emplace(entries.end(), std::move(key), std::move(item));
+        if (entries.size() == before) entry->second = std::move(item);
     }
 
     /// The innermost container, complete. Its elements waited outside until their number was known to be true.
@@ -146,7 +222,6 @@ private:
             elements_.erase(first, elements_.end());
         }
         open_.pop_back();
-        reader_.complete(item);
         return item;
     }
 
@@ -162,8 +237,8 @@ ReadInterface::ReadInterface(ReadInterface const& other) = default;
 ReadInterface::~ReadInterface() = default;
 
 void ReadInterface::registerTypes(ioPacketRegistry& registry, ReadInterface* reader) {
-    auto const add = [&](Type type, PListPacket::Operation operation) {
-        registry.supportedType(std::make_unique<PListPacket>(impl::packetNames[type], reader, operation));
+    auto const add = [&](Type kind, PListPacket::Operation operation) {
+        registry.supportedType(std::make_unique<PListPacket>(kind, reader, operation));
     };
     add(BoolType, &ReadInterface::readBoolPacket);
     add(DoubleType, &ReadInterface::readDoublePacket);
@@ -179,9 +254,9 @@ ur::Reference<Dictionary> ReadInterface::readDictionary() { return asDictionary(
 ur::Reference<Double> ReadInterface::readDouble() { return asDouble(readItem()); }
 ur::Reference<String> ReadInterface::readString() { return asString(readItem()); }
 
-void ReadInterface::readBoolPacket() { complete(ur::make<Bool>(context().readBoolValue())); }
-void ReadInterface::readDoublePacket() { complete(ur::make<Double>(context().readDoubleValue())); }
-void ReadInterface::readStringPacket() { complete(ur::make<String>(CString(context().readTextValue()))); }
+void ReadInterface::readBoolPacket() { complete(scalar(context(), BoolType)); }
+void ReadInterface::readDoublePacket() { complete(scalar(context(), DoubleType)); }
+void ReadInterface::readStringPacket() { complete(scalar(context(), StringType)); }
 void ReadInterface::readArrayPacket() { PacketWalk(*this).fill(ur::make<Array>()); }
 void ReadInterface::readDictionaryPacket() { PacketWalk(*this).fill(ur::make<Dictionary>()); }
 

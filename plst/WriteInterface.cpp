@@ -9,129 +9,129 @@
 #include "plst/impl/packetNames.h"
 
 namespace nxPLST {
-namespace {
 
 /// Writes an item's packet with all packets inside it. The containers that are being written lie on a stack of its
 /// own, so that the depth of a tree does not matter.
-class PacketWalk {
+class WriteInterface::PacketWalk {
 public:
-    explicit PacketWalk(ioWriteContext& context) : context_(context), hadObjects_(context.hasObjects()) {
+    PacketWalk(ioWriteContext& context, Sharing sharing) : context_(context), sharing_(sharing) {
         types_.fill(ioPacketTypeId::none);
     }
 
+    /// Requires: the root's packet has not been written.
     void write(Item const& root) {
-        begin(root, Known::perhaps);
+        begin(root, &root);
         while (!open_.empty() && context_.getStatus() == 0) {
-            Container& innermost = open_.back();
-            if (innermost.missing > 0) {
-                writeChild(next(innermost));
-            } else {
-                endInnermost();
-            }
+            bool const isComplete = open_.back().item->type() == ArrayType ? writeElements() : writeEntries();
+            if (!isComplete) continue;
+            open_.pop_back();
+            if (!open_.empty()) context_.endReferredPacket();
         }
+        context_.endPacket();
     }
 
 private:
-    enum class Known { perhaps, no };
     struct Container {
         Item const* item;
-        std::size_t missing;
+        std::size_t written;                    ///< of an array's elements
         Dictionary::Map::const_iterator entry;  ///< of a dictionary: what comes next
     };
+    enum class Written { complete, opened };
 
-    /// Whether the file may hold the item's packet already. An item with one holder has been met nowhere else, unless
-    /// somebody wrote it by itself before.
-    [[nodiscard]] Known known(Item const& item) const {
-        return item.referenceCount() > 1 || hadObjects_ ? Known::perhaps : Known::no;
-    }
-
-    Item const* next(Container& container) {
-        if (container.item->type() == ArrayType) {
-            auto const& children = static_cast<Array const*>(container.item)->array();
-            return children[children.size() - container.missing--].get();
+    // Both write children of the innermost container, up to one that has children itself. True after the last one.
+    bool writeElements() {
+        Container& innermost = open_.back();
+        auto const& elements = static_cast<Array const*>(innermost.item)->array();
+        while (innermost.written < elements.size()) {
+            if (writeChild(elements[innermost.written++].get()) == Written::opened) return false;
         }
-        auto const& [key, child] = *container.entry++;
-        --container.missing;
-        context_.writeTextValue(key);
-        return child.get();
+        return true;
     }
 
-    void writeChild(Item const* child) {
-        if (!child) return context_.writeReference(nullptr, 0);
-        Known const before = known(*child);
-        if (before == Known::perhaps && context_.isReferenceDefined(child)) return context_.writeReference(child, 0);
-        if (begin(*child, before) == Begun::container) return;
-        context_.writeReference(child, 0);
+    bool writeEntries() {
+        Container& innermost = open_.back();
+        auto const end = static_cast<Dictionary const*>(innermost.item)->dictionary().end();
+        while (innermost.entry != end) {
+            auto const& [key, child] = *innermost.entry;
+            ++innermost.entry;
+            context_.writeNameValue(key);
+            if (writeChild(child.get()) == Written::opened) return false;
+        }
+        return true;
     }
 
-    enum class Begun { container, complete };
+    /// `opened` when the child has become the innermost container.
+    Written writeChild(Item const* child) {
+        if (child && child->referenceCount() == 1 && sharing_ == Sharing::withinTree) return writeUnshared(*child);
+        if (child && !context_.isReferenceDefined(child)) {
+            if (!begin(*child, child)) return Written::opened;
+            context_.endReferredPacket();
+        } else {
+            context_.writeReference(child, 0);
+        }
+        return Written::complete;
+    }
 
-    Begun begin(Item const& item, Known known) {
+    Written writeUnshared(Item const& item) {
+        auto const write = [&](auto value) { context_.writeReferredPacket(typeOf(item), value); };
+        if (visitScalar(item, write)) return Written::complete;
+        begin(item, nullptr);
+        return Written::opened;
+    }
+
+    /// Begins the packet and writes the payload, of a container only its size. True when the payload is complete.
+    bool begin(Item const& item, void const* object) {
+        auto const start = [&](auto value) {
+            context_.startPacket(typeOf(item), object);
+            context_.writeValue(value);
+        };
+        if (visitScalar(item, start)) return true;
+        if (item.type() == ArrayType) {
+            auto const size = static_cast<Array const&>(item).array().size();
+            start(static_cast<int>(size));
+            open_.push_back({&item, 0, {}});
+        } else if (item.type() == DictionaryType) {
+            auto const& entries = static_cast<Dictionary const&>(item).dictionary();
+            start(static_cast<int>(entries.size()));
+            open_.push_back({&item, 0, entries.begin()});
+        }
+        return false;
+    }
+
+    /// False when the item has children, or is of no kind that can be written.
+    template <class Visit>
+    static bool visitScalar(Item const& item, Visit visit) {
         switch (item.type()) {
-            case BoolType:
-                start(item, known);
-                context_.writeBoolValue(static_cast<Bool const&>(item).value());
-                break;
-            case DoubleType:
-                start(item, known);
-                context_.writeDoubleValue(static_cast<Double const&>(item).value());
-                break;
-            case StringType:
-                start(item, known);
-                context_.writeTextValue(static_cast<String const&>(item).value());
-                break;
-            case ArrayType:
-                start(item, known);
-                open(item, static_cast<Array const&>(item).array().size(), {});
-                return Begun::container;
-            case DictionaryType: {
-                start(item, known);
-                auto const& entries = static_cast<Dictionary const&>(item).dictionary();
-                open(item, entries.size(), entries.begin());
-                return Begun::container;
-            }
-            default: return Begun::complete;
+            case BoolType: visit(static_cast<Bool const&>(item).value()); return true;
+            case DoubleType: visit(static_cast<Double const&>(item).value()); return true;
+            case StringType: visit(static_cast<String const&>(item).value().view()); return true;
+            default: return false;
         }
-        context_.endPacket();
-        return Begun::complete;
     }
 
-    void start(Item const& item, Known known) {
+    ioPacketTypeId typeOf(Item const& item) {
         ioPacketTypeId& type = types_[static_cast<std::size_t>(item.type())];
         if (type == ioPacketTypeId::none) type = context_.typeId(impl::packetNames[item.type()]);
-        if (known == Known::no) {
-            context_.startNewPacket(type, &item);
-        } else {
-            context_.startPacket(type, &item);
-        }
-    }
-
-    void open(Item const& item, std::size_t size, Dictionary::Map::const_iterator entry) {
-        context_.writeIntValue(static_cast<int>(size));
-        open_.push_back({&item, size, entry});
-    }
-
-    void endInnermost() {
-        Item const* const item = open_.back().item;
-        open_.pop_back();
-        context_.endPacket();
-        if (!open_.empty()) context_.writeReference(item, 0);
+        return type;
     }
 
     ioWriteContext& context_;
-    bool hadObjects_;
+    Sharing sharing_;
     std::array<ioPacketTypeId, impl::packetNames.size()> types_;
     std::vector<Container> open_;
 };
 
-}  // namespace
-
-void WriteInterface::writeItem(ur::Reference<Item const> item) {
-    if (item && !context().isReferenceDefined(item.get())) writeItemPacket(item.get());
-    context().writeReference(item.get(), 0);
+void WriteInterface::writeItem(ur::Reference<Item const> item) { writeReferenceTo(item.get(), Sharing::withAnything); }
+void WriteInterface::writeSeparateTree(ur::Reference<Item const> root) {
+    writeReferenceTo(root.get(), Sharing::withinTree);
 }
 
-void WriteInterface::writeItemPacket(Item const* item) { PacketWalk(context()).write(*item); }
+void WriteInterface::writeReferenceTo(Item const* item, Sharing sharing) {
+    if (item && !context().isReferenceDefined(item)) writeItemPacket(item, sharing);
+    context().writeReference(item, 0);
+}
+
+void WriteInterface::writeItemPacket(Item const* item, Sharing sharing) { PacketWalk(context(), sharing).write(*item); }
 
 void WriteInterface::writeArray(ur::Reference<Array const> item) { writeItem(std::move(item)); }
 void WriteInterface::writeBool(ur::Reference<Bool const> item) { writeItem(std::move(item)); }

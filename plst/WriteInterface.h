@@ -27,8 +27,17 @@ public:
     void writeDouble(ur::Reference<Double const> item);
     void writeString(ur::Reference<String const> item);
 
+    /// The same in less time and space, for a tree that shares no item with what else is written: items with one holder
+    /// are then not remembered, and `isReferenceDefined` does not know them.
+    void writeSeparateTree(ur::Reference<Item const> root);
+
 private:
-    void writeItemPacket(Item const* item);
+    class PacketWalk;
+    /// What items of a tree may be referred to from.
+    enum class Sharing { withAnything, withinTree };
+
+    void writeReferenceTo(Item const* item, Sharing sharing);
+    void writeItemPacket(Item const* item, Sharing sharing);
 };
 
 }  // namespace nxPLST

@@ -30,7 +30,7 @@ public:
         context().startFile();
         if (item_) {
             context().startPacket(impl::rootPacketName, nullptr);
-            items_.writeItem(item_);
+            items_.writeSeparateTree(item_);
             context().endPacket();
         }
         context().endFile();

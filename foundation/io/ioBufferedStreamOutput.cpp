@@ -1,8 +1,6 @@
 // The buffer between a write context and a byte stream.
 #include "foundation/io/ioBufferedStreamOutput.h"
 
-#include <cstring>
-
 namespace {
 
 constexpr std::size_t bufferBytes = 64 * 1024;
@@ -43,9 +41,8 @@ void ioBufferedStreamOutput::pass() {
     cursor_ = buffer_.get();
 }
 
-void ioBufferedStreamOutput::write(std::string_view bytes) {
-    if (bytes.size() > static_cast<std::size_t>(end_ - cursor_)) pass();
+void ioBufferedStreamOutput::writeAcross(std::string_view bytes) {
+    pass();
     if (bytes.size() > bufferBytes) return send(bytes);
-    std::memcpy(cursor_, bytes.data(), bytes.size());
-    cursor_ += bytes.size();
+    write(bytes);
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string_view>
 
@@ -27,19 +28,17 @@ public:
     urUtil::Error flush();
     [[nodiscard]] urUtil::Error const& error() const noexcept { return error_; }
 
-    /// Room for the next `bytes` bytes, at most a hundred; `advance` says how many were put there.
+    /// Room for the next `bytes` bytes, at most a hundred; `moveTo` says where those put there end.
     /// Requires: open.
     [[nodiscard]] char* room(std::size_t bytes) {
         if (static_cast<std::size_t>(end_ - cursor_) < bytes) pass();
         return cursor_;
     }
-    void advance(std::size_t bytes) noexcept { cursor_ += bytes; }
-    void write(std::string_view bytes);
-    /// Changes the byte written last; false when it has been handed down already.
-    bool amend(char byte) noexcept {
-        if (cursor_ == buffer_.get()) return false;
-        cursor_[-1] = byte;
-        return true;
+    void moveTo(char* end) noexcept { cursor_ = end; }
+    void write(std::string_view bytes) {
+        if (bytes.size() > static_cast<std::size_t>(end_ - cursor_)) return writeAcross(bytes);
+        std::memcpy(cursor_, bytes.data(), bytes.size());
+        cursor_ += bytes.size();
     }
     /// The number of bytes since opening.
     [[nodiscard]] std::uint64_t position() const noexcept {
@@ -48,6 +47,7 @@ public:
 
 private:
     void pass();
+    void writeAcross(std::string_view bytes);
     void send(std::string_view bytes);
 
     urOS::IOStream* stream_ = nullptr;

@@ -20,9 +20,10 @@ enum Kind : unsigned char {
     integer = 1,       ///< a zigzag-coded 32-bit integer
     wholeDouble = 2,   ///< a double with the value of such an integer
     text = 3,          ///< that many bytes follow
-    objectPacket = 4,  ///< begins a packet of that type, with an object of its own
-    plainPacket = 5,   ///< begins a packet of that type without an object
+    objectPacket = 4,  ///< begins a packet of that type, whose object later references may name
+    plainPacket = 5,   ///< begins a packet of that type; only its own end may refer to its object, if it has one
     reference = 6,     ///< 0 = null, otherwise how many objects back, the one begun last being 1
+    name = 7,  ///< 0 = a text follows that takes the next place, otherwise the text in that place, counted from 1
 };
 
 enum Mark : unsigned char {

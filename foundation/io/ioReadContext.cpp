@@ -139,7 +139,9 @@ double ioReadContext::otherDoubleValue() {
 
 std::string_view ioReadContext::otherTextValue() {
     std::uint64_t size = 0;
-    if (!comeToValue() || !readNumber(ioFormat::text, size)) return {};
+    if (!comeToValue()) return {};
+    if (ioFormat::kindOf(nextByte()) == ioFormat::name) return readName();
+    if (!readNumber(ioFormat::text, size)) return {};
     if (size > ioBufferedStreamInput::bufferBytes) return takeLongText(size);
     return need(size) ? takeText(size) : std::string_view();
 }
@@ -154,6 +156,20 @@ std::string_view ioReadContext::takeLongText(std::uint64_t size) {
         text_.append(piece);
     }
     return text_;
+}
+
+std::string_view ioReadContext::readName() {
+    std::uint64_t number = 0;
+    if (!readNumber(ioFormat::name, number)) return {};
+    if (number > 0 && names_.knows(number - 1)) return names_.at(number - 1);
+    if (number > 0) fail(ioStatus::malformed);
+    std::uint64_t size = 0;
+    if (!ok() || !readNumber(ioFormat::text, size)) return {};
+    if (size > ioNameTable::longestName) fail(ioStatus::malformed);
+    if (!ok() || !need(size)) return {};
+    std::string_view const text = takeText(size);
+    if (!ok()) return {};
+    return names_.at(names_.remember(text));
 }
 
 char const* ioReadContext::readStringValue() {
@@ -173,7 +189,7 @@ void* ioReadContext::otherReference() {
     return ok() ? use(objects_[objects_.size() - distance]) : nullptr;
 }
 
-void* ioReadContext::referredObject() { return use(objects_[closedObject_]); }
+void* ioReadContext::referredObject() { return use(closed_); }
 
 // Packets --------------------------------------------------------------------------------------------------------
 
@@ -221,9 +237,8 @@ ioReadContext::Ending ioReadContext::readPacket(ioPacketType& type) {
     Nesting const nesting(readDepth_);
     type.read(*client_);
     if (type.hasUnresolvedPointer()) fail(ioStatus::unresolvedReference);
-    Ending const ending = ok() ? closePacket() : Ending::plain;
-    if (ok() && closedObject_ != noObject && type.memoryNotReferenced()) objects_[closedObject_].address = nullptr;
-    return ending;
+    if (ok() && type.memoryNotReferenced()) definePacketObject(nullptr);
+    return ok() ? closePacket() : Ending::plain;
 }
 
 ioReadContext::Ending ioReadContext::passOver() {
@@ -246,6 +261,8 @@ ioReadContext::Ending ioReadContext::passOverToken() {
     std::uint64_t number = 0;
     if (kind == ioFormat::text) {
         passOverText();
+    } else if (kind == ioFormat::name) {
+        static_cast<void>(readName());
     } else if (kind == ioFormat::integer || kind == ioFormat::wholeDouble || kind == ioFormat::reference) {
         static_cast<void>(readNumber(kind, number));
     } else {

@@ -13,6 +13,7 @@
 
 #include "foundation/io/ioBufferedStreamInput.h"
 #include "foundation/io/ioFormat.h"
+#include "foundation/io/ioNameTable.h"
 #include "foundation/io/ioPacketType.h"
 #include "foundation/io/ioStatus.h"
 #include "foundation/ur/Export.h"
@@ -56,8 +57,10 @@ public:
     [[nodiscard]] void* readReference(int flag);
     /// The type of the packet that defined what `readReference` gave last.
     [[nodiscard]] ioPacketType const* referencedType() const noexcept { return referencedType_; }
-    /// Says which object the innermost packet has produced.
+    /// Says which object the innermost packet has produced. It stays in place as long as something may refer to it:
+    /// until the file ends if `packetIsNumbered`, otherwise until the packet's end.
     void definePacketObject(void* object) noexcept;
+    [[nodiscard]] bool packetIsNumbered() const noexcept { return !open_.empty() && open_.back().number != noNumber; }
     /// Ends the reading as malformed: for packet types whose values do not make sense together.
     void refuse() noexcept { fail(ioStatus::malformed); }
 
@@ -73,13 +76,27 @@ public:
     /// The object of the packet that was closed as `referred`; null, and a fault, if it defined none.
     [[nodiscard]] void* referredObject();
 
+    // The same at once for small packets that lie whole in the buffer. Where the bytes are not of that kind nothing is
+    // read, and the steps above tell why.
+    /// The type of the packet without a number that comes next; null when something else does or nobody reads it.
+    [[nodiscard]] ioPacketType* nextPlainPacket() const noexcept;
+    /// Reads the packet that `nextPlainPacket` tells of, if it consists of one value and the end that is a reference.
+    [[nodiscard]] bool readReferredPacket(bool& value) noexcept;
+    [[nodiscard]] bool readReferredPacket(double& value) noexcept;
+    /// Valid until the next call of this context.
+    [[nodiscard]] bool readReferredPacket(std::string_view& value) noexcept;
+
 private:
     friend NX_API std::unique_ptr<ioReadContext> ioReadContextAlloc(ioBufferedStreamInput&, ioPacketRegistry&);
 
-    static constexpr std::size_t noObject = std::numeric_limits<std::size_t>::max();
+    static constexpr std::size_t noNumber = std::numeric_limits<std::size_t>::max();
     struct Object {
         void* address;  ///< null until its packet defines it
         ioPacketType const* type;
+    };
+    struct OpenPacket {
+        Object object;
+        std::size_t number;  ///< among `objects_`, or `noNumber`
     };
 
     ioReadContext(ioBufferedStreamInput& input, ioPacketRegistry& registry) : input_(input), registry_(registry) {}
@@ -106,9 +123,12 @@ private:
     [[nodiscard]] bool readNumber(ioFormat::Kind kind, std::uint64_t& number);
     [[nodiscard]] bool readRest(std::uint64_t& number);
     [[nodiscard]] std::int32_t readZigzag(ioFormat::Kind kind);
+    [[nodiscard]] static double doubleAt(char const* bytes) noexcept;
     [[nodiscard]] double takeDouble() noexcept;
+    [[nodiscard]] bool takeReferredEnd(char const* end) noexcept;
     [[nodiscard]] std::string_view takeText(std::size_t size);
     [[nodiscard]] std::string_view takeLongText(std::uint64_t size);
+    [[nodiscard]] std::string_view readName();
     [[nodiscard]] void* use(Object const& object) noexcept;
 
     [[nodiscard]] bool packetIsNext();
@@ -127,12 +147,13 @@ private:
     ioStatus status_ = ioStatus::ok;
     std::uint64_t statusPosition_ = 0;
     int readDepth_ = 0;
-    std::vector<std::size_t> open_;     ///< the open packets' objects, `noObject` where there is none
+    std::vector<OpenPacket> open_;
     std::vector<ioPacketType*> types_;  ///< by number; null where there is no reader
     std::vector<Object> objects_;       ///< in the order in which their packets began
-    std::size_t closedObject_ = noObject;
+    Object closed_{};                   ///< what the packet closed last defined
     ioPacketType const* referencedType_ = nullptr;
     std::string text_;
+    ioNameTable names_;
 };
 
 /// A context that reads from `input`; null when that is not open. Input and registry outlive it.
@@ -159,18 +180,28 @@ inline double ioReadContext::readDoubleValue() {
     return takeDouble();
 }
 
-inline double ioReadContext::takeDouble() noexcept {
+inline double ioReadContext::doubleAt(char const* bytes) noexcept {
     std::uint64_t bits = 0;
-    std::memcpy(&bits, input_.next() + 1, sizeof(bits));
-    input_.advance(1 + sizeof(bits));
+    std::memcpy(&bits, bytes, sizeof(bits));
     if constexpr (std::endian::native == std::endian::big) bits = __builtin_bswap64(bits);
     return std::bit_cast<double>(bits);
+}
+
+inline double ioReadContext::takeDouble() noexcept {
+    double const value = doubleAt(input_.next() + 1);
+    input_.advance(1 + sizeof(value));
+    return value;
 }
 
 inline std::string_view ioReadContext::readTextValue() {
     if (!input_.ensure(1)) return otherTextValue();
     unsigned char const token = nextByte();
     std::size_t const size = ioFormat::numberOf(token);
+    if (ioFormat::kindOf(token) == ioFormat::name && size != 0 && names_.knows(size - 1)) {
+        if (size == ioFormat::longNumber) return otherTextValue();
+        input_.advance(1);
+        return names_.at(size - 1);
+    }
     bool const isShort = ioFormat::kindOf(token) == ioFormat::text && size != ioFormat::longNumber;
     if (!isShort || !input_.ensure(1 + size)) return otherTextValue();
     input_.advance(1);
@@ -202,14 +233,17 @@ inline void* ioReadContext::readReference(int /*flag*/) {
 }
 
 inline void ioReadContext::definePacketObject(void* object) noexcept {
-    if (!open_.empty() && open_.back() != noObject) objects_[open_.back()].address = object;
+    if (open_.empty()) return;
+    OpenPacket& packet = open_.back();
+    packet.object.address = object;
+    if (packet.number != noNumber) objects_[packet.number].address = object;
 }
 
 inline ioPacketType* ioReadContext::enter(std::size_t number, ioFormat::Kind kind) {
     ioPacketType* const type = types_[number];
-    bool const hasObject = kind == ioFormat::objectPacket;
-    open_.push_back(hasObject ? objects_.size() : noObject);
-    if (hasObject) objects_.push_back({nullptr, type});
+    bool const isNumbered = kind == ioFormat::objectPacket;
+    open_.push_back({{nullptr, type}, isNumbered ? objects_.size() : noNumber});
+    if (isNumbered) objects_.push_back({nullptr, type});
     return type;
 }
 
@@ -228,16 +262,68 @@ inline ioPacketType* ioReadContext::openPacket() {
 
 inline ioReadContext::Ending ioReadContext::leave(unsigned char end) noexcept {
     input_.advance(1);
-    closedObject_ = open_.back();
+    closed_ = open_.back().object;
     open_.pop_back();
     if (end == ioFormat::endMark) return Ending::plain;
-    if (closedObject_ != noObject && !open_.empty()) return Ending::referred;
-    fail(ioStatus::malformed);
-    return Ending::plain;
+    if (open_.empty()) fail(ioStatus::malformed);
+    return open_.empty() ? Ending::plain : Ending::referred;
 }
 
 inline ioReadContext::Ending ioReadContext::closePacket() {
     if (!input_.ensure(1)) return passOver();
     unsigned char const token = nextByte();
     return token == ioFormat::endMark || token == ioFormat::referredEndMark ? leave(token) : passOver();
+}
+
+inline ioPacketType* ioReadContext::nextPlainPacket() const noexcept {
+    if (input_.available() == 0) return nullptr;
+    unsigned const number = nextByte() - unsigned{ioFormat::token(ioFormat::plainPacket, 0)};
+    return number < ioFormat::longNumber && number < types_.size() ? types_[number] : nullptr;
+}
+
+inline bool ioReadContext::takeReferredEnd(char const* end) noexcept {
+    if (static_cast<unsigned char>(*end) != ioFormat::referredEndMark) return false;
+    input_.advance(static_cast<std::size_t>(end + 1 - input_.next()));
+    return true;
+}
+
+inline bool ioReadContext::readReferredPacket(bool& value) noexcept {
+    char const* const bytes = input_.next();
+    if (input_.available() < 3 || static_cast<unsigned char>(bytes[1]) > ioFormat::trueMark) return false;
+    value = bytes[1] == ioFormat::trueMark;
+    return takeReferredEnd(bytes + 2);
+}
+
+inline bool ioReadContext::readReferredPacket(double& value) noexcept {
+    if (input_.available() < 2 + ioFormat::longestToken) return false;
+    char const* bytes = input_.next() + 1;
+    auto const token = static_cast<unsigned char>(*bytes++);
+    if (token == ioFormat::doubleMark) {
+        value = doubleAt(bytes);
+        return takeReferredEnd(bytes + sizeof(value));
+    }
+    if (ioFormat::kindOf(token) != ioFormat::wholeDouble) return false;
+    std::uint64_t number = ioFormat::numberOf(token);
+    if (number == ioFormat::longNumber) {
+        // Five groups of seven bits hold every number that can stand here.
+        for (unsigned shift = 0; shift < 35; shift += 7) {
+            auto const group = static_cast<unsigned char>(*bytes++);
+            number += std::uint64_t{group & 0x7FU} << shift;
+            if (group < 0x80) break;
+        }
+        if (number > std::numeric_limits<std::uint32_t>::max()) return false;
+    }
+    value = ioFormat::unzigzag(static_cast<std::uint32_t>(number));
+    return takeReferredEnd(bytes);
+}
+
+inline bool ioReadContext::readReferredPacket(std::string_view& value) noexcept {
+    if (input_.available() < 3) return false;
+    char const* const bytes = input_.next() + 1;
+    auto const token = static_cast<unsigned char>(*bytes);
+    std::size_t const size = ioFormat::numberOf(token);
+    bool const isShort = ioFormat::kindOf(token) == ioFormat::text && size != ioFormat::longNumber;
+    if (!isShort || input_.available() < 3 + size) return false;
+    value = std::string_view(bytes + 1, size);
+    return value.find('\0') == std::string_view::npos && takeReferredEnd(bytes + 1 + size);
 }

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "foundation/io/impl/NameIndex.h"
 #include "foundation/io/impl/ObjectIndex.h"
 #include "foundation/io/ioPacketRegistry.h"
 
@@ -19,7 +20,10 @@ std::unique_ptr<ioWriteContext> ioWriteContextAlloc(ioBufferedStreamOutput& outp
 }
 
 ioWriteContext::ioWriteContext(ioBufferedStreamOutput& output, ioPacketRegistry& registry)
-    : output_(output), registry_(registry), index_(std::make_unique<ioImpl::ObjectIndex>()) {}
+    : output_(output),
+      registry_(registry),
+      index_(std::make_unique<ioImpl::ObjectIndex>()),
+      names_(std::make_unique<ioImpl::NameIndex>()) {}
 ioWriteContext::~ioWriteContext() = default;
 
 void ioWriteContext::fail(ioStatus status) noexcept {
@@ -28,33 +32,25 @@ void ioWriteContext::fail(ioStatus status) noexcept {
     takesValues_ = false;
 }
 
-int ioWriteContext::getStatus() const noexcept {
-    bool const lost = status_ == ioStatus::ok && output_.error().isError();
-    return static_cast<int>(lost ? ioStatus::streamFailed : status_);
-}
-
 void ioWriteContext::startFile() {
     if (phase_ != Phase::before) return fail(ioStatus::misuse);
     phase_ = Phase::writing;
     registry_.registerTypes();
     output_.write(ioFormat::fileMark);
-    *output_.room(1) = static_cast<char>(ioFormat::version);
-    output_.advance(1);
+    output_.write(std::string_view(reinterpret_cast<char const*>(&ioFormat::version), 1));
 }
 
 void ioWriteContext::endFile() {
     if (phase_ != Phase::writing || !open_.empty()) return fail(ioStatus::misuse);
-    putMark(ioFormat::endOfFileMark);
+    output_.moveTo(putMark(output_.room(1), ioFormat::endOfFileMark));
     phase_ = Phase::after;
 }
 
-void ioWriteContext::putLongToken(ioFormat::Kind kind, std::uint64_t number) {
-    char* const start = output_.room(ioFormat::longestToken);
-    char* to = start;
+char* ioWriteContext::putLongToken(char* to, ioFormat::Kind kind, std::uint64_t number) noexcept {
     *to++ = static_cast<char>(ioFormat::token(kind, ioFormat::longNumber));
     for (number -= ioFormat::longNumber; number >= 0x80; number >>= 7) *to++ = static_cast<char>(number | 0x80);
     *to++ = static_cast<char>(number);
-    output_.advance(static_cast<std::size_t>(to - start));
+    return to;
 }
 
 ioPacketTypeId ioWriteContext::typeId(std::string_view typeName) {
@@ -64,17 +60,17 @@ ioPacketTypeId ioWriteContext::typeId(std::string_view typeName) {
         fail(ioStatus::unknownType);
         return ioPacketTypeId::none;
     }
-    auto const id = static_cast<ioPacketTypeId>(types_.size());
-    types_.push_back({std::string(typeName), -1});
+    auto const id = static_cast<ioPacketTypeId>(numbers_.size());
+    numbers_.push_back(-1);
     idOfName_.emplace(typeName, id);
     return id;
 }
 
-void ioWriteContext::nameType(Type& type) {
-    type.number = static_cast<int>(std::ranges::count_if(types_, [](Type const& other) { return other.number >= 0; }));
-    putMark(ioFormat::typeMark);
-    putToken(ioFormat::text, type.name.size());
-    output_.write(type.name);
+void ioWriteContext::nameType(ioPacketTypeId type) {
+    numbers_[static_cast<std::size_t>(type)] = namedTypes_++;
+    auto const named = std::ranges::find(idOfName_, type, [](auto const& entry) { return entry.second; });
+    char* const to = putMark(output_.room(2 * ioFormat::longestToken), ioFormat::typeMark);
+    output_.moveTo(putValue(to, std::string_view(named->first)));
 }
 
 void ioWriteContext::startPacket(char const* typeName, void const* object) {
@@ -101,10 +97,22 @@ bool ioWriteContext::isReferenceDefined(void const* object) const {
     return position != ioImpl::ObjectIndex::none && !isOpen(position);
 }
 
-void ioWriteContext::writeOtherReference(void const* object) {
+void ioWriteContext::writeReference(void const* object, int /*flag*/) {
     if (!takesValues_) return fail(ioStatus::misuse);
-    if (!object) return putToken(ioFormat::reference, 0);
-    std::size_t const position = positionOf(object);
+    std::size_t const position = object ? positionOf(object) : objects_.size();
     if (position == ioImpl::ObjectIndex::none || isOpen(position)) return fail(ioStatus::unresolvedReference);
-    putToken(ioFormat::reference, objects_.size() - position);
+    output_.moveTo(putToken(output_.room(ioFormat::longestToken), ioFormat::reference, objects_.size() - position));
+}
+
+void ioWriteContext::writeNameValue(std::string_view value) {
+    if (!takesValues_) return fail(ioStatus::misuse);
+    char* to = output_.room(2 * ioFormat::longestToken);
+    std::size_t const place = names_->find(value);
+    if (place != ioImpl::NameIndex::none) return output_.moveTo(putToken(to, ioFormat::name, place + 1));
+    value = value.substr(0, value.find('\0'));
+    if (value.size() <= ioNameTable::longestName) {
+        names_->remember(value);
+        to = putToken(to, ioFormat::name, 0);
+    }
+    output_.moveTo(putValue(to, value));
 }

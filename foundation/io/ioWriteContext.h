@@ -20,8 +20,9 @@
 class ioPacketRegistry;
 
 namespace ioImpl {
+class NameIndex;
 class ObjectIndex;
-}
+}  // namespace ioImpl
 
 /// Names a packet type to one context.
 enum class ioPacketTypeId : int { none = -1 };
@@ -42,10 +43,13 @@ public:
     /// The end mark. Requires: no open packet.
     void endFile();
     /// One of `ioStatus`.
-    [[nodiscard]] int getStatus() const noexcept;
+    [[nodiscard]] int getStatus() const noexcept {
+        bool const lost = status_ == ioStatus::ok && output_.error().isError();
+        return static_cast<int>(lost ? ioStatus::streamFailed : status_);
+    }
 
-    /// Begins a packet inside the innermost open one, if any. `object` is what it defines, or null; an object has one
-    /// packet in a file.
+    /// Begins a packet inside the innermost open one, if any. `object` is what it defines; an object has one packet in
+    /// a file. Null when no reference will be written to what the packet defines, but for `endReferredPacket`.
     void startPacket(char const* typeName, void const* object);
     void endPacket();
 
@@ -57,28 +61,32 @@ public:
     void writeStringValue(char const* value) { writeTextValue(value); }
     /// Up to the first NUL.
     void writeTextValue(std::string_view value);
+    /// The same for a text that is likely to come again, such as a key: if it is short, it costs a byte or two then.
+    void writeNameValue(std::string_view value);
     /// Null, or an object whose packet is complete. `flag` is 0; other values are reserved.
     void writeReference(void const* object, int flag);
     /// Whether the object's packet is complete.
     [[nodiscard]] bool isReferenceDefined(void const* object) const;
 
-    // For writers of many packets: the same without a search by name, and without one for the object.
-    /// `none`, and a fault, when the registry does not support the type.
+    // For writers of many packets: the same in fewer steps.
+    /// Saves the search by name. `none`, and a fault, when the registry does not support the type.
     [[nodiscard]] ioPacketTypeId typeId(std::string_view typeName);
     void startPacket(ioPacketTypeId type, void const* object);
-    /// Requires: no packet of `object` was begun before.
+    /// Saves the search for the object. Requires: no packet of `object` was begun before.
     void startNewPacket(ioPacketTypeId type, void const* object);
-    /// Whether any packet with an object was begun.
-    [[nodiscard]] bool hasObjects() const noexcept { return !objects_.empty(); }
+    /// The value as its type has it: bool, int, double or `std::string_view`.
+    template <class Value>
+    void writeValue(Value value);
+    /// Ends the packet and refers to its object from the packet around it.
+    void endReferredPacket();
+    /// A packet without an object of its own that holds one value, and the reference to what it defines.
+    template <class Value>
+    void writeReferredPacket(ioPacketTypeId type, Value value);
 
 private:
     friend NX_API std::unique_ptr<ioWriteContext> ioWriteContextAlloc(ioBufferedStreamOutput&, int, ioPacketRegistry&);
 
     enum class Phase { before, writing, after };
-    struct Type {
-        std::string name;
-        int number;  ///< in the file; negative until the file has named it
-    };
     struct OpenPacket {
         std::size_t firstObject;  ///< of those begun since the packet began, its own included
         bool hasObject;
@@ -87,14 +95,22 @@ private:
     ioWriteContext(ioBufferedStreamOutput& output, ioPacketRegistry& registry);
 
     void fail(ioStatus status) noexcept;
-    void putMark(ioFormat::Mark mark);
-    void putToken(ioFormat::Kind kind, std::uint64_t number);
-    void putLongToken(ioFormat::Kind kind, std::uint64_t number);
-    void putDouble(double value);
-    void nameType(Type& type);
-    void writeOtherReference(void const* object);
+    [[nodiscard]] bool mayStart(ioPacketTypeId type);
+    [[nodiscard]] unsigned numberOf(ioPacketTypeId type);
+    void nameType(ioPacketTypeId type);
+    void end(ioFormat::Mark mark);
     [[nodiscard]] std::size_t positionOf(void const* object) const;
     [[nodiscard]] bool isOpen(std::size_t position) const noexcept;
+
+    // Each puts bytes at `to`, where there is room for them, and gives the place behind.
+    static char* putToken(char* to, ioFormat::Kind kind, std::uint64_t number) noexcept;
+    static char* putLongToken(char* to, ioFormat::Kind kind, std::uint64_t number) noexcept;
+    static char* putMark(char* to, ioFormat::Mark mark) noexcept { return putToken(to, ioFormat::mark, mark); }
+    static char* putValue(char* to, bool value) noexcept;
+    static char* putValue(char* to, int value) noexcept;
+    static char* putValue(char* to, double value) noexcept;
+    // Texts need no more room than the longest token has.
+    char* putValue(char* to, std::string_view value);
 
     ioBufferedStreamOutput& output_;
     ioPacketRegistry& registry_;
@@ -102,12 +118,12 @@ private:
     Phase phase_ = Phase::before;
     bool takesValues_ = false;  ///< a packet is open and nothing has failed
     std::vector<OpenPacket> open_;
-    std::vector<Type> types_;
     std::map<std::string, ioPacketTypeId, std::less<>> idOfName_;
+    std::vector<int> numbers_;  ///< of types in the file, by `ioPacketTypeId`; negative until the file has named them
+    int namedTypes_ = 0;
     std::vector<void const*> objects_;  ///< in the order in which their packets began
     std::unique_ptr<ioImpl::ObjectIndex> index_;
-    void const* ended_ = nullptr;  ///< the object of the packet that ended at `endedAt_`
-    std::uint64_t endedAt_ = 0;
+    std::unique_ptr<ioImpl::NameIndex> names_;
 };
 
 /// A context that writes to `output` by method 1, the only one there is; null when `output` is not open or the
@@ -115,77 +131,96 @@ private:
 NX_API std::unique_ptr<ioWriteContext> ioWriteContextAlloc(ioBufferedStreamOutput& output, int method,
                                                            ioPacketRegistry& registry);
 
-inline void ioWriteContext::putToken(ioFormat::Kind kind, std::uint64_t number) {
-    if (number >= ioFormat::longNumber) return putLongToken(kind, number);
-    *output_.room(1) = static_cast<char>(ioFormat::token(kind, static_cast<unsigned>(number)));
-    output_.advance(1);
+inline char* ioWriteContext::putToken(char* to, ioFormat::Kind kind, std::uint64_t number) noexcept {
+    if (number >= ioFormat::longNumber) return putLongToken(to, kind, number);
+    *to = static_cast<char>(ioFormat::token(kind, static_cast<unsigned>(number)));
+    return to + 1;
 }
 
-inline void ioWriteContext::putMark(ioFormat::Mark mark) { putToken(ioFormat::mark, mark); }
-
-inline void ioWriteContext::writeBoolValue(bool value) {
-    if (!takesValues_) return fail(ioStatus::misuse);
-    putMark(value ? ioFormat::trueMark : ioFormat::falseMark);
+inline char* ioWriteContext::putValue(char* to, bool value) noexcept {
+    return putMark(to, value ? ioFormat::trueMark : ioFormat::falseMark);
 }
 
-inline void ioWriteContext::writeIntValue(int value) {
-    if (!takesValues_) return fail(ioStatus::misuse);
-    putToken(ioFormat::integer, ioFormat::zigzag(value));
+inline char* ioWriteContext::putValue(char* to, int value) noexcept {
+    return putToken(to, ioFormat::integer, ioFormat::zigzag(value));
 }
 
-inline void ioWriteContext::writeDoubleValue(double value) {
-    if (!takesValues_) return fail(ioStatus::misuse);
+inline char* ioWriteContext::putValue(char* to, double value) noexcept {
     // Bits are compared, so that -0.0 is no whole number here.
     bool const small = value >= -2147483648.0 && value <= 2147483647.0;
     auto const whole = static_cast<std::int32_t>(small ? value : 0.0);
-    if (std::bit_cast<std::uint64_t>(static_cast<double>(whole)) == std::bit_cast<std::uint64_t>(value)) {
-        return putToken(ioFormat::wholeDouble, ioFormat::zigzag(whole));
-    }
-    putDouble(value);
-}
-
-inline void ioWriteContext::putDouble(double value) {
-    char* const to = output_.room(1 + sizeof(value));
-    to[0] = static_cast<char>(ioFormat::token(ioFormat::mark, ioFormat::doubleMark));
     auto bits = std::bit_cast<std::uint64_t>(value);
-    if constexpr (std::endian::native == std::endian::big) bits = __builtin_bswap64(bits);
-    std::memcpy(to + 1, &bits, sizeof(bits));
-    output_.advance(1 + sizeof(bits));
-}
-
-inline void ioWriteContext::writeTextValue(std::string_view value) {
-    if (!takesValues_) return fail(ioStatus::misuse);
-    value = value.substr(0, value.find('\0'));
-    putToken(ioFormat::text, value.size());
-    output_.write(value);
-}
-
-inline void ioWriteContext::writeReference(void const* object, int /*flag*/) {
-    // The usual case: a reference to the object whose packet ended just now is made part of that end.
-    bool const justEnded = object && object == ended_ && output_.position() == endedAt_ && takesValues_;
-    if (justEnded && output_.amend(static_cast<char>(ioFormat::token(ioFormat::mark, ioFormat::referredEndMark)))) {
-        ended_ = nullptr;
-        return;
+    if (std::bit_cast<std::uint64_t>(static_cast<double>(whole)) == bits) {
+        return putToken(to, ioFormat::wholeDouble, ioFormat::zigzag(whole));
     }
-    writeOtherReference(object);
+    if constexpr (std::endian::native == std::endian::big) bits = __builtin_bswap64(bits);
+    to = putMark(to, ioFormat::doubleMark);
+    std::memcpy(to, &bits, sizeof(bits));
+    return to + sizeof(bits);
+}
+
+inline char* ioWriteContext::putValue(char* to, std::string_view value) {
+    value = value.substr(0, value.find('\0'));
+    to = putToken(to, ioFormat::text, value.size());
+    output_.moveTo(to);
+    output_.write(value);
+    return output_.room(ioFormat::longestToken);
+}
+
+template <class Value>
+void ioWriteContext::writeValue(Value value) {
+    if (!takesValues_) return fail(ioStatus::misuse);
+    output_.moveTo(putValue(output_.room(ioFormat::longestToken), value));
+}
+
+inline void ioWriteContext::writeBoolValue(bool value) { writeValue(value); }
+inline void ioWriteContext::writeIntValue(int value) { writeValue(value); }
+inline void ioWriteContext::writeDoubleValue(double value) { writeValue(value); }
+inline void ioWriteContext::writeTextValue(std::string_view value) { writeValue(value); }
+
+/// The type's number in the file, which has its name before.
+inline unsigned ioWriteContext::numberOf(ioPacketTypeId type) {
+    int const& number = numbers_[static_cast<std::size_t>(type)];
+    if (number < 0) nameType(type);
+    return static_cast<unsigned>(number);
+}
+
+inline bool ioWriteContext::mayStart(ioPacketTypeId type) {
+    if (phase_ == Phase::writing && type != ioPacketTypeId::none) return true;
+    fail(ioStatus::misuse);
+    return false;
+}
+
+template <class Value>
+void ioWriteContext::writeReferredPacket(ioPacketTypeId type, Value value) {
+    if (!takesValues_ || !mayStart(type)) return fail(ioStatus::misuse);
+    unsigned const number = numberOf(type);
+    char* to = output_.room(3 * ioFormat::longestToken);
+    to = putToken(to, ioFormat::plainPacket, number);
+    to = putValue(to, value);
+    output_.moveTo(putMark(to, ioFormat::referredEndMark));
 }
 
 inline void ioWriteContext::startNewPacket(ioPacketTypeId type, void const* object) {
-    if (phase_ != Phase::writing || type == ioPacketTypeId::none) return fail(ioStatus::misuse);
-    Type& named = types_[static_cast<std::size_t>(type)];
-    if (named.number < 0) nameType(named);
-    putToken(object ? ioFormat::objectPacket : ioFormat::plainPacket, static_cast<unsigned>(named.number));
+    if (!mayStart(type)) return;
+    unsigned const number = numberOf(type);
+    ioFormat::Kind const kind = object ? ioFormat::objectPacket : ioFormat::plainPacket;
+    output_.moveTo(putToken(output_.room(ioFormat::longestToken), kind, number));
     open_.push_back({objects_.size(), object != nullptr});
     if (object) objects_.push_back(object);
     takesValues_ = true;
 }
 
-inline void ioWriteContext::endPacket() {
+inline void ioWriteContext::end(ioFormat::Mark mark) {
     if (!takesValues_) return fail(ioStatus::misuse);
-    OpenPacket const packet = open_.back();
+    output_.moveTo(putMark(output_.room(1), mark));
     open_.pop_back();
     takesValues_ = !open_.empty();
-    putMark(ioFormat::endMark);
-    ended_ = packet.hasObject ? objects_[packet.firstObject] : nullptr;
-    endedAt_ = output_.position();
+}
+
+inline void ioWriteContext::endPacket() { end(ioFormat::endMark); }
+
+inline void ioWriteContext::endReferredPacket() {
+    if (open_.size() < 2) return fail(ioStatus::misuse);
+    end(ioFormat::referredEndMark);
 }

@@ -170,26 +170,46 @@ TEST(Packets, CarryEveryValueInItsShortestForm) {
 
 TEST(Packets, AreTheBytesThatTheFormatSays) {
     int const object = 0;
-    int const other = 0;
     std::string const bytes = written([&](ioWriteContext& context) {
         context.startPacket("a", nullptr);
         context.writeIntValue(-2);
         context.startPacket("b", &object);
         context.writeDoubleValue(0.5);
-        context.endPacket();
+        context.endReferredPacket();
+        context.writeReferredPacket(context.typeId("b"), true);
+        context.writeNameValue("key");
         context.writeReference(&object, 0);
-        context.startPacket("b", &other);
-        context.writeBoolValue(true);
-        context.endPacket();
-        context.writeReference(&object, 0);
+        context.writeNameValue("key");
         context.writeReference(nullptr, 0);
         context.endPacket();
     });
     using namespace std::string_view_literals;
     EXPECT_EQ(bytes, file("\x05\x61\x61\xA0\x23"                                      // type a, packet, -2
                           "\x05\x61\x62\x81\x02\x00\x00\x00\x00\x00\x00\xE0\x3F\x04"  // type b, packet, 0.5, referred
-                          "\x81\x01\x03"                                              // packet, true, end
-                          "\xC2\xC0\x03\x06"sv));                                     // references, ends
+                          "\xA1\x01\x04"                                              // packet, true, referred
+                          "\xE0\x63key\xC1\xE1\xC0\x03\x06"sv));                      // names, references, ends
+}
+
+TEST(Packets, RememberShortNamesAndForgetTheOldest) {
+    std::vector<std::string> names{"", std::string(31, 'x'), std::string(32, 'x'), "with NUL"};
+    for (int i = 0; i < 600; ++i) names.push_back("name " + std::to_string(i % 300));
+    for (int i = 0; i < 600; ++i) names.push_back("name " + std::to_string(i % 20));
+    std::string const bytes = written([&](ioWriteContext& context) {
+        context.startPacket("a", nullptr);
+        for (auto const& name : names)
+            context.writeNameValue(name == "with NUL" ? std::string_view("with\0NUL", 8) : name);
+        context.endPacket();
+    });
+    EXPECT_LT(bytes.size(), 600 * 10 + 600 * 2 + 300U);
+    names[3] = "with";
+    for (bool const isAsked : {true, false}) {  // names that are passed over are remembered as well
+        Reader reader;
+        reader.on("a", [&](ioReadContext& context) {
+            for (std::size_t i = 0; isAsked && i < names.size(); ++i)
+                ASSERT_EQ(context.readStringValue(), names[i]) << i;
+        });
+        EXPECT_EQ(reader.read(bytes), 0);
+    }
 }
 
 TEST(Packets, ResolveReferencesToOneObjectAndFollowTheWritersQuestions) {
@@ -263,17 +283,18 @@ TEST(Packets, RefuseWhatMakesNoSense) {
         {"{\"a\":1}", ioStatus::notAPacketFile, 0},
         {"\x89NXPK\r\n\2", ioStatus::unknownVersion, 7},
         {file(a), ioStatus::truncated, 12},
-        {file(a + "\x20\x03"), ioStatus::truncated, 14},                          // no end of file
-        {file("\xA0\x03\x06"), ioStatus::malformed, 9},                           // a type that was not named
-        {file("\x05\x60\xA0\x03\x06"), ioStatus::malformed, 10},                  // a name without letters
-        {file("\x05\x61\x61\x20\x06"), ioStatus::malformed, 11},                  // a name without a packet
-        {file("\x20\x06"), ioStatus::malformed, 8},                               // a value outside packets
-        {file(a + "\x20\x04\x06"), ioStatus::malformed, 14},                      // a reference outside packets
-        {file(a + "\x01\x03\x06"), ioStatus::malformed, 12},                      // a truth value instead of a number
-        {file(a + "\x03\x06"), ioStatus::malformed, 12},                          // no number at all
-        {file(a + "\xE0\x03\x06"), ioStatus::malformed, 12},                      // a token without a meaning
-        {file(a + "\x20\x07\x03\x06"), ioStatus::malformed, 13},                  // a mark without a meaning
-        {file(a + "\x3F\xFF\xFF\xFF\xFF\x7F\x03\x06"), ioStatus::malformed, 18},  // a number beyond 32 bits
+        {file(a + "\x20\x03"), ioStatus::truncated, 14},          // no end of file
+        {file("\xA0\x03\x06"), ioStatus::malformed, 9},           // a type that was not named
+        {file("\x05\x60\xA0\x03\x06"), ioStatus::malformed, 10},  // a name without letters
+        {file("\x05\x61\x61\x20\x06"), ioStatus::malformed, 11},  // a name without a packet
+        {file("\x20\x06"), ioStatus::malformed, 8},               // a value outside packets
+        {file(a + "\x20\x04\x06"), ioStatus::malformed, 14},      // a reference outside packets
+        {file(a + "\x01\x03\x06"), ioStatus::malformed, 12},      // a truth value instead of a number
+        {file(a + "\x03\x06"), ioStatus::malformed, 12},          // no number at all
+        {file(a + "\x20\xE1\x03\x06"), ioStatus::malformed, 14},  // a name that was not given
+        {file(a + "\x20\xE0\x7F\x01" + std::string(32, 'x')), ioStatus::malformed, 16},  // one that is too long
+        {file(a + "\x20\x07\x03\x06"), ioStatus::malformed, 13},                         // a mark without a meaning
+        {file(a + "\x3F\xFF\xFF\xFF\xFF\x7F\x03\x06"), ioStatus::malformed, 18},         // a number beyond 32 bits
         {file(a + "\x3F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x02\x03\x06"), ioStatus::malformed, 22},
         {file(a + "\x3F" + std::string(100, '\xFF')), ioStatus::malformed, 22},
     };
