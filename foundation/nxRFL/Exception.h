@@ -1,0 +1,32 @@
+// The error that is raised toward scripts.
+#pragma once
+
+#include <exception>
+#include <utility>
+
+#include "foundation/ur/Export.h"
+#include "foundation/urString/CString.h"
+
+namespace nxRFL {
+
+/// What went wrong in a reflected call, told to whoever wrote the script. A value: copies share nothing.
+///
+/// A native function throws it to fail the script that called it; an error of a script reaches native callers as
+/// one, together with the script's stack.
+class NX_API Exception : public std::exception {
+public:
+    explicit Exception(urString::CString message, urString::CString trace = {}) noexcept
+        : message_(std::move(message)), trace_(std::move(trace)) {}
+    ~Exception() override;
+
+    [[nodiscard]] urString::CString const& message() const noexcept { return message_; }
+    /// The calls that led to it, one a line, when it was raised inside a script; otherwise empty.
+    [[nodiscard]] urString::CString const& trace() const noexcept { return trace_; }
+    [[nodiscard]] char const* what() const noexcept override { return message_.c_str(); }
+
+private:
+    urString::CString message_;
+    urString::CString trace_;
+};
+
+}  // namespace nxRFL

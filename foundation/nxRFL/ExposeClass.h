@@ -1,0 +1,82 @@
+// Registering a class by its native functions, one line each.
+#pragma once
+
+#include "foundation/nxRFL/ExposeClassBase.h"
+#include "foundation/nxRFL/NativeFunction.h"
+
+namespace nxRFL {
+
+/// Enters T in a database. Whatever can be called with a T& or T* first is a method: a member function, also of a base
+/// of T, a plain function or a lambda. Each call gives the same object back, so that they can be chained.
+///
+///     ExposeClass<Request>(database, "nxNet::Request")
+///         .addProperty("url", &Request::getUrl, &Request::setUrl)
+///         .addMethod("addHeader", &Request::addHeader);
+template <class T>
+class ExposeClass : public ExposeClassBase {
+public:
+    ExposeClass(Database& database, urString::CString const& name,
+                impl::TypeUtil const& util = impl::defaultTypeUtil<T>())
+        : ExposeClassBase(database, std::make_unique<Class>(name, util)) {}
+
+    /// Requires: Base is registered.
+    template <class Base>
+    ExposeClass& addBase() {
+        Class::Conversion const toBase = [](void* object) -> void* {
+            return static_cast<Base*>(static_cast<T*>(object));
+        };
+        Class::Conversion toThis = nullptr;
+        if constexpr (std::is_polymorphic_v<Base>) {
+            toThis = [](void* object) -> void* { return dynamic_cast<T*>(static_cast<Base*>(object)); };
+        }
+        ExposeClassBase::addBase(*getDB().getClass(ur::TypeInfo::of<Base>()), toBase, toThis);
+        return *this;
+    }
+    template <class Method>
+    ExposeClass& addMethod(urString::CString const& name, Method method) {
+        ExposeClassBase::addMethod(name, make(std::move(method)));
+        return *this;
+    }
+    template <class Callable>
+    ExposeClass& addStaticMethod(urString::CString const& name, Callable callable) {
+        ExposeClassBase::addStaticMethod(name, makeFunction(getDB(), std::move(callable)));
+        return *this;
+    }
+    template <class Getter>
+    ExposeClass& addProperty(urString::CString const& name, Getter getter) {
+        ExposeClassBase::addProperty(name, make(std::move(getter)), nullptr);
+        return *this;
+    }
+    template <class Getter, class Setter>
+    ExposeClass& addProperty(urString::CString const& name, Getter getter, Setter setter) {
+        ExposeClassBase::addProperty(name, make(std::move(getter)), make(std::move(setter)));
+        return *this;
+    }
+    /// `begin` takes a T& and gives a std::unique_ptr to an iterator state of some class, `value` takes that state by
+    /// reference and gives the current entry.
+    template <class Begin, class Value>
+    ExposeClass& addIterator(urString::CString const& name, Begin begin, Value value) {
+        ExposeClassBase::addIterator(name, make(std::move(begin)), makeFunction(getDB(), std::move(value)));
+        return *this;
+    }
+    /// Walks over the map that `getMap` gives for a T&, in pairs of key and value.
+    template <class GetMap>
+    ExposeClass& addMapIterator(urString::CString const& name, GetMap getMap) {
+        using MapState = MapIteratorState<std::remove_cvref_t<std::invoke_result_t<GetMap, T&>>>;
+        return addIterator(
+            name, [getMap](T& object) { return std::make_unique<MapState>(std::invoke(getMap, object)); },
+            [](MapState& state) { return state.current(); });
+    }
+    ExposeClass& setHasHiddenSubclasses() {
+        getClass().setHasHiddenSubclasses();
+        return *this;
+    }
+
+private:
+    template <class Callable>
+    ur::Reference<Function> make(Callable callable) {
+        return makeFunction<T>(getDB(), std::move(callable));
+    }
+};
+
+}  // namespace nxRFL

@@ -1,0 +1,56 @@
+// Filling classes and tables of functions.
+#include "foundation/nxRFL/ExposeClassBase.h"
+
+#include <algorithm>
+
+#include "foundation/nxRFL/ExposeFunction.h"
+
+namespace nxRFL {
+
+namespace {
+
+void nameFunction(ur::Reference<Function> const& function, urString::CString const& owner,
+                  urString::CString const& name) {
+    if (function) function->setName(owner + "." + name);
+}
+
+}  // namespace
+
+void ExposeClassBase::addBase(Class& base, Class::Conversion toBase, Class::Conversion toThis) {
+    if (class_.isA(base) || base.isA(class_)) return;
+    class_.bases_.push_back({&base, toBase, toThis});
+    base.derived_.push_back(&class_);
+    database_.forgetSeenTypes();
+}
+
+void ExposeClassBase::addMethod(urString::CString const& name, ur::Reference<Function> function) {
+    add(Member::Kind::method, name, std::move(function), nullptr);
+}
+
+void ExposeClassBase::addStaticMethod(urString::CString const& name, ur::Reference<Function> function) {
+    add(Member::Kind::staticMethod, name, std::move(function), nullptr);
+}
+
+void ExposeClassBase::addProperty(urString::CString const& name, ur::Reference<Function> getter,
+                                  ur::Reference<Function> setter) {
+    add(Member::Kind::property, name, std::move(getter), std::move(setter));
+}
+
+void ExposeClassBase::addIterator(urString::CString const& name, ur::Reference<Function> begin,
+                                  ur::Reference<Function> value) {
+    add(Member::Kind::iterator, name, std::move(begin), std::move(value));
+}
+
+void ExposeClassBase::add(Member::Kind kind, urString::CString const& name, ur::Reference<Function> function,
+                          ur::Reference<Function> second) {
+    nameFunction(function, class_.name(), name);
+    nameFunction(second, class_.name(), name);
+    class_.members_.add({kind, name, std::move(function), std::move(second)});
+}
+
+void ExposeFunction::add(urString::CString const& name, ur::Reference<Function> function) {
+    nameFunction(function, table_.name, name);
+    table_.functions.add({Member::Kind::function, name, std::move(function), nullptr});
+}
+
+}  // namespace nxRFL

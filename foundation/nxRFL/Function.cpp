@@ -1,0 +1,24 @@
+// The arity check, and the anchors of the library's base classes.
+#include "foundation/nxRFL/Function.h"
+
+#include "foundation/nxRFL/Exception.h"
+#include "foundation/nxRFL/Reader.h"
+
+namespace nxRFL {
+
+using urString::CString;
+
+Exception::~Exception() = default;
+Function::~Function() = default;
+
+void Function::failArity(Stack const& arguments, unsigned count) const {
+    CString message = name_.empty() ? CString("the function") : name_;
+    if (isMethod_ && Reader(arguments).kind() != Kind::object)
+        throw Exception(message.append(" must be called on an object: object:name(...)"));
+    unsigned const object = isMethod_ ? 1 : 0;
+    unsigned const expected = count - object;
+    throw Exception(message.append(CString::format(" takes %u argument%s, but got %u", expected,
+                                                   expected == 1 ? "" : "s", arguments.size() - object)));
+}
+
+}  // namespace nxRFL

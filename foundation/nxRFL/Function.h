@@ -1,0 +1,53 @@
+// A callable that reflection knows: a native function, or one of a script.
+#pragma once
+
+#include "foundation/nxRFL/Stack.h"
+#include "foundation/ur/ReferenceCount.h"
+
+namespace nxRFL {
+
+class Database;
+
+/// Takes its arguments from one stack and leaves its results on another. Held by reference.
+///
+/// Derive from it and implement `onCall`. Failing is throwing an `Exception`. A function called as a method finds its
+/// object as the first item. The database outlives it, unless the function has become unable to run before.
+class NX_API Function : public ur::ReferenceCount {
+public:
+    /// `method` tells that the first argument is the object on which scripts call it.
+    Function(Database* database, bool method) noexcept : database_(database), isMethod_(method) {}
+    Function(Function const&) = delete;
+    Function& operator=(Function const&) = delete;
+    ~Function() override;
+
+    /// Appends the results to `results`, which is not the stack of the arguments.
+    void call(Stack const& arguments, Stack& results) const { onCall(arguments, results); }
+
+    /// Raises unless there are `count` arguments, the object included.
+    void validateArity(Stack const& arguments, unsigned count) const {
+        if (arguments.size() != count) [[unlikely]]
+            failArity(arguments, count);
+    }
+
+    [[nodiscard]] Database* getDB() const noexcept { return database_; }
+    [[nodiscard]] bool isMethod() const noexcept { return isMethod_; }
+    /// The name that messages give it, such as "nxNet::Request.addHeader"; empty until it is registered.
+    [[nodiscard]] urString::CString const& name() const noexcept { return name_; }
+    void setName(urString::CString name) noexcept { name_ = std::move(name); }
+    /// The names of its types: of the result, of the object if it is a method, of the arguments. Empty when unknown.
+    [[nodiscard]] ur::vector<urString::CString> const& signature() const noexcept { return signature_; }
+    void setSignature(ur::vector<urString::CString> signature) noexcept { signature_ = std::move(signature); }
+
+protected:
+    virtual void onCall(Stack const& arguments, Stack& results) const = 0;
+
+private:
+    [[noreturn]] void failArity(Stack const& arguments, unsigned count) const;
+
+    Database* database_;
+    bool isMethod_;
+    urString::CString name_;
+    ur::vector<urString::CString> signature_;
+};
+
+}  // namespace nxRFL

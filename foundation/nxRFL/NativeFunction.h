@@ -1,0 +1,114 @@
+// Native callables as reflected functions: the signature is the callable's own.
+#pragma once
+
+#include <tuple>
+
+#include "foundation/nxRFL/values.h"
+
+namespace nxRFL {
+namespace impl {
+
+// Signature<Callable, Self>::Type is Result(Arguments...), of a member function of any class Result(Self&,
+// Arguments...).
+template <class Callable, class Self>
+struct Signature : Signature<decltype(&Callable::operator()), void> {};
+template <class Result, class... Arguments, class Self>
+struct Signature<Result (*)(Arguments...), Self> {
+    using Type = Result(Arguments...);
+};
+template <class Result, class... Arguments, class Self>
+struct Signature<Result (*)(Arguments...) noexcept, Self> : Signature<Result (*)(Arguments...), Self> {};
+template <class Result, class Owner, class... Arguments, class Self>
+struct Signature<Result (Owner::*)(Arguments...), Self> {
+    using Type = Result(Self&, Arguments...);
+};
+template <class Result, class Owner, class... Arguments>
+struct Signature<Result (Owner::*)(Arguments...), void> {
+    using Type = Result(Arguments...);
+};
+template <class Result, class Owner, class... Arguments, class Self>
+struct Signature<Result (Owner::*)(Arguments...) const, Self> : Signature<Result (Owner::*)(Arguments...), Self> {};
+template <class Result, class Owner, class... Arguments, class Self>
+struct Signature<Result (Owner::*)(Arguments...) noexcept, Self> : Signature<Result (Owner::*)(Arguments...), Self> {};
+template <class Result, class Owner, class... Arguments, class Self>
+struct Signature<Result (Owner::*)(Arguments...) const noexcept, Self>
+    : Signature<Result (Owner::*)(Arguments...), Self> {};
+
+/// Reads one argument and keeps what the parameter is bound to: values, or where an object or a text lies.
+template <class Parameter>
+auto readArgument(Reader& reader) {
+    using T = std::remove_cvref_t<Parameter>;
+    constexpr bool isChanged =
+        std::is_lvalue_reference_v<Parameter> && !std::is_const_v<std::remove_reference_t<Parameter>>;
+    if constexpr (std::is_same_v<T, urString::CString> && std::is_reference_v<Parameter> && !isChanged) {
+        return std::cref(reader.readText());
+    } else if constexpr (WalkState<T>) {
+        auto* const state = static_cast<IteratorState*>(reader.readObject(ur::TypeInfo::of<IteratorState>()));
+        auto* const own = dynamic_cast<T*>(state);
+        if (!own) throw Exception("the iterator is one of another kind");
+        return std::ref(*own);
+    } else if constexpr (Readable<T>) {
+        T value{};
+        read(reader, value);
+        return value;
+    } else {
+        static_assert(std::is_lvalue_reference_v<Parameter>,
+                      "an object is taken by pointer or reference, not by value");
+        return std::ref(*static_cast<T*>(reader.readObject(ur::TypeInfo::of<T>())));
+    }
+}
+
+template <class Parameter, class Held>
+decltype(auto) pass(Held& held) {
+    if constexpr (std::is_lvalue_reference_v<Parameter>) {
+        return (held);
+    } else {
+        return std::move(held);
+    }
+}
+
+}  // namespace impl
+
+template <class Callable, class Signature>
+class NativeFunction;
+
+/// Calls anything callable, such as a plain function, a member function or a lambda, with arguments that are checked
+/// and converted to the types of its parameters.
+template <class Callable, class Result, class... Parameters>
+class NativeFunction<Callable, Result(Parameters...)> final : public Function {
+public:
+    NativeFunction(Database& database, Callable callable, bool method)
+        : Function(&database, method), callable_(std::move(callable)) {
+        setSignature({typeName<Result>(database), typeName<Parameters>(database)...});
+    }
+
+private:
+    void onCall(Stack const& arguments, Stack& results) const override {
+        validateArity(arguments, sizeof...(Parameters));
+        [[maybe_unused]] Reader reader(arguments, *this);
+        // In braces, so that they are read in order.
+        std::tuple<decltype(impl::readArgument<Parameters>(reader))...> held{impl::readArgument<Parameters>(reader)...};
+        std::apply([&](auto&... each) { callWith(results, impl::pass<Parameters>(each)...); }, held);
+    }
+    template <class... Arguments>
+    void callWith([[maybe_unused]] Stack& results, Arguments&&... arguments) const {
+        if constexpr (std::is_void_v<Result>) {
+            std::invoke(callable_, std::forward<Arguments>(arguments)...);
+        } else {
+            decltype(auto) result = std::invoke(callable_, std::forward<Arguments>(arguments)...);
+            Writer writer(results);
+            writeAny<Result>(writer, std::forward<Result>(result));
+        }
+    }
+
+    Callable callable_;
+};
+
+/// `Self` is the class whose objects scripts call it on, void for a function that is no method.
+template <class Self = void, class Callable>
+[[nodiscard]] ur::Reference<Function> makeFunction(Database& database, Callable callable) {
+    using Signature = typename impl::Signature<Callable, Self>::Type;
+    return ur::make<NativeFunction<Callable, Signature>>(database, std::move(callable), !std::is_void_v<Self>);
+}
+
+}  // namespace nxRFL

@@ -1,0 +1,167 @@
+// Containers, objects and functions, and saying what is wrong where.
+#include "foundation/nxRFL/Reader.h"
+
+#include <cmath>
+#include <limits>
+
+#include "foundation/nxRFL/Database.h"
+#include "foundation/nxRFL/Writer.h"
+
+namespace nxRFL {
+
+using impl::Container;
+using impl::Value;
+using urString::CString;
+
+Kind Reader::kind() const noexcept {
+    // In the order of the alternatives of impl::Value.
+    constexpr Kind kinds[] = {Kind::null, Kind::boolean, Kind::number,  Kind::text,
+                              Kind::none, Kind::object,  Kind::function};
+    if (at_ >= end()) return Kind::none;
+    Value const& value = stack_.values_[at_];
+    if (auto const* const container = std::get_if<Container>(&value))
+        return container->kind == Container::Kind::array ? Kind::array : Kind::dictionary;
+    return kinds[value.index()];
+}
+
+std::size_t Reader::behind(std::size_t at) const noexcept {
+    auto const* const container = std::get_if<Container>(&stack_.values_[at]);
+    return at + (container ? container->length : 1);
+}
+
+double Reader::readWhole(double least, double greatest) {
+    double const* const value = next<double>();
+    if (!value) fail("number");
+    if (*value >= least && *value <= greatest && *value == std::trunc(*value)) {
+        ++at_;
+        return *value;
+    }
+    raise(placeOf(at_, open_),
+          CString::format("must be a whole number from %.0f to %.0f, but is %.14g", least, greatest, *value));
+}
+
+int Reader::readInt() {
+    return static_cast<int>(readWhole(std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+}
+
+unsigned Reader::readUnsigned() { return static_cast<unsigned>(readWhole(0, std::numeric_limits<unsigned>::max())); }
+
+unsigned Reader::enter(Container::Kind kind, std::string_view expected) {
+    auto const* const container = next<Container>();
+    if (!container || (container->kind != kind && container->items > 0)) fail(expected);
+    open_ = at_++;
+    return container->items;
+}
+
+void Reader::leave() noexcept {
+    std::uint32_t const parent = head().parent;
+    at_ = end();
+    open_ = parent == 0 ? nowhere : open_ - parent;
+}
+
+void* Reader::readObjectOrNull(ur::TypeInfo type) {
+    if (isNull()) {
+        ++at_;
+        return nullptr;
+    }
+    return readObject(type);
+}
+
+void* Reader::readObjectOrNull(Class const& expected) { return readObjectOrNull(expected.getType()); }
+
+void* Reader::readObject(ur::TypeInfo type) {
+    Object const* const object = next<Object>();
+    void* const result = object ? cast(*object, type) : nullptr;
+    if (!result) fail(nameOf(type));
+    ++at_;
+    return result;
+}
+
+void* Reader::cast(Object const& object, ur::TypeInfo type) const {
+    if (Class const* const known = object.getClass()) return known->cast(object.pointer(), type);
+    if (object.typeUtil().staticType() == type) return object.pointer();
+    if (!function_) return nullptr;
+    Database::Resolved const resolved = function_->getDB()->resolve(object);
+    return resolved.objectClass->cast(resolved.pointer, type);
+}
+
+Object const& Reader::readAnyObject() {
+    static Object const none;
+    if (isNull()) {
+        ++at_;
+        return none;
+    }
+    return take<Object>("object");
+}
+
+ur::Reference<Function> Reader::readFunction() {
+    if (isNull()) {
+        ++at_;
+        return nullptr;
+    }
+    return take<ur::Reference<Function>>("function");
+}
+
+void Reader::readItem(Stack& out) {
+    if (at_ >= end()) fail("a value");
+    Writer(out).writeItemAt(stack_, at_);
+    skip();
+}
+
+void Reader::skip() noexcept {
+    if (at_ < end()) at_ = behind(at_);
+}
+
+void Reader::fail(std::string_view expected) const {
+    CString complaint("must be ");
+    complaint.append(expected).append(", but is ").append(found());
+    raise(placeOf(at_, open_), complaint);
+}
+
+void Reader::failOnKey(std::string_view name, std::string_view key) const {
+    CString complaint("is no ");
+    complaint.append(name).append(": \"").append(key).append("\" is one key too many");
+    raise(open_ == nowhere ? CString() : placeOf(open_, head().parent == 0 ? nowhere : open_ - head().parent),
+          complaint);
+}
+
+void Reader::raise(CString const& place, std::string_view complaint) const {
+    CString message;
+    if (function_ && !function_->name().empty()) message.append(function_->name()).append(": ");
+    throw Exception(message.append(place).append(" ").append(complaint));
+}
+
+CString Reader::found() const {
+    constexpr char const* names[] = {"missing", "null",       "boolean", "number",  "string",
+                                     "array",   "dictionary", "",        "function"};
+    if (Object const* const object = next<Object>()) return classNameOf(*object);
+    return names[static_cast<int>(kind())];
+}
+
+CString Reader::classNameOf(Object const& object) const {
+    return object.getClass() ? object.getClass()->name() : nameOf(object.typeUtil().staticType());
+}
+
+CString Reader::nameOf(ur::TypeInfo type) const {
+    return function_ ? function_->getDB()->nameOf(type) : CString(type.readableName());
+}
+
+/// Such as "argument 2.max[3]", for the item at `at` in the container with the head at `container`.
+CString Reader::placeOf(std::size_t at, std::size_t container) const {
+    std::size_t item = container == nowhere ? 0 : container + 1;
+    std::size_t before = item;
+    unsigned ordinal = 0;
+    for (; item < at; item = behind(item), ++ordinal) before = item;
+    if (container == nowhere) {
+        bool const isMethod = function_ && function_->isMethod();
+        if (isMethod && ordinal == 0) return "the object";
+        return CString::format(function_ ? "argument %u" : "item %u", ordinal + (isMethod ? 0 : 1));
+    }
+    Container const& head = std::get<Container>(stack_.values_[container]);
+    CString place = placeOf(container, head.parent == 0 ? nowhere : container - head.parent);
+    if (head.kind == Container::Kind::array) return place.append(CString::format("[%u]", ordinal + 1));
+    auto const* const key = ordinal % 2 == 1 ? std::get_if<CString>(&stack_.values_[before]) : nullptr;
+    return key ? place.append(".").append(*key) : place;
+}
+
+}  // namespace nxRFL

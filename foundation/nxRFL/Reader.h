@@ -1,0 +1,116 @@
+// Reads items from a stack.
+#pragma once
+
+#include <utility>
+
+#include "foundation/nxRFL/Stack.h"
+
+namespace nxRFL {
+
+/// What an item is; `none` stands for the end of the stack or of the container that is open.
+enum class Kind { none, null, boolean, number, text, array, dictionary, object, function };
+
+/// Reads items one after the other, from the first on; containers are opened, read and closed.
+///
+/// An item of another kind than asked for raises an `Exception` that says where it stands, what was expected and what
+/// was found. The stack outlives the reader and does not change meanwhile.
+class NX_API Reader {
+public:
+    explicit Reader(Stack const& stack) noexcept : stack_(stack) {}
+    /// For the arguments of a call to `function`, which messages then name.
+    Reader(Stack const& stack, Function const& function) noexcept : stack_(stack), function_(&function) {}
+
+    /// The kind of the next item.
+    [[nodiscard]] Kind kind() const noexcept;
+    /// There is a next item, and it is null.
+    [[nodiscard]] bool isNull() const noexcept { return next<std::monostate>() != nullptr; }
+
+    void readNull() { take<std::monostate>("null"); }
+    bool readBool() { return take<bool>("boolean"); }
+    double readDouble() { return take<double>("number"); }
+    /// Numbers too large for a float become infinite.
+    float readFloat() { return static_cast<float>(readDouble()); }
+    /// Raises for a number that is not whole or beyond the type's range.
+    int readInt();
+    unsigned readUnsigned();
+    /// A whole number from `least` to `greatest`, both exactly representable.
+    double readWhole(double least, double greatest);
+    /// Valid as long as the stack is not changed.
+    urString::CString const& readText() { return take<urString::CString>("string"); }
+
+    /// The number of elements, which follow. An empty dictionary passes as an empty array, and the other way round:
+    /// scripts do not tell them apart.
+    unsigned startArray() { return enter(impl::Container::Kind::array, "array"); }
+    /// Skips the elements that were not read.
+    void endArray() noexcept { leave(); }
+    /// The number of entries, which follow: a text as the key, then the value.
+    unsigned startDictionary() { return enter(impl::Container::Kind::dictionary, "dictionary") / 2; }
+    void endDictionary() noexcept { leave(); }
+
+    /// The object as one of class `type`. Null for a null item.
+    void* readObjectOrNull(ur::TypeInfo type);
+    void* readObjectOrNull(Class const& expected);
+    /// The same, but a null item raises.
+    void* readObject(ur::TypeInfo type);
+    /// The object whatever its class; an empty handle for a null item.
+    Object const& readAnyObject();
+    /// Null for a null item.
+    ur::Reference<Function> readFunction();
+
+    /// Appends a copy of the next item, of any kind, to `out`.
+    void readItem(Stack& out);
+    void skip() noexcept;
+
+    /// Raises: the next item is not what it must be.
+    [[noreturn]] void fail(std::string_view expected) const;
+    /// Raises for the open container, which is meant as a `name`, as in "range1D": it has a key too many.
+    [[noreturn]] void failOnKey(std::string_view name, std::string_view key) const;
+
+private:
+    [[nodiscard]] std::size_t end() const noexcept {
+        return open_ == nowhere ? stack_.values_.size() : open_ + head().length;
+    }
+    template <class T>
+    [[nodiscard]] T const* next() const noexcept {
+        return at_ < end() ? std::get_if<T>(&stack_.values_[at_]) : nullptr;
+    }
+    template <class T>
+    T const& take(std::string_view expected) {
+        T const* const value = next<T>();
+        if (!value) [[unlikely]]
+            fail(expected);
+        ++at_;
+        return *value;
+    }
+    [[nodiscard]] impl::Container const& head() const { return std::get<impl::Container>(stack_.values_[open_]); }
+    [[nodiscard]] std::size_t behind(std::size_t at) const noexcept;
+    unsigned enter(impl::Container::Kind kind, std::string_view expected);
+    void leave() noexcept;
+    [[nodiscard]] void* cast(Object const& object, ur::TypeInfo type) const;
+    [[nodiscard]] urString::CString classNameOf(Object const& object) const;
+    [[nodiscard]] urString::CString nameOf(ur::TypeInfo type) const;
+    [[nodiscard]] urString::CString found() const;
+    [[nodiscard]] urString::CString placeOf(std::size_t at, std::size_t container) const;
+    [[noreturn]] void raise(urString::CString const& place, std::string_view complaint) const;
+
+    static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
+
+    Stack const& stack_;
+    Function const* function_ = nullptr;
+    std::size_t at_ = 0;
+    std::size_t open_ = nowhere;  // the innermost open container
+};
+
+/// Reads the dictionary that comes next: calls `readEntry(key)` for each entry, which reads the value and returns
+/// true, or returns false for a key that it does not know. That, and more than `count` entries, raises an `Exception`
+/// that calls the dictionary `name`. Entries may be missing.
+template <class ReadEntry>
+void readDictionary(Reader& reader, std::string_view name, unsigned count, ReadEntry&& readEntry) {
+    for (unsigned i = reader.startDictionary(); i > 0; --i) {
+        urString::CString const& key = reader.readText();
+        if (count-- == 0 || !readEntry(key)) reader.failOnKey(name, key);
+    }
+    reader.endDictionary();
+}
+
+}  // namespace nxRFL

@@ -1,0 +1,55 @@
+// The values that pass between scripts and native code.
+#pragma once
+
+#include <cstdint>
+#include <variant>
+
+#include "foundation/nxRFL/Object.h"
+#include "foundation/ur/Reference.h"
+#include "foundation/ur/containers.h"
+#include "foundation/urString/CString.h"
+
+namespace nxRFL {
+
+class Function;
+
+namespace impl {
+
+/// The head of an array or of a dictionary; what it holds follows it on the stack.
+struct Container {
+    enum class Kind : std::uint8_t { array, dictionary };
+
+    Kind kind;
+    std::uint32_t items;   ///< directly inside; a dictionary's keys count as well
+    std::uint32_t length;  ///< values from this head up to the first one behind its contents
+    std::uint32_t parent;  ///< how far before this head that of the enclosing container lies; 0 when outermost
+};
+
+using Value = std::variant<std::monostate, bool, double, urString::CString, Container, Object, ur::Reference<Function>>;
+
+}  // namespace impl
+
+/// A sequence of items: null, truth values, numbers, texts, objects, functions, and arrays and dictionaries of items.
+///
+/// `Writer` appends items, `Reader` reads them from the first on; what is written is well formed at any time. A value:
+/// a copy shares objects and functions, nothing else. Functions and objects are counted as they themselves count.
+class NX_API Stack {
+public:
+    /// The number of items; what containers hold does not count.
+    [[nodiscard]] unsigned size() const noexcept { return items_; }
+    [[nodiscard]] bool empty() const noexcept { return items_ == 0; }
+    /// Keeps its storage for items to come.
+    void clear() noexcept {
+        values_.clear();
+        items_ = 0;
+    }
+
+private:
+    friend class Reader;
+    friend class Writer;
+
+    ur::vector<impl::Value> values_;
+    unsigned items_ = 0;
+};
+
+}  // namespace nxRFL

@@ -1,0 +1,63 @@
+// Appends items to a stack.
+#pragma once
+
+#include "foundation/nxRFL/Stack.h"
+
+namespace nxRFL {
+
+/// Writes items one after the other; containers are opened, filled and closed.
+///
+/// A container holds what was written into it, whatever count was announced, and is closed by the writer's end at the
+/// latest. One writer at a time uses a stack, and the stack is not read before the writer has gone or closed all.
+class NX_API Writer {
+public:
+    explicit Writer(Stack& stack) noexcept : stack_(stack) {}
+    Writer(Writer const&) = delete;
+    Writer& operator=(Writer const&) = delete;
+    ~Writer();
+
+    void writeNull() { append(std::monostate()); }
+    void writeBool(bool value) { append(value); }
+    void writeDouble(double value) { append(value); }
+    void writeFloat(float value) { append(static_cast<double>(value)); }
+    void writeInt(int value) { append(static_cast<double>(value)); }
+    void writeUnsigned(unsigned value) { append(static_cast<double>(value)); }
+    void writeText(urString::CString text) { append(std::move(text)); }
+    /// A handle without an object writes null.
+    void writeObject(Object object);
+    /// Null writes null.
+    void writeFunction(ur::Reference<Function> function);
+    /// Copies the first item of `stack`, with all that it holds; null when there is none.
+    void writeItem(Stack const& stack) { writeItemAt(stack, 0); }
+
+    /// `count` elements follow.
+    void startArray([[maybe_unused]] unsigned count) { open(impl::Container::Kind::array); }
+    void endArray() { close(impl::Container::Kind::array); }
+    /// `count` entries follow: a text as the key, then any item as its value.
+    void startDictionary([[maybe_unused]] unsigned count) { open(impl::Container::Kind::dictionary); }
+    void endDictionary() { close(impl::Container::Kind::dictionary); }
+
+private:
+    friend class Reader;
+
+    template <class T>
+    void append(T&& value) {
+        if (open_ != nowhere) checkKey(std::is_same_v<std::decay_t<T>, urString::CString>);
+        stack_.values_.emplace_back(std::forward<T>(value));
+        count();
+    }
+    void writeItemAt(Stack const& stack, std::size_t from);
+    [[nodiscard]] impl::Container& head(std::size_t at) const { return std::get<impl::Container>(stack_.values_[at]); }
+    [[nodiscard]] std::uint32_t distanceToOpen(std::size_t at) const noexcept;
+    void checkKey(bool isText) const;
+    void count() { ++(open_ == nowhere ? stack_.items_ : head(open_).items); }
+    void open(impl::Container::Kind kind);
+    void close(impl::Container::Kind kind);
+
+    static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
+
+    Stack& stack_;
+    std::size_t open_ = nowhere;  // the innermost open container
+};
+
+}  // namespace nxRFL

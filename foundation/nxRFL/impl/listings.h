@@ -1,0 +1,19 @@
+// The formats of listings.
+#pragma once
+
+#include <span>
+
+#include "foundation/nxRFL/Database.h"
+
+namespace nxRFL::impl {
+
+/// The types of what a script passes: without the object of a method.
+[[nodiscard]] std::span<urString::CString const> argumentTypes(Function const& function);
+/// "void" when unknown.
+[[nodiscard]] urString::CString resultType(Function const& function);
+
+[[nodiscard]] urString::CString textListing(Database const& database);
+[[nodiscard]] urString::CString jsonListing(Database const& database);
+[[nodiscard]] urString::CString luaStubs(Database const& database);
+
+}  // namespace nxRFL::impl

@@ -1,0 +1,99 @@
+// The three listings of a small database.
+#include <gtest/gtest.h>
+
+#include "foundation/nxRFL/ExposeClass.h"
+#include "foundation/nxRFL/ExposeFunction.h"
+#include "foundation/nxRFL/listing.h"
+
+namespace shop {
+
+struct Base {
+    virtual ~Base() = default;
+};
+struct Item : Base {
+    ur::map<urString::CString, double> prices;
+};
+
+}  // namespace shop
+
+namespace {
+
+using nxRFL::ListingFormat;
+using shop::Item;
+using urString::CString;
+
+class Listing : public ::testing::Test {
+protected:
+    Listing() {
+        nxRFL::ExposeClass<shop::Base>(database, "shop::Base");
+        nxRFL::ExposeClass<Item>(database, "shop::Item")
+            .addBase<shop::Base>()
+            .addProperty(
+                "price", [](Item&) { return 1.0; }, [](Item&, double) {})
+            .addProperty("code", [](Item&) { return CString("\"\n"); })
+            .addMethod("sell", [](Item&, Item*, CString const&) { return true; })
+            .addStaticMethod("make", [](std::function<void()>) {})
+            .addMapIterator(
+                "prices", [](Item & item) -> auto& { return item.prices; })
+            .setHasHiddenSubclasses();
+        nxRFL::ExposeFunction(database, "shop::till").add("a\"b", [] { return 1; });
+    }
+    /// The listing of `format` behind what every database knows.
+    [[nodiscard]] CString listed(ListingFormat format, char const* first) const {
+        CString const text = nxRFL::listing(database, format);
+        return text.substr(text.find(first));
+    }
+
+    nxRFL::Database database;
+};
+
+TEST_F(Listing, ReadsWell) {
+    EXPECT_EQ(listed(ListingFormat::text, "class shop::Base"),
+              "class shop::Base\n"
+              "class shop::Item: shop::Base\n"
+              "    price: number\n"
+              "    code: string (read-only)\n"
+              "    sell(shop::Item, string): boolean\n"
+              "    static make(function)\n"
+              "    prices(): iterator of object[2]\n"
+              "table shop::till\n"
+              "    a\"b(): number\n");
+}
+
+TEST_F(Listing, IsJson) {
+    EXPECT_EQ(
+        listed(ListingFormat::json, R"({"name":"shop::Item")"),
+        R"({"name":"shop::Item","bases":["shop::Base"],"hiddenSubclasses":true,"members":[)"
+        R"({"name":"price","kind":"property","signature":["number","shop::Item"],"setter":["void","shop::Item","number"]},)"
+        R"({"name":"code","kind":"property","signature":["string","shop::Item"]},)"
+        R"({"name":"sell","kind":"method","signature":["boolean","shop::Item","shop::Item","string"]},)"
+        R"({"name":"make","kind":"static method","signature":["void","function"]},)"
+        R"({"name":"prices","kind":"iterator","signature":["nxRFL::IteratorState","shop::Item"],)"
+        R"("value":["object[2]","nxRFL::IteratorState"]}]}],)"
+        R"("tables":[{"name":"shop::till","functions":[{"name":"a\"b","kind":"function","signature":["number"]}]}]})"
+        "\n");
+}
+
+TEST_F(Listing, DeclaresForEditors) {
+    EXPECT_EQ(listed(ListingFormat::luaStubs, "shop = {}"),
+              "shop = {}\n"
+              "\n---@class shop.Base\n"
+              "shop.Base = {}\n"
+              "\n---@class shop.Item : shop.Base\n"
+              "---@field price number\n"
+              "---@field code string read-only\n"
+              "shop.Item = {}\n"
+              "---@param argument1 shop.Item\n"
+              "---@param argument2 string\n"
+              "---@return boolean\n"
+              "function shop.Item:sell(argument1, argument2) end\n"
+              "---@param argument1 function\n"
+              "function shop.Item.make(argument1) end\n"
+              "---@return fun(): any, any\n"
+              "function shop.Item:prices() end\n"
+              "shop.till = {}\n"
+              "---@return number\n"
+              "function shop.till.a\"b() end\n");
+}
+
+}  // namespace

@@ -1,0 +1,271 @@
+// Writing and reading items, and what is said about items of the wrong kind.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <limits>
+#include <string>
+
+#include "foundation/nxRFL/values.h"
+
+namespace {
+
+using nxRFL::Exception;
+using nxRFL::Kind;
+using nxRFL::Reader;
+using nxRFL::Stack;
+using nxRFL::Writer;
+using urString::CString;
+
+std::string messageOf(std::function<void()> const& action) {
+    try {
+        action();
+    } catch (Exception const& error) {
+        return error.what();
+    }
+    return "no error";
+}
+
+// Writes {min = {1, 2}, name = "x"}.
+void writeSample(Writer& writer) {
+    writer.startDictionary(2);
+    writer.writeText("min");
+    writer.startArray(2);
+    writer.writeInt(1);
+    writer.writeFloat(2);
+    writer.endArray();
+    writer.writeText("name");
+    writer.writeText(CString("x\0y", 3));
+    writer.endDictionary();
+}
+
+void expectSample(Reader& reader) {
+    EXPECT_EQ(reader.startDictionary(), 2U);
+    EXPECT_EQ(reader.readText(), "min");
+    EXPECT_EQ(reader.startArray(), 2U);
+    EXPECT_EQ(reader.readInt(), 1);
+    EXPECT_EQ(reader.readDouble(), 2);
+    EXPECT_EQ(reader.kind(), Kind::none);
+    reader.endArray();
+    EXPECT_EQ(reader.readText(), "name");
+    EXPECT_EQ(reader.readText(), CString("x\0y", 3));
+    reader.endDictionary();
+}
+
+TEST(Stack, GivesBackWhatWasWritten) {
+    Stack stack;
+    Writer writer(stack);
+    writer.writeNull();
+    writeSample(writer);
+    writer.writeBool(true);
+    writer.writeUnsigned(4000000000U);
+    EXPECT_EQ(stack.size(), 4U);
+
+    Reader reader(stack);
+    EXPECT_TRUE(reader.isNull());
+    reader.readNull();
+    EXPECT_EQ(reader.kind(), Kind::dictionary);
+    expectSample(reader);
+    EXPECT_EQ(reader.kind(), Kind::boolean);
+    EXPECT_TRUE(reader.readBool());
+    EXPECT_EQ(reader.readUnsigned(), 4000000000U);
+    EXPECT_EQ(reader.kind(), Kind::none);
+}
+
+TEST(Stack, SkipsWhatIsLeftUnread) {
+    Stack stack;
+    Writer writer(stack);
+    writer.startArray(2);
+    writeSample(writer);
+    writer.writeInt(5);
+    writer.endArray();
+    writer.writeInt(6);
+
+    Reader reader(stack);
+    reader.startArray();
+    reader.startDictionary();
+    reader.endDictionary();
+    EXPECT_EQ(reader.readInt(), 5);
+    reader.endArray();
+    EXPECT_EQ(reader.readInt(), 6);
+    Reader skipping(stack);
+    skipping.skip();
+    EXPECT_EQ(skipping.readInt(), 6);
+}
+
+TEST(Stack, CopiesSingleItemsWithAllThatTheyHold) {
+    Stack stack;
+    {
+        Writer writer(stack);
+        writer.startArray(1);
+        writeSample(writer);
+        writer.endArray();
+    }
+    Reader reader(stack);
+    reader.startArray();
+    Stack item;
+    reader.readItem(item);
+    EXPECT_EQ(reader.kind(), Kind::none);
+
+    Stack copies;
+    Writer writer(copies);
+    writer.startArray(2);
+    writer.writeItem(item);
+    writer.writeItem(Stack());
+    writer.endArray();
+    writer.writeItem(copies);  // of itself
+    EXPECT_EQ(copies.size(), 2U);
+    Reader copied(copies);
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(copied.startArray(), 2U);
+        expectSample(copied);
+        copied.readNull();
+        copied.endArray();
+    }
+}
+
+TEST(Stack, HoldsAnyDepth) {
+    constexpr int depth = 300000;
+    Stack deep;
+    {
+        Writer writer(deep);
+        for (int i = 0; i < depth; ++i) writer.startArray(1);
+    }
+    Stack copy;
+    Reader(deep).readItem(copy);
+    Reader reader(copy);
+    int levels = 0;
+    while (reader.kind() == Kind::array) levels += reader.startArray() <= 1 ? 1 : 2;
+    EXPECT_EQ(levels, depth);
+    for (int i = 0; i < depth; ++i) reader.endArray();
+    EXPECT_EQ(reader.kind(), Kind::none);
+}
+
+TEST(Stack, StaysWellFormedWhateverIsWritten) {
+    Stack stack;
+    {
+        Writer writer(stack);
+        EXPECT_EQ(messageOf([&] { writer.endArray(); }), "no such container is open");
+        writer.startDictionary(7);
+        EXPECT_EQ(messageOf([&] { writer.writeInt(1); }), "the key of a dictionary must be a string");
+        EXPECT_EQ(messageOf([&] { writer.endArray(); }), "no such container is open");
+        writer.writeText("a");
+        writer.startArray(100);
+        writer.endArray();
+        writer.writeText("b");
+        EXPECT_EQ(messageOf([&] { writer.endDictionary(); }), "the last entry of a dictionary has no value");
+    }
+    Writer(stack).writeInt(2);
+    Reader reader(stack);
+    EXPECT_EQ(reader.startDictionary(), 1U);
+    reader.endDictionary();
+    EXPECT_EQ(reader.readInt(), 2);
+}
+
+TEST(Stack, TakesAnEmptyContainerForEitherKind) {
+    Stack stack;
+    Writer writer(stack);
+    writer.startArray(0);
+    writer.endArray();
+    EXPECT_EQ(Reader(stack).startDictionary(), 0U);
+    EXPECT_EQ(Reader(stack).startArray(), 0U);
+}
+
+TEST(Reader, ReadsWholeNumbersOnlyWithinTheirRange) {
+    struct Row {
+        double number;
+        bool isInt;
+        bool isUnsigned;
+        bool isByte;
+        bool isLong;
+    };
+    double const nan = std::numeric_limits<double>::quiet_NaN();
+    for (Row const& row :
+         {Row{0, true, true, true, true}, Row{-1, true, false, false, true}, Row{2147483647, true, true, false, true},
+          Row{2147483648.0, false, true, false, true}, Row{-2147483648.0, true, false, false, true},
+          Row{4294967296.0, false, false, false, true}, Row{0.5, false, false, false, false},
+          Row{1e300, false, false, false, false}, Row{nan, false, false, false, false}}) {
+        Stack stack;
+        Writer(stack).writeDouble(row.number);
+        auto const accepts = [&]<class T>(T value) {
+            bool const read = messageOf([&] {
+                                  Reader reader(stack);
+                                  nxRFL::read(reader, value);
+                              }) == "no error";
+            EXPECT_EQ(static_cast<double>(value), read ? row.number : 0.0);
+            return read;
+        };
+        EXPECT_EQ(accepts(int()), row.isInt) << row.number;
+        EXPECT_EQ(accepts(unsigned()), row.isUnsigned) << row.number;
+        EXPECT_EQ(accepts(static_cast<unsigned char>(0)), row.isByte) << row.number;
+        EXPECT_EQ(accepts(0L), row.isLong) << row.number;
+    }
+}
+
+TEST(Reader, SaysWhereWhichItemIsOfTheWrongKind) {
+    Stack stack;
+    {
+        Writer writer(stack);
+        writer.writeInt(1);
+        writer.startArray(2);
+        writer.writeBool(true);
+        writeSample(writer);
+        writer.endArray();
+    }
+    Reader reader(stack);
+    EXPECT_EQ(messageOf([&] { reader.readText(); }), "item 1 must be string, but is number");
+    reader.readInt();
+    EXPECT_EQ(messageOf([&] { reader.startDictionary(); }), "item 2 must be dictionary, but is array");
+    reader.startArray();
+    EXPECT_EQ(messageOf([&] { reader.readNull(); }), "item 2[1] must be null, but is boolean");
+    reader.readBool();
+    reader.startDictionary();
+    reader.readText();
+    reader.startArray();
+    reader.readDouble();
+    EXPECT_EQ(messageOf([&] { reader.readFunction(); }), "item 2[2].min[2] must be function, but is number");
+    EXPECT_EQ(messageOf([&] { reader.readObject(ur::TypeInfo::of<Stack>()); }),
+              "item 2[2].min[2] must be nxRFL::Stack, but is number");
+    reader.readDouble();
+    EXPECT_EQ(messageOf([&] { reader.readDouble(); }), "item 2[2].min[3] must be number, but is missing");
+}
+
+TEST(Reader, ReadsDictionariesByKeyHandlers) {
+    auto const readSample = [](Stack const& stack, unsigned count) {
+        int sum = 0;
+        Reader reader(stack);
+        nxRFL::readDictionary(reader, "sample", count, [&](CString const& key) {
+            if (key == "min") {
+                reader.startArray();
+                sum += reader.readInt();
+                reader.endArray();
+                return true;
+            }
+            if (key != "name") return false;
+            sum += static_cast<int>(reader.readText().size());
+            return true;
+        });
+        EXPECT_EQ(reader.kind(), Kind::none);
+        return sum;
+    };
+    Stack stack;
+    {
+        Writer writer(stack);
+        writeSample(writer);
+    }
+    EXPECT_EQ(readSample(stack, 2), 1 + 3);
+    EXPECT_EQ(messageOf([&] { readSample(stack, 1); }), "item 1 is no sample: \"name\" is one key too many");
+
+    Stack other;
+    {
+        Writer writer(other);
+        writer.startDictionary(1);
+        writer.writeText("max");
+        writer.writeNull();
+    }
+    EXPECT_EQ(messageOf([&] { readSample(other, 2); }), "item 1 is no sample: \"max\" is one key too many");
+    Stack none;
+    Writer(none).startArray(0);
+    EXPECT_EQ(readSample(none, 2), 0);
+}
+
+}  // namespace

@@ -1,0 +1,109 @@
+// How signatures name native types.
+#pragma once
+
+#include <concepts>
+#include <functional>
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+#include "foundation/nxRFL/Database.h"
+#include "foundation/nxRFL/IteratorState.h"
+
+namespace nxRFL {
+
+/// The name of a value type, as its member `name`; specialize it beside the type's `read` and `write`. A class without
+/// one is named as it is registered.
+template <class T>
+struct TypeName {};
+
+/// The whole numbers that are no truth values.
+template <class T>
+concept WholeNumber = std::integral<T> && !std::same_as<T, bool>;
+
+/// The state of an iterator: handed to scripts and taken from them as the base of all states.
+template <class T>
+concept WalkState = std::derived_from<T, IteratorState>;
+
+template <>
+struct TypeName<void> {
+    static constexpr char const* name = "void";
+};
+template <>
+struct TypeName<bool> {
+    static constexpr char const* name = "boolean";
+};
+template <class T>
+requires(WholeNumber<T> || std::floating_point<T>) struct TypeName<T> {
+    static constexpr char const* name = "number";
+};
+template <>
+struct TypeName<urString::CString> {
+    static constexpr char const* name = "string";
+};
+template <>
+struct TypeName<char const*> : TypeName<urString::CString> {};
+template <>
+struct TypeName<ur::Reference<Function>> {
+    static constexpr char const* name = "function";
+};
+template <class Result, class... Arguments>
+struct TypeName<std::function<Result(Arguments...)>> : TypeName<ur::Reference<Function>> {};
+template <>
+struct TypeName<Object> {
+    static constexpr char const* name = "object";
+};
+template <class First, class Second>
+struct TypeName<std::pair<First, Second>> {
+    static constexpr char const* name = "object[2]";
+};
+template <class T>
+struct TypeName<ur::vector<T>> {
+    static constexpr char const* name = "array";
+};
+template <class T, class Less>
+struct TypeName<ur::map<urString::CString, T, Less>> {
+    static constexpr char const* name = "dictionary";
+};
+template <WalkState T>
+struct TypeName<T> {
+    static constexpr char const* name = "nxRFL::IteratorState";
+};
+
+namespace impl {
+
+// The class behind the ways of handing an object over.
+template <class T>
+struct Handed {
+    using Type = T;
+};
+template <class T>
+struct Handed<T*> {
+    using Type = std::remove_const_t<T>;
+};
+template <class T>
+struct Handed<ur::Reference<T>> {
+    using Type = std::remove_const_t<T>;
+};
+template <class T>
+struct Handed<std::unique_ptr<T>> {
+    using Type = T;
+};
+
+}  // namespace impl
+
+/// The name of T, a value or an object by value, pointer or reference, in signatures.
+template <class T>
+[[nodiscard]] urString::CString typeName(Database const& database) {
+    using Plain = std::remove_cvref_t<T>;
+    using Target = typename impl::Handed<Plain>::Type;
+    if constexpr (requires { TypeName<Plain>::name; }) {
+        return TypeName<Plain>::name;
+    } else if constexpr (requires { TypeName<Target>::name; }) {
+        return TypeName<Target>::name;
+    } else {
+        return database.nameOf(ur::TypeInfo::of<Target>());
+    }
+}
+
+}  // namespace nxRFL

@@ -1,0 +1,167 @@
+// How native values and objects are read from a stack and written to one.
+#pragma once
+
+#include <limits>
+#include <memory>
+
+#include "foundation/nxRFL/Callback.h"
+#include "foundation/nxRFL/Reader.h"
+#include "foundation/nxRFL/Writer.h"
+#include "foundation/nxRFL/typeName.h"
+
+namespace nxRFL {
+
+// A value type crosses over by two functions in this namespace or in its own, `read(Reader&, T&)` and
+// `write(Writer&, T const&)`. Objects of every other class cross over by pointer, by ur::Reference or, unless they may
+// be null, by reference.
+
+template <std::same_as<bool> T>
+void read(Reader& reader, T& value) {
+    value = reader.readBool();
+}
+inline void read(Reader& reader, double& value) { value = reader.readDouble(); }
+inline void read(Reader& reader, float& value) { value = reader.readFloat(); }
+inline void read(Reader& reader, urString::CString& value) { value = reader.readText(); }
+inline void read(Reader& reader, ur::Reference<Function>& value) { value = reader.readFunction(); }
+inline void read(Reader& reader, Object& value) { value = reader.readAnyObject(); }
+
+// By the exact type, since pointers convert to bool.
+template <std::same_as<bool> T>
+void write(Writer& writer, T value) {
+    writer.writeBool(value);
+}
+inline void write(Writer& writer, double value) { writer.writeDouble(value); }
+inline void write(Writer& writer, float value) { writer.writeFloat(value); }
+inline void write(Writer& writer, urString::CString value) { writer.writeText(std::move(value)); }
+inline void write(Writer& writer, char const* value) { writer.writeText(value); }
+inline void write(Writer& writer, ur::Reference<Function> value) { writer.writeFunction(std::move(value)); }
+inline void write(Writer& writer, Object value) { writer.writeObject(std::move(value)); }
+
+/// Numbers are doubles on the way: those of 64 bits are exact up to 2^53, and no greater ones are read.
+template <WholeNumber T>
+void read(Reader& reader, T& value) {
+    using Limits = std::numeric_limits<T>;
+    constexpr double exact = 9007199254740992.0;
+    if constexpr (Limits::digits <= 53) {
+        value = static_cast<T>(reader.readWhole(Limits::lowest(), Limits::max()));
+    } else {
+        value = static_cast<T>(reader.readWhole(Limits::is_signed ? -exact : 0.0, exact));
+    }
+}
+template <WholeNumber T>
+void write(Writer& writer, T value) {
+    writer.writeDouble(static_cast<double>(value));
+}
+
+template <class T>
+requires std::is_class_v<T>
+void read(Reader& reader, T*& object) { object = static_cast<T*>(reader.readObjectOrNull(ur::TypeInfo::of<T>())); }
+template <class T>
+void read(Reader& reader, ur::Reference<T>& object) {
+    object.reset(static_cast<T*>(reader.readObjectOrNull(ur::TypeInfo::of<T>())));
+}
+/// Scripts do not know constant objects.
+template <class T>
+requires std::is_class_v<T>
+void write(Writer& writer, T* object) {
+    using Plain = std::remove_const_t<T>;
+    writer.writeObject(Object(const_cast<Plain*>(object), impl::defaultTypeUtil<Plain>()));
+}
+template <class T>
+void write(Writer& writer, ur::Reference<T> const& object) {
+    write(writer, object.get());
+}
+/// Given to the script.
+template <WalkState T>
+void write(Writer& writer, std::unique_ptr<T> state) {
+    IteratorState* const base = state.release();
+    writer.writeObject(Object::give(base, impl::ownableType<IteratorState>));
+}
+
+/// Null is an empty callable. Errors of the function go to `Callback::callHandler`; the result then is a default one.
+template <class Result, class... Arguments>
+void read(Reader& reader, std::function<Result(Arguments...)>& callable);
+
+template <class T>
+void read(Reader& reader, ur::vector<T>& values) {
+    unsigned const count = reader.startArray();
+    values.clear();
+    values.reserve(count);
+    for (unsigned i = 0; i < count; ++i) {
+        T value{};
+        read(reader, value);
+        values.push_back(std::move(value));
+    }
+    reader.endArray();
+}
+template <class T>
+void write(Writer& writer, ur::vector<T> const& values) {
+    writer.startArray(static_cast<unsigned>(values.size()));
+    for (T const& value : values) write(writer, value);
+    writer.endArray();
+}
+
+template <class T, class Less>
+void write(Writer& writer, ur::map<urString::CString, T, Less> const& entries) {
+    writer.startDictionary(static_cast<unsigned>(entries.size()));
+    for (auto const& [key, value] : entries) {
+        writer.writeText(key);
+        write(writer, value);
+    }
+    writer.endDictionary();
+}
+
+/// A pair is an array of two.
+template <class First, class Second>
+void write(Writer& writer, std::pair<First, Second> const& pair) {
+    writer.startArray(2);
+    write(writer, pair.first);
+    write(writer, pair.second);
+    writer.endArray();
+}
+
+template <class T>
+concept Readable = requires(Reader& reader, T& value) {
+    read(reader, value);
+};
+template <class T>
+concept Writable = requires(Writer& writer, T&& value) {
+    write(writer, std::forward<T>(value));
+};
+
+/// Writes a value, or an object that is handed over by reference.
+template <class T>
+void writeAny(Writer& writer, T&& value) {
+    if constexpr (Writable<T>) {
+        write(writer, std::forward<T>(value));
+    } else {
+        static_assert(std::is_lvalue_reference_v<T>, "an object crosses over by pointer or reference, not by value");
+        write(writer, &value);
+    }
+}
+
+template <class Result, class... Arguments>
+void read(Reader& reader, std::function<Result(Arguments...)>& callable) {
+    callable = nullptr;
+    ur::Reference<Function> function = reader.readFunction();
+    if (!function) return;
+    callable = [callback = Callback(std::move(function))](Arguments... arguments) -> Result {
+        Stack values;
+        Stack results;
+        Writer writer(values);
+        (writeAny<Arguments>(writer, std::forward<Arguments>(arguments)), ...);
+        bool const succeeded = callback.call(values, results);
+        if constexpr (!std::is_void_v<Result>) {
+            Result result{};
+            try {
+                Reader resultReader(results);
+                if (succeeded) read(resultReader, result);
+            } catch (Exception const& error) {
+                callback.callHandler(error);
+            }
+            return result;
+        }
+    };
+}
+
+}  // namespace nxRFL
