@@ -98,13 +98,13 @@ private:
     // access.cpp
     ur::Reference<Resource> accessAbsent(Shim& shim);
     bool createResource(Shim& shim);
-    void account(Shim& shim, unsigned size, TraceRecorder::Event event);
     void linkSources(Shim& shim, KeyData const& key);
     void withdraw(Shim& shim) noexcept;
     ClassUsage& usageOf(KeyData const& key);
     [[nodiscard]] bool isAttached(Shim const& shim) const noexcept { return shim.manager_ && !shim.removing_; }
 
     // limits.cpp
+    void account(Shim& shim, unsigned size, TraceRecorder::Event event);
     void link(Shim& shim) noexcept {
         if (shim.lockCount_ <= 0) lru_.append(shim);
     }

@@ -16,10 +16,7 @@ PageFile::PageFile(urString::IString const& path) : openError_(file_.open(std::s
 }
 
 PageFile::~PageFile() {
-    while (PageFileEntry* const entry = objectOf(entries_.next())) {
-        entry->unlink();
-        delete entry;
-    }
+    for (Node* node = entries_.next(); node != &entries_;) delete std::exchange(node, node->next())->object();
 }
 
 PageFileEntry* PageFile::allocate(std::uint64_t bytes) {

@@ -3,9 +3,7 @@
 
 #include "foundation/urOS/Filename.h"
 #include "foundation/urOS/StopWatch.h"
-#include "krcache/debugChannel.h"
 #include "krcache/impl/ManagerImpl.h"
-#include "krcache/impl/sizes.h"
 
 namespace urKRCache {
 namespace {
@@ -22,14 +20,6 @@ public:
 private:
     ur::vector<ur::Reference<Shim>>* shims_;
 };
-
-constexpr unsigned sizeWorthAWarning = 524288;
-constexpr std::int32_t sizeTolerance = 1024;
-
-bool isUnanticipated(std::uint32_t size, std::uint32_t expected) {
-    auto const difference = static_cast<std::int32_t>(size - expected);
-    return size > sizeWorthAWarning && (difference <= -sizeTolerance || difference >= sizeTolerance);
-}
 
 }  // namespace
 
@@ -119,25 +109,6 @@ bool ManagerImpl::createResource(Shim& shim) {
     link(shim);
     account(shim, size, TraceRecorder::Event::build);
     return true;
-}
-
-/// Counts a resource that has come into memory, and makes the room that it needs.
-void ManagerImpl::account(Shim& shim, unsigned size, TraceRecorder::Event event) {
-    if (isUnanticipated(size, shim.size_)) {
-        debugChannel().print("Unanticipated %.02fMB resource!\n", impl::megabytes(size));
-    }
-    shim.size_ = size;
-    addToUsed(shim);
-    record(event, shim);
-    accountant_.resourceCreated(&shim);
-    ur::Reference<Resource> const resource = shim.resource_;
-    try {
-        ur::Reference<KeyData>(shim.key_)->initializeResource(resource);
-    } catch (...) {
-        if (shim.resource_ == resource && shim.isResourceAllocated()) clearAllocated(shim, Cause::buildFailure);
-        throw;
-    }
-    enforceMemoryLimit(size);
 }
 
 }  // namespace urKRCache

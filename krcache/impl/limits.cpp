@@ -12,6 +12,14 @@ namespace {
 constexpr std::uint64_t sampleInterval = 2097152;  ///< bytes requested between two samples of the resident size
 constexpr std::uint64_t unknownRequest = 209715;   ///< what a request without a size counts: a tenth of it
 
+constexpr unsigned sizeWorthAWarning = 524288;
+constexpr std::int32_t sizeTolerance = 1024;
+
+bool isUnanticipated(std::uint32_t size, std::uint32_t expected) {
+    auto const difference = static_cast<std::int32_t>(size - expected);
+    return size > sizeWorthAWarning && (difference <= -sizeTolerance || difference >= sizeTolerance);
+}
+
 /// Adds to a counter and to the part of it that is reserved, for as long as a scope runs.
 class Reservation {
 public:
@@ -34,6 +42,25 @@ private:
 };
 
 }  // namespace
+
+/// Counts a resource that has come into memory, and makes the room that it needs.
+void ManagerImpl::account(Shim& shim, unsigned size, TraceRecorder::Event event) {
+    if (isUnanticipated(size, shim.size_)) {
+        debugChannel().print("Unanticipated %.02fMB resource!\n", impl::megabytes(size));
+    }
+    shim.size_ = size;
+    addToUsed(shim);
+    record(event, shim);
+    accountant_.resourceCreated(&shim);
+    ur::Reference<Resource> const resource = shim.resource_;
+    try {
+        ur::Reference<KeyData>(shim.key_)->initializeResource(resource);
+    } catch (...) {
+        if (shim.resource_ == resource && shim.isResourceAllocated()) clearAllocated(shim, Cause::buildFailure);
+        throw;
+    }
+    enforceMemoryLimit(size);
+}
 
 /// The resource has come into memory.
 void ManagerImpl::addToUsed(Shim const& shim) noexcept {

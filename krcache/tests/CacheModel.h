@@ -1,0 +1,359 @@
+// A manager beside a plain model of it: both do the same, and must say and hold the same.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <list>
+
+#include "krcache/tests/TestKeys.h"
+
+namespace urKRCache::test {
+
+/// The second class of keys; their resources are not resident.
+struct ElsewhereKey : Key {
+    using Key::Key;
+    bool isResidential() const override { return false; }
+};
+
+/// What a manager should do, without graphs, tables or files: arrays, a list, and recursion.
+class PlainCache {
+public:
+    static constexpr int count = 24;
+    enum class State { absent, memory, paged };
+    struct Entry {
+        bool exists = false, isWeak = false, isSerializable = false, isHot = false, isRemoving = false;
+        State state = State::absent;
+        int locks = 0, builds = 0, held = 0, references = 0;
+        unsigned size = 0;
+        std::vector<int> children, parents;
+    };
+
+    /// Size of the n-th resource that a key builds; `Key::none` for none.
+    static unsigned sizeOf(int key, int build) {
+        unsigned const hash = static_cast<unsigned>(key * 7919 + build * 104729) * 2654435761U >> 8;
+        if (hash % 11 == 0) return Key::none;
+        if (hash % 7 == 0) return 524'000 + hash % 3000;
+        return hash % 5 == 0 ? hash % 16 : hash % 6000;
+    }
+    static constexpr unsigned payloadSize = 8;
+
+    void create(int key, bool isWeak, std::vector<int> const& children) {
+        entries[key] = Entry();
+        entries[key].exists = true, entries[key].isWeak = isWeak, entries[key].children = children;
+        for (int const child : children) ++entries[child].references, entries[child].parents.push_back(key);
+        for (int const child : children) unref(child);
+    }
+    bool access(int key) {
+        Entry& entry = entries[key];
+        if (entry.state == State::memory) {
+            if (entry.locks == 0) lru.remove(key), lru.push_back(key);
+        } else if (entry.state == State::paged) {
+            makeSpace(entry.size);
+            put(key, entry.size);
+        } else {
+            makeSpace(entry.size);
+            unsigned const size = sizeOf(key, ++entry.builds);
+            if (size == Key::none) return false;
+            put(key, size);
+        }
+        if (inInteraction && !entry.isHot) entry.isHot = true, addHot(entry.size);
+        return entry.state != State::absent;
+    }
+    void lock(int key) {
+        Entry& entry = entries[key];
+        if (++entry.locks > 1 || entry.state != State::memory) return;
+        lru.remove(key);
+        addLocked(entry.size);
+        if (maxLocked + 1048576 > limit) say("Locked resources too large for size limit!\n"), sayUsage();
+    }
+    void unlock(int key) {
+        Entry& entry = entries[key];
+        if (entry.locks == 0 || --entry.locks > 0 || entry.state != State::memory) return;
+        lru.push_back(key);
+        locked -= entry.size;
+    }
+    void clear(int key) {
+        Entry& entry = entries[key];
+        if (entry.state != State::memory || entry.locks > 0) return;
+        uncount(key);
+        entry.state = entry.isSerializable ? State::paged : State::absent;
+        if (!entry.isSerializable || entry.size >= payloadSize) return;
+        entry.state = State::absent;
+        say("Dropped a %.02fMB resource instead of paging it: the resource writes more than its size\n", entry.size);
+    }
+    void remove(int key) {
+        Entry& entry = entries[key];
+        if (!entry.exists || std::exchange(entry.isRemoving, true)) return;
+        if (entry.state == State::memory) uncount(key);
+        entry.state = State::absent;
+        std::vector<int> const children = std::exchange(entry.children, {});
+        std::vector<int> const parents = std::exchange(entry.parents, {});
+        for (int const child : children) ++entries[child].references, std::erase(entries[child].parents, key);
+        for (int const parent : parents) ++entries[parent].references, std::erase(entries[parent].children, key);
+        for (int const parent : parents) remove(parent);
+        for (auto list : {parents, children}) {
+            for (; !list.empty(); list.pop_back()) unref(list.back());
+        }
+        entry.exists = entry.isHot = false;
+    }
+    /// A reference goes that is not the client's; the client's are in `held`.
+    void unref(int key) {
+        --entries[key].references;
+        dropped(key);
+    }
+    void dropped(int key) {
+        Entry const& entry = entries[key];
+        std::size_t const strong = static_cast<std::size_t>(1 + entry.held + entry.references);
+        if (entry.exists && entry.isWeak && strong == entry.parents.size()) remove(key);
+    }
+    void enforce() {
+        while (isOver() && !lru.empty()) {
+            int const head = lru.front();
+            ++entries[head].references;
+            clear(head);
+            unref(head);
+        }
+        if (isOver()) say("Locked resources exceed memory limit by (%.02fMB)\n", used - limit), sayUsage();
+    }
+    void setLimit(std::int64_t bytes) {
+        say("Memory limit set to %.02fMB\n", bytes);
+        limit = bytes;
+        enforce();
+    }
+    void allocateExternal(std::int64_t bytes) {
+        std::int64_t const given = limit == 0 ? 0 : std::min(bytes, limit - 1);
+        if (limit > 0) debt += bytes - given;
+        setLimit(limit - given);
+        say("Creating a %.02fMB external resource.\n", bytes);
+        external += bytes, addHot(bytes), addLocked(bytes);
+    }
+    void deleteExternal(std::int64_t bytes) {
+        say("Destroyed a %.02fMB external resource.\n", bytes);
+        external -= bytes, hot -= bytes, locked -= bytes;
+        std::int64_t const paid = std::min(bytes, debt);
+        debt -= paid;
+        setLimit(limit == 0 ? 0 : limit + bytes - paid);
+    }
+    void startInteraction() { inInteraction = true, hot = maxHot = 0; }
+    void endInteraction() {
+        inInteraction = false;
+        if (maxHot > maxWorkingSet) maxWorkingSet = maxHot, sayPeak("Maximum working set", maxHot);
+        for (Entry& entry : entries) entry.isHot = false;
+        if (maxWorkingSet + 1048576 > limit) say("Working set too large for size limit!\n"), sayUsage();
+    }
+
+    std::array<Entry, count> entries;
+    std::list<int> lru;
+    std::int64_t used = 0, limit = 0, debt = 0, external = 0, locked = 0, maxLocked = 0, hot = 0, maxHot = 0,
+                 maxWorkingSet = 0;
+    bool inInteraction = false;
+    std::string said;
+
+private:
+    [[nodiscard]] bool isOver() const { return limit > 0 && used > limit; }
+    void makeSpace(std::int64_t bytes) {
+        used += bytes;
+        if (bytes > 0) enforce();
+        used -= bytes;
+    }
+    void put(int key, unsigned size) {
+        Entry& entry = entries[key];
+        entry.state = State::memory;
+        if (entry.locks == 0) lru.push_back(key);
+        used += size;
+        auto const difference = std::abs(std::int64_t{size} - entry.size);
+        if (size > 524288 && difference >= 1024) say("Unanticipated %.02fMB resource!\n", size);
+        entry.size = size;
+        if (entry.locks > 0) addLocked(size);
+        enforce();
+    }
+    void uncount(int key) {
+        Entry& entry = entries[key];
+        used -= entry.size;
+        if (entry.locks > 0) locked -= entry.size;
+        if (entry.isHot && inInteraction) hot -= entry.size;
+        entry.isHot = false;
+        if (entry.locks == 0) lru.remove(key);
+    }
+    void addHot(std::int64_t bytes) { hot += bytes, maxHot = std::max(hot, maxHot); }
+    void addLocked(std::int64_t bytes) {
+        locked += bytes;
+        if (locked > maxLocked) maxLocked = locked, sayPeak("Maximum locked size", locked);
+    }
+    static float megabytes(std::int64_t bytes) { return static_cast<float>(bytes) * 9.5367431640625e-07F; }
+    void say(char const* format, std::int64_t bytes = 0) {
+        char text[200];
+        std::snprintf(text, sizeof text, format, static_cast<double>(megabytes(bytes)));
+        said += text;
+    }
+    void sayPeak(char const* what, std::int64_t bytes) {
+        say((std::string(what) + " is %.02fMB").c_str(), bytes);
+        say(" (%.02f external)\n", external);
+    }
+    void sayUsage() {
+        say("\nTotal resource memory: %0.02f MB\n", used);
+        std::map<ur::TypeInfo, std::int64_t> bytes;
+        for (int key = 0; key < count; ++key) {
+            if (entries[key].state != State::memory) continue;
+            bytes[key % 2 ? ur::TypeInfo::of<ElsewhereKey>() : ur::TypeInfo::of<Key>()] += entries[key].size;
+        }
+        for (auto const& [type, sum] : bytes)
+            say(("Resource type " + std::string(type.name()) + ": %0.02f MB\n").c_str(), sum);
+    }
+};
+
+/// Plays calls that it draws on a manager and on the model.
+class CacheModel {
+public:
+    explicit CacheModel(std::function<unsigned()> draw) : draw_(std::move(draw)) {}
+
+    /// One call on both. What differs then, or an empty text.
+    std::string step() {
+        play(static_cast<int>(draw_() % PlainCache::count));
+        for (int key = 0; key < PlainCache::count; ++key) {
+            if (!model_.entries[key].exists) held_[key].reset(), model_.entries[key].held = 0;
+        }
+        return difference();
+    }
+
+private:
+    using State = PlainCache::State;
+    using Entry = PlainCache::Entry;
+
+    void play(int key) {
+        Manager& manager = cache_.manager;
+        unsigned const what = draw_() % 32;
+        if (what == 0) return limit(drawLimit());
+        if (what == 1) return external();
+        if (what == 2) return interaction();
+        if (what == 3) return clearAll();
+        if (what == 4) return model_.enforce(), manager.enforceMemoryLimit(draw_());
+        if (!held_[key]) return get(key);
+        ur::Reference<Shim> const& shim = held_[key];
+        switch (what) {
+            case 5: return drop(key);
+            case 6: model_.remove(key), manager.removeResource(shim); break;
+            case 7: model_.entries[key].isSerializable = true, manager.setSerializable(shim); break;
+            case 8: model_.clear(key), manager.clearResource(shim); break;
+            case 9:
+            case 10: model_.lock(key), manager.lockResource(shim); break;
+            case 11:
+            case 12:
+            case 13: model_.unlock(key), manager.unlockResource(shim); break;
+            default: access(key);
+        }
+        model_.dropped(key);  // the argument
+    }
+    void limit(unsigned bytes) {
+        model_.debt = 0;
+        model_.setLimit(bytes);
+        cache_.manager.setMemoryLimit(bytes);
+    }
+    unsigned drawLimit() {
+        unsigned const drawn = draw_();
+        return drawn % 8 == 0 ? 0 : 1 + drawn % (drawn % 3 == 0 ? 2'000'000 : 40'000);
+    }
+    void external() {
+        if (externals_.empty() || draw_() % 2) {
+            externals_.push_back(draw_() % 30'000);
+            model_.allocateExternal(externals_.back());
+            return cache_.manager.allocatingExternalResource(externals_.back());
+        }
+        model_.deleteExternal(externals_.back());
+        cache_.manager.deletedExternalResource(externals_.back());
+        externals_.pop_back();
+    }
+    void interaction() {
+        bool const isStart = !model_.inInteraction || draw_() % 8 == 0;
+        isStart ? model_.startInteraction() : model_.endInteraction();
+        isStart ? cache_.manager.startInteraction() : cache_.manager.endInteraction();
+    }
+    // The manager holds all shims meanwhile and lets go of them in the order of its table, which the model does not
+    // know: left out when that could matter.
+    void clearAll() {
+        for (Entry const& entry : model_.entries) {
+            if (entry.isWeak && entry.parents.size() > 1) return;
+        }
+        for (int key = 0; key < PlainCache::count; ++key) model_.clear(key);
+        model_.said += "Resources cleared.\n";
+        for (int key = 0; key < PlainCache::count; ++key) model_.dropped(key);
+        cache_.manager.clear();
+    }
+    void get(int number) {
+        Entry& entry = model_.entries[number];
+        auto const key = number % 2 ? ur::Reference<Key>(new ElsewhereKey(number)) : ur::make<Key>(number);
+        key->hash = static_cast<unsigned>(number % 7) << 20;
+        key->make = [key = key.get()] { return build(*key); };
+        bool const isWeak = draw_() % 3 == 0;
+        if (!entry.exists) {
+            std::vector<int> children;
+            for (unsigned left = draw_() % 4; left > 0; --left) {
+                int const child = static_cast<int>(draw_() % PlainCache::count);
+                if (child != number && held_[child]) children.push_back(child);
+            }
+            key->onVisit = [this, children](KeyVisitor& visitor) {
+                for (int const child : children) visitor.visit(held_[child].get());
+            };
+            model_.create(number, isWeak, children);
+        }
+        entry.held = 1;
+        held_[number] = cache_.manager.getShim(key, isWeak ? Shim::WeakCounted : Shim::Retained);
+        key->onVisit = nullptr;
+    }
+    static ur::Reference<Resource> build(Key const& key) {
+        unsigned const size = PlainCache::sizeOf(key.number, key.builds);
+        if (size == Key::none) return {};
+        return ur::Reference<Resource>(new Blob(size, payload(key.number, key.builds)));
+    }
+    static std::string payload(int key, int build) {
+        std::string text = std::to_string(key) + ":" + std::to_string(build);
+        text.resize(PlainCache::payloadSize, '.');
+        return text;
+    }
+    void drop(int key) {
+        model_.entries[key].held = 0;
+        model_.dropped(key);
+        held_[key].reset();
+    }
+    void access(int key) {
+        bool const isThere = model_.access(key);
+        auto const resource = cache_.manager.accessResource(held_[key]);
+        Entry const& entry = model_.entries[key];
+        if (isThere != !resource.null()) wrong_ = "access gives something else";
+        if (entry.state == State::memory && static_cast<Blob&>(*resource).payload != payload(key, entry.builds)) {
+            wrong_ = "the resource has another content";
+        }
+    }
+    std::string difference() {
+        std::string const said = messages_.take();
+        if (!wrong_.empty()) return wrong_;
+        if (said != std::exchange(model_.said, "")) return "other messages, among them: " + said;
+        if (auto const fault = cache_.manager.audit(); !fault.empty()) return std::string(fault.view());
+        if (cache_.manager.getMemoryUsed() != model_.used) return "another number of bytes";
+        if (cache_.manager.getMemoryLimit() != model_.limit) return "another limit";
+        int keys = 0;
+        for (int key = 0; key < PlainCache::count; ++key) {
+            Entry const& entry = model_.entries[key];
+            keys += entry.exists ? 1 : 0;
+            if (!held_[key]) continue;
+            if (held_[key]->isResourceAllocated() != (entry.state == State::memory)) return "other resources in memory";
+            if (held_[key]->isResourceSerialized() != (entry.state == State::paged)) return "other resources paged out";
+            if (held_[key]->isResourceLocked() != (entry.locks > 0)) return "other locks";
+            if (!held_[key]->manager()) return "a shim that has been removed";
+        }
+        return keys == cache_.manager.numKeys() ? "" : "another number of keys";
+    }
+
+    std::function<unsigned()> draw_;
+    Messages messages_;
+    Cache cache_;
+    PlainCache model_;
+    std::array<ur::Reference<Shim>, PlainCache::count> held_;
+    std::vector<unsigned> externals_;
+    std::string wrong_;
+};
+
+}  // namespace urKRCache::test

@@ -1,0 +1,31 @@
+// Random calls on a manager and on a plain model of it, with an audit after each.
+#include <cstdlib>
+#include <random>
+
+#include "krcache/tests/CacheModel.h"
+
+namespace urKRCache::test {
+namespace {
+
+// NX_CACHE_STEPS and NX_CACHE_SEED replay and prolong the play.
+unsigned fromEnvironment(char const* name, unsigned otherwise) {
+    char const* const text = std::getenv(name);
+    return text ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : otherwise;
+}
+
+TEST(CacheModel, AgreesWithTheManagerAfterEveryStep) {
+    unsigned const seed = fromEnvironment("NX_CACHE_SEED", 1);
+    unsigned const steps = fromEnvironment("NX_CACHE_STEPS", 100'000);
+    constexpr unsigned stepsPerPlay = 2000;
+    for (unsigned play = 0; play * stepsPerPlay < steps; ++play) {
+        std::mt19937 random(seed + play);
+        CacheModel model([&] { return static_cast<unsigned>(random()); });
+        for (unsigned step = 0; step < stepsPerPlay; ++step) {
+            std::string const difference = model.step();
+            ASSERT_EQ(difference, "") << "seed " << seed + play << ", step " << step;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace urKRCache::test
