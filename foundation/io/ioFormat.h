@@ -40,8 +40,9 @@ inline constexpr unsigned kindShift = 5;
 inline constexpr unsigned char numberMask = 31;
 /// The number that announces a longer one.
 inline constexpr unsigned char longNumber = 31;
-/// A token with the longest number: one byte and ten of seven bits each.
-inline constexpr std::size_t longestToken = 11;
+/// The most bytes that the rest of a long number has, and a whole token.
+inline constexpr std::size_t longestRest = 10;
+inline constexpr std::size_t longestToken = 1 + longestRest;
 inline constexpr std::size_t longestTypeName = 255;
 
 constexpr unsigned char token(Kind kind, unsigned number) noexcept {
@@ -56,6 +57,31 @@ constexpr std::uint32_t zigzag(std::int32_t value) noexcept {
 }
 constexpr std::int32_t unzigzag(std::uint32_t code) noexcept {
     return static_cast<std::int32_t>(code >> 1 ^ (0U - (code & 1U)));
+}
+
+/// Puts a token at `to`, where there is room for the longest one, and gives the place behind it.
+inline char* putToken(char* to, Kind kind, std::uint64_t number) noexcept {
+    bool const isLong = number >= longNumber;
+    *to++ = static_cast<char>(token(kind, isLong ? longNumber : static_cast<unsigned>(number)));
+    if (!isLong) return to;
+    for (number -= longNumber; number >= 0x80; number >>= 7) *to++ = static_cast<char>(number | 0x80);
+    *to++ = static_cast<char>(number);
+    return to;
+}
+
+/// Adds the rest of a long number, which begins at `from`, to `number`, and gives the place behind it. Null when it
+/// does not end before `end`, or is too large for 64 bits.
+inline char const* addRest(char const* from, char const* end, std::uint64_t& number) noexcept {
+    std::uint64_t rest = 0;
+    for (unsigned shift = 0; shift < 64 && from != end; shift += 7) {
+        std::uint64_t const group = static_cast<unsigned char>(*from++);
+        rest |= (group & 0x7F) << shift;
+        if (shift == 63 && group > 1) return nullptr;
+        if (group >= 0x80) continue;
+        number += rest;
+        return number >= rest ? from : nullptr;
+    }
+    return nullptr;
 }
 
 }  // namespace ioFormat

@@ -1,8 +1,6 @@
 // Reads packets.
 #include "foundation/io/ioReadContext.h"
 
-#include <algorithm>
-
 #include "foundation/io/ioClientReadContext.h"
 #include "foundation/io/ioPacketRegistry.h"
 
@@ -75,121 +73,6 @@ void ioReadContext::readPackets(ioClientReadContext& client) {
     if (nextByte() != ioFormat::endOfFileMark) return fail(ioStatus::malformed);
     input_.advance(1);
 }
-
-// Values ---------------------------------------------------------------------------------------------------------
-
-bool ioReadContext::comeToValue() {
-    while (ioPacketType* const type = openPacket()) {
-        if (readPacket(*type) == Ending::referred) fail(ioStatus::malformed);
-    }
-    return need(1);
-}
-
-bool ioReadContext::readNumber(ioFormat::Kind kind, std::uint64_t& number) {
-    if (!need(1)) return false;
-    unsigned char const token = nextByte();
-    if (ioFormat::kindOf(token) != kind) fail(ioStatus::malformed);
-    if (!ok()) return false;
-    input_.advance(1);
-    number = ioFormat::numberOf(token);
-    return number != ioFormat::longNumber || readRest(number);
-}
-
-bool ioReadContext::readRest(std::uint64_t& number) {
-    std::uint64_t rest = 0;
-    for (unsigned shift = 0; need(1); shift += 7) {
-        std::uint64_t const byte = nextByte();
-        // The last group has room for one bit only; the sum below must not wrap either.
-        bool const fits = shift < 63 || (shift == 63 && byte <= 1);
-        rest |= fits ? (byte & 0x7F) << shift : 0;
-        if (!fits || rest > std::numeric_limits<std::uint64_t>::max() - number) fail(ioStatus::malformed);
-        if (!ok()) return false;
-        input_.advance(1);
-        if (byte < 0x80) {
-            number += rest;
-            return true;
-        }
-    }
-    return false;
-}
-
-std::int32_t ioReadContext::readZigzag(ioFormat::Kind kind) {
-    std::uint64_t code = 0;
-    if (!readNumber(kind, code)) return 0;
-    if (code > std::numeric_limits<std::uint32_t>::max()) fail(ioStatus::malformed);
-    return ok() ? ioFormat::unzigzag(static_cast<std::uint32_t>(code)) : 0;
-}
-
-bool ioReadContext::otherBoolValue() {
-    if (!comeToValue()) return false;
-    unsigned char const token = nextByte();
-    if (token > ioFormat::trueMark) fail(ioStatus::malformed);
-    if (!ok()) return false;
-    input_.advance(1);
-    return token == ioFormat::trueMark;
-}
-
-int ioReadContext::otherIntValue() { return comeToValue() ? readZigzag(ioFormat::integer) : 0; }
-
-double ioReadContext::otherDoubleValue() {
-    if (!comeToValue()) return 0;
-    if (nextByte() != ioFormat::doubleMark) return readZigzag(ioFormat::wholeDouble);
-    return need(1 + sizeof(double)) ? takeDouble() : 0;
-}
-
-std::string_view ioReadContext::otherTextValue() {
-    std::uint64_t size = 0;
-    if (!comeToValue()) return {};
-    if (ioFormat::kindOf(nextByte()) == ioFormat::name) return readName();
-    if (!readNumber(ioFormat::text, size)) return {};
-    if (size > ioBufferedStreamInput::bufferBytes) return takeLongText(size);
-    return need(size) ? takeText(size) : std::string_view();
-}
-
-std::string_view ioReadContext::takeLongText(std::uint64_t size) {
-    // The text grows with the bytes that arrive, whatever size the file promises.
-    text_.clear();
-    while (text_.size() < size) {
-        if (!need(1)) return {};
-        std::string_view const piece = takeText(std::min<std::uint64_t>(size - text_.size(), input_.available()));
-        if (!ok()) return {};
-        text_.append(piece);
-    }
-    return text_;
-}
-
-std::string_view ioReadContext::readName() {
-    std::uint64_t number = 0;
-    if (!readNumber(ioFormat::name, number)) return {};
-    if (number > 0 && names_.knows(number - 1)) return names_.at(number - 1);
-    if (number > 0) fail(ioStatus::malformed);
-    std::uint64_t size = 0;
-    if (!ok() || !readNumber(ioFormat::text, size)) return {};
-    if (size > ioNameTable::longestName) fail(ioStatus::malformed);
-    if (!ok() || !need(size)) return {};
-    std::string_view const text = takeText(size);
-    if (!ok()) return {};
-    return names_.at(names_.remember(text));
-}
-
-char const* ioReadContext::readStringValue() {
-    std::string_view const text = readTextValue();
-    if (text.data() != text_.data()) text_.assign(text);
-    return text_.c_str();
-}
-
-void* ioReadContext::otherReference() {
-    while (ioPacketType* const type = openPacket()) {
-        if (readPacket(*type) == Ending::referred) return referredObject();
-    }
-    referencedType_ = nullptr;
-    std::uint64_t distance = 0;
-    if (!readNumber(ioFormat::reference, distance) || distance == 0) return nullptr;
-    if (distance > objects_.size()) fail(ioStatus::unresolvedReference);
-    return ok() ? use(objects_[objects_.size() - distance]) : nullptr;
-}
-
-void* ioReadContext::referredObject() { return use(closed_); }
 
 // Packets --------------------------------------------------------------------------------------------------------
 
@@ -284,14 +167,4 @@ ioReadContext::Ending ioReadContext::passOverMark() {
         default: fail(ioStatus::malformed);
     }
     return Ending::plain;
-}
-
-void ioReadContext::passOverText() {
-    std::uint64_t size = 0;
-    if (!readNumber(ioFormat::text, size)) return;
-    while (size > 0 && need(1)) {
-        std::size_t const piece = std::min<std::uint64_t>(size, input_.available());
-        input_.advance(piece);
-        size -= piece;
-    }
 }

@@ -46,13 +46,6 @@ void ioWriteContext::endFile() {
     phase_ = Phase::after;
 }
 
-char* ioWriteContext::putLongToken(char* to, ioFormat::Kind kind, std::uint64_t number) noexcept {
-    *to++ = static_cast<char>(ioFormat::token(kind, ioFormat::longNumber));
-    for (number -= ioFormat::longNumber; number >= 0x80; number >>= 7) *to++ = static_cast<char>(number | 0x80);
-    *to++ = static_cast<char>(number);
-    return to;
-}
-
 ioPacketTypeId ioWriteContext::typeId(std::string_view typeName) {
     if (auto const found = idOfName_.find(typeName); found != idOfName_.end()) return found->second;
     bool const writable = !typeName.empty() && typeName.size() <= ioFormat::longestTypeName;
@@ -101,18 +94,19 @@ void ioWriteContext::writeReference(void const* object, int /*flag*/) {
     if (!takesValues_) return fail(ioStatus::misuse);
     std::size_t const position = object ? positionOf(object) : objects_.size();
     if (position == ioImpl::ObjectIndex::none || isOpen(position)) return fail(ioStatus::unresolvedReference);
-    output_.moveTo(putToken(output_.room(ioFormat::longestToken), ioFormat::reference, objects_.size() - position));
+    output_.moveTo(
+        ioFormat::putToken(output_.room(ioFormat::longestToken), ioFormat::reference, objects_.size() - position));
 }
 
 void ioWriteContext::writeNameValue(std::string_view value) {
     if (!takesValues_) return fail(ioStatus::misuse);
     char* to = output_.room(2 * ioFormat::longestToken);
     std::size_t const place = names_->find(value);
-    if (place != ioImpl::NameIndex::none) return output_.moveTo(putToken(to, ioFormat::name, place + 1));
+    if (place != ioImpl::NameIndex::none) return output_.moveTo(ioFormat::putToken(to, ioFormat::name, place + 1));
     value = value.substr(0, value.find('\0'));
     if (value.size() <= ioNameTable::longestName) {
         names_->remember(value);
-        to = putToken(to, ioFormat::name, 0);
+        to = ioFormat::putToken(to, ioFormat::name, 0);
     }
     output_.moveTo(putValue(to, value));
 }
