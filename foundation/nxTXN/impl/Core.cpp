@@ -1,0 +1,242 @@
+// Recording, and the steps that committed transactions become.
+#include "foundation/nxTXN/impl/Core.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "foundation/nxTXN/impl/diagnostics.h"
+#include "foundation/nxTXN/impl/passes.h"
+
+namespace nxTXN::impl {
+
+Core::~Core() {
+    {
+        Lifetimes::Deferral const deferral(lifetimes_);
+        Busy const busy(*this);
+        records_.clear();
+    }
+    busy_ = true;
+    lifetimes_.close();
+    for (Core* other : acquaintances_) std::erase(other->acquaintances_, this);
+}
+
+std::uint32_t Core::enter(Object& object, bool counted) {
+    if (lifetimes_.roster().worthCompacting() && !busy_) compact();
+    return lifetimes_.enter(object, counted, !levels_.empty() && levels_.back().keeps);
+}
+
+void Core::compact() {
+    ur::vector<std::uint32_t*> bounds;
+    for (Step& step : steps_) bounds.insert(bounds.end(), {&step.birthsBegin, &step.birthsEnd});
+    for (Level& level : levels_) bounds.push_back(&level.birthsBegin);
+    lifetimes_.compact(bounds);
+}
+
+void Core::pin(Object& object) {
+    if (object.core_ && object.core_ != this) meet(*object.core_);
+    Lifetimes::pin(object);
+}
+
+void Core::meet(Core& other) {
+    if (std::find(acquaintances_.begin(), acquaintances_.end(), &other) != acquaintances_.end()) return;
+    acquaintances_.push_back(&other);
+    other.acquaintances_.push_back(this);
+}
+
+void Core::forgetEverywhere(Object const& object) noexcept {
+    auto const forget = [&object](Core& core) {
+        core.records_.forget(object);
+        RecordStore::forget(object, core.writer_.mutableWords());
+    };
+    forget(*object.core_);
+    for (Core* other : object.core_->acquaintances_) forget(*other);
+}
+
+void Core::transact(Object& object) {
+    Entry const& entry = lifetimes_.entryOf(object);
+    if (levels_.empty() || !levels_.back().keeps || busy_ || !entry.exists()) return missed(object);
+    if (entry.stamp != levels_.back().stamp) record(object, entry);
+}
+
+void Core::record(Object& object, Entry const& entry) {
+    std::uint32_t const formerStamp = entry.stamp;
+    writer_.clear();
+    save(object);
+    records_.push(object, {writer_.data(), writer_.mutableWords()}, formerStamp);
+    writer_.clear();
+    Level& level = levels_.back();
+    ++level.records;
+    lifetimes_.entryOf(object).stamp = level.stamp;
+}
+
+// Adds what the object is to the writer.
+RestoreHook Core::save(Object& object) {
+    Busy const busy(*this);
+    SavingPass pass(writer_);
+    object.onTransact(pass);
+    return pass.restoreHook();
+}
+
+void Core::missed(Object const& object) {
+    if (busy_ || lifetimes_.busy()) return;
+    if (levels_.empty()) {
+        reportUnrecorded(object, Unrecorded::outside);
+    } else if (levels_.back().kind == TransactionKind::constant) {
+        reportUnrecorded(object, Unrecorded::constant);
+    }
+}
+
+void Core::begin(urString::CString const& name, TransactionKind kind, void const* coalesceKey) {
+    bool const keeps = (kind == TransactionKind::recorded || kind == TransactionKind::transient) && !busy_;
+    levels_.push_back({name, coalesceKey, records_.top(), 0, ++stamp_, lifetimes_.roster().size(), kind, keeps});
+}
+
+// Hooks end only transactions that they began themselves.
+bool Core::mayEnd() const noexcept { return !levels_.empty() && !(busy_ && levels_.back().keeps); }
+
+bool Core::commit() {
+    if (!mayEnd()) return false;
+    Level const level = std::move(levels_.back());
+    levels_.pop_back();
+    if (!level.keeps) return true;
+    bool const recorded = level.kind == TransactionKind::recorded;
+    if (recorded && levels_.empty()) {
+        addStep(level);
+    } else if (recorded && levels_.back().keeps) {
+        levels_.back().records += merge(level, levels_.back().stamp);
+    } else {
+        drop(level);
+    }
+    return true;
+}
+
+// The outer transaction, or an earlier step, keeps what it has recorded itself: that is older.
+std::uint32_t Core::merge(Level const& level, std::uint32_t stamp) {
+    Lifetimes::Deferral const deferral(lifetimes_);
+    Busy const busy(*this);
+    return records_.filterTop(level.begin, level.records, [this, stamp](Record const& record) {
+        if (!record.subject) return false;
+        Entry& entry = lifetimes_.entryOf(*record.subject);
+        if (!entry.dead) entry.stamp = stamp;
+        return record.formerStamp != stamp;
+    });
+}
+
+void Core::drop(Level const& level) {
+    Lifetimes::Deferral const deferral(lifetimes_);
+    Busy const busy(*this);
+    restoreStamps(level);
+    lifetimes_.forgetBirths(level.birthsBegin);
+    records_.pop(level.begin, level.records);
+}
+
+void Core::restoreStamps(Level const& level) {
+    records_.visit(level.begin, level.records, [this](Record const& record) {
+        if (!record.subject) return;
+        Entry& entry = lifetimes_.entryOf(*record.subject);
+        if (!entry.dead) entry.stamp = record.formerStamp;
+    });
+}
+
+void Core::addStep(Level const& level) {
+    std::uint32_t const birthsEnd = lifetimes_.roster().size();
+    if (level.records == 0 && !lifetimes_.anyBorn(level.birthsBegin)) return;
+    if (joinsNewestStep(level)) {
+        Step& step = steps_.back();
+        step.records += merge(level, step.stamp);
+        step.birthsEnd = birthsEnd;
+    } else {
+        auto name = shared(level.name);
+        steps_.push_back({std::move(name), level.begin, level.records, level.stamp, level.birthsBegin, birthsEnd});
+        discardUndone();
+        coalesceKey_ = level.coalesceKey;
+    }
+    sealed_ = false;
+    enforceLimits();
+    changed_.emit();
+}
+
+// Most steps of a session share their name with the one before.
+ur::Reference<SharedName> Core::shared(urString::CString const& name) const {
+    if (present_ > 0 && nameOf(present_ - 1) == name) return steps_[present_ - 1].name;
+    return ur::Reference<SharedName>(new SharedName(name));
+}
+
+// Undo and redo seal the newest step, so that nothing is undone when it is joined.
+bool Core::joinsNewestStep(Level const& level) const noexcept {
+    return level.coalesceKey && level.coalesceKey == coalesceKey_ && !sealed_ && present_ > 0;
+}
+
+// The newest step is the new present; its records slide down into the place of those that go.
+void Core::discardUndone() {
+    if (present_ + 1 == steps_.size()) {
+        ++present_;
+        return;
+    }
+    Lifetimes::Deferral const deferral(lifetimes_);
+    Busy const busy(*this);
+    std::uint32_t discarded = 0;
+    for (std::size_t i = present_; i + 1 < steps_.size(); ++i) {
+        discarded += steps_[i].records;
+        lifetimes_.abandonUnborn(steps_[i].birthsBegin, steps_[i].birthsEnd);
+    }
+    auto const first = steps_.begin() + static_cast<std::ptrdiff_t>(present_);
+    ++present_;
+    steps_.back().begin = first->begin;
+    steps_.erase(first, steps_.end() - 1);
+    Step const& newest = steps_.back();
+    std::uint32_t position = 0;
+    records_.filterTop(newest.begin, discarded + newest.records,
+                       [&](Record const&) { return position++ >= discarded; });
+}
+
+// What a step made that is done stays.
+void Core::discardOldest() {
+    Lifetimes::Deferral const deferral(lifetimes_);
+    Busy const busy(*this);
+    Step const step = std::move(steps_.front());
+    steps_.pop_front();
+    --present_;
+    records_.popBottom(step.records);
+}
+
+void Core::discardFarthest() {
+    Lifetimes::Deferral const deferral(lifetimes_);
+    Busy const busy(*this);
+    Step const step = std::move(steps_.back());
+    steps_.pop_back();
+    lifetimes_.abandonUnborn(step.birthsBegin, step.birthsEnd);
+    records_.pop(step.begin, step.records);
+}
+
+bool Core::overLimit() const noexcept {
+    std::size_t const steps = steps_.size();
+    return steps > 1 && ((stepLimit_ > 0 && steps > stepLimit_) || (byteLimit_ > 0 && bytes() > byteLimit_));
+}
+
+void Core::enforceLimits() {
+    while (overLimit()) present_ > 0 ? discardOldest() : discardFarthest();
+}
+
+void Core::setLimits(std::size_t steps, std::size_t bytes) {
+    stepLimit_ = steps;
+    byteLimit_ = bytes;
+    if (!ready() || !overLimit()) return;
+    enforceLimits();
+    changed_.emit();
+}
+
+bool Core::clear() {
+    if (!ready()) return false;
+    if (steps_.empty()) return true;
+    while (redoCount() > 0) discardFarthest();
+    while (undoCount() > 0) discardOldest();
+    changed_.emit();
+    return true;
+}
+
+std::size_t Core::bytes() const noexcept {
+    return steps_.size() * sizeof(Step) + records_.bytes() + lifetimes_.bytes();
+}
+
+}  // namespace nxTXN::impl

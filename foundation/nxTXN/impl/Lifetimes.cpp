@@ -1,0 +1,205 @@
+// Existence and deletion of transaction objects.
+#include "foundation/nxTXN/impl/Lifetimes.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "foundation/nxTXN/impl/Core.h"
+#include "foundation/nxTXN/impl/passes.h"
+#include "foundation/urOS/reportException.h"
+
+namespace nxTXN::impl {
+namespace {
+
+/// Runs a hook where nobody can be given what it throws.
+template <class Hook>
+void runReporting(char const* name, Hook&& hook) noexcept {
+    try {
+        hook();
+    } catch (...) {
+        urOS::reportException(name, std::current_exception());
+    }
+}
+
+// An object that is being destroyed may be referred to once more, by its own destructor, without dying again.
+constexpr std::uint32_t referencesOfTheDeleted = 1U << 30;
+
+}  // namespace
+
+std::uint32_t Lifetimes::enter(Object& object, bool counted, bool born) {
+    Entry entry{};
+    entry.object = &object;
+    entry.counted = counted;
+    entry.born = born;
+    return roster_.add(entry);
+}
+
+void Lifetimes::leave(Object& object) noexcept {
+    if (entryOf(object).pins > 0) Core::forgetEverywhere(object);
+    Entry& entry = entryOf(object);
+    if (entry.queued) std::erase(waiting_, &object);
+    for (Change& change : changes_) {
+        if (change.object == &object) change.object = nullptr;
+    }
+    if (entry.dead) bytes_ -= entry.stamp;
+    roster_.remove(object.index_);
+    object.core_ = nullptr;
+}
+
+void Lifetimes::compact(std::span<std::uint32_t* const> bounds) {
+    roster_.compact(bounds, [](Object& object, std::uint32_t index) { object.index_ = index; });
+}
+
+void Lifetimes::pin(Object& object) noexcept {
+    if (!object.core_) return;
+    Entry& entry = object.core_->lifetimes().entryOf(object);
+    if (entry.pins != Entry::mostPins) ++entry.pins;
+}
+
+void Lifetimes::unpin(Object& object) noexcept {
+    if (!object.core_) return;
+    Lifetimes& lifetimes = object.core_->lifetimes();
+    Entry& entry = lifetimes.entryOf(object);
+    if (entry.pins != Entry::mostPins) --entry.pins;
+    if (entry.pins > 0 || !entry.dead) return;
+    auto& counted = static_cast<RefCountedObject&>(object);
+    if (counted.references_ == 0) lifetimes.wait(counted);
+}
+
+void Lifetimes::lastReferenceGone(RefCountedObject& object) noexcept {
+    if (closing_) return;
+    Entry& entry = entryOf(object);
+    if (entry.queued) return;
+    if (!restoring_) return wait(object);
+    note(object);
+    if (!entry.dead) die(entry);
+}
+
+void Lifetimes::wait(RefCountedObject& object) noexcept {
+    Entry& entry = entryOf(object);
+    if (entry.queued || closing_) return;
+    entry.queued = true;
+    if (deferrals_ > 0) {
+        waiting_.push_back(&object);
+        return;
+    }
+    Deferral const deferral(*this);
+    takeDown(object);
+}
+
+void Lifetimes::takeDownWaiting() noexcept {
+    while (!waiting_.empty()) {
+        RefCountedObject* const object = waiting_.front();
+        waiting_.pop_front();
+        takeDown(*object);
+    }
+}
+
+// Entries may move while hooks run, which may make new objects: none is held across one.
+void Lifetimes::takeDown(RefCountedObject& object) noexcept {
+    if (object.references_ == 0 && entryOf(object).exists()) cease(object);
+    if (object.references_ == 0) {
+        die(entryOf(object));
+        if (!needed(object)) tellDestroyed(object);
+        if (!needed(object)) clearFields(object);
+        if (!needed(object)) return remove(object);
+        measure(object);
+    }
+    entryOf(object).queued = false;
+}
+
+void Lifetimes::cease(RefCountedObject& object) noexcept {
+    tellDestroyed(object);
+    die(entryOf(object));
+    runReporting("onTxnExtant", [&] { object.onTxnExtant(); });
+}
+
+void Lifetimes::tellDestroyed(RefCountedObject& object) noexcept {
+    if (entryOf(object).told) return;
+    entryOf(object).told = true;
+    runReporting("onTxnDestroyed", [&] { object.onTxnDestroyed(); });
+}
+
+void Lifetimes::clearFields(RefCountedObject& object) noexcept {
+    ClearingPass pass;
+    runReporting("onTransact", [&] { object.onTransact(pass); });
+}
+
+bool Lifetimes::needed(RefCountedObject const& object) noexcept {
+    return object.references_ > 0 || entryOf(object).pins > 0;
+}
+
+void Lifetimes::remove(RefCountedObject& object) noexcept {
+    entryOf(object).queued = false;
+    object.references_ = referencesOfTheDeleted;
+    leave(object);
+    object.txnDelete();
+}
+
+void Lifetimes::measure(RefCountedObject const& object) noexcept {
+    ObjectSize size;
+    runReporting("onTxnGetSize", [&] { object.onTxnGetSize(size); });
+    constexpr std::size_t most = std::numeric_limits<std::uint32_t>::max();
+    Entry& entry = entryOf(object);
+    bytes_ -= entry.stamp;
+    entry.stamp = static_cast<std::uint32_t>(std::min(size.total(), most));
+    bytes_ += entry.stamp;
+}
+
+void Lifetimes::die(Entry& entry) noexcept {
+    if (entry.dead) return;
+    entry.dead = true;
+    entry.stamp = 0;
+}
+
+void Lifetimes::revive(Entry& entry) noexcept {
+    bytes_ -= entry.stamp;
+    entry.dead = false;
+    entry.told = false;
+    entry.stamp = 0;
+}
+
+void Lifetimes::abandonUnborn(std::uint32_t begin, std::uint32_t end) noexcept {
+    Deferral const deferral(*this);
+    for (std::uint32_t i = begin; i < end; ++i) {
+        Entry& entry = roster_[i];
+        if (!entry.object || !entry.unborn || !entry.counted) continue;
+        auto& object = static_cast<RefCountedObject&>(*entry.object);
+        if (object.references_ > 0) continue;
+        die(entry);
+        if (entry.pins == 0) wait(object);
+    }
+}
+
+// Everything is told first, while all of it is still in place; then references between objects go, and with them
+// what only those kept.
+void Lifetimes::close() noexcept {
+    closing_ = true;
+    forEachOwned([this](RefCountedObject& object) { tellDestroyed(object); });
+    forEachOwned([this](RefCountedObject& object) {
+        die(entryOf(object));
+        clearFields(object);
+    });
+    closing_ = false;
+    {
+        Deferral const deferral(*this);
+        forEachOwned([this](RefCountedObject& object) {
+            if (entryOf(object).pins > 0) Core::forgetEverywhere(object);  // records of other managers
+            entryOf(object).pins = 0;
+            if (object.references_ == 0) wait(object);
+        });
+    }
+    for (std::uint32_t i = 0; i < roster_.size(); ++i) {
+        if (roster_[i].object) leave(*roster_[i].object);
+    }
+}
+
+template <class Visit>
+void Lifetimes::forEachOwned(Visit visit) noexcept {
+    for (std::uint32_t i = 0; i < roster_.size(); ++i) {
+        if (roster_[i].object && roster_[i].counted) visit(static_cast<RefCountedObject&>(*roster_[i].object));
+    }
+}
+
+}  // namespace nxTXN::impl

@@ -1,0 +1,118 @@
+// Which objects exist, and when they are deleted.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <span>
+
+#include "foundation/nxTXN/RefCountedObject.h"
+#include "foundation/nxTXN/impl/Failures.h"
+#include "foundation/nxTXN/impl/Roster.h"
+#include "foundation/ur/containers.h"
+
+namespace nxTXN::impl {
+
+/// Follows the objects of one manager from their making to their deletion.
+///
+/// An object is *dead* when its last reference has gone and *unborn* when its making is undone; it exists when it is
+/// neither. A dead object is deleted when no record pins it. Objects are taken down one at a time: what loses its
+/// last reference meanwhile waits for its turn, so that long chains need no stack.
+class Lifetimes {
+public:
+    enum class Birth : bool { done, undone };
+
+    std::uint32_t enter(Object& object, bool counted, bool born);
+    /// The object is being destroyed.
+    void leave(Object& object) noexcept;
+    [[nodiscard]] Entry& entryOf(Object const& object) noexcept { return roster_[object.index_]; }
+    [[nodiscard]] Roster& roster() noexcept { return roster_; }
+    void compact(std::span<std::uint32_t* const> bounds);
+
+    /// A record needs the object, or needs it no longer.
+    static void pin(Object& object) noexcept;
+    static void unpin(Object& object) noexcept;
+
+    void lastReferenceGone(RefCountedObject& object) noexcept;
+
+    /// While one lives, objects are not taken down; the end of the outermost one makes up for it.
+    class Deferral {
+    public:
+        explicit Deferral(Lifetimes& lifetimes) noexcept : lifetimes_(lifetimes) { ++lifetimes_.deferrals_; }
+        Deferral(Deferral const&) = delete;
+        Deferral& operator=(Deferral const&) = delete;
+        ~Deferral() {
+            if (lifetimes_.deferrals_ == 1 && !lifetimes_.waiting_.empty()) lifetimes_.takeDownWaiting();
+            --lifetimes_.deferrals_;
+        }
+
+    private:
+        Lifetimes& lifetimes_;
+    };
+    [[nodiscard]] bool busy() const noexcept { return deferrals_ > 0; }
+
+    /// While one lives, fields are being put back: objects come and go without being destroyed.
+    class Restoring {
+    public:
+        explicit Restoring(Lifetimes& lifetimes) noexcept : lifetimes_(lifetimes) { lifetimes_.restoring_ = true; }
+        Restoring(Restoring const&) = delete;
+        Restoring& operator=(Restoring const&) = delete;
+        ~Restoring() { lifetimes_.restoring_ = false; }
+
+    private:
+        Lifetimes& lifetimes_;
+    };
+    /// A record gave the object back to a field.
+    static void returned(Object& object);
+    /// Does or undoes the making of the objects from `begin` to `end`.
+    void setBirths(std::uint32_t begin, std::uint32_t end, Birth birth);
+    /// Decides which of the objects touched since the last time exist, and tells those for which it changed.
+    void settle(Failures& failures) {
+        if (!changes_.empty()) tellChanges(failures);
+    }
+
+    /// The undone making of the objects from `begin` to `end` is final.
+    void abandonUnborn(std::uint32_t begin, std::uint32_t end) noexcept;
+    /// The objects from `begin` on were made in a transaction that is not recorded.
+    void forgetBirths(std::uint32_t begin) noexcept;
+    /// Whether any object made in a recorded transaction is left from `begin` on.
+    [[nodiscard]] bool anyBorn(std::uint32_t begin) noexcept;
+    /// Deletes what the manager owns, or lets go of it when references are left.
+    void close() noexcept;
+
+    /// The bytes of the objects that only records keep.
+    [[nodiscard]] std::size_t bytes() const noexcept { return bytes_; }
+
+private:
+    struct Change {
+        Object* object;  // null once it has gone
+        bool existed;
+    };
+
+    void note(Object& object);
+    void tellChanges(Failures& failures);
+    void keepOrDrop(Object& object) noexcept;
+    void takeDownWaiting() noexcept;
+    void takeDown(RefCountedObject& object) noexcept;
+    void cease(RefCountedObject& object) noexcept;
+    void tellDestroyed(RefCountedObject& object) noexcept;
+    void clearFields(RefCountedObject& object) noexcept;
+    [[nodiscard]] bool needed(RefCountedObject const& object) noexcept;
+    void remove(RefCountedObject& object) noexcept;
+    void measure(RefCountedObject const& object) noexcept;
+    void wait(RefCountedObject& object) noexcept;
+    void die(Entry& entry) noexcept;
+    void revive(Entry& entry) noexcept;
+    template <class Visit>
+    void forEachOwned(Visit visit) noexcept;
+
+    Roster roster_;
+    std::deque<RefCountedObject*> waiting_;  // to be taken down
+    ur::vector<Change> changes_;             // touched since the last settling
+    std::size_t bytes_ = 0;
+    unsigned deferrals_ = 0;
+    bool restoring_ = false;
+    bool closing_ = false;
+};
+
+}  // namespace nxTXN::impl

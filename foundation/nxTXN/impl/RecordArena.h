@@ -1,0 +1,63 @@
+// The memory of records: blocks that are filled one behind the other.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "foundation/ur/containers.h"
+
+namespace nxTXN::impl {
+
+/// Hands out pieces of memory like a stack that may also be taken from its bottom.
+///
+/// Pieces lie packed in blocks, so that a piece costs no more than its bytes and blocks go as a whole. Requires:
+/// sizes are multiples of eight.
+class RecordArena {
+public:
+    /// A place between two pieces.
+    struct Place {
+        std::uint32_t block = 0;
+        std::uint32_t offset = 0;
+
+        friend bool operator==(Place, Place) = default;
+    };
+
+    [[nodiscard]] std::byte* allocate(std::size_t bytes);
+
+    [[nodiscard]] Place bottom() const noexcept { return bottom_; }
+    [[nodiscard]] Place top() const noexcept;
+    /// The piece that begins at `place`, if there is one; `place` may move to the start of the next block.
+    [[nodiscard]] std::byte* at(Place& place) noexcept {
+        if (place.block < end()) [[likely]] {
+            Block const& block = blocks_[place.block - first_];
+            if (place.offset < block.used) return block.bytes.get() + place.offset;
+        }
+        return inNextBlock(place);
+    }
+
+    /// Frees what lies above, or below, `place`.
+    void truncate(Place place) noexcept;
+    void trim(Place place) noexcept;
+
+    /// Moves a piece down to `to`, at or below where it is, and `to` behind it. What lay between is lost.
+    void slide(Place& to, std::byte const* piece, std::size_t bytes) noexcept;
+
+private:
+    struct Block {
+        std::unique_ptr<std::byte[]> bytes;
+        std::uint32_t size;
+        std::uint32_t used;
+    };
+
+    [[nodiscard]] std::byte* inNextBlock(Place& place) noexcept;
+    void addBlock(std::size_t bytes);
+    [[nodiscard]] std::uint32_t end() const noexcept { return first_ + static_cast<std::uint32_t>(blocks_.size()); }
+
+    ur::vector<Block> blocks_;  // those that were trimmed have no bytes, until there are too many of them
+    std::uint32_t first_ = 0;   // the number of the first of these
+    Place bottom_;
+    Block spare_ = {};  // the last one freed, so that going to and fro over a boundary does not allocate
+};
+
+}  // namespace nxTXN::impl

@@ -1,0 +1,115 @@
+// Making records, exchanging what they hold, and letting go of what they keep.
+#include "foundation/nxTXN/impl/RecordStore.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+#include <utility>
+
+#include "foundation/nxTXN/impl/Core.h"
+#include "foundation/nxTXN/impl/words.h"
+
+namespace nxTXN::impl {
+namespace {
+
+void store(Record& record, std::byte* place, Content const& content) noexcept {
+    record.dataBytes = static_cast<std::uint32_t>(content.data.size());
+    record.words = static_cast<std::uint32_t>(content.words.size());
+    std::byte* const pointers = place + Content::bytes(content.data.size(), 0);
+    if (!content.data.empty()) std::memcpy(place, content.data.data(), content.data.size());
+    if (!content.words.empty()) std::memcpy(pointers, content.words.data(), content.words.size_bytes());
+}
+
+}  // namespace
+
+void RecordStore::push(Object& subject, Content const& content, std::uint32_t formerStamp) {
+    // At least enough for the address of a content elsewhere.
+    std::size_t const room = std::max(content.bytes(), sizeof(std::byte*));
+    auto* const record = new (arena_.allocate(sizeof(Record) + room))
+        Record{&subject, static_cast<std::uint32_t>(room), 0, 0, formerStamp};
+    bytes_ += record->bytes();
+    store(*record, record->behind(), content);
+    core_.pin(subject);
+    keep(record->content().words);
+}
+
+void RecordStore::replace(Record& record, Content const& content, Elsewhere elsewhere) noexcept {
+    drop(record);
+    if (elsewhere) {
+        bytes_ += content.bytes();
+        store(record, elsewhere.get(), content);
+        *reinterpret_cast<std::byte**>(record.behind()) = elsewhere.release();
+    } else {
+        store(record, record.behind(), content);
+    }
+}
+
+// Lets go of the content.
+void RecordStore::drop(Record& record) noexcept {
+    Content const content = record.content();
+    release(content.words);
+    if (!record.isElsewhere()) return;
+    bytes_ -= content.bytes();
+    delete[] record.place();
+}
+
+void RecordStore::release(Record& record) noexcept {
+    bytes_ -= record.bytes();
+    if (record.subject) Lifetimes::unpin(*record.subject);
+    drop(record);
+}
+
+void RecordStore::keep(std::span<std::uintptr_t> words) noexcept {
+    visitKept(
+        words, [this](Object& object, auto*) { core_.pin(object); },
+        [](void const* object, Holding const& how) { how.hold(object); });
+}
+
+void RecordStore::release(std::span<std::uintptr_t> words) noexcept {
+    visitKept(
+        words, [](Object& object, auto*) { Lifetimes::unpin(object); },
+        [](void const* object, Holding const& how) { how.drop(object); });
+}
+
+void RecordStore::pop(Place place, std::uint32_t count) noexcept {
+    visit(place, count, [this](Record& record) { release(record); });
+    arena_.truncate(place);
+}
+
+void RecordStore::popBottom(std::uint32_t count) noexcept {
+    arena_.trim(visit(arena_.bottom(), count, [this](Record& record) { release(record); }));
+}
+
+template <class Visit>
+void RecordStore::visitAll(Visit visit) {
+    Place place = arena_.bottom();
+    while (std::byte* const piece = arena_.at(place)) {
+        auto& record = *reinterpret_cast<Record*>(piece);
+        place.offset += static_cast<std::uint32_t>(record.bytes());
+        visit(record);
+    }
+}
+
+void RecordStore::clear() noexcept {
+    visitAll([this](Record& record) { release(record); });
+    arena_.truncate(arena_.bottom());
+}
+
+void RecordStore::forget(Object const& gone) noexcept {
+    visitAll([&](Record& record) {
+        if (record.subject == &gone) record.subject = nullptr;
+        forget(gone, record.content().words);
+    });
+}
+
+void RecordStore::forget(Object const& gone, std::span<std::uintptr_t> words) noexcept {
+    auto const forgetWord = [&gone](Object& object, std::uintptr_t* word) {
+        if (&object != &gone) return;
+        bool const pair = markOf(word[0]) == Mark::keeper;
+        word[0] = marked(nullptr, pair ? Mark::held : Mark::address);
+        if (pair) word[1] = 0;
+    };
+    visitKept(words, forgetWord, [](void const* /*object*/, Holding const& /*how*/) {});
+}
+
+}  // namespace nxTXN::impl

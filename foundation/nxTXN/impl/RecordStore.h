@@ -1,0 +1,123 @@
+// Records in the order in which they were made.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+
+#include "foundation/nxTXN/Object.h"
+#include "foundation/nxTXN/Reader.h"
+#include "foundation/nxTXN/Writer.h"
+#include "foundation/nxTXN/impl/RecordArena.h"
+
+namespace nxTXN::impl {
+
+class Core;
+
+/// The saved fields of an object: bytes and pointers.
+struct Content {
+    std::span<std::byte const> data;
+    std::span<std::uintptr_t> words;
+
+    [[nodiscard]] Reader reader() const noexcept { return {data, words}; }
+    [[nodiscard]] std::size_t bytes() const noexcept { return bytes(data.size(), words.size()); }
+    /// What it takes to store it: the pointers lie behind the bytes, at a multiple of eight.
+    [[nodiscard]] static std::size_t bytes(std::size_t data, std::size_t words) noexcept {
+        return (data + 7) / 8 * 8 + words * sizeof(std::uintptr_t);
+    }
+};
+
+/// What one object was or, when its step is undone, what it is to be again.
+///
+/// The content follows the header. One that has taken the place of a smaller content lies elsewhere, and its address
+/// follows the header.
+struct Record {
+    Object* subject;     // null once it has gone
+    std::uint32_t room;  // bytes behind the header
+    std::uint32_t dataBytes;
+    std::uint32_t words;
+    std::uint32_t formerStamp;  // the subject's stamp before this record was made
+
+    [[nodiscard]] std::size_t bytes() const noexcept { return sizeof(Record) + room; }
+    [[nodiscard]] std::byte* behind() noexcept { return reinterpret_cast<std::byte*>(this + 1); }
+    [[nodiscard]] bool isElsewhere() const noexcept { return Content::bytes(dataBytes, words) > room; }
+    [[nodiscard]] std::byte* place() noexcept {
+        return isElsewhere() ? *reinterpret_cast<std::byte**>(behind()) : behind();
+    }
+    [[nodiscard]] Content content() noexcept {
+        std::byte* const start = place();
+        std::byte* const pointers = start + Content::bytes(dataBytes, 0);
+        return {{start, dataBytes}, {reinterpret_cast<std::uintptr_t*>(pointers), words}};
+    }
+};
+static_assert(sizeof(Record) == 24);
+
+/// Keeps records and, through them, their subjects and whatever their pointers keep.
+class RecordStore {
+public:
+    using Place = RecordArena::Place;
+    /// Memory for a content that does not fit into its record.
+    using Elsewhere = std::unique_ptr<std::byte[]>;
+
+    explicit RecordStore(Core& core) noexcept : core_(core) {}
+
+    /// A record of `subject` on top; nothing is left of it when it throws.
+    void push(Object& subject, Content const& content, std::uint32_t formerStamp);
+    /// Exchanges the content for one whose pointers are kept already. `elsewhere` holds it unless it fits.
+    void replace(Record& record, Content const& content, Elsewhere elsewhere) noexcept;
+
+    [[nodiscard]] Place top() const noexcept { return arena_.top(); }
+    /// Calls `visit(Record&)` for `count` records from `place` on; the result is the place behind them.
+    template <class Visit>
+    Place visit(Place place, std::uint32_t count, Visit visit) {
+        while (count-- > 0) {
+            auto* record = reinterpret_cast<Record*>(arena_.at(place));
+            place.offset += static_cast<std::uint32_t>(record->bytes());
+            visit(*record);
+        }
+        return place;
+    }
+
+    /// Lets go of the `count` records from `place` on, which are the topmost, or of the `count` lowest ones.
+    void pop(Place place, std::uint32_t count) noexcept;
+    void popBottom(std::uint32_t count) noexcept;
+    void clear() noexcept;
+    /// Of the topmost `count` records, which begin at `place`, keeps those that `wanted(Record&)`. Gives their number.
+    template <class Wanted>
+    std::uint32_t filterTop(Place place, std::uint32_t count, Wanted wanted);
+
+    /// Has the targets of pointers kept, or not kept any longer.
+    void keep(std::span<std::uintptr_t> words) noexcept;
+    static void release(std::span<std::uintptr_t> words) noexcept;
+    /// Takes `gone` out of every record: as a subject, and as the target of a pointer, which becomes null.
+    void forget(Object const& gone) noexcept;
+    static void forget(Object const& gone, std::span<std::uintptr_t> words) noexcept;
+
+    [[nodiscard]] std::size_t bytes() const noexcept { return bytes_; }
+
+private:
+    void release(Record& record) noexcept;
+    void drop(Record& record) noexcept;
+    template <class Visit>
+    void visitAll(Visit visit);
+
+    Core& core_;
+    RecordArena arena_;
+    std::size_t bytes_ = 0;
+};
+
+template <class Wanted>
+std::uint32_t RecordStore::filterTop(Place place, std::uint32_t count, Wanted wanted) {
+    std::uint32_t number = 0;
+    Place end = place;
+    visit(place, count, [&](Record& record) {
+        if (!wanted(record)) return release(record);
+        arena_.slide(end, reinterpret_cast<std::byte*>(&record), record.bytes());
+        ++number;
+    });
+    arena_.truncate(end);
+    return number;
+}
+
+}  // namespace nxTXN::impl

@@ -1,0 +1,255 @@
+// When hooks run, and what happens when they throw or meddle.
+#include <stdexcept>
+
+#include "foundation/nxTXN/HookError.h"
+#include "foundation/nxTXN/Transaction.h"
+#include "foundation/nxTXN/tests/Node.h"
+
+namespace nxTXN::test {
+namespace {
+
+/// root -> a, and b beside them; everything logs.
+struct Hooks : testing::Test {
+    Log log;
+    Manager manager;
+    NodeReference root = ur::make<Node>(manager, "root", &log);
+    NodeReference b = ur::make<Node>(manager, "b", &log);
+
+    Hooks() {
+        root->setNext(ur::make<Node>(manager, "a", &log));
+        b->setValue(1);
+    }
+    ~Hooks() override {
+        root->onHook = b->onHook = nullptr;
+        manager.clear();
+    }
+    Node& a() { return *root->next(); }
+};
+
+TEST_F(Hooks, RunInTheOrderOfTheRecordAndBackwardsOnUndo) {
+    edit(manager, [&] {
+        root->setValue(1);
+        b->setValue(2);
+    });
+    EXPECT_EQ(log.take(), "");
+    manager.undo();
+    EXPECT_EQ(log.take(), "b:restored root:restored b:modified root:modified");
+    manager.redo();
+    EXPECT_EQ(log.take(), "root:restored b:restored root:modified b:modified");
+    manager.begin();
+    b->setValue(3);
+    root->setValue(3);
+    manager.abort();
+    EXPECT_EQ(log.take(), "root:restored b:restored root:modified b:modified");
+}
+
+TEST_F(Hooks, TellOfDestructionAtOnceAndOfExistenceAfterRestoring) {
+    edit(manager, [&] { root->setNext(nullptr); });
+    EXPECT_EQ(log.take(), "a:destroyed a:gone");
+    manager.undo();
+    EXPECT_EQ(log.take(), "root:restored a:extant root:modified");
+    manager.redo();
+    EXPECT_EQ(log.take(), "root:restored a:gone root:modified");
+    manager.clear();
+    EXPECT_EQ(log.take(), "a:destroyed a:deleted");
+}
+
+TEST_F(Hooks, TellOfBirthsThatAreUndone) {
+    edit(manager, [&] { b->setNext(ur::make<Node>(manager, "new", &log)); });
+    manager.undo();
+    EXPECT_EQ(log.take(), "b:restored new:gone b:modified");
+    manager.redo();
+    EXPECT_EQ(log.take(), "b:restored new:extant b:modified");
+    manager.undo();
+    log.take();
+    edit(manager, [&] { b->setValue(5); });
+    EXPECT_EQ(log.take(), "new:destroyed new:deleted");
+    manager.begin();
+    b->setNext(ur::make<Node>(manager, "failed", &log));
+    manager.abort();
+    EXPECT_EQ(log.take(), "b:restored failed:gone b:modified failed:destroyed failed:deleted");
+}
+
+TEST_F(Hooks, SeeAllFieldsRestoredWhenTheyAreToldOfAModification) {
+    edit(manager, [&] {
+        root->setValue(1);
+        b->setValue(2);
+    });
+    root->onHook = b->onHook = [&](std::string const& hook) {
+        if (hook == "modified") log.add(std::to_string(int(root->value() + b->value())));
+        EXPECT_FALSE(manager.undo() || manager.clear());
+    };
+    manager.undo();
+    EXPECT_EQ(log.take(), "b:restored root:restored b:modified 1 root:modified 1");
+}
+
+TEST_F(Hooks, ARestoreHookChoosesTheMoment) {
+    root->restoreHook = [](Object* object, Restorer& restorer) {
+        auto& node = static_cast<Node&>(*object);
+        node.told(std::to_string(int(node.value())));
+        restorer.restore(object);
+        restorer.restore(object);
+        node.told(std::to_string(int(node.value())));
+    };
+    b->restoreHook = [](Object* object, Restorer&) { static_cast<Node*>(object)->told("left to the library"); };
+    edit(manager, [&] {
+        root->setValue(7);
+        b->setValue(7);
+    });
+    manager.undo();
+    EXPECT_EQ(log.take(), "b:left to the library b:restored root:7 root:0 root:restored b:modified root:modified");
+    EXPECT_EQ(b->value(), 1);
+    manager.begin();
+    root->setValue(8);
+    manager.abort();
+    EXPECT_EQ(log.take(), "root:8 root:0 root:restored root:modified");
+}
+
+/// What an operation that throws says of its outcome.
+template <class Operation>
+std::string outcomeOf(Operation operation) {
+    try {
+        operation();
+    } catch (HookError const& error) {
+        EXPECT_THROW(error.rethrow_nested(), std::runtime_error);
+        return error.what();
+    }
+    return "no error";
+}
+
+TEST_F(Hooks, AnExceptionOfAHookLeavesTheStepWhollyDone) {
+    edit(manager, [&] {
+        root->setValue(2);
+        root->setNext(nullptr);
+        b->setValue(2);
+    });
+    for (std::string const thrower : {"restored", "modified", "restore"}) {
+        if (thrower == "restore") b->restoreHook = [](Object*, Restorer&) { throw std::runtime_error("restore"); };
+        b->onHook = [&](std::string const& hook) {
+            if (hook == thrower) throw std::runtime_error(thrower);
+        };
+        EXPECT_EQ(outcomeOf([&] { manager.undo(); }), "all was done, but: " + thrower);
+        EXPECT_EQ(root->value() * 10 + b->value(), 1);
+        EXPECT_TRUE(root->next() && a().isTxnExtant());
+        EXPECT_EQ(outcomeOf([&] { manager.redo(); }), "all was done, but: " + thrower);
+        EXPECT_EQ(root->value() * 10 + b->value(), 22);
+        manager.begin();
+        root->setValue(5);
+        b->setValue(5);
+        EXPECT_EQ(outcomeOf([&] { manager.abort(); }), "all was done, but: " + thrower);
+        EXPECT_EQ(root->value() * 10 + b->value(), 22);
+    }
+    EXPECT_EQ(manager.undoCount(), 1u);
+}
+
+/// Fails when its field is written or read for the n-th time from now.
+class Fragile : public RefCountedObject {
+public:
+    using RefCountedObject::RefCountedObject;
+
+    inline static int failWriteIn = -1;
+    inline static int failReadIn = -1;
+    int value = 0;
+
+    void set(int newValue) {
+        transact();
+        value = newValue;
+    }
+
+protected:
+    void onTransact(Serializer& serializer) override {
+        static constexpr FieldHandlers handlers = {[](Writer& writer, void const* field) {
+                                                       if (failWriteIn-- == 0) throw std::runtime_error("write");
+                                                       writer.writeData(field, sizeof(int));
+                                                   },
+                                                   [](Reader& reader, void* field) {
+                                                       reader.readData(field, sizeof(int));
+                                                       if (failReadIn-- == 0) throw std::runtime_error("read");
+                                                   },
+                                                   nullptr};
+        serializer.field(&value, &handlers);
+    }
+};
+
+TEST_F(Hooks, AFieldThatCannotBeSavedOrReadLeavesTheStepUndone) {
+    auto const fragile = ur::make<Fragile>(manager);
+    auto const other = ur::make<Fragile>(manager);
+    edit(manager, [&] {
+        root->setNext(nullptr);
+        fragile->set(1);
+        other->set(1);
+        b->setValue(2);
+    });
+    auto const state = [&] {
+        return std::to_string(fragile->value) + std::to_string(other->value) + std::to_string(int(b->value())) +
+               (root->next() ? "a" : "-");
+    };
+    for (int nth : {0, 1}) {
+        for (auto [failing, text] : {std::pair(&Fragile::failWriteIn, "write"), {&Fragile::failReadIn, "read"}}) {
+            *failing = nth;
+            EXPECT_EQ(outcomeOf([&] { manager.undo(); }), std::string("nothing was done: ") + text);
+            EXPECT_EQ(state(), "112-");
+            EXPECT_TRUE(manager.canUndo() && !manager.canRedo());
+        }
+    }
+    EXPECT_TRUE(manager.undo());
+    EXPECT_EQ(state(), "001a");
+    Fragile::failReadIn = 1;
+    EXPECT_EQ(outcomeOf([&] { manager.redo(); }), "nothing was done: read");
+    EXPECT_EQ(state(), "001a");
+    EXPECT_TRUE(manager.redo());
+    EXPECT_EQ(state(), "112-");
+
+    manager.begin();
+    Fragile::failWriteIn = 0;
+    EXPECT_THROW(fragile->set(5), std::runtime_error);
+    other->set(5);
+    manager.abort();
+    EXPECT_EQ(state(), "112-");
+}
+
+TEST_F(Hooks, MayEditMakeAndDropObjectsWithoutEnteringTheHistory) {
+    NodeReference made;
+    NodeReference passing = ur::make<Node>(manager, "passing");
+    b->onHook = [&](std::string const& hook) {
+        if (hook != "restored") return;
+        Transaction transaction(manager, "from a hook");
+        b->setValue(50);
+        made = ur::make<Node>(manager, "made");
+        made->setValue(3);
+        passing.reset();
+        transaction.commit();
+        EXPECT_FALSE(manager.commit());
+    };
+    edit(manager, [&] {
+        root->setValue(1);
+        b->setValue(2);
+    });
+    manager.undo();
+    EXPECT_EQ(b->value(), 50);
+    EXPECT_EQ(made->value(), 3);
+    EXPECT_EQ(manager.redoCount(), 1u);
+    b->onHook = nullptr;
+    manager.redo();
+    EXPECT_EQ(root->value() * 10 + b->value(), 12);
+    EXPECT_TRUE(made->isTxnExtant());
+}
+
+TEST_F(Hooks, MayRecordWhatAnObjectTakesWithIt) {
+    a().setNext(ur::make<Node>(manager, "child", &log));
+    Node* const child = a().next().get();
+    Node* const parent = &a();
+    parent->onHook = [parent](std::string const& hook) {
+        if (hook == "destroyed") parent->setNext(nullptr);
+    };
+    edit(manager, [&] { root->setNext(nullptr); });
+    EXPECT_EQ(log.take(), "a:destroyed a:gone child:destroyed child:gone");
+    manager.undo();
+    EXPECT_EQ(a().next(), child);
+    EXPECT_TRUE(child->isTxnExtant());
+    EXPECT_EQ(log.take(), "a:restored root:restored child:extant a:extant a:modified root:modified");
+    parent->onHook = nullptr;
+}
+
+}  // namespace
+}  // namespace nxTXN::test

@@ -1,0 +1,263 @@
+// Which objects exist, who keeps them and when they are deleted.
+#include "foundation/nxTXN/ImmutableReference.h"
+#include "foundation/nxTXN/tests/Node.h"
+#include "foundation/ur/ReferenceCount.h"
+
+namespace nxTXN::test {
+namespace {
+
+/// A plain counted object, and one whose transaction part is not its first base.
+struct Plain : ur::ReferenceCount {
+    inline static int alive = 0;
+    Plain() { ++alive; }
+    ~Plain() override { --alive; }
+};
+struct Named {
+    virtual ~Named() = default;
+    int number = 5;
+};
+struct Both : Named, Node {
+    using Node::Node;
+};
+
+/// Holds what nothing else in these tests does: pointers of every kind.
+class Holder : public RefCountedObject {
+public:
+    using RefCountedObject::RefCountedObject;
+
+    ur::Reference<Plain> plain;
+    ur::Reference<Both> both;
+    char const* odd = nullptr;
+
+protected:
+    void onTransact(Serializer& serializer) override {
+        static constexpr FieldHandlers handlers = {
+            [](Writer& writer, void const* field) {
+                auto const& holder = *static_cast<Holder const*>(field);
+                writer.writePtr(holder.plain.get());
+                writer.writePtr(static_cast<Named const*>(holder.both.get()), holder.both.get());
+                writer.writePtr(holder.odd);
+            },
+            [](Reader& reader, void* field) {
+                auto& holder = *static_cast<Holder*>(field);
+                holder.plain.reset(static_cast<Plain*>(reader.readPtr()));
+                holder.both.reset(static_cast<Both*>(static_cast<Named*>(reader.readPtr())));
+                holder.odd = static_cast<char const*>(reader.readPtr());
+            },
+            nullptr};
+        serializer.beginObject(this, nullptr);
+        serializer.field(this, &handlers);
+        serializer.endObject(this);
+    }
+};
+
+struct Lifetime : testing::Test {
+    Manager manager;
+    NodeReference root = ur::make<Node>(manager, "root");
+
+    int others() const { return Node::alive - 1; }
+    NodeReference make(char const* name, Log* log = nullptr) { return ur::make<Node>(manager, name, log); }
+};
+
+TEST_F(Lifetime, AnObjectThatOnlyTheHistoryNeedsLivesUntilTheHistoryLetsGo) {
+    edit(manager, [&] { root->setNext(make("a")); });
+    EXPECT_TRUE(root->next()->isTxnExtant());
+    edit(manager, [&] { root->setNext(nullptr); });
+    EXPECT_EQ(others(), 1);
+    manager.undo();
+    ASSERT_TRUE(root->next());
+    EXPECT_TRUE(root->next()->isTxnExtant());
+    manager.undo();
+    EXPECT_EQ(others(), 1);
+    edit(manager, [&] { root->setValue(1); });
+    EXPECT_EQ(others(), 0);
+
+    edit(manager, [&] { root->setNext(make("b")); });
+    edit(manager, [&] { root->setNext(nullptr); });
+    manager.setStepLimit(1);
+    EXPECT_EQ(others(), 1);
+    edit(manager, [&] { root->setValue(2); });
+    EXPECT_EQ(others(), 0);
+}
+
+TEST_F(Lifetime, AnObjectThatNothingNeedsIsDeletedAtOnce) {
+    manager.begin();
+    for (int i = 0; i < 100; ++i) root->setNext(make("a"));
+    EXPECT_EQ(others(), 1);
+    manager.abort();
+    EXPECT_EQ(others(), 0);
+    edit(manager, [&] { new Node(manager, "never referred to"); });
+    manager.undo();
+    EXPECT_EQ(others(), 1);
+    manager.clear();
+    EXPECT_EQ(others(), 0);
+}
+
+TEST_F(Lifetime, AReferenceKeepsAnObjectWhoseMakingIsUndone) {
+    NodeReference made;
+    edit(manager, [&] {
+        made = make("a");
+        made->setValue(3);
+        root->setNext(made);
+    });
+    manager.undo();
+    EXPECT_FALSE(made->isTxnExtant());
+    EXPECT_EQ(made->value(), 0);
+    edit(manager, [&] { made->setValue(9); });
+    EXPECT_FALSE(manager.canUndo());
+    manager.redo();
+    EXPECT_TRUE(made->isTxnExtant());
+    EXPECT_EQ(made->value(), 3);
+    manager.undo();
+    manager.clear();
+    EXPECT_FALSE(made->isTxnExtant());
+    made.reset();
+    EXPECT_EQ(others(), 0);
+}
+
+TEST_F(Lifetime, AMemberOfAListThatOwnsNothingHearsEachTimeItGoes) {
+    Log log;
+    NodeReference member = make("m", &log);
+    member->onHook = [&](std::string const& hook) {
+        if (hook == "destroyed") root->setList({});
+    };
+    edit(manager, [&] { root->setList({member.get()}); });
+    edit(manager, [&] { root->setNext(std::move(member)); });
+    edit(manager, [&] { root->setNext(nullptr); });
+    EXPECT_EQ(log.take(), "m:destroyed m:gone");
+    EXPECT_TRUE(root->list().empty());
+    manager.undo();
+    EXPECT_EQ(log.take(), "m:extant");
+    EXPECT_EQ(root->list().size(), 1u);
+    // Before the second step only a variable held it: with nothing to hold it now, it leaves the list again.
+    manager.undo();
+    EXPECT_EQ(log.take(), "m:gone");
+    EXPECT_EQ(others(), 1);
+    manager.clear();
+    EXPECT_EQ(log.take(), "m:destroyed m:deleted");
+    EXPECT_TRUE(root->list().empty());
+}
+
+TEST_F(Lifetime, PointersOfEveryKindComeBackAsTheyWere) {
+    char const text[] = "odd";
+    auto const holder = ur::make<Holder>(manager);
+    holder->plain = ur::make<Plain>();
+    holder->both = ur::make<Both>(manager, "both");
+    holder->odd = text + 1;
+    edit(manager, [&] {
+        holder->transact();
+        holder->plain.reset();
+        holder->both.reset();
+        holder->odd = nullptr;
+    });
+    EXPECT_EQ(Plain::alive, 1);
+    EXPECT_EQ(others(), 1);
+    manager.undo();
+    EXPECT_TRUE(holder->plain);
+    ASSERT_TRUE(holder->both);
+    EXPECT_EQ(holder->both->number, 5);
+    EXPECT_TRUE(holder->both->isTxnExtant());
+    EXPECT_EQ(holder->odd, text + 1);
+    manager.redo();
+    manager.clear();
+    EXPECT_EQ(Plain::alive, 0);
+    EXPECT_EQ(others(), 0);
+}
+
+TEST_F(Lifetime, ForgetsAnObjectThatItsOwnerDestroys) {
+    class Owned : public Object {
+    public:
+        explicit Owned(Manager& manager) : Object(manager) {}
+        int value = 1;
+
+    protected:
+        void onTransact(Serializer& serializer) override { serializer.field(value); }
+    };
+    {
+        Owned owned(manager);
+        edit(manager, [&] {
+            owned.transact();
+            owned.value = 2;
+            root->setValue(2);
+        });
+        manager.undo();
+        EXPECT_EQ(owned.value, 1);
+        manager.redo();
+    }
+    EXPECT_TRUE(manager.undo());
+    EXPECT_EQ(root->value(), 0);
+}
+
+TEST_F(Lifetime, DeletesLongChainsAndCyclesWithoutDeepRecursion) {
+    for (int i = 0; i < 300000; ++i) {
+        NodeReference const link = make("link");
+        link->setNext(root->next());
+        root->setNext(link);
+    }
+    EXPECT_EQ(others(), 300000);
+    root->setNext(nullptr);
+    EXPECT_EQ(others(), 0);
+}
+
+TEST_F(Lifetime, TheManagerTakesCyclesApartWhenItGoes) {
+    NodeReference survivor;
+    Log log;
+    {
+        Manager own;
+        NodeReference const a = ur::make<Node>(own, "a", &log);
+        a->setNext(ur::make<Node>(own, "b", &log));
+        edit(own, [&] { a->next()->setNext(a); });
+        survivor = ur::make<Node>(own, "s");
+        survivor->setNext(a);
+    }
+    EXPECT_EQ(log.take(), "a:destroyed b:destroyed a:deleted b:deleted");
+    EXPECT_FALSE(survivor->next());
+    EXPECT_FALSE(survivor->isTxnExtant());
+    EXPECT_EQ(survivor->txnManager(), nullptr);
+    survivor->setValue(1);
+    survivor.reset();
+    EXPECT_EQ(others(), 0);
+}
+
+TEST_F(Lifetime, ObjectsOfTwoManagersMayReferToEachOther) {
+    auto other = std::make_unique<Manager>();
+    root->setNext(ur::make<Node>(*other, "foreign"));
+    edit(manager, [&] { root->setNext(nullptr); });
+    EXPECT_EQ(others(), 1);
+    manager.undo();
+    EXPECT_TRUE(root->next());
+    manager.redo();
+    other.reset();
+    EXPECT_EQ(others(), 0);
+    EXPECT_TRUE(manager.undo());
+    EXPECT_FALSE(root->next());
+}
+
+TEST_F(Lifetime, KeepsTrackOfObjectsThroughAnyNumberOfThem) {
+    // Undone births must stay those of their step while the gaps between the objects are closed again and again.
+    auto const makePassing = [this](int count) {
+        while (count-- > 0) NodeReference const passing = make("passing");
+    };
+    ur::vector<NodeReference> kept;
+    for (int i = 0; i < 200; ++i) {
+        edit(manager, [&] { kept.push_back(make("kept")); });
+        makePassing(50);
+    }
+    for (int i = 0; i < 100; ++i) manager.undo();
+    makePassing(5000);
+    for (std::size_t i = 0; i < kept.size(); ++i) EXPECT_EQ(kept[i]->isTxnExtant(), i < 100) << i;
+    while (manager.redo()) {
+    }
+    for (auto const& node : kept) EXPECT_TRUE(node->isTxnExtant());
+}
+
+TEST_F(Lifetime, AnImmutableReferenceOccupiesThirtyTwoBytesAndKeepsItsValue) {
+    using Value = ImmutableReference<Plain>;
+    static_assert(sizeof(Value) == 32);
+    ur::Reference<Value> const value = ur::make<Value>(manager, ur::make<Plain>());
+    EXPECT_EQ(Plain::alive, 1);
+    EXPECT_EQ(value->value()->referenceCount(), 1);
+}
+
+}  // namespace
+}  // namespace nxTXN::test
