@@ -26,7 +26,7 @@ std::string outlines(int lots) {
     std::mt19937_64 random(1);
     std::uniform_real_distribution<double> offset(-0.001, 0.001);
     std::string text = R"({"type": "FeatureCollection", "features": [)";
-    char number[64];
+    char number[80];
     for (int lot = 0; lot < lots; ++lot) {
         text += lot ? "," : "";
         text += R"({"type": "Feature", "geometry": {"type": "Polygon", "coordinates": [[)";

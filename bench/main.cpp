@@ -20,11 +20,13 @@ int main(int argc, char** argv) {
         }
     }
     bench::Suite suite(options);
+    bench::addMemoryRows(suite);
     bench::addJsonRows(suite);
     bench::addTreeRows(suite);
     bench::addDictionaryRows(suite);
     bench::addPacketRows(suite);
     bench::addSignalRows(suite);
+    bench::addMessagingRows(suite);
     if (!suite.writeJson()) {
         std::fprintf(stderr, "nxbench: cannot write %s\n", options.jsonFile.c_str());
         return 2;

@@ -88,6 +88,7 @@ Sides writers(int records) {
     return {{"nxPLST",
              [=] {
                  urOS::MemoryIOStream out;
+                 keep(out.open(urOS::openForWriting).ok());
                  return seconds([&] { keep(nxPLST::write(out, tree)); });
              }},
             {"msgpack-cxx",
@@ -101,16 +102,13 @@ Sides writers(int records) {
 Sides readers(int records) {
     Tree const tree = recordTree(records);
     auto const stream = std::make_shared<urOS::MemoryIOStream>();
-    nxPLST::write(*stream, tree);
+    keep(stream->open(urOS::openForWriting).ok() && nxPLST::write(*stream, tree));
     auto const buffer = packed(tree);
     std::string const archive = archived(nodeOf(tree));
     return {{"nxPLST",
              [=] {
                  Tree read;
-                 return seconds([&] {
-                     stream->seek(0);
-                     keep(nxPLST::read(*stream, read));
-                 });
+                 return seconds([&] { keep(stream->open(urOS::openRead).ok() && nxPLST::read(*stream, read)); });
              }},
             {"msgpack-cxx",
              [=] {

@@ -19,10 +19,11 @@ inline void buildRecords(rapidjson::Document& document, int records) {
         rapidjson::Value place(rapidjson::kArrayType);
         for (int k = 0; k < 3; ++k) place.PushBack(i + 0.25 * k, pool);
         rapidjson::Value record(rapidjson::kObjectType);
-        record.AddMember("id", static_cast<double>(i), pool);
-        record.AddMember("name", rapidjson::Value("item number", pool), pool);
-        record.AddMember("place", place, pool);
-        record.AddMember("visible", i % 2 == 0, pool);
+        auto const owned = [&](char const* text) { return rapidjson::Value(text, pool); };
+        record.AddMember(owned("id"), rapidjson::Value(static_cast<double>(i)), pool);
+        record.AddMember(owned("name"), owned("item number"), pool);
+        record.AddMember(owned("place"), place, pool);
+        record.AddMember(owned("visible"), rapidjson::Value(i % 2 == 0), pool);
         document.PushBack(record, pool);
     }
 }

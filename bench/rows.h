@@ -5,10 +5,13 @@
 
 namespace bench {
 
+/// Must come first: what other rows leave free would hide what trees take.
+void addMemoryRows(Suite& suite);
 void addJsonRows(Suite& suite);
 void addTreeRows(Suite& suite);
 void addDictionaryRows(Suite& suite);
 void addPacketRows(Suite& suite);
 void addSignalRows(Suite& suite);
+void addMessagingRows(Suite& suite);
 
 }  // namespace bench

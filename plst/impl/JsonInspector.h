@@ -1,0 +1,63 @@
+// Finding out what is wrong with a JSON text, and what of it a tree cannot hold.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "plst/JsonReport.h"
+#include "plst/impl/JsonScanner.h"
+
+namespace nxPLST::impl {
+
+/// Goes through a text once more, with a memory of where in it it is, to fill a report.
+class JsonInspector {
+public:
+    explicit JsonInspector(std::string_view text) : text_(text), scanner_(text) {}
+
+    /// Reports the fault of a text that was refused. Call one of these, once.
+    void reportFault(JsonReport& report);
+    /// Reports the losses of a text that was read.
+    void reportLosses(JsonReport& report);
+
+private:
+    /// An open container, and the child of it that the text has come to.
+    struct Frame {
+        char const* start;
+        bool isArray;
+        std::size_t firstMember;  // in `members_`
+        std::size_t index = 0;
+        std::string_view key = {};  // as the text spells it
+    };
+
+    /// A member that has a value, of an object that is still open.
+    struct Member {
+        urString::CString key;
+        std::string_view spelling;
+    };
+
+    // These are false at a fault.
+    bool inspect();
+    bool passValue(bool& valueComes);
+    bool passBehindValue(bool& valueComes);
+    bool passScalar();
+    bool passKey(char const* expected);
+    bool fail(char const* expected);
+
+    void open(bool isArray);
+    void close();
+    void addMember();
+    void addLoss(JsonLoss::Kind kind, char const* start);
+    [[nodiscard]] std::size_t offset(char const* place) const { return static_cast<std::size_t>(place - text_.data()); }
+
+    std::string_view text_;
+    JsonScanner scanner_;
+    bool endedEarly_ = false;  // between tokens
+    std::vector<Frame> frames_;
+    std::vector<Member> members_;
+    std::vector<JsonLoss> losses_;  // a heap with the last one first
+    std::size_t lossCount_ = 0;
+};
+
+}  // namespace nxPLST::impl

@@ -1,0 +1,52 @@
+// The numbers that need more than the digits of an integer.
+#include "plst/impl/JsonNumberReader.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+namespace nxPLST::impl {
+namespace {
+
+/// Beyond any exponent that the digits of a text could make up for.
+constexpr long hugeExponent = std::numeric_limits<long>::max() / 16;
+
+/// Whether a number that no double comes near is one of the large ones. Requires: it is not 0.
+bool isLarge(char const* text, char const* end) {
+    long magnitude = 0;  // of 0.d1d2d3…·10^magnitude with d1 not 0
+    bool leading = true;
+    bool fraction = false;
+    for (; text != end && *text != 'e' && *text != 'E'; ++text) {
+        fraction |= *text == '.';
+        if (!isDigit(*text)) continue;
+        leading &= *text == '0';
+        if (leading == fraction) magnitude += leading ? -1 : 1;
+    }
+    if (text == end) return magnitude > 0;
+    bool const negative = *++text == '-';
+    if (!isDigit(*text)) ++text;
+    long exponent = 0;
+    for (; text != end; ++text) exponent = std::min(hugeExponent, exponent * 10 + (*text - '0'));
+    return magnitude + (negative ? -exponent : exponent) > 0;
+}
+
+}  // namespace
+
+char const* readReal(char const* text, char const* end, double& value) noexcept {
+    auto const result = std::from_chars(text, end, value);
+    if (result.ec != std::errc()) {
+        if (isLarge(text, result.ptr)) return nullptr;
+        value = std::copysign(0.0, *text == '-' ? -1.0 : 1.0);
+    }
+    return result.ptr;
+}
+
+bool readInteger(char const* text, char const* end, double& value) noexcept {
+    std::int64_t whole = 0;
+    if (std::from_chars(text, end, whole).ec != std::errc()) return false;
+    if (whole == std::numeric_limits<std::int64_t>::min()) return false;
+    value = static_cast<double>(whole);
+    return true;
+}
+
+}  // namespace nxPLST::impl

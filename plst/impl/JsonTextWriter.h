@@ -1,0 +1,46 @@
+// The writer of the readable dump.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+#include "foundation/urOS/OStream.h"
+#include "plst/impl/ChildWalk.h"
+
+namespace nxPLST::impl {
+
+/// Writes one tree for people to read: members indented on lines of their own, texts as they are.
+///
+/// Indentation may grow with the square of the depth, so it stops where it would take up more than a fixed size
+/// and a multiple of the rest.
+class JsonTextWriter {
+public:
+    explicit JsonTextWriter(urOS::IOStream& stream) : out_(stream) {}
+
+    /// Writes the tree, for a null one nothing, and a line feed. False when the stream had an error.
+    bool write(Item const* root);
+
+private:
+    enum class JsonToken { none, openObject, closeObject, openArray, closeArray, comma, colon };
+
+    static constexpr std::size_t indentStep = 4;
+    static constexpr std::size_t freeIndentation = std::size_t(64) << 20;
+    static constexpr std::size_t indentationPerByte = 16;
+
+    void writeNext(ChildWalk& children);
+    void writeItem(Item const* item);
+    void endValue();
+    void writeText(urString::CString const& text);
+    void put(JsonToken token);
+    void put(std::string_view text);
+    void startLine();
+
+    urOS::OStream out_;
+    JsonToken last_ = JsonToken::none;
+    std::size_t indentWidth_ = 0;
+    std::size_t indented_ = 0;  // bytes of indentation so far
+    std::size_t written_ = 0;   // all others
+    ur::vector<ChildWalk> stack_;
+};
+
+}  // namespace nxPLST::impl

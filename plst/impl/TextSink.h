@@ -1,0 +1,65 @@
+// Appending to a text piece by piece, without the text's own bookkeeping for each piece.
+#pragma once
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "foundation/urString/CString.h"
+
+namespace nxPLST::impl {
+
+/// Grows a text at its end. The text has its true size again when the sink is gone.
+class TextSink {
+public:
+    explicit TextSink(urString::CString& text) : text_(text) { expose(text.size(), text.capacity()); }
+    TextSink(TextSink const&) = delete;
+    TextSink& operator=(TextSink const&) = delete;
+    ~TextSink() {
+        text_.resizeAndOverwrite(used(), [](char*, std::size_t size) { return size; });
+    }
+
+    /// Where the text goes on: room for `bytes` bytes, of which those before `advanceTo` are the text's.
+    [[nodiscard]] char* room(std::size_t bytes) {
+        if (bytes > static_cast<std::size_t>(end_ - at_)) [[unlikely]]
+            grow(bytes);
+        return at_;
+    }
+    void advanceTo(char* at) noexcept { at_ = at; }
+    /// The same room after the text was written up to `at`.
+    [[nodiscard]] char* room(char* at, std::size_t bytes) {
+        advanceTo(at);
+        return room(bytes);
+    }
+
+    void put(char character) {
+        *room(1) = character;
+        ++at_;
+    }
+    void put(std::string_view text) {
+        std::memcpy(room(text.size()), text.data(), text.size());
+        at_ += text.size();
+    }
+
+private:
+    static constexpr std::size_t firstRoom = 240;
+
+    [[nodiscard]] std::size_t used() const { return static_cast<std::size_t>(at_ - text_.data()); }
+
+    void grow(std::size_t bytes) {
+        std::size_t const size = used();
+        expose(size, std::max({size + bytes, 2 * size, firstRoom}));
+    }
+
+    void expose(std::size_t size, std::size_t capacity) {
+        text_.resizeAndOverwrite(capacity, [](char*, std::size_t bytes) { return bytes; });
+        at_ = text_.data() + size;
+        end_ = text_.data() + capacity;
+    }
+
+    urString::CString& text_;
+    char* at_ = nullptr;
+    char* end_ = nullptr;
+};
+
+}  // namespace nxPLST::impl

@@ -1,0 +1,80 @@
+// Looking through the bytes of a text, many at a time, for those that cannot stand for themselves in JSON.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace nxPLST::impl {
+
+/// What ends a run of bytes that are copied as they are.
+enum class Stop {
+    atEscapes,         ///< a quote, a backslash or a control character
+    atEscapesAndUtf8,  ///< those, and whatever is not ASCII
+};
+
+namespace scan {
+
+[[nodiscard]] inline std::uint64_t load(char const* text) noexcept {
+    std::uint64_t word;
+    std::memcpy(&word, text, sizeof word);
+    return word;
+}
+
+constexpr std::uint64_t inEach(std::uint64_t byte) { return byte * 0x01010101'01010101; }
+
+/// The top bit of each byte below `limit`; bytes above the lowest of them in significance may be wrong.
+constexpr std::uint64_t below(std::uint64_t word, std::uint64_t limit) {
+    return (word - inEach(limit)) & ~word & inEach(0x80);
+}
+
+/// The number of bytes before the first stop among eight.
+template <Stop stop>
+[[nodiscard]] int runInEight(char const* text) noexcept {
+    std::uint64_t word = load(text);
+    if constexpr (std::endian::native == std::endian::big) word = __builtin_bswap64(word);
+    std::uint64_t stops = below(word, ' ') | below(word ^ inEach('"'), 1) | below(word ^ inEach('\\'), 1);
+    if constexpr (stop == Stop::atEscapesAndUtf8) stops |= word & inEach(0x80);
+    return std::countr_zero(stops) / 8;
+}
+
+}  // namespace scan
+
+/// The number of bytes before the first stop among sixteen.
+template <Stop stop>
+[[nodiscard]] inline int runInSixteen(char const* text) noexcept {
+#if defined(__SSE2__)
+    __m128i const bytes = _mm_loadu_si128(reinterpret_cast<__m128i const*>(text));
+    __m128i const quotes = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('"'));
+    __m128i const backslashes = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\\'));
+    // As signed numbers, all that is not ASCII lies below the control characters.
+    __m128i const others = stop == Stop::atEscapesAndUtf8
+                               ? _mm_cmplt_epi8(bytes, _mm_set1_epi8(' '))
+                               : _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(' ' - 1)), bytes);
+    int const mask = _mm_movemask_epi8(_mm_or_si128(_mm_or_si128(quotes, backslashes), others));
+    return std::countr_zero(static_cast<unsigned>(mask) | 1U << 16);
+#else
+    int const run = scan::runInEight<stop>(text);
+    return run < 8 ? run : 8 + scan::runInEight<stop>(text + 8);
+#endif
+}
+
+/// The first stop in [text, end), or `end`.
+template <Stop stop>
+[[nodiscard]] char const* runEnd(char const* text, char const* end) noexcept {
+    for (; end - text >= 16; text += 16) {
+        int const run = runInSixteen<stop>(text);
+        if (run < 16) return text + run;
+    }
+    for (; text != end; ++text) {
+        auto const byte = static_cast<unsigned char>(*text);
+        if (byte < ' ' || byte == '"' || byte == '\\' || (stop == Stop::atEscapesAndUtf8 && byte >= 0x80)) break;
+    }
+    return text;
+}
+
+}  // namespace nxPLST::impl

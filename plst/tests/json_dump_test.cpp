@@ -1,0 +1,119 @@
+// The readable dump: layout, tolerance, files, depth.
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "plst/json.h"
+#include "plst/tests/plainYajl.h"
+#include "plst/tests/smallStack.h"
+
+namespace nxPLST {
+namespace {
+
+using namespace test;
+
+/// A tree written in JSON, in which null elements cannot be said.
+Reference<Item> tree(char const* json) {
+    Reference<Item> item;
+    EXPECT_TRUE(convertFromJSON(item, json));
+    return item;
+}
+
+std::string dump(char const* json) { return std::string(asJSON(tree(json))); }
+
+TEST(Dump, KeepsItsLayout) {
+    struct Case {
+        char const* json;
+        char const* text;
+    };
+    Case const cases[] = {
+        {R"({"a":1,"b":[1,2]})", "{\n    \"a\": 1,\n    \"b\": [1, 2]\n}\n"},
+        {"{}", "{\n    \n}\n"},
+        {"[]", "[]\n"},
+        {"0.1", "0.1\n"},
+        {"1234567", "1.23457e+06\n"},
+        {"[true,false,\"x\"]", "[true, false, \"x\"]\n"},
+        {R"([{"a":1},{"b":2}])", "[{\n    \"a\": 1\n},\n{\n    \"b\": 2\n}]\n"},
+        {"[[1,2],[3]]", "[[1, 2],\n[3]]\n"},
+        {"[[1],2,3]", "[[1],\n2, 3]\n"},
+        {R"({"k":[[1],[2]]})", "{\n    \"k\": [[1],\n    [2]]\n}\n"},
+        {R"({"k":{"l":{}},"m":0})",
+         "{\n    \"k\": {\n        \"l\": {\n            \n        }\n    },\n    \"m\": 0\n}\n"},
+        {R"(["a\"\\\n"])", "[\"a\"\\\n\"]\n"},
+    };
+    for (Case const& one : cases) EXPECT_EQ(dump(one.json), one.text) << one.json;
+    EXPECT_EQ(asJSON(nullptr), "{}");
+    EXPECT_EQ(asJSON(make<Double>(-0.0)), "-0\n");
+    EXPECT_EQ(asJSON(make<Double>(std::nan(""))), "nan\n");
+}
+
+TEST(Dump, WritesNothingForANullOrUnknownElementButItsSeparators) {
+    auto array = make<Array>();
+    for (Reference<Item> const& item : {Reference<Item>(), Reference<Item>(make<Stranger>()), Reference<Item>()}) {
+        array->insert(item);
+    }
+    auto dictionary = make<Dictionary>();
+    dictionary->insert("a", nullptr);
+    dictionary->insert("b", array);
+    EXPECT_EQ(asJSON(dictionary), "{\n    \"a\": ,\n    \"b\": [, , ]\n}\n");
+}
+
+TEST(Dump, FillsAFileOrLeavesItAsItWas) {
+    std::string folder = (std::filesystem::temp_directory_path() / "dumpXXXXXX").string();
+    ASSERT_TRUE(mkdtemp(folder.data()));
+    std::string const path = folder + "/dump.txt";
+    auto const contents = [&] {
+        std::ifstream in(path, std::ios::binary);
+        return std::string{std::istreambuf_iterator<char>(in), {}};
+    };
+    EXPECT_TRUE(outputJSON(path.c_str(), tree("{\"a\":[1,2]}")));
+    EXPECT_EQ(contents(), "{\n    \"a\": [1, 2]\n}\n");
+    EXPECT_TRUE(outputJSON(path.c_str(), nullptr));
+    EXPECT_EQ(contents(), "\n");
+    EXPECT_FALSE(outputJSON((folder + "/none/dump.txt").c_str(), tree("1")));
+    EXPECT_FALSE(outputJSON(folder.c_str(), tree("1")));
+    std::filesystem::remove_all(folder);
+}
+
+#if defined(__linux__)
+TEST(Dump, FailsWithTheDeviceItWritesTo) { EXPECT_FALSE(outputJSON("/dev/full", tree("[1]"))); }
+#endif
+
+TEST(Dump, OfAnyDepthStaysInProportion) {
+    onSmallStack([] {
+        Reference<Item> arrays = make<Array>();
+        Reference<Item> dictionaries = make<Dictionary>();
+        for (int i = 1; i < manyLevels; ++i) {
+            auto array = make<Array>();
+            array->insert(std::move(arrays));
+            arrays = std::move(array);
+            auto dictionary = make<Dictionary>();
+            dictionary->insert("k", std::move(dictionaries));
+            dictionaries = std::move(dictionary);
+        }
+        EXPECT_EQ(asJSON(arrays).size(), 2U * manyLevels + 1);
+        urString::CString const text = asJSON(dictionaries);
+        EXPECT_LT(text.size(), std::size_t(256) << 20);
+        EXPECT_TRUE(text.startsWith("{\n    \"k\": {\n        \"k\": {\n            \"k\""));
+        EXPECT_TRUE(text.endsWith("\n}\n"));
+    });
+}
+
+TEST(Dump, IndentsSomeHundredLevelsInFull) {
+    Reference<Item> item = make<Double>(1);
+    std::string open;
+    std::string close;
+    for (int depth = 400; depth > 0; --depth) {
+        auto dictionary = make<Dictionary>();
+        dictionary->insert("k", item);
+        item = dictionary;
+        open = "{\n" + std::string(4U * depth, ' ') + "\"k\": " + open;
+        close += "\n" + std::string(4U * (depth - 1), ' ') + "}";
+    }
+    EXPECT_EQ(asJSON(item), open + "1" + close + "\n");
+}
+
+}  // namespace
+}  // namespace nxPLST

@@ -1,0 +1,169 @@
+// Strict JSON: its layout, its numbers and its refusals, beside yajl's generator.
+#include <limits>
+
+#include "foundation/urString/tests/CommaLocale.h"
+#include "plst/impl/JsonNumberWriter.h"
+#include "plst/json.h"
+#include "plst/tests/plainYajl.h"
+
+namespace nxPLST {
+namespace {
+
+using namespace test;
+
+std::string strict(Reference<Item> const& item) {
+    urString::CString text;
+    EXPECT_TRUE(convertToJSON(text, item));
+    return std::string(text);
+}
+
+TEST(StrictJson, PutsEveryMemberAndElementOnItsOwnLine) {
+    auto inner = make<Dictionary>();
+    inner->insert("b", make<Array>());
+    inner->insert("a", nullptr);
+    auto tree = make<Array>();
+    tree->insert(make<Double>(1));
+    tree->insert(inner);
+    tree->insert(make<Bool>(false));
+    EXPECT_EQ(strict(tree),
+              "[\n    1,\n    {\n        \"a\": null,\n        \"b\": [\n\n        ]\n    },\n    false\n]\n");
+    EXPECT_EQ(strict(nullptr), "null\n");
+    EXPECT_EQ(strict(make<Dictionary>()), "{\n\n}\n");
+}
+
+TEST(StrictJson, EscapesOnlyWhatItMust) {
+    EXPECT_EQ(strict(make<String>(urString::CString("\"\\/\b\f\n\r\t\x01\x1f\x7f\0é\xff", 15))),
+              "\"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001F\x7f\\u0000é\xff\"\n");
+}
+
+TEST(StrictJson, AppendsAndKeepsWhatCameBeforeARefusal) {
+    auto tree = make<Array>();
+    tree->insert(make<String>("kept"));
+    urString::CString text = "before ";
+    EXPECT_TRUE(convertToJSON(text, tree));
+    tree->insert(make<Double>(std::numeric_limits<double>::infinity()));
+    EXPECT_FALSE(convertToJSON(text, tree));
+    EXPECT_EQ(text, "before [\n    \"kept\"\n]\n[\n    \"kept\"");
+}
+
+TEST(StrictJson, StopsWhereTheGeneratorDoes) {
+    for (int depth : {126, 127, 128, 200}) {
+        for (int kind = 0; kind < 2; ++kind) {
+            Reference<Item> tree = make<Double>(1);
+            for (int i = 0; i < depth; ++i) {
+                auto array = make<Array>();
+                auto dictionary = make<Dictionary>();
+                array->insert(tree);
+                dictionary->insert("k", tree);
+                tree = kind == 0 ? Reference<Item>(array) : dictionary;
+            }
+            urString::CString text;
+            std::string plain;
+            EXPECT_EQ(convertToJSON(text, tree), depth < 128);
+            EXPECT_EQ(writePlainly(plain, tree.get()), depth < 128);
+            EXPECT_EQ(text.view(), plain);
+        }
+    }
+}
+
+TEST(StrictJson, IsTheGeneratorsTextForAnyTree) {
+    unsigned const seed = std::random_device()();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomTrees random(seed);
+    for (int i = 0; i < 4000; ++i) {
+        Reference<Item> const tree = random.tree(5, i % 2 ? 40 : 0);
+        urString::CString text;
+        std::string plain;
+        ASSERT_EQ(convertToJSON(text, tree), writePlainly(plain, tree.get()));
+        ASSERT_EQ(text.view(), plain);
+    }
+}
+
+// Numbers ------------------------------------------------------------------------------------------------------
+
+std::string printed(char const* format, double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, format, value);
+    return text;
+}
+
+std::string exact(double value) {
+    char text[impl::numberRoom];
+    return {text, impl::writeExactNumber(text, value)};
+}
+
+std::string brief(double value) {
+    char text[impl::numberRoom];
+    return {text, impl::writeShortNumber(text, value)};
+}
+
+TEST(JsonNumber, HasTwentyDigitsOfTheExactValue) {
+    EXPECT_EQ(exact(0.1), "0.10000000000000000555");
+    EXPECT_EQ(exact(-0.0), "-0");
+    EXPECT_EQ(exact(1e19), "10000000000000000000");
+    EXPECT_EQ(exact(99999999999999983616.0), "99999999999999983616");
+    EXPECT_EQ(exact(1e20), "1e+20");
+    EXPECT_EQ(exact(5e-324), "4.9406564584124654418e-324");
+}
+
+TEST(JsonNumber, IsWhatPrintfPrints) {
+    unsigned const seed = std::random_device()();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomTrees random(seed);
+    for (int i = 0; i < 300000; ++i) {
+        double const value = random.number();
+        ASSERT_EQ(exact(value), printed("%.20g", value));
+        ASSERT_EQ(brief(value), printed("%g", value));
+    }
+    for (int exponent = -30; exponent < 30; ++exponent) {
+        double below = std::pow(10.0, exponent);
+        double above = below;
+        for (int i = 0; i < 300; ++i) {
+            ASSERT_EQ(exact(below), printed("%.20g", below));
+            ASSERT_EQ(exact(above), printed("%.20g", above));
+            ASSERT_EQ(brief(above), printed("%g", above));
+            below = std::nextafter(below, 0);
+            above = std::nextafter(above, HUGE_VAL);
+        }
+    }
+    for (double value : {std::nan(""), -std::nan(""), HUGE_VAL, -HUGE_VAL}) {
+        EXPECT_EQ(brief(value), printed("%g", value));
+    }
+}
+
+TEST(JsonNumber, IsReadBackAsTheSameDouble) {
+    unsigned const seed = std::random_device()();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomTrees random(seed);
+    auto numbers = make<Array>();
+    while (numbers->size() < 200000) {
+        double const value = random.number();
+        bool const returns = std::trunc(value) != value || (std::fabs(value) < 0x1p63 && !std::signbit(value));
+        if (returns) numbers->insert(make<Double>(value));
+    }
+    Reference<Item> again;
+    ASSERT_TRUE(convertFromJSON(again, urString::CString(strict(numbers))));
+    EXPECT_TRUE(same(again.get(), numbers.get()));
+}
+
+TEST(JsonNumber, HasAPointInEveryLocale) {
+    ::test::CommaLocale const locale;
+    if (!locale.active()) GTEST_SKIP() << "no locale with a decimal comma can be made here";
+    ASSERT_EQ(printed("%g", 0.5), "0,5");
+    for (double value : {0.5, 1e-7, 1.5e300, 123456789012.75}) {
+        EXPECT_EQ(exact(value).find(','), std::string::npos);
+        EXPECT_EQ(asJSON(make<Double>(value)).find(','), urString::CString::npos);
+        for (char const* form : {"[%s]", "%s", "/**/%s"}) {  // each reader in its turn
+            std::string text(form);
+            text.replace(text.find("%s"), 2, exact(value));
+            Reference<Item> item;
+            ASSERT_TRUE(convertFromJSON(item, urString::CString(text)));
+            if (auto array = asArray(item)) item = array->objectAt(0);
+            EXPECT_EQ(asDouble(item)->value(), value);
+        }
+    }
+    EXPECT_EQ(printed("%g", 0.5), "0,5");
+}
+
+}  // namespace
+}  // namespace nxPLST

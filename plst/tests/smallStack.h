@@ -1,0 +1,35 @@
+// Running work on a stack as small as the smallest that the library must do with.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <cstddef>
+#include <functional>
+
+namespace nxPLST::test {
+
+// Under AddressSanitizer every frame is several times as large, and every node costs much more time.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr std::size_t smallStack = 2048 * 1024;
+inline constexpr int manyLevels = 100000;
+#else
+inline constexpr std::size_t smallStack = 512 * 1024;
+inline constexpr int manyLevels = 1000000;
+#endif
+
+inline void onSmallStack(std::function<void()> work) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, smallStack);
+    pthread_t thread;
+    auto const run = [](void* self) -> void* {
+        (*static_cast<std::function<void()>*>(self))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+}  // namespace nxPLST::test

@@ -1,0 +1,130 @@
+// Two trees side by side.
+#include "tools/nxplist/Comparison.h"
+
+#include <cmath>
+#include <vector>
+
+#include "plst/Bool.h"
+#include "plst/Double.h"
+#include "plst/String.h"
+#include "plst/json.h"
+#include "tools/nxplist/Walk.h"
+
+namespace nxplist {
+namespace {
+
+using nxPLST::Item;
+
+/// Two containers of one kind under comparison.
+struct Open {
+    Children first;
+    Children second;
+};
+
+bool sameScalar(Item const& a, Item const& b) {
+    switch (a.type()) {
+        case nxPLST::BoolType:
+            return static_cast<nxPLST::Bool const&>(a).value() == static_cast<nxPLST::Bool const&>(b).value();
+        case nxPLST::DoubleType: {
+            double const x = static_cast<nxPLST::Double const&>(a).value();
+            double const y = static_cast<nxPLST::Double const&>(b).value();
+            return x == y || (std::isnan(x) && std::isnan(y));
+        }
+        default: return static_cast<nxPLST::String const&>(a).value() == static_cast<nxPLST::String const&>(b).value();
+    }
+}
+
+class Comparer {
+public:
+    explicit Comparer(std::function<bool(std::string const&)> const& report) : report_(report) {}
+
+    void compare(Item const* first, Item const* second) {
+        bool goOn = meet(first, second, ".");
+        while (goOn && !open_.empty()) goOn = step();
+    }
+
+private:
+    /// Compares two values at one place; containers of one kind are opened.
+    bool meet(Item const* first, Item const* second, std::string const& place) {
+        if (!first || !second) return first == second || report_(place + ": " + brief(first) + " -> " + brief(second));
+        if (first->type() != second->type()) return report_(place + ": " + brief(first) + " -> " + brief(second));
+        if (isContainer(first)) {
+            open_.push_back({Children(*first), Children(*second)});
+            return true;
+        }
+        return sameScalar(*first, *second) || report_(place + ": " + brief(first) + " -> " + brief(second));
+    }
+
+    /// Handles the next child of the innermost pair, or closes it. False when the report wants no more.
+    bool step() {
+        Open& pair = open_.back();
+        if (pair.first.done() && pair.second.done()) {
+            open_.pop_back();
+            if (!open_.empty()) advance(open_.back());
+            return true;
+        }
+        int const order = keyOrder(pair);
+        if (order < 0) return onlyIn("first", pair.first);
+        if (order > 0) return onlyIn("second", pair.second);
+        std::size_t const depth = open_.size();
+        Item const* const first = pair.first.item();
+        Item const* const second = pair.second.item();
+        bool const goOn = isContainer(first) && isContainer(second) && first->type() == second->type()
+                              ? meet(first, second, "")
+                              : meet(first, second, place(pair.first));
+        if (open_.size() == depth) advance(open_.back());
+        return goOn;
+    }
+
+    static void advance(Open& pair) {
+        pair.first.next();
+        pair.second.next();
+    }
+
+    /// Negative when the next child is in the first container only, positive when in the second only.
+    static int keyOrder(Open const& pair) {
+        if (pair.first.done()) return 1;
+        if (pair.second.done()) return -1;
+        if (pair.first.container().type() == nxPLST::ArrayType) return 0;
+        return pair.first.key().compare(pair.second.key());
+    }
+
+    bool onlyIn(char const* which, Children& children) {
+        bool const goOn = report_(place(children) + ": only in the " + which + ": " + brief(children.item()));
+        children.next();
+        return goOn;
+    }
+
+    /// The path of the child that `children`, of the innermost pair, stands on.
+    std::string place(Children const& children) const {
+        std::string text;
+        for (std::size_t i = 0; i + 1 < open_.size(); ++i) text += open_[i].first.step();
+        return text + children.step();
+    }
+
+    std::function<bool(std::string const&)> const& report_;
+    std::vector<Open> open_;
+};
+
+}  // namespace
+
+void compareTrees(Item const* first, Item const* second, std::function<bool(std::string const&)> const& report) {
+    Comparer(report).compare(first, second);
+}
+
+std::string brief(Item const* item) {
+    if (!item) return "nothing";
+    if (item->type() == nxPLST::ArrayType) {
+        return "array of " + std::to_string(static_cast<nxPLST::Array const*>(item)->size());
+    }
+    if (item->type() == nxPLST::DictionaryType) {
+        return "dictionary of " + std::to_string(static_cast<nxPLST::Dictionary const*>(item)->size());
+    }
+    urString::CString text;
+    if (!nxPLST::convertToJSON(text, ur::Reference<Item const>(item))) return "not a finite number";
+    std::string result(text.view());
+    while (!result.empty() && result.back() == '\n') result.pop_back();
+    return result;
+}
+
+}  // namespace nxplist

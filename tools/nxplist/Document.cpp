@@ -1,0 +1,158 @@
+// Reading and writing files of every form.
+#include "tools/nxplist/Document.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "foundation/io/ioFormat.h"
+#include "foundation/io/ioStatus.h"
+#include "foundation/urOS/AtomicFile.h"
+#include "foundation/urOS/File.h"
+#include "foundation/urOS/MemoryIOStream.h"
+#include "plst/JsonReport.h"
+#include "plst/packets.h"
+#include "tools/nxplist/Progress.h"
+
+namespace nxplist {
+namespace {
+
+constexpr int invalid = 1;
+constexpr int unusable = 2;
+
+void check(urUtil::Error const& error) {
+    if (error.isError()) throw Failure{unusable, "nxplist: " + std::string(error.message())};
+}
+
+urString::CString contents(std::string const& path) {
+    urOS::File file;
+    std::uint64_t total = 0;
+    if (path == "-") {
+        check(file.attach(STDIN_FILENO, urOS::File::Ownership::borrowed));
+    } else {
+        check(file.open(urString::IString(path.c_str()), urOS::openRead));
+        if (file.size(total).isError()) total = 0;  // a pipe
+    }
+    urString::CString text;
+    Progress progress("reading");
+    std::size_t done = 0;
+    do {
+        constexpr std::size_t block = 1 << 20;
+        std::size_t const before = text.size();
+        text.resizeAndOverwrite(before + block, [&](char* bytes, std::size_t) {
+            check(file.read(bytes + before, block, &done));
+            return before + done;
+        });
+        progress.show(text.size(), total);
+    } while (done > 0);
+    return text;
+}
+
+/// The line at `offset` and a mark under the column, for people at a terminal.
+std::string excerpt(urString::CString const& text, nxPLST::JsonLocation const& location) {
+    constexpr std::size_t most = 160;
+    std::string_view line = text.view();
+    std::size_t const lineStart = line.rfind('\n', location.offset ? location.offset - 1 : 0);
+    std::size_t const start = location.offset && lineStart != line.npos ? lineStart + 1 : 0;
+    line = line.substr(start);
+    line = line.substr(0, std::min(line.find('\n'), most));
+    std::string shown;
+    for (char const c : line) shown += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
+    if (location.column > most) return "\n    " + shown + "...";
+    return "\n    " + shown + "\n    " + std::string(location.column - 1, ' ') + "^";
+}
+
+std::string located(std::string const& name, nxPLST::JsonLocation const& location, std::string_view reason) {
+    return name + ":" + std::to_string(location.line) + ":" + std::to_string(location.column) + ": " +
+           std::string(reason);
+}
+
+void tellLosses(std::string const& name, nxPLST::JsonReport const& report) {
+    for (auto const& loss : report.losses) {
+        std::string const what = std::string(nxPLST::describe(loss.kind)) + " at " + std::string(loss.path.view());
+        std::fprintf(stderr, "%s\n", located(name, loss.location, what).c_str());
+    }
+    if (report.lossCount > report.losses.size()) {
+        std::fprintf(stderr, "%s: %zu more losses\n", name.c_str(), report.lossCount - report.losses.size());
+    }
+}
+
+void readJson(Document& document, urString::CString const& text, Losses losses) {
+    nxPLST::JsonReport report;
+    if (!nxPLST::convertFromJSON(document.root, text, report)) {
+        std::string message = located(document.name, report.location, report.reason.view());
+        if (isatty(STDERR_FILENO) == 1) message += excerpt(text, report.location);
+        throw Failure{invalid, message};
+    }
+    document.losses = report.lossCount;
+    if (losses == Losses::told) tellLosses(document.name, report);
+}
+
+void readPackets(Document& document, urString::CString const& bytes) {
+    urOS::MemoryIOStream stream(std::max<std::size_t>(bytes.size(), 1));
+    check(stream.open(urOS::openForWriting));
+    check(stream.write(bytes.data(), bytes.size()));
+    check(stream.open(urOS::openRead));
+    nxPLST::PacketReport report;
+    if (nxPLST::read(stream, document.root, report)) return;
+    throw Failure{invalid, document.name + ": " + ioStatusText(report.status) + " (byte " +
+                               std::to_string(report.position) + ")"};
+}
+
+urString::CString textOf(Document const& document, Form form) {
+    if (form == Form::dump) return nxPLST::asJSON(document.root);
+    urString::CString text;
+    if (nxPLST::convertToJSON(text, document.root)) return text;
+    throw Failure{invalid, document.name +
+                               ": the tree has no strict JSON form: deeper than 127 levels, or a number "
+                               "that is not finite"};
+}
+
+void storeInto(urOS::IOStream& stream, Document const& document, Form form) {
+    if (form == Form::packets) {
+        nxPLST::PacketReport report;
+        if (!nxPLST::write(stream, document.root, report)) {
+            throw Failure{unusable, "nxplist: cannot write packets: " + std::string(ioStatusText(report.status))};
+        }
+        return;
+    }
+    urString::CString const text = textOf(document, form);
+    check(stream.write(text.data(), text.size()));
+}
+
+}  // namespace
+
+Document load(std::string const& path, std::optional<Form> form, Losses losses) {
+    Document document;
+    document.name = path == "-" ? "standard input" : path;
+    urString::CString const bytes = contents(path);
+    document.form = form.value_or(bytes.startsWith(ioFormat::fileMark) ? Form::packets : Form::json);
+    if (document.form == Form::packets) {
+        readPackets(document, bytes);
+    } else {
+        readJson(document, bytes, losses);
+    }
+    return document;
+}
+
+void store(Document const& document, std::string const& path, Form form) {
+    if (path == "-") {
+        urOS::File out;
+        check(out.attach(STDOUT_FILENO, urOS::File::Ownership::borrowed));
+        storeInto(out, document, form);
+        return;
+    }
+    urOS::AtomicFile out;
+    check(out.open(urString::IString(path.c_str())));
+    storeInto(out, document, form);
+    check(out.commit());
+}
+
+void printText(urString::CString const& text) {
+    urOS::File out;
+    check(out.attach(STDOUT_FILENO, urOS::File::Ownership::borrowed));
+    check(out.write(text.data(), text.size()));
+}
+
+}  // namespace nxplist

@@ -1,0 +1,168 @@
+// The description of the program, and its three forms.
+#include "tools/nxplist/Manual.h"
+
+#include <algorithm>
+#include <string>
+
+namespace nxplist {
+namespace {
+
+constexpr std::string_view summary = "work with property lists in JSON and packet files";
+
+constexpr std::string_view description =
+    "Property lists are trees of truth values, numbers, texts, arrays and dictionaries. FILE is read as JSON (comments "
+    "allowed) or as packets, whichever its content shows; without a FILE, or with \"-\", standard input is read. Files "
+    "are written whole or not at all.";
+
+constexpr CommandText commands[] = {
+    {"convert", "[FILE [OUTPUT]]", "write FILE in another form",
+     "The form is that of --to, else the one that OUTPUT's ending names (.json, .nxp, .txt), else JSON for packets and "
+     "packets for JSON. Without OUTPUT, or with \"-\", standard output is written."},
+    {"check", "[FILE...]", "tell whether each FILE can be read",
+     "Prints nothing for a good file. What reading drops (null members, repeated keys, integers that a double cannot "
+     "hold) is told on standard error; with --strict it counts as invalid."},
+    {"print", "[FILE]", "print FILE as indented JSON, or as --to says", ""},
+    {"stat", "[FILE]", "print counts by kind, depth, bytes in memory and the largest subtrees", ""},
+    {"get", "FILE PATH", "print the value at PATH, such as .countries[3].name",
+     "A key that is not made of letters, digits, \"_\" and \"-\" is written in double quotes: .\"two words\"[0]. The "
+     "path "
+     "\".\" is the whole tree; [-1] is the last element."},
+    {"same", "FILE FILE", "tell by the exit code whether two files hold the same tree",
+     "With --shape only kinds, sizes and keys are compared."},
+    {"diff", "FILE FILE", "print every path at which two files differ", ""},
+};
+
+constexpr OptionText options[] = {
+    {"--from", "FORM", "json packets", "convert check print stat get same diff", "read FORM: json or packets"},
+    {"--to", "FORM", "json packets dump", "convert print", "write FORM: json, packets, or dump for people"},
+    {"--raw", "", "", "get", "print a text as it is, without quotes"},
+    {"--shape", "", "", "same", "compare kinds, sizes and keys only"},
+    {"--strict", "", "", "check", "count what reading drops as invalid"},
+    {"--help", "", "", "", "print this help"},
+    {"--version", "", "", "", "print the version"},
+};
+
+constexpr struct {
+    int code;
+    std::string_view meaning;
+} exitCodes[] = {{0, "done; the trees are the same"},
+                 {1, "invalid input, a value that is not there, or trees that differ"},
+                 {2, "wrong usage, or a file that cannot be read or written"}};
+
+void put(std::FILE* out, std::string_view text) { std::fwrite(text.data(), 1, text.size(), out); }
+
+void putPadded(std::FILE* out, std::string const& label, std::string_view text) {
+    std::fprintf(out, "  %-26s %.*s\n", label.c_str(), static_cast<int>(text.size()), text.data());
+}
+
+std::string joined(std::string_view first, std::string_view second) {
+    return std::string(first) + (second.empty() ? "" : " ") + std::string(second);
+}
+
+/// Folds `text` into lines of at most 78 characters.
+void putFolded(std::FILE* out, std::string_view text) {
+    while (text.size() > 78) {
+        std::size_t const at = text.rfind(' ', 78);
+        put(out, text.substr(0, at));
+        put(out, "\n");
+        text.remove_prefix(at + 1);
+    }
+    put(out, text);
+    put(out, "\n");
+}
+
+/// Text of a manual page: markup characters lose their meaning.
+void putRoff(std::FILE* out, std::string_view text) {
+    for (char const c : text) {
+        if (c == '\\') {
+            put(out, "\\e");
+        } else if (c == '-') {
+            put(out, "\\-");
+        } else {
+            std::fputc(c, out);
+        }
+    }
+}
+
+void putRoffEntry(std::FILE* out, std::string const& label, std::string_view text, std::string_view more) {
+    put(out, ".TP\n.B ");
+    putRoff(out, label);
+    put(out, "\n");
+    putRoff(out, text);
+    put(out, ".\n");
+    if (more.empty()) return;
+    put(out, "\\&");
+    putRoff(out, more);
+    put(out, "\n");
+}
+
+}  // namespace
+
+CommandText const* findCommand(std::string_view name) {
+    auto const* const found = std::ranges::find(commands, name, &CommandText::name);
+    return found == std::end(commands) ? nullptr : found;
+}
+
+OptionText const* findOption(std::string_view name) {
+    auto const* const found = std::ranges::find(options, name, &OptionText::name);
+    return found == std::end(options) ? nullptr : found;
+}
+
+bool takes(CommandText const& command, OptionText const& option) {
+    std::string const list = " " + std::string(option.commands) + " ";
+    return list.find(" " + std::string(command.name) + " ") != std::string::npos;
+}
+
+void printHelp(std::FILE* out) {
+    put(out, "nxplist - ");
+    put(out, summary);
+    put(out, "\n\nusage: nxplist COMMAND [OPTION...] [FILE...]\n\n");
+    putFolded(out, description);
+    put(out, "\ncommands:\n");
+    for (auto const& command : commands) putPadded(out, joined(command.name, command.arguments), command.summary);
+    put(out, "\noptions:\n");
+    for (auto const& option : options) putPadded(out, joined(option.name, option.argument), option.summary);
+    put(out, "\nexit codes:\n");
+    for (auto const& exit : exitCodes) putPadded(out, std::to_string(exit.code), exit.meaning);
+}
+
+void printManPage(std::FILE* out) {
+    put(out, ".TH NXPLIST 1 \"\" \"nxSupport " NX_VERSION "\" \"User Commands\"\n.SH NAME\nnxplist \\- ");
+    putRoff(out, summary);
+    put(out, "\n.SH SYNOPSIS\n.B nxplist\n.I COMMAND\n[\\fIOPTION\\fR...] [\\fIFILE\\fR...]\n.SH DESCRIPTION\n");
+    putRoff(out, description);
+    put(out, "\n.SH COMMANDS\n");
+    for (auto const& command : commands) {
+        putRoffEntry(out, joined(command.name, command.arguments), command.summary, command.details);
+    }
+    put(out, ".SH OPTIONS\n");
+    for (auto const& option : options) putRoffEntry(out, joined(option.name, option.argument), option.summary, "");
+    put(out, ".SH EXIT STATUS\n");
+    for (auto const& exit : exitCodes) putRoffEntry(out, std::to_string(exit.code), exit.meaning, "");
+}
+
+void printCompletion(std::FILE* out) {
+    put(out,
+        "_nxplist() {\n    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]}\n"
+        "    COMPREPLY=()\n    case $before in\n");
+    for (auto const& option : options) {
+        if (option.values.empty()) continue;
+        std::fprintf(out, "    %s) COMPREPLY=($(compgen -W '%s' -- \"$word\")); return ;;\n",
+                     std::string(option.name).c_str(), std::string(option.values).c_str());
+    }
+    put(out, "    esac\n    if [[ $COMP_CWORD -eq 1 ]]; then\n        COMPREPLY=($(compgen -W '");
+    for (auto const& command : commands) put(out, std::string(command.name) + " ");
+    put(out,
+        "--help --version' -- \"$word\"))\n        return\n    fi\n    [[ $word == -* ]] || return\n"
+        "    case ${COMP_WORDS[1]} in\n");
+    for (auto const& command : commands) {
+        std::fprintf(out, "    %s) COMPREPLY=($(compgen -W '", std::string(command.name).c_str());
+        for (auto const& option : options) {
+            if (takes(command, option)) put(out, std::string(option.name) + " ");
+        }
+        put(out, "' -- \"$word\")) ;;\n");
+    }
+    put(out, "    esac\n}\ncomplete -o default -F _nxplist nxplist\n");
+}
+
+}  // namespace nxplist

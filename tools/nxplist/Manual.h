@@ -1,0 +1,36 @@
+// The one description of the program, from which help, manual page and shell completion are made.
+#pragma once
+
+#include <cstdio>
+#include <string_view>
+
+namespace nxplist {
+
+struct CommandText {
+    std::string_view name;
+    std::string_view arguments;
+    std::string_view summary;
+    std::string_view details;
+};
+
+struct OptionText {
+    std::string_view name;      // "--to"
+    std::string_view argument;  // "FORM", empty for a switch
+    std::string_view values;    // the words that completion offers, separated by spaces
+    std::string_view commands;  // those that take it, separated by spaces
+    std::string_view summary;
+};
+
+/// Null when there is no command of that name.
+CommandText const* findCommand(std::string_view name);
+/// Null when there is no option of that name.
+OptionText const* findOption(std::string_view name);
+[[nodiscard]] bool takes(CommandText const& command, OptionText const& option);
+
+void printHelp(std::FILE* out);
+/// The manual page in man(7) markup.
+void printManPage(std::FILE* out);
+/// The completion script for bash.
+void printCompletion(std::FILE* out);
+
+}  // namespace nxplist

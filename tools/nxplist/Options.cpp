@@ -1,0 +1,87 @@
+// Reading the command line.
+#include "tools/nxplist/Options.h"
+
+#include <cstdio>
+#include <string_view>
+
+namespace nxplist {
+namespace {
+
+Form formNamed(std::string_view name, OptionText const& option) {
+    std::string const offered = " " + std::string(option.values) + " ";
+    if (offered.find(" " + std::string(name) + " ") == std::string::npos) {
+        throw UsageError{std::string(option.name) + " takes one of: " + std::string(option.values)};
+    }
+    return name == "json" ? Form::json : name == "packets" ? Form::packets : Form::dump;
+}
+
+/// Answers what asks about the program itself.
+bool answered(std::string_view word) {
+    if (word == "--help" || word == "-h") {
+        printHelp(stdout);
+    } else if (word == "--version") {
+        std::puts("nxplist " NX_VERSION);
+    } else if (word == "--man-page") {
+        printManPage(stdout);
+    } else if (word == "--completion") {
+        printCompletion(stdout);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void set(Options& options, OptionText const& option, std::string_view value) {
+    if (option.name == "--from") options.from = formNamed(value, option);
+    if (option.name == "--to") options.to = formNamed(value, option);
+    if (option.name == "--raw") options.raw = true;
+    if (option.name == "--shape") options.shape = true;
+    if (option.name == "--strict") options.strict = true;
+}
+
+void checkFileCount(Options const& options) {
+    std::string_view const name = options.command->name;
+    std::size_t const least = name == "same" || name == "diff" || name == "get" ? 2 : 0;
+    std::size_t const most = name == "check" ? options.files.size() : name == "print" || name == "stat" ? 1 : 2;
+    if (options.files.size() >= least && options.files.size() <= most) return;
+    throw UsageError{std::string(name) + " takes " + std::string(options.command->arguments)};
+}
+
+}  // namespace
+
+Options readOptions(int argc, char const* const* argv) {
+    Options options;
+    if (argc < 2) throw UsageError{"a command is missing"};
+    if (answered(argv[1])) return options;
+    CommandText const* const command = findCommand(argv[1]);
+    if (!command) throw UsageError{"no command " + std::string(argv[1])};
+    bool optionsEnded = false;
+    for (int i = 2; i < argc; ++i) {
+        std::string_view const word = argv[i];
+        if (optionsEnded || word.size() < 2 || word[0] != '-') {
+            options.files.emplace_back(word);
+            continue;
+        }
+        if (answered(word)) return options;
+        optionsEnded = word == "--";
+        if (optionsEnded) continue;
+        std::string_view const name = word.substr(0, word.find('='));
+        OptionText const* const option = findOption(name);
+        if (!option || !takes(*command, *option)) {
+            throw UsageError{std::string(command->name) + " has no option " + std::string(name)};
+        }
+        std::string_view value = name.size() < word.size() ? word.substr(name.size() + 1) : std::string_view();
+        if (option->argument.empty() && name.size() < word.size())
+            throw UsageError{std::string(name) + " takes no value"};
+        if (!option->argument.empty() && name.size() == word.size()) {
+            if (++i == argc) throw UsageError{std::string(name) + " needs a " + std::string(option->argument)};
+            value = argv[i];
+        }
+        set(options, *option, value);
+    }
+    options.command = command;
+    checkFileCount(options);
+    return options;
+}
+
+}  // namespace nxplist

@@ -1,0 +1,34 @@
+// The command line, read.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/nxplist/Manual.h"
+
+namespace nxplist {
+
+/// How trees are written down.
+enum class Form { json, packets, dump };
+
+struct Options {
+    CommandText const* command = nullptr;
+    std::vector<std::string> files;
+    std::optional<Form> from;
+    std::optional<Form> to;
+    bool raw = false;
+    bool shape = false;
+    bool strict = false;
+};
+
+/// Wrong usage; the text says what is wrong.
+struct UsageError {
+    std::string message;
+};
+
+/// Throws `UsageError`. The command is null when one of --help, --version, --man-page and --completion was given
+/// and has been answered on standard output.
+Options readOptions(int argc, char const* const* argv);
+
+}  // namespace nxplist

@@ -1,0 +1,125 @@
+// One walk over a tree that counts everything.
+#include "tools/nxplist/Statistics.h"
+
+#include <algorithm>
+
+#include "plst/Bool.h"
+#include "plst/Double.h"
+#include "plst/String.h"
+#include "tools/nxplist/Walk.h"
+
+namespace nxplist {
+namespace {
+
+using nxPLST::Item;
+
+/// An open container: what has been found below it so far.
+struct Open {
+    Children children;
+    std::uint64_t items;
+    std::uint64_t bytes;
+};
+
+std::uint64_t heapBytes(urString::CString const& text) {
+    constexpr std::size_t heldInPlace = 15;
+    return text.capacity() > heldInPlace ? text.capacity() + 1 : 0;
+}
+
+std::uint64_t ownBytes(Item const& item) {
+    switch (item.type()) {
+        case nxPLST::BoolType: return sizeof(nxPLST::Bool);
+        case nxPLST::DoubleType: return sizeof(nxPLST::Double);
+        case nxPLST::StringType:
+            return sizeof(nxPLST::String) + heapBytes(static_cast<nxPLST::String const&>(item).value());
+        case nxPLST::ArrayType:
+            return sizeof(nxPLST::Array) +
+                   static_cast<nxPLST::Array const&>(item).array().capacity() * sizeof(ur::Reference<Item>);
+        case nxPLST::DictionaryType:
+            return sizeof(nxPLST::Dictionary) + static_cast<nxPLST::Dictionary const&>(item).dictionary().size() *
+                                                    sizeof(nxPLST::Dictionary::Map::value_type);
+    }
+    return 0;
+}
+
+class Counter {
+public:
+    explicit Counter(std::size_t wanted) : wanted_(wanted) {}
+
+    Statistics count(Item const& root) {
+        enter(root);
+        while (!open_.empty()) {
+            if (open_.back().children.done()) {
+                leave();
+            } else if (Item const* child = open_.back().children.item()) {
+                countKey();
+                enter(*child);
+            } else {
+                open_.back().children.next();
+            }
+        }
+        return std::move(result_);
+    }
+
+private:
+    /// Counts `item`; a container stays open, and the parent's turn comes again when it is left.
+    void enter(Item const& item) {
+        std::uint64_t const bytes = ownBytes(item);
+        ++result_.countByType[item.type()];
+        if (isContainer(&item)) {
+            open_.push_back({Children(item), 1, bytes});
+            result_.depth = std::max<std::uint64_t>(result_.depth, open_.size());
+        } else {
+            add(1, bytes);
+        }
+    }
+
+    void leave() {
+        Open const left = open_.back();
+        if (open_.size() > 1) offer(left);
+        open_.pop_back();
+        add(left.items, left.bytes);
+    }
+
+    /// Adds a finished child to the container that holds it, or to the whole.
+    void add(std::uint64_t items, std::uint64_t bytes) {
+        if (open_.empty()) {
+            result_.bytes = bytes;
+            return;
+        }
+        open_.back().items += items;
+        open_.back().bytes += bytes;
+        open_.back().children.next();
+    }
+
+    void countKey() {
+        Open& parent = open_.back();
+        if (parent.children.container().type() != nxPLST::DictionaryType) return;
+        ++result_.keys;
+        parent.bytes += heapBytes(parent.children.key());
+    }
+
+    void offer(Open const& subtree) {
+        auto& largest = result_.largest;
+        if (largest.size() == wanted_ && (wanted_ == 0 || largest.back().bytes >= subtree.bytes)) return;
+        auto const smaller = [&](Statistics::Subtree const& other) { return other.bytes < subtree.bytes; };
+        largest.insert(std::ranges::find_if(largest, smaller), {path(), subtree.items, subtree.bytes});
+        if (largest.size() > wanted_) largest.pop_back();
+    }
+
+    /// Of the innermost open container.
+    std::string path() const {
+        std::string text;
+        for (std::size_t i = 0; i + 1 < open_.size(); ++i) text += open_[i].children.step();
+        return text;
+    }
+
+    std::size_t wanted_;
+    std::vector<Open> open_;
+    Statistics result_;
+};
+
+}  // namespace
+
+Statistics statisticsOf(Item const& root, std::size_t subtrees) { return Counter(subtrees).count(root); }
+
+}  // namespace nxplist

@@ -1,0 +1,31 @@
+// Counts and sizes of a tree.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "plst/Item.h"
+
+namespace nxplist {
+
+/// What a tree consists of. A shared item counts as often as it is held.
+struct Statistics {
+    struct Subtree {
+        std::string path;
+        std::uint64_t items;
+        std::uint64_t bytes;
+    };
+
+    std::array<std::uint64_t, 5> countByType{};  ///< indexed by `nxPLST::Type`
+    std::uint64_t keys = 0;
+    std::uint64_t depth = 0;       ///< levels of containers
+    std::uint64_t bytes = 0;       ///< in memory
+    std::vector<Subtree> largest;  ///< containers below the root, largest first
+};
+
+/// `subtrees` is how many of the largest are wanted.
+Statistics statisticsOf(nxPLST::Item const& root, std::size_t subtrees);
+
+}  // namespace nxplist

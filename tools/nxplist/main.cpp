@@ -1,0 +1,159 @@
+// nxplist: property lists on the command line.
+#include <cstdio>
+#include <new>
+
+#include "plst/casts.h"
+#include "plst/json.h"
+#include "tools/nxplist/Comparison.h"
+#include "tools/nxplist/Document.h"
+#include "tools/nxplist/Options.h"
+#include "tools/nxplist/Path.h"
+#include "tools/nxplist/Statistics.h"
+
+namespace nxplist {
+namespace {
+
+constexpr int done = 0;
+constexpr int negative = 1;  // differs, invalid, not there
+constexpr int unusable = 2;
+
+std::string fileOr(Options const& options, std::size_t index, char const* otherwise) {
+    return index < options.files.size() ? options.files[index] : otherwise;
+}
+
+Form formFor(Options const& options, std::string const& output, Form input) {
+    if (options.to) return *options.to;
+    if (output.ends_with(".json")) return Form::json;
+    if (output.ends_with(".nxp")) return Form::packets;
+    if (output.ends_with(".txt")) return Form::dump;
+    return input == Form::json ? Form::packets : Form::json;
+}
+
+int convert(Options const& options) {
+    std::string const output = fileOr(options, 1, "-");
+    Document const document = load(fileOr(options, 0, "-"), options.from, Losses::told);
+    store(document, output, formFor(options, output, document.form));
+    return done;
+}
+
+int check(Options const& options) {
+    int result = done;
+    auto const checkOne = [&](std::string const& file) {
+        try {
+            if (load(file, options.from, Losses::told).losses > 0 && options.strict)
+                result = std::max(result, negative);
+        } catch (Failure const& failure) {
+            std::fprintf(stderr, "%s\n", failure.message.c_str());
+            result = std::max(result, failure.exitCode);
+        }
+    };
+    if (options.files.empty()) checkOne("-");
+    for (auto const& file : options.files) checkOne(file);
+    return result;
+}
+
+int print(Options const& options) {
+    store(load(fileOr(options, 0, "-"), options.from), "-", options.to.value_or(Form::json));
+    return done;
+}
+
+int stat(Options const& options) {
+    constexpr char const* names[] = {"booleans", "numbers", "texts", "arrays", "dictionaries"};
+    constexpr std::size_t largestShown = 5;
+    Document const document = load(fileOr(options, 0, "-"), options.from);
+    Statistics const statistics = document.root ? statisticsOf(*document.root, largestShown) : Statistics();
+    auto const number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
+    std::printf("form          %s\n", document.form == Form::json ? "json" : "packets");
+    for (int type = 0; type < 5; ++type) std::printf("%-13s %llu\n", names[type], number(statistics.countByType[type]));
+    std::printf("keys          %llu\ndepth         %llu\nbytes         %llu\n", number(statistics.keys),
+                number(statistics.depth), number(statistics.bytes));
+    if (!statistics.largest.empty()) std::puts("largest subtrees:");
+    for (auto const& subtree : statistics.largest) {
+        std::printf("  %12llu bytes %9llu items  %s\n", number(subtree.bytes), number(subtree.items),
+                    subtree.path.c_str());
+    }
+    return done;
+}
+
+int get(Options const& options) {
+    std::string error;
+    auto const path = parsePath(options.files[1], error);
+    if (!path) throw UsageError{error};
+    Document document = load(options.files[0], options.from);
+    auto const value = follow(document.root, *path, error);
+    if (!value) throw Failure{negative, document.name + ": " + error};
+    urString::CString text;
+    auto const string = nxPLST::asString(value);
+    if (options.raw && string) {
+        text = string->value() + "\n";
+    } else if (!nxPLST::convertToJSON(text, value)) {
+        throw Failure{negative, document.name + ": the value has no strict JSON form"};
+    }
+    printText(text);
+    return done;
+}
+
+int same(Options const& options) {
+    auto const first = load(options.files[0], options.from).root;
+    auto const second = load(options.files[1], options.from).root;
+    if (!first || !second) return first == second ? done : negative;
+    if (options.shape) return first->congruent(*second) ? done : negative;
+    int result = done;
+    compareTrees(first.get(), second.get(), [&](std::string const&) {
+        result = negative;
+        return false;
+    });
+    return result;
+}
+
+int diff(Options const& options) {
+    auto const first = load(options.files[0], options.from).root;
+    auto const second = load(options.files[1], options.from).root;
+    int result = done;
+    compareTrees(first.get(), second.get(), [&](std::string const& line) {
+        result = negative;
+        std::printf("%s\n", line.c_str());
+        return true;
+    });
+    return result;
+}
+
+constexpr struct {
+    std::string_view name;
+    int (*run)(Options const&);
+} runners[] = {{"convert", convert}, {"check", check}, {"print", print}, {"stat", stat},
+               {"get", get},         {"same", same},   {"diff", diff}};
+
+int run(Options const& options) {
+    if (!options.command) return done;
+    for (auto const& runner : runners) {
+        if (runner.name == options.command->name) return runner.run(options);
+    }
+    return unusable;
+}
+
+/// What was printed may still be in the buffer, and the disk full.
+int flushed(int exitCode) {
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return exitCode;
+    std::fprintf(stderr, "nxplist: cannot write to standard output\n");
+    return unusable;
+}
+
+}  // namespace
+}  // namespace nxplist
+
+int main(int argc, char** argv) {
+    using namespace nxplist;
+    try {
+        return flushed(run(readOptions(argc, argv)));
+    } catch (UsageError const& error) {
+        std::fprintf(stderr, "nxplist: %s (nxplist --help tells more)\n", error.message.c_str());
+        return unusable;
+    } catch (Failure const& failure) {
+        std::fprintf(stderr, "%s\n", failure.message.c_str());
+        return failure.exitCode;
+    } catch (std::bad_alloc const&) {
+        std::fprintf(stderr, "nxplist: out of memory\n");
+        return unusable;
+    }
+}
