@@ -1,0 +1,45 @@
+// Which triangles and vertices of a mesh lie beside each other.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "foundation/urGeom/CompactMesh.h"
+
+namespace urGeom {
+
+/// The number that stands for no triangle.
+constexpr std::uint32_t noTriangle = 0xFFFFFFFF;
+
+/// The neighbours of every triangle across its three edges, as the mesh was when they were found.
+class NX_API MeshAdjTris {
+public:
+    explicit MeshAdjTris(CompactMesh const& mesh);
+
+    /// Number i is the triangle across the edge from vertex i to the next one; `noTriangle` at a border and where
+    /// more than two triangles share the edge.
+    [[nodiscard]] std::array<std::uint32_t, 3> const& neighbours(std::uint32_t triangle) const {
+        return neighbours_[triangle];
+    }
+    [[nodiscard]] std::uint32_t numBytesUsed() const noexcept;
+
+private:
+    ur::vector<std::array<std::uint32_t, 3>> neighbours_;
+};
+
+/// The vertices that share an edge with each vertex, in ascending order, as the mesh was when they were found.
+class NX_API MeshAdjVertices {
+public:
+    explicit MeshAdjVertices(CompactMesh const& mesh);
+
+    [[nodiscard]] std::span<std::uint32_t const> neighbours(std::uint32_t vertex) const {
+        return {neighbours_.data() + starts_[vertex], starts_[vertex + 1] - starts_[vertex]};
+    }
+    [[nodiscard]] std::uint32_t numBytesUsed() const noexcept;
+
+private:
+    ur::vector<std::uint32_t> starts_;  // of each vertex's run in `neighbours_`, and the end of the last
+    ur::vector<std::uint32_t> neighbours_;
+};
+
+}  // namespace urGeom

@@ -1,0 +1,37 @@
+// Some of the triangles of a mesh.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "foundation/ur/Export.h"
+#include "foundation/ur/containers.h"
+#include "foundation/urGeom/MeshAdjacency.h"
+
+namespace urGeom {
+
+/// A set of triangle numbers, one bit for each triangle of the mesh it was made for. A value.
+class NX_API MeshSubset {
+public:
+    /// Empty, for numbers below `triangleCount`; other numbers are never in it.
+    explicit MeshSubset(std::uint32_t triangleCount = 0);
+
+    void insert(std::uint32_t triangle);
+    void remove(std::uint32_t triangle);
+    [[nodiscard]] bool contains(std::uint32_t triangle) const noexcept;
+    [[nodiscard]] std::uint32_t count() const noexcept;
+    /// Adds every triangle that lies beside one in the set.
+    void grow(MeshAdjTris const& adjacency);
+
+    [[nodiscard]] std::uint32_t numBytesUsed() const noexcept;
+    bool operator==(MeshSubset const&) const = default;
+
+private:
+    using Word = std::uint64_t;
+    static constexpr std::uint32_t wordBits = 64;
+
+    std::uint32_t triangleCount_;
+    ur::vector<Word> words_;
+};
+
+}  // namespace urGeom
