@@ -63,7 +63,7 @@ ur::Reference<Item> FastJsonReader::read() {
 char const* FastJsonReader::readElements(char const* at) {
     for (;;) {
         if (*at == '[' || *at == '{') return open(at);
-        at = readScalar(at, [this](auto&& item) { elements_.push(std::move(item)); });
+        at = readScalar(at, [this](ur::Reference<Item> item) { elements_.push(std::move(item)); });
         if (!at) return nullptr;
         at = skipSpace(at);
         if (*at != ',') return close(at);
@@ -76,7 +76,7 @@ char const* FastJsonReader::readElements(char const* at) {
 char const* FastJsonReader::readMembers(char const* at) {
     for (;;) {
         if (*at == '[' || *at == '{') return open(at);
-        at = readScalar(at, [this](auto&& item) { members_.top().value = std::move(item); });
+        at = readScalar(at, [this](ur::Reference<Item> item) { members_.top().value = std::move(item); });
         if (!at) return nullptr;
         if (!members_.top().value) members_.pop();
         at = skipSpace(at);

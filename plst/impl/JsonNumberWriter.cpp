@@ -5,6 +5,7 @@
 // so close below a power of ten that rounding the twentieth digit would carry into one digit more.
 #include "plst/impl/JsonNumberWriter.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -111,7 +112,7 @@ char* putTwentyDigits(char* to, Digits const& digits) {
     auto const [middle, last] = twiceEightDigits(digits.firstTwelve % eightDigitLimit, digits.lastEight);
     bool const belowOne = digits.exponent < 0;
     if (belowOne) {
-        std::memcpy(to, "0.000", 5);
+        std::copy_n("0.000", 5, to);
         to += 1 - digits.exponent;
     }
     storeDigits<std::uint32_t>(to, fourDigits(digits.firstTwelve / eightDigitLimit));

@@ -1,6 +1,7 @@
 // Strict JSON straight into the text, without the generator whose output it repeats.
 #include "plst/impl/StrictJsonWriter.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "plst/Bool.h"
@@ -43,7 +44,7 @@ bool isRefused(Item const* item, int kind) {
 }
 
 char* putColon(char* to) {
-    std::memcpy(to, ": ", 2);
+    std::copy_n(": ", 2, to);
     return to + 2;
 }
 
@@ -60,7 +61,7 @@ char* putEscape(char* to, char character) {
         case '\t': *to++ = 't'; return to;
         default: break;
     }
-    std::memcpy(to, "u00", 3);
+    std::copy_n("u00", 3, to);
     to[3] = digits[character >> 4];
     to[4] = digits[character & 0xF];
     return to + 5;
