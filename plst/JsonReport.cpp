@@ -1,25 +1,25 @@
 // Reading JSON with a report.
 #include "plst/JsonReport.h"
 
+#include <string_view>
 #include <utility>
 
 #include "plst/impl/JsonInspector.h"
+#include "plst/impl/readJson.h"
 
 namespace nxPLST {
 
 namespace {
 
-/// `text` may belong to the tree that `out` still holds.
-template <class... Text>
-bool read(ur::Reference<Item>& out, JsonReport& report, Text const&... text) {
+bool read(ur::Reference<Item>& out, std::string_view text, JsonReport& report) {
     report = {};
-    ur::Reference<Item> tree;
-    impl::JsonInspector inspector(std::string_view(text...));
-    if (!convertFromJSON(tree, text...)) {
-        inspector.reportFault(report);
+    ur::Reference<Item> tree;  // `out` may hold the text until the report is written
+    impl::JsonReading const reading = impl::readJson(tree, text);
+    if (reading == impl::JsonReading::refused) {
+        impl::JsonInspector(text).reportFault(report);
         return false;
     }
-    inspector.reportLosses(report);
+    if (reading == impl::JsonReading::perhapsLossy) impl::JsonInspector(text).reportLosses(report);
     out = std::move(tree);
     return true;
 }
@@ -27,11 +27,11 @@ bool read(ur::Reference<Item>& out, JsonReport& report, Text const&... text) {
 }  // namespace
 
 bool convertFromJSON(ur::Reference<Item>& out, urString::CString const& text, JsonReport& report) {
-    return read(out, report, text);
+    return read(out, text, report);
 }
 
 bool convertFromJSON(ur::Reference<Item>& out, char const* text, unsigned int length, JsonReport& report) {
-    return read(out, report, text, length);
+    return read(out, {text, length}, report);
 }
 
 char const* describe(JsonLoss::Kind kind) noexcept {

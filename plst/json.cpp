@@ -1,30 +1,15 @@
 // The functions of the JSON bridge over its readers and writers.
 #include "plst/json.h"
 
-#include <string_view>
-
 #include "foundation/urOS/AtomicFile.h"
 #include "foundation/urOS/MemoryIOStream.h"
-#include "plst/impl/FastJsonReader.h"
 #include "plst/impl/JsonTextWriter.h"
 #include "plst/impl/StrictJsonWriter.h"
-#include "plst/impl/YajlReader.h"
+#include "plst/impl/readJson.h"
 
 namespace nxPLST {
 
 using urString::CString;
-
-namespace {
-
-bool read(ur::Reference<Item>& out, std::string_view text) {
-    if (ur::Reference<Item> tree = impl::FastJsonReader(text).read()) {
-        out = std::move(tree);
-        return true;
-    }
-    return impl::readWithYajl(out, text.data(), text.size());
-}
-
-}  // namespace
 
 CString asJSON(ur::Reference<Item const> item) {
     if (!item) return "{}";
@@ -44,10 +29,12 @@ bool convertToJSON(CString& text, ur::Reference<Item const> item) {
     return impl::StrictJsonWriter(text).write(item.get());
 }
 
-bool convertFromJSON(ur::Reference<Item>& out, CString const& text) { return read(out, text.view()); }
+bool convertFromJSON(ur::Reference<Item>& out, CString const& text) {
+    return impl::readJson(out, text) != impl::JsonReading::refused;
+}
 
 bool convertFromJSON(ur::Reference<Item>& out, char const* text, unsigned int length) {
-    return read(out, {text, length});
+    return impl::readJson(out, {text, length}) != impl::JsonReading::refused;
 }
 
 }  // namespace nxPLST

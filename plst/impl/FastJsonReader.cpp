@@ -2,6 +2,7 @@
 #include "plst/impl/FastJsonReader.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 #include "plst/Bool.h"
@@ -13,6 +14,9 @@
 
 namespace nxPLST::impl {
 namespace {
+
+/// All whole numbers up to here are doubles.
+constexpr double exactWholes = 0x1p53;
 
 bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
@@ -98,13 +102,16 @@ char const* FastJsonReader::readScalar(char const* at, Add add) {
         }
         case 't': add(ur::make<Bool>(true)); return readLiteral(at, "true");
         case 'f': add(ur::make<Bool>(false)); return readLiteral(at, "false");
-        case 'n': return readLiteral(at, "null");
+        case 'n': lostNothing_ = false; return readLiteral(at, "null");
         default: break;
     }
     double value = 0;
     if (*at != '-' && !isDigit(*at)) return nullptr;
     at = readNumber(at, end_, value);
-    if (at) add(ur::make<Double>(value));
+    if (!at) return nullptr;
+    if (std::fabs(value) >= exactWholes) [[unlikely]]
+        lostNothing_ = false;
+    add(ur::make<Double>(value));
     return at;
 }
 
@@ -204,6 +211,7 @@ ur::Reference<Item> FastJsonReader::takeDictionary(std::size_t first) {
     for (std::size_t i = 0; i < members.size(); ++i) {
         Member member = std::move(members[i]);
         bool const again = i + 1 < members.size() && members[i + 1].key == member.key;  // the last one stays
+        lostNothing_ &= !again;
         if (!again) map.emplace_hint(map.end(), std::move(member.key), std::move(member.value));
     }
     members_.cut(first);

@@ -22,6 +22,9 @@ public:
 
     /// The tree, or null after giving up. Call it once.
     ur::Reference<Item> read();
+    /// Whether the tree has everything: no null and no repeated key was dropped, and no number was rounded that may
+    /// have been whole.
+    [[nodiscard]] bool lostNothing() const noexcept { return lostNothing_; }
 
 private:
     struct Member {
@@ -58,6 +61,7 @@ private:
     ScratchStack<ur::Reference<Item>> elements_;
     ScratchStack<Member> members_;
     std::string unescaped_;
+    bool lostNothing_ = true;
     ur::Reference<Item> root_;
 };
 

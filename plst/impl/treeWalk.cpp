@@ -89,8 +89,8 @@ bool childrenAgree(Dictionary const& a, Dictionary const& b, std::vector<Pair>& 
 
 // Destroying ---------------------------------------------------------------------------------------------------
 
-/// Well below what the smallest usual thread stack takes.
-constexpr int recursionLimit = 200;
+/// Leaves room on a 512 KiB stack under the address sanitizer, whose frames are many times larger.
+constexpr int recursionLimit = 50;
 
 /// The dismantling of one tree, kept by the outermost destructor on its own stack.
 struct Dismantling {

@@ -106,6 +106,16 @@ TEST(JsonLosses, AreListedInTheOrderOfTheText) {
     EXPECT_EQ(report("{\"a\":[1,2.5,\"null\"]}").lossCount, 0U);
 }
 
+TEST(JsonLosses, AreTheSameWhicheverReaderTookTheText) {
+    RandomTrees random(std::random_device{}());
+    for (int i = 0; i < 20000; ++i) {
+        std::string const text = mutated(random);
+        JsonReport const plain = report(text);
+        if (!plain.reason.empty()) continue;
+        ASSERT_EQ(plain.lossCount, report("/**/" + text).lossCount) << text;
+    }
+}
+
 TEST(JsonLosses, KeepTheFirstAndCountTheRest) {
     std::string text = "{\"x\":0,\"y\":[";
     for (int i = 0; i < 100000; ++i) text += "null,";
