@@ -1,9 +1,11 @@
 // An argument or a result of a dynamic call.
 #pragma once
 
+#include <cstddef>
 #include <utility>
 
 #include "foundation/ur/Export.h"
+#include "foundation/ur/NodeHeap.h"
 #include "foundation/ur/Reference.h"
 #include "foundation/ur/ReferenceCount.h"
 #include "plst/Item.h"
@@ -20,6 +22,9 @@ public:
     ~Arg() override;
 
     [[nodiscard]] ur::Reference<nxPLST::Item const> item() const noexcept { return item_; }
+
+    static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
+    static void operator delete(void* arg, std::size_t bytes) noexcept { ur::deallocateNode(arg, bytes); }
 
 private:
     ur::Reference<nxPLST::Item const> item_;

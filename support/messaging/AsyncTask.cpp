@@ -3,7 +3,7 @@
 
 #include <atomic>
 #include <exception>
-#include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -19,7 +19,7 @@
 namespace nxSupport {
 
 /// The end of a task on its way through the run queue. Owns the count that `startThread` added to the task.
-class AsyncTask::CompletionTask final : public urThread::Runnable {
+class CompletionTask final : public urThread::Runnable {
 public:
     explicit CompletionTask(AsyncTask& task) noexcept : task_(&task) {}
     CompletionTask(CompletionTask const&) = delete;
@@ -42,7 +42,7 @@ struct TaskImpl final : ur::ImplBase {
     urRTB::ScopedConnection domainWatch;
     urThread::Thread thread;
     /// Between `startThread` and the end of the work, which hands it to the queue.
-    ur::Reference<AsyncTask::CompletionTask> completion;
+    ur::Reference<CompletionTask> completion;
     urThread::RunQueue* queue = nullptr;
     std::thread::id home;  ///< the thread that started the task; the count is its own
     bool started = false;
@@ -70,9 +70,13 @@ void AsyncTask::startThread() {
     impl_->home = std::this_thread::get_id();
     impl_->started = true;
     ref();
-    urUtil::Error const error = impl_->thread.start();
-    if (error.ok()) return;
-    fail(std::string(error.message()).c_str());
+    try {
+        urUtil::Error const error = impl_->thread.start();
+        if (error.ok()) return;
+        fail(error.message());
+    } catch (std::exception const& exception) {
+        fail(exception.what());
+    }
     post();
 }
 
@@ -80,20 +84,20 @@ void AsyncTask::threadFunc() {
     try {
         execute();
     } catch (...) {
-        fail(urOS::exceptionText(std::current_exception()).c_str());
+        fail(urOS::exceptionText(std::current_exception()));
     }
     post();
 }
 
-void AsyncTask::fail(char const* text) {
+void AsyncTask::fail(std::string_view text) {
     impl_->failed = true;
-    impl_->failureText = text;
+    impl_->failureText.assign(text);
 }
 
 // From here on the main thread may destroy the task, waiting only for the end of the thread.
 void AsyncTask::post() { impl_->queue->add(std::move(impl_->completion)); }
 
-void AsyncTask::CompletionTask::run() {
+void CompletionTask::run() {
     if (AsyncTask* const task = std::exchange(task_, nullptr)) task->complete(task->impl_->waited);
 }
 

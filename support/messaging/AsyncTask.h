@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 
 #include "foundation/ur/Export.h"
 #include "foundation/ur/ReferenceCount.h"
@@ -10,6 +11,7 @@
 
 namespace nxSupport {
 
+class CompletionTask;
 class Domain;
 struct TaskImpl;
 
@@ -47,14 +49,13 @@ protected:
     virtual void onComplete(bool waited) = 0;
 
 private:
-    class CompletionTask;
-    friend struct TaskImpl;
+    friend class CompletionTask;
 
     void threadFunc();
     void post();
     void complete(bool waited);
     void abandon() noexcept;
-    void fail(char const* text);
+    void fail(std::string_view text);
 
     urRTB::SignalClient client_;  ///< of the thread's signal
     std::unique_ptr<TaskImpl> impl_;

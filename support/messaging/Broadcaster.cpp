@@ -31,15 +31,10 @@ ur::vector<Broadcaster::Listener> Broadcaster::listeners() const {
     return result;
 }
 
-int compare(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept {
+int compare(Priority const& a, Priority const& b) noexcept {
     if (a.unit() != b.unit()) return a.unit() < b.unit() ? -1 : 1;
     if (a.module() != b.module()) return a.module() < b.module() ? -1 : 1;
     return 0;
 }
-
-bool operator==(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept { return compare(a, b) == 0; }
-bool operator!=(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept { return compare(a, b) != 0; }
-bool operator<(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept { return compare(a, b) < 0; }
-bool operator>(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept { return compare(a, b) > 0; }
 
 }  // namespace nxSupport

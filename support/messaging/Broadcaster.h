@@ -1,8 +1,6 @@
 // The bus that life-cycle messages travel on.
 #pragma once
 
-#include <cstdint>
-#include <iterator>
 #include <memory>
 #include <set>
 #include <utility>
@@ -12,12 +10,9 @@
 #include "foundation/ur/containers.h"
 #include "foundation/urRTB/Signal.h"
 #include "foundation/urString/CString.h"
+#include "support/messaging/Priority.h"
 
 namespace nxSupport {
-
-/// The keys of a priority. Both are the host's vocabulary; any value can be cast to them.
-enum UnitID : std::int32_t { LibraryUnit = 0, DefaultUnit = 18 };
-enum ModuleID : std::int32_t { LibraryModule = 0, DefaultModule = 3 };
 
 /// Delivers life-cycle messages to the functions subscribed to their class, lowest priority first.
 ///
@@ -27,19 +22,7 @@ enum ModuleID : std::int32_t { LibraryModule = 0, DefaultModule = 3 };
 /// connected meanwhile is called by the same broadcast only if its priority is still to come.
 class NX_API Broadcaster {
 public:
-    /// Where a subscriber stands among those of its message: by unit first, then by module. A value.
-    class NX_API Priority {
-    public:
-        Priority() noexcept = default;
-        Priority(UnitID unit, ModuleID module) noexcept : unit_(unit), module_(module) {}
-
-        [[nodiscard]] UnitID unit() const noexcept { return unit_; }
-        [[nodiscard]] ModuleID module() const noexcept { return module_; }
-
-    private:
-        UnitID unit_ = DefaultUnit;
-        ModuleID module_ = DefaultModule;
-    };
+    using Priority = nxSupport::Priority;
 
     /// The base of messages: made by who broadcasts them, and gone afterwards.
     class NX_API Message {
@@ -85,10 +68,10 @@ public:
     /// Ends every subscription, then sets the first-time flags to true.
     virtual ~Broadcaster();
 
-    /// Subscribes a plain function to messages of class T, until it is disconnected.
+    /// Subscribes a plain function to messages of class T, until it is disconnected. Null subscribes nothing.
     template <class T>
     urRTB::Connection connect(Priority const& priority, void (*function)(T&)) {
-        return sigFor<T>(priority).addCallback(new urRTB::FunctionArgGlobal<T&>(function));
+        return sigFor<T>(priority).addCallback(function);
     }
     /// Subscribes anything that can be called with a T&, for as long as the result lives.
     template <class T, class F>
@@ -146,13 +129,6 @@ private:
     std::set<bool*> firstTimeFlags_;
     Delivery* delivery_ = nullptr;  ///< the innermost
 };
-
-/// -1, 0 or 1 as `a` comes before, with or after `b`.
-[[nodiscard]] NX_API int compare(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept;
-[[nodiscard]] NX_API bool operator==(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept;
-[[nodiscard]] NX_API bool operator!=(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept;
-[[nodiscard]] NX_API bool operator<(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept;
-[[nodiscard]] NX_API bool operator>(Broadcaster::Priority const& a, Broadcaster::Priority const& b) noexcept;
 
 template <class T>
 Broadcaster::Channel& Broadcaster::channelOf() {

@@ -41,8 +41,8 @@ Context::Context(Domain* domain, Mode mode) : mode_(mode), transactionType_(mapT
 }
 
 Context::~Context() noexcept(false) {
-    impl::FirstError errors("nxSupport::Context: after it ended");
-    if (domain_) errors.guard([this] { domain_->endContext(*this); });
+    impl::FirstError errors("nxSupport::Context: while it ended");
+    if (domain_) domain_->end(*this, errors);
     if (!postFunctions_.empty()) errors.guard([this] { runPostFunctions(); });
     domain_ = nullptr;
     errors.leaveDestructor();

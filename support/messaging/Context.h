@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <memory>
 
 #include "foundation/ur/Export.h"
 #include "foundation/ur/containers.h"
@@ -11,6 +12,7 @@
 
 namespace nxSupport {
 
+class CallInfo;
 class Domain;
 
 /// What the transaction layer does with changes made in a context.
@@ -82,8 +84,11 @@ private:
     TransactionType const transactionType_;
     mutable Domain* domain_;
     mutable ur::vector<PostFunction> postFunctions_;
-    /// When it began, if an observer saw that.
-    mutable std::chrono::steady_clock::time_point begun_;
+    // What the domain notes while the context is active.
+    mutable Context const* outer_ = nullptr;                       ///< around it, in the domain
+    mutable std::unique_ptr<CallInfo> const* callInfo_ = nullptr;  ///< the domain's, at any time
+    mutable Context const* before_ = nullptr;                      ///< begun before it, in the process
+    mutable std::chrono::steady_clock::time_point begun_;          ///< if an observer saw that
 };
 
 /// `TxnUndecided` for a value that is no mode.

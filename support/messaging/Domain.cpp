@@ -36,20 +36,20 @@ Domain::~Domain() {
 void Domain::beginContext(Context const& context) {
     impl_->push(context);
     try {
-        announce(context);
+        if (impl_->observer) tellObserver(context);
+        if (context.domain() && isModed(context)) enterMode(context);
     } catch (...) {
         if (context.domain()) rollBack(context);
         throw;
     }
 }
 
-void Domain::announce(Context const& context) {
-    if (impl_->observer) {
-        context.begun_ = Clock::now();
-        impl_->observer->onBegin(context, context.begun_);
-        if (!context.domain()) return;
-    }
-    if (!isModed(context)) return;
+void Domain::tellObserver(Context const& context) {
+    context.begun_ = Clock::now();
+    impl_->observer->onBegin(context, context.begun_);
+}
+
+void Domain::enterMode(Context const& context) {
     if (!impl_->callInfo) createCallInfo(context);
     if (context.domain() && isTold(context)) onBeginContext(context);
 }
@@ -73,14 +73,20 @@ void Domain::rollBack(Context const& context) noexcept {
 }
 
 void Domain::endContext(Context const& context) {
+    impl::FirstError errors("nxSupport::Domain::endContext");
+    end(context, errors);
+    errors.rethrow();
+}
+
+void Domain::end(Context const& context, impl::FirstError& errors) noexcept {
     // User code may destroy the domain, which then lets go of the context.
     auto const alive = [&] { return context.domain() != nullptr; };
-    impl::FirstError errors("nxSupport::Context: while it ended");
-    if (isTold(context)) errors.guard([&] { onEndContext(context); });
-    if (alive() && isModed(context)) leaveMode(context, errors);
-    if (alive() && isModed(context) && impl_->modeStack.empty()) errors.guard([&] { contextStackEmptied.emit(); });
+    if (isModed(context)) {
+        if (isTold(context)) errors.guard([&] { onEndContext(context); });
+        if (alive()) leaveMode(context, errors);
+        if (alive() && impl_->modeStack.empty()) errors.guard([&] { contextStackEmptied.emit(); });
+    }
     if (alive()) leave(context, errors);
-    errors.rethrow();
 }
 
 void Domain::leaveMode(Context const& context, impl::FirstError& errors) noexcept {
@@ -104,12 +110,12 @@ Domain* Domain::getPrimary() const noexcept { return impl_->primary; }
 
 ur::vector<Context::Mode> const& Domain::contextStack() const noexcept { return impl_->modeStack; }
 
-Context const* Domain::getCurrentContext() const noexcept {
-    return impl_->contexts.empty() ? nullptr : impl_->contexts.back();
-}
+Context const* Domain::getCurrentContext() const noexcept { return impl_->innermost; }
 
 Context const* Domain::getRootContext() const noexcept {
-    return impl_->contexts.empty() ? nullptr : impl_->contexts.front();
+    Context const* root = impl_->innermost;
+    while (root && root->outer_) root = root->outer_;
+    return root;
 }
 
 bool Domain::isConst() const noexcept {
@@ -167,9 +173,8 @@ bool Domain::callInfoSuppressed() const noexcept { return !impl_->suppressedCall
 
 CallInfo const& Domain::callInfoFunc() {
     static CallInfo const& empty = *new CallInfo;  // never destroyed: code that runs at exit may ask for it
-    auto const& stack = DomainImpl::callInfoStack;
-    CallInfo const* const current = stack.empty() ? nullptr : stack.back()->get();
-    return current ? *current : empty;
+    Context const* const latest = DomainImpl::latest;
+    return latest && *latest->callInfo_ ? **latest->callInfo_ : empty;
 }
 
 void Domain::setAsyncTask(AsyncTask* task) noexcept { impl_->asyncTask = task; }
@@ -186,7 +191,8 @@ bool Domain::runningAsyncOperation() const noexcept { return asyncOperationCount
 
 void Domain::setContextObserver(ContextObserver* observer) noexcept {
     impl_->observer = observer;
-    for (Context const* context : impl_->contexts) context->begun_ = Clock::time_point();
+    for (Context const* context = impl_->innermost; context; context = context->outer_)
+        context->begun_ = Clock::time_point();
 }
 
 }  // namespace nxSupport

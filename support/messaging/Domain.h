@@ -101,6 +101,7 @@ private:
     friend class AsyncTask;
     friend class CallInfo;
     friend class CallInfoControl;
+    friend class Context;
     friend struct DomainProbe;  // for the tests alone
 
     /// Released and not locked. Deletes the domain unless overridden.
@@ -112,9 +113,12 @@ private:
     void callInfoRelease();
     static CallInfo const& callInfoFunc();
 
-    void announce(Context const& context);
+    // Parts of beginning and ending, as they follow each other.
+    void tellObserver(Context const& context);
+    void enterMode(Context const& context);
     void createCallInfo(Context const& context);
     void rollBack(Context const& context) noexcept;
+    void end(Context const& context, impl::FirstError& errors) noexcept;
     void leaveMode(Context const& context, impl::FirstError& errors) noexcept;
     void leave(Context const& context, impl::FirstError& errors) noexcept;
 

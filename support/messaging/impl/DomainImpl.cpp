@@ -1,7 +1,6 @@
-// The stacks of a domain.
+// The stacks of a domain, off their common road.
 #include "support/messaging/impl/DomainImpl.h"
 
-#include <algorithm>
 #include <iterator>
 
 #include "support/messaging/impl/misuse.h"
@@ -10,46 +9,36 @@ namespace nxSupport {
 
 namespace {
 
-template <class T>
-void makeRoom(ur::vector<T>& stack) {
-    if (stack.size() == stack.capacity()) stack.reserve(std::max<std::size_t>(16, 2 * stack.size()));
+void unlink(Context const*& top, Context const* Context::*next, Context const& context) noexcept {
+    Context const** link = &top;
+    while (*link != &context) link = &(const_cast<Context*>(*link)->*next);
+    *link = context.*next;
 }
 
 }  // namespace
 
-constinit ur::vector<DomainImpl::CallInfoField const*> DomainImpl::callInfoStack;
+constinit Context const* DomainImpl::latest = nullptr;
 
 DomainImpl::~DomainImpl() {
-    if (!contexts.empty()) impl::reportMisuse("nxSupport::Domain: destroyed with active contexts.");
-    for (Context const* context : contexts) context->domain_ = nullptr;
-    std::erase(callInfoStack, &callInfo);
+    if (!innermost) return;
+    impl::reportMisuse("nxSupport::Domain: destroyed with active contexts.");
+    for (; innermost; innermost = innermost->outer_) {
+        innermost->domain_ = nullptr;
+        unlink(latest, &Context::before_, *innermost);
+    }
 }
 
-void DomainImpl::push(Context const& context) {
-    makeRoom(modeStack);
-    makeRoom(contexts);
-    makeRoom(callInfoStack);
-    contexts.push_back(&context);
-    callInfoStack.push_back(&callInfo);
-    if (context.mode() != Context::Bare) modeStack.push_back(context.mode());
-}
-
-// Here and below, what is taken off lies on top unless contexts end out of order.
-void DomainImpl::popMode(Context const& context) noexcept {
+void DomainImpl::popModeBelow(Context const& context) noexcept {
     auto place = std::prev(modeStack.end());
-    for (auto later = contexts.rbegin(); *later != &context; ++later)
-        if ((*later)->mode() != Context::Bare) --place;
+    for (Context const* later = innermost; later != &context; later = later->outer_)
+        if (later->mode() != Context::Bare) --place;
     modeStack.erase(place);
 }
 
-void DomainImpl::pop(Context const& context) noexcept {
-    auto place = std::prev(contexts.end());
-    auto field = std::find(callInfoStack.rbegin(), callInfoStack.rend(), &callInfo);
-    if (*place != &context || field != callInfoStack.rbegin())
-        impl::reportMisuse("nxSupport::Domain: a context has ended before one that began later.");
-    for (; *place != &context; --place) field = std::find(std::next(field), callInfoStack.rend(), &callInfo);
-    callInfoStack.erase(std::prev(field.base()));
-    contexts.erase(place);
+void DomainImpl::popBelow(Context const& context) noexcept {
+    impl::reportMisuse("nxSupport::Domain: a context has ended before one that began later.");
+    unlink(latest, &Context::before_, context);
+    unlink(innermost, &Context::outer_, context);
 }
 
 void DomainImpl::makeCallInfo() {

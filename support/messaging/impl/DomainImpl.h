@@ -15,12 +15,11 @@ namespace nxSupport {
 class AsyncTask;
 class ContextObserver;
 
-/// The stacks of a domain, kept together with the process-wide one that the current call information is found by.
+/// The stacks of a domain, kept together with the process-wide one by which the current call information is found.
+///
+/// Contexts are chained through themselves: pushing and popping them takes no memory and cannot fail.
 struct DomainImpl final : ur::ImplBase {
     using CallInfoField = std::unique_ptr<CallInfo>;
-
-    /// The call information of the domain of each active context in the process, in the order of their beginning.
-    static ur::vector<CallInfoField const*> callInfoStack;
 
     explicit DomainImpl(Domain* primaryDomain) noexcept : primary(primaryDomain) {}
     DomainImpl(DomainImpl const&) = delete;
@@ -28,26 +27,45 @@ struct DomainImpl final : ur::ImplBase {
     /// Lets go of contexts that are still active.
     ~DomainImpl() override;
 
-    /// All stacks or, when memory runs out, none.
-    void push(Context const& context);
-    void popMode(Context const& context) noexcept;
-    /// All stacks but that of the modes.
-    void pop(Context const& context) noexcept;
+    void push(Context const& context) {
+        if (context.mode_ != Context::Bare) modeStack.push_back(context.mode_);
+        context.outer_ = std::exchange(innermost, &context);
+        context.before_ = std::exchange(latest, &context);
+        context.callInfo_ = &callInfo;
+    }
+    void popMode(Context const& context) noexcept {
+        if (innermost != &context) return popModeBelow(context);
+        modeStack.pop_back();
+    }
+    /// Off all stacks but that of the modes.
+    void pop(Context const& context) noexcept {
+        if (innermost != &context || latest != &context) return popBelow(context);
+        innermost = context.outer_;
+        latest = context.before_;
+    }
 
     void makeCallInfo();
     void dropCallInfo() noexcept;
     void suppress();
     void restore() noexcept;
 
+    /// Of all active contexts in the process, the one that began last.
+    static Context const* latest;
+
     Domain* const primary;
     ur::vector<Context::Mode> modeStack;  ///< all but Bare ones
     CallInfoField callInfo;
-    std::int32_t callInfoDepth = 0;  ///< size of the mode stack with the context that made it; 0 without
-    ur::vector<Context const*> contexts;
+    std::int32_t callInfoDepth = 0;      ///< size of the mode stack with the context that made it; 0 without
+    Context const* innermost = nullptr;  ///< active context of this domain
     ur::vector<std::pair<CallInfoField, std::int32_t>> suppressedCallInfos;
     AsyncTask* asyncTask = nullptr;
     ContextObserver* observer = nullptr;
     CallInfoField spare;  ///< an empty one, so that contexts begun one after the other need no new memory
+
+private:
+    /// For contexts that end out of order.
+    void popModeBelow(Context const& context) noexcept;
+    void popBelow(Context const& context) noexcept;
 };
 
 }  // namespace nxSupport

@@ -60,8 +60,8 @@ TEST(ThrowingHook, IsReportedBehindTheFirstAndWhileUnwinding) {
         throw std::logic_error("the work itself");
     } catch (std::logic_error const&) {
         EXPECT_EQ(output.text(),
-                  "nxSupport::Context: after it ended: unknown exception\n"
-                  "nxSupport::Context: after it ended: -Const failed\n");
+                  "nxSupport::Context: while it ended: unknown exception\n"
+                  "nxSupport::Context: while it ended: -Const failed\n");
     }
     expectSound(host);
 }

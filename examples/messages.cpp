@@ -1,0 +1,94 @@
+// A host in one page: a domain, a broadcaster, a module that subscribes, contexts, and a task in the background.
+#include <chrono>
+#include <cstdio>
+
+#include "foundation/urThread/RunQueue.h"
+#include "plst/Double.h"
+#include "plst/casts.h"
+#include "support/messaging/AppInitMsg.h"
+#include "support/messaging/AsyncTask.h"
+#include "support/messaging/CallInfo.h"
+#include "support/messaging/Domain.h"
+#include "support/messaging/subscribeFirstTime.h"
+
+using nxSupport::ci;
+using nxSupport::Context;
+
+// [host]
+class Application : public nxSupport::Domain {
+public:
+    Application() : Domain(nullptr) {}
+    urThread::RunQueue& runQueue() override { return queue; }
+
+    nxSupport::Broadcaster broadcaster;
+    urThread::RunQueue queue;
+
+protected:
+    void onBeginContext(Context const& context) override { print("begin", context); }
+    void onEndContext(Context const& context) override { print("end", context); }
+    void onCallInfoCreated(nxSupport::CallInfo* callInfo, bool) override { callInfo->add(&broadcaster); }
+    void onCallInfoDestroyed(nxSupport::CallInfo*) override {}
+
+private:
+    static void print(char const* what, Context const& context) {
+        std::printf("%s %s\n", what, Context::modeToString(context.mode()).c_str());
+    }
+};
+// [host]
+
+// [module]
+void onAppInit(nxSupport::AppInitMsg& message) {
+    auto const windows = asDouble(message.parameters()->get("windows"));
+    std::printf("the module opens %g windows\n", windows ? windows->value() : 1.0);
+}
+
+void initializeModule() {
+    static bool firstTime = true;
+    nxSupport::subscribeFirstTime(firstTime, onAppInit);
+}
+// [module]
+
+// [task]
+class Sum : public nxSupport::AsyncTask {
+public:
+    using AsyncTask::AsyncTask;
+
+private:
+    void execute() override {
+        for (int i = 1; i <= 1000; ++i) sum_ += i;
+    }
+    void onComplete(bool) override {
+        if (failed()) {
+            std::printf("failed: %s\n", failureText().c_str());
+        } else {
+            std::printf("the sum is %d\n", sum_);
+        }
+    }
+
+    int sum_ = 0;  // the worker's until the completion, then the main thread's
+};
+// [task]
+
+int main() {
+    Application application;
+    // [run]
+    {
+        Context const start(&application, Context::NoTxn);
+        initializeModule();
+        auto parameters = ur::make<nxPLST::Dictionary>();
+        parameters->insert("windows", ur::make<nxPLST::Double>(2));
+        nxSupport::AppInitMsg message(parameters);
+        ci().get<nxSupport::Broadcaster>()->broadcast(message);
+    }
+    {
+        Context const edit(&application, Context::Momentary);
+        edit.addPostFunction([](nxSupport::Domain*) { std::printf("redraw\n"); });
+        Context const look(&application, Context::Const);
+        std::printf("the document is %s\n", application.isConst() ? "locked" : "open");
+    }
+    ur::make<Sum>(application)->startThread();
+    application.queue.wait(std::chrono::seconds(10));  // a host with a loop services the queue there
+    application.queue.service();
+    // [run]
+    return 0;
+}
