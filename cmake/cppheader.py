@@ -196,9 +196,11 @@ class Reader:
             self.skip_pair()
             self.declaration(path, in_class)
             return
-        is_function = self.word() == "(" and words and (re.match(r"\w", words[-1]) or "operator" in words)
+        is_pointer = self.word() == "(" and self.word(1) in ("*", "&")  # to a function
+        is_function = self.word() == "(" and not is_pointer and words and (
+            re.match(r"\w", words[-1]) or "operator" in words)
         body = self.function_end(words) if is_function else self.variable_end(words, in_class)
-        if words:
+        if words and not is_pointer:
             name = self.name_of(words)
             if self.in_template:
                 body = Body.here

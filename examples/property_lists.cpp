@@ -37,7 +37,8 @@ int main() {
     // [copy]
     Reference<Dictionary> const copy = asDictionary(brush->clone());
     copy->insert("name", ur::make<nxPLST::String>("wax"));
-    std::printf("%s, %s\n", asString(brush->get("name"))->value().c_str(), asString(copy->get("name"))->value().c_str());
+    std::printf("%s, %s\n", asString(brush->get("name"))->value().c_str(),
+                asString(copy->get("name"))->value().c_str());
     std::printf("same shape: %d\n", copy->congruent(*brush));
     // [copy]
     return 0;
