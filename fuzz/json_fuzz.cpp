@@ -1,4 +1,5 @@
-// Any bytes as JSON: accepted exactly when yajl accepts them, and unchanged by writing and reading again.
+// Any bytes as JSON: accepted exactly when yajl accepts them, the same tree from both readers, a report that fits,
+// and a text that stays the same once it has been written and read.
 #include <yajl/yajl_parse.h>
 
 #include <cstddef>
@@ -6,19 +7,23 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "plst/json.h"
+#include "plst/JsonReport.h"
 
 namespace {
 
-bool acceptedByYajl(std::uint8_t const* bytes, std::size_t size) {
+using nxPLST::Item;
+using urString::CString;
+
+bool acceptedByYajl(CString const& text) {
     // Both number callbacks, so that numbers that fit neither type are refused.
     yajl_callbacks callbacks{};
     callbacks.yajl_integer = [](void*, long long) { return 1; };
     callbacks.yajl_double = [](void*, double) { return 1; };
     yajl_handle const parser = yajl_alloc(&callbacks, nullptr, nullptr);
     yajl_config(parser, yajl_allow_comments, 1);
+    auto const* bytes = reinterpret_cast<unsigned char const*>(text.data());
     bool const accepted =
-        yajl_parse(parser, bytes, size) == yajl_status_ok && yajl_complete_parse(parser) == yajl_status_ok;
+        yajl_parse(parser, bytes, text.size()) == yajl_status_ok && yajl_complete_parse(parser) == yajl_status_ok;
     yajl_free(parser);
     return accepted;
 }
@@ -29,20 +34,49 @@ void require(bool holds, char const* what) {
     std::abort();
 }
 
+/// Empty for a tree that strict JSON cannot hold.
+CString written(ur::Reference<Item> const& item) {
+    CString text;
+    return nxPLST::convertToJSON(text, item) ? text : CString();
+}
+
+void checkReport(CString const& text, bool accepted) {
+    ur::Reference<Item> item;
+    nxPLST::JsonReport report;
+    require(nxPLST::convertFromJSON(item, text, report) == accepted, "a report changes nothing");
+    require(report.reason.empty() == accepted, "what is refused has a reason");
+    require(report.location.offset <= text.size(), "a fault lies in the text");
+    require(accepted || report.lossCount == 0, "what is refused loses nothing");
+    require(report.losses.size() <= nxPLST::JsonReport::mostLosses, "losses are bounded");
+}
+
+/// From the second time on, since -0 becomes 0 and large whole numbers cannot be read back.
+void checkRoundTrip(CString const& text) {
+    ur::Reference<Item> again;
+    if (text.empty() || !nxPLST::convertFromJSON(again, text)) return;
+    CString const second = written(again);
+    ur::Reference<Item> once;
+    require(nxPLST::convertFromJSON(once, second), "what was read and written can be read");
+    require(written(once) == second, "writing again gives the same text");
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t size) {
-    ur::Reference<nxPLST::Item> item;
-    bool const accepted =
-        nxPLST::convertFromJSON(item, reinterpret_cast<char const*>(bytes), static_cast<unsigned>(size));
-    require(accepted == acceptedByYajl(bytes, size), "accepted exactly when yajl accepts");
+    CString const text(reinterpret_cast<char const*>(bytes), size);
+    bool const accepted = acceptedByYajl(text);
+    ur::Reference<Item> item;
+    require(nxPLST::convertFromJSON(item, text) == accepted, "accepted exactly when yajl accepts");
+    checkReport(text, accepted);
     if (!accepted) return 0;
 
-    urString::CString text;
-    if (!nxPLST::convertToJSON(text, item)) return 0;  // nested too deeply for the writer
-    ur::Reference<nxPLST::Item> again;
-    urString::CString textAgain;
-    require(nxPLST::convertFromJSON(again, text), "what was written can be read");
-    require(nxPLST::convertToJSON(textAgain, again) && text == textAgain, "writing again gives the same text");
+    // A comment in front has yajl itself read the text.
+    ur::Reference<Item> careful;
+    require(nxPLST::convertFromJSON(careful, CString("/**/").append(text)), "a comment changes nothing");
+    require(!item == !careful && (!item || item->congruent(*careful)), "both readers make the same tree");
+    CString const first = written(item);
+    require(first == written(careful), "both readers make the same values");
+    require(!nxPLST::asJSON(item).empty(), "every tree has a dump");
+    checkRoundTrip(first);
     return 0;
 }
