@@ -26,16 +26,16 @@ public:
 
     /// Emissions skip the callback until each block has been lifted by its own `unblock`.
     void block() const noexcept {
-        if (function_) ++function_->silence_;
+        if (connected()) ++function_->silence_;
     }
     void unblock() const noexcept {
         if (blocked()) --function_->silence_;
     }
-    [[nodiscard]] bool blocked() const noexcept { return function_ && function_->blocked(); }
+    [[nodiscard]] bool blocked() const noexcept { return connected() && function_->blocked(); }
 
     /// Who is called, for diagnosis: the name of a plain function as far as it is known, the class of a callable
     /// (for a lambda that names the function it was written in); empty without a connection.
-    [[nodiscard]] std::string describe() const { return function_ ? function_->describe() : std::string(); }
+    [[nodiscard]] std::string describe() const { return function_ ? function_->onDescribe() : std::string(); }
 
 private:
     friend class SignalBase;

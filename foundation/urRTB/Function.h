@@ -40,7 +40,7 @@ public:
     void call(Passed<Args>... args) override { function_(args...); }
 
 private:
-    [[nodiscard]] std::string describe() const override {
+    [[nodiscard]] std::string onDescribe() const override {
         return ur::functionName(reinterpret_cast<void (*)()>(function_));
     }
 
@@ -56,7 +56,7 @@ public:
     void call(Passed<Args>... args) override { static_cast<void>(std::invoke(*callable_, args...)); }
 
 private:
-    [[nodiscard]] std::string describe() const override { return ur::TypeInfo::of<F>().readableName(); }
+    [[nodiscard]] std::string onDescribe() const override { return ur::TypeInfo::of<F>().readableName(); }
     void onDisconnected() noexcept override { callable_.reset(); }
 
     std::optional<F> callable_;

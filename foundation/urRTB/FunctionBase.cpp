@@ -8,7 +8,7 @@ namespace urRTB {
 
 FunctionBase::~FunctionBase() = default;
 
-std::string FunctionBase::describe() const { return ur::TypeInfo::of(*this).readableName(); }
+std::string FunctionBase::onDescribe() const { return ur::TypeInfo::of(*this).readableName(); }
 
 void FunctionBase::onDisconnected() noexcept {}
 

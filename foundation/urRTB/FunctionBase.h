@@ -31,7 +31,7 @@ private:
     friend class Connection;
 
     /// What is called: see `Connection::describe`.
-    [[nodiscard]] virtual std::string describe() const;
+    [[nodiscard]] virtual std::string onDescribe() const;
     /// The connection has ended and the callback is not running: frees what it captured. Called once.
     virtual void onDisconnected() noexcept;
 

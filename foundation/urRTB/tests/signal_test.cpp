@@ -68,6 +68,7 @@ TEST_F(SignalTest, HandlesOutliveTheSignalButNotWhatTheCallbackCaptured) {
     EXPECT_EQ(held(), 0);
     EXPECT_FALSE(second.connected());
     second.block();
+    EXPECT_FALSE(second.blocked());
     second.disconnect();
     Connection().disconnect();
 }
