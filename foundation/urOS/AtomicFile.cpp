@@ -47,8 +47,11 @@ AtomicFile::~AtomicFile() { discard(); }
 
 Error AtomicFile::open(urString::IString const& path) {
     discard();
-    target_ = behindLinks(std::string(path.asMultibyte()));
-    error_ = create();
+    std::string const name(path.asMultibyte());
+    target_ = behindLinks(name);
+    // The system would replace what stands before a NUL: another file.
+    bool const named = name.find('\0') == std::string::npos;
+    error_ = named ? create() : Error::fromSystem(EINVAL, name.c_str());
     return error_;
 }
 

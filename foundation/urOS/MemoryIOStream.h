@@ -28,7 +28,7 @@ public:
     /// Overwrites from the current position on.
     urUtil::Error write(void const* buffer, std::size_t count, std::size_t* done = nullptr) override;
 
-    /// Requires: not beyond the end of the contents.
+    /// An error, and no move, beyond the end of the contents.
     urUtil::Error seek(std::size_t position);
     [[nodiscard]] std::size_t tell() const noexcept { return position_; }
     [[nodiscard]] std::size_t size() const noexcept { return size_; }

@@ -73,6 +73,11 @@ TEST_F(Files, WhatCannotBeOpenedSaysWhy) {
     EXPECT_TRUE(file.read(&done, 1, &done).isError());
     EXPECT_EQ(done, 0U);
     EXPECT_TRUE(file.close().ok());
+    put(path("other"), "kept");
+    urString::IString const withNul = wide(path("other") + '\0' + "x");
+    EXPECT_EQ(file.open(withNul, openForWriting).code(), EINVAL);
+    EXPECT_EQ(AtomicFile().open(withNul).code(), EINVAL);
+    EXPECT_EQ(textOf(path("other")), "kept");
 }
 
 TEST_F(Files, TextPassesThroughTheBufferInOrderAndTheFirstErrorStays) {
