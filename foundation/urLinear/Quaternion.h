@@ -45,6 +45,11 @@ struct NX_API Quaternion {
     }
 };
 
+/// Compares the components, so that `q` and `-q` are not equivalent although they turn alike.
+[[nodiscard]] inline bool equivalent(Quaternion const& a, Quaternion const& b, double tolerance = epsilonTol) {
+    return equivalent(a.imaginary(), b.imaginary(), tolerance) && equivalent(a.w, b.w, tolerance);
+}
+
 /// The rotation that lies `t` (0 to 1) of the shorter way from `a` to `b`, at constant angular speed.
 [[nodiscard]] NX_API Quaternion slerp(Quaternion const& a, Quaternion const& b, double t);
 

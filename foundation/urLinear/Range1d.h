@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "foundation/ur/Export.h"
+#include "foundation/urLinear/Tolerance.h"
 
 namespace urLinear {
 
@@ -34,6 +35,11 @@ struct NX_API Range1d {
 
     bool operator==(Range1d const&) const = default;
 };
+
+/// Compares the ends as they are stored, of empty ranges too.
+[[nodiscard]] inline bool equivalent(Range1d const& a, Range1d const& b, double tolerance = epsilonTol) {
+    return equivalent(a.min, b.min, tolerance) && equivalent(a.max, b.max, tolerance);
+}
 
 static_assert(sizeof(Range1d) == 16);
 

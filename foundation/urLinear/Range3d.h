@@ -34,6 +34,11 @@ struct NX_API Range3d {
     bool operator==(Range3d const&) const = default;
 };
 
+/// Compares the corners as they are stored, of empty ranges too.
+[[nodiscard]] inline bool equivalent(Range3d const& a, Range3d const& b, double tolerance = epsilonTol) {
+    return equivalent(a.min, b.min, tolerance) && equivalent(a.max, b.max, tolerance);
+}
+
 static_assert(sizeof(Range3d) == 48);
 
 }  // namespace urLinear

@@ -59,6 +59,10 @@ TEST(Equivalent, ComparesEachComponentInclusively) {
     EXPECT_TRUE(equivalent(Point(1, 2, 3), Point(1.5, 1.5, 3), 0.5));
     EXPECT_FALSE(equivalent(Point(1, 2, 3), Point(1, 2, 3.6), 0.5));
     EXPECT_FALSE(equivalent(nan, nan, 1));
+    EXPECT_TRUE(equivalent(Quaternion(0, 0, 0, 1), Quaternion(0.5, 0, 0, 1), 0.5));
+    EXPECT_FALSE(equivalent(Quaternion(0, 0, 0, 1), Quaternion(0, 0, 0, 1.6), 0.5));
+    EXPECT_FALSE(equivalent(Range1d(0, 1), Range1d(0, 1.6), 0.5));
+    EXPECT_FALSE(equivalent(Range3d({0, 0, 0}, {1, 1, 1}), Range3d({0, 0, 0}, {1, 1, 1.6}), 0.5));
     EXPECT_TRUE(equivalent(AffineMatrix(1), AffineMatrix(1 + epsilonTol / 2)));
     EXPECT_FALSE(equivalent(AffineMatrix(), AffineMatrix().translate({0, 0, 2 * epsilonTol})));
 }
