@@ -34,9 +34,13 @@ IString::IString(std::u32string_view text) : text_(text) {
 IString IString::format(char const* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    IString result(CString::vformat(format, arguments), Encoding::multibyte);
+    IString result = vformat(format, arguments);
     va_end(arguments);
     return result;
+}
+
+IString IString::vformat(char const* format, va_list arguments) {
+    return IString(CString::vformat(format, arguments), Encoding::multibyte);
 }
 
 IString& IString::assign(std::string_view text, Encoding encoding, bool* error) {

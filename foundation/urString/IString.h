@@ -2,6 +2,7 @@
 #pragma once
 
 #include <compare>
+#include <cstdarg>
 #include <cstddef>
 #include <functional>
 #include <iosfwd>
@@ -40,6 +41,7 @@ public:
 
     /// The text that `printf` would print, as `CString::format`.
     [[gnu::format(printf, 1, 2)]] static IString format(char const* format, ...);
+    [[gnu::format(printf, 1, 0)]] static IString vformat(char const* format, va_list arguments);
 
     /// Takes over the characters of `text`. `error`, where given, tells whether any byte was no UTF-8.
     IString& assign(std::string_view text, Encoding encoding, bool* error = nullptr);
