@@ -51,9 +51,10 @@ NX_API void convert(ur::Reference<Item>& out, ur::Reference<Item const> value);
 //
 // Arrays may be longer than what is read of them. A number becomes an integer by dropping its fraction; beyond the
 // integer's range it becomes the nearest end of it, and not-a-number leaves `out` as it was. A truth value is also
-// read from a number: true when it is not 0. Of a Color8's channels the low eight bits of the integer count. A
-// matrix is read from twelve numbers, or from three or four rows of at least four numbers each, of which the
-// first three are the rows of the three-by-four matrix whose columns are the stored groups.
+// read from a number: true when it is not 0. Of a Color8's channels the low eight bits of the integer count,
+// however large it is; one that is not finite leaves `out` as it was. A matrix is read from twelve numbers, or from
+// three or four rows of at least four numbers each, of which the first three are the rows of the three-by-four
+// matrix whose columns are the stored groups.
 
 NX_API void convert(int& out, ur::Reference<Item const> item);
 NX_API void convert(float& out, ur::Reference<Item const> item);

@@ -1,7 +1,7 @@
 // Items to values.
+#include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdint>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -13,15 +13,17 @@ namespace {
 
 using ItemIn = ur::Reference<Item const>;
 
-/// `value` without its fraction, brought into the range of Integer; nothing for not-a-number.
-template <class Integer>
-std::optional<Integer> truncated(double value) {
-    using Limits = std::numeric_limits<Integer>;
+/// `value` without its fraction, brought into the range of an int; nothing for not-a-number.
+std::optional<int> truncated(double value) {
+    using Limits = std::numeric_limits<int>;
     if (std::isnan(value)) return std::nullopt;
-    if (value <= static_cast<double>(Limits::min())) return Limits::min();
-    // The largest 64-bit integer is no double; its nearest one lies just above it.
-    if (value >= static_cast<double>(Limits::max())) return Limits::max();
-    return static_cast<Integer>(value);
+    return static_cast<int>(std::clamp(value, double(Limits::min()), double(Limits::max())));
+}
+
+/// The low eight bits of `value` without its fraction; nothing when it is not finite.
+std::optional<unsigned char> lowByte(double value) {
+    auto const low = truncated(std::fmod(value, 256.0));
+    return low ? std::optional(static_cast<unsigned char>(*low)) : std::nullopt;
 }
 
 std::optional<double> number(Item const* item) {
@@ -78,7 +80,7 @@ ur::Reference<Kind> privateCopy(ItemIn const& item) {
 }  // namespace
 
 void convert(int& out, ItemIn item) {
-    if (auto const value = number(item.get())) out = truncated<int>(*value).value_or(out);
+    if (auto const value = number(item.get())) out = truncated(*value).value_or(out);
 }
 
 void convert(float& out, ItemIn item) {
@@ -133,9 +135,13 @@ void convert(urUtil::Color& out, ItemIn item) {
 void convert(urUtil::Color8& out, ItemIn item) {
     auto const channels = numbers<4>(item.get());
     if (!channels) return;
+    urUtil::Color8 read;
     for (int i = 0; i < 4; ++i) {
-        if (auto const whole = truncated<std::int64_t>((*channels)[i])) out[i] = static_cast<unsigned char>(*whole);
+        auto const channel = lowByte((*channels)[i]);
+        if (!channel) return;
+        read[i] = *channel;
     }
+    out = read;
 }
 
 void convert(nxSupport::BoundedDouble& out, ItemIn item) {
@@ -145,9 +151,9 @@ void convert(nxSupport::BoundedDouble& out, ItemIn item) {
 void convert(nxSupport::BoundedInt& out, ItemIn item) {
     auto const three = numbers<3>(item.get());
     if (!three) return;
-    auto const value = truncated<std::int32_t>((*three)[0]);
-    auto const minimum = truncated<std::int32_t>((*three)[1]);
-    auto const maximum = truncated<std::int32_t>((*three)[2]);
+    auto const value = truncated((*three)[0]);
+    auto const minimum = truncated((*three)[1]);
+    auto const maximum = truncated((*three)[2]);
     if (value && minimum && maximum) out = {*value, *minimum, *maximum};
 }
 

@@ -61,12 +61,10 @@ struct Pair {
 /// Whether two children agree as far as they can be judged alone; two containers go onto `pending`.
 bool agree(Item const* a, Item const* b, std::vector<Pair>& pending) {
     if (!a || !b) return a == b;
+    if (!isContainer(*a)) return a->congruent(*b);
     if (typeid(*a) != typeid(*b)) return false;
-    if (isContainer(*a)) {
-        pending.push_back({a, b});
-        return true;
-    }
-    return a->congruent(*b);
+    pending.push_back({a, b});
+    return true;
 }
 
 bool childrenAgree(Array const& a, Array const& b, std::vector<Pair>& pending) {

@@ -99,6 +99,10 @@ TEST(Convert, ReadsBackWhatItWrote) {
 TEST(Convert, KeepsTheLowBitsOfColourChannels) {
     EXPECT_EQ(readInto(urUtil::Color8(), array({10.9, 300, -1, 255})), urUtil::Color8(10, 44, 255, 255));
     EXPECT_EQ(readInto(urUtil::Color8(), array({256, 255.9, 0, 1})), urUtil::Color8(0, 255, 0, 1));
+    EXPECT_EQ(readInto(urUtil::Color8(), array({1e300, -1e300, 0x1p70 + 0x1p60, 4})), urUtil::Color8(0, 0, 0, 4));
+    for (double const bad : {HUGE_VAL, -HUGE_VAL, std::numeric_limits<double>::quiet_NaN()}) {
+        EXPECT_EQ(readInto(urUtil::Color8(1, 2, 3, 4), array({9, 9, 9, bad})), urUtil::Color8(1, 2, 3, 4));
+    }
 }
 
 TEST(Convert, CarriesTextInUtf8) {
