@@ -1,15 +1,15 @@
 // Item trees: sharing, copying, shape comparison, casts, depth.
 #include <gtest/gtest.h>
-#include <pthread.h>
 
-#include <functional>
 #include <thread>
 
 #include "plst/casts.h"
+#include "plst/tests/smallStack.h"
 
 namespace {
 
 using namespace nxPLST;
+using namespace nxPLST::test;
 using ur::make;
 using ur::Reference;
 
@@ -33,20 +33,6 @@ Reference<Item> nested(int depth) {
     Reference<Item> item = number(1);
     for (int i = 0; i < depth; ++i) item = i % 2 ? Reference<Item>(dictionaryOf("k", item)) : arrayOf({item});
     return item;
-}
-
-void onSmallStack(std::function<void()> work) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, 512 * 1024);
-    pthread_t thread;
-    auto run = [](void* argument) -> void* {
-        (*static_cast<std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
 }
 
 TEST(Items, TellTheirKind) {
@@ -124,12 +110,14 @@ TEST(Casts, NeverConvert) {
 }
 
 TEST(Depth, AMillionLevelsFitASmallStack) {
-    onSmallStack([] {
-        Reference<Item> const deep = nested(1000000);
-        Reference<Item> const copy = deep->clone();
-        EXPECT_TRUE(copy->congruent(*deep));
-        EXPECT_FALSE(copy->congruent(*nested(1000001)));
-    });
+    onSmallStack(
+        [] {
+            Reference<Item> const deep = nested(1000000);
+            Reference<Item> const copy = deep->clone();
+            EXPECT_TRUE(copy->congruent(*deep));
+            EXPECT_FALSE(copy->congruent(*nested(1000001)));
+        },
+        leastStack);
 }
 
 TEST(Depth, DestructionReachesSharedAndUnsharedChildrenOnce) {

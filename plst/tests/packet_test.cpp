@@ -1,11 +1,9 @@
 // Item trees as packets.
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <bit>
 #include <cstdint>
 #include <fstream>
-#include <functional>
 #include <memory>
 #include <random>
 #include <sstream>
@@ -21,10 +19,12 @@
 #include "plst/WriteInterface.h"
 #include "plst/casts.h"
 #include "plst/packets.h"
+#include "plst/tests/smallStack.h"
 
 namespace {
 
 using namespace nxPLST;
+using namespace nxPLST::test;
 using ur::make;
 using ur::Reference;
 
@@ -263,37 +263,28 @@ TEST(ItemPackets, DoNotBelieveASizeBeforeTheElementsAreThere) {
     }
 }
 
-void onSmallStack(std::function<void()> work) {
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, 512 * 1024);
-    pthread_t thread;
-    auto run = [](void* argument) -> void* {
-        (*static_cast<std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-}
-
 TEST(ItemPackets, GoAMillionLevelsDeepOnASmallStack) {
-    onSmallStack([] {
-        Reference<Item> tree = make<Double>(1);
-        for (int i = 0; i < 1000000; ++i) tree = i % 2 ? Reference<Item>(dictionaryOf({{"k", tree}})) : arrayOf({tree});
-        auto const read = readBack(bytesOf(tree));
-        EXPECT_TRUE(read && read->congruent(*tree));
-    });
+    onSmallStack(
+        [] {
+            Reference<Item> tree = make<Double>(1);
+            for (int i = 0; i < 1000000; ++i)
+                tree = i % 2 ? Reference<Item>(dictionaryOf({{"k", tree}})) : arrayOf({tree});
+            auto const read = readBack(bytesOf(tree));
+            EXPECT_TRUE(read && read->congruent(*tree));
+        },
+        leastStack);
 }
 
 TEST(ItemPackets, BegunInsideEachOtherWhereNoReferenceIsAreRefusedBeforeTheStackEnds) {
     std::string const head = fileWith({"Array"});
-    onSmallStack([&] {
-        Reference<Item> item;
-        PacketReport report;
-        EXPECT_FALSE(readFrom(head + std::string(1000000, '\x80'), item, report));
-        EXPECT_EQ(report.status, number(ioStatus::tooDeep));
-    });
+    onSmallStack(
+        [&] {
+            Reference<Item> item;
+            PacketReport report;
+            EXPECT_FALSE(readFrom(head + std::string(1000000, '\x80'), item, report));
+            EXPECT_EQ(report.status, number(ioStatus::tooDeep));
+        },
+        leastStack);
 }
 
 TEST(ItemPackets, ReportAStreamThatFails) {
@@ -396,11 +387,13 @@ TEST(ItemInterfaces, BringBackTreesOfAnyShapeAndDepth) {
         std::vector<Reference<Item>> pool;
         expectBack(randomTree(random, pool, 5), same);
     }
-    onSmallStack([&] {
-        Reference<Item> tree = make<Bool>(true);
-        for (int i = 0; i < 300000; ++i) tree = arrayOf({tree});
-        expectBack(tree, [](auto const& a, auto const& b) { return a && a->congruent(*b); });
-    });
+    onSmallStack(
+        [&] {
+            Reference<Item> tree = make<Bool>(true);
+            for (int i = 0; i < 300000; ++i) tree = arrayOf({tree});
+            expectBack(tree, [](auto const& a, auto const& b) { return a && a->congruent(*b); });
+        },
+        leastStack);
 }
 
 TEST(ItemInterfaces, RefuseAReferenceToWhatIsNoItem) {
