@@ -2,6 +2,9 @@
 #include "tools/nxplist/Comparison.h"
 
 #include <cmath>
+#include <cstdint>
+#include <set>
+#include <utility>
 #include <vector>
 
 #include "plst/Bool.h"
@@ -19,6 +22,7 @@ using nxPLST::Item;
 struct Open {
     Children first;
     Children second;
+    std::uint64_t differencesBefore;
 };
 
 bool sameScalar(Item const& a, Item const& b) {
@@ -39,41 +43,55 @@ public:
     explicit Comparer(std::function<bool(std::string const&)> const& report) : report_(report) {}
 
     void compare(Item const* first, Item const* second) {
-        bool goOn = meet(first, second, ".");
+        bool goOn = meet(first, second);
         while (goOn && !open_.empty()) goOn = step();
     }
 
 private:
-    /// Compares two values at one place; containers of one kind are opened.
-    bool meet(Item const* first, Item const* second, std::string const& place) {
-        if (!first || !second) return first == second || report_(place + ": " + brief(first) + " -> " + brief(second));
-        if (first->type() != second->type()) return report_(place + ": " + brief(first) + " -> " + brief(second));
-        if (isContainer(first)) {
-            open_.push_back({Children(*first), Children(*second)});
+    /// Compares the two values that the innermost pair stands on; containers of one kind are opened.
+    bool meet(Item const* first, Item const* second) {
+        bool const sameKind = first && second && first->type() == second->type();
+        if (sameKind && isContainer(first)) {
+            if (!equal_.contains({first, second})) {
+                open_.push_back({Children(*first), Children(*second), differences_});
+            }
             return true;
         }
-        return sameScalar(*first, *second) || report_(place + ": " + brief(first) + " -> " + brief(second));
+        if (sameKind ? sameScalar(*first, *second) : first == second) return true;
+        std::string const where = open_.empty() ? "." : place(open_.back().first);
+        return tell(where + ": " + brief(first) + " -> " + brief(second));
     }
 
     /// Handles the next child of the innermost pair, or closes it. False when the report wants no more.
     bool step() {
         Open& pair = open_.back();
         if (pair.first.done() && pair.second.done()) {
-            open_.pop_back();
-            if (!open_.empty()) advance(open_.back());
+            close();
             return true;
         }
         int const order = keyOrder(pair);
         if (order < 0) return onlyIn("first", pair.first);
         if (order > 0) return onlyIn("second", pair.second);
         std::size_t const depth = open_.size();
-        Item const* const first = pair.first.item();
-        Item const* const second = pair.second.item();
-        bool const goOn = isContainer(first) && isContainer(second) && first->type() == second->type()
-                              ? meet(first, second, "")
-                              : meet(first, second, place(pair.first));
+        bool const goOn = meet(pair.first.item(), pair.second.item());
         if (open_.size() == depth) advance(open_.back());
         return goOn;
+    }
+
+    /// Items with several holders may come again, on and on: what is known to be equal is not opened again.
+    void close() {
+        Open const pair = open_.back();
+        open_.pop_back();
+        Item const& first = pair.first.container();
+        Item const& second = pair.second.container();
+        bool const comeAgain = first.referenceCount() > 1 && second.referenceCount() > 1;
+        if (comeAgain && pair.differencesBefore == differences_) equal_.emplace(&first, &second);
+        if (!open_.empty()) advance(open_.back());
+    }
+
+    bool tell(std::string const& difference) {
+        ++differences_;
+        return report_(difference);
     }
 
     static void advance(Open& pair) {
@@ -90,7 +108,7 @@ private:
     }
 
     bool onlyIn(char const* which, Children& children) {
-        bool const goOn = report_(place(children) + ": only in the " + which + ": " + brief(children.item()));
+        bool const goOn = tell(place(children) + ": only in the " + which + ": " + brief(children.item()));
         children.next();
         return goOn;
     }
@@ -104,6 +122,8 @@ private:
 
     std::function<bool(std::string const&)> const& report_;
     std::vector<Open> open_;
+    std::set<std::pair<Item const*, Item const*>> equal_;
+    std::uint64_t differences_ = 0;
 };
 
 }  // namespace

@@ -21,9 +21,14 @@ namespace {
 constexpr int invalid = 1;
 constexpr int unusable = 2;
 
-void check(urUtil::Error const& error) {
-    if (error.isError()) throw Failure{unusable, "nxplist: " + std::string(error.message())};
+/// `about` is put before messages that do not name the file themselves.
+void check(urUtil::Error const& error, std::string const& about = "") {
+    if (error.ok()) return;
+    throw Failure{unusable, "nxplist: " + about + (about.empty() ? "" : ": ") + std::string(error.message())};
 }
+
+std::string inputName(std::string const& path) { return path == "-" ? "standard input" : path; }
+std::string outputName(std::string const& path) { return path == "-" ? "standard output" : path; }
 
 urString::CString contents(std::string const& path) {
     urOS::File file;
@@ -41,7 +46,7 @@ urString::CString contents(std::string const& path) {
         constexpr std::size_t block = 1 << 20;
         std::size_t const before = text.size();
         text.resizeAndOverwrite(before + block, [&](char* bytes, std::size_t) {
-            check(file.read(bytes + before, block, &done));
+            check(file.read(bytes + before, block, &done), inputName(path));
             return before + done;
         });
         progress.show(text.size(), total);
@@ -49,18 +54,29 @@ urString::CString contents(std::string const& path) {
     return text;
 }
 
-/// The line at `offset` and a mark under the column, for people at a terminal.
-std::string excerpt(urString::CString const& text, nxPLST::JsonLocation const& location) {
+bool continuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
+bool isControl(char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }
+
+/// The line at `location`, of a long one what is near, and a mark under the place: for people at a terminal.
+std::string excerpt(std::string_view text, nxPLST::JsonLocation const& location) {
+    constexpr std::size_t mostBefore = 100;
     constexpr std::size_t most = 160;
-    std::string_view line = text.view();
-    std::size_t const lineStart = line.rfind('\n', location.offset ? location.offset - 1 : 0);
-    std::size_t const start = location.offset && lineStart != line.npos ? lineStart + 1 : 0;
-    line = line.substr(start);
-    line = line.substr(0, std::min(line.find('\n'), most));
-    std::string shown;
-    for (char const c : line) shown += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
-    if (location.column > most) return "\n    " + shown + "...";
-    return "\n    " + shown + "\n    " + std::string(location.column - 1, ' ') + "^";
+    std::size_t const offset = location.offset;
+    std::size_t const lineBreak = offset > 0 ? text.rfind('\n', offset - 1) : text.npos;
+    std::size_t const lineStart = lineBreak == text.npos ? 0 : lineBreak + 1;
+    std::size_t const lineEnd = std::min(text.find('\n', offset), text.size());
+    std::size_t first = offset - std::min(offset - lineStart, mostBefore);
+    while (first < offset && first > lineStart && continuesCharacter(text[first])) ++first;
+    std::size_t last = std::min(lineEnd, first + most);
+    while (last < lineEnd && last > offset && continuesCharacter(text[last])) --last;
+
+    std::string const leadIn = first > lineStart ? "    ..." : "    ";
+    std::string shown(text.substr(first, last - first));
+    std::ranges::replace_if(shown, isControl, ' ');
+    auto const before = text.substr(first, offset - first);
+    auto const column = before.size() - static_cast<std::size_t>(std::ranges::count_if(before, continuesCharacter));
+    return "\n" + leadIn + shown + (last < lineEnd ? "..." : "") + "\n" + std::string(leadIn.size() + column, ' ') +
+           "^";
 }
 
 std::string located(std::string const& name, nxPLST::JsonLocation const& location, std::string_view reason) {
@@ -82,7 +98,7 @@ void readJson(Document& document, urString::CString const& text, Losses losses) 
     nxPLST::JsonReport report;
     if (!nxPLST::convertFromJSON(document.root, text, report)) {
         std::string message = located(document.name, report.location, report.reason.view());
-        if (isatty(STDERR_FILENO) == 1) message += excerpt(text, report.location);
+        if (isatty(STDERR_FILENO) == 1) message += excerpt(text.view(), report.location);
         throw Failure{invalid, message};
     }
     document.losses = report.lossCount;
@@ -109,23 +125,23 @@ urString::CString textOf(Document const& document, Form form) {
                                "that is not finite"};
 }
 
-void storeInto(urOS::IOStream& stream, Document const& document, Form form) {
+void storeInto(urOS::IOStream& stream, Document const& document, std::string const& name, Form form) {
     if (form == Form::packets) {
         nxPLST::PacketReport report;
         if (!nxPLST::write(stream, document.root, report)) {
-            throw Failure{unusable, "nxplist: cannot write packets: " + std::string(ioStatusText(report.status))};
+            throw Failure{unusable, "nxplist: " + name + ": cannot write packets: " + ioStatusText(report.status)};
         }
         return;
     }
     urString::CString const text = textOf(document, form);
-    check(stream.write(text.data(), text.size()));
+    check(stream.write(text.data(), text.size()), name);
 }
 
 }  // namespace
 
 Document load(std::string const& path, std::optional<Form> form, Losses losses) {
     Document document;
-    document.name = path == "-" ? "standard input" : path;
+    document.name = inputName(path);
     urString::CString const bytes = contents(path);
     document.form = form.value_or(bytes.startsWith(ioFormat::fileMark) ? Form::packets : Form::json);
     if (document.form == Form::packets) {
@@ -140,19 +156,19 @@ void store(Document const& document, std::string const& path, Form form) {
     if (path == "-") {
         urOS::File out;
         check(out.attach(STDOUT_FILENO, urOS::File::Ownership::borrowed));
-        storeInto(out, document, form);
+        storeInto(out, document, outputName(path), form);
         return;
     }
     urOS::AtomicFile out;
     check(out.open(urString::IString(path.c_str())));
-    storeInto(out, document, form);
+    storeInto(out, document, outputName(path), form);
     check(out.commit());
 }
 
 void printText(urString::CString const& text) {
     urOS::File out;
     check(out.attach(STDOUT_FILENO, urOS::File::Ownership::borrowed));
-    check(out.write(text.data(), text.size()));
+    check(out.write(text.data(), text.size()), outputName("-"));
 }
 
 }  // namespace nxplist

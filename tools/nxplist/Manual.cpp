@@ -22,7 +22,8 @@ constexpr CommandText commands[] = {
      "Prints nothing for a good file. What reading drops (null members, repeated keys, integers that a double cannot "
      "hold) is told on standard error; with --strict it counts as invalid."},
     {"print", "[FILE]", "print FILE as indented JSON, or as --to says", ""},
-    {"stat", "[FILE]", "print counts by kind, depth, bytes in memory and the largest subtrees", ""},
+    {"stat", "[FILE]", "print counts by kind, depth, bytes in memory and the largest subtrees",
+     "An item in several places counts once, where it comes first."},
     {"get", "FILE PATH", "print the value at PATH, such as .countries[3].name",
      "A key that is not made of letters, digits, \"_\" and \"-\" is written in double quotes: .\"two words\"[0]. The "
      "path "

@@ -2,6 +2,7 @@
 #include "tools/nxplist/Statistics.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "plst/Bool.h"
 #include "plst/Double.h"
@@ -50,8 +51,11 @@ public:
         while (!open_.empty()) {
             if (open_.back().children.done()) {
                 leave();
-            } else if (Item const* child = open_.back().children.item()) {
-                countKey();
+                continue;
+            }
+            countKey();
+            Item const* const child = open_.back().children.item();
+            if (child && isNew(*child)) {
                 enter(*child);
             } else {
                 open_.back().children.next();
@@ -61,6 +65,9 @@ public:
     }
 
 private:
+    /// False for an item that was met before. Only those with several holders can be.
+    bool isNew(Item const& item) { return item.referenceCount() == 1 || shared_.insert(&item).second; }
+
     /// Counts `item`; a container stays open, and the parent's turn comes again when it is left.
     void enter(Item const& item) {
         std::uint64_t const bytes = ownBytes(item);
@@ -75,7 +82,8 @@ private:
 
     void leave() {
         Open const left = open_.back();
-        if (open_.size() > 1) offer(left);
+        // Whatever lies deeper than this has enough larger subtrees around it.
+        if (open_.size() > 1 && open_.size() <= wanted_ + 1) offer(left);
         open_.pop_back();
         add(left.items, left.bytes);
     }
@@ -115,6 +123,7 @@ private:
 
     std::size_t wanted_;
     std::vector<Open> open_;
+    std::unordered_set<Item const*> shared_;
     Statistics result_;
 };
 
