@@ -94,6 +94,8 @@ private:
             auto const& entries = static_cast<Dictionary const&>(item).dictionary();
             start(static_cast<int>(entries.size()));
             open_.push_back({&item, 0, entries.begin()});
+        } else {
+            context_.writeReference(&item, 0);  // an item of no known kind has no packet: the reference is refused
         }
         return false;
     }

@@ -20,7 +20,8 @@ struct PacketReport {
 };
 
 /// Writes a file of packets that holds `item`, or no packet for null. Items with several holders are written once.
-/// False when the stream failed, or when an item is inside itself. Texts and keys are cut at their first NUL.
+/// False when the stream failed, or when an item is inside itself or of no known kind. Texts and keys are cut at their
+/// first NUL.
 [[nodiscard]] NX_API bool write(urOS::IOStream& stream, ur::Reference<Item const> item);
 [[nodiscard]] NX_API bool write(urOS::IOStream& stream, ur::Reference<Item const> item, PacketReport& report);
 

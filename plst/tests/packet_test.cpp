@@ -19,6 +19,7 @@
 #include "plst/WriteInterface.h"
 #include "plst/casts.h"
 #include "plst/packets.h"
+#include "plst/tests/plainYajl.h"
 #include "plst/tests/smallStack.h"
 
 namespace {
@@ -173,6 +174,11 @@ TEST(ItemPackets, RefuseATreeInsideItself) {
     inner->insert("outer", outer);
     bytesOf(outer, number(ioStatus::cycle));
     inner->dictionary().clear();
+}
+
+TEST(ItemPackets, RefuseAnItemOfNoKnownKind) {
+    bytesOf(make<Stranger>(), number(ioStatus::unresolvedReference));
+    bytesOf(arrayOf({make<Bool>(), make<Stranger>(), make<Bool>()}), number(ioStatus::unresolvedReference));
 }
 
 TEST(ItemPackets, AreAsTheDocumentationShows) {
