@@ -17,7 +17,8 @@ constexpr std::string_view description =
 constexpr CommandText commands[] = {
     {"convert", "[FILE [OUTPUT]]", "write FILE in another form",
      "The form is that of --to, else the one that OUTPUT's ending names (.json, .nxp, .txt), else JSON for packets and "
-     "packets for JSON. Without OUTPUT, or with \"-\", standard output is written."},
+     "packets for JSON. Without OUTPUT, or with \"-\", standard output is written. Packets hold texts and keys up to "
+     "their first NUL character only."},
     {"check", "[FILE...]", "tell whether each FILE can be read",
      "Prints nothing for a good file. What reading drops (null members, repeated keys, integers that a double cannot "
      "hold) is told on standard error; with --strict it counts as invalid."},
