@@ -30,9 +30,28 @@ bool isLarge(char const* text, char const* end) {
     return magnitude + (negative ? -exponent : exponent) > 0;
 }
 
+/// The end of a number without an exponent whose digits fit 126 bits, as the strict writer's do; otherwise null.
+char const* readDecimal(char const* text, char const* end, double& value) {
+    constexpr int mostDigits = 37;
+    bool const negative = *text == '-';
+    Wide digits = 0;
+    char const* const first = text + negative;
+    text = takeDigits(first, end, digits);
+    if (text == end || *text != '.') return nullptr;
+    char const* const fraction = text + 1;
+    text = takeDigits(fraction, end, digits);
+    auto const tenths = text - fraction;
+    if (text - first > mostDigits + 1 || tenths > decimal::mostTenths) return nullptr;
+    if (text != end && (*text == 'e' || *text == 'E')) return nullptr;
+    double const size = wideQuotient(digits, static_cast<int>(tenths));
+    value = negative ? -size : size;
+    return text;
+}
+
 }  // namespace
 
 char const* readReal(char const* text, char const* end, double& value) noexcept {
+    if (char const* const stop = readDecimal(text, end, value)) return stop;
     auto const result = std::from_chars(text, end, value);
     if (result.ec != std::errc()) {
         if (isLarge(text, result.ptr)) return nullptr;

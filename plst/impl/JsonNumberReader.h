@@ -28,14 +28,18 @@ inline char const* readNumber(char const* text, char const* end, double& value) 
     std::uint64_t digits = 0;
     for (; isDigit(*text); ++text) digits = digits * 10 + static_cast<unsigned>(*text - '0');
     auto const count = text - first;
-    if (count == 0 || (*first == '0' && count > 1)) [[unlikely]]
+    bool const belowOne = *first == '0';
+    if (count == 0 || (belowOne && count > 1)) [[unlikely]]
         return nullptr;
     if (*text == '.') {
-        char const* const fraction = text + 1;
-        text = takeDigits(fraction, end, digits);
+        char const* const fraction = ++text;
+        while (belowOne && *text == '0') ++text;
+        char const* const significant = belowOne ? text : first;
+        text = takeDigits(text, end, digits);
         auto const tenths = text - fraction;
         if (tenths == 0) return nullptr;
-        if (count + tenths > mostDigits || *text == 'e' || *text == 'E') return readReal(start, end, value);
+        bool const isShort = text - significant <= mostDigits + !belowOne && tenths <= decimal::mostTenths;
+        if (!isShort || *text == 'e' || *text == 'E') return readReal(start, end, value);
         double const size = quotient(digits, static_cast<int>(tenths));
         value = negative ? -size : size;
         return text;

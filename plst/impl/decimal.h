@@ -30,7 +30,7 @@ struct Divisor {
     int shift = 0;
 };
 
-inline constexpr int mostTenths = 18;  // as many as behind the first of nineteen digits
+inline constexpr int mostTenths = 27;  // 5^27 still fits 64 bits
 
 inline constexpr auto divisors = [] {
     std::array<Divisor, mostTenths + 1> result;
@@ -46,9 +46,9 @@ inline constexpr auto divisors = [] {
 
 }  // namespace decimal
 
-/// Continues `value` with the digits at `text`, modulo 2^64, and gives the first byte that is none. Requires: there
-/// is one before `end`.
-inline char const* takeDigits(char const* text, char const* end, std::uint64_t& value) noexcept {
+/// Continues `value` with the digits in [text, end), as far as its bits go, and gives the place behind them.
+template <class Number>
+inline char const* takeDigits(char const* text, char const* end, Number& value) noexcept {
     using namespace decimal;
     while (std::endian::native == std::endian::little && end - text >= 8) [[likely]] {
             std::uint64_t word;
@@ -65,19 +65,17 @@ inline char const* takeDigits(char const* text, char const* end, std::uint64_t& 
             value = value * smallTenTo[count] + valueOfEight(word << 1 << (63 - 8 * count));
             return text + count;
         }
-    for (; isDigit(*text); ++text) value = value * 10 + static_cast<std::uint64_t>(*text - '0');
+    for (; text != end && isDigit(*text); ++text) value = value * 10 + static_cast<unsigned>(*text - '0');
     return text;
 }
 
-/// The double nearest to digits/10^tenths, a tie to the even one. Requires: 0 <= tenths <= mostTenths.
-inline double quotient(std::uint64_t digits, int tenths) noexcept {
-    if (digits == 0) return 0;
-    decimal::Divisor const& by = decimal::divisors[tenths];
-    int const shift = std::countl_zero(digits);
-    std::uint64_t const top = digits << shift;
-    // top·2^62 divided by the reciprocal (Möller and Granlund, "Improved division by invariant integers").
-    std::uint64_t const high = top >> 2;
-    std::uint64_t const low = top << 62;
+namespace decimal {
+
+/// The double nearest to (high·2^64+low)·2^exponent/10^tenths, a tie to the even one. Requires: high from 2^61 to
+/// below 2^62, and tenths from 0 to mostTenths.
+inline double quotient(std::uint64_t high, std::uint64_t low, int exponent, int tenths) noexcept {
+    Divisor const& by = divisors[tenths];
+    // Möller and Granlund, "Improved division by invariant integers".
     Wide const estimate = Wide(by.reciprocal) * high + (Wide(high) << 64 | low);
     std::uint64_t whole = static_cast<std::uint64_t>(estimate >> 64) + 1;
     std::uint64_t rest = low - whole * by.value;
@@ -90,8 +88,28 @@ inline double quotient(std::uint64_t digits, int tenths) noexcept {
     }
     // At least 61 bits, so that the lowest may stand for all that follow when the conversion rounds to 53.
     auto const sticky = static_cast<std::int64_t>(whole | (rest != 0));
-    int const exponent = by.shift - shift - tenths - 62;
-    return static_cast<double>(sticky) * std::bit_cast<double>(std::uint64_t(1023 + exponent) << 52);
+    int const scale = exponent + by.shift - tenths;
+    return static_cast<double>(sticky) * std::bit_cast<double>(std::uint64_t(1023 + scale) << 52);
+}
+
+}  // namespace decimal
+
+/// The double nearest to digits/10^tenths, a tie to the even one. Requires: 0 <= tenths <= mostTenths.
+inline double quotient(std::uint64_t digits, int tenths) noexcept {
+    if (digits == 0) return 0;
+    int const shift = std::countl_zero(digits);
+    std::uint64_t const top = digits << shift;
+    return decimal::quotient(top >> 2, top << 62, -62 - shift, tenths);
+}
+
+/// The same. Requires: digits below 2^126.
+inline double wideQuotient(Wide digits, int tenths) noexcept {
+    auto const high = static_cast<std::uint64_t>(digits >> 64);
+    if (high == 0) return quotient(static_cast<std::uint64_t>(digits), tenths);
+    int const shift = std::countl_zero(high) - 2;
+    digits <<= shift;
+    return decimal::quotient(static_cast<std::uint64_t>(digits >> 64), static_cast<std::uint64_t>(digits), -shift,
+                             tenths);
 }
 
 }  // namespace nxPLST::impl
