@@ -84,6 +84,41 @@ void copyPlain(char*& to, char const*& from, char const* end) {
 
 }  // namespace
 
+/// Writes what stands before a value on a line of its own; behind it is room for most of them.
+inline char* StrictJsonWriter::startLine(char* to, bool isFirst) {
+    to = sink_.room(to, itemRoom);
+    char const* const from = separator.data() + (isFirst ? 2 : 0);
+    std::size_t const size = (isFirst ? 0 : 2) + indentStep * static_cast<std::size_t>(depth_);
+    std::memcpy(to, from, separatorBlock);
+    if (size > separatorBlock) [[unlikely]]
+        std::memcpy(to + separatorBlock, from + separatorBlock, size - separatorBlock);
+    return to + size;
+}
+
+/// Writes a text; behind it is room for a colon and most values.
+inline char* StrictJsonWriter::putText(char* to, urString::CString const& text) {
+    static_assert(sizeof text == textBlock);
+    if (text.capacity() < sizeof text) [[likely]] {
+        // It lies in its object, which is one block.
+        std::memcpy(to + 1, text.data(), textBlock);
+        auto const size = static_cast<int>(text.size());
+        if (runInSixteen<Stop::atEscapes>(text.data()) >= size) [[likely]] {
+            to[0] = '"';
+            to[size + 1] = '"';
+            return to + size + 2;
+        }
+    }
+    return putAnyText(to, text.view());
+}
+
+inline char* StrictJsonWriter::putScalar(char* to, Item const* item, int kind) {
+    if (kind == DoubleType) return writeExactNumber(to, static_cast<Double const*>(item)->value());
+    if (kind == StringType) return putText(to, static_cast<String const*>(item)->value());
+    bool const isFalse = kind == BoolType && !static_cast<Bool const*>(item)->value();
+    std::memcpy(to, kind == noItem ? "null" : isFalse ? "false" : "true", 5);
+    return to + (isFalse ? 5 : 4);
+}
+
 bool StrictJsonWriter::write(Item const* root) {
     char* const to = sink_.room(itemRoom);
     int const kind = kindOf(root);
@@ -195,40 +230,12 @@ void StrictJsonWriter::close(char* to) {
     sink_.advanceTo(to);
 }
 
-/// Writes what stands before a value on a line of its own; behind it is room for most of them.
-inline char* StrictJsonWriter::startLine(char* to, bool isFirst) {
-    to = sink_.room(to, itemRoom);
-    char const* const from = separator.data() + (isFirst ? 2 : 0);
-    std::size_t const size = (isFirst ? 0 : 2) + indentStep * static_cast<std::size_t>(depth_);
-    std::memcpy(to, from, separatorBlock);
-    if (size > separatorBlock) [[unlikely]]
-        std::memcpy(to + separatorBlock, from + separatorBlock, size - separatorBlock);
-    return to + size;
-}
-
-inline char* StrictJsonWriter::putScalar(char* to, Item const* item, int kind) {
-    if (kind == DoubleType) return writeExactNumber(to, static_cast<Double const*>(item)->value());
-    if (kind == StringType) return putText(to, static_cast<String const*>(item)->value());
-    bool const isFalse = kind == BoolType && !static_cast<Bool const*>(item)->value();
-    std::memcpy(to, kind == noItem ? "null" : isFalse ? "false" : "true", 5);
-    return to + (isFalse ? 5 : 4);
-}
-
-char* StrictJsonWriter::putText(char* to, urString::CString const& text) {
+char* StrictJsonWriter::putAnyText(char* to, std::string_view text) {
     char const* from = text.data();
     char const* const end = from + text.size();
+    to = sink_.room(to, text.size() + textBlock + itemRoom);
     *to++ = '"';
-    if (text.capacity() < sizeof text) {
-        // It lies in its object, which is one block.
-        static_assert(sizeof text == textBlock);
-        std::memcpy(to, from, textBlock);
-        auto const run = std::min<std::ptrdiff_t>(runInSixteen<Stop::atEscapes>(from), end - from);
-        to += run;
-        from += run;
-    } else {
-        to = sink_.room(to, text.size() + textBlock + itemRoom);
-        copyPlain(to, from, end);
-    }
+    copyPlain(to, from, end);
     while (from != end) [[unlikely]] {
             to = putEscape(sink_.room(to, static_cast<std::size_t>(end - from) + longestEscape + itemRoom), *from);
             ++from;

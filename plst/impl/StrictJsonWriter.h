@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 
 #include "plst/impl/ChildWalk.h"
 #include "plst/impl/TextSink.h"
@@ -38,6 +39,7 @@ private:
     char* startLine(char* to, bool isFirst);
     char* putScalar(char* to, Item const* item, int kind);
     char* putText(char* to, urString::CString const& text);
+    char* putAnyText(char* to, std::string_view text);
     bool refuse(char* to);
 
     TextSink sink_;
