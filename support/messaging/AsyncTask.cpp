@@ -103,6 +103,7 @@ void CompletionTask::run() {
 
 void AsyncTask::complete(bool waited) {
     auto const started = ur::Reference<AsyncTask>::adopt(this);
+    static_cast<void>(impl_->thread.wait());  // it may still be inside the queue, which `onComplete` may destroy
     if (impl_->domain) impl_->domain->setAsyncTask(nullptr);
     onComplete(waited);
 }

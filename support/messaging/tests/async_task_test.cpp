@@ -100,6 +100,31 @@ TEST_F(AsyncTasks, AndTheirDomainsMayGoInAnyOrder) {
     EXPECT_EQ(counts.executed, 0);
 }
 
+TEST(AsyncTaskCompletion, FindsTheWorkerOutOfTheQueueWhichItMayDestroy) {
+    struct SlowQueue : urThread::RunQueue {
+        void onAdd() override {
+            std::this_thread::sleep_for(20ms);
+            left = true;
+        }
+        std::atomic<bool> left = false;
+    };
+    struct SlowHost : Host {
+        urThread::RunQueue& runQueue() override { return slow; }
+        SlowQueue slow;
+    };
+    Counts counts;
+    std::optional<SlowHost> host(std::in_place);
+    auto const task = ur::make<Task>(*host, counts);
+    task->end = [&] {
+        EXPECT_TRUE(host->slow.left);
+        host.reset();
+    };
+    task->startThread();
+    EXPECT_TRUE(host->slow.wait(10s));
+    EXPECT_EQ(host->slow.service(), 1U);
+    EXPECT_FALSE(host);
+}
+
 // Half of the hosts complete what they started, the others close their queue on it.
 TEST(AThousandTasks, AreStartedWaitedForAbandonedAndThrownIn) {
     std::mt19937 random(20240);
