@@ -12,7 +12,7 @@ class Context;
 /// Is told by a domain when each of its contexts begins and ends, Bare and Bootstrap ones included.
 ///
 /// Owned by whoever sets it on the domain, which must unset it first. A context that began unobserved ends
-/// unobserved. Exceptions are treated like those of the domain owner's hooks. Main thread only.
+/// unobserved. May do what the domain owner's hooks may, throw and destroy the domain included. Main thread only.
 class NX_API ContextObserver {
 public:
     using Clock = std::chrono::steady_clock;
@@ -21,7 +21,8 @@ public:
 
     /// `context` begins, before any hook has been told.
     virtual void onBegin(Context const& context, Clock::time_point when) = 0;
-    /// `context` has ended, or has not begun after all because a hook threw; its post functions are still to run.
+    /// After all hooks, as the last thing before `context` ceases to be the current one; its post functions are
+    /// still to run. Also called for one that has not begun after all because a hook threw.
     virtual void onEnd(Context const& context, Clock::time_point when, Clock::duration lasted) = 0;
 };
 

@@ -99,11 +99,11 @@ void Domain::leaveMode(Context const& context, impl::FirstError& errors) noexcep
 }
 
 void Domain::leave(Context const& context, impl::FirstError& errors) noexcept {
-    impl_->pop(context);
     if (impl_->observer && context.begun_ != Clock::time_point()) {
         Clock::time_point const now = Clock::now();
         errors.guard([&] { impl_->observer->onEnd(context, now, now - context.begun_); });
     }
+    if (context.domain()) impl_->pop(context);
 }
 
 Domain* Domain::getPrimary() const noexcept { return impl_->primary; }

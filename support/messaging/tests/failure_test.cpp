@@ -5,6 +5,7 @@
 
 #include "foundation/urOS/tests/CapturedOutput.h"
 #include "support/messaging/CallInfoControl.h"
+#include "support/messaging/ContextObserver.h"
 #include "support/messaging/impl/misuse.h"
 #include "support/messaging/tests/Host.h"
 
@@ -103,6 +104,25 @@ TEST(Domain, MayBeDestroyedByWhatItCalls) {
         EXPECT_TRUE(log.ends_with(std::string(fatal) + " ")) << log;
         EXPECT_TRUE(ci().interfaces().empty());
     }
+}
+
+TEST(Domain, MayBeDestroyedByItsObserver) {
+    struct Fatal : ContextObserver {
+        void onBegin(Context const& context, Clock::time_point) override {
+            if (atBegin) delete context.domain();
+        }
+        void onEnd(Context const& context, Clock::time_point, Clock::duration) override { delete context.domain(); }
+        bool atBegin = false;
+    } observer;
+    urOS::CapturedOutput const output;
+    for (bool const atBegin : {true, false}) {
+        observer.atBegin = atBegin;
+        auto* const host = new Host;
+        host->setContextObserver(&observer);
+        Context const context(host, Context::Const);
+        context.addPostFunction([](Domain*) { ADD_FAILURE() << "after its domain"; });
+    }
+    EXPECT_TRUE(ci().interfaces().empty());
 }
 
 TEST(Mistakes, AreNamedInADebugBuildAndDoNoHarm) {
