@@ -8,8 +8,8 @@ namespace nxSupport {
 
 /// Suppresses a domain's call information for a while: the next context makes one of its own.
 ///
-/// Suppressions nest, and end in the reverse order of their start. The destructor releases what is still
-/// suppressed; what a handler of `callInfoSuppressionChanged` throws then leaves it, or is printed on the
+/// Suppressions nest, and end in the reverse order of their start; the domain outlives them. The destructor releases
+/// what is still suppressed; what a handler of `callInfoSuppressionChanged` throws then leaves it, or is printed on the
 /// application output when the stack is being unwound already. Main thread only.
 class NX_API CallInfoControl {
 public:
