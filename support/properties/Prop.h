@@ -1,0 +1,61 @@
+// Properties with a type.
+#pragma once
+
+#include <utility>
+
+#include "plst/convert.h"
+#include "support/properties/PropertyTBase.h"
+#include "support/properties/valueShape.h"
+
+namespace nxSupport {
+
+/// A property whose value is read and set as a T, through the item shape that T has.
+///
+/// Holds nothing at first; reading then gives the fallback and setting does nothing. Copies share the property.
+template <class T>
+class Prop : public PropertyTBase {
+public:
+    using PropertyTBase::PropertyTBase;
+
+    [[nodiscard]] static Prop createTxd(nxTXN::Manager& manager, urString::CString const& name, T const& value) {
+        return Prop(Property::createTxd(manager, name, itemOf(value)));
+    }
+    [[nodiscard]] static Prop createUnTxd(urString::CString const& name, T const& value) {
+        return Prop(Property::createUnTxd(name, itemOf(value)));
+    }
+
+    /// Whether there is a value that has the shape of T.
+    [[nodiscard]] bool isSet() const { return pty() && hasShape<T>(pty()->value()); }
+    /// `fallback` when there is no value of that shape.
+    [[nodiscard]] T get(T fallback = T()) const {
+        if (isSet()) nxPLST::convert(fallback, pty()->value());
+        return fallback;
+    }
+    /// As `Property::setValue`. False also when there is no property.
+    bool set(T const& value) { return pty() && pty()->setValue(itemOf(value)); }
+    bool set(T const& value, PropertyModType type) { return pty() && pty()->setValue(itemOf(value), type); }
+
+    /// Calls `listener(value, type)` for changes made through other members of the joined set, until the handle goes.
+    /// Changes to values of another shape are left out. Requires: there is a property.
+    template <class F>
+    requires std::invocable<F&, T const&, PropertyModType>
+    [[nodiscard]] urRTB::ScopedConnection subscribe(F listener) {
+        return pty()->subscribe([listener = std::move(listener)](ur::Reference<Property const> const& property,
+                                                                 PropertyModType type) mutable {
+            auto const item = property->value();
+            if (!hasShape<T>(item)) return;
+            T value{};
+            nxPLST::convert(value, item);
+            listener(std::as_const(value), type);
+        });
+    }
+
+private:
+    static Property::ItemReference itemOf(T const& value) {
+        ur::Reference<nxPLST::Item> item;
+        nxPLST::convert(item, value);
+        return item;
+    }
+};
+
+}  // namespace nxSupport

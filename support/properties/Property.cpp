@@ -1,0 +1,80 @@
+// Names, validation and the order of notifications.
+#include "support/properties/Property.h"
+
+#include "support/properties/impl/JoinedPropertyIterator.h"
+
+namespace nxSupport {
+
+using impl::JoinedData;
+using impl::JoinedPropertyIterator;
+using Start = JoinedPropertyIterator::Start;
+
+Property::~Property() = default;
+
+urString::CString Property::basename() const {
+    std::size_t const point = name_.rfind('.');
+    return point == urString::CString::npos ? name_ : name_.substr(point + 1);
+}
+
+void Property::send(PropertyModType type) {
+    if (modifySignal_.hasConnections()) modifySignal_.emit(ur::Reference<Property const>(this), type);
+}
+
+void Property::broadcast(PropertyModType type) {
+    JoinedPropertyIterator members(*this, Start::skip);
+    tell(members, type);
+}
+
+bool Property::validate(ItemReference& candidate) {
+    JoinedPropertyIterator members(*this, Start::include);
+    return validate(members, candidate);
+}
+
+bool Property::validate(JoinedPropertyIterator& members, ItemReference& candidate) {
+    for (members.rewind(Start::include); members.valid(); members.next()) {
+        ur::Reference<Property const> const member = members.current();
+        if (!member->validationSignal_.hasConnections()) continue;
+        ItemReference const before = candidate;
+        member->validationSignal_.emit(member, candidate);
+        return candidate == before;
+    }
+    return true;
+}
+
+// A listener may have moved this property to another joined set: then that one is told.
+void Property::tell(JoinedPropertyIterator& members, PropertyModType type) {
+    if (!members.isCurrent()) return broadcast(type);
+    for (members.rewind(Start::skip); members.valid(); members.next()) members.current()->send(type);
+}
+
+bool Property::modify(ItemReference value, PropertyModType type) {
+    JoinedPropertyIterator members(*this, Start::include);
+    bool const unchanged = validate(members, value);
+    if (type == ModifyAll) {
+        setValue(std::move(value));
+    } else {
+        store(std::move(value));
+        tell(members, type);
+    }
+    return unchanged;
+}
+
+bool Property::modify(ItemReference value) {
+    JoinedPropertyIterator members(*this, Start::include);
+    bool const unchanged = validate(members, value);
+    tell(members, ModifyStart);
+    store(std::move(value));
+    tell(members, ModifyPerform);
+    tell(members, ModifyEnd);
+    return unchanged;
+}
+
+void Property::store(ItemReference value) {
+    if (TxdProperty const* const transacted = JoinedData::asTxd(*this)) {
+        if (transacted->data()) transacted->data()->storeValue(std::move(value), TxdPropertyData::Propagate::yes);
+    } else if (UnTxdProperty const* const untransacted = JoinedData::asUnTxd(*this)) {
+        untransacted->data()->storeValue(std::move(value), UnTxdPropertyData::Propagate::yes);
+    }
+}
+
+}  // namespace nxSupport

@@ -1,0 +1,53 @@
+// The property that undo and redo bring back.
+#pragma once
+
+#include <cstdint>
+
+#include "foundation/nxTXN/RefCountedObject.h"
+#include "support/properties/Property.h"
+#include "support/properties/TxdPropertyData.h"
+
+namespace nxSupport {
+
+/// A property whose value, and whose membership in a joined set, are part of its manager's history.
+///
+/// Owned by the manager, held by reference. A reference that outlives the manager has no value any more. A property
+/// that is not part of the present state (`isTxnExtant`) is not told of changes and does not join.
+class NX_API TxdProperty final : public Property, public nxTXN::RefCountedObject {
+public:
+    TxdProperty(nxTXN::Manager& manager, urString::CString const& name);
+    TxdProperty(nxTXN::Manager& manager, urString::CString const& name, ItemReference value);
+    /// A member of those that share `data`.
+    TxdProperty(nxTXN::Manager& manager, urString::CString const& name, ur::Reference<TxdPropertyData> data);
+
+    [[nodiscard]] bool isTransacted() const override { return true; }
+    bool setValue(ItemReference value, PropertyModType type) override { return modify(std::move(value), type); }
+    bool setValue(ItemReference value) override { return modify(std::move(value)); }
+    [[nodiscard]] ItemReference value() const override { return data_ ? data_->value() : nullptr; }
+    void ref() const noexcept override { RefCountedObject::ref(); }
+    void unref() const noexcept override { RefCountedObject::unref(); }
+    [[nodiscard]] TxnModifiedSignal* txnModifiedSignal() override { return &txnModified_; }
+
+    /// The shared value; null only when the manager has gone.
+    [[nodiscard]] ur::Reference<TxdPropertyData> const& data() const noexcept { return data_; }
+    /// Moves this property to those that share `data`, and tells its own listeners all three stages.
+    void attachData(ur::Reference<TxdPropertyData> const& data);
+
+protected:
+    ~TxdProperty() override;
+
+    void onTransact(nxTXN::Serializer& serializer) override;
+    void onTxnModified() override;
+    void onTxnDestroyed() override;
+
+private:
+    friend class TxdPropertyData;
+    template <class Member>
+    friend class MemberList;
+
+    ur::Reference<TxdPropertyData> data_;
+    TxnModifiedSignal txnModified_;
+    std::uint32_t slot_ = 0;  // where its data's member list has it, most likely
+};
+
+}  // namespace nxSupport

@@ -1,0 +1,112 @@
+// Storing, mirroring and restoring a transacted value.
+#include "support/properties/TxdPropertyData.h"
+
+#include <cstdint>
+#include <exception>
+#include <initializer_list>
+#include <utility>
+
+#include "foundation/nxTXN/fields.h"
+#include "support/properties/TxdProperty.h"
+#include "support/properties/UnTxdProperty.h"
+#include "support/properties/impl/MemberWalk.h"
+
+namespace nxTXN {
+
+// The list triple: a 32-bit count, then the pointers.
+static void write(Writer& writer, nxSupport::MemberList<nxSupport::TxdProperty> const& members) {
+    auto const count = static_cast<std::uint32_t>(members.size());
+    writer.writeData(&count, sizeof count);
+    members.forEach([&writer](Object const& member) { writer.writePtr(&member); });
+}
+static void read(Reader& reader, nxSupport::MemberList<nxSupport::TxdProperty>& members) {
+    ur::vector<nxSupport::TxdProperty*> list;
+    read(reader, list);
+    members.assign(list);
+}
+static void clear(Clear& /*cleared*/, nxSupport::MemberList<nxSupport::TxdProperty>& members) { members.assign({}); }
+
+}  // namespace nxTXN
+
+namespace nxSupport {
+
+void TxdPropertyData::storeValue(ItemReference value, Propagate toTwin) {
+    nxTXN::Manager* const manager = txnManager();
+    if (!manager) return;
+    transact();
+    value_ = ur::make<nxTXN::ImmutableReference<nxPLST::Item const>>(*manager, value);
+    if (toTwin == Propagate::no) return;
+    if (UnTxdPropertyData* const twin = untxdTwin()) twin->storeValue(std::move(value), Propagate::no);
+}
+
+void TxdPropertyData::add(TxdProperty& property) {
+    transact();
+    properties_.add(property);
+}
+
+void TxdPropertyData::remove(TxdProperty& property) {
+    transact();
+    properties_.remove(property);
+}
+
+void TxdPropertyData::linkTwin(UnTxdPropertyData& untxdData) {
+    nxTXN::Manager* const manager = txnManager();
+    if (!manager) return;
+    transact();
+    twin_ = ur::make<TxdPropertyTwin>(*manager, *this, untxdData);
+}
+
+void TxdPropertyData::onTransact(nxTXN::Serializer& serializer) {
+    serializer.beginObject(this, &onRestore);
+    RefCountedObject::onTransact(serializer);
+    serializer.field(properties_);
+    serializer.field(value_);
+    serializer.field(twin_);
+    serializer.endObject(this);
+}
+
+void TxdPropertyData::onRestore(nxTXN::Object* object, nxTXN::Restorer& restorer) {
+    auto& data = static_cast<TxdPropertyData&>(*object);
+    ItemReference const before = data.value();
+    restorer.restore(object);
+    if (data.untxdTwin() && data.value() != before) data.mirrorRestored();
+}
+
+// Whatever listeners throw, both sides have the same value afterwards.
+void TxdPropertyData::mirrorRestored() {
+    impl::MemberWalk<UnTxdPropertyData> members(untxdTwin());
+    std::exception_ptr failure;
+    auto const tellAll = [&](std::initializer_list<PropertyModType> types) {
+        for (members.rewind(); members.valid(); members.next()) {
+            ur::Reference<Property> const member(members.member());
+            try {
+                for (PropertyModType const type : types) {
+                    if (member) member->send(type);
+                }
+            } catch (...) {
+                if (!failure) failure = std::current_exception();
+            }
+        }
+    };
+    tellAll({ModifyStart});
+    members.data()->storeValue(value(), Propagate::no);
+    tellAll({ModifyPerform, ModifyEnd});
+    if (failure) std::rethrow_exception(failure);
+}
+
+void TxdPropertyData::onTxnModified() {
+    RefCountedObject::onTxnModified();
+    for (impl::MemberWalk<TxdPropertyData> members(this); members.valid(); members.next()) {
+        ur::Reference<TxdProperty> const member(members.member());
+        if (member && member->isTxnExtant()) member->txnModified_.emit(member);
+    }
+}
+
+void TxdPropertyData::onTxnDestroyed() {
+    RefCountedObject::onTxnDestroyed();
+    transact();
+    if (twin_) twin_->sever();
+    twin_.reset();
+}
+
+}  // namespace nxSupport

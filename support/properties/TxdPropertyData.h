@@ -1,0 +1,55 @@
+// The value that transacted properties share.
+#pragma once
+
+#include "foundation/nxTXN/ImmutableReference.h"
+#include "foundation/nxTXN/RefCountedObject.h"
+#include "foundation/nxTXN/Serializer.h"
+#include "plst/Item.h"
+#include "support/properties/MemberList.h"
+#include "support/properties/TxdPropertyTwin.h"
+
+namespace nxSupport {
+
+class TxdProperty;
+class UnTxdPropertyData;
+
+/// One value in a manager's history, its transacted members, and the link to its untransacted twin.
+///
+/// A record of it holds the list of members, the reference to the value and the one to the twin: a pointer for each.
+class NX_API TxdPropertyData final : public nxTXN::RefCountedObject {
+public:
+    using ItemReference = ur::Reference<nxPLST::Item const>;
+    enum class Propagate : bool { no, yes };
+
+    explicit TxdPropertyData(nxTXN::Manager& manager) : RefCountedObject(manager) {}
+
+    /// Null when no value was ever stored.
+    [[nodiscard]] ItemReference value() const { return value_ ? value_->value() : nullptr; }
+    /// Stores without telling anyone, on the untransacted side as well if asked to.
+    void storeValue(ItemReference value, Propagate toTwin);
+
+    [[nodiscard]] MemberList<TxdProperty>& members() noexcept { return properties_; }
+    void add(TxdProperty& property);
+    /// Nothing when it is no member.
+    void remove(TxdProperty& property);
+
+    /// The twin; null when there is none.
+    [[nodiscard]] UnTxdPropertyData* untxdTwin() const noexcept { return twin_ ? twin_->untxdData() : nullptr; }
+    /// Makes the two store each other's values from now on. Requires: `untxdData` has no transacted twin.
+    void linkTwin(UnTxdPropertyData& untxdData);
+
+protected:
+    void onTransact(nxTXN::Serializer& serializer) override;
+    void onTxnModified() override;
+    void onTxnDestroyed() override;
+
+private:
+    static void onRestore(nxTXN::Object* object, nxTXN::Restorer& restorer);
+    void mirrorRestored();
+
+    MemberList<TxdProperty> properties_;
+    ur::Reference<nxTXN::ImmutableReference<nxPLST::Item const>> value_;
+    ur::Reference<TxdPropertyTwin> twin_;
+};
+
+}  // namespace nxSupport

@@ -1,0 +1,61 @@
+// Tests listen to properties and write down what they hear.
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "foundation/nxTXN/Manager.h"
+#include "plst/casts.h"
+#include "support/properties/Property.h"
+
+namespace nxSupport::test {
+
+using PropertyReference = ur::Reference<Property>;
+using Item = Property::ItemReference;
+
+inline Item number(double value) { return ur::make<nxPLST::Double>(value); }
+/// The number that a property holds, or -1.
+inline double numberOf(Property const& property) {
+    auto const item = nxPLST::asDouble(property.value());
+    return item ? item->value() : -1;
+}
+
+/// Listens to properties and keeps what it hears: "name:stage value", separated by spaces. Reading empties it.
+class Recorder {
+public:
+    void follow(PropertyReference const& property) {
+        handles_.push_back(property->subscribe([this](ur::Reference<Property const> const& told, PropertyModType type) {
+            static char const* const stages[] = {"start", "perform", "end"};
+            add(told, type <= ModifyEnd ? stages[type] : std::to_string(type));
+        }));
+        if (auto* const signal = property->txnModifiedSignal()) {
+            handles_.push_back(signal->addCallback([this](PropertyReference const& told) { add(told, "txn"); }));
+        }
+    }
+    std::string take() { return std::exchange(text_, {}); }
+    void clear() { text_.clear(); }
+    void stop() { handles_.clear(); }
+
+    bool values = false;  ///< whether the number at that moment is noted as well
+
+private:
+    void add(ur::Reference<Property const> const& property, std::string const& stage) {
+        if (!text_.empty()) text_ += ' ';
+        text_ += property->name().c_str();
+        text_ += ':' + stage;
+        if (values) text_ += '=' + std::to_string(static_cast<int>(numberOf(*property)));
+    }
+
+    std::string text_;
+    std::vector<urRTB::ScopedConnection> handles_;
+};
+
+template <class Change>
+void edit(nxTXN::Manager& manager, Change change) {
+    manager.begin("edit");
+    change();
+    manager.commit();
+}
+
+}  // namespace nxSupport::test

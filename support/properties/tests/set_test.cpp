@@ -1,0 +1,136 @@
+// Property sets, their values as dictionaries, and typed properties.
+#include "support/properties/Prop.h"
+#include "support/properties/savedValues.h"
+#include "support/properties/tests/Recorder.h"
+
+namespace nxSupport::test {
+namespace {
+
+std::string names(PropertySet const& set) {
+    std::string text;
+    for (auto const& [name, property] : set.getMap()) text += std::string(name) + " ";
+    return text;
+}
+
+TEST(PropertySet, HoldsOnePropertyUnderEachName) {
+    auto const set = ur::make<PropertySet>();
+    auto const first = Property::createUnTxd("b");
+    auto const second = Property::createUnTxd("b");
+    set->insert(first);
+    set->insert(Property::createUnTxd("a"));
+    set->insert(second);
+    set->insert(nullptr);
+    EXPECT_EQ(names(*set), "a b ");
+    EXPECT_EQ(set->find("b"), second);
+    EXPECT_EQ(set->find("B"), nullptr);
+}
+
+TEST(PropertySet, MergesWhatIsMissing) {
+    auto const set = ur::make<PropertySet>();
+    auto const other = ur::make<PropertySet>();
+    auto const mine = Property::createUnTxd("b");
+    set->insert(mine);
+    for (char const* const name : {"a", "b", "c"}) other->insert(Property::createUnTxd(name));
+    set->merge(other);
+    set->merge(set);
+    set->merge(nullptr);
+    EXPECT_EQ(names(*set), "a b c ");
+    EXPECT_EQ(set->find("b"), mine);
+    set->find("c")->setValue(number(3));
+    EXPECT_EQ(numberOf(*other->find("c")), 3);
+    EXPECT_NE(other->find("b"), mine);
+}
+
+TEST(SavedValues, ComeBackWithAReportOfWhatDidNotFit) {
+    auto const set = ur::make<PropertySet>();
+    for (char const* const name : {"new", "number", "point", "strict", "text"})
+        set->insert(Property::createUnTxd(name));
+    set->find("number")->setValue(number(1));
+    set->find("strict")->setValue(number(1));
+    set->find("text")->setValue(ur::make<nxPLST::String>("t"));
+    Prop<urLinear::Point>(set->find("point")).set({1, 2, 3});
+
+    auto const saved = saveValues(*set);
+    EXPECT_EQ(saved->size(), 4);
+    set->find("number")->setValue(number(5));
+    LoadReport const clean = loadValues(*set, *saved);
+    EXPECT_THAT(clean.missing, testing::ElementsAre("new"));
+    EXPECT_TRUE(clean.extra.empty() && clean.wrongShape.empty() && clean.corrected.empty() && !clean.complete());
+    EXPECT_EQ(numberOf(*set->find("number")), 1);
+
+    saved->insert("unknown", ur::make<nxPLST::Double>(1));
+    saved->insert("new", ur::make<nxPLST::Double>(7));
+    saved->insert("text", ur::make<nxPLST::Double>(2));
+    asArray(saved->find("point"))->insert(ur::make<nxPLST::Double>(4));
+    auto const handle =
+        set->find("strict")->subscribeValidation([](auto const&, Item& candidate) { candidate = number(9); });
+    LoadReport const report = loadValues(*set, *saved);
+    EXPECT_TRUE(report.missing.empty());
+    EXPECT_THAT(report.extra, testing::ElementsAre("unknown"));
+    EXPECT_THAT(report.wrongShape, testing::ElementsAre("point", "text"));
+    EXPECT_THAT(report.corrected, testing::ElementsAre("strict"));
+    EXPECT_EQ(numberOf(*set->find("new")), 7);
+    saved->find("new").reset();
+    asDouble(saved->find("new"))->set(8);
+    EXPECT_EQ(numberOf(*set->find("new")), 7);
+}
+
+/// Sets a value, reads it back, and finds values of other shapes to be none.
+template <class T>
+void expectTyped(T const& value, T const& fallback) {
+    auto property = Prop<T>::createUnTxd("p", value);
+    EXPECT_TRUE(property.isSet());
+    EXPECT_TRUE(property.get(fallback) == value);
+    EXPECT_TRUE(property.set(fallback));
+    EXPECT_TRUE(property.get() == fallback);
+    property.pty()->setValue(ur::make<nxPLST::Dictionary>());
+    EXPECT_FALSE(property.isSet());
+    EXPECT_TRUE(property.get(value) == value);
+}
+
+TEST(Prop, ReadsAndWritesEveryTypeThatHasAnItemShape) {
+    expectTyped(true, false);
+    expectTyped(1, 2);
+    expectTyped(1.5F, 2.5F);
+    expectTyped(0.1, 0.2);
+    expectTyped(urString::CString("a"), urString::CString("b"));
+    expectTyped(urString::IString("a"), urString::IString("b"));
+    expectTyped(urLinear::Point2(1, 2), urLinear::Point2(3, 4));
+    expectTyped(urLinear::Point(1, 2, 3), urLinear::Point(4, 5, 6));
+    expectTyped(urLinear::Vector(1, 2, 3), urLinear::Vector(4, 5, 6));
+    expectTyped(urLinear::Normal(1, 0, 0), urLinear::Normal(0, 1, 0));
+    expectTyped(urLinear::Quaternion(1, 2, 3, 4), urLinear::Quaternion());
+    expectTyped(urLinear::AffineMatrix(), urLinear::AffineMatrix(2.0));
+    expectTyped(urUtil::Color(0.5F, 0.25F, 0), urUtil::Color(1, 1, 1));
+    expectTyped(urUtil::Color8(1, 2, 3), urUtil::Color8(4, 5, 6));
+    expectTyped(BoundedDouble(1, 0, 2), BoundedDouble(2, 0, 2));
+    expectTyped(BoundedInt(1, 0, 2), BoundedInt(2, 0, 2));
+}
+
+TEST(Prop, TellsTypedListenersAndHoldsNothingAtFirst) {
+    Prop<double> none;
+    EXPECT_FALSE(none.isSet() || none.set(1) || none.set(1, ModifyPerform) || none.pty());
+    EXPECT_EQ(none.get(3), 3);
+
+    nxTXN::Manager manager;
+    auto slider = Prop<BoundedDouble>::createTxd(manager, "slider", BoundedDouble(1, 0, 10));
+    PropertyTBase const copy = slider;
+    EXPECT_EQ(copy.pty(), slider.pty());
+    Prop<BoundedDouble> label(slider.pty()->cloneUnTxd("label"));
+    std::string told;
+    auto const handle = label.subscribe([&told](BoundedDouble const& value, PropertyModType type) {
+        told += std::to_string(int(value.value())) + "/" + std::to_string(type) + " ";
+    });
+    slider.set(BoundedDouble(4, 0, 10));
+    slider.pty()->setValue(number(1));
+    EXPECT_EQ(told, "1/0 4/1 4/2 4/0 ");
+    slider.allocateUnTxd("other");
+    EXPECT_FALSE(slider.isSet() || slider.pty()->isTransacted());
+    slider.allocateTxd(manager, "third");
+    EXPECT_TRUE(slider.pty()->isTransacted());
+    slider.reset(nullptr);
+    EXPECT_FALSE(slider.pty());
+}
+
+}  // namespace
+}  // namespace nxSupport::test
