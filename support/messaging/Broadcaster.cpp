@@ -8,7 +8,9 @@ Broadcaster::SigBase::~SigBase() = default;
 
 Broadcaster::~Broadcaster() {
     if (delivery_) delivery_->cancel();
-    for (auto const& [message, channel] : channels_) channel->sigs.clear();
+    // One by one: the end of a callable is its owner's code, which may still broadcast or connect here.
+    for (auto const& [message, channel] : channels_)
+        while (!channel->sigs.empty()) channel->sigs.pop_front();
     for (bool* flag : firstTimeFlags_) *flag = true;
 }
 

@@ -1,6 +1,7 @@
 // Who is called when, and what subscribers may do meanwhile.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <optional>
 
 #include "support/messaging/PreClearResourcesMsg.h"
@@ -94,6 +95,21 @@ TEST(Broadcaster, MayBeDestroyedByASubscriber) {
     EXPECT_TRUE(inner);
     EXPECT_TRUE(flag);
     EXPECT_FALSE(last.get().connected());
+}
+
+TEST(Broadcaster, MayBeUsedByWhatGoesWithIt) {
+    std::string heard;
+    {
+        Broadcaster broadcaster;
+        std::shared_ptr<void> parting(&heard, [&](void*) {
+            heard = sent(broadcaster);
+            broadcaster.connect(at(9, 0), noteC);
+        });
+        broadcaster.connect({}, noteA);
+        broadcaster.sigFor<Note>(at(1, 0)).addCallback(
+            [held = std::move(parting)](Note& note) { note.text += held ? "!" : "?"; });
+    }
+    EXPECT_EQ(heard, "A");
 }
 
 TEST(SubscribeFirstTime, SubscribesOnceToEachBroadcasterThatThereIs) {
