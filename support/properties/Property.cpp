@@ -34,7 +34,7 @@ bool Property::validate(JoinedPropertyIterator& members, ItemReference& candidat
     for (members.rewind(Start::include); members.valid(); members.next()) {
         ur::Reference<Property const> const member = members.current();
         if (!member->validationSignal_.hasConnections()) continue;
-        ItemReference const before = candidate;
+        ItemReference const before(candidate.get());
         member->validationSignal_.emit(member, candidate);
         return candidate == before;
     }

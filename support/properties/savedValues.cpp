@@ -18,7 +18,8 @@ LoadReport loadValues(PropertySet& set, nxPLST::Dictionary const& values) {
     for (auto const& [name, value] : values.dictionary()) {
         if (!set.find(name)) report.extra.push_back(name);
     }
-    PropertySet::Map const properties = set.getMap();  // listeners may change the set
+    // A copy, since listeners may change the set.
+    PropertySet::Map const properties(set.getMap().begin(), set.getMap().end());
     for (auto const& [name, property] : properties) {
         auto const value = values.find(name);
         if (!value) {

@@ -164,7 +164,9 @@ void Lifetimes::abandonUnborn(std::uint32_t begin, std::uint32_t end) noexcept {
     Deferral const deferral(*this);
     for (std::uint32_t i = begin; i < end; ++i) {
         Entry& entry = roster_[i];
-        if (!entry.object || !entry.unborn || !entry.counted) continue;
+        if (!entry.object || !entry.unborn) continue;
+        entry.born = false;  // no step around this one may do its making again
+        if (!entry.counted) continue;
         auto& object = static_cast<RefCountedObject&>(*entry.object);
         if (object.references_ > 0) continue;
         die(entry);

@@ -107,6 +107,20 @@ TEST_F(History, NestsTransactions) {
     EXPECT_EQ(node->value() * 10 + other->value(), 22);
 }
 
+TEST_F(History, WhatAnInnerTransactionMadeAndTookBackIsNoPartOfTheOuterOne) {
+    NodeReference made;
+    manager.begin("Outer");
+    manager.begin("Inner");
+    made = ur::make<Node>(manager, "made");
+    manager.abort();
+    manager.commit();
+    EXPECT_EQ(names(), "|");
+    set(1);
+    manager.undo();
+    manager.redo();
+    EXPECT_FALSE(made->isTxnExtant());
+}
+
 TEST_F(History, RecordsOnlyRecordedTransactions) {
     struct Case {
         TransactionKind kind;
