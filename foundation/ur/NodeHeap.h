@@ -7,7 +7,8 @@
 
 namespace ur {
 
-/// Storage of `bytes` bytes, aligned for any object of up to 8-byte alignment. Throws `std::bad_alloc`.
+/// Storage of `bytes` bytes, aligned for any object of that size that plain `new` would do for. Throws
+/// `std::bad_alloc`.
 ///
 /// Made for trees of small nodes: sizes up to 256 bytes come from regions that hold one size each, cost no
 /// header per node and lie in the order in which they were asked for. Any thread may take a node, any other

@@ -37,6 +37,15 @@ public:
         if (next_) next_->previous_ = previous_;
         next_ = previous_ = nullptr;
     }
+    /// Takes this node to the place directly before `position`. Requires: both in one circular list, and not the same.
+    void moveBefore(LinkedListNode& position) noexcept {
+        previous_->next_ = next_;
+        next_->previous_ = previous_;
+        next_ = &position;
+        previous_ = position.previous_;
+        previous_->next_ = this;
+        position.previous_ = this;
+    }
 
 private:
     /// Either may be null: the open end of a list without a sentinel.

@@ -50,6 +50,8 @@ struct Region {
     }
 };
 
+static_assert(sizeof(Region) % 16 == 0, "nodes of a multiple of 16 bytes lie on multiples of 16");
+
 /// Cuts regions from larger chunks; a chunk goes back to the system when all its regions are back. Any thread.
 class RegionSource {
 public:

@@ -31,7 +31,10 @@ TEST(LinkedListNode, CircularListFollowsAPlainVector) {
     for (int step = 0; step < 5000; ++step) {
         Page& page = pages[random() % pages.size()];
         auto const place = std::find(model.begin(), model.end(), &page);
-        if (place != model.end()) {
+        if (place != model.end() && random() % 2) {
+            page.moveBefore(sentinel);
+            std::rotate(place, place + 1, model.end());
+        } else if (place != model.end()) {
             page.unlink();
             model.erase(place);
             ASSERT_TRUE(!page.next() && !page.previous());
