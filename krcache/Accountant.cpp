@@ -35,20 +35,9 @@ void Accountant::endInteraction() {
     hotSet_.clear();
 }
 
-void Accountant::resourceCreated(Shim* shim) {
-    if (shim->isResourceLocked()) addLocked(shim->size_);
-}
-
 void Accountant::resourceLocked(Shim* shim) { addLocked(shim->size_); }
 
 void Accountant::resourceUnlocked(Shim* shim) noexcept { lockedSize_ -= shim->size_; }
-
-void Accountant::resourceCleared(Shim* shim) noexcept {
-    if (shim->isResourceLocked()) lockedSize_ -= shim->size_;
-    if (!shim->hot_) return;
-    if (inInteraction_) hotSize_ -= shim->size_;
-    cool(*shim);
-}
 
 void Accountant::addExternal(unsigned bytes) {
     debugChannel().print("Creating a %.02fMB external resource.\n", megabytes(bytes));
@@ -76,6 +65,11 @@ void Accountant::makeHot(Shim& shim) {
     hotSet_.insert(&shim);
     shim.hot_ = true;
     addHot(shim.size_);
+}
+
+void Accountant::forgetHot(Shim& shim) noexcept {
+    if (inInteraction_) hotSize_ -= shim.size_;
+    cool(shim);
 }
 
 void Accountant::cool(Shim& shim) noexcept {

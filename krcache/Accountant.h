@@ -30,11 +30,16 @@ public:
     void resourceAccessed(Shim* shim) {
         if (inInteraction_ && !shim->hot_) makeHot(*shim);
     }
-    void resourceCreated(Shim* shim);
+    void resourceCreated(Shim* shim) {
+        if (shim->isResourceLocked()) addLocked(shim->size_);
+    }
     void resourceLocked(Shim* shim);
     void resourceUnlocked(Shim* shim) noexcept;
     /// The resource leaves memory: dropped or paged out.
-    void resourceCleared(Shim* shim) noexcept;
+    void resourceCleared(Shim* shim) noexcept {
+        if (shim->isResourceLocked()) lockedSize_ -= shim->size_;
+        if (shim->hot_) forgetHot(*shim);
+    }
 
     /// Bytes that other code takes count as locked and as hot.
     void addExternal(unsigned bytes);
@@ -47,6 +52,7 @@ private:
     friend class ManagerImpl;
 
     void makeHot(Shim& shim);
+    void forgetHot(Shim& shim) noexcept;
     void cool(Shim& shim) noexcept;
     void addHot(std::int64_t bytes) noexcept;
     void addLocked(std::int64_t bytes);

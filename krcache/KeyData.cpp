@@ -34,11 +34,4 @@ int KeyData::compare(KeyData const* other) const {
 
 unsigned KeyData::getTypeHash() const { return ur::hashfunction(typeid(*this).name()); }
 
-void KeyData::initializeResource(ur::Reference<Resource> resource) const { onInitializeResource(std::move(resource)); }
-
-void KeyData::resourceCleared() {
-    onResourceCleared();
-    resourceClearedSignal.emit();
-}
-
 }  // namespace urKRCache

@@ -1,7 +1,11 @@
 // The description of a resource: what it is called and how it is built.
 #pragma once
 
+#include <cstddef>
+#include <utility>
+
 #include "foundation/ur/Export.h"
+#include "foundation/ur/NodeHeap.h"
 #include "foundation/ur/Reference.h"
 #include "foundation/ur/ReferenceCount.h"
 #include "foundation/urRTB/Signal.h"
@@ -9,6 +13,8 @@
 #include "krcache/Resource.h"
 
 namespace urKRCache {
+
+class ManagerImpl;
 
 /// Names one resource and knows how to build it. Modules derive their own keys.
 ///
@@ -22,6 +28,9 @@ public:
     urRTB::Signal<> resourceClearedSignal;
 
     ~KeyData() override;
+
+    static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
+    static void operator delete(void* key, std::size_t bytes) noexcept { ur::deallocateNode(key, bytes); }
 
     /// Whether `getPredeterminedSize` tells how large the resource will be, so that room can be made first.
     [[nodiscard]] virtual bool hasPredeterminedSize() const;
@@ -61,11 +70,17 @@ private:
     friend class ManagerImpl;
 
     [[nodiscard]] ur::Reference<Resource> createResource() const { return onCreateResource(); }
-    void initializeResource(ur::Reference<Resource> resource) const;
+    void initializeResource(ur::Reference<Resource> resource) const { onInitializeResource(std::move(resource)); }
     void keyRemoved() { onKeyRemoved(); }
-    void resourceCleared();
+    void resourceCleared() {
+        onResourceCleared();
+        resourceClearedSignal.emit();
+    }
     void visitSubKeys(KeyVisitor& visitor) const { onVisitSubKeys(visitor); }
 
+    // The shim that was made for this very key, and by whom: found again without the table.
+    mutable Shim* shim_ = nullptr;
+    mutable ManagerImpl const* shimOwner_ = nullptr;
     mutable unsigned cachedHash_ = 0;
 };
 

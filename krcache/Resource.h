@@ -1,7 +1,10 @@
 // A piece of derived data that the cache keeps.
 #pragma once
 
+#include <cstddef>
+
 #include "foundation/ur/Export.h"
+#include "foundation/ur/NodeHeap.h"
 #include "foundation/ur/ReferenceCount.h"
 
 namespace urOS {
@@ -20,6 +23,9 @@ public:
     Resource() noexcept : Resource(false) {}
     explicit Resource(bool isProxy) noexcept : isProxy_(isProxy) {}
     ~Resource() override;
+
+    static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
+    static void operator delete(void* resource, std::size_t bytes) noexcept { ur::deallocateNode(resource, bytes); }
 
     /// 0 for a proxy, which is not asked.
     [[nodiscard]] unsigned getSizeInBytes() const { return isProxy_ ? 0 : onGetSizeInBytes(); }

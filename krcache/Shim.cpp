@@ -10,13 +10,13 @@
 namespace urKRCache {
 
 Shim::Shim(Manager& manager, ur::Reference<KeyData> key, KeyType type)
-    : manager_(&manager),
-      size_(key->hasPredeterminedSize() ? key->getPredeterminedSize() : 0),
+    : key_(std::move(key)),
+      manager_(&manager),
+      size_(key_->hasPredeterminedSize() ? key_->getPredeterminedSize() : 0),
       keyType_(type),
-      residential_(key->isResidential()),
-      key_(std::move(key)) {}
+      residential_(key_->isResidential()) {}
 
-Shim::~Shim() = default;
+Shim::~Shim() { static_assert(sizeof(Shim) <= nodeSize); }
 
 void Shim::lastUnref() const noexcept {
     ++strongCount_;
@@ -28,13 +28,27 @@ void Shim::lastUnref() const noexcept {
     --strongCount_;
 }
 
+Shim::Relatives& Shim::relatives() {
+    if (!relatives_) relatives_ = std::make_unique<Relatives>();
+    return *relatives_;
+}
+
+std::span<Shim::Link const> Shim::children() const noexcept {
+    return relatives_ ? std::span<Link const>(relatives_->children) : std::span<Link const>();
+}
+
+std::span<Shim::Link const> Shim::parents() const noexcept {
+    return relatives_ ? std::span<Link const>(relatives_->parents) : std::span<Link const>();
+}
+
 void Shim::addChild(Shim& child) {
-    auto const place = static_cast<std::uint32_t>(children_.size());
-    children_.push_back({&child, static_cast<std::uint32_t>(child.parents_.size())});
+    ur::vector<Link>& children = relatives().children;
+    ur::vector<Link>& back = child.relatives().parents;
+    children.push_back({&child, static_cast<std::uint32_t>(back.size())});
     try {
-        child.parents_.push_back({this, place});
+        back.push_back({this, static_cast<std::uint32_t>(children.size() - 1)});
     } catch (...) {
-        children_.pop_back();
+        children.pop_back();
         throw;
     }
     child.weakRef();
@@ -43,43 +57,44 @@ void Shim::addChild(Shim& child) {
 // In place: cutting one link may move the mirror of the next, when both lead to the same child.
 ur::vector<ur::Reference<Shim>> Shim::cutChildren() {
     ur::vector<ur::Reference<Shim>> former;
-    former.reserve(children_.size());
-    for (Link const& link : children_) {
+    former.reserve(children().size());
+    for (Link const& link : children()) {
         if (!link.shim) continue;
         former.emplace_back(link.shim);
         link.shim->forgetParent(link.mirror);
     }
-    children_.clear();
+    if (relatives_) relatives_->children.clear();
     return former;
 }
 
 // The place in the parent's list stays, empty: the parent goes next, and others may have noted their places in it.
 ur::vector<ur::Reference<Shim>> Shim::cutParents() {
     ur::vector<ur::Reference<Shim>> former;
-    former.reserve(parents_.size() - cutParents_);
-    for (Link const& link : std::exchange(parents_, {})) {
+    if (!hasParents()) return former;
+    for (Link const& link : std::exchange(relatives_->parents, {})) {
         if (!link.shim) continue;
-        link.shim->children_[link.mirror].shim = nullptr;
+        link.shim->relatives_->children[link.mirror].shim = nullptr;
         former.emplace_back(link.shim);
     }
-    cutParents_ = 0;
+    relatives_->cutParents = 0;
     return former;
 }
 
 void Shim::forgetParent(std::uint32_t place) noexcept {
-    parents_[place].shim = nullptr;
-    if (++cutParents_ * 2 > parents_.size()) compactParents();
+    relatives_->parents[place].shim = nullptr;
+    if (++relatives_->cutParents * 2 > relatives_->parents.size()) compactParents();
 }
 
 void Shim::compactParents() noexcept {
+    ur::vector<Link>& parents = relatives_->parents;
     std::uint32_t kept = 0;
-    for (Link const link : parents_) {
+    for (Link const link : parents) {
         if (!link.shim) continue;
-        link.shim->children_[link.mirror].mirror = kept;
-        parents_[kept++] = link;
+        link.shim->relatives_->children[link.mirror].mirror = kept;
+        parents[kept++] = link;
     }
-    parents_.erase(parents_.begin() + kept, parents_.end());
-    cutParents_ = 0;
+    parents.erase(parents.begin() + kept, parents.end());
+    relatives_->cutParents = 0;
 }
 
 }  // namespace urKRCache

@@ -3,8 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <span>
 
 #include "foundation/ur/Export.h"
+#include "foundation/ur/NodeHeap.h"
 #include "foundation/ur/Reference.h"
 #include "foundation/ur/containers.h"
 #include "foundation/urUtil/LinkedListNode.h"
@@ -55,35 +58,49 @@ public:
     /// Null once the key has been removed.
     [[nodiscard]] Manager* manager() const noexcept { return manager_; }
 
-    static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
-    static void operator delete(void* shim, std::size_t bytes) noexcept { ur::deallocateNode(shim, bytes); }
+    static void* operator new(std::size_t /*bytes*/) { return ur::allocateNode(nodeSize); }
+    static void operator delete(void* shim) noexcept { ur::deallocateNode(shim, nodeSize); }
 
 private:
     friend class Accountant;
     friend class KeyTable;
     friend class ManagerImpl;
 
+    /// Whole cache lines, so that what an access needs, the first one, is not spread over two.
+    static constexpr std::size_t nodeSize = 128;
+
     /// A relative, and the place of the link back in the relative's own list. Null where it has been cut.
     struct Link {
         Shim* shim;
         std::uint32_t mirror;
     };
+    /// Most shims have none: then this costs one pointer.
+    struct Relatives {
+        ur::vector<Link> children;
+        ur::vector<Link> parents;
+        std::uint32_t cutParents = 0;  ///< links among the parents that have been cut
+    };
 
     Shim(Manager& manager, ur::Reference<KeyData> key, KeyType type);
 
     void lastUnref() const noexcept;
+    Relatives& relatives();
+    [[nodiscard]] std::span<Link const> children() const noexcept;
+    [[nodiscard]] std::span<Link const> parents() const noexcept;
+    [[nodiscard]] bool hasParents() const noexcept {
+        return relatives_ && relatives_->cutParents < relatives_->parents.size();
+    }
     void addChild(Shim& child);
-    [[nodiscard]] bool hasParents() const noexcept { return cutParents_ < parents_.size(); }
     /// Cuts all links on one side, at both ends, and tells whom they led to, in order.
     ur::vector<ur::Reference<Shim>> cutChildren();
     ur::vector<ur::Reference<Shim>> cutParents();
     void forgetParent(std::uint32_t place) noexcept;
     void compactParents() noexcept;
 
-    // What an access needs lies together, in front.
+    // What looking up and accessing need fills one cache line, together with the links of the list.
+    ur::Reference<KeyData> key_;
     ur::Reference<Resource> resource_;
     PageFileEntry* pageEntry_ = nullptr;  ///< where the payload is while it is not in memory
-    Manager* manager_;
     mutable std::int32_t strongCount_ = 0;
     mutable std::int32_t weakCount_ = 0;
     std::int32_t lockCount_ = 0;
@@ -91,17 +108,15 @@ private:
     bool building_ = false;  ///< being built or read back: accesses from inside find nothing
     bool paging_ = false;    ///< a stream is open on the chunk
     bool removing_ = false;  ///< a removal is under way or waits for its turn
-    std::uint32_t size_;     ///< in bytes: expected at first, then as measured last
+    Manager* manager_;
+    std::uint32_t size_;  ///< in bytes: expected at first, then as measured last
     KeyType keyType_;
     bool residential_;
     bool serializable_ = false;
-    std::uint32_t hash_ = 0;        ///< by which the manager's table finds it again
-    std::uint32_t serial_ = 0;      ///< tells shims apart in dumps and traces
-    std::uint32_t cutParents_ = 0;  ///< links among the parents that have been cut
-    ClassUsage* usage_ = nullptr;   ///< what the resources of this class of keys take
-    ur::Reference<KeyData> key_;
-    ur::vector<Link> children_;
-    ur::vector<Link> parents_;
+    std::uint32_t hash_ = 0;       ///< by which the manager's table finds it again
+    std::uint32_t serial_ = 0;     ///< tells shims apart in dumps and traces
+    ClassUsage* usage_ = nullptr;  ///< what the resources of this class of keys take
+    std::unique_ptr<Relatives> relatives_;
 };
 
 }  // namespace urKRCache

@@ -11,10 +11,10 @@ namespace urKRCache {
 /// The resources of one class of keys.
 struct ClassUsage {
     ur::TypeInfo keyClass;
-    std::uint64_t resources = 0;  ///< in memory now
     std::uint64_t bytes = 0;      ///< in memory now, as measured when they were built or read back
-    std::uint64_t builds = 0;
-    double buildSeconds = 0;  ///< spent in `onCreateResource`, sources built on the way included
+    std::uint64_t builds = 0;     ///< calls of `onCreateResource`
+    std::uint64_t resources = 0;  ///< in memory now
+    double buildSeconds = 0;      ///< in the builds, with the sources built on the way; beyond sixteen an estimate
 };
 
 /// Counts since the manager was made, unless said otherwise. A value.

@@ -46,6 +46,10 @@ bool takeEntry(std::string_view& text, Entry& entry) {
 
 }  // namespace
 
+void TraceRecorder::record(Event event, std::uint32_t key, std::uint32_t size) {
+    entries_.push_back({key, size, event});
+}
+
 urUtil::Error TraceRecorder::write(urOS::IOStream& stream) const {
     urOS::OStream out(stream);
     for (Entry const& entry : entries_) {

@@ -25,7 +25,7 @@ public:
         friend bool operator==(Entry const&, Entry const&) = default;
     };
 
-    void record(Event event, std::uint32_t key, std::uint32_t size) { entries_.push_back({key, size, event}); }
+    void record(Event event, std::uint32_t key, std::uint32_t size);
     [[nodiscard]] ur::vector<Entry> const& entries() const noexcept { return entries_; }
     void clear() noexcept { entries_.clear(); }
 

@@ -29,9 +29,7 @@ public:
     }
     /// Makes a shim of the list the most recently used.
     void touch(Shim& shim) noexcept {
-        if (shim.next() == &sentinel_) return;
-        shim.unlink();
-        shim.insertBefore(sentinel_);
+        if (shim.next() != &sentinel_) shim.moveBefore(sentinel_);
     }
 
     /// The list from its head on.

@@ -31,25 +31,29 @@ public:
 
     // Finding and building (access.cpp)
     ur::Reference<Shim> createShim(ur::Reference<KeyData> const& key, Shim::KeyType type);
-    [[nodiscard]] Shim* find(KeyData const& key) const { return table_.find(key); }
+    [[nodiscard]] Shim* find(KeyData const& key) const { return key.shimOwner_ == this ? key.shim_ : table_.find(key); }
     ur::Reference<Resource> access(Shim& shim) {
         if (!shim.isResourceAllocated()) [[unlikely]]
             return accessAbsent(shim);
         if (shim.lockCount_ <= 0) lru_.touch(shim);
         ++statistics_.hits;
-        accountant_.resourceAccessed(&shim);
-        if (trace_) [[unlikely]]
-            record(TraceRecorder::Event::hit, shim);
+        if (isWatched_) [[unlikely]]
+            noteHit(shim);
         return shim.resource_;
     }
 
     // Room and limits (limits.cpp)
-    void enforceMemoryLimit(std::uint64_t incoming);
+    void enforceMemoryLimit(std::uint64_t incoming) {
+        if (limit_ == 0) return;
+        if (useResidentSize_) sampleResidentSize(incoming);
+        // Asked for by a hook that eviction has called: the eviction under way goes on until the limit is kept.
+        if (isOverLimit() && evicting_ == Evicting::no) evict();
+    }
     void clear();
     void clear(Shim& shim) { clearOrPageOut(shim, Cause::request); }
     void lock(Shim& shim);
     void unlock(Shim& shim);
-    void startInteraction() noexcept { accountant_.startInteraction(); }
+    void startInteraction() noexcept;
     void endInteraction();
     void setMemoryLimit(std::uint64_t bytes);
     void setUseResidentSize();
@@ -57,7 +61,7 @@ public:
     void allocatingExternal(unsigned bytes);
     void deletedExternal(unsigned bytes);
     [[nodiscard]] std::uint64_t limit() const noexcept { return limit_; }
-    [[nodiscard]] std::uint64_t used() const noexcept { return used_; }
+    [[nodiscard]] std::uint64_t used() const noexcept { return used_ + reserved_; }
 
     // Removal (removal.cpp)
     void remove(Shim& shim);
@@ -67,7 +71,7 @@ public:
 
     void setSerializable(Shim& shim) noexcept { shim.serializable_ = true; }
     void setClearCheck(bool clearCheck) noexcept { clearCheck_ = clearCheck; }
-    void setTraceRecorder(TraceRecorder* recorder) noexcept { trace_ = recorder; }
+    void setTraceRecorder(TraceRecorder* recorder) noexcept;
 
     // Telling (usage.cpp, dependencies.cpp, audit.cpp)
     [[nodiscard]] std::size_t keyCount() const noexcept { return table_.size(); }
@@ -78,7 +82,7 @@ public:
     void printDependenciesAsDot(urOS::OStream& out) const;
 
 private:
-    enum class Cause { limit, request, removal, pageFailure, buildFailure };
+    enum class Cause : std::size_t { limit, request, removal, pageFailure, buildFailure };
     /// Whether hooks that eviction calls may build resources.
     enum class Evicting { no, hooksMayBuild, hooksMayNotBuild };
 
@@ -97,9 +101,13 @@ private:
 
     // access.cpp
     ur::Reference<Resource> accessAbsent(Shim& shim);
+    void noteHit(Shim& shim);
+    void watch() noexcept { isWatched_ = accountant_.inInteraction_ || trace_; }
     bool createResource(Shim& shim);
+    static ur::Reference<Resource> buildTimed(KeyData const& key, ClassUsage& usage);
     void linkSources(Shim& shim, KeyData const& key);
     void withdraw(Shim& shim) noexcept;
+    ur::Reference<Shim> takeFromTable(Shim& shim) noexcept;
     ClassUsage& usageOf(KeyData const& key);
     [[nodiscard]] bool isAttached(Shim const& shim) const noexcept { return shim.manager_ && !shim.removing_; }
 
@@ -115,17 +123,18 @@ private:
     void takeFromUsed(Shim& shim) noexcept;
     void makeSpace(std::uint64_t bytes, bool residential);
     void sampleResidentSize(std::uint64_t incoming);
-    [[nodiscard]] bool isOverLimit() const noexcept { return limit_ != 0 && used_ + otherResident_ > limit_; }
+    void measureOtherResident();
+    [[nodiscard]] bool isOverLimit() const noexcept { return limit_ != 0 && used() + otherResident_ > limit_; }
     void evict();
     void evictHead();
     void clearOrPageOut(Shim& shim, Cause cause);
+    void leaveMemory(Shim& shim, Cause cause);
     void clearAllocated(Shim& shim, Cause cause);
     ur::Reference<Resource> takeResource(Shim& shim, Cause cause);
     void dropResource(Shim& shim, Cause cause);
     void reportExcess() const;
     void checkPeak(std::int64_t peak, char const* message) const;
     void applyMemoryLimit(std::uint64_t bytes);
-    void count(Cause cause) noexcept;
 
     // paging.cpp
     void pageOut(Shim& shim);
@@ -155,7 +164,8 @@ private:
     [[nodiscard]] std::size_t pagedOutCount() const;
 
     void record(TraceRecorder::Event event, Shim const& shim) {
-        if (trace_) trace_->record(event, shim.serial_, shim.size_);
+        if (trace_) [[unlikely]]
+            trace_->record(event, shim.serial_, shim.size_);
     }
 
     Manager& manager_;
@@ -163,21 +173,23 @@ private:
     KeyTable table_;
     PageFile pageFile_;
     Accountant accountant_;
-    std::uint64_t used_ = 0;             ///< in memory, and what room is being made for
-    std::uint64_t residentialUsed_ = 0;  ///< the part of it that shows in the resident size
-    std::uint64_t reserved_ = 0;         ///< what room is being made for
-    std::uint64_t residentialReserved_ = 0;
-    std::uint64_t otherResident_ = 0;  ///< resident, but not ours, at the last sample
+    std::uint64_t used_ = 0;  ///< by the resources in memory
     std::uint64_t limit_ = 0;
+    std::uint64_t reserved_ = 0;         ///< what room is being made for
+    std::uint64_t otherResident_ = 0;    ///< resident, but not ours, at the last sample
+    std::uint64_t residentialUsed_ = 0;  ///< the part of what is used that shows in the resident size
+    std::uint64_t residentialReserved_ = 0;
     std::uint64_t limitDebt_ = 0;  ///< external bytes that the limit was too small to give up
     std::uint64_t bytesSinceSample_ = 0;
+    bool isWatched_ = false;  ///< someone wants to know of hits
     bool useResidentSize_ = false;
     bool clearCheck_ = false;
     bool dying_ = false;
     bool pageFileTold_ = false;  ///< that there is no page file
     Evicting evicting_ = Evicting::no;
     TraceRecorder* trace_ = nullptr;
-    Statistics statistics_;  ///< without what is computed on demand
+    Statistics statistics_;          ///< without what is computed on demand
+    std::uint64_t cleared_[5] = {};  ///< by cause
     std::unordered_map<ur::TypeInfo, ClassUsage> usages_;
     ClassUsage* lastUsage_ = nullptr;
     std::uint32_t nextSerial_ = 0;

@@ -21,6 +21,9 @@ private:
     ur::vector<ur::Reference<Shim>>* shims_;
 };
 
+constexpr std::uint64_t timedBuilds = 16;      ///< at first, all of them
+constexpr std::uint64_t buildsPerSample = 64;  ///< then one of so many
+
 }  // namespace
 
 ManagerImpl::ManagerImpl(Manager& manager, urString::IString const& folder)
@@ -39,6 +42,8 @@ ur::Reference<Shim> ManagerImpl::createShim(ur::Reference<KeyData> const& key, S
     shim->serial_ = nextSerial_++;
     shim->usage_ = &usageOf(*key);
     table_.insert(*shim);
+    key->shim_ = shim.get();
+    key->shimOwner_ = this;
     try {
         linkSources(*shim, *key);
     } catch (...) {
@@ -62,10 +67,15 @@ void ManagerImpl::linkSources(Shim& shim, KeyData const& key) {
 
 /// Takes back a shim that nobody has seen yet.
 void ManagerImpl::withdraw(Shim& shim) noexcept {
-    ur::Reference<Shim> const held = table_.take(shim);
+    ur::Reference<Shim> const held = takeFromTable(shim);
     shim.manager_ = nullptr;
     shim.cutChildren();
     ur::Reference<KeyData> const key = std::move(shim.key_);
+}
+
+ur::Reference<Shim> ManagerImpl::takeFromTable(Shim& shim) noexcept {
+    if (shim.key_->shim_ == &shim) shim.key_->shimOwner_ = nullptr;
+    return table_.take(shim);
 }
 
 ClassUsage& ManagerImpl::usageOf(KeyData const& key) {
@@ -75,6 +85,16 @@ ClassUsage& ManagerImpl::usageOf(KeyData const& key) {
         lastUsage_->keyClass = keyClass;
     }
     return *lastUsage_;
+}
+
+void ManagerImpl::noteHit(Shim& shim) {
+    accountant_.resourceAccessed(&shim);
+    record(TraceRecorder::Event::hit, shim);
+}
+
+void ManagerImpl::setTraceRecorder(TraceRecorder* recorder) noexcept {
+    trace_ = recorder;
+    watch();
 }
 
 ur::Reference<Resource> ManagerImpl::accessAbsent(Shim& shim) {
@@ -87,15 +107,24 @@ ur::Reference<Resource> ManagerImpl::accessAbsent(Shim& shim) {
     return shim.resource_;
 }
 
+/// Looking at the clock takes as long as a small build: of many builds, a few stand for all.
+ur::Reference<Resource> ManagerImpl::buildTimed(KeyData const& key, ClassUsage& usage) {
+    std::uint64_t const build = usage.builds++;
+    bool const isSample = build % buildsPerSample == 0;
+    if (build >= timedBuilds && !isSample) return key.createResource();
+    urOS::StopWatch watch;
+    watch.start();
+    ur::Reference<Resource> built = key.createResource();
+    usage.buildSeconds += watch.elapsed() * (build < timedBuilds ? 1 : buildsPerSample);
+    return built;
+}
+
 // False when nothing was built, or the shim was removed meanwhile.
 bool ManagerImpl::createResource(Shim& shim) {
     makeSpace(shim.size_, shim.residential_);
     if (!isAttached(shim)) return false;
     ur::Reference<KeyData> const key = shim.key_;
-    urOS::StopWatch watch;
-    watch.start();
-    ur::Reference<Resource> built = key->createResource();
-    shim.usage_->buildSeconds += watch.elapsed();
+    ur::Reference<Resource> built = buildTimed(*key, *shim.usage_);
     if (!built) {
         ++statistics_.buildsWithout;
         return false;
@@ -103,7 +132,6 @@ bool ManagerImpl::createResource(Shim& shim) {
     unsigned const size = built->getSizeInBytes();
     if (!isAttached(shim)) return false;
     ++statistics_.builds;
-    ++shim.usage_->builds;
     if (shim.keyType_ == Shim::Retained) shim.ref();
     shim.resource_ = std::move(built);
     link(shim);

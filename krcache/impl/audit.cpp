@@ -38,27 +38,22 @@ char const* ManagerImpl::faultOf(Shim const& shim) const {
 }
 
 char const* ManagerImpl::faultOfLinks(Shim const& shim) const {
-    auto const mirrors = [](Shim::Link const& back, Shim const& to, std::size_t place) {
-        return back.shim == &to && back.mirror == place;
+    auto const mirrors = [](std::span<Shim::Link const> links, std::size_t place, Shim const& to, std::size_t back) {
+        return place < links.size() && links[place].shim == &to && links[place].mirror == back;
     };
-    for (std::size_t i = 0; i < shim.children_.size(); ++i) {
-        auto const [child, place] = shim.children_[i];
+    for (std::size_t i = 0; i < shim.children().size(); ++i) {
+        auto const [child, place] = shim.children()[i];
         if (!child) return "has lost a child, but lives on";
-        if (place >= child->parents_.size() || !mirrors(child->parents_[place], shim, i)) {
-            return "is not a parent of its child";
-        }
+        if (!mirrors(child->parents(), place, shim, i)) return "is not a parent of its child";
         if (child->manager_ != &manager_) return "has a child that has been removed";
     }
     std::uint32_t cut = 0;
-    for (std::size_t i = 0; i < shim.parents_.size(); ++i) {
-        auto const [parent, place] = shim.parents_[i];
+    for (std::size_t i = 0; i < shim.parents().size(); ++i) {
+        auto const [parent, place] = shim.parents()[i];
+        if (parent && !mirrors(parent->children(), place, shim, i)) return "is not a child of its parent";
         cut += parent ? 0 : 1;
-        if (!parent) continue;
-        if (place >= parent->children_.size() || !mirrors(parent->children_[place], shim, i)) {
-            return "is not a child of its parent";
-        }
     }
-    return cut == shim.cutParents_ ? nullptr : "miscounts its parents";
+    return !shim.relatives_ || cut == shim.relatives_->cutParents ? nullptr : "miscounts its parents";
 }
 
 char const* ManagerImpl::faultOfList() const {
@@ -89,8 +84,8 @@ char const* ManagerImpl::faultOfSums() const {
     });
     std::uint64_t byClass = 0;
     for (auto const& [keyClass, usage] : usages_) byClass += usage.bytes;
-    if (used != used_ - reserved_) return "the memory used is not the sum of the resources";
-    if (residential != residentialUsed_ - residentialReserved_) return "the residential bytes are not their sum";
+    if (used != used_) return "the memory used is not the sum of the resources";
+    if (residential != residentialUsed_) return "the residential bytes are not their sum";
     if (byClass != used) return "the bytes by class do not add up";
     if (locked != accountant_.lockedSize_) return "the locked bytes are not their sum";
     if (hot != accountant_.hotSet_.size()) return "the hot set has shims that are not in the table";

@@ -29,7 +29,7 @@ void ManagerImpl::printDependencies(urOS::OStream& out) const {
         out.print("#%u %s: %s, %u bytes", shim->serial_, shim->usage_->keyClass.readableName().c_str(), stateOf(*shim),
                   shim->size_);
         char const* separator = ", from";
-        for (Shim::Link const& link : shim->children_) {
+        for (Shim::Link const& link : shim->children()) {
             if (link.shim) out.print("%s #%u", std::exchange(separator, ""), link.shim->serial_);
         }
         out.put('\n');
@@ -41,7 +41,7 @@ void ManagerImpl::printDependenciesAsDot(urOS::OStream& out) const {
     for (Shim const* const shim : inOrder()) {
         out.print("  n%u [label=\"#%u %s\\n%s, %.02f MB\"];\n", shim->serial_, shim->serial_,
                   shim->usage_->keyClass.readableName().c_str(), stateOf(*shim), impl::megabytes(shim->size_));
-        for (Shim::Link const& link : shim->children_) {
+        for (Shim::Link const& link : shim->children()) {
             if (link.shim) out.print("  n%u -> n%u;\n", link.shim->serial_, shim->serial_);
         }
     }

@@ -20,24 +20,18 @@ bool isUnanticipated(std::uint32_t size, std::uint32_t expected) {
     return size > sizeWorthAWarning && (difference <= -sizeTolerance || difference >= sizeTolerance);
 }
 
-/// Adds to a counter and to the part of it that is reserved, for as long as a scope runs.
+/// Adds to a counter for as long as a scope runs.
 class Reservation {
 public:
-    Reservation(std::uint64_t& total, std::uint64_t& reserved, std::uint64_t bytes) noexcept
-        : total_(total), reserved_(reserved), bytes_(bytes) {
-        total_ += bytes_;
-        reserved_ += bytes_;
+    Reservation(std::uint64_t& counter, std::uint64_t bytes) noexcept : counter_(counter), bytes_(bytes) {
+        counter_ += bytes_;
     }
     Reservation(Reservation const&) = delete;
     Reservation& operator=(Reservation const&) = delete;
-    ~Reservation() {
-        total_ -= bytes_;
-        reserved_ -= bytes_;
-    }
+    ~Reservation() { counter_ -= bytes_; }
 
 private:
-    std::uint64_t& total_;
-    std::uint64_t& reserved_;
+    std::uint64_t& counter_;
     std::uint64_t bytes_;
 };
 
@@ -52,11 +46,10 @@ void ManagerImpl::account(Shim& shim, unsigned size, TraceRecorder::Event event)
     addToUsed(shim);
     record(event, shim);
     accountant_.resourceCreated(&shim);
-    ur::Reference<Resource> const resource = shim.resource_;
     try {
-        ur::Reference<KeyData>(shim.key_)->initializeResource(resource);
+        ur::Reference<KeyData>(shim.key_)->initializeResource(shim.resource_);
     } catch (...) {
-        if (shim.resource_ == resource && shim.isResourceAllocated()) clearAllocated(shim, Cause::buildFailure);
+        if (shim.isResourceAllocated()) clearAllocated(shim, Cause::buildFailure);
         throw;
     }
     enforceMemoryLimit(size);
@@ -68,7 +61,7 @@ void ManagerImpl::addToUsed(Shim const& shim) noexcept {
     if (shim.residential_) residentialUsed_ += shim.size_;
     shim.usage_->bytes += shim.size_;
     ++shim.usage_->resources;
-    statistics_.peakMemoryUsed = std::max(statistics_.peakMemoryUsed, used_ - reserved_);
+    statistics_.peakMemoryUsed = std::max(statistics_.peakMemoryUsed, used_);
 }
 
 /// The resource leaves memory, and the shim the list.
@@ -83,51 +76,53 @@ void ManagerImpl::takeFromUsed(Shim& shim) noexcept {
 
 void ManagerImpl::makeSpace(std::uint64_t bytes, bool residential) {
     if (bytes == 0) return;
-    Reservation const all(used_, reserved_, bytes);
-    Reservation const resident(residentialUsed_, residentialReserved_, residential ? bytes : 0);
+    Reservation const all(reserved_, bytes);
+    Reservation const resident(residentialReserved_, residential ? bytes : 0);
     enforceMemoryLimit(bytes);
-}
-
-void ManagerImpl::enforceMemoryLimit(std::uint64_t incoming) {
-    if (limit_ == 0) return;
-    if (useResidentSize_) sampleResidentSize(incoming);
-    // Asked for by a hook that eviction has called: the eviction under way goes on until the limit is kept.
-    if (!isOverLimit() || evicting_ != Evicting::no) return;
-    evict();
-    if (isOverLimit()) reportExcess();
 }
 
 void ManagerImpl::sampleResidentSize(std::uint64_t incoming) {
     bytesSinceSample_ += incoming == 0 ? unknownRequest : incoming;
     if (bytesSinceSample_ <= sampleInterval) return;
+    measureOtherResident();
+    bytesSinceSample_ = 0;
+}
+
+void ManagerImpl::measureOtherResident() {
     std::uint64_t const resident = residentSize();
     // Bytes that resources have not touched yet are not resident.
-    otherResident_ = resident - std::min(resident, residentialUsed_);
-    bytesSinceSample_ = 0;
+    otherResident_ = resident - std::min(resident, residentialUsed_ + residentialReserved_);
 }
 
 // Hooks may bring resources back as fast as they go. Once all that were there at first have gone, hooks may build
 // nothing more, so that this ends.
 void ManagerImpl::evict() {
-    Scoped const evicting(evicting_, Evicting::hooksMayBuild);
-    for (std::size_t left = lru_.count(); left > 0 && !lru_.empty() && isOverLimit(); --left) evictHead();
-    evicting_ = Evicting::hooksMayNotBuild;
-    while (!lru_.empty() && isOverLimit()) evictHead();
+    {
+        Scoped const evicting(evicting_, Evicting::hooksMayBuild);
+        for (std::size_t left = lru_.count(); !lru_.empty() && isOverLimit(); --left) {
+            if (left == 0) evicting_ = Evicting::hooksMayNotBuild;
+            evictHead();
+        }
+    }
+    if (isOverLimit()) reportExcess();
 }
 
 void ManagerImpl::evictHead() {
     ur::Reference<Shim> const shim(&lru_.head());
-    clearOrPageOut(*shim, Cause::limit);
+    leaveMemory(*shim, Cause::limit);
 }
 
 void ManagerImpl::reportExcess() const {
     debugChannel().print("Locked resources exceed memory limit by (%.02fMB)\n",
-                         impl::megabytes(used_ + otherResident_ - limit_));
+                         impl::megabytes(used() + otherResident_ - limit_));
     logUsageByType();
 }
 
 void ManagerImpl::clearOrPageOut(Shim& shim, Cause cause) {
-    if (!shim.isResourceAllocated() || shim.isResourceLocked()) return;
+    if (shim.isResourceAllocated() && !shim.isResourceLocked()) leaveMemory(shim, cause);
+}
+
+void ManagerImpl::leaveMemory(Shim& shim, Cause cause) {
     if (shim.serializable_) {
         pageOut(shim);
     } else {
@@ -148,21 +143,11 @@ void ManagerImpl::dropResource(Shim& shim, Cause cause) {
 }
 
 ur::Reference<Resource> ManagerImpl::takeResource(Shim& shim, Cause cause) {
-    count(cause);
+    ++cleared_[static_cast<std::size_t>(cause)];
     record(TraceRecorder::Event::clear, shim);
     ur::Reference<Resource> taken = std::move(shim.resource_);
     if (shim.keyType_ == Shim::Retained) shim.unref();
     return taken;
-}
-
-void ManagerImpl::count(Cause cause) noexcept {
-    switch (cause) {
-        case Cause::limit: ++statistics_.clearedForLimit; return;
-        case Cause::request: ++statistics_.clearedOnRequest; return;
-        case Cause::removal: ++statistics_.clearedByRemoval; return;
-        case Cause::pageFailure: ++statistics_.clearedByPageFailure; return;
-        case Cause::buildFailure: ++statistics_.clearedByBuildFailure; return;
-    }
 }
 
 void ManagerImpl::clear() {
@@ -186,8 +171,14 @@ void ManagerImpl::unlock(Shim& shim) {
     accountant_.resourceUnlocked(&shim);
 }
 
+void ManagerImpl::startInteraction() noexcept {
+    accountant_.startInteraction();
+    watch();
+}
+
 void ManagerImpl::endInteraction() {
     accountant_.endInteraction();
+    watch();
     checkPeak(accountant_.maxWorkingSet_, "Working set too large for size limit!\n");
 }
 
@@ -210,8 +201,7 @@ void ManagerImpl::applyMemoryLimit(std::uint64_t bytes) {
 
 void ManagerImpl::setUseResidentSize() {
     useResidentSize_ = true;
-    std::uint64_t const resident = residentSize();
-    otherResident_ = resident - std::min(resident, residentialUsed_);
+    measureOtherResident();
 }
 
 std::uint64_t ManagerImpl::residentSize() { return urOS::sysInfo().processResidentMemory() << 10; }

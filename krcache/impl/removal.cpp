@@ -92,7 +92,7 @@ void ManagerImpl::release(Removal& removal) {
 void ManagerImpl::finish(Removal& removal) {
     Shim& shim = *removal.shim;
     ur::Reference<KeyData> const key = shim.key_;
-    ur::Reference<Shim> const held = table_.take(shim);
+    ur::Reference<Shim> const held = takeFromTable(shim);
     shielded([&] { key->keyRemoved(); });
     record(TraceRecorder::Event::remove, shim);
     if (shim.hot_) accountant_.cool(shim);
@@ -120,7 +120,7 @@ void ManagerImpl::removeEach(ur::vector<ur::Reference<Shim>> shims) {
         ur::Reference<Shim> const root = std::move(shims.back());
         shims.pop_back();
         ur::vector<ur::Reference<Shim>> children;
-        for (Shim::Link const& link : root->children_) {
+        for (Shim::Link const& link : root->children()) {
             if (link.shim) children.emplace_back(link.shim);
         }
         try {

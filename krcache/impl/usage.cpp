@@ -11,7 +11,7 @@ namespace urKRCache {
 void ManagerImpl::logUsageByType() const {
     urOS::DebugChannel& channel = debugChannel();
     if (!channel.isEnabled()) return;
-    channel.print("\nTotal resource memory: %0.02f MB\n", impl::megabytes(used_));
+    channel.print("\nTotal resource memory: %0.02f MB\n", impl::megabytes(used()));
     ur::vector<std::pair<ur::TypeInfo, ur::Reference<Resource>>> resources;
     table_.forEach([&](Shim const& shim) {
         if (shim.isResourceAllocated()) resources.emplace_back(shim.usage_->keyClass, shim.resource_);
@@ -24,8 +24,14 @@ void ManagerImpl::logUsageByType() const {
 }
 
 Statistics ManagerImpl::statistics() const {
+    auto const cleared = [this](Cause cause) { return cleared_[static_cast<std::size_t>(cause)]; };
     Statistics result = statistics_;
-    result.memoryUsed = used_ - reserved_;
+    result.clearedForLimit = cleared(Cause::limit);
+    result.clearedOnRequest = cleared(Cause::request);
+    result.clearedByRemoval = cleared(Cause::removal);
+    result.clearedByPageFailure = cleared(Cause::pageFailure);
+    result.clearedByBuildFailure = cleared(Cause::buildFailure);
+    result.memoryUsed = used_;
     for (auto const& [keyClass, usage] : usages_) result.classes.push_back(usage);
     std::sort(result.classes.begin(), result.classes.end(),
               [](ClassUsage const& a, ClassUsage const& b) { return a.keyClass < b.keyClass; });

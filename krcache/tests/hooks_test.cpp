@@ -145,23 +145,21 @@ TEST_F(HooksTest, ComparingMayChangeTheTable) {
 }
 
 TEST_F(HooksTest, AskingAKeyForItsSizesMayBringItIn) {
-    struct Twin : Key {
+    struct Eager : Key {
         using Key::Key;
         bool hasPredeterminedSize() const override {
-            if (!manager->findShim(Reference<KeyData>(const_cast<Twin*>(this))) && depth++ == 0) {
-                manager->getShim(Reference<KeyData>(const_cast<Twin*>(this)), Shim::Retained);
-            }
+            Reference<KeyData> const self(const_cast<Eager*>(this));
+            if (depth++ == 0) manager->getShim(self, Shim::Retained);
             return false;
         }
         Manager* manager = nullptr;
         mutable int depth = 0;
     };
-    auto const key = make<Twin>(50);
+    auto const key = make<Eager>(50);
     key->manager = &manager;
     auto const shim = manager.getShim(key, Shim::Retained);
     EXPECT_EQ(manager.findShim(key), shim);
     EXPECT_EQ(manager.numKeys(), 4);
-    EXPECT_EQ(shim->manager(), &manager);
 }
 
 }  // namespace
