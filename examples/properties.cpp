@@ -1,0 +1,81 @@
+// Properties: values that a document keeps, a user interface mirrors and a user undoes.
+#include <cstdio>
+
+#include "foundation/nxTXN/Transaction.h"
+#include "plst/JsonReport.h"
+#include "support/properties/Prop.h"
+#include "support/properties/savedValues.h"
+
+using nxSupport::BoundedDouble;
+using nxSupport::Prop;
+using nxSupport::Property;
+using nxTXN::Transaction;
+
+int main() {
+    // [share]
+    nxTXN::Manager document;
+    document.begin("New", nxTXN::TransactionKind::none);  // what a document starts with is no step to undo
+    auto radius = Prop<BoundedDouble>::createTxd(document, "brush.radius", BoundedDouble(5, 0, 100));
+    Prop<BoundedDouble> slider(radius.pty()->cloneUnTxd("slider"));  // the user interface's handle
+    document.commit();
+
+    auto const listener = slider.subscribe([](BoundedDouble const& value, nxSupport::PropertyModType type) {
+        if (type == nxSupport::ModifyPerform) std::printf("slider shows %g\n", value.value());
+    });
+    {
+        Transaction transaction(document, "Radius");
+        radius.set(BoundedDouble(20, 0, 100));
+        transaction.commit();
+    }
+    document.undo();  // the slider follows
+    // [share]
+
+    // [validate]
+    auto const validator = radius.pty()->subscribeValidation([](auto const&, Property::ItemReference& candidate) {
+        BoundedDouble bounded;
+        nxPLST::convert(bounded, candidate);
+        if (bounded.value() <= bounded.maxValue()) return;
+        bounded.setValue(bounded.maxValue());
+        ur::Reference<nxPLST::Item> corrected;
+        nxPLST::convert(corrected, bounded);
+        candidate = corrected;
+    });
+    {
+        Transaction transaction(document, "Radius");
+        bool const asGiven = slider.set(BoundedDouble(500, 0, 100));
+        std::printf("%g%s\n", radius.get().value(), asGiven ? "" : ", corrected");
+        transaction.commit();
+    }
+    // [validate]
+
+    // [join]
+    Prop<BoundedDouble> other;
+    {
+        Transaction transaction(document, "New eraser");
+        other = Prop<BoundedDouble>::createTxd(document, "eraser.radius", BoundedDouble(7, 0, 100));
+        transaction.commit();
+    }
+    {
+        Transaction transaction(document, "Link sizes");
+        radius.pty()->join(other.pty());
+        transaction.commit();
+    }
+    document.undo();
+    std::printf("%g and %g again\n", radius.get().value(), other.get().value());
+    // [join]
+
+    // [save]
+    nxSupport::PropertySet panel;
+    panel.insert(radius.pty());
+    panel.insert(other.pty());
+    auto const saved = nxSupport::saveValues(panel);
+    saved->insert("unknown", ur::make<nxPLST::Double>(1));
+    {
+        Transaction transaction(document, "Load");
+        nxSupport::LoadReport const report = nxSupport::loadValues(panel, *saved);
+        for (auto const& name : report.extra) std::printf("no property %s\n", name.c_str());
+        transaction.commit();
+    }
+    // [save]
+    return 0;
+}
