@@ -5,7 +5,6 @@
 #include "plst/casts.h"
 #include "plst/convert.h"
 
-using nxPLST::Array;
 using nxPLST::Dictionary;
 using nxPLST::Item;
 using ur::Reference;

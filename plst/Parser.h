@@ -13,8 +13,8 @@ class NX_API Parser {
 public:
     /// No item; not in throw mode.
     Parser() = default;
-    /// `item` may be null: then every question is answered with false.
-    Parser(ur::Reference<Item const> item, bool throwMode);
+    /// `examined` may be null: then every question is answered with false.
+    Parser(ur::Reference<Item const> examined, bool throws);
     Parser(Parser const& other);
     Parser& operator=(Parser const& other);
     virtual ~Parser();
