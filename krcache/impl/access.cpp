@@ -115,7 +115,7 @@ ur::Reference<Resource> ManagerImpl::buildTimed(KeyData const& key, ClassUsage& 
     urOS::StopWatch watch;
     watch.start();
     ur::Reference<Resource> built = key.createResource();
-    usage.buildSeconds += watch.elapsed() * (build < timedBuilds ? 1 : buildsPerSample);
+    usage.buildSeconds += watch.elapsed() * static_cast<double>(build < timedBuilds ? 1 : buildsPerSample);
     return built;
 }
 
