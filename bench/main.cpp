@@ -27,6 +27,7 @@ int main(int argc, char** argv) {
     bench::addPacketRows(suite);
     bench::addSignalRows(suite);
     bench::addMessagingRows(suite);
+    bench::addCacheRows(suite);
     if (!suite.writeJson()) {
         std::fprintf(stderr, "nxbench: cannot write %s\n", options.jsonFile.c_str());
         return 2;

@@ -13,5 +13,6 @@ void addDictionaryRows(Suite& suite);
 void addPacketRows(Suite& suite);
 void addSignalRows(Suite& suite);
 void addMessagingRows(Suite& suite);
+void addCacheRows(Suite& suite);
 
 }  // namespace bench

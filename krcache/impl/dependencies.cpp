@@ -32,7 +32,7 @@ void ManagerImpl::printDependencies(urOS::OStream& out) const {
         for (Shim::Link const& link : shim->children()) {
             if (link.shim) out.print("%s #%u", std::exchange(separator, ""), link.shim->serial_);
         }
-        out.put('\n');
+        out.print("\n");
     }
 }
 
@@ -45,7 +45,7 @@ void ManagerImpl::printDependenciesAsDot(urOS::OStream& out) const {
             if (link.shim) out.print("  n%u -> n%u;\n", link.shim->serial_, shim->serial_);
         }
     }
-    out.write("}\n");
+    out.print("}\n");
 }
 
 }  // namespace urKRCache

@@ -1,12 +1,11 @@
 // A manager beside a plain model of it: both do the same, and must say and hold the same.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <list>
+#include <map>
 
 #include "krcache/tests/TestKeys.h"
 
