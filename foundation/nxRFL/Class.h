@@ -45,6 +45,7 @@ class NX_API Class {
 public:
     /// Converts a pointer to an object; null when the object is not of the class converted to.
     using Conversion = void* (*)(void* object);
+    using AliveTest = bool (*)(void const* object);
     struct Base {
         Class* base;
         Conversion toBase;  ///< null where the pointers are the same
@@ -58,11 +59,18 @@ public:
     [[nodiscard]] urString::CString const& name() const noexcept { return name_; }
     [[nodiscard]] ur::TypeInfo getType() const noexcept { return type_; }
     [[nodiscard]] impl::TypeUtil const& typeUtil() const noexcept { return util_; }
+    /// The place of the class among those of its database, from 0 on.
+    [[nodiscard]] std::size_t index() const noexcept { return index_; }
 
     /// Objects of derived classes that the database does not know are treated as objects of this class, unless a class
     /// with this mark is nearer to them. Without it they are treated as what they were handed over as.
     void setHasHiddenSubclasses() noexcept { hasHiddenSubclasses_ = true; }
     [[nodiscard]] bool hasHiddenSubclasses() const noexcept { return hasHiddenSubclasses_; }
+
+    /// For objects that come and go without asking whether a script still knows them: `test` tells whether one is
+    /// there. Those that are not are refused as arguments.
+    void setAliveTest(AliveTest test) noexcept { aliveTest_ = test; }
+    [[nodiscard]] bool isAlive(void const* object) const noexcept { return !aliveTest_ || aliveTest_(object); }
 
     [[nodiscard]] ur::vector<Base> const& bases() const noexcept { return bases_; }
     [[nodiscard]] MemberList const& members() const noexcept { return members_; }
@@ -84,7 +92,9 @@ private:
     urString::CString name_;
     impl::TypeUtil util_;
     ur::TypeInfo type_;
+    std::size_t index_ = 0;
     bool hasHiddenSubclasses_ = false;
+    AliveTest aliveTest_ = nullptr;
     ur::vector<Base> bases_;
     ur::vector<Class*> derived_;
     MemberList members_;

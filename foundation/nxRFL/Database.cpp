@@ -28,6 +28,7 @@ Class* Database::getClass(ur::TypeInfo type) const noexcept {
 
 Class& Database::addClass(std::unique_ptr<Class> added) {
     if (Class* const known = getClass(added->name())) return *known;
+    added->index_ = classes_.size();
     Class& result = *classes_.emplace_back(std::move(added));
     classesByName_.emplace(result.name(), &result);
     classesByType_.emplace(result.getType(), &result);
@@ -50,6 +51,7 @@ Database::Table& Database::addTable(urString::CString const& name) {
 }
 
 Database::Resolved Database::resolve(Object const& object) const {
+    if (object.isExact()) return {object.getClass(), object.pointer()};
     Class const* const handed = object.getClass() ? object.getClass() : getClass(object.typeUtil().staticType());
     if (!handed) throw Exception(nameOf(object.typeUtil().staticType()) + " is not registered");
     auto const dynamicType = handed->typeUtil().dynamicType;

@@ -71,6 +71,10 @@ public:
         getClass().setHasHiddenSubclasses();
         return *this;
     }
+    ExposeClass& setAliveTest(Class::AliveTest test) {
+        getClass().setAliveTest(test);
+        return *this;
+    }
 
 private:
     template <class Callable>

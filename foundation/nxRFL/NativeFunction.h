@@ -104,11 +104,16 @@ private:
     Callable callable_;
 };
 
-/// `Self` is the class whose objects scripts call it on, void for a function that is no method.
+/// `Self` is the class whose objects scripts call it on, void for a function that is no method. What is a reflected
+/// function already stays what it is.
 template <class Self = void, class Callable>
 [[nodiscard]] ur::Reference<Function> makeFunction(Database& database, Callable callable) {
-    using Signature = typename impl::Signature<Callable, Self>::Type;
-    return ur::make<NativeFunction<Callable, Signature>>(database, std::move(callable), !std::is_void_v<Self>);
+    if constexpr (std::convertible_to<Callable, ur::Reference<Function>>) {
+        return callable;
+    } else {
+        using Signature = typename impl::Signature<Callable, Self>::Type;
+        return ur::make<NativeFunction<Callable, Signature>>(database, std::move(callable), !std::is_void_v<Self>);
+    }
 }
 
 }  // namespace nxRFL

@@ -5,15 +5,7 @@
 
 namespace nxRFL {
 
-Object::Object(void* pointer, Class const& objectClass) noexcept
-    : Object(pointer, objectClass.typeUtil(), &objectClass, Hold::shared) {}
-
-Object Object::give(void* pointer, Class const& objectClass) noexcept {
-    return Object(pointer, objectClass.typeUtil(), &objectClass, Hold::owned);
-}
-
-Object Object::borrow(void* pointer, Class const& objectClass) noexcept {
-    return Object(pointer, objectClass.typeUtil(), &objectClass, Hold::borrowed);
-}
+Object::Object(void* pointer, Class const& objectClass, Hold hold, Known known) noexcept
+    : Object(pointer, objectClass.typeUtil(), &objectClass, hold, known) {}
 
 }  // namespace nxRFL

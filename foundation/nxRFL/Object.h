@@ -17,48 +17,63 @@ class Class;
 /// hold like a handle made from pointer and class.
 class NX_API Object {
 public:
+    enum class Hold : unsigned char {
+        shared,    ///< by the first pair of operations
+        owned,     ///< by the second pair: as `give` makes it
+        borrowed,  ///< not at all: somebody else is known to hold the object for as long
+    };
+
+    enum class Known : unsigned char {
+        declared,  ///< the object may be of a class derived from the one given
+        exact,     ///< the database has been asked: the object need not be looked at again, nor be there any more
+    };
+
     /// No object.
     constexpr Object() noexcept = default;
-    /// `pointer` may be null; it points to an object of exactly the class as which it is handed over, or of a class
-    /// derived from it. The class, or the record, outlives the handle.
-    Object(void* pointer, Class const& objectClass) noexcept;
-    Object(void* pointer, impl::TypeUtil const& util) noexcept : Object(pointer, util, nullptr, Hold::shared) {}
-    Object(Object const& other) noexcept : Object(other.pointer_, *other.util_, other.class_, Hold::shared) {}
+    /// `pointer` may be null. It points to an object of the class that it is handed over as, which outlives the handle.
+    Object(void* pointer, Class const& objectClass, Hold hold = Hold::shared, Known known = Known::declared) noexcept;
+    Object(void* pointer, impl::TypeUtil const& util) noexcept
+        : Object(pointer, util, nullptr, Hold::shared, Known::declared) {}
+    Object(Object const& other) noexcept
+        : Object(other.pointer_, *other.util_, other.class_, Hold::shared, other.known_) {}
     Object(Object&& other) noexcept
         : pointer_(std::exchange(other.pointer_, nullptr)),
           util_(other.util_),
           class_(other.class_),
-          hold_(other.hold_) {}
+          hold_(other.hold_),
+          known_(other.known_) {}
     Object& operator=(Object other) noexcept {
         std::swap(pointer_, other.pointer_);
         std::swap(util_, other.util_);
         std::swap(class_, other.class_);
         std::swap(hold_, other.hold_);
+        std::swap(known_, other.known_);
         return *this;
     }
     ~Object() {
         if (pointer_) release();
     }
 
-    [[nodiscard]] static Object give(void* pointer, Class const& objectClass) noexcept;
-    [[nodiscard]] static Object give(void* pointer, impl::TypeUtil const& util) noexcept {
-        return Object(pointer, util, nullptr, Hold::owned);
+    [[nodiscard]] static Object give(void* pointer, Class const& objectClass) noexcept {
+        return Object(pointer, objectClass, Hold::owned);
     }
-    /// A handle that does not hold: for as long as somebody else is known to.
-    [[nodiscard]] static Object borrow(void* pointer, Class const& objectClass) noexcept;
+    [[nodiscard]] static Object give(void* pointer, impl::TypeUtil const& util) noexcept {
+        return Object(pointer, util, nullptr, Hold::owned, Known::declared);
+    }
 
     [[nodiscard]] void* pointer() const noexcept { return pointer_; }
     [[nodiscard]] bool null() const noexcept { return pointer_ == nullptr; }
     /// Null when the handle was made with a record.
     [[nodiscard]] Class const* getClass() const noexcept { return class_; }
     [[nodiscard]] impl::TypeUtil const& typeUtil() const noexcept { return *util_; }
+    [[nodiscard]] bool isExact() const noexcept { return known_ == Known::exact; }
     [[nodiscard]] bool isGiven() const noexcept { return hold_ == Hold::owned; }
+    /// Somebody else has taken over the object together with what the handle holds of it.
+    void passOn() const noexcept { hold_ = Hold::borrowed; }
 
 private:
-    enum class Hold : unsigned char { shared, owned, borrowed };
-
-    Object(void* pointer, impl::TypeUtil const& util, Class const* objectClass, Hold hold) noexcept
-        : pointer_(pointer), util_(&util), class_(objectClass), hold_(hold) {
+    Object(void* pointer, impl::TypeUtil const& util, Class const* objectClass, Hold hold, Known known) noexcept
+        : pointer_(pointer), util_(&util), class_(objectClass), hold_(hold), known_(known) {
         if (pointer_ && hold_ != Hold::borrowed) acquire();
     }
     void acquire() noexcept {
@@ -74,7 +89,8 @@ private:
     void* pointer_ = nullptr;
     impl::TypeUtil const* util_ = &noType;
     Class const* class_ = nullptr;
-    Hold hold_ = Hold::shared;
+    mutable Hold hold_ = Hold::shared;
+    Known known_ = Known::declared;
 };
 
 }  // namespace nxRFL

@@ -13,17 +13,6 @@ using impl::Container;
 using impl::Value;
 using urString::CString;
 
-Kind Reader::kind() const noexcept {
-    // In the order of the alternatives of impl::Value.
-    constexpr Kind kinds[] = {Kind::null, Kind::boolean, Kind::number,  Kind::text,
-                              Kind::none, Kind::object,  Kind::function};
-    if (at_ >= end()) return Kind::none;
-    Value const& value = stack_.values_[at_];
-    if (auto const* const container = std::get_if<Container>(&value))
-        return container->kind == Container::Kind::array ? Kind::array : Kind::dictionary;
-    return kinds[value.index()];
-}
-
 std::size_t Reader::behind(std::size_t at) const noexcept {
     auto const* const container = std::get_if<Container>(&stack_.values_[at]);
     return at + (container ? container->length : 1);
@@ -72,7 +61,11 @@ void* Reader::readObjectOrNull(Class const& expected) { return readObjectOrNull(
 void* Reader::readObject(ur::TypeInfo type) {
     Object const* const object = next<Object>();
     void* const result = object ? cast(*object, type) : nullptr;
-    if (!result) fail(nameOf(type));
+    if (!result) [[unlikely]]
+        fail(nameOf(type));
+    Class const* const known = object->getClass();
+    if (known && !known->isAlive(object->pointer())) [[unlikely]]
+        raise(placeOf(at_, open_), CString::format("must not be a %s that has gone", known->name().c_str()));
     ++at_;
     return result;
 }
@@ -94,10 +87,11 @@ Object const& Reader::readAnyObject() {
     return take<Object>("object");
 }
 
-ur::Reference<Function> Reader::readFunction() {
+ur::Reference<Function> const& Reader::readFunction() {
+    static ur::Reference<Function> const none;
     if (isNull()) {
         ++at_;
-        return nullptr;
+        return none;
     }
     return take<ur::Reference<Function>>("function");
 }

@@ -21,7 +21,16 @@ public:
     Reader(Stack const& stack, Function const& function) noexcept : stack_(stack), function_(&function) {}
 
     /// The kind of the next item.
-    [[nodiscard]] Kind kind() const noexcept;
+    [[nodiscard]] Kind kind() const noexcept {
+        // In the order of the alternatives of impl::Value.
+        constexpr Kind kinds[] = {Kind::null,  Kind::boolean, Kind::number,  Kind::text,
+                                  Kind::array, Kind::object,  Kind::function};
+        if (at_ >= end()) return Kind::none;
+        impl::Value const& value = stack_.values_[at_];
+        auto const* const container = std::get_if<impl::Container>(&value);
+        bool const isDictionary = container && container->kind == impl::Container::Kind::dictionary;
+        return isDictionary ? Kind::dictionary : kinds[value.index()];
+    }
     /// There is a next item, and it is null.
     [[nodiscard]] bool isNull() const noexcept { return next<std::monostate>() != nullptr; }
 
@@ -54,8 +63,8 @@ public:
     void* readObject(ur::TypeInfo type);
     /// The object whatever its class; an empty handle for a null item.
     Object const& readAnyObject();
-    /// Null for a null item.
-    ur::Reference<Function> readFunction();
+    /// Null for a null item. Valid as long as the stack is not changed.
+    ur::Reference<Function> const& readFunction();
 
     /// Appends a copy of the next item, of any kind, to `out`.
     void readItem(Stack& out);

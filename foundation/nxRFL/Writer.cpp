@@ -11,7 +11,7 @@ namespace nxRFL {
 using impl::Container;
 using impl::Value;
 
-Writer::~Writer() {
+void Writer::closeAll() {
     while (open_ != nowhere) {
         Container const& container = head(open_);
         if (container.kind == Container::Kind::dictionary && container.items % 2 != 0) {
@@ -20,14 +20,6 @@ Writer::~Writer() {
             stack_.values_.pop_back();
         }
         close(container.kind);
-    }
-}
-
-void Writer::writeObject(Object object) {
-    if (object.null()) {
-        writeNull();
-    } else {
-        append(std::move(object));
     }
 }
 

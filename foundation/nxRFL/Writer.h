@@ -14,7 +14,9 @@ public:
     explicit Writer(Stack& stack) noexcept : stack_(stack) {}
     Writer(Writer const&) = delete;
     Writer& operator=(Writer const&) = delete;
-    ~Writer();
+    ~Writer() {
+        if (open_ != nowhere) closeAll();
+    }
 
     void writeNull() { append(std::monostate()); }
     void writeBool(bool value) { append(value); }
@@ -24,7 +26,14 @@ public:
     void writeUnsigned(unsigned value) { append(static_cast<double>(value)); }
     void writeText(urString::CString text) { append(std::move(text)); }
     /// A handle without an object writes null.
-    void writeObject(Object object);
+    void writeObject(Object object) {
+        if (object.null()) return writeNull();
+        append(std::move(object));
+    }
+    /// A handle made of these. Requires: `pointer` is not null.
+    void writeObject(void* pointer, Class const& objectClass, Object::Hold hold, Object::Known known) {
+        append(std::in_place_type<Object>, pointer, objectClass, hold, known);
+    }
     /// Null writes null.
     void writeFunction(ur::Reference<Function> function);
     /// Copies the first item of `stack`, with all that it holds; null when there is none.
@@ -40,10 +49,10 @@ public:
 private:
     friend class Reader;
 
-    template <class T>
-    void append(T&& value) {
+    template <class T, class... Parts>
+    void append(T&& value, Parts&&... parts) {
         if (open_ != nowhere) checkKey(std::is_same_v<std::decay_t<T>, urString::CString>);
-        stack_.values_.emplace_back(std::forward<T>(value));
+        stack_.values_.emplace_back(std::forward<T>(value), std::forward<Parts>(parts)...);
         count();
     }
     void writeItemAt(Stack const& stack, std::size_t from);
@@ -53,6 +62,7 @@ private:
     void count() { ++(open_ == nowhere ? stack_.items_ : head(open_).items); }
     void open(impl::Container::Kind kind);
     void close(impl::Container::Kind kind);
+    void closeAll();
 
     static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
 

@@ -229,7 +229,7 @@ TEST_F(Exposed, HandlesHoldObjectsAsTheirRecordSays) {
         EXPECT_TRUE(given.isGiven());
         EXPECT_FALSE(copyOfGiven.isGiven());
         EXPECT_EQ(duck->referenceCount(), 5);
-        EXPECT_EQ(Object::borrow(duck.get(), animals).pointer(), duck.get());
+        EXPECT_EQ(Object(duck.get(), animals, Object::Hold::borrowed).pointer(), duck.get());
     }
     EXPECT_EQ(duck->referenceCount(), 1);
 

@@ -1,0 +1,142 @@
+// Binding a state, calling into it, and letting it go.
+#include "foundation/nxLC/impl/Binding.h"
+
+#include <memory>
+
+#include "foundation/nxLC/impl/ScriptFunction.h"
+#include "foundation/nxLC/impl/catchers.h"
+#include "foundation/nxLC/impl/errors.h"
+#include "foundation/nxLC/impl/publish.h"
+#include "foundation/nxLC/impl/runProtected.h"
+
+namespace nxLC::impl {
+
+namespace {
+
+constexpr char anchorKey = 0;  // its address is the anchor's key in the registry
+
+void pushAnchorKey(lua_State* state) { lua_pushlightuserdata(state, const_cast<char*>(&anchorKey)); }
+
+/// Runs when the state closes, after all userdata made since have been given up.
+int closeBinding(lua_State* state) {
+    auto* const anchor = static_cast<Anchor*>(lua_touserdata(state, 1));
+    delete std::exchange(anchor->binding, nullptr);
+    return 0;
+}
+
+void pushTableWith(lua_State* state, char const* name, lua_CFunction function) {
+    lua_newtable(state);
+    lua_pushcfunction(state, function);
+    lua_setfield(state, -2, name);
+}
+
+int keep(lua_State* state) { return luaL_ref(state, LUA_REGISTRYINDEX); }
+
+/// Opens the debug library behind the back of scripts that have none, and leaves it on top.
+void openPrivately(lua_State* state) {
+    lua_pushcfunction(state, &luaopen_debug);
+    lua_pushliteral(state, LUA_DBLIBNAME);
+    lua_call(state, 1, 0);
+    lua_getglobal(state, LUA_DBLIBNAME);
+    lua_pushnil(state);
+    lua_setglobal(state, LUA_DBLIBNAME);
+    lua_getfield(state, LUA_REGISTRYINDEX, "_LOADED");
+    lua_pushnil(state);
+    lua_setfield(state, -2, LUA_DBLIBNAME);
+    lua_pop(state, 1);
+}
+
+void pushTraceback(lua_State* state) {
+    lua_getglobal(state, LUA_DBLIBNAME);
+    if (!lua_istable(state, -1)) {
+        lua_pop(state, 1);
+        openPrivately(state);
+    }
+    lua_getfield(state, -1, "traceback");
+    lua_remove(state, -2);
+}
+
+}  // namespace
+
+Binding* Binding::find(lua_State* state) noexcept {
+    pushAnchorKey(state);
+    lua_rawget(state, LUA_REGISTRYINDEX);
+    auto const* const anchor = static_cast<Anchor*>(lua_touserdata(state, -1));
+    lua_pop(state, 1);
+    return anchor ? anchor->binding : nullptr;
+}
+
+Binding& Binding::bind(lua_State* state, nxRFL::Database& database) {
+    std::unique_ptr<Binding> made(new Binding(state, database));
+    if (lua_cpcall(state, &Binding::setUp, made.get()) != 0) throw takeError(state);
+    Binding& binding = *made.release();  // now the anchor's
+    binding.meter.attach(state);
+    binding.data.publish();
+    return binding;
+}
+
+Binding::Binding(lua_State* state, nxRFL::Database& boundDatabase)
+    : database(boundDatabase),
+      classOfClasses(boundDatabase.getClass(ur::TypeInfo::of<nxRFL::Class>())),
+      data(*this),
+      main(state),
+      running(state),
+      link(ur::make<Link>(this)) {}
+
+Binding::~Binding() {
+    link->binding = nullptr;
+    meter.detach(main);
+}
+
+int Binding::setUp(lua_State* state) {
+    auto* const binding = static_cast<Binding*>(lua_touserdata(state, 1));
+    auto* const anchor = static_cast<Anchor*>(lua_newuserdata(state, sizeof(Anchor)));
+    anchor->binding = nullptr;
+    pushTableWith(state, "__gc", &closeBinding);
+    lua_setmetatable(state, -2);
+    pushAnchorKey(state);
+    lua_pushvalue(state, -2);
+    lua_rawset(state, LUA_REGISTRYINDEX);
+    lua_pushvalue(state, -1);
+    binding->anchor = keep(state);
+    replaceCatchers(state);
+
+    pushTraceback(state);
+    lua_pushcclosure(state, &traceError, 2);
+    binding->tracer = keep(state);
+    for (int* const slot : {&binding->trace, &binding->assignmentHook}) {
+        lua_pushboolean(state, 0);
+        *slot = keep(state);
+    }
+    lua_newtable(state);
+    binding->functions = keep(state);
+    lua_newtable(state);
+    lua_pushliteral(state, "v");
+    lua_setfield(state, -2, "__mode");
+    binding->weakValues = keep(state);
+    pushTableWith(state, "__gc", &collectFunction);
+    binding->functionBoxes = keep(state);
+    anchor->binding = binding;
+    return 0;
+}
+
+std::exception_ptr Binding::callMeasured(Body body, void* context) {
+    lua_State* const state = running;
+    Metered const metered(meter);
+    hasTrace = false;
+    pushKept(state, tracer);
+    int const handler = lua_gettop(state);
+    std::exception_ptr error;
+    if (runProtected(state, 0, 0, handler, body, context, error) != 0)
+        error = std::make_exception_ptr(takeTracedError(*this, state));
+    lua_remove(state, handler);
+    return error;
+}
+
+void Binding::protectCall(Body body, void* context) {
+    std::exception_ptr const error = callMeasured(body, context);
+    if (closeWhenIdle && !meter.active()) lua_close(main);  // deletes this
+    if (error) std::rethrow_exception(error);
+}
+
+}  // namespace nxLC::impl

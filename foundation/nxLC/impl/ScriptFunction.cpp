@@ -1,0 +1,112 @@
+// Keeping functions across the border, and calling scripts.
+#include "foundation/nxLC/impl/ScriptFunction.h"
+
+#include <new>
+
+#include "foundation/nxLC/impl/calls.h"
+#include "foundation/nxLC/impl/values.h"
+
+namespace nxLC::impl {
+
+using nxRFL::Function;
+using nxRFL::Stack;
+using Held = ur::Reference<Function>;
+
+namespace {
+
+/// Room for every place to become free, so that giving one up needs no memory.
+void reserveFreePlaces(Binding& binding) {
+    auto const places = static_cast<std::size_t>(binding.functionPlaces) + 1;
+    if (binding.freeFunctions.capacity() < places) binding.freeFunctions.reserve(2 * places);
+}
+
+/// Calls the native function in the userdata that is the second upvalue.
+int callHeld(lua_State* state) {
+    ShortText text;
+    Held const& held = *static_cast<Held*>(lua_touserdata(state, lua_upvalueindex(2)));
+    return complete(state, held ? callFunction(state, *held, text) : 0, text);
+}
+
+}  // namespace
+
+ScriptFunction::ScriptFunction(Binding& binding, int place) noexcept
+    : Function(&binding.database, false), link_(binding.link), place_(place) {}
+
+ScriptFunction::~ScriptFunction() {
+    Binding* const binding = link_->binding;
+    if (!binding) return;
+    // The place stays in the table, so that nothing is allocated here.
+    lua_State* const state = binding->running;
+    Binding::pushKept(state, binding->functions);
+    lua_pushboolean(state, 0);
+    lua_rawseti(state, -2, place_);
+    lua_pop(state, 1);
+    binding->freeFunctions.push_back(place_);  // room was made with the place
+}
+
+bool ScriptFunction::push(Binding const& binding, lua_State* state) const noexcept {
+    if (link_->binding != &binding) return false;
+    Binding::pushKept(state, binding.functions);
+    lua_rawgeti(state, -1, place_);
+    lua_replace(state, -2);
+    return true;
+}
+
+void ScriptFunction::onCall(Stack const& arguments, Stack& results) const {
+    struct Call {
+        ScriptFunction const& function;
+        Binding& binding;
+        Stack const& arguments;
+        Stack& results;
+    };
+    if (!link_->binding) return;
+    Held const self(const_cast<ScriptFunction*>(this));  // the script may drop the last reference
+    Call call{*this, *link_->binding, arguments, results};
+    call.binding.protectCall(
+        [](lua_State* state, void* context) {
+            Call const& called = *static_cast<Call*>(context);
+            if (!called.function.push(called.binding, state)) return 0;
+            int const count = pushItems(called.binding, state, called.arguments);
+            lua_call(state, count, LUA_MULTRET);
+            readValues(called.binding, state, 1, called.results);
+            return 0;
+        },
+        &call);
+}
+
+int keepFunction(Binding& binding, lua_State* state, int index) {
+    bool const isNew = binding.freeFunctions.empty();
+    int const place = isNew ? binding.functionPlaces + 1 : binding.freeFunctions.back();
+    if (isNew) reserveFreePlaces(binding);
+    Binding::pushKept(state, binding.functions);
+    lua_pushvalue(state, index);
+    lua_rawseti(state, -2, place);
+    lua_pop(state, 1);
+    if (isNew) {
+        ++binding.functionPlaces;
+    } else {
+        binding.freeFunctions.pop_back();
+    }
+    return place;
+}
+
+Held functionAt(Binding& binding, int place) { return Held(new ScriptFunction(binding, place)); }
+
+void pushScriptFunction(Binding& binding, lua_State* state, Held const& function) {
+    if (!function) return lua_pushnil(state);
+    auto const* const own = dynamic_cast<ScriptFunction const*>(function.get());
+    if (own && own->push(binding, state)) return;
+    Binding::pushKept(state, binding.anchor);
+    auto* const held = new (lua_newuserdata(state, sizeof(Held))) Held();
+    Binding::pushKept(state, binding.functionBoxes);
+    lua_setmetatable(state, -2);
+    *held = function;  // from here on the userdata lets go of it
+    lua_pushcclosure(state, &callHeld, 2);
+}
+
+int collectFunction(lua_State* state) {
+    if (auto* const held = static_cast<Held*>(lua_touserdata(state, 1))) held->reset();
+    return 0;
+}
+
+}  // namespace nxLC::impl

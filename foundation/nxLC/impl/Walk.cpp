@@ -1,0 +1,127 @@
+// Telling arrays from dictionaries, and bounding what hostile tables cost.
+#include "foundation/nxLC/impl/Walk.h"
+
+#include "foundation/nxLC/protect.h"
+
+namespace nxLC::impl {
+
+namespace {
+
+[[noreturn]] void fail(char const* complaint) { throw nxRFL::Exception(complaint); }
+
+constexpr char const* wrongKeys = "is a table whose keys are neither 1 to n nor all strings";
+
+}  // namespace
+
+Walk::Walk(lua_State* state, ValueSink& sink) noexcept : state_(state), sink_(sink) {
+    // A value of a table takes 16 bytes or more. What exceeds all memory of the state is told more than once.
+    constexpr std::size_t leastBytes = 16;
+    constexpr std::size_t always = 1U << 16U;
+    budget_ = static_cast<std::size_t>(lua_gc(state, LUA_GCCOUNT, 0)) * 1024 / leastBytes + always;
+}
+
+void Walk::value(int index) {
+    if (budget_-- == 0) fail("is a table with itself in it, or with parts that it holds too often");
+    switch (lua_type(state_, index)) {
+        case LUA_TNIL: return sink_.onNil();
+        case LUA_TBOOLEAN: return sink_.onBoolean(lua_toboolean(state_, index) != 0);
+        case LUA_TNUMBER: return sink_.onNumber(lua_tonumber(state_, index));
+        case LUA_TSTRING: {
+            std::size_t size = 0;
+            char const* const text = lua_tolstring(state_, index, &size);
+            return sink_.onText(text, size);
+        }
+        case LUA_TTABLE:
+            if (!sink_.onOther(state_, index)) table(index);
+            return;
+        default:
+            if (!sink_.onOther(state_, index)) {
+                lua_pushfstring(state_, "must not be a %s", luaL_typename(state_, index));
+                fail(lua_tostring(state_, -1));
+            }
+    }
+}
+
+void Walk::table(int index) {
+    if (!lua_checkstack(state_, 6)) fail("is a table with itself in it, or nested too deeply");
+    lua_pushnil(state_);
+    if (!lua_next(state_, index)) {
+        sink_.startArray();
+        return sink_.endArray();
+    }
+    int const firstKey = lua_type(state_, -2);
+    if (firstKey == LUA_TNUMBER) {
+        array(index);
+    } else if (firstKey == LUA_TSTRING) {
+        dictionary(index);
+    } else {
+        fail(wrongKeys);
+    }
+}
+
+void Walk::topAndPop() {
+    value(lua_gettop(state_));
+    lua_pop(state_, 1);
+}
+
+/// The first key and value are on top.
+void Walk::array(int index) {
+    sink_.startArray();
+    int count = 0;
+    do {
+        if (lua_type(state_, -2) != LUA_TNUMBER || lua_tonumber(state_, -2) != count + 1) {
+            lua_pop(state_, 2);
+            arrayOutOfOrder(index, count);
+            break;
+        }
+        ++count;
+        topAndPop();
+    } while (lua_next(state_, index));
+    sink_.endArray();
+}
+
+/// Lua finds the elements behind the first `known` ones in some other order than by their keys.
+void Walk::arrayOutOfOrder(int index, int known) {
+    int count = known;
+    for (;;) {
+        lua_rawgeti(state_, index, count + 1);
+        if (lua_isnil(state_, -1)) break;
+        ++count;
+        topAndPop();
+    }
+    lua_pop(state_, 1);
+    if (countEntries(index) != count) fail(wrongKeys);
+}
+
+int Walk::countEntries(int index) const {
+    int count = 0;
+    for (lua_pushnil(state_); lua_next(state_, index); lua_pop(state_, 1)) ++count;
+    return count;
+}
+
+/// The first key and value are on top.
+void Walk::dictionary(int index) {
+    sink_.startDictionary();
+    do {
+        if (lua_type(state_, -2) != LUA_TSTRING) fail(wrongKeys);
+        std::size_t size = 0;
+        char const* const key = lua_tolstring(state_, -2, &size);
+        sink_.onText(key, size);
+        topAndPop();
+    } while (lua_next(state_, index));
+    sink_.endDictionary();
+}
+
+}  // namespace nxLC::impl
+
+namespace nxLC {
+
+void walkValue(lua_State* state, int index, ValueSink& sink) {
+    lua_pushvalue(state, index);
+    protect(state, 1, 0, [&sink](lua_State* inner) {
+        impl::Walk(inner, sink).value(1);
+        return 0;
+    });
+}
+
+}  // namespace nxLC

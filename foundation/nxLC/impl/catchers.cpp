@@ -1,0 +1,79 @@
+// Catching errors, except those that end a script.
+#include "foundation/nxLC/impl/catchers.h"
+
+#include "foundation/nxLC/impl/Binding.h"
+
+namespace nxLC::impl {
+
+namespace {
+
+bool isStopped(lua_State* state) noexcept {
+    Binding const* const binding = bindingOf(state);
+    return binding && binding->meter.stopped();
+}
+
+/// What pcall and xpcall return: everything from `first` on, behind whether the call succeeded.
+int finishCall(lua_State* state, int status, int first) {
+    if (status != 0 && isStopped(state)) return lua_error(state);
+    lua_pushboolean(state, status == 0);
+    lua_insert(state, first);
+    return lua_gettop(state) - first + 1;
+}
+
+int callAndCatch(lua_State* state) {
+    luaL_checkany(state, 1);
+    return finishCall(state, lua_pcall(state, lua_gettop(state) - 1, LUA_MULTRET, 0), 1);
+}
+
+/// Calls the second upvalue with the arguments; everything on the stack are its results.
+int callUpvalue(lua_State* state) {
+    lua_pushvalue(state, lua_upvalueindex(2));
+    lua_insert(state, 1);
+    lua_call(state, lua_gettop(state) - 1, LUA_MULTRET);
+    return lua_gettop(state);
+}
+
+/// The handler in the second upvalue would run inside the hook, uncounted, when that has raised the error.
+int handleUnlessStopped(lua_State* state) { return isStopped(state) ? lua_gettop(state) : callUpvalue(state); }
+
+int callWithHandler(lua_State* state) {
+    luaL_checkany(state, 2);
+    lua_settop(state, 2);
+    lua_pushvalue(state, lua_upvalueindex(1));
+    lua_insert(state, 2);
+    lua_pushcclosure(state, &handleUnlessStopped, 2);
+    lua_insert(state, 1);
+    return finishCall(state, lua_pcall(state, 0, LUA_MULTRET, 1), 2);
+}
+
+/// Calls the original function in the second upvalue.
+int resume(lua_State* state) {
+    int const results = callUpvalue(state);
+    return isStopped(state) ? luaL_error(state, "%s", bindingOf(state)->meter.reason()) : results;
+}
+
+/// Replaces a function in the table on top. `anchor` is the index of the anchor.
+void replace(lua_State* state, int anchor, char const* name, lua_CFunction replacement) {
+    lua_pushvalue(state, anchor);
+    lua_getfield(state, -2, name);
+    if (lua_isfunction(state, -1)) {
+        lua_pushcclosure(state, replacement, 2);
+        lua_setfield(state, -2, name);
+    } else {
+        lua_pop(state, 2);
+    }
+}
+
+}  // namespace
+
+void replaceCatchers(lua_State* state) {
+    int const anchor = lua_gettop(state);
+    lua_pushvalue(state, LUA_GLOBALSINDEX);
+    replace(state, anchor, "pcall", &callAndCatch);
+    replace(state, anchor, "xpcall", &callWithHandler);
+    lua_getfield(state, -1, LUA_COLIBNAME);
+    if (lua_istable(state, -1)) replace(state, anchor, "resume", &resume);
+    lua_settop(state, anchor);
+}
+
+}  // namespace nxLC::impl

@@ -1,0 +1,77 @@
+// Reading errors off the stack, and tracing them.
+#include "foundation/nxLC/impl/errors.h"
+
+#include <cstring>
+
+#include "foundation/nxLC/impl/Binding.h"
+
+namespace nxLC::impl {
+
+using urString::CString;
+
+namespace {
+
+/// Requires: a text is on top.
+CString takeText(lua_State* state) {
+    std::size_t size = 0;
+    char const* const text = lua_tolstring(state, -1, &size);
+    CString result(text, size);
+    lua_pop(state, 1);
+    return result;
+}
+
+CString messageOf(lua_State* state) {
+    if (lua_type(state, -1) == LUA_TSTRING) {
+        Binding const* const binding = Binding::find(state);
+        bool const isRefusal =
+            binding && binding->meter.memoryRefused() && std::strcmp(lua_tostring(state, -1), "not enough memory") == 0;
+        CString text = takeText(state);
+        return isRefusal ? CString("memory budget spent") : text;
+    }
+    CString text = CString::format("(error object is a %s value)", luaL_typename(state, -1));
+    lua_pop(state, 1);
+    return text;
+}
+
+void makeText(lua_State* state, int index) {
+    if (lua_isstring(state, index)) {
+        lua_tostring(state, index);  // of a number
+        return;
+    }
+    if (!luaL_callmeta(state, index, "__tostring") || !lua_isstring(state, -1))
+        lua_pushfstring(state, "(error object is a %s value)", luaL_typename(state, index));
+    lua_replace(state, index);
+}
+
+}  // namespace
+
+nxRFL::Exception takeError(lua_State* state) { return nxRFL::Exception(messageOf(state)); }
+
+int traceError(lua_State* state) {
+    lua_settop(state, 1);
+    makeText(state, 1);
+    lua_settop(state, 1);
+    lua_pushvalue(state, lua_upvalueindex(2));
+    lua_pushliteral(state, "");
+    lua_pushinteger(state, 2);  // without this function
+    lua_call(state, 2, 1);
+    if (Binding* const binding = bindingOf(state)) {
+        lua_rawseti(state, LUA_REGISTRYINDEX, binding->trace);
+        binding->hasTrace = true;
+    }
+    lua_settop(state, 1);
+    return 1;
+}
+
+nxRFL::Exception takeTracedError(Binding& binding, lua_State* state) {
+    CString message = messageOf(state);
+    if (!std::exchange(binding.hasTrace, false)) return nxRFL::Exception(std::move(message));
+    Binding::pushKept(state, binding.trace);
+    CString trace = takeText(state);
+    // The empty message in front, and the function at the bottom that protects the call.
+    if (trace.startsWith("\n")) trace.erase(0, 1);
+    if (std::string_view const bottom = "\n\t[C]: ?"; trace.endsWith(bottom)) trace.erase(trace.size() - bottom.size());
+    return nxRFL::Exception(std::move(message), std::move(trace));
+}
+
+}  // namespace nxLC::impl

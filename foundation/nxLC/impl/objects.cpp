@@ -1,0 +1,163 @@
+// Finding, making and giving up the userdata of objects.
+#include "foundation/nxLC/impl/objects.h"
+
+#include <cstdint>
+#include <iterator>
+#include <utility>
+
+#include "foundation/nxLC/impl/publish.h"
+
+namespace nxLC::impl {
+
+using nxRFL::Database;
+using nxRFL::Object;
+
+namespace {
+
+/// Leaves the address at index 1 of the value's metatable and that metatable on the stack, or nothing.
+void* markOf(lua_State* state, int index) noexcept {
+    if (!lua_getmetatable(state, index)) return nullptr;
+    lua_rawgeti(state, -1, 1);
+    void* const mark = lua_touserdata(state, -1);
+    lua_pop(state, 2);
+    return mark;
+}
+
+/// Where it is noted that a userdata has been looked at, until it is collected.
+Box const*& verifiedAt(Binding& binding, void const* content) noexcept {
+    return binding.verified[reinterpret_cast<std::uintptr_t>(content) / sizeof(Box) % std::size(binding.verified)];
+}
+
+/// The object has a userdata already: it now owns the object if the handle gives it away.
+void take(Box& box, Object const& object) {
+    if (!object.isGiven()) return;
+    auto const& util = box.objectClass->typeUtil();
+    if (box.isOwned) {
+        if (!util.own) object.passOn();  // the box does not count
+        return;
+    }
+    box.isOwned = true;
+    object.passOn();
+    if (util.unref) util.unref(box.pointer);
+}
+
+void fill(Box& box, Object const& object, void* pointer) {
+    box.pointer = pointer;
+    box.isOwned = object.isGiven();
+    if (box.isOwned) {
+        object.passOn();
+    } else if (auto const ref = box.objectClass->typeUtil().ref) {
+        ref(pointer);
+    }
+}
+
+bool pushFound(lua_State* state, ClassTables const& tables, Database::Resolved const& resolved, Object const& object) {
+    Binding::pushKept(state, tables.objects);
+    lua_pushlightuserdata(state, resolved.pointer);
+    lua_rawget(state, -2);
+    auto* const box = static_cast<Box*>(lua_touserdata(state, -1));
+    if (!box) {
+        lua_pop(state, 2);
+        return false;
+    }
+    lua_replace(state, -2);
+    take(*box, object);
+    return true;
+}
+
+}  // namespace
+
+Box* toBox(lua_State* state, int index) noexcept {
+    void* const content = lua_touserdata(state, index);
+    return content && markOf(state, index) == &objectMark ? static_cast<Box*>(content) : nullptr;
+}
+
+Box* toBox(Binding& binding, lua_State* state, int index) noexcept {
+    auto* const content = static_cast<Box*>(lua_touserdata(state, index));
+    Box const*& verified = verifiedAt(binding, content);
+    if (content && content == verified) return content;
+    Box* const box = toBox(state, index);
+    if (box) verified = box;
+    return box;
+}
+
+nxRFL::Class* toClass(lua_State* state, int index) noexcept {
+    if (!lua_istable(state, index) || markOf(state, index) != &classMark) return nullptr;
+    lua_getmetatable(state, index);
+    lua_rawgeti(state, -1, 2);
+    auto* const result = static_cast<nxRFL::Class*>(lua_touserdata(state, -1));
+    lua_pop(state, 2);
+    return result;
+}
+
+void pushMark(lua_State* state, char const& mark) noexcept { lua_pushlightuserdata(state, const_cast<char*>(&mark)); }
+
+bool pushKnown(Binding& binding, lua_State* state, Object const& object) {
+    Database::Resolved const resolved = binding.database.resolve(object);
+    bool const isClass = resolved.objectClass == binding.classOfClasses;
+    ClassTables const* const tables =
+        knownTables(binding, isClass ? *static_cast<nxRFL::Class*>(resolved.pointer) : *resolved.objectClass);
+    if (!tables) return false;
+    if (!isClass) return pushFound(state, *tables, resolved, object);
+    Binding::pushKept(state, tables->classTable);
+    return true;
+}
+
+void pushNew(Binding& binding, lua_State* state, Object const& object) {
+    Database::Resolved const resolved = binding.database.resolve(object);
+    if (resolved.objectClass == binding.classOfClasses)
+        return pushClass(binding, state, *static_cast<nxRFL::Class*>(resolved.pointer));
+    ClassTables const& tables = tablesOf(binding, state, *resolved.objectClass);
+    if (pushFound(state, tables, resolved, object)) return;
+    luaL_checkstack(state, 5, "too many values");
+    auto* const box = static_cast<Box*>(lua_newuserdata(state, sizeof(Box)));
+    *box = {nullptr, resolved.objectClass, false};
+    Binding::pushKept(state, tables.metatable);
+    lua_setmetatable(state, -2);
+    Binding::pushKept(state, tables.objects);
+    lua_pushlightuserdata(state, resolved.pointer);
+    lua_pushvalue(state, -3);
+    lua_rawset(state, -3);
+    lua_pop(state, 1);
+    // Nothing can raise any more: from here on the userdata gives the object up.
+    fill(*box, object, resolved.pointer);
+    ++binding.objectCount;
+}
+
+int collectObject(lua_State* state) {
+    Binding* const binding = bindingOf(state);
+    Box* const box = toBox(state, 1);
+    if (!box || !box->pointer) return 0;
+    void* const pointer = std::exchange(box->pointer, nullptr);
+    auto const& util = box->objectClass->typeUtil();
+    auto const release = box->isOwned ? util.disown : util.unref;
+    if (!binding) {
+        if (release) release(pointer);
+        return 0;
+    }
+    --binding->objectCount;
+    verifiedAt(*binding, box) = nullptr;
+    if (release) {
+        NativeCall const call(*binding, state);
+        release(pointer);
+    }
+    return 0;
+}
+
+int compareObjects(lua_State* state) {
+    Box const* const a = toBox(state, 1);
+    Box const* const b = toBox(state, 2);
+    bool const areAlive = a && b && a->pointer && b->pointer;
+    lua_pushboolean(state, areAlive && (a->objectClass->cast(a->pointer, b->objectClass->getType()) == b->pointer ||
+                                        b->objectClass->cast(b->pointer, a->objectClass->getType()) == a->pointer));
+    return 1;
+}
+
+int describeObject(lua_State* state) {
+    Box const* const box = toBox(state, 1);
+    if (!box) return luaL_error(state, "an object is expected");
+    lua_pushfstring(state, "%s: %p", box->objectClass->name().c_str(), box->pointer);
+    return 1;
+}
+
+}  // namespace nxLC::impl

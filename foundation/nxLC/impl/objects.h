@@ -1,0 +1,41 @@
+// Native objects as userdata.
+#pragma once
+
+#include "foundation/nxLC/impl/Binding.h"
+#include "foundation/nxRFL/Class.h"
+
+namespace nxLC::impl {
+
+/// The content of a userdata that stands for an object. It holds the object by one of the two pairs of operations of
+/// its class; without a pointer the object has been given up.
+struct Box {
+    void* pointer;
+    nxRFL::Class const* objectClass;
+    bool isOwned;
+};
+
+/// Metatables hold one of these addresses at index 1, which scripts cannot make themselves.
+inline constexpr char objectMark = 0;
+inline constexpr char classMark = 0;
+
+/// Null when the value is no object of a binding. Uses two places of the stack; never raises.
+[[nodiscard]] Box* toBox(lua_State* state, int index) noexcept;
+/// The same, faster for objects that are used repeatedly.
+[[nodiscard]] Box* toBox(Binding& binding, lua_State* state, int index) noexcept;
+/// The class whose table the value is, or null. Never raises.
+[[nodiscard]] nxRFL::Class* toClass(lua_State* state, int index) noexcept;
+/// Pushes the address at index 1 of a metatable that is on top.
+void pushMark(lua_State* state, char const& mark) noexcept;
+
+/// Pushes the userdata of an object that the state knows. False when it does not, or has not met the class yet.
+/// Never raises; throws when the class is not registered.
+[[nodiscard]] bool pushKnown(Binding& binding, lua_State* state, nxRFL::Object const& object);
+/// Pushes the userdata of an object, a new one if need be. Requires: not null. Raises and throws.
+void pushNew(Binding& binding, lua_State* state, nxRFL::Object const& object);
+
+/// The functions of metatables; their first upvalue is the anchor.
+int collectObject(lua_State* state);
+int compareObjects(lua_State* state);
+int describeObject(lua_State* state);
+
+}  // namespace nxLC::impl

@@ -1,0 +1,194 @@
+// Building the tables.
+#include "foundation/nxLC/impl/publish.h"
+
+#include <string_view>
+
+#include "foundation/nxLC/impl/calls.h"
+#include "foundation/nxLC/impl/objects.h"
+
+namespace nxLC::impl {
+
+using nxRFL::Class;
+using nxRFL::Member;
+
+namespace {
+
+void pushName(lua_State* state, std::string_view name) { lua_pushlstring(state, name.data(), name.size()); }
+
+void pushFunction(Binding& binding, lua_State* state, lua_CFunction function) {
+    Binding::pushKept(state, binding.anchor);
+    lua_pushcclosure(state, function, 1);
+}
+
+/// The same with the value at `table` as its second upvalue.
+void pushFunctionWithTable(Binding& binding, lua_State* state, lua_CFunction function, int table) {
+    Binding::pushKept(state, binding.anchor);
+    lua_pushvalue(state, table);
+    lua_pushcclosure(state, function, 2);
+}
+
+void pushMemberFunction(Binding& binding, lua_State* state, Member const& member) {
+    Binding::pushKept(state, binding.anchor);
+    lua_pushlightuserdata(state, const_cast<Member*>(&member));
+    lua_pushcclosure(state, member.kind == Member::Kind::iterator ? &beginIteration : &callMember, 2);
+}
+
+/// Sets a function as a field of the table on top.
+void setFunction(Binding& binding, lua_State* state, char const* name, lua_CFunction function) {
+    lua_pushstring(state, name);
+    pushFunction(binding, state, function);
+    lua_rawset(state, -3);
+}
+
+/// Fills the table on top with what objects have: functions, and properties as the addresses of their members.
+/// Members of bases come first, so that those of the class take their places.
+bool fillMembers(Binding& binding, lua_State* state, Class const& objectClass) {
+    bool hasProperties = false;
+    for (auto link = objectClass.bases().rbegin(); link != objectClass.bases().rend(); ++link)
+        hasProperties = fillMembers(binding, state, *link->base) || hasProperties;
+    for (Member const& member : objectClass.members()) {
+        if (member.kind == Member::Kind::staticMethod) continue;
+        pushName(state, member.name);
+        if (member.kind == Member::Kind::property) {
+            lua_pushlightuserdata(state, const_cast<Member*>(&member));
+            hasProperties = true;
+        } else {
+            pushMemberFunction(binding, state, member);
+        }
+        lua_rawset(state, -3);
+    }
+    return hasProperties;
+}
+
+void fillStaticMethods(Binding& binding, lua_State* state, Class const& objectClass) {
+    for (auto link = objectClass.bases().rbegin(); link != objectClass.bases().rend(); ++link)
+        fillStaticMethods(binding, state, *link->base);
+    for (Member const& member : objectClass.members()) {
+        if (member.kind != Member::Kind::staticMethod) continue;
+        pushName(state, member.name);
+        pushMemberFunction(binding, state, member);
+        lua_rawset(state, -3);
+    }
+}
+
+/// Gives the metatable on top the members of the class as they are now.
+void fillMetatable(Binding& binding, lua_State* state, Class const& objectClass) {
+    lua_newtable(state);
+    bool const hasProperties = fillMembers(binding, state, objectClass);
+    int const members = lua_gettop(state);
+    lua_pushliteral(state, "__index");
+    if (hasProperties) {
+        pushFunctionWithTable(binding, state, &indexObject, members);
+    } else {
+        lua_pushvalue(state, members);
+    }
+    lua_rawset(state, members - 1);
+    lua_pushliteral(state, "__newindex");
+    pushFunctionWithTable(binding, state, &assignProperty, members);
+    lua_rawset(state, members - 1);
+    lua_pop(state, 1);
+}
+
+/// Gives the metatable on top its mark, and the name that scripts get in its place.
+void markMetatable(lua_State* state, char const& mark, std::string_view name) {
+    pushMark(state, mark);
+    lua_rawseti(state, -2, 1);
+    lua_pushliteral(state, "__metatable");
+    pushName(state, name);
+    lua_rawset(state, -3);
+}
+
+void makeMetatable(Binding& binding, lua_State* state, Class const& objectClass) {
+    lua_newtable(state);
+    markMetatable(state, objectMark, objectClass.name());
+    setFunction(binding, state, "__gc", &collectObject);
+    setFunction(binding, state, "__eq", &compareObjects);
+    setFunction(binding, state, "__tostring", &describeObject);
+    fillMetatable(binding, state, objectClass);
+}
+
+int describeClass(lua_State* state) {
+    Class const* const described = toClass(state, 1);
+    if (!described) return luaL_error(state, "a class is expected");
+    lua_pushfstring(state, "class %s", described->name().c_str());
+    return 1;
+}
+
+/// Pushes the table that is the global `name`, parts of which are separated by "::"; makes those that are missing.
+void pushGlobalTable(lua_State* state, std::string_view name) {
+    lua_pushvalue(state, LUA_GLOBALSINDEX);
+    for (std::string_view rest = name; !rest.empty();) {
+        std::size_t const end = rest.find("::");
+        std::string_view const part = rest.substr(0, end);
+        rest = end == std::string_view::npos ? std::string_view() : rest.substr(end + 2);
+        pushName(state, part);
+        lua_rawget(state, -2);
+        if (!lua_istable(state, -1)) {
+            lua_pop(state, 1);
+            lua_newtable(state);
+            pushName(state, part);
+            lua_pushvalue(state, -2);
+            lua_rawset(state, -4);
+        }
+        lua_remove(state, -2);
+    }
+    pushName(state, name);
+    lua_pushvalue(state, -2);
+    lua_rawset(state, LUA_GLOBALSINDEX);
+}
+
+/// Makes the table on top stand for the class.
+void markAsClass(Binding& binding, lua_State* state, Class const& published) {
+    lua_newtable(state);
+    markMetatable(state, classMark, "nxRFL::Class");
+    lua_pushlightuserdata(state, const_cast<Class*>(&published));
+    lua_rawseti(state, -2, 2);
+    setFunction(binding, state, "__tostring", &describeClass);
+    lua_setmetatable(state, -2);
+}
+
+}  // namespace
+
+ClassTables const& tablesOf(Binding& binding, lua_State* state, Class const& objectClass) {
+    if (ClassTables const* const known = knownTables(binding, objectClass)) return *known;
+    luaL_checkstack(state, 12, "too many values");
+    if (binding.classes.size() <= objectClass.index()) binding.classes.resize(objectClass.index() + 1);
+    ClassTables& tables = binding.classes[objectClass.index()];
+    pushGlobalTable(state, objectClass.name());
+    markAsClass(binding, state, objectClass);
+    tables.classTable = luaL_ref(state, LUA_REGISTRYINDEX);
+    lua_newtable(state);
+    Binding::pushKept(state, binding.weakValues);
+    lua_setmetatable(state, -2);
+    tables.objects = luaL_ref(state, LUA_REGISTRYINDEX);
+    makeMetatable(binding, state, objectClass);
+    tables.metatable = luaL_ref(state, LUA_REGISTRYINDEX);  // last: now they are known
+    return tables;
+}
+
+void pushClass(Binding& binding, lua_State* state, Class const& pushed) {
+    Binding::pushKept(state, tablesOf(binding, state, pushed).classTable);
+}
+
+void publishAll(Binding& binding, lua_State* state) {
+    luaL_checkstack(state, 12, "too many values");
+    for (auto const& known : binding.database.classes()) {
+        ClassTables const& tables = tablesOf(binding, state, *known);
+        Binding::pushKept(state, tables.classTable);
+        fillStaticMethods(binding, state, *known);
+        Binding::pushKept(state, tables.metatable);
+        fillMetatable(binding, state, *known);
+        lua_pop(state, 2);
+    }
+    for (auto const& table : binding.database.tables()) {
+        pushGlobalTable(state, table->name);
+        for (Member const& member : table->functions) {
+            pushName(state, member.name);
+            pushMemberFunction(binding, state, member);
+            lua_rawset(state, -3);
+        }
+        lua_pop(state, 1);
+    }
+}
+
+}  // namespace nxLC::impl

@@ -1,0 +1,39 @@
+// Values between Lua and reflection stacks.
+#pragma once
+
+#include "foundation/nxLC/impl/Binding.h"
+#include "foundation/nxRFL/Writer.h"
+
+namespace nxLC::impl {
+
+/// A text on its way out of a frame that has objects with destructors.
+struct ShortText {
+    static constexpr std::size_t capacity = 256;
+    std::size_t size;
+    char bytes[capacity];
+};
+
+/// What became of a call: the number of results on the stack, or one of these.
+enum Outcome : int {
+    raisedOutcome = -1,     ///< the error is on top of the stack
+    shortTextOutcome = -2,  ///< the one result is a short text
+    shortErrorOutcome = -3  ///< the short text is the error
+};
+
+/// Appends the values on the stack of a function that Lua called, for the time of the call, as arguments of `function`.
+void readArguments(Binding& binding, lua_State* state, nxRFL::Function const& function, nxRFL::Stack& stack);
+/// Appends the Lua values from `first` up to the top.
+void readValues(Binding& binding, lua_State* state, int first, nxRFL::Stack& stack);
+
+/// Pushes the results of a call.
+int pushResults(Binding& binding, lua_State* state, nxRFL::Stack const& results, ShortText& text);
+/// The elements of the array that is the one result, as so many values.
+int pushElements(Binding& binding, lua_State* state, nxRFL::Stack const& results);
+
+/// Pushes all items. For bodies: raises and throws.
+int pushItems(Binding& binding, lua_State* state, nxRFL::Stack const& items);
+
+/// Ends a function that Lua called, with nothing left that has a destructor.
+int complete(lua_State* state, int outcome, ShortText const& text);
+
+}  // namespace nxLC::impl

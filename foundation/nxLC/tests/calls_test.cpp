@@ -1,0 +1,218 @@
+// Errors on their way between scripts and native code, callbacks, and the end of a state.
+#include <cstring>
+
+#include "foundation/nxLC/protect.h"
+#include "foundation/nxLC/tests/Farm.h"
+
+#if defined(__linux__)
+#include <dlfcn.h>
+#endif
+
+namespace {
+
+using farm::Animal;
+using farm::Farm;
+using nxRFL::Exception;
+using nxRFL::Reader;
+using nxRFL::Stack;
+using nxRFL::Writer;
+using urString::CString;
+
+class Calls : public Farm {};
+
+#if defined(__linux__)
+TEST(Lua, IsTheBuildThatIsToBeTested) {
+    Dl_info where;
+    ASSERT_NE(dladdr(reinterpret_cast<void*>(&lua_newstate), &where), 0);
+#if defined(NX_LUA_CXX)
+    EXPECT_NE(std::strstr(where.dli_fname, "c++"), nullptr) << where.dli_fname;
+#else
+    EXPECT_EQ(std::strstr(where.dli_fname, "c++"), nullptr) << where.dli_fname;
+#endif
+}
+#endif
+
+TEST_F(Calls, NativeErrorsTellWhereTheScriptCalled) {
+    EXPECT_EQ(run("\n\nfarm.Animal.make('Rex'):fail('exception')"), "test:3: Rex is tired");
+    EXPECT_EQ(run("farm.Animal.make('Rex'):fail('standard')"), "test:1: out of order");
+    EXPECT_EQ(run("farm.Animal.make('Rex'):fail('other')"), "test:1: unknown exception");
+    EXPECT_EQ(run("farm.Animal.make('Rex'):fail('long')"), "test:1: " + std::string(2000, 'x'));
+    EXPECT_EQ(run("farm.tools.apply(function(x) error('no ' .. x) end, {5})"), "test:1: test:1: no 5");
+    EXPECT_EQ(run("error({})"), "(error object is a table value)");
+    EXPECT_EQ(run("error(setmetatable({}, {__tostring = function() return 'told' end}))"), "told");
+    EXPECT_EQ(run("error(12, 0)"), "12");
+    EXPECT_EQ(run("error(nil)"), "(error object is a nil value)");
+    EXPECT_EQ(run("return return"), "test:1: unexpected symbol near 'return'");
+}
+
+TEST_F(Calls, ErrorsCarryTheScriptsStack) {
+    auto const error = state->run(
+        "local function inner() farm.Animal.make('Rex'):fail('exception') end\n"
+        "function outer() inner() end\n"
+        "outer()",
+        "=test");
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->trace().view(),
+              "stack traceback:\n"
+              "\t[C]: in function 'fail'\n"
+              "\ttest:1: in function 'inner'\n"
+              "\ttest:2: in function 'outer'\n"
+              "\ttest:3: in main chunk");
+    EXPECT_EQ(state->run("(", "=test")->trace(), "");
+}
+
+TEST_F(Calls, ErrorsEverywhereLeaveNothingBehind) {
+    EXPECT_EQ(run(R"(
+        local rex = farm.Animal.make("Rex")
+        local function fails(f, ...) assert(not pcall(f, ...)) end
+        for i = 1, 200 do
+            fails(rex.fail, rex, "exception") fails(rex.fail, rex, "standard") fails(rex.fail, rex, "long")
+            fails(rex.feed, rex, string.rep("long text ", 50), "no number")
+            fails(farm.tools.echo, {string.rep("text", 100), {1, x = 2}}, rex)
+            fails(farm.tools.apply, function() error("in the callback") end, {1, 2, 3})
+            fails(farm.tools.apply, function() farm.tools.apply(error, {1}) end, {})
+            fails(function() rex.weight = {} end)
+            rex:setOnCall(function(self, text) self:fail(text) return text end)
+            assert(rex:call("exception") == "")
+            rex:setOnCall(function(self, text) return {} end)
+            assert(rex:call("wrong type") == "")
+            local co = coroutine.wrap(function() rex:feed("meat", 1) coroutine.yield() rex:fail("exception") end)
+            co() fails(co)
+            fails(coroutine.wrap(function() farm.tools.apply(coroutine.yield, {}) end))
+        end
+        rex:setOnCall(nil))"),
+              "ok");
+    EXPECT_EQ(reported.substr(0, 58).view(), "test:11: Rex is tired;item 1 must be string, but is array;");
+    EXPECT_EQ(farm::Token::alive, 0);
+}
+
+TEST_F(Calls, FailAtAnyAllocationWithoutHarm) {
+    // Every few bytes more, memory runs out somewhere else.
+    std::string const script = R"(
+        local rex = farm.Animal.make("Rex")
+        rex.name = string.rep("x", 300)
+        rex:feed("meat", 1)
+        for food, amount in rex:meals() do assert(food == "meat") end
+        rex:setOnCall(function(self, text) return text .. self.name end)
+        assert(#rex:call("yes") == 303)
+        local t = farm.tools.echo({1, {x = {rex}}, print, "text"})
+        assert(rawequal(t[2].x[1], rex))
+        assert(#farm.tools.echo(rex.name) == 300)
+        assert(not pcall(rex.fail, rex, "long"))
+        assert(tostring(farm.Duck.make(true)))
+        rex:setOnCall(nil))";
+    int failures = 0;
+    bool succeeded = false;
+    for (std::size_t memory = 16; memory < 60000 && !succeeded; memory += memory < 4000 ? 24 : 240) {
+        state = std::make_unique<nxLC::State>(database);
+        state->setLimits({.memory = memory});
+        std::string const message = run(script);
+        succeeded = message == "ok";
+        failures += message == "memory budget spent" ? 1 : 0;
+        state.reset();
+        ASSERT_EQ(Animal::alive, 0) << memory;
+        ASSERT_EQ(farm::Token::alive, 0) << memory;
+    }
+    EXPECT_TRUE(succeeded);
+    EXPECT_GT(failures, 50);
+}
+
+TEST_F(Calls, CallbacksKeepTheirFunctionsUntilTheyAreDropped) {
+    auto const rex = ur::make<Animal>("Rex");
+    give("rex", rex);
+    EXPECT_EQ(run(R"(
+        local kept = farm.Animal.make("kept")
+        rex:setOnCall(function(self, text) count = (count or 0) + 1 return text .. " " .. kept.name end)
+        collectgarbage())"),
+              "ok");
+    EXPECT_EQ(rex->onCall(*rex, "hello"), "hello kept");
+    EXPECT_EQ(number("return count"), 1);
+    EXPECT_EQ(Animal::alive, 2);
+    rex->onCall = nullptr;
+    EXPECT_EQ(run("collectgarbage() collectgarbage()"), "ok");
+    EXPECT_EQ(Animal::alive, 1);
+
+    // Places of dropped functions are used again.
+    EXPECT_EQ(run("for i = 1, 1000 do rex:setOnCall(function() return tostring(i) end) end"), "ok");
+    EXPECT_EQ(rex->onCall(*rex, ""), "1000");
+}
+
+TEST_F(Calls, CallbacksDropThemselvesAndFail) {
+    auto const rex = ur::make<Animal>("Rex");
+    give("rex", rex);
+    EXPECT_EQ(run("rex:setOnCall(function(self) self:setOnCall(nil) collectgarbage() error('dropped') end)"), "ok");
+    EXPECT_EQ(rex->onCall(*rex, ""), "");
+    EXPECT_EQ(reported, "test:1: dropped;");
+    EXPECT_FALSE(rex->onCall);
+}
+
+TEST_F(Calls, CallbacksAreInertOnceTheirStateHasClosed) {
+    auto const rex = ur::make<Animal>("Rex");
+    give("rex", rex);
+    EXPECT_EQ(run("rex:setOnCall(function() error('alive') end)"), "ok");
+    auto const function = state->load("error('alive')", "=later");
+    state.reset();
+    EXPECT_EQ(rex->onCall(*rex, ""), "");
+    EXPECT_EQ(rex->referenceCount(), 1);
+    Stack results;
+    function->call({}, results);
+    EXPECT_TRUE(results.empty());
+    EXPECT_EQ(reported, "item 1 must be string, but is missing;");
+}
+
+TEST_F(Calls, ScriptsMayDestroyTheirState) {
+    nxRFL::ExposeFunction(database, "farm::tools").add("close", [this] { state.reset(); });
+    state->reflection().publish();
+    nxLC::State& closing = *state;
+    Stack results;
+    auto const error = closing.run("farm.tools.close() return farm.Animal.make('late').name", "=test", {}, results);
+    EXPECT_FALSE(error);
+    EXPECT_EQ(Reader(results).readText(), "late");
+    EXPECT_EQ(Animal::alive, 0);
+}
+
+TEST_F(Calls, NestOnTheThreadThatRuns) {
+    EXPECT_EQ(run(R"(
+        local depth = 0
+        local function nest() depth = depth + 1 farm.tools.apply(nest, {}) end
+        local ok, message = pcall(nest)
+        assert(not ok and message:match("C stack overflow"), message)
+        assert(depth > 20 and depth < 300, depth)
+        depth = 0
+        assert(not pcall(coroutine.wrap(nest)) and depth > 20)
+        local rex = farm.Animal.make("Rex")
+        rex:setOnCall(function() return coroutine.running() and "inside" or "outside" end)
+        assert(rex:call("") == "outside")
+        assert(coroutine.wrap(function() return rex:call("") end)() == "inside"))"),
+              "ok");
+}
+
+TEST_F(Calls, GuardTurnsExceptionsIntoErrors) {
+    lua_State* const L = state->get();
+    lua_CFunction const body = [](lua_State* inner) {
+        return nxLC::guard(inner, [inner] {
+            farm::Token const token;
+            std::string const text(lua_objlen(inner, 1), '!');
+            if (text.empty()) throw Exception("nothing to shout");
+            nxLC::protect(inner, 0, 1, [&text](lua_State* raising) {
+                lua_pushlstring(raising, text.data(), text.size());
+                return 1;
+            });
+            return 1;
+        });
+    };
+    lua_pushcfunction(L, body);
+    lua_setglobal(L, "shout");
+    EXPECT_EQ(run("assert(shout('abc') == '!!!')"), "ok");
+    EXPECT_EQ(run("shout('')"), "test:1: nothing to shout");
+    try {
+        lua_pushnumber(L, 1);
+        nxLC::protect(L, 1, 0, [](lua_State* raising) { return luaL_error(raising, "raised"); });
+        ADD_FAILURE();
+    } catch (Exception const& error) {
+        EXPECT_STREQ(error.what(), "raised");
+    }
+    EXPECT_EQ(lua_gettop(L), 0);
+}
+
+}  // namespace

@@ -1,0 +1,131 @@
+// Scripts that will not end, and what a sandbox has.
+#include <csignal>
+#include <thread>
+
+#include "foundation/nxLC/tests/Farm.h"
+
+namespace {
+
+using farm::Farm;
+
+class Limits : public Farm {};
+
+TEST_F(Limits, EndScriptsThatLoop) {
+    state->setLimits({.instructions = 200000});
+    std::string const spent = "instruction budget spent";
+    for (char const* const endless : {
+             "while true do end",
+             "local function f() return f() end f()",
+             "while true do pcall(function() while true do end end) end",
+             "while true do xpcall(function() while true do end end, function() while true do end end) end",
+             "while true do load(function() while true do end end) end",
+             "local function f() while true do coroutine.resume(coroutine.create(f)) end end f()",
+             "local function f() while true do pcall(coroutine.wrap(f)) end end f()",
+             "farm.tools.apply(function() while true do end end, {})",
+             "while true do pcall(farm.tools.apply, function() while true do end end, {}) end",
+             "table.sort({3, 1, 2}, function() while true do end end)",
+             "string.gsub('aaa', 'a', function() while true do end end)",
+             "setmetatable(_G, {__index = function() while true do end end}) local x = y",
+         }) {
+        std::string const message = run(endless);
+        EXPECT_TRUE(message.ends_with(spent)) << endless << ": " << message;
+        // The state goes on as if nothing had been.
+        EXPECT_EQ(run("setmetatable(_G, nil) for i = 1, 10000 do pcall(tostring, i) end"), "ok") << endless;
+    }
+    auto const error = state->run("while true do end", "=test");
+    EXPECT_EQ(error->message(), "test:1: instruction budget spent");
+    EXPECT_EQ(error->trace(), "stack traceback:\n\ttest:1: in main chunk");
+}
+
+TEST_F(Limits, CountEachCallAnew) {
+    state->setLimits({.instructions = 100000});
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(run("for i = 1, 60000 do end"), "ok");
+    EXPECT_NE(run("for i = 1, 200000 do end"), "ok");
+    state->setLimits({});
+    EXPECT_EQ(run("for i = 1, 1000000 do end"), "ok");
+}
+
+TEST_F(Limits, EndScriptsThatRecurse) {
+    EXPECT_NE(run("local function f() return 1 + f() end f()").find("stack overflow"), std::string::npos);
+    EXPECT_NE(run("local t = setmetatable({}, {}) getmetatable(t).__index = function(t, k) return t[k] end "
+                  "local x = t.x")
+                  .find("stack overflow"),
+              std::string::npos);
+    EXPECT_NE(run("error(setmetatable({}, {__tostring = function(e) error(e) end}))"), "ok");
+}
+
+TEST_F(Limits, EndScriptsThatAllocate) {
+    state->setLimits({.memory = 4U << 20U});
+    for (char const* const greedy :
+         {"local t = {} for i = 1, 1e9 do t[i] = {i} end", "local s = 'x' while true do s = s .. s end",
+          "string.rep('x', 1e9)", "local t = {} for i = 1, 1e9 do t[i] = coroutine.create(function() end) end"}) {
+        EXPECT_EQ(run(greedy), "memory budget spent") << greedy;
+        EXPECT_EQ(run("collectgarbage() for i = 1, 100 do local s = string.rep('x', i) end"), "ok") << greedy;
+    }
+    // Garbage does not count, however much of it there is.
+    EXPECT_EQ(run("for i = 1, 300000 do local t = {i, i, i} end"), "ok");
+    EXPECT_EQ(run("local s for i = 1, 300 do s = string.rep('x', 400000 + i) end"), "ok");
+}
+
+TEST_F(Limits, InterruptsFromOtherThreadsEndTheScript) {
+    std::thread interrupter([this] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        state->interrupt();
+    });
+    EXPECT_EQ(run("while true do pcall(function() while true do end end) end"), "test:1: interrupted");
+    interrupter.join();
+    state->interrupt();  // nothing runs
+    EXPECT_EQ(run("for i = 1, 100000 do end"), "ok");
+}
+
+TEST_F(Limits, WorkInStatesOfTheHost) {
+    lua_State* const L = luaL_newstate();
+    luaL_openlibs(L);
+    auto& data = nxLC::ReflectionData::bind(L, database);
+    EXPECT_EQ(&nxLC::ReflectionData::bind(L, database), &data);
+    EXPECT_EQ(nxLC::ReflectionData::find(L), &data);
+    EXPECT_EQ(data.getDB(), &database);
+    data.setLimits({.instructions = 10000});
+    // What the host calls by itself is not limited, what native code calls is.
+    EXPECT_EQ(luaL_dostring(L, "for i = 1, 100000 do end return farm.Animal.make('Rex').name"), 0);
+    EXPECT_STREQ(lua_tostring(L, -1), "Rex");
+    EXPECT_NE(luaL_dostring(L, "farm.tools.apply(function() while true do end end, {})"), 0);
+    EXPECT_STREQ(lua_tostring(L, -1),
+                 "[string \"farm.tools.apply(function() while true do e...\"]:1: "
+                 "[string \"farm.tools.apply(function() while true do e...\"]:1: "
+                 "instruction budget spent");
+    lua_close(L);
+    EXPECT_EQ(nxLC::ReflectionData::find(state->get()), &state->reflection());
+}
+
+class Sandbox : public Farm {
+protected:
+    Sandbox() : Farm(nxLC::Library::sandboxed) {}
+};
+
+TEST_F(Sandbox, HasNoFilesProcessesAndLoading) {
+    EXPECT_EQ(run(R"(
+        for _, name in ipairs{"io", "package", "debug", "require", "module", "dofile", "loadfile", "load", "loadstring",
+                              "newproxy"} do
+            assert(_G[name] == nil, name)
+        end
+        local left = {}
+        for name in pairs(os) do left[#left + 1] = name end
+        table.sort(left)
+        assert(table.concat(left, " ") == "clock date difftime time")
+        assert(not string.dump and not string.gfind)
+        assert(("abc"):find("b") == 2 and ("abc"):gsub("%w", "x") == "xxx" and farm.Animal.make("Rex").name == "Rex"))"),
+              "ok");
+    EXPECT_EQ(run("farm.Animal.make('Rex'):fail('exception')"), "test:1: Rex is tired");
+    EXPECT_NE(state->run("farm.Animal.make('Rex'):fail('exception')", "=test")->trace(), "");
+    EXPECT_EQ(run("\033Lua"), "a sandbox takes no compiled script");
+}
+
+TEST_F(Sandbox, BoundsPatterns) {
+    EXPECT_EQ(run("string.find(string.rep('a', 400000), string.rep('a?', 200000))"), "test:1: the pattern is too long");
+    EXPECT_EQ(run("string.gsub('a', string.rep('a?', 200000), 'b', 1)"), "test:1: the pattern is too long");
+    EXPECT_EQ(run("assert(string.find(string.rep('a', 40000), string.rep('a', 20000), 1, true) == 1)"), "ok");
+    EXPECT_EQ(run("assert(string.find(string.rep('a', 5000), string.rep('a?', 4999)))"), "ok");
+}
+
+}  // namespace

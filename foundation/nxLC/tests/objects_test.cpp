@@ -1,0 +1,230 @@
+// Native classes and objects in the eyes of scripts.
+#include "foundation/nxLC/tests/Farm.h"
+
+namespace {
+
+using farm::Animal;
+using farm::Barn;
+using farm::Duck;
+using farm::Farm;
+using nxRFL::Object;
+using ur::Reference;
+
+class Objects : public Farm {};
+
+TEST_F(Objects, ClassesAndFunctionsAreGlobalTables) {
+    EXPECT_EQ(run(R"(
+        assert(_G["farm::Animal"] == farm.Animal and _G["farm::tools"] == farm.tools)
+        assert(tostring(farm.Animal) == "class farm::Animal")
+        assert(getmetatable(farm.Animal) == "nxRFL::Class")
+        assert(farm.tools.nameOf(farm.Duck) == "farm::Duck" and farm.tools.nameOf(nil) == "none")
+        assert(nxRFL.Stack and nxRFL.Class))"),
+              "ok");
+    EXPECT_EQ(run("farm.tools.nameOf({})"),
+              "test:1: farm::tools.nameOf: argument 1 must be nxRFL::Class, but is array");
+}
+
+TEST_F(Objects, HaveMethodsPropertiesAndIterators) {
+    EXPECT_EQ(run(R"(
+        local rex = farm.Animal.make("Rex")
+        assert(rex.name == "Rex" and rex.weight == 1 and rex.legs == 4 and rex.friend == nil)
+        rex.name, rex.weight = "Max", 7.5
+        assert(rex.name == "Max" and rex.weight == 7.5 and rex.nothing == nil and rex[1] == nil)
+        rex:feed("meat", 2) rex:feed("bone", 1) rex:feed("meat", 1)
+        local seen = ""
+        for food, amount in rex:meals() do seen = seen .. food .. amount .. " " end
+        assert(seen == "bone1 meat3 ", seen)
+        for _ in farm.Animal.make("Hungry"):meals() do error("nothing is there") end
+        local walk
+        do walk = farm.Duck.make(false):meals() end
+        collectgarbage()
+        assert(walk() == nil and walk() == nil))"),
+              "ok");
+}
+
+TEST_F(Objects, RefuseWhatTheyDoNotHave) {
+    struct Row {
+        char const* script;
+        char const* message;
+    };
+    for (Row const& row :
+         {Row{"rex.legs = 5", "farm::Animal.legs is read-only"},
+          Row{"rex.feed = 5", "farm::Animal has no property feed"},
+          Row{"rex.wings = 2", "farm::Animal has no property wings"},
+          Row{"rex[1] = 2", "farm::Animal has no property number"},
+          Row{"rex.weight = 'heavy'", "farm::Animal.weight: argument 1 must be number, but is string"},
+          Row{"rex:feed('meat')", "farm::Animal.feed takes 2 arguments, but got 1"},
+          Row{"rex.feed('meat', 1)", "farm::Animal.feed must be called on an object: object:name(...)"},
+          Row{"rex:feed({}, 1)", "farm::Animal.feed: argument 1 must be string, but is array"},
+          Row{"rex.friend = farm.Barn",
+              "farm::Animal.friend: argument 1 must be farm::Animal, but is "
+              "nxRFL::Class"},
+          Row{"rex.feed(io.stdout, 'meat', 1)", "farm::Animal.feed: the object must not be a userdata"}}) {
+        EXPECT_EQ(run(std::string("local rex = farm.Animal.make('Rex') ") + row.script),
+                  std::string("test:1: ") + row.message);
+    }
+}
+
+TEST_F(Objects, AreOneUserdataEach) {
+    auto const rex = ur::make<Animal>("Rex");
+    give("a", rex);
+    give("b", rex);
+    give("c", ur::make<Animal>("Rex"));
+    EXPECT_EQ(run(R"(
+        assert(rawequal(a, b) and a ~= c and a ~= 5)
+        a.friend = c
+        assert(rawequal(a.friend, c))
+        local text = tostring(a)
+        assert(text:match("^farm::Animal: 0x%x+$") and text == tostring(b) and text ~= tostring(c))
+        assert(getmetatable(a) == "farm::Animal"))"),
+              "ok");
+    EXPECT_EQ(state->reflection().getObjectTableSize(state->get()), 2);
+    EXPECT_EQ(rex->referenceCount(), 2);
+    rex->friendly = nullptr;
+    EXPECT_EQ(run("a, b, c = nil collectgarbage()"), "ok");
+    EXPECT_EQ(rex->referenceCount(), 1);
+    EXPECT_EQ(Animal::alive, 1);
+    EXPECT_EQ(state->reflection().getObjectTableSize(state->get()), 0);
+}
+
+TEST_F(Objects, AreOfTheNearestKnownClassAndConvertToTheirBases) {
+    EXPECT_EQ(run(R"(
+        for _, secret in ipairs{false, true} do
+            local duck = farm.Duck.make(secret)
+            assert(tostring(duck):match("^farm::Duck"))
+            assert(duck.depth == 3 and duck.legs == 4 and farm.tools.depthOf(duck) == 3)
+            assert(rawequal(duck:asSwimmer(), duck))
+            duck.friend = duck
+            assert(rawequal(duck.friend, duck))
+            duck.friend = nil
+        end)"),
+              "ok");
+    EXPECT_EQ(run("farm.tools.depthOf(farm.Animal.make('Rex'))"),
+              "test:1: farm::tools.depthOf: argument 1 must be farm::Swimmer, but is farm::Animal");
+}
+
+TEST_F(Objects, BelongToScriptsOnlyWhenGiven) {
+    lua_State* const L = state->get();
+    nxRFL::Class const& barns = *database.getClass("farm::Barn");
+    Barn own;
+    auto const share = [&](char const* global) {
+        nxRFL::Stack stack;
+        nxRFL::Writer(stack).writeObject(Object(&own, barns));
+        nxRFL::Stack results;
+        ASSERT_FALSE(state->run(std::string(global) + " = ...", "=share", stack, results));
+    };
+    share("mine");
+    state->reflection().pushObject(L, Object(new Barn, barns));
+    lua_setglobal(L, "given");
+    state->reflection().pushObject(L, Object());
+    EXPECT_TRUE(lua_isnil(L, -1));
+    lua_pop(L, 1);
+    EXPECT_EQ(run("mine:add(farm.Animal.make('Rex')) given:add(farm.Animal.make('Max'))"), "ok");
+    EXPECT_EQ(number("return given:count()"), 1);
+    EXPECT_EQ(run("mine, given = nil collectgarbage()"), "ok");
+    EXPECT_EQ(Barn::alive, 1);
+    EXPECT_EQ(own.animals.size(), 1U);
+    own.animals.clear();
+
+    // First shared, then given: one userdata, which owns from then on. Counted classes balance either way.
+    auto* const later = new Barn;
+    nxRFL::Stack shared;
+    nxRFL::Writer(shared).writeObject(Object(later, barns));
+    nxRFL::Stack results;
+    ASSERT_FALSE(state->run("later = ...", "=share", shared, results));
+    state->reflection().pushObject(L, Object(later, barns));
+    lua_setglobal(L, "again");
+    EXPECT_EQ(run("assert(rawequal(later, again))"), "ok");
+    auto const rex = ur::make<Animal>("Rex");
+    give("rex", rex);
+    for (int i = 0; i < 2; ++i) {
+        state->reflection().pushObject(L, Object(rex.get(), *database.getClass("farm::Animal")));
+        lua_pop(L, 1);
+    }
+    EXPECT_EQ(rex->referenceCount(), 2);
+    EXPECT_EQ(run("later, again, rex = nil collectgarbage()"), "ok");
+    EXPECT_EQ(Barn::alive, 1);
+    EXPECT_EQ(rex->referenceCount(), 1);
+}
+
+TEST_F(Objects, AreGoneAfterTheirFinalizers) {
+    EXPECT_EQ(run(R"(
+        (function()
+            local proxy = newproxy(true)            -- finalized after the object, which is newer
+            local rex = farm.Animal.make("Rex")
+            getmetatable(proxy).__gc = function()
+                assert(tostring(rex):match("^farm::Animal: "))
+                message = select(2, pcall(function() return rex.name end))
+                same = rex == rex and rex ~= farm.Animal.make("Max")
+            end
+        end)()
+        collectgarbage())"),
+              "ok");
+    EXPECT_EQ(run("assert(same and message:match('the object must not be a farm::Animal that has "
+                  "gone$'), message)"),
+              "ok");
+}
+
+TEST_F(Objects, AppearWhenTheyAreRegisteredLater) {
+    struct Late {
+        int value = 4;
+    };
+    nxRFL::ExposeClass<Late>(database, "farm::later::Late").addProperty("value", [](Late& late) { return late.value; });
+    nxRFL::ExposeClass<Animal>(database, "farm::Animal").addMethod("run", [](Animal&) { return true; });
+    Late late;
+    nxRFL::Stack stack;
+    nxRFL::Writer writer(stack);
+    nxRFL::write(writer, &late);
+    nxRFL::Stack results;
+    EXPECT_FALSE(state->run("assert((...).value == 4)", "=test", stack, results));
+    EXPECT_EQ(run("rex = farm.Animal.make('Rex') assert(rex.run == nil)"), "ok");
+    nxLC::ReflectionData::bind(state->get(), database);
+    EXPECT_EQ(run("assert(rex:run() and farm.later.Late)"), "ok");
+}
+
+TEST_F(Objects, AskTheHookAboutAssignments) {
+    lua_State* const L = state->get();
+    EXPECT_EQ(run(R"(
+        log = ""
+        function hook(object, name, value)
+            log = log .. tostring(object):match("^[%w:]+%w") .. "." .. name .. "=" .. tostring(value) .. ";"
+            object.weight = 9
+            if value == "bad" then error("not that", 0) end
+        end)"),
+              "ok");
+    lua_getglobal(L, "hook");
+    state->reflection().setPropertyAssignmentHook(L, lua_gettop(L));
+    lua_pop(L, 1);
+    EXPECT_EQ(run(R"(
+        local rex = farm.Animal.make("Rex")
+        rex.name = "Max"
+        assert(rex.weight == 9 and rex.name == "Max")
+        assert(select(2, pcall(function() rex.name = "bad" end)) == "not that")
+        assert(rex.name == "Max")
+        assert(log == "farm::Animal.name=Max;farm::Animal.name=bad;", log))"),
+              "ok");
+    state->reflection().clearPropertyAssignmentHook(L);
+    EXPECT_EQ(run("farm.Animal.make('Rex').name = 'bad' assert(#log < 60)"), "ok");
+}
+
+TEST_F(Objects, FunctionsOfMetatablesBearAnyArguments) {
+    EXPECT_EQ(run(R"(
+        local rex = farm.Animal.make("Rex")
+        for _, value in pairs(debug.getmetatable(rex)) do
+            if type(value) == "function" then
+                for _, bad in ipairs{5, "x", {}, io.stdout, print, farm.Animal} do
+                    pcall(value, bad, "name", 1)
+                    pcall(value, bad)
+                    pcall(value, rex, bad, bad)
+                end
+                pcall(value)
+            end
+        end
+        for name, value in pairs(farm.Animal) do pcall(value) pcall(value, rex) end
+        rex = farm.Animal.make("Rex")
+        local walk = rex:meals()
+        assert(not pcall(rex.meals) and not pcall(rex.meals, farm.Barn) and walk(5, {}) == nil))"),
+              "ok");
+}
+
+}  // namespace
