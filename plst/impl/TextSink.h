@@ -2,8 +2,7 @@
 #pragma once
 
 #include <algorithm>
-#include <cstring>
-#include <string_view>
+#include <cstddef>
 
 #include "foundation/urString/CString.h"
 
@@ -36,25 +35,25 @@ public:
         *room(1) = character;
         ++at_;
     }
-    void put(std::string_view text) {
-        std::memcpy(room(text.size()), text.data(), text.size());
-        at_ += text.size();
-    }
 
 private:
     static constexpr std::size_t firstRoom = 240;
+    /// From here on blocks grow where they lie, so there is no need to go far ahead.
+    static constexpr std::size_t largeSize = std::size_t(1) << 20;
 
     [[nodiscard]] std::size_t used() const { return static_cast<std::size_t>(at_ - text_.data()); }
 
     void grow(std::size_t bytes) {
         std::size_t const size = used();
-        expose(size, std::max({size + bytes, 2 * size, firstRoom}));
+        std::size_t const ahead = size < largeSize ? size : size / 8;
+        expose(size, size + std::max({bytes, ahead, firstRoom}));
     }
 
     void expose(std::size_t size, std::size_t capacity) {
-        text_.resizeAndOverwrite(capacity, [](char*, std::size_t bytes) { return bytes; });
+        text_.reserve(capacity);
+        text_.resizeAndOverwrite(text_.capacity(), [](char*, std::size_t bytes) { return bytes; });
         at_ = text_.data() + size;
-        end_ = text_.data() + capacity;
+        end_ = at_ + (text_.size() - size);
     }
 
     urString::CString& text_;
