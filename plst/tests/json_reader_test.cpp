@@ -1,6 +1,7 @@
 // Reading JSON: what it means, what is refused, and yajl's word on everything.
 #include <fstream>
 
+#include "plst/JsonTape.h"
 #include "plst/impl/FastJsonReader.h"
 #include "plst/impl/YajlReader.h"
 #include "plst/json.h"
@@ -106,13 +107,49 @@ TEST(ReadJson, KeepsTheLastOfManyEqualKeys) {
     }
 }
 
-/// Both readers beside yajl used plainly; whether the fast one took the text.
+/// The item of the tape's next value, without nulls as in trees.
+Reference<Item> takeItem(JsonTape const& tape, JsonTape::Entry const*& next) {
+    JsonTape::Entry const& entry = *next++;
+    switch (entry.kind) {
+        case JsonTape::Kind::null: return nullptr;
+        case JsonTape::Kind::boolean: return make<Bool>(entry.isTrue);
+        case JsonTape::Kind::number: return make<Double>(entry.number);
+        case JsonTape::Kind::text: return make<String>(urString::CString(tape.textOf(entry)));
+        case JsonTape::Kind::array: {
+            auto array = make<Array>();
+            for (unsigned i = 0; i < entry.size; ++i) {
+                if (auto element = takeItem(tape, next)) array->insert(element);
+            }
+            return array;
+        }
+        case JsonTape::Kind::dictionary: break;
+    }
+    auto dictionary = make<Dictionary>();
+    for (unsigned i = 0; i < entry.size; ++i) {
+        urString::CString const key(tape.textOf(*next++));
+        if (auto value = takeItem(tape, next)) dictionary->insert(key, value);
+    }
+    return dictionary;
+}
+
+void agreeOnTape(std::string const& text, bool accepted, Item const* plain) {
+    JsonTape tape;
+    EXPECT_EQ(tape.read(text), accepted) << text;
+    EXPECT_EQ(tape.entries().empty(), !accepted) << text;
+    if (!accepted) return;
+    JsonTape::Entry const* next = tape.entries().data();
+    EXPECT_TRUE(same(takeItem(tape, next).get(), plain)) << text;
+    EXPECT_EQ(next - tape.entries().data(), static_cast<std::ptrdiff_t>(tape.entries().size())) << text;
+}
+
+/// Both readers and the tape beside yajl used plainly; whether the fast reader took the text.
 bool agree(std::string const& text) {
     Reference<Item> plain;
     Reference<Item> careful;
     bool const accepted = readPlainly(plain, text);
     EXPECT_EQ(impl::readWithYajl(careful, text.data(), text.size()), accepted) << text;
     EXPECT_TRUE(same(careful.get(), plain.get())) << text;
+    agreeOnTape(text, accepted, plain.get());
     // In a block of its own size, so that reading beyond it is seen.
     std::vector<char> const block(text.begin(), text.end());
     Reference<Item> const fast = impl::FastJsonReader({block.data(), block.size()}).read();

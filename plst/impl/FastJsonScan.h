@@ -1,0 +1,170 @@
+// The scan of plain valid JSON, which is nearly all JSON there is.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "plst/impl/JsonNumberReader.h"
+#include "plst/impl/JsonText.h"
+#include "plst/impl/textScan.h"
+
+namespace nxPLST::impl {
+
+/// What encloses a value.
+enum class Inside { array, dictionary };
+
+/// Tells a sink what a text holds in one pass, or gives up.
+///
+/// It takes no text that yajl refuses, and tells the same of those it takes. Whatever is unusual (a comment, a single
+/// number, half of a surrogate pair, a number out of range) makes it give up, and yajl decides. The text must be an
+/// object or an array: its last bracket stops all scanning, so that only texts have to look for the end.
+///
+/// `Sink` has `null<inside>()`, `boolean<inside>(bool)`, `number<inside>(double)`, `text<inside>(string_view)`,
+/// `key(string_view)` before the value, `open(inside)` and `close()` for containers, and tells by `isOpen()` and
+/// `current()` whether and in which one it is. What it is given lives until the next call.
+template <class Sink>
+class FastJsonScan {
+public:
+    FastJsonScan(std::string_view text, Sink& sink) : sink_(sink), text_(text.data()), end_(text_ + text.size()) {
+        while (end_ != text_ && isSpace(end_[-1])) --end_;
+        while (text_ != end_ && isSpace(*text_)) ++text_;
+    }
+
+    /// False after giving up. Call it once.
+    bool run() {
+        if (end_ - text_ < 2 || (end_[-1] != ']' && end_[-1] != '}') || (*text_ != '[' && *text_ != '{')) return false;
+        char const* at = open(text_);
+        while (at && sink_.isOpen()) {
+            bool const isDictionary = sink_.current() == Inside::dictionary;
+            at = isDictionary ? readValues<Inside::dictionary>(at) : readValues<Inside::array>(at);
+        }
+        return at == end_;
+    }
+
+private:
+    // These read what is at a place and give the place behind it, or null when they give up.
+
+    static bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+    static char const* skipSpace(char const* at) {
+        if (static_cast<unsigned char>(*at) > ' ') [[likely]]
+            return at;
+        while (isSpace(*at)) ++at;
+        return at;
+    }
+
+    /// Reads values until their container ends or the next value is a container, which begins. In an object the key of
+    /// the first one has been read.
+    template <Inside inside>
+    char const* readValues(char const* at) {
+        for (;;) {
+            if (*at == '[' || *at == '{') return open(at);
+            at = readScalar<inside>(at);
+            if (!at) return nullptr;
+            at = skipSpace(at);
+            if (*at != ',') return close(at);
+            at = skipSpace(at + 1);
+            if constexpr (inside == Inside::dictionary) {
+                at = readKey(at);
+                if (!at) return nullptr;
+            }
+        }
+    }
+
+    template <Inside inside>
+    char const* readScalar(char const* at) {
+        switch (*at) {
+            case '"': {
+                std::string_view text;
+                at = readText(at + 1, text);
+                if (at) sink_.template text<inside>(text);
+                return at;
+            }
+            case 't': sink_.template boolean<inside>(true); return readLiteral(at, "true");
+            case 'f': sink_.template boolean<inside>(false); return readLiteral(at, "false");
+            case 'n': sink_.template null<inside>(); return readLiteral(at, "null");
+            default: break;
+        }
+        double value = 0;
+        if (*at != '-' && !isDigit(*at)) return nullptr;
+        at = readNumber(at, end_, value);
+        if (at) sink_.template number<inside>(value);
+        return at;
+    }
+
+    char const* readLiteral(char const* at, std::string_view word) const {
+        bool const isThere = std::string_view(at, static_cast<std::size_t>(end_ - at)).starts_with(word);
+        return isThere ? at + word.size() : nullptr;
+    }
+
+    /// Reads a key and its colon.
+    char const* readKey(char const* at) {
+        if (*at != '"') return nullptr;
+        std::string_view key;
+        at = readText(at + 1, key);
+        if (!at) return nullptr;
+        sink_.key(key);
+        at = skipSpace(at);
+        return *at == ':' ? skipSpace(at + 1) : nullptr;
+    }
+
+    /// From behind the opening quote to behind the closing one, which is before the last bracket. The text lives until
+    /// the next one is read.
+    char const* readText(char const* at, std::string_view& text) {
+        char const* const stop = runEnd<Stop::atEscapesAndUtf8>(at, end_);
+        if (stop == end_ || *stop != '"') [[unlikely]]
+            return readUnusualText(at, stop, text);
+        text = {at, static_cast<std::size_t>(stop - at)};
+        return stop + 1 < end_ ? stop + 1 : nullptr;
+    }
+
+    /// A text that has escapes or more than ASCII, which is plain up to `stop`.
+    char const* readUnusualText(char const* at, char const* stop, std::string_view& text) {
+        unescaped_.clear();
+        for (; stop != end_ && *stop != '"'; stop = runEnd<Stop::atEscapesAndUtf8>(stop, end_)) {
+            if (*stop == '\\') {
+                unescaped_.append(at, stop);
+                at = stop = readEscape(stop, end_, unescaped_);
+                if (!at) return nullptr;
+            } else {
+                int const length = utf8Length(stop, end_);
+                if (length < 2) return nullptr;
+                stop += length;
+            }
+        }
+        if (end_ - stop < 2) return nullptr;
+        unescaped_.append(at, stop);
+        text = unescaped_;
+        return stop + 1;
+    }
+
+    /// From the bracket to the first child's value, or past the whole when there is none.
+    char const* open(char const* at) {
+        bool const isDictionary = *at == '{';
+        sink_.open(isDictionary ? Inside::dictionary : Inside::array);
+        at = skipSpace(at + 1);
+        if (*at == ']' || *at == '}') return close(at);
+        return isDictionary ? readKey(at) : at;
+    }
+
+    /// Closes what ends at `at` and goes on to the next value, or past the last bracket.
+    char const* close(char const* at) {
+        while (*at == ']' || *at == '}') {
+            if ((sink_.current() == Inside::dictionary) != (*at == '}')) return nullptr;
+            sink_.close();
+            ++at;
+            if (!sink_.isOpen()) return at;
+            if (at == end_) return nullptr;
+            at = skipSpace(at);
+        }
+        if (*at != ',') return nullptr;
+        at = skipSpace(at + 1);
+        return sink_.current() == Inside::dictionary ? readKey(at) : at;
+    }
+
+    Sink& sink_;
+    char const* text_;
+    char const* end_;
+    std::string unescaped_;
+};
+
+}  // namespace nxPLST::impl

@@ -1,0 +1,86 @@
+// Building items from what a scan tells.
+#pragma once
+
+#include <cmath>
+#include <string_view>
+
+#include "plst/Array.h"
+#include "plst/Bool.h"
+#include "plst/Dictionary.h"
+#include "plst/Double.h"
+#include "plst/String.h"
+#include "plst/impl/FastJsonScan.h"
+#include "plst/impl/ScratchStack.h"
+
+namespace nxPLST::impl {
+
+/// Makes the tree of one text. Children wait beside each other until their container closes and takes them together.
+class JsonTreeSink {
+public:
+    /// The tree, when all has been told.
+    [[nodiscard]] ur::Reference<Item> takeRoot() {
+        return !root_ && !elements_.empty() ? std::move(elements_.top()) : std::move(root_);
+    }
+    /// Whether the tree has everything: no null and no repeated key was dropped, and no number was rounded that may
+    /// have been whole.
+    [[nodiscard]] bool lostNothing() const noexcept { return lostNothing_; }
+
+    [[nodiscard]] bool isOpen() const noexcept { return !frames_.empty(); }
+    [[nodiscard]] Inside current() noexcept { return frames_.top().inside; }
+
+    template <Inside inside>
+    void null() {
+        lostNothing_ = false;
+        if constexpr (inside == Inside::dictionary) members_.pop();
+    }
+    template <Inside inside>
+    void boolean(bool value) {
+        add<inside>(ur::make<Bool>(value));
+    }
+    template <Inside inside>
+    void number(double value) {
+        constexpr double exactWholes = 0x1p53;  // all whole numbers up to here are doubles
+        if (std::fabs(value) >= exactWholes) [[unlikely]]
+            lostNothing_ = false;
+        add<inside>(ur::make<Double>(value));
+    }
+    template <Inside inside>
+    void text(std::string_view value) {
+        add<inside>(ur::make<String>(urString::CString(value)));
+    }
+    void key(std::string_view name) { members_.push(urString::CString(name), nullptr); }
+    void open(Inside inside) {
+        frames_.push(inside == Inside::dictionary ? members_.size() : elements_.size(), inside);
+    }
+    void close();
+
+private:
+    struct Member {
+        urString::CString key;
+        ur::Reference<Item> value;
+    };
+    /// An open container: the first of its children in `elements_` or `members_`.
+    struct Frame {
+        std::size_t first;
+        Inside inside;
+    };
+
+    template <Inside inside>
+    void add(ur::Reference<Item> item) {
+        if constexpr (inside == Inside::dictionary) {
+            members_.top().value = std::move(item);
+        } else {
+            elements_.push(std::move(item));
+        }
+    }
+    ur::Reference<Item> takeArray(std::size_t first);
+    ur::Reference<Item> takeDictionary(std::size_t first);
+
+    ScratchStack<Frame> frames_;
+    ScratchStack<ur::Reference<Item>> elements_;
+    ScratchStack<Member> members_;
+    bool lostNothing_ = true;
+    ur::Reference<Item> root_;
+};
+
+}  // namespace nxPLST::impl

@@ -1,0 +1,134 @@
+// The scan that decides what JSON is.
+#pragma once
+
+#include <yajl/yajl_parse.h>
+
+#include <exception>
+#include <memory>
+#include <new>
+#include <string_view>
+#include <type_traits>
+
+#include "plst/impl/FastJsonScan.h"
+
+namespace nxPLST::impl {
+
+/// Tells a sink, as FastJsonScan does, what yajl makes of a text, comments allowed. What is no container may be alone;
+/// it then counts as inside an array.
+template <class Sink>
+class YajlScan {
+public:
+    explicit YajlScan(Sink& sink) : sink_(sink) {}
+
+    /// False when yajl refuses the text. Call it once.
+    bool run(std::string_view text) {
+        std::unique_ptr<std::remove_pointer_t<yajl_handle>, FreeParser> const parser(
+            yajl_alloc(&callbacks, nullptr, this));
+        if (!parser) throw std::bad_alloc();
+        yajl_config(parser.get(), yajl_allow_comments, 1);
+        auto const* const bytes = reinterpret_cast<unsigned char const*>(text.data());
+        bool const ok = yajl_parse(parser.get(), bytes, text.size()) == yajl_status_ok &&
+                        yajl_complete_parse(parser.get()) == yajl_status_ok;
+        if (failure_) std::rethrow_exception(failure_);
+        return ok;
+    }
+
+private:
+    struct FreeParser {
+        void operator()(yajl_handle parser) const { yajl_free(parser); }
+    };
+
+    static std::string_view view(unsigned char const* text, std::size_t length) {
+        return {reinterpret_cast<char const*>(text), length};
+    }
+
+    /// False when it is out of range. Its own conversions follow the locale.
+    bool tellNumber(std::string_view text) {
+        double value = 0;
+        char const* const end = text.data() + text.size();
+        bool const isWhole = text.find_first_of(".eE") == std::string_view::npos;
+        bool const isRead =
+            isWhole ? readInteger(text.data(), end, value) : readReal(text.data(), end, value) != nullptr;
+        if (isRead) inCurrent([&]<Inside inside>() { sink_.template number<inside>(value); });
+        return isRead;
+    }
+
+    /// Calls `tell` for what encloses the next value.
+    template <class Tell>
+    void inCurrent(Tell tell) {
+        if (sink_.isOpen() && sink_.current() == Inside::dictionary) {
+            tell.template operator()<Inside::dictionary>();
+        } else {
+            tell.template operator()<Inside::array>();
+        }
+    }
+
+    /// Runs `tell`, which is false for what must be refused, for yajl; 0 makes yajl stop. An exception must not leave
+    /// through yajl, which is C: it waits.
+    template <class Tell>
+    static int guard(void* context, Tell tell) noexcept {
+        auto& scan = *static_cast<YajlScan*>(context);
+        try {
+            return tell(scan) ? 1 : 0;
+        } catch (...) {
+            scan.failure_ = std::current_exception();
+            return 0;
+        }
+    }
+
+    template <Inside inside>
+    static bool open(YajlScan& scan) {
+        scan.sink_.open(inside);
+        return true;
+    }
+    static bool close(YajlScan& scan) {
+        scan.sink_.close();
+        return true;
+    }
+
+    static constexpr yajl_callbacks callbacks = {
+        .yajl_null =
+            [](void* context) {
+                return guard(context, [](YajlScan& scan) {
+                    scan.inCurrent([&]<Inside inside>() { scan.sink_.template null<inside>(); });
+                    return true;
+                });
+            },
+        .yajl_boolean =
+            [](void* context, int value) {
+                return guard(context, [&](YajlScan& scan) {
+                    scan.inCurrent([&]<Inside inside>() { scan.sink_.template boolean<inside>(value != 0); });
+                    return true;
+                });
+            },
+        .yajl_integer = nullptr,
+        .yajl_double = nullptr,
+        .yajl_number =
+            [](void* context, char const* text, std::size_t length) {
+                return guard(context, [&](YajlScan& scan) { return scan.tellNumber({text, length}); });
+            },
+        .yajl_string =
+            [](void* context, unsigned char const* text, std::size_t length) {
+                return guard(context, [&](YajlScan& scan) {
+                    scan.inCurrent([&]<Inside inside>() { scan.sink_.template text<inside>(view(text, length)); });
+                    return true;
+                });
+            },
+        .yajl_start_map = [](void* context) { return guard(context, open<Inside::dictionary>); },
+        .yajl_map_key =
+            [](void* context, unsigned char const* text, std::size_t length) {
+                return guard(context, [&](YajlScan& scan) {
+                    scan.sink_.key(view(text, length));
+                    return true;
+                });
+            },
+        .yajl_end_map = [](void* context) { return guard(context, close); },
+        .yajl_start_array = [](void* context) { return guard(context, open<Inside::array>); },
+        .yajl_end_array = [](void* context) { return guard(context, close); },
+    };
+
+    Sink& sink_;
+    std::exception_ptr failure_;
+};
+
+}  // namespace nxPLST::impl
