@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "support/messaging/Domain.h"
+#include "support/messaging/impl/DomainImpl.h"
 #include "support/messaging/impl/FirstError.h"
 
 namespace nxSupport {
@@ -60,6 +61,12 @@ void Context::runPostFunctions() {
             function(domain_);
         }
     }
+}
+
+bool Context::isActive(Context const* context) noexcept {
+    Context const* active = DomainImpl::latest;
+    while (active && active != context) active = active->before_;
+    return active != nullptr;
 }
 
 urString::CString const& Context::modeToString(Mode mode) noexcept {

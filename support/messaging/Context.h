@@ -69,6 +69,9 @@ public:
     /// An empty one raises `std::bad_function_call`. After one that throws or destroys the domain, no more are run.
     void addPostFunction(PostFunction function) const;
 
+    /// Whether `context` is one that has begun and not ended. Asked by those who cannot know whether it still exists.
+    [[nodiscard]] static bool isActive(Context const* context) noexcept;
+
     /// The name of a mode; empty for a value that is none.
     [[nodiscard]] static urString::CString const& modeToString(Mode mode) noexcept;
     /// False, and `mode` as before, when no mode has that name.
