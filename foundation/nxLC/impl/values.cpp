@@ -82,12 +82,11 @@ void readValue(Binding& binding, lua_State* state, int index, Writer& writer, Ob
     }
 }
 
-[[noreturn]] void failOnArgument(Function const& function, int position, Exception const& error) {
-    CString message = function.name();
-    bool const isObject = function.isMethod() && position == 0;
-    message.append(isObject ? ": the object "
-                            : CString::format(": argument %d ", position + (function.isMethod() ? 0 : 1)));
-    throw Exception(message.append(error.message()), error.trace());
+/// The beginning of a message about the argument at `position`, from 0 on.
+CString argumentName(Function const& function, int position) {
+    bool const isMethod = function.isMethod();
+    if (isMethod && position == 0) return function.name() + ": the object ";
+    return function.name() + CString::format(": argument %d ", position + (isMethod ? 0 : 1));
 }
 
 /// Pushes a plain value or a known object. False for others; never raises.
@@ -154,7 +153,7 @@ void readArguments(Binding& binding, lua_State* state, Function const& function,
             // They stay on Lua's stack, and so alive, for as long as the call lasts.
             readValue(binding, state, i, writer, Object::Hold::borrowed);
         } catch (Exception const& error) {
-            failOnArgument(function, i - 1, error);
+            throw Exception(argumentName(function, i - 1) + error.message());
         }
     }
 }
@@ -162,7 +161,13 @@ void readArguments(Binding& binding, lua_State* state, Function const& function,
 void readValues(Binding& binding, lua_State* state, int first, Stack& stack) {
     Writer writer(stack);
     int const count = lua_gettop(state);
-    for (int i = first; i <= count; ++i) readValue(binding, state, i, writer, Object::Hold::shared);
+    for (int i = first; i <= count; ++i) {
+        try {
+            readValue(binding, state, i, writer, Object::Hold::shared);
+        } catch (Exception const& error) {
+            throw Exception(CString::format("value %d ", i - first + 1) + error.message());
+        }
+    }
 }
 
 int pushItems(Binding& binding, lua_State* state, Stack const& items) {
