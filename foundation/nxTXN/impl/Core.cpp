@@ -27,7 +27,9 @@ std::uint32_t Core::enter(Object& object, bool counted) {
 
 void Core::compact() {
     ur::vector<std::uint32_t*> bounds;
-    for (Step& step : steps_) bounds.insert(bounds.end(), {&step.birthsBegin, &step.birthsEnd});
+    for (std::size_t i = 0; i < steps_.size(); ++i) {
+        bounds.insert(bounds.end(), {&steps_[i].birthsBegin, &steps_[i].birthsEnd});
+    }
     for (Level& level : levels_) bounds.push_back(&level.birthsBegin);
     lifetimes_.compact(bounds);
 }
@@ -60,21 +62,17 @@ void Core::transact(Object& object) {
 
 void Core::record(Object& object, Entry const& entry) {
     std::uint32_t const formerStamp = entry.stamp;
-    writer_.clear();
-    save(object);
-    records_.push(object, {writer_.data(), writer_.mutableWords()}, formerStamp);
+    RecordStore::Hook hook;
+    {
+        Busy const busy(*this);
+        writer_.clear();
+        hook = save(object) ? RecordStore::Hook::given : RecordStore::Hook::none;
+    }
+    records_.push(object, {writer_.data(), writer_.mutableWords()}, hook, formerStamp);
     writer_.clear();
     Level& level = levels_.back();
     ++level.records;
     lifetimes_.entryOf(object).stamp = level.stamp;
-}
-
-// Adds what the object is to the writer.
-RestoreHook Core::save(Object& object) {
-    Busy const busy(*this);
-    SavingPass pass(writer_);
-    object.onTransact(pass);
-    return pass.restoreHook();
 }
 
 void Core::missed(Object const& object) {
@@ -147,7 +145,7 @@ void Core::addStep(Level const& level) {
         step.birthsEnd = birthsEnd;
     } else {
         auto name = shared(level.name);
-        steps_.push_back({std::move(name), level.begin, level.records, level.stamp, level.birthsBegin, birthsEnd});
+        steps_.push({std::move(name), level.begin, level.records, level.stamp, level.birthsBegin, birthsEnd});
         discardUndone();
         coalesceKey_ = level.coalesceKey;
     }
@@ -175,27 +173,26 @@ void Core::discardUndone() {
     }
     Lifetimes::Deferral const deferral(lifetimes_);
     Busy const busy(*this);
+    Step newest = steps_.popBack();
+    newest.begin = steps_[present_].begin;
     std::uint32_t discarded = 0;
-    for (std::size_t i = present_; i + 1 < steps_.size(); ++i) {
-        discarded += steps_[i].records;
-        lifetimes_.abandonUnborn(steps_[i].birthsBegin, steps_[i].birthsEnd);
+    while (redoCount() > 0) {
+        Step const step = steps_.popBack();
+        discarded += step.records;
+        lifetimes_.abandonUnborn(step.birthsBegin, step.birthsEnd);
     }
-    auto const first = steps_.begin() + static_cast<std::ptrdiff_t>(present_);
-    ++present_;
-    steps_.back().begin = first->begin;
-    steps_.erase(first, steps_.end() - 1);
-    Step const& newest = steps_.back();
     std::uint32_t position = 0;
     records_.filterTop(newest.begin, discarded + newest.records,
                        [&](Record const&) { return position++ >= discarded; });
+    steps_.push(std::move(newest));
+    ++present_;
 }
 
 // What a step made that is done stays.
 void Core::discardOldest() {
     Lifetimes::Deferral const deferral(lifetimes_);
     Busy const busy(*this);
-    Step const step = std::move(steps_.front());
-    steps_.pop_front();
+    Step const step = steps_.popFront();
     --present_;
     records_.popBottom(step.records);
 }
@@ -203,8 +200,7 @@ void Core::discardOldest() {
 void Core::discardFarthest() {
     Lifetimes::Deferral const deferral(lifetimes_);
     Busy const busy(*this);
-    Step const step = std::move(steps_.back());
-    steps_.pop_back();
+    Step const step = steps_.popBack();
     lifetimes_.abandonUnborn(step.birthsBegin, step.birthsEnd);
     records_.pop(step.begin, step.records);
 }

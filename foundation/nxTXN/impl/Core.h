@@ -3,34 +3,18 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <utility>
 
 #include "foundation/nxTXN/Manager.h"
 #include "foundation/nxTXN/Serializer.h"
 #include "foundation/nxTXN/impl/Lifetimes.h"
 #include "foundation/nxTXN/impl/RecordStore.h"
+#include "foundation/nxTXN/impl/Steps.h"
+#include "foundation/nxTXN/impl/passes.h"
 #include "foundation/ur/Reference.h"
-#include "foundation/ur/ReferenceCount.h"
 #include "foundation/ur/containers.h"
 
 namespace nxTXN::impl {
-
-/// The name of one or more steps.
-struct SharedName final : ur::ReferenceCount {
-    explicit SharedName(urString::CString const& name) : text(name) {}
-    urString::CString const text;
-};
-
-/// A committed transaction.
-struct Step {
-    ur::Reference<SharedName> name;
-    RecordStore::Place begin;  // of its records
-    std::uint32_t records;
-    std::uint32_t stamp;  // of the objects that it recorded
-    std::uint32_t birthsBegin;
-    std::uint32_t birthsEnd;
-};
 
 /// A transaction that is open.
 struct Level {
@@ -64,7 +48,10 @@ public:
     /// A record of this manager keeps the object, which may be another manager's.
     void pin(Object& object);
     /// Has the object read its fields.
-    void putBack(Object& object, Content const& content);
+    void putBack(Object& object, Content const& content) {
+        RestoringPass pass(content.reader());
+        visitRestoring(object, pass);
+    }
 
     void begin(urString::CString const& name, TransactionKind kind, void const* coalesceKey);
     bool commit();
@@ -101,22 +88,27 @@ private:
         bool before_;
     };
 
-    /// A record on its way back into its object, and the size of what the object is now. That lies in the writer, for
-    /// one record behind the other, until it takes the record's place.
+    /// A record on its way back into its object, and where in the writer lies what the object is now.
     struct Restoration {
         Record* record;
         RestoreHook hook;
+        std::uint32_t dataBegin;
         std::uint32_t dataBytes;
+        std::uint32_t wordsBegin;
         std::uint32_t words;
-        RecordStore::Elsewhere elsewhere;  // room for it, if it does not fit into the record
+        std::byte* elsewhere;  // room for it, if it does not fit into the record
     };
-    enum class Order { forward, backward };
 
     void meet(Core& other);
     [[nodiscard]] ur::Reference<SharedName> shared(urString::CString const& name) const;
     void compact();
     void record(Object& object, Entry const& entry);
-    RestoreHook save(Object& object);
+    /// Adds what the object is to the writer. Requires: the manager is busy.
+    RestoreHook save(Object& object) {
+        SavingPass pass(writer_);
+        object.onTransact(pass);
+        return pass.restoreHook();
+    }
     void missed(Object const& object);
 
     [[nodiscard]] bool mayEnd() const noexcept;
@@ -133,16 +125,26 @@ private:
 
     bool replay(std::size_t step, Lifetimes::Birth birth);
     void turn(std::size_t step, Lifetimes::Birth birth, Failures& failures);
-    [[nodiscard]] Restoration captured(Record& record);
-    void capture(Step const& step);
-    void exchange() noexcept;
-    bool restoreAll(Order order, Failures& failures);
-    void turnBack(Order order, std::size_t restored) noexcept;
-    bool restore(Restoration const& item, Content const& content, Failures& failures);
-    void tellModified(Order order, Failures& failures) noexcept;
-    [[nodiscard]] Restoration& itemAt(std::size_t position, Order order) noexcept {
-        return work_[order == Order::forward ? position : work_.size() - 1 - position];
+    void turnHooked(Step const& step, Lifetimes::Birth birth, Failures& failures);
+    void turnPlain(Record& record, Failures& failures);
+    void swap(Record& record, Serializer& pass);
+    void visitRestoring(Object& object, Serializer& pass) {
+        Lifetimes::Restoring const restoring(lifetimes_);
+        object.onTransact(pass);
     }
+    [[nodiscard]] Record* onlyPlainRecord(Step const& step) noexcept;
+    [[noreturn]] void giveUp(std::size_t keptWords, Failures& failures);
+    void beginCapture() noexcept;
+    void capture(Step const& step);
+    void capture(Record& record);
+    void findRoom(Restoration& item);
+    [[nodiscard]] Content captured(Restoration const& item) noexcept;
+    void exchange() noexcept;
+    bool restoreAll(Failures& failures);
+    void turnBack(std::size_t restored) noexcept;
+    bool restore(Restoration const& item, Content const& content, Failures& failures);
+    bool restoreHooked(Restoration const& item, Content const& content, Failures& failures);
+    void tellModified(Failures& failures) noexcept;
 
     void collect(Level const& level, Failures& failures);
     void takeBack(Level const& level, Failures& failures);
@@ -150,15 +152,16 @@ private:
     Manager& manager_;
     Lifetimes lifetimes_;
     RecordStore records_{*this};
-    std::deque<Step> steps_;
-    std::size_t present_ = 0;            // the steps before it are done
-    ur::vector<Level> levels_;           // innermost last
-    Writer writer_;                      // for one record, or for all that a replay captures
-    ur::vector<Restoration> work_;       // of the replay under way
-    ur::vector<Core*> acquaintances_;    // managers whose records and objects are mixed with ours
-    std::uint32_t stamp_ = 0;            // of the newest transaction
-    void const* coalesceKey_ = nullptr;  // of the newest step
-    bool sealed_ = false;                // the newest step takes no more
+    Steps steps_;
+    std::size_t present_ = 0;                       // the steps before it are done
+    ur::vector<Level> levels_;                      // innermost last
+    Writer writer_;                                 // for one record, or for all that a replay captures
+    ur::vector<Restoration> work_;                  // of the replay under way
+    ur::vector<RecordStore::Elsewhere> elsewhere_;  // owns the room that it asked for
+    ur::vector<Core*> acquaintances_;               // managers whose records and objects are mixed with ours
+    std::uint32_t stamp_ = 0;                       // of the newest transaction
+    void const* coalesceKey_ = nullptr;             // of the newest step
+    bool sealed_ = false;                           // the newest step takes no more
     bool busy_ = false;
     std::size_t stepLimit_ = 0;
     std::size_t byteLimit_ = 0;

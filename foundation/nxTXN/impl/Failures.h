@@ -7,13 +7,19 @@ namespace nxTXN::impl {
 
 class Failures {
 public:
+    /// False when the action has thrown.
     template <class Action>
-    void run(Action&& action) noexcept {
+    bool run(Action&& action) noexcept {
         try {
             action();
+            return true;
         } catch (...) {
-            if (!first_) first_ = std::current_exception();
+            add(std::current_exception());
+            return false;
         }
+    }
+    void add(std::exception_ptr const& failure) noexcept {
+        if (!first_) first_ = failure;
     }
 
     [[nodiscard]] bool any() const noexcept { return first_ != nullptr; }

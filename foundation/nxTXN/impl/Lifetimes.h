@@ -65,7 +65,7 @@ public:
     /// A record gave the object back to a field.
     static void returned(Object& object);
     /// Does or undoes the making of the objects from `begin` to `end`.
-    void setBirths(std::uint32_t begin, std::uint32_t end, Birth birth);
+    void setBirths(std::uint32_t begin, std::uint32_t end, Birth birth) noexcept;
     /// Decides which of the objects touched since the last time exist, and tells those for which it changed.
     void settle(Failures& failures) {
         if (!changes_.empty()) tellChanges(failures);

@@ -2,7 +2,6 @@
 #include "foundation/nxTXN/impl/RecordStore.h"
 
 #include <algorithm>
-#include <cstring>
 #include <new>
 #include <utility>
 
@@ -15,33 +14,33 @@ namespace {
 void store(Record& record, std::byte* place, Content const& content) noexcept {
     record.dataBytes = static_cast<std::uint32_t>(content.data.size());
     record.words = static_cast<std::uint32_t>(content.words.size());
-    std::byte* const pointers = place + Content::bytes(content.data.size(), 0);
-    if (!content.data.empty()) std::memcpy(place, content.data.data(), content.data.size());
-    if (!content.words.empty()) std::memcpy(pointers, content.words.data(), content.words.size_bytes());
+    copyBytes(place, content.data.data(), content.data.size());
+    std::copy(content.words.begin(), content.words.end(),
+              reinterpret_cast<std::uintptr_t*>(place + Content::bytes(content.data.size(), 0)));
 }
 
 }  // namespace
 
-void RecordStore::push(Object& subject, Content const& content, std::uint32_t formerStamp) {
+void RecordStore::push(Object& subject, Content const& content, Hook hook, std::uint32_t formerStamp) {
     // At least enough for the address of a content elsewhere.
     std::size_t const room = std::max(content.bytes(), sizeof(std::byte*));
-    auto* const record = new (arena_.allocate(sizeof(Record) + room))
-        Record{&subject, static_cast<std::uint32_t>(room), 0, 0, formerStamp};
+    auto* const record = new (arena_.allocate(sizeof(Record) + room)) Record{};
+    record->subject = &subject;
+    record->room = static_cast<std::uint32_t>(room) & (~0U >> 1);
+    record->hooked = hook == Hook::given;
+    record->formerStamp = formerStamp;
     bytes_ += record->bytes();
     store(*record, record->behind(), content);
     core_.pin(subject);
     keep(record->content().words);
 }
 
-void RecordStore::replace(Record& record, Content const& content, Elsewhere elsewhere) noexcept {
+void RecordStore::replaceUnlike(Record& record, Content const& content, std::byte* elsewhere) noexcept {
     drop(record);
-    if (elsewhere) {
-        bytes_ += content.bytes();
-        store(record, elsewhere.get(), content);
-        *reinterpret_cast<std::byte**>(record.behind()) = elsewhere.release();
-    } else {
-        store(record, record.behind(), content);
-    }
+    store(record, elsewhere ? elsewhere : record.behind(), content);
+    if (!elsewhere) return;
+    bytes_ += content.bytes();
+    *reinterpret_cast<std::byte**>(record.behind()) = elsewhere;
 }
 
 // Lets go of the content.

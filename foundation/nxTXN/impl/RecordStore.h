@@ -1,8 +1,10 @@
 // Records in the order in which they were made.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <span>
 
@@ -14,6 +16,15 @@
 namespace nxTXN::impl {
 
 class Core;
+
+/// Copies without a call what most contents are: one number.
+inline void copyBytes(std::byte* to, std::byte const* from, std::size_t count) noexcept {
+    if (count == sizeof(double)) {
+        std::memcpy(to, from, sizeof(double));
+    } else if (count > 0) {
+        std::memcpy(to, from, count);
+    }
+}
 
 /// The saved fields of an object: bytes and pointers.
 struct Content {
@@ -33,14 +44,19 @@ struct Content {
 /// The content follows the header. One that has taken the place of a smaller content lies elsewhere, and its address
 /// follows the header.
 struct Record {
-    Object* subject;     // null once it has gone
-    std::uint32_t room;  // bytes behind the header
+    Object* subject;           // null once it has gone
+    std::uint32_t room : 31;   // bytes behind the header
+    std::uint32_t hooked : 1;  // the subject gave a restore hook
     std::uint32_t dataBytes;
     std::uint32_t words;
     std::uint32_t formerStamp;  // the subject's stamp before this record was made
 
     [[nodiscard]] std::size_t bytes() const noexcept { return sizeof(Record) + room; }
     [[nodiscard]] std::byte* behind() noexcept { return reinterpret_cast<std::byte*>(this + 1); }
+    /// Whether a content of that size takes the place of the present one as it is.
+    [[nodiscard]] bool isAlike(std::size_t otherDataBytes, std::size_t otherWords) const noexcept {
+        return otherDataBytes == dataBytes && otherWords == words;
+    }
     [[nodiscard]] bool isElsewhere() const noexcept { return Content::bytes(dataBytes, words) > room; }
     [[nodiscard]] std::byte* place() noexcept {
         return isElsewhere() ? *reinterpret_cast<std::byte**>(behind()) : behind();
@@ -62,10 +78,24 @@ public:
 
     explicit RecordStore(Core& core) noexcept : core_(core) {}
 
+    enum class Hook : bool { none, given };
+
     /// A record of `subject` on top; nothing is left of it when it throws.
-    void push(Object& subject, Content const& content, std::uint32_t formerStamp);
-    /// Exchanges the content for one whose pointers are kept already. `elsewhere` holds it unless it fits.
-    void replace(Record& record, Content const& content, Elsewhere elsewhere) noexcept;
+    void push(Object& subject, Content const& content, Hook hook, std::uint32_t formerStamp);
+    /// Exchanges the content for one whose pointers are kept already. `elsewhere` takes it, and becomes the record's,
+    /// unless it is null because the content fits.
+    void replace(Record& record, Content const& content, std::byte* elsewhere) noexcept {
+        if (!record.isAlike(content.data.size(), content.words.size())) {
+            return replaceUnlike(record, content, elsewhere);
+        }
+        std::byte* const place = record.place();
+        copyBytes(place, content.data.data(), content.data.size());
+        if (content.words.empty()) return;
+        std::span const former{reinterpret_cast<std::uintptr_t*>(place + Content::bytes(record.dataBytes, 0)),
+                               record.words};
+        release(former);
+        std::copy(content.words.begin(), content.words.end(), former.begin());
+    }
 
     [[nodiscard]] Place top() const noexcept { return arena_.top(); }
     /// Calls `visit(Record&)` for `count` records from `place` on; the result is the place behind them.
@@ -97,6 +127,7 @@ public:
     [[nodiscard]] std::size_t bytes() const noexcept { return bytes_; }
 
 private:
+    void replaceUnlike(Record& record, Content const& content, std::byte* elsewhere) noexcept;
     void release(Record& record) noexcept;
     void drop(Record& record) noexcept;
     template <class Visit>

@@ -1,5 +1,6 @@
 // Undo, redo and abort: putting back what records hold.
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 #include "foundation/nxTXN/HookError.h"
@@ -16,21 +17,24 @@ public:
         : core_(core), subject_(subject), content_(content) {}
 
     void restore(Object* object) override {
-        if (state_ != State::waiting || !object || object != subject_) return;
-        state_ = State::broken;
-        core_.putBack(*object, content_);
-        state_ = State::done;
+        if (done_ || !object || object != subject_) return;
+        done_ = true;
+        try {
+            core_.putBack(*object, content_);
+        } catch (...) {
+            failure_ = std::current_exception();
+            throw;
+        }
     }
-    /// Reading a field failed: the object is neither what it was nor what it should be.
-    [[nodiscard]] bool broken() const noexcept { return state_ == State::broken; }
+    /// Not null when reading a field failed: the object is neither what it was nor what it should be.
+    [[nodiscard]] std::exception_ptr const& failure() const noexcept { return failure_; }
 
 private:
-    enum class State { waiting, broken, done };
-
     Core& core_;
     Object const* subject_;
     Content const& content_;
-    State state_ = State::waiting;
+    bool done_ = false;
+    std::exception_ptr failure_;
 };
 
 }  // namespace
@@ -49,103 +53,149 @@ bool Core::replay(std::size_t step, Lifetimes::Birth birth) {
     return true;
 }
 
-// What can fail for want of memory comes first. From the first restored field on the step either gets through,
-// whatever hooks throw, or is turned back because a field could not be read.
 void Core::turn(std::size_t step, Lifetimes::Birth birth, Failures& failures) {
-    bool const undoes = birth == Lifetimes::Birth::undone;
-    Order const order = undoes ? Order::backward : Order::forward;
-    failures.run([this, step] { capture(steps_[step]); });
-    if (failures.any()) throw HookError(failures.first(), HookError::Outcome::unchanged);
-    if (!restoreAll(order, failures)) {
-        lifetimes_.settle(failures);
-        RecordStore::release(writer_.mutableWords());
-        throw HookError(failures.first(), HookError::Outcome::unchanged);
+    if (Record* const only = onlyPlainRecord(steps_[step])) {
+        turnPlain(*only, failures);
+    } else {
+        turnHooked(steps_[step], birth, failures);
     }
-    present_ = undoes ? step : step + 1;
+    present_ = birth == Lifetimes::Birth::undone ? step : step + 1;
     lifetimes_.setBirths(steps_[step].birthsBegin, steps_[step].birthsEnd, birth);
     lifetimes_.settle(failures);
-    tellModified(order, failures);
+    tellModified(failures);
     exchange();
 }
 
-void Core::capture(Step const& step) {
-    work_.clear();
-    writer_.clear();
-    records_.visit(step.begin, step.records, [this](Record& record) { work_.push_back(captured(record)); });
-    records_.keep(writer_.mutableWords());
+// What can fail for want of memory comes first. From the first restored field on the step either gets through,
+// whatever hooks throw, or is turned back because a field could not be read.
+void Core::turnHooked(Step const& step, Lifetimes::Birth birth, Failures& failures) {
+    beginCapture();
+    if (!failures.run([&] { capture(step); })) giveUp(0, failures);
+    if (birth == Lifetimes::Birth::undone) std::reverse(work_.begin(), work_.end());
+    if (!restoreAll(failures)) giveUp(writer_.words().size(), failures);
 }
 
-Core::Restoration Core::captured(Record& record) {
-    std::size_t const dataBefore = writer_.data().size();
-    std::size_t const wordsBefore = writer_.words().size();
-    RestoreHook const hook = record.subject ? save(*record.subject) : nullptr;
-    std::size_t const data = writer_.data().size() - dataBefore;
-    std::size_t const words = writer_.words().size() - wordsBefore;
-    std::size_t const bytes = Content::bytes(data, words);
-    return {&record, hook, static_cast<std::uint32_t>(data), static_cast<std::uint32_t>(words),
-            bytes > record.room ? std::make_unique_for_overwrite<std::byte[]>(bytes) : nullptr};
+// The usual step: one object without a hook, so that no other code runs between saving a field and putting it back.
+void Core::turnPlain(Record& record, Failures& failures) {
+    beginCapture();
+    std::size_t kept = 0;
+    SwappingPass pass(writer_, record.content().reader(), [this, &kept] {
+        std::size_t const words = writer_.words().size();
+        if (words > kept) records_.keep(writer_.mutableWords().subspan(kept));
+        kept = words;
+    });
+    if (!failures.run([&] { swap(record, pass); })) {
+        RestoringPass back(Reader(writer_), pass.saved());
+        Failures ignored;
+        ignored.run([&] { visitRestoring(*record.subject, back); });
+        giveUp(kept, failures);
+    }
+    failures.run([&] { record.subject->onTxnRestored(); });
+}
+
+void Core::swap(Record& record, Serializer& pass) {
+    visitRestoring(*record.subject, pass);
+    auto const dataBytes = static_cast<std::uint32_t>(writer_.data().size());
+    auto const words = static_cast<std::uint32_t>(writer_.words().size());
+    Restoration item{&record, nullptr, 0, dataBytes, 0, words, nullptr};
+    if (!record.isAlike(dataBytes, words)) findRoom(item);
+    work_.push_back(item);
+}
+
+Record* Core::onlyPlainRecord(Step const& step) noexcept {
+    if (step.records != 1) return nullptr;
+    Record* only = nullptr;
+    records_.visit(step.begin, 1, [&only](Record& record) { only = &record; });
+    return only->subject && !only->hooked ? only : nullptr;
+}
+
+void Core::giveUp(std::size_t keptWords, Failures& failures) {
+    lifetimes_.settle(failures);
+    RecordStore::release(writer_.mutableWords().first(keptWords));
+    writer_.clear();
+    throw HookError(failures.first(), HookError::Outcome::unchanged);
+}
+
+void Core::beginCapture() noexcept {
+    work_.clear();
+    if (!elsewhere_.empty()) elsewhere_.clear();
+    writer_.clear();
+}
+
+void Core::capture(Step const& step) {
+    records_.visit(step.begin, step.records, [this](Record& record) { capture(record); });
+    if (!writer_.words().empty()) records_.keep(writer_.mutableWords());
+}
+
+void Core::capture(Record& record) {
+    auto const narrow = [](std::size_t number) { return static_cast<std::uint32_t>(number); };
+    Restoration item{&record, nullptr, narrow(writer_.data().size()), 0, narrow(writer_.words().size()), 0, nullptr};
+    if (record.subject) item.hook = save(*record.subject);
+    item.dataBytes = narrow(writer_.data().size()) - item.dataBegin;
+    item.words = narrow(writer_.words().size()) - item.wordsBegin;
+    if (!record.isAlike(item.dataBytes, item.words)) findRoom(item);
+    work_.push_back(item);
+}
+
+void Core::findRoom(Restoration& item) {
+    std::size_t const bytes = Content::bytes(item.dataBytes, item.words);
+    if (bytes <= item.record->room) return;
+    elsewhere_.push_back(std::make_unique_for_overwrite<std::byte[]>(bytes));
+    item.elsewhere = elsewhere_.back().get();
+}
+
+Content Core::captured(Restoration const& item) noexcept {
+    return {writer_.data().subspan(item.dataBegin, item.dataBytes),
+            writer_.mutableWords().subspan(item.wordsBegin, item.words)};
 }
 
 void Core::exchange() noexcept {
-    auto data = writer_.data();
-    auto words = writer_.mutableWords();
-    for (Restoration& item : work_) {
-        records_.replace(*item.record, {data.first(item.dataBytes), words.first(item.words)},
-                         std::move(item.elsewhere));
-        data = data.subspan(item.dataBytes);
-        words = words.subspan(item.words);
-    }
+    for (Restoration const& item : work_) records_.replace(*item.record, captured(item), item.elsewhere);
+    for (RecordStore::Elsewhere& room : elsewhere_) static_cast<void>(room.release());  // the records own it now
+    if (!elsewhere_.empty()) elsewhere_.clear();
     writer_.clear();
 }
 
 // False when a field could not be read: then all is back as it was.
-bool Core::restoreAll(Order order, Failures& failures) {
-    for (std::size_t i = 0; i < work_.size(); ++i) {
-        Restoration const& item = itemAt(i, order);
+bool Core::restoreAll(Failures& failures) {
+    for (Restoration const& item : work_) {
         if (restore(item, item.record->content(), failures)) continue;
-        turnBack(order, i + 1);
+        turnBack(static_cast<std::size_t>(&item - work_.data()) + 1);
         return false;
     }
     return true;
 }
 
-void Core::turnBack(Order order, std::size_t restored) noexcept {
-    auto data = writer_.data();
-    auto words = writer_.mutableWords();
-    ur::vector<Content> before;
-    for (Restoration const& item : work_) {
-        before.push_back({data.first(item.dataBytes), words.first(item.words)});
-        data = data.subspan(item.dataBytes);
-        words = words.subspan(item.words);
-    }
+void Core::turnBack(std::size_t restored) noexcept {
     Failures ignored;
-    while (restored-- > 0) {
-        Restoration const& item = itemAt(restored, order);
-        restore(item, before[static_cast<std::size_t>(&item - work_.data())], ignored);
-    }
+    while (restored-- > 0) restore(work_[restored], captured(work_[restored]), ignored);
 }
 
 // The record may lose its subject while a hook runs.
 bool Core::restore(Restoration const& item, Content const& content, Failures& failures) {
     Record const& record = *item.record;
     if (!record.subject) return true;
-    ContentRestorer restorer(*this, record.subject, content);
-    if (item.hook) failures.run([&] { item.hook(record.subject, restorer); });
-    failures.run([&] { restorer.restore(record.subject); });
-    if (restorer.broken()) return false;
+    if (item.hook) {
+        if (!restoreHooked(item, content, failures)) return false;
+    } else if (!failures.run([&] { putBack(*record.subject, content); })) {
+        return false;
+    }
     if (record.subject) failures.run([&] { record.subject->onTxnRestored(); });
     return true;
 }
 
-void Core::putBack(Object& object, Content const& content) {
-    Lifetimes::Restoring const restoring(lifetimes_);
-    RestoringPass pass(content.reader());
-    object.onTransact(pass);
+bool Core::restoreHooked(Restoration const& item, Content const& content, Failures& failures) {
+    Record const& record = *item.record;
+    ContentRestorer restorer(*this, record.subject, content);
+    failures.run([&] { item.hook(record.subject, restorer); });
+    failures.run([&] { restorer.restore(record.subject); });
+    if (restorer.failure()) failures.add(restorer.failure());  // the hook may have kept it to itself
+    return !restorer.failure();
 }
 
-void Core::tellModified(Order order, Failures& failures) noexcept {
-    for (std::size_t i = 0; i < work_.size(); ++i) {
-        Object* const subject = itemAt(i, order).record->subject;
+void Core::tellModified(Failures& failures) noexcept {
+    for (Restoration const& item : work_) {
+        Object* const subject = item.record->subject;
         if (subject && lifetimes_.entryOf(*subject).exists()) failures.run([subject] { subject->onTxnModified(); });
     }
 }
@@ -170,21 +220,19 @@ void Core::collect(Level const& level, Failures& failures) {
     records_.visit(level.begin, level.records, [&](Record& record) {
         HookPass pass;
         if (record.subject) failures.run([&] { record.subject->onTransact(pass); });
-        work_.push_back({&record, pass.restoreHook(), 0, 0, nullptr});
+        work_.push_back({&record, pass.restoreHook(), 0, 0, 0, 0, nullptr});
     });
+    std::reverse(work_.begin(), work_.end());
 }
 
 // Goes on whatever fails: an abort must end with as much restored as can be.
 void Core::takeBack(Level const& level, Failures& failures) {
-    for (std::size_t i = 0; i < work_.size(); ++i) {
-        Restoration const& item = itemAt(i, Order::backward);
-        restore(item, item.record->content(), failures);
-    }
+    for (Restoration const& item : work_) restore(item, item.record->content(), failures);
     std::uint32_t const birthsEnd = lifetimes_.roster().size();
     lifetimes_.setBirths(level.birthsBegin, birthsEnd, Lifetimes::Birth::undone);
     lifetimes_.settle(failures);
     restoreStamps(level);
-    tellModified(Order::backward, failures);
+    tellModified(failures);
     lifetimes_.abandonUnborn(level.birthsBegin, birthsEnd);
     records_.pop(level.begin, level.records);
 }

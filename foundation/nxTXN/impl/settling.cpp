@@ -21,7 +21,7 @@ void Lifetimes::returned(Object& object) {
     lifetimes.note(object);
 }
 
-void Lifetimes::setBirths(std::uint32_t begin, std::uint32_t end, Birth birth) {
+void Lifetimes::setBirths(std::uint32_t begin, std::uint32_t end, Birth birth) noexcept {
     for (std::uint32_t i = begin; i < end; ++i) {
         Entry& entry = roster_[i];
         if (!entry.object || !entry.born) continue;

@@ -150,6 +150,7 @@ public:
     inline static int failWriteIn = -1;
     inline static int failReadIn = -1;
     int value = 0;
+    RestoreHook restoreHook = nullptr;
 
     void set(int newValue) {
         transact();
@@ -167,7 +168,9 @@ protected:
                                                        if (failReadIn-- == 0) throw std::runtime_error("read");
                                                    },
                                                    nullptr};
+        serializer.beginObject(this, restoreHook);
         serializer.field(&value, &handlers);
+        serializer.endObject(this);
     }
 };
 
@@ -194,6 +197,12 @@ TEST_F(Hooks, AFieldThatCannotBeSavedOrReadLeavesTheStepUndone) {
     }
     EXPECT_TRUE(manager.undo());
     EXPECT_EQ(state(), "001a");
+    other->restoreHook = [](Object* object, Restorer& restorer) {
+        try {
+            restorer.restore(object);
+        } catch (std::runtime_error const&) {  // kept from the library, which must know nevertheless
+        }
+    };
     Fragile::failReadIn = 1;
     EXPECT_EQ(outcomeOf([&] { manager.redo(); }), "nothing was done: read");
     EXPECT_EQ(state(), "001a");
@@ -206,6 +215,24 @@ TEST_F(Hooks, AFieldThatCannotBeSavedOrReadLeavesTheStepUndone) {
     other->set(5);
     manager.abort();
     EXPECT_EQ(state(), "112-");
+}
+
+TEST_F(Hooks, AStepOfOneObjectIsWhollyDoneOrUndoneAsWell) {
+    auto const fragile = ur::make<Fragile>(manager);
+    edit(manager, [&] { fragile->set(1); });
+    for (auto [failing, text] : {std::pair(&Fragile::failWriteIn, "write"), {&Fragile::failReadIn, "read"}}) {
+        *failing = 0;
+        EXPECT_EQ(outcomeOf([&] { manager.undo(); }), std::string("nothing was done: ") + text);
+        EXPECT_EQ(fragile->value, 1);
+        EXPECT_TRUE(manager.canUndo() && !manager.canRedo());
+    }
+    EXPECT_TRUE(manager.undo());
+    EXPECT_EQ(fragile->value, 0);
+
+    edit(manager, [&] { root->setNext(nullptr); });
+    root->onHook = [&](std::string const& hook) { throw std::runtime_error(hook); };
+    EXPECT_EQ(outcomeOf([&] { manager.undo(); }), "all was done, but: restored");
+    EXPECT_TRUE(root->next() && a().isTxnExtant());
 }
 
 TEST_F(Hooks, MayEditMakeAndDropObjectsWithoutEnteringTheHistory) {
