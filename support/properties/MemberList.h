@@ -31,6 +31,7 @@ public:
     /// Makes these the members. A list that is walked keeps its slots, and gets new ones behind them.
     void assign(ur::vector<Member*> const& members) {
         if (equals(members)) return;
+        assigned_ = true;
         if (walks_ == 0) slots_.clear();
         std::fill(slots_.begin(), slots_.end(), nullptr);
         gone_ = slots_.size();
@@ -40,6 +41,8 @@ public:
     [[nodiscard]] std::size_t size() const noexcept { return slots_.size() - gone_; }
     [[nodiscard]] bool empty() const noexcept { return size() == 0; }
     [[nodiscard]] std::size_t slotCount() const noexcept { return slots_.size(); }
+    /// Whether the members were ever assigned, and not only added one by one.
+    [[nodiscard]] bool assigned() const noexcept { return assigned_; }
     /// Null where a member was removed, and beyond the last slot.
     [[nodiscard]] Member* at(std::size_t slot) const noexcept { return slot < slots_.size() ? slots_[slot] : nullptr; }
     template <class Visit>
@@ -77,6 +80,7 @@ private:
     ur::vector<Member*> slots_;
     std::size_t gone_ = 0;  // empty slots
     unsigned walks_ = 0;
+    bool assigned_ = false;
 };
 
 }  // namespace nxSupport

@@ -17,7 +17,9 @@ urString::CString Property::basename() const {
 }
 
 void Property::send(PropertyModType type) {
-    if (modifySignal_.hasConnections()) modifySignal_.emit(ur::Reference<Property const>(this), type);
+    if (!listened_) return;
+    impl::PropertyHold const self(*this);
+    modifySignal_.emit(self.reference(), type);
 }
 
 void Property::broadcast(PropertyModType type) {
@@ -32,10 +34,11 @@ bool Property::validate(ItemReference& candidate) {
 
 bool Property::validate(JoinedPropertyIterator& members, ItemReference& candidate) {
     for (members.rewind(Start::include); members.valid(); members.next()) {
-        ur::Reference<Property const> const member = members.current();
-        if (!member->validationSignal_.hasConnections()) continue;
+        Property const& member = members.current();
+        if (!member.validated_ || !member.validationSignal_.hasConnections()) continue;
+        impl::PropertyHold const held(member);
         ItemReference const before(candidate.get());
-        member->validationSignal_.emit(member, candidate);
+        member.validationSignal_.emit(held.reference(), candidate);
         return candidate == before;
     }
     return true;
@@ -44,7 +47,7 @@ bool Property::validate(JoinedPropertyIterator& members, ItemReference& candidat
 // A listener may have moved this property to another joined set: then that one is told.
 void Property::tell(JoinedPropertyIterator& members, PropertyModType type) {
     if (!members.isCurrent()) return broadcast(type);
-    for (members.rewind(Start::skip); members.valid(); members.next()) members.current()->send(type);
+    for (members.rewind(Start::skip); members.valid(); members.next()) members.current().send(type);
 }
 
 bool Property::modify(ItemReference value, PropertyModType type) {

@@ -17,8 +17,9 @@ class Manager;
 namespace nxSupport {
 
 namespace impl {
-struct JoinedData;
 class JoinedPropertyIterator;
+class PropertyHold;
+struct JoinedData;
 }  // namespace impl
 
 /// The stages of a change that listeners are told of.
@@ -73,18 +74,18 @@ public:
     [[nodiscard]] urString::CString basename() const;
 
     /// For as long as the property lives. Null connects nothing.
-    void connect(Listener listener) { modifySignal_.addCallback(listener); }
-    void connectValidation(Validator validator) { validationSignal_.addCallback(validator); }
+    void connect(Listener listener) { listeners().addCallback(listener); }
+    void connectValidation(Validator validator) { validators().addCallback(validator); }
     /// Calls `listener(property, type)`, a copy of any callable, until the handle goes. `urRTB::ScopedBlock` of the
     /// handle's connection silences it for a while.
     template <urRTB::Callback<ur::Reference<Property const>, PropertyModType> F>
     [[nodiscard]] urRTB::ScopedConnection subscribe(F&& listener) {
-        return modifySignal_.addCallback(std::forward<F>(listener));
+        return listeners().addCallback(std::forward<F>(listener));
     }
     /// Calls `validator(property, candidate)` until the handle goes.
     template <urRTB::Callback<ur::Reference<Property const>, ItemReference&> F>
     [[nodiscard]] urRTB::ScopedConnection subscribeValidation(F&& validator) {
-        return validationSignal_.addCallback(std::forward<F>(validator));
+        return validators().addCallback(std::forward<F>(validator));
     }
 
     /// A new property without a value, or with one.
@@ -116,9 +117,18 @@ private:
     friend class TxdPropertyData;
     friend class UnTxdProperty;
     friend class UnTxdPropertyData;
+    friend class impl::PropertyHold;
     friend struct impl::JoinedData;
     enum class Kind : std::uint8_t { other, transacted, untransacted };
 
+    ModifySignal& listeners() noexcept {
+        listened_ = true;
+        return modifySignal_;
+    }
+    ValidationSignal& validators() noexcept {
+        validated_ = true;
+        return validationSignal_;
+    }
     bool modify(ItemReference value, PropertyModType type);
     bool modify(ItemReference value);
     void store(ItemReference value);
@@ -129,6 +139,8 @@ private:
     ValidationSignal validationSignal_;
     ModifySignal modifySignal_;
     Kind kind_ = Kind::other;
+    bool listened_ = false;   // somebody has listened to it at some time
+    bool validated_ = false;  // likewise
 };
 
 }  // namespace nxSupport

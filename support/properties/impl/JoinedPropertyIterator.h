@@ -1,7 +1,6 @@
 // The walk over a joined set.
 #pragma once
 
-#include "foundation/ur/Reference.h"
 #include "support/properties/impl/JoinedData.h"
 #include "support/properties/impl/MemberWalk.h"
 
@@ -10,30 +9,68 @@ namespace nxSupport::impl {
 /// Walks over the members that a joined set has when the walk is made: the transacted ones, then the untransacted.
 ///
 /// Members that leave the set meanwhile are passed over, and those that join it are not reached, not even after
-/// `rewind`. Keeps the start property and both data objects alive.
+/// `rewind`. Keeps the start property and both data objects alive, but not the member that it stands on.
 class JoinedPropertyIterator {
 public:
     enum class Start : bool { include, skip };
 
-    JoinedPropertyIterator(Property const& start, Start handling);
+    JoinedPropertyIterator(Property const& start, Start handling)
+        : JoinedPropertyIterator(start, handling, JoinedData(start)) {}
     JoinedPropertyIterator(JoinedPropertyIterator const&) = delete;
     JoinedPropertyIterator& operator=(JoinedPropertyIterator const&) = delete;
 
-    [[nodiscard]] bool valid() const noexcept { return txd_.valid() || untxd_.valid(); }
+    [[nodiscard]] bool valid() const noexcept { return current_ != nullptr; }
     /// Requires: `valid()`.
-    [[nodiscard]] ur::Reference<Property> current() const noexcept;
-    void next() noexcept;
+    [[nodiscard]] Property& current() const noexcept { return *current_; }
+    void next() noexcept {
+        txd_.valid() ? txd_.next() : untxd_.next();
+        settle();
+    }
     /// Back to the first member, with or without the start property.
-    void rewind(Start handling) noexcept;
+    void rewind(Start handling) noexcept {
+        skipped_ = handling == Start::skip ? &start_.property() : nullptr;
+        txd_.rewind();
+        untxd_.rewind();
+        settle();
+    }
 
     /// Whether the start property still belongs to the set that is walked.
-    [[nodiscard]] bool isCurrent() const noexcept;
+    [[nodiscard]] bool isCurrent() const noexcept {
+        JoinedData const now(start_.property());
+        return startIsTransacted_ ? now.txd == txd_.data() : now.untxd == untxd_.data();
+    }
 
 private:
-    void passOver() noexcept;
+    JoinedPropertyIterator(Property const& start, Start handling, JoinedData const& shared)
+        : start_(start),
+          startIsTransacted_(JoinedData::asTxd(start) != nullptr),
+          txd_(shared.txd),
+          untxd_(shared.untxd) {
+        rewind(handling);
+    }
 
-    ur::Reference<Property const> start_;
-    Start handling_;
+    void settle() noexcept {
+        for (; txd_.valid(); txd_.next()) {
+            TxdProperty* const member = txd_.member();
+            current_ = member;
+            if (member && member != skipped_ && takesPart(*member)) return;
+        }
+        for (; untxd_.valid(); untxd_.next()) {
+            current_ = untxd_.member();
+            if (current_ && current_ != skipped_) return;
+        }
+        current_ = nullptr;
+    }
+
+    // Undo may list a property that nobody holds any more, until its history lets go of it: that is no member.
+    [[nodiscard]] bool takesPart(TxdProperty const& member) const noexcept {
+        return !txd_.data()->members().assigned() || member.isTxnExtant();
+    }
+
+    PropertyHold start_;
+    bool startIsTransacted_;
+    Property const* skipped_ = nullptr;
+    Property* current_ = nullptr;
     MemberWalk<TxdPropertyData> txd_;
     MemberWalk<UnTxdPropertyData> untxd_;
 };
