@@ -1,0 +1,74 @@
+// The steps of a history.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "foundation/nxTXN/impl/RecordStore.h"
+#include "foundation/ur/Reference.h"
+#include "foundation/ur/ReferenceCount.h"
+#include "foundation/ur/containers.h"
+#include "foundation/urString/CString.h"
+
+namespace nxTXN::impl {
+
+/// The name of one or more steps.
+struct SharedName final : ur::ReferenceCount {
+    explicit SharedName(urString::CString const& name) : text(name) {}
+    urString::CString const text;
+};
+
+/// A committed transaction.
+struct Step {
+    ur::Reference<SharedName> name;
+    RecordStore::Place begin = {};  // of its records
+    std::uint32_t records = 0;
+    std::uint32_t stamp = 0;  // of the objects that it recorded
+    std::uint32_t birthsBegin = 0;
+    std::uint32_t birthsEnd = 0;
+};
+
+/// Steps in a row that grows and shrinks at its end and is forgotten from its beginning. They lie in blocks, so that a
+/// long row grows without being copied.
+class Steps {
+public:
+    [[nodiscard]] std::size_t size() const noexcept { return end_ - begin_; }
+    [[nodiscard]] bool empty() const noexcept { return end_ == begin_; }
+    [[nodiscard]] Step& operator[](std::size_t i) noexcept { return slot(begin_ + i); }
+    [[nodiscard]] Step const& operator[](std::size_t i) const noexcept { return slot(begin_ + i); }
+    [[nodiscard]] Step& back() noexcept { return slot(end_ - 1); }
+
+    void push(Step step) {
+        if (end_ == blocks_.size() * blockSize) blocks_.push_back(std::make_unique<Block>());
+        slot(end_++) = std::move(step);
+    }
+    Step popBack() noexcept {
+        Step step = std::move(slot(--end_));
+        if (end_ + 2 * blockSize <= blocks_.size() * blockSize) blocks_.pop_back();  // one stays in reserve
+        return step;
+    }
+    Step popFront() noexcept {
+        Step step = std::move(slot(begin_++));
+        if (begin_ == blockSize) {
+            blocks_.erase(blocks_.begin());
+            begin_ = 0;
+            end_ -= blockSize;
+        }
+        return step;
+    }
+
+private:
+    static constexpr std::size_t blockSize = 128;
+    using Block = std::array<Step, blockSize>;
+
+    [[nodiscard]] Step& slot(std::size_t i) const noexcept { return (*blocks_[i / blockSize])[i % blockSize]; }
+
+    ur::vector<std::unique_ptr<Block>> blocks_;
+    std::size_t begin_ = 0;  // in the first block
+    std::size_t end_ = 0;
+};
+
+}  // namespace nxTXN::impl
