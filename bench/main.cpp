@@ -28,6 +28,8 @@ int main(int argc, char** argv) {
     bench::addSignalRows(suite);
     bench::addMessagingRows(suite);
     bench::addCacheRows(suite);
+    bench::addUndoRows(suite);
+    bench::addPropertyRows(suite);
     if (!suite.writeJson()) {
         std::fprintf(stderr, "nxbench: cannot write %s\n", options.jsonFile.c_str());
         return 2;

@@ -14,5 +14,7 @@ void addPacketRows(Suite& suite);
 void addSignalRows(Suite& suite);
 void addMessagingRows(Suite& suite);
 void addCacheRows(Suite& suite);
+void addUndoRows(Suite& suite);
+void addPropertyRows(Suite& suite);
 
 }  // namespace bench

@@ -1,0 +1,150 @@
+// Properties: setting through a joined set, with and without undo, and how the cost of a set grows with its members.
+#include <QUndoStack>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bench/QtValue.h"
+#include "bench/rows.h"
+#include "foundation/nxTXN/Manager.h"
+#include "plst/Double.h"
+#include "support/properties/Property.h"
+
+namespace bench {
+namespace {
+
+using nxSupport::Property;
+using ur::Reference;
+
+int told = 0;
+void listen(Reference<Property const> property, nxSupport::PropertyModType type) {
+    keep(property.get());
+    told += type;
+}
+void listenQt(QtValue* value) {
+    keep(value);
+    ++told;
+}
+
+Property::ItemReference number(std::size_t value) { return ur::make<nxPLST::Double>(static_cast<double>(value)); }
+
+/// One property that is set and two that listen.
+struct OurTrio {
+    explicit OurTrio(bool transacted) {
+        members.push_back(transacted ? Property::createTxd(manager, "size") : Property::createUnTxd("size"));
+        while (members.size() < 3) {
+            members.push_back(transacted ? members[0]->cloneTxd(manager) : members[0]->cloneUnTxd());
+            members.back()->connect(&listen);
+        }
+    }
+
+    nxTXN::Manager manager;
+    std::vector<Reference<Property>> members;
+};
+
+/// A value with two listeners to each of its three signals, which tell the same as the stages of a change.
+struct QtTrio {
+    QtTrio() {
+        for (int listener = 0; listener < 2; ++listener) {
+            for (auto const signal : {&QtValue::starting, &QtValue::changed, &QtValue::finished}) {
+                QObject::connect(&value, signal, &listenQt);
+            }
+        }
+    }
+
+    QtValue value;
+    QUndoStack stack;
+};
+
+class SetCommand final : public QUndoCommand {
+public:
+    SetCommand(QtValue& value, QVariant after)
+        : QUndoCommand(QStringLiteral("Set")), value_(value), before_(value.value()), after_(std::move(after)) {}
+    void undo() override { value_.setValue(before_); }
+    void redo() override { value_.setValue(after_); }
+
+private:
+    QtValue& value_;
+    QVariant before_;
+    QVariant after_;
+};
+
+template <class Work>
+Side repeated(char const* name, std::size_t times, Work work) {
+    return {name, [=] {
+                return seconds([&] {
+                    for (std::size_t i = 0; i < times; ++i) work(i);
+                });
+            }};
+}
+
+Sides setting(std::size_t times) {
+    auto const ours = std::make_shared<OurTrio>(false);
+    auto const qt = std::make_shared<QtTrio>();
+    return {repeated("Property", times, [=](std::size_t i) { ours->members[0]->setValue(number(i)); }),
+            repeated("Qt signals", times, [=](std::size_t i) { qt->value.setValue(static_cast<double>(i)); })};
+}
+
+/// Each time in a new history, so that both sides keep the same number of steps.
+Sides settingWithUndo(std::size_t times) {
+    return {{"Property",
+             [=] {
+                 OurTrio trio(true);
+                 return seconds([&] {
+                     for (std::size_t i = 0; i < times; ++i) {
+                         trio.manager.begin("Set");
+                         trio.members[0]->setValue(number(i));
+                         trio.manager.commit();
+                     }
+                 });
+             }},
+            {"QUndoStack and Qt signals", [=] {
+                 QtTrio trio;
+                 return seconds([&] {
+                     for (std::size_t i = 0; i < times; ++i) {
+                         trio.stack.push(new SetCommand(trio.value, static_cast<double>(i)));
+                     }
+                 });
+             }}};
+}
+
+/// Builds a joined set, sets through it, moves it into another and takes it apart.
+double lifeOfSet(std::size_t count) {
+    nxTXN::Manager manager;
+    auto const other = Property::createTxd(manager, "other", number(1));
+    return seconds([&] {
+        manager.begin("all");
+        std::vector<Reference<Property>> members = {Property::createTxd(manager, "m", number(2))};
+        while (members.size() < count) {
+            members.push_back(members.size() % 2 == 0 ? members[0]->cloneTxd(manager) : members[0]->cloneUnTxd());
+            members.back()->connect(&listen);
+        }
+        members[0]->setValue(number(3));
+        members[0]->join(other);
+        members.clear();
+        manager.commit();
+    });
+}
+
+Sides growth(std::size_t members) {
+    return {{"Property", [=] { return lifeOfSet(members); }}, {"ten tenths", [=] {
+                                                                   double time = 0;
+                                                                   for (int i = 0; i < 10; ++i)
+                                                                       time += lifeOfSet(members / 10);
+                                                                   return time;
+                                                               }}};
+}
+
+}  // namespace
+
+void addPropertyRows(Suite& suite) {
+    auto const times = static_cast<std::size_t>(suite.scaled(100'000));
+    suite.compare("property-set/joined-3", 0.5, [=] { return setting(times); });
+    suite.compare("property-set/joined-3-undo", 0.5, [=] { return settingWithUndo(times); });
+    for (std::size_t const members : {1'000, 10'000, 100'000}) {
+        if (suite.quick() && members > 10'000) continue;
+        suite.compare("property-growth/" + std::to_string(members), 1.5, [=] { return growth(members); });
+    }
+}
+
+}  // namespace bench

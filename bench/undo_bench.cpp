@@ -1,0 +1,233 @@
+// The undo history: recording, walking back and forth, what it occupies, and how its cost grows.
+#include <malloc.h>
+
+#include <QAction>
+#include <QGuiApplication>
+#include <QUndoStack>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bench/rows.h"
+#include "foundation/nxTXN/Manager.h"
+#include "foundation/nxTXN/RefCountedObject.h"
+#include "foundation/nxTXN/fields.h"
+
+namespace bench {
+namespace {
+
+constexpr std::size_t shapeCount = 1000;
+
+/// A shape of the drawing that is edited: each edit moves one.
+class Shape final : public nxTXN::RefCountedObject {
+public:
+    using RefCountedObject::RefCountedObject;
+
+    void move(double x) {
+        transact();
+        x_ = x;
+    }
+
+protected:
+    void onTransact(nxTXN::Serializer& serializer) override {
+        serializer.beginObject(this, nullptr);
+        RefCountedObject::onTransact(serializer);
+        serializer.field(x_);
+        serializer.endObject(this);
+    }
+
+private:
+    double x_ = 0;
+};
+
+/// A drawing with its history and the two entries of a menu, kept up to date as an application does.
+class OurDrawing {
+public:
+    OurDrawing() {
+        for (std::size_t i = 0; i < shapeCount; ++i) shapes_.push_back(ur::make<Shape>(manager_));
+        manager_.changedSignal().addCallback([this] {
+            undo_.show("Undo ", manager_.undoName(), manager_.undoCount() > 0);
+            redo_.show("Redo ", manager_.redoName(), manager_.redoCount() > 0);
+        });
+    }
+    void edit(std::size_t i) {
+        manager_.begin("Move");
+        shapes_[i * 7 % shapeCount]->move(static_cast<double>(i));
+        manager_.commit();
+    }
+    bool undo() { return manager_.undo(); }
+    bool redo() { return manager_.redo(); }
+
+private:
+    /// An entry of the menu. Touches its text only when that changes, as Qt's does.
+    struct Entry {
+        void show(char const* verb, urString::CString const& name, bool isEnabled) {
+            enabled = isEnabled;
+            if (name == shown) return;
+            shown = name;
+            text.assign(verb).append(name);
+        }
+
+        urString::CString shown;
+        urString::CString text;
+        bool enabled = false;
+    };
+
+    nxTXN::Manager manager_;
+    std::vector<ur::Reference<Shape>> shapes_;
+    Entry undo_;
+    Entry redo_;
+};
+
+class MoveCommand final : public QUndoCommand {
+public:
+    MoveCommand(double& place, double x) : QUndoCommand(QStringLiteral("Move")), place_(place), before_(place), x_(x) {}
+    void undo() override { place_ = before_; }
+    void redo() override { place_ = x_; }
+
+private:
+    double& place_;
+    double before_;
+    double x_;
+};
+
+/// The same with Qt, and with the two menu entries that its stack makes for the purpose.
+class QtDrawing {
+public:
+    QtDrawing() {
+        needApplication();
+        undo_.reset(stack_.createUndoAction(nullptr, QStringLiteral("Undo")));
+        redo_.reset(stack_.createRedoAction(nullptr, QStringLiteral("Redo")));
+    }
+    void edit(std::size_t i) { stack_.push(new MoveCommand(shapes_[i * 7 % shapeCount], static_cast<double>(i))); }
+    bool undo() {
+        bool const can = stack_.canUndo();
+        stack_.undo();
+        return can;
+    }
+    bool redo() {
+        bool const can = stack_.canRedo();
+        stack_.redo();
+        return can;
+    }
+
+private:
+    /// Menu entries want an application. It shows nothing.
+    static void needApplication() {
+        static int argc = 1;
+        static char name[] = "nxbench";
+        static char* argv[] = {name, nullptr};
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        static QGuiApplication const application(argc, argv);
+    }
+
+    std::vector<double> shapes_ = std::vector<double>(shapeCount);
+    QUndoStack stack_;
+    std::unique_ptr<QAction> undo_;
+    std::unique_ptr<QAction> redo_;
+};
+
+template <class Drawing>
+std::shared_ptr<Drawing> edited(std::size_t edits) {
+    auto drawing = std::make_shared<Drawing>();
+    for (std::size_t i = 0; i < edits; ++i) drawing->edit(i);
+    return drawing;
+}
+
+template <class Drawing>
+double timeToRecord(std::size_t edits) {
+    Drawing drawing;
+    return seconds([&] {
+        for (std::size_t i = 0; i < edits; ++i) drawing.edit(i);
+    });
+}
+
+template <class Drawing>
+double timeToUndo(Drawing& drawing) {
+    return seconds([&] {
+        while (drawing.undo()) {
+        }
+    });
+}
+template <class Drawing>
+double timeToRedo(Drawing& drawing) {
+    return seconds([&] {
+        while (drawing.redo()) {
+        }
+    });
+}
+
+template <class Drawing>
+Side recording(char const* name, std::size_t edits) {
+    return {name, [=] { return timeToRecord<Drawing>(edits); }};
+}
+
+template <class Drawing>
+Side undoing(char const* name, std::size_t edits) {
+    return {name, [drawing = edited<Drawing>(edits)] {
+                double const time = timeToUndo(*drawing);
+                timeToRedo(*drawing);
+                return time;
+            }};
+}
+
+template <class Drawing>
+Side redoing(char const* name, std::size_t edits) {
+    return {name, [drawing = edited<Drawing>(edits)] {
+                timeToUndo(*drawing);
+                return timeToRedo(*drawing);
+            }};
+}
+
+template <class Drawing>
+Side occupying(char const* name, std::size_t edits) {
+    return {name, [=] {
+                auto const heapBytes = [] {
+                    struct mallinfo2 const info = mallinfo2();
+                    return static_cast<double>(info.uordblks + info.hblkhd);
+                };
+                double const before = heapBytes();
+                auto const drawing = edited<Drawing>(edits);
+                return (heapBytes() - before) / static_cast<double>(edits);
+            }};
+}
+
+/// Recording, undoing and redoing `edits`, beside ten times that for a tenth of them: no edit may cost more for being
+/// late in a history.
+Sides growth(std::size_t edits) {
+    auto const all = [](std::size_t count) {
+        double const time = timeToRecord<OurDrawing>(count);
+        auto const drawing = edited<OurDrawing>(count);
+        return time + timeToUndo(*drawing) + timeToRedo(*drawing);
+    };
+    return {{"nxTXN", [=] { return all(edits); }}, {"ten tenths", [=] { return 10 * all(edits / 10); }}};
+}
+
+}  // namespace
+
+void addUndoRows(Suite& suite) {
+    auto const edits = static_cast<std::size_t>(suite.scaled(100'000));
+    char const* const peer = "QUndoStack";
+    suite.compare("undo/record", 0.35, [=] {
+        return Sides{recording<OurDrawing>("nxTXN", edits), recording<QtDrawing>(peer, edits)};
+    });
+    suite.compare("undo/undo", 0.15, [=] {
+        return Sides{undoing<OurDrawing>("nxTXN", edits), undoing<QtDrawing>(peer, edits)};
+    });
+    suite.compare("undo/redo", 0.15, [=] {
+        return Sides{redoing<OurDrawing>("nxTXN", edits), redoing<QtDrawing>(peer, edits)};
+    });
+    suite.compare(
+        "undo/bytes-per-edit", 0.7,
+        [=] {
+            return Sides{occupying<OurDrawing>("nxTXN", edits), occupying<QtDrawing>(peer, edits)};
+        },
+        Unit::bytes);
+    for (std::size_t const depth : {10'000, 100'000, 1'000'000}) {
+        if (suite.quick() && depth > 100'000) continue;
+        suite.compare("undo-growth/" + std::to_string(depth), 1.3, [=] { return growth(depth); });
+    }
+}
+
+}  // namespace bench
