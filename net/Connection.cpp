@@ -1,0 +1,36 @@
+// How a connection tells its end.
+#include "net/Connection.h"
+
+#include <utility>
+
+namespace nxNet {
+
+Connection::~Connection() = default;
+
+void Connection::cancel() {
+    // The host may drop its reference when it stops. One that nobody holds lives outside the heap, and is not counted.
+    ur::Reference<Connection> const self(referenceCount() > 0 ? this : nullptr);
+    onCancel();
+    finish(Cancelled);
+}
+
+void Connection::setConnected() {
+    if (status_ == Connected) return;
+    status_ = Connected;
+    statusFunc_();
+}
+
+void Connection::setFailed(int error) {
+    error_ = error;
+    finish(ConnectionFailed);
+}
+
+void Connection::finish(Status status) {
+    status_ = status;
+    auto const statusFunc = std::exchange(statusFunc_, {});
+    static_cast<void>(std::exchange(dataFunc_, {}));
+    // Either function may have held the last reference, so nothing of the connection is used from here on.
+    statusFunc();
+}
+
+}  // namespace nxNet

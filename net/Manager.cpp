@@ -1,0 +1,8 @@
+// The end of managers.
+#include "net/Manager.h"
+
+namespace nxNet {
+
+Manager::~Manager() = default;
+
+}  // namespace nxNet
