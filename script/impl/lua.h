@@ -1,0 +1,4 @@
+// Lua 5.1.
+#pragma once
+
+#include <lua.hpp>

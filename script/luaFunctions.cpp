@@ -1,0 +1,110 @@
+// The functions of the table `nx`, and putting them there.
+#include "script/luaFunctions.h"
+
+#include <array>
+
+#include "foundation/nxLC/ReflectionData.h"
+#include "foundation/nxLC/StackChecker.h"
+#include "foundation/nxLC/protect.h"
+#include "foundation/nxLC/stackValues.h"
+#include "foundation/nxRFL/Database.h"
+#include "foundation/urOS/AppOutput.h"
+#include "foundation/urUtil/random.h"
+#include "script/impl/decodeJson.h"
+#include "script/impl/print.h"
+
+namespace nxSupport {
+
+using nxLC::ReflectionData;
+using nxLC::StackChecker;
+
+namespace {
+
+int random(lua_State* state) {
+    StackChecker const checker(state, 1);
+    double value = 0;
+    int const count = lua_gettop(state);
+    if (count == 1) value = urUtil::random(lua_tonumber(state, 1));
+    if (count == 2) value = urUtil::random(lua_tonumber(state, 1), lua_tonumber(state, 2));
+    lua_pushnumber(state, value);
+    return 1;
+}
+
+int encodeJson(lua_State* /*state*/) { return 0; }
+
+int getObjectTableSize(lua_State* state) {
+    StackChecker const checker(state, 1);
+    ReflectionData const* const data = ReflectionData::find(state);
+    lua_pushnumber(state, data ? data->getObjectTableSize(state) : 0);
+    return 1;
+}
+
+int setPropertyAssignmentHook(lua_State* state) {
+    StackChecker const checker(state, 0);
+    ReflectionData* const data = ReflectionData::find(state);
+    if (!data) return 0;
+    if (lua_isfunction(state, 1)) {
+        data->setPropertyAssignmentHook(state, 1);
+    } else {
+        data->clearPropertyAssignmentHook(state);
+    }
+    return 0;
+}
+
+int createStack(lua_State* state) {
+    return nxLC::guard(state, [state] {
+        StackChecker const checker(state, 1);
+        ReflectionData* const data = ReflectionData::find(state);
+        if (!data) throw nxRFL::Exception("the Lua state is not bound");
+        auto stack = std::make_unique<nxRFL::Stack>();
+        nxLC::readFromLua(state, *stack, 1);
+        data->pushObject(state, nxRFL::Object::give(stack.release(), *data->getDB()->getClass("nxRFL::Stack")));
+        return 1;
+    });
+}
+
+struct Entry {
+    char const* name;
+    lua_CFunction function;
+};
+
+constexpr std::array<Entry, 6> functions{{
+    {"decodeJSON2", &impl::decodeJson},
+    {"encodeJSON2", &encodeJson},
+    {"getObjectTableSize", &getObjectTableSize},
+    {"random", &random},
+    {"setLCPropertyAssignmentHook", &setPropertyAssignmentHook},
+    {"createLCStack", &createStack},
+}};
+
+/// Raises. False, with nothing done, when there is no table to fill.
+bool fillTable(lua_State* state) {
+    lua_getfield(state, LUA_GLOBALSINDEX, "nx");
+    if (!lua_istable(state, -1)) return false;
+    for (Entry const& entry : functions) {
+        lua_pushcfunction(state, entry.function);
+        lua_setfield(state, -2, entry.name);
+    }
+    lua_pushcfunction(state, &impl::print);
+    lua_setfield(state, LUA_GLOBALSINDEX, "print");
+    return true;
+}
+
+}  // namespace
+
+void registerLuaFunctions(InitializeLuaMsg& message) {
+    lua_State* const state = message.getState();
+    StackChecker const checker(state, 0);
+    char const* complaint = "there is no table nx";
+    try {
+        nxLC::protect(state, 0, 0, [&complaint](lua_State* inner) {
+            if (fillTable(inner)) complaint = nullptr;
+            return 0;
+        });
+        if (complaint) throw nxRFL::Exception(complaint);
+    } catch (std::exception const& error) {
+        urOS::AppOutput::getInstance().print("nxSupport::registerLuaFunctions: %s\n", error.what());
+    }
+}
+
+}  // namespace nxSupport

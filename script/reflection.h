@@ -1,0 +1,13 @@
+// What scripts see of the support classes.
+#pragma once
+
+#include "foundation/ur/Export.h"
+#include "support/messaging/InitializeReflectionMsg.h"
+
+namespace nxSupport {
+
+/// Registers the classes of transactions, contexts, domains and data sinks, and the table of functions "nxSupport", in
+/// the message's database. Doing so again changes nothing.
+NX_API void registerReflection(InitializeReflectionMsg& message);
+
+}  // namespace nxSupport

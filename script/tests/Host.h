@@ -1,0 +1,97 @@
+// A host as small as it gets: what scripts need around them, for the tests.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "foundation/nxLC/State.h"
+#include "foundation/nxRFL/ExposeClass.h"
+#include "foundation/urOS/AppOutput.h"
+#include "foundation/urThread/RunQueue.h"
+#include "script/initialize.h"
+#include "support/messaging/Broadcaster.h"
+#include "support/messaging/CallInfo.h"
+#include "support/messaging/DataSink.h"
+#include "support/messaging/Domain.h"
+#include "support/messaging/InitializeLuaMsg.h"
+#include "support/messaging/InitializeReflectionMsg.h"
+
+namespace nxSupport {
+
+/// Keeps all that is poured into it.
+class TextSink : public DataSink {
+public:
+    std::string text;
+
+private:
+    void onData(ur::Reference<urThread::Buffer> data) override { text.append(data->data(), data->size()); }
+    void onClose() override { text += completed() ? "!" : "?"; }
+};
+
+class TestDomain : public Domain {
+public:
+    explicit TestDomain(Broadcaster* broadcaster) : Domain(nullptr), broadcaster_(broadcaster) {}
+    urThread::RunQueue& runQueue() override { return queue_; }
+
+private:
+    void onBeginContext(Context const& /*context*/) override {}
+    void onEndContext(Context const& /*context*/) override {}
+    void onCallInfoCreated(CallInfo* callInfo, bool /*appOnly*/) override {
+        callInfo->add(broadcaster_);
+        callInfo->add<Domain>(this);
+    }
+    void onCallInfoDestroyed(CallInfo* /*callInfo*/) override {}
+
+    Broadcaster* broadcaster_;
+    urThread::RunQueue queue_;
+};
+
+/// Goes through the start-up in its order, and hands scripts a table `host`.
+class Host {
+public:
+    Host() {
+        database.setErrorHandler([](nxRFL::Exception const& error) {
+            urOS::AppOutput::getInstance().print("callback: %s\n", error.what());
+        });
+        Context const context(&domain, Context::AppOnly);
+        initialize();
+        InitializeReflectionMsg reflection(&database);
+        broadcaster->broadcast(reflection);
+        state = std::make_unique<nxLC::State>(database);
+        if (auto const error = state->run("nx = {} host = {}", "=host")) ADD_FAILURE() << error->what();
+        InitializeLuaMsg lua(InitializeLuaMsg::Application, state->get());
+        broadcaster->broadcast(lua);
+        give<Domain*>("domain", &domain);
+        give("sink", ur::Reference<DataSink>(sink));
+        nxRFL::ExposeClass<urThread::Buffer>(database, "urThread::Buffer");
+        give("buffer", ur::make<urThread::Buffer>("bytes"));
+        give("text", nxRFL::makeFunction(database, [this] { return urString::CString(sink->text); }));
+    }
+
+    template <class T>
+    void give(char const* name, T const& value) {
+        nxRFL::Stack arguments;
+        nxRFL::Stack results;
+        nxRFL::Writer writer(arguments);
+        writer.writeText(name);
+        nxRFL::write(writer, value);
+        if (auto const error = state->run("local name, value = ... host[name] = value", "=give", arguments, results))
+            ADD_FAILURE() << error->what();
+    }
+    /// The error of the script, or "ok".
+    std::string run(std::string const& script) {
+        Context const context(&domain, Context::AppOnly);
+        auto const error = state->run(script, "=test");
+        return error ? std::string(error->message().view()) : "ok";
+    }
+
+    std::unique_ptr<Broadcaster> broadcaster = std::make_unique<Broadcaster>();
+    TestDomain domain{broadcaster.get()};
+    ur::Reference<TextSink> sink = ur::make<TextSink>();
+    nxRFL::Database database;
+    std::unique_ptr<nxLC::State> state;
+};
+
+}  // namespace nxSupport

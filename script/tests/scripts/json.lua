@@ -1,0 +1,28 @@
+local function show(value)
+    if type(value) == "string" then return string.format("%q", value) end
+    if type(value) == "number" then return string.format("%.17g", value) end
+    if type(value) ~= "table" then return tostring(value) end
+    local keys, parts = {}, {}
+    for key in pairs(value) do keys[#keys + 1] = key end
+    table.sort(keys, function(a, b) return tostring(a) < tostring(b) end)
+    for i, key in ipairs(keys) do parts[i] = tostring(key) .. "=" .. show(value[key]) end
+    return "{" .. table.concat(parts, " ") .. "}"
+end
+
+for _, text in ipairs{
+    '[1, null, 3]', '[null]', '{"a": null}', '{"a": 1, "a": 2}', '{"a": 1, "a": null}', '[1, /* two */ 2] // three',
+    '{"list": [[], {}, [[true]]], "text": "\\u00e9\\n\\u0000z", "plain": "words"}', '"alone"', 'false', '-0.5e1',
+    '9007199254740993', '[1e400]', '9223372036854775808', '[1', '{"a" 1}', '', '[1] 2', '["\255"]', '[1]\0garbage',
+} do
+    print(text:gsub("%z.*", ""), select("#", nx.decodeJSON2(text)), show((nx.decodeJSON2(text))))
+end
+print(nx.decodeJSON2(42), select("#", nx.decodeJSON2()), select("#", nx.decodeJSON2({})),
+      select("#", nx.decodeJSON2("1", 2)), select("#", nx.encodeJSON2({})))
+local deep = nx.decodeJSON2(("["):rep(500) .. ("]"):rep(500))
+local levels = 0
+while deep do deep, levels = deep[1], levels + 1 end
+print(levels, select("#", nx.decodeJSON2(("["):rep(100000) .. ("]"):rep(100000))))
+local many = {}
+for i = 1, 20000 do many[i] = '{"n":' .. i .. ',"t":"text ' .. i .. '"}' end
+many = nx.decodeJSON2("[" .. table.concat(many, ",") .. "]")
+print(#many, many[20000].n, many[20000].t)

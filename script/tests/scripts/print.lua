@@ -1,0 +1,8 @@
+print("a", 1, "b")
+print()
+print("x\0y", 0.1, 1e100, 2^53)
+print(nil, true, {} ~= nil, #tostring(print) > 10)
+print(setmetatable({}, {__tostring = function() return "told" end}))
+local broken = setmetatable({}, {__tostring = function() error("no text") end})
+local odd = setmetatable({}, {__tostring = function() return {} end})
+print((select("#", print(broken, odd))))
