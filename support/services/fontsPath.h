@@ -1,0 +1,12 @@
+// Where the system keeps its fonts.
+#pragma once
+
+#include "foundation/ur/Export.h"
+#include "foundation/urOS/Filename.h"
+
+namespace nxSupport {
+
+/// The system's fonts folder; empty when there is none.
+[[nodiscard]] NX_API urOS::Filename getFontsPath();
+
+}  // namespace nxSupport
