@@ -14,7 +14,7 @@ using nxRFL::Object;
 
 namespace {
 
-/// Leaves the address at index 1 of the value's metatable and that metatable on the stack, or nothing.
+/// The address at index 1 of the value's metatable, or null.
 void* markOf(lua_State* state, int index) noexcept {
     if (!lua_getmetatable(state, index)) return nullptr;
     lua_rawgeti(state, -1, 1);
@@ -56,7 +56,8 @@ bool pushFound(lua_State* state, ClassTables const& tables, Database::Resolved c
     lua_pushlightuserdata(state, resolved.pointer);
     lua_rawget(state, -2);
     auto* const box = static_cast<Box*>(lua_touserdata(state, -1));
-    if (!box) {
+    // A script that gave an object up by hand may still hold its userdata when another object lies there.
+    if (!box || !box->pointer) {
         lua_pop(state, 2);
         return false;
     }
@@ -127,6 +128,7 @@ void pushNew(Binding& binding, lua_State* state, Object const& object) {
 int collectObject(lua_State* state) {
     Binding* const binding = bindingOf(state);
     Box* const box = toBox(state, 1);
+    if (box && binding) verifiedAt(*binding, box) = nullptr;
     if (!box || !box->pointer) return 0;
     void* const pointer = std::exchange(box->pointer, nullptr);
     auto const& util = box->objectClass->typeUtil();
@@ -136,7 +138,6 @@ int collectObject(lua_State* state) {
         return 0;
     }
     --binding->objectCount;
-    verifiedAt(*binding, box) = nullptr;
     if (release) {
         NativeCall const call(*binding, state);
         release(pointer);

@@ -221,7 +221,13 @@ TEST_F(Objects, FunctionsOfMetatablesBearAnyArguments) {
             end
         end
         for name, value in pairs(farm.Animal) do pcall(value) pcall(value, rex) end
-        rex = farm.Animal.make("Rex")
+        local given = {}
+        for i = 1, 20 do                            -- which may lie where those given up lay
+            given[i] = farm.Animal.make("given up")
+            debug.getmetatable(given[i]).__gc(given[i])
+            rex = farm.Animal.make("Rex")
+            assert(rex.name == "Rex" and rex ~= given[i])
+        end
         local walk = rex:meals()
         assert(not pcall(rex.meals) and not pcall(rex.meals, farm.Barn) and walk(5, {}) == nil))"),
               "ok");
