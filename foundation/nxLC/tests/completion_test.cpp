@@ -1,0 +1,56 @@
+// Proposals for unfinished lines.
+#include "foundation/nxLC/completion.h"
+
+#include "foundation/nxLC/tests/Farm.h"
+
+namespace {
+
+class Completions : public farm::Farm {
+protected:
+    /// What stays of the line, and the names that may follow.
+    std::string of(std::string_view line) {
+        auto const [begin, names] = nxLC::completions(state->get(), line);
+        std::string text(line.substr(0, begin));
+        for (auto const& name : names) text.append("|").append(name.view());
+        return text;
+    }
+};
+
+TEST_F(Completions, FollowTablesObjectsAndTypesOfProperties) {
+    EXPECT_EQ(run("rex, box = farm.Animal.make('Rex'), {lid = 1, ['no name'] = 2, open = print, 3}"), "ok");
+    struct Row {
+        char const* line;
+        char const* proposed;
+    };
+    for (Row const& row : {
+             Row{"fa", "|farm"},
+             Row{"print(farm.A", "print(farm.|Animal"},
+             Row{"x = farm.", "x = farm.|Animal|Barn|Duck|Swimmer|tools"},
+             Row{"farm.Duck.", "farm.Duck.|make"},
+             Row{"farm.tools.n", "farm.tools.|nameOf"},
+             Row{"rex.", "rex.|friend|legs|name|weight"},
+             Row{"rex:f", "rex:|fail|feed"},
+             Row{"rex.friend.friend:m", "rex.friend.friend:|meals"},
+             Row{"box.", "box.|lid|open"},
+             Row{"box:", "box:|open"},
+             Row{"rex.name.", "rex.name."},
+             Row{"rex.meals.x", "rex.meals."},
+             Row{"no.such.thing", "no.such."},
+             Row{"rex:call('x').n", "rex:call('x').n"},
+         }) {
+        EXPECT_EQ(of(row.line), row.proposed);
+    }
+    EXPECT_TRUE(of("").starts_with("|_G|"));
+    EXPECT_EQ(lua_gettop(state->get()), 0);
+}
+
+TEST_F(Completions, CallNothing) {
+    EXPECT_EQ(run("t = setmetatable({}, {__index = error}) setmetatable(_G, {__index = error})"), "ok");
+    EXPECT_EQ(of("t.a.b"), "t.a.");
+    EXPECT_EQ(of("unknown.b"), "unknown.");
+    lua_State* const plain = luaL_newstate();
+    EXPECT_TRUE(nxLC::completions(plain, "a.b").names.empty());
+    lua_close(plain);
+}
+
+}  // namespace
