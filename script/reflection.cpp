@@ -6,6 +6,7 @@
 #include "foundation/nxTXN/Manager.h"
 #include "foundation/nxTXN/RefCountedObject.h"
 #include "foundation/urOS/Uuid.h"
+#include "net/reflection.h"
 #include "script/reflectedValues.h"
 #include "support/messaging/CallInfo.h"
 #include "support/messaging/DataSink.h"
@@ -103,6 +104,7 @@ void registerReflection(InitializeReflectionMsg& message) {
     registerTransactions(database);
     registerMessaging(database);
     registerFunctions(database);
+    nxNet::initializeReflection(&database);
 }
 
 }  // namespace nxSupport

@@ -65,7 +65,6 @@ public:
         broadcaster->broadcast(lua);
         give<Domain*>("domain", &domain);
         give("sink", ur::Reference<DataSink>(sink));
-        nxRFL::ExposeClass<urThread::Buffer>(database, "urThread::Buffer");
         give("buffer", ur::make<urThread::Buffer>("bytes"));
         give("text", nxRFL::makeFunction(database, [this] { return urString::CString(sink->text); }));
     }
