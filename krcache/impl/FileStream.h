@@ -11,9 +11,9 @@ namespace urKRCache {
 
 /// Moves bytes between a resource and its chunk: block by block, each with a checksum that is kept in memory.
 ///
-/// Never passes the chunk's end, and when reading never the end of what was written. The first failure stays, and
-/// afterwards nothing moves: a resource that ignores it cannot get wrong bytes, and its manager asks `error`.
-/// Streams on different chunks may be open at the same time.
+/// Never passes the chunk's end, and when reading never the end of what was written. To the resource a failure shows
+/// as a count that falls short, never as an error: what to do about it is for the manager, which asks `error`. The
+/// first failure stays, and afterwards nothing moves. Streams on different chunks may be open at the same time.
 class FileStream final : public urOS::IOStream {
 public:
     enum class Direction { read, write };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <set>
 
@@ -51,7 +52,8 @@ private:
     struct Smaller {
         using is_transparent = void;
         bool operator()(PageFileEntry const* a, PageFileEntry const* b) const noexcept {
-            return a->size() != b->size() ? a->size() < b->size() : a->offset() < b->offset();
+            if (a->size() != b->size()) return a->size() < b->size();
+            return a->offset() != b->offset() ? a->offset() < b->offset() : std::less<>()(a, b);  // two empty ones
         }
         bool operator()(PageFileEntry const* a, std::uint64_t bytes) const noexcept { return a->size() < bytes; }
     };

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <filesystem>
 #include <limits>
 
 #include "krcache/impl/ScratchFile.h"
@@ -44,7 +45,9 @@ ScratchFile::~ScratchFile() {
 }
 
 Error ScratchFile::open(std::string const& path) {
-    path_ = path;
+    std::error_code unknown;
+    path_ = std::filesystem::absolute(path, unknown).string();  // the process may go elsewhere before it ends
+    if (unknown) path_ = path;
     // The file's former owner may delete it between our opening and our locking it, but hardly time and again.
     Error error;
     bool deletedMeanwhile = true;
