@@ -43,8 +43,8 @@ public:
     [[nodiscard]] int compare(KeyData const* other) const;
     /// Equal for keys that compare equal. Computed once, unless it is 0.
     [[nodiscard]] unsigned hash() const {
-        if (cachedHash_ == 0) cachedHash_ = onHash();
-        return cachedHash_;
+        if (memo_.hash == 0) memo_.hash = onHash();
+        return memo_.hash;
     }
 
 protected:
@@ -78,10 +78,20 @@ private:
     }
     void visitSubKeys(KeyVisitor& visitor) const { onVisitSubKeys(visitor); }
 
-    // The shim that was made for this very key, and by whom: found again without the table.
-    mutable Shim* shim_ = nullptr;
-    mutable ManagerImpl const* shimOwner_ = nullptr;
-    mutable unsigned cachedHash_ = 0;
+    /// What the cache remembers of this very object. A copy starts without, since it may yet be changed.
+    struct Memo {
+        Memo() noexcept = default;
+        Memo(Memo const& /*other*/) noexcept {}
+        Memo& operator=(Memo const& /*other*/) noexcept { return *this = Memo(); }
+        Memo& operator=(Memo&&) noexcept = default;
+        ~Memo() = default;
+
+        Shim* shim = nullptr;  ///< that was made for it: found again without the table
+        ManagerImpl const* owner = nullptr;
+        unsigned hash = 0;
+    };
+
+    mutable Memo memo_;
 };
 
 }  // namespace urKRCache

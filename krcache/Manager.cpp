@@ -28,13 +28,16 @@ Manager& getKeyResourceManager() {
     return *manager;
 }
 
+ManagerObserver::~ManagerObserver() = default;
+
 Manager::Manager(urString::IString const& folder) : impl_(std::make_unique<ManagerImpl>(*this, folder)) {}
 
 Manager::~Manager() { impl_->removeAll(); }
 
 ur::Reference<Shim> Manager::getShim(ur::Reference<KeyData> key, Shim::KeyType type) {
-    if (Shim* const shim = impl_->find(*key)) return ur::Reference<Shim>(shim);
-    return impl_->createShim(key, type);
+    if (Shim* const shim = impl_->known(*key)) [[likely]]
+        return ur::Reference<Shim>(shim);
+    return impl_->findOrCreateShim(key, type);
 }
 
 ur::Reference<Shim> Manager::findShim(ur::Reference<KeyData> key) const {
@@ -75,6 +78,7 @@ Statistics Manager::statistics() const { return impl_->statistics(); }
 urString::CString Manager::audit() const { return impl_->audit(); }
 void Manager::printDependencies(urOS::OStream& out) const { impl_->printDependencies(out); }
 void Manager::printDependenciesAsDot(urOS::OStream& out) const { impl_->printDependenciesAsDot(out); }
+void Manager::setObserver(ManagerObserver* observer) { impl_->setObserver(observer); }
 void Manager::setTraceRecorder(TraceRecorder* recorder) { impl_->setTraceRecorder(recorder); }
 void Manager::setClearCheck(bool clearCheck) { impl_->setClearCheck(clearCheck); }
 

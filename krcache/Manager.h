@@ -17,6 +17,7 @@
 namespace urKRCache {
 
 class ManagerImpl;
+class ManagerObserver;
 class TraceRecorder;
 
 /// Keeps resources under a limit of bytes, rebuilds them on demand, and removes what is built from what is removed.
@@ -84,6 +85,7 @@ public:
     [[nodiscard]] int numKeys() const;
     /// Prints the bytes in memory by class of key on the debug channel.
     void logUsageByType() const;
+    /// Takes time in proportion to the keys, and nothing until it is asked for.
     [[nodiscard]] Statistics statistics() const;
     /// The first invariant that does not hold, in words; empty when all do.
     [[nodiscard]] urString::CString audit() const;
@@ -93,6 +95,8 @@ public:
     void printDependenciesAsDot(urOS::OStream& out) const;
     /// Records events from now on in `recorder`, which is not owned; null ends that.
     void setTraceRecorder(TraceRecorder* recorder);
+    /// Tells `observer`, which is not owned, of builds and drops from now on; null ends that.
+    void setObserver(ManagerObserver* observer);
 
     /// A mark for the host; nothing here reads it.
     void setClearCheck(bool clearCheck);

@@ -10,6 +10,7 @@
 
 #include "krcache/Accountant.h"
 #include "krcache/Manager.h"
+#include "krcache/ManagerObserver.h"
 #include "krcache/TraceRecorder.h"
 #include "krcache/impl/KeyTable.h"
 #include "krcache/impl/LruList.h"
@@ -30,8 +31,15 @@ public:
     ~ManagerImpl() = default;
 
     // Finding and building (access.cpp)
-    ur::Reference<Shim> createShim(ur::Reference<KeyData> const& key, Shim::KeyType type);
-    [[nodiscard]] Shim* find(KeyData const& key) const { return key.shimOwner_ == this ? key.shim_ : table_.find(key); }
+    /// The shim that was made for this very key; null when there is none.
+    [[nodiscard]] Shim* known(KeyData const& key) const noexcept {
+        return key.memo_.owner == this ? key.memo_.shim : nullptr;
+    }
+    [[nodiscard]] Shim* find(KeyData const& key) const {
+        Shim* const shim = known(key);
+        return shim ? shim : table_.find(key);
+    }
+    ur::Reference<Shim> findOrCreateShim(ur::Reference<KeyData> const& key, Shim::KeyType type);
     ur::Reference<Resource> access(Shim& shim) {
         if (!shim.isResourceAllocated()) [[unlikely]]
             return accessAbsent(shim);
@@ -72,6 +80,7 @@ public:
     void setSerializable(Shim& shim) noexcept { shim.serializable_ = true; }
     void setClearCheck(bool clearCheck) noexcept { clearCheck_ = clearCheck; }
     void setTraceRecorder(TraceRecorder* recorder) noexcept;
+    void setObserver(ManagerObserver* observer) noexcept { observer_ = observer; }
 
     // Telling (usage.cpp, dependencies.cpp, audit.cpp)
     [[nodiscard]] std::size_t keyCount() const noexcept { return table_.size(); }
@@ -82,7 +91,7 @@ public:
     void printDependenciesAsDot(urOS::OStream& out) const;
 
 private:
-    enum class Cause : std::size_t { limit, request, removal, pageFailure, buildFailure };
+    using Cause = Leaving;
     /// Whether hooks that eviction calls may build resources.
     enum class Evicting { no, hooksMayBuild, hooksMayNotBuild };
 
@@ -100,11 +109,14 @@ private:
     };
 
     // access.cpp
+    class ObservedBuild;
     ur::Reference<Resource> accessAbsent(Shim& shim);
     void noteHit(Shim& shim);
     void watch() noexcept { isWatched_ = accountant_.inInteraction_ || trace_; }
     bool createResource(Shim& shim);
+    ur::Reference<Resource> buildObserved(KeyData const& key, ClassUsage& usage);
     static ur::Reference<Resource> buildTimed(KeyData const& key, ClassUsage& usage);
+    ur::Reference<Shim> createShim(ur::Reference<KeyData> const& key, Shim::KeyType type);
     void linkSources(Shim& shim, KeyData const& key);
     void withdraw(Shim& shim) noexcept;
     ur::Reference<Shim> takeFromTable(Shim& shim) noexcept;
@@ -112,7 +124,7 @@ private:
     [[nodiscard]] bool isAttached(Shim const& shim) const noexcept { return shim.manager_ && !shim.removing_; }
 
     // limits.cpp
-    void account(Shim& shim, unsigned size, TraceRecorder::Event event);
+    void account(Shim& shim, KeyData const& key, unsigned size, TraceRecorder::Event event);
     void link(Shim& shim) noexcept {
         if (shim.lockCount_ <= 0) lru_.append(shim);
     }
@@ -126,7 +138,6 @@ private:
     void measureOtherResident();
     [[nodiscard]] bool isOverLimit() const noexcept { return limit_ != 0 && used() + otherResident_ > limit_; }
     void evict();
-    void evictHead();
     void clearOrPageOut(Shim& shim, Cause cause);
     void leaveMemory(Shim& shim, Cause cause);
     void clearAllocated(Shim& shim, Cause cause);
@@ -168,6 +179,11 @@ private:
             trace_->record(event, shim.serial_, shim.size_);
     }
 
+    void noteLeaving(Shim const& shim, Cause cause) {
+        if (observer_) [[unlikely]]
+            observer_->onLeave(shim.usage_->keyClass, shim.size_, cause);
+    }
+
     Manager& manager_;
     LruList lru_;
     KeyTable table_;
@@ -188,6 +204,7 @@ private:
     bool pageFileTold_ = false;  ///< that there is no page file
     Evicting evicting_ = Evicting::no;
     TraceRecorder* trace_ = nullptr;
+    ManagerObserver* observer_ = nullptr;
     Statistics statistics_;          ///< without what is computed on demand
     std::uint64_t cleared_[5] = {};  ///< by cause
     std::unordered_map<ur::TypeInfo, ClassUsage> usages_;

@@ -3,6 +3,7 @@
 
 #include "foundation/urOS/Filename.h"
 #include "foundation/urOS/StopWatch.h"
+#include "foundation/urOS/reportException.h"
 #include "krcache/impl/ManagerImpl.h"
 
 namespace urKRCache {
@@ -21,13 +22,18 @@ private:
     ur::vector<ur::Reference<Shim>>* shims_;
 };
 
-constexpr std::uint64_t timedBuilds = 16;      ///< at first, all of them
-constexpr std::uint64_t buildsPerSample = 64;  ///< then one of so many
+constexpr std::uint64_t timedBuilds = 16;       ///< at first, all of them
+constexpr std::uint64_t buildsPerSample = 256;  ///< then one of so many
 
 }  // namespace
 
 ManagerImpl::ManagerImpl(Manager& manager, urString::IString const& folder)
     : manager_(manager), pageFile_(urOS::Filename::join(folder, "urKRCachePageFile.dat")) {}
+
+ur::Reference<Shim> ManagerImpl::findOrCreateShim(ur::Reference<KeyData> const& key, Shim::KeyType type) {
+    Shim* const shim = table_.find(*key);
+    return shim ? ur::Reference<Shim>(shim) : createShim(key, type);
+}
 
 ur::Reference<Shim> ManagerImpl::createShim(ur::Reference<KeyData> const& key, Shim::KeyType type) {
     std::uint64_t const before = table_.version();
@@ -35,15 +41,16 @@ ur::Reference<Shim> ManagerImpl::createShim(ur::Reference<KeyData> const& key, S
     // Asking the key for its sizes may have brought an equal key in.
     Shim* const rival = table_.version() == before ? nullptr : table_.find(*key);
     if (rival || dying_) {
-        withdraw(*shim);
+        shim->manager_ = nullptr;
+        shim->key_.reset();
         return rival ? ur::Reference<Shim>(rival) : shim;
     }
     shim->hash_ = key->hash();
     shim->serial_ = nextSerial_++;
     shim->usage_ = &usageOf(*key);
     table_.insert(*shim);
-    key->shim_ = shim.get();
-    key->shimOwner_ = this;
+    key->memo_.shim = shim.get();
+    key->memo_.owner = this;
     try {
         linkSources(*shim, *key);
     } catch (...) {
@@ -60,21 +67,23 @@ void ManagerImpl::linkSources(Shim& shim, KeyData const& key) {
     if (!isAttached(shim)) return;
     for (ur::Reference<Shim> const& source : sources) {
         // What is built from something removed is as good as removed itself.
-        if (!isAttached(*source)) return withdraw(shim);
+        if (!isAttached(*source)) return remove(shim);
     }
     for (ur::Reference<Shim> const& source : sources) shim.addChild(*source);
 }
 
-/// Takes back a shim that nobody has seen yet.
+/// Removes a shim because of an exception, which counts more than one from here. Its key may have used it already.
 void ManagerImpl::withdraw(Shim& shim) noexcept {
-    ur::Reference<Shim> const held = takeFromTable(shim);
-    shim.manager_ = nullptr;
-    shim.cutChildren();
-    ur::Reference<KeyData> const key = std::move(shim.key_);
+    try {
+        remove(shim);
+    } catch (...) {
+        urOS::reportException("urKRCache::Manager::getShim", std::current_exception());
+    }
 }
 
 ur::Reference<Shim> ManagerImpl::takeFromTable(Shim& shim) noexcept {
-    if (shim.key_->shim_ == &shim) shim.key_->shimOwner_ = nullptr;
+    KeyData::Memo& memo = shim.key_->memo_;
+    if (memo.shim == &shim) memo.owner = nullptr;
     return table_.take(shim);
 }
 
@@ -119,12 +128,41 @@ ur::Reference<Resource> ManagerImpl::buildTimed(KeyData const& key, ClassUsage& 
     return built;
 }
 
+/// Tells the observer of the start of a build and, when this goes, of its end.
+class ManagerImpl::ObservedBuild {
+public:
+    /// Requires: there is one.
+    ObservedBuild(ManagerImpl& manager, ur::TypeInfo keyClass) noexcept
+        : manager_(manager), observer_(manager.observer_) {
+        observer_->onBuildBegin(keyClass);
+    }
+    ObservedBuild(ObservedBuild const&) = delete;
+    ObservedBuild& operator=(ObservedBuild const&) = delete;
+    ~ObservedBuild() {
+        if (observer_ == manager_.observer_) observer_->onBuildEnd(bytes_);
+    }
+
+    void setSize(unsigned bytes) noexcept { bytes_ = bytes; }
+
+private:
+    ManagerImpl& manager_;
+    ManagerObserver* observer_;
+    unsigned bytes_ = 0;
+};
+
+ur::Reference<Resource> ManagerImpl::buildObserved(KeyData const& key, ClassUsage& usage) {
+    ObservedBuild build(*this, usage.keyClass);
+    ur::Reference<Resource> built = buildTimed(key, usage);
+    if (built) build.setSize(built->getSizeInBytes());
+    return built;
+}
+
 // False when nothing was built, or the shim was removed meanwhile.
 bool ManagerImpl::createResource(Shim& shim) {
     makeSpace(shim.size_, shim.residential_);
     if (!isAttached(shim)) return false;
     ur::Reference<KeyData> const key = shim.key_;
-    ur::Reference<Resource> built = buildTimed(*key, *shim.usage_);
+    ur::Reference<Resource> built = observer_ ? buildObserved(*key, *shim.usage_) : buildTimed(*key, *shim.usage_);
     if (!built) {
         ++statistics_.buildsWithout;
         return false;
@@ -135,7 +173,7 @@ bool ManagerImpl::createResource(Shim& shim) {
     if (shim.keyType_ == Shim::Retained) shim.ref();
     shim.resource_ = std::move(built);
     link(shim);
-    account(shim, size, TraceRecorder::Event::build);
+    account(shim, *key, size, TraceRecorder::Event::build);
     return true;
 }
 

@@ -82,11 +82,8 @@ char const* ManagerImpl::faultOfSums() const {
         locked += shim.isResourceLocked() ? size : 0;
         hot += shim.hot_ ? 1 : 0;
     });
-    std::uint64_t byClass = 0;
-    for (auto const& [keyClass, usage] : usages_) byClass += usage.bytes;
     if (used != used_) return "the memory used is not the sum of the resources";
     if (residential != residentialUsed_) return "the residential bytes are not their sum";
-    if (byClass != used) return "the bytes by class do not add up";
     if (locked != accountant_.lockedSize_) return "the locked bytes are not their sum";
     if (hot != accountant_.hotSet_.size()) return "the hot set has shims that are not in the table";
     return statistics_.peakMemoryUsed >= used ? nullptr : "the peak is below the memory used";

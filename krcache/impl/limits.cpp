@@ -15,9 +15,10 @@ constexpr std::uint64_t unknownRequest = 209715;   ///< what a request without a
 constexpr unsigned sizeWorthAWarning = 524288;
 constexpr std::int32_t sizeTolerance = 1024;
 
-bool isUnanticipated(std::uint32_t size, std::uint32_t expected) {
+void warnUnless(std::uint32_t size, std::uint32_t expected) {
     auto const difference = static_cast<std::int32_t>(size - expected);
-    return size > sizeWorthAWarning && (difference <= -sizeTolerance || difference >= sizeTolerance);
+    if (difference > -sizeTolerance && difference < sizeTolerance) return;
+    debugChannel().print("Unanticipated %.02fMB resource!\n", impl::megabytes(size));
 }
 
 /// Adds to a counter for as long as a scope runs.
@@ -38,16 +39,14 @@ private:
 }  // namespace
 
 /// Counts a resource that has come into memory, and makes the room that it needs.
-void ManagerImpl::account(Shim& shim, unsigned size, TraceRecorder::Event event) {
-    if (isUnanticipated(size, shim.size_)) {
-        debugChannel().print("Unanticipated %.02fMB resource!\n", impl::megabytes(size));
-    }
-    shim.size_ = size;
+void ManagerImpl::account(Shim& shim, KeyData const& key, unsigned size, TraceRecorder::Event event) {
+    unsigned const expected = std::exchange(shim.size_, size);
     addToUsed(shim);
+    if (size > sizeWorthAWarning) warnUnless(size, expected);
     record(event, shim);
     accountant_.resourceCreated(&shim);
     try {
-        ur::Reference<KeyData>(shim.key_)->initializeResource(shim.resource_);
+        key.initializeResource(shim.resource_);
     } catch (...) {
         if (shim.isResourceAllocated()) clearAllocated(shim, Cause::buildFailure);
         throw;
@@ -59,8 +58,6 @@ void ManagerImpl::account(Shim& shim, unsigned size, TraceRecorder::Event event)
 void ManagerImpl::addToUsed(Shim const& shim) noexcept {
     used_ += shim.size_;
     if (shim.residential_) residentialUsed_ += shim.size_;
-    shim.usage_->bytes += shim.size_;
-    ++shim.usage_->resources;
     statistics_.peakMemoryUsed = std::max(statistics_.peakMemoryUsed, used_);
 }
 
@@ -68,14 +65,12 @@ void ManagerImpl::addToUsed(Shim const& shim) noexcept {
 void ManagerImpl::takeFromUsed(Shim& shim) noexcept {
     used_ -= shim.size_;
     if (shim.residential_) residentialUsed_ -= shim.size_;
-    shim.usage_->bytes -= shim.size_;
-    --shim.usage_->resources;
     accountant_.resourceCleared(&shim);
     unlink(shim);
 }
 
 void ManagerImpl::makeSpace(std::uint64_t bytes, bool residential) {
-    if (bytes == 0) return;
+    if (bytes == 0 || limit_ == 0) return;
     Reservation const all(reserved_, bytes);
     Reservation const resident(residentialReserved_, residential ? bytes : 0);
     enforceMemoryLimit(bytes);
@@ -101,15 +96,11 @@ void ManagerImpl::evict() {
         Scoped const evicting(evicting_, Evicting::hooksMayBuild);
         for (std::size_t left = lru_.count(); !lru_.empty() && isOverLimit(); --left) {
             if (left == 0) evicting_ = Evicting::hooksMayNotBuild;
-            evictHead();
+            ur::Reference<Shim> const head(&lru_.head());
+            leaveMemory(*head, Cause::limit);
         }
     }
     if (isOverLimit()) reportExcess();
-}
-
-void ManagerImpl::evictHead() {
-    ur::Reference<Shim> const shim(&lru_.head());
-    leaveMemory(*shim, Cause::limit);
 }
 
 void ManagerImpl::reportExcess() const {
@@ -145,8 +136,9 @@ void ManagerImpl::dropResource(Shim& shim, Cause cause) {
 ur::Reference<Resource> ManagerImpl::takeResource(Shim& shim, Cause cause) {
     ++cleared_[static_cast<std::size_t>(cause)];
     record(TraceRecorder::Event::clear, shim);
+    noteLeaving(shim, cause);
     ur::Reference<Resource> taken = std::move(shim.resource_);
-    if (shim.keyType_ == Shim::Retained) shim.unref();
+    if (shim.keyType_ == Shim::Retained) --shim.strongCount_;  // never the last: the table or a removal has one
     return taken;
 }
 

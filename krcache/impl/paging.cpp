@@ -40,6 +40,7 @@ void ManagerImpl::pageOut(Shim& shim) {
     ++statistics_.pagesOut;
     statistics_.pagesOutBytes += stream.transferred();
     record(TraceRecorder::Event::pageOut, shim);
+    noteLeaving(shim, Cause::pageOut);
 }
 
 // False when the payload is lost, or the shim was removed meanwhile.
@@ -48,6 +49,7 @@ bool ManagerImpl::pageIn(Shim& shim) {
     PageFileEntry* const chunk = shim.pageEntry_;
     if (!chunk) return false;
 
+    ur::Reference<KeyData> const key = shim.key_;
     FileStream stream(pageFile_, *chunk, FileStream::Direction::read);
     ur::Reference<Resource> const resource = shim.resource_;
     unsigned size = 0;
@@ -61,7 +63,7 @@ bool ManagerImpl::pageIn(Shim& shim) {
     link(shim);
     ++statistics_.pagesIn;
     statistics_.pagesInBytes += stream.transferred();
-    account(shim, size, TraceRecorder::Event::pageIn);
+    account(shim, *key, size, TraceRecorder::Event::pageIn);
     return true;
 }
 

@@ -32,7 +32,14 @@ Statistics ManagerImpl::statistics() const {
     result.clearedByPageFailure = cleared(Cause::pageFailure);
     result.clearedByBuildFailure = cleared(Cause::buildFailure);
     result.memoryUsed = used_;
-    for (auto const& [keyClass, usage] : usages_) result.classes.push_back(usage);
+    std::unordered_map<ur::TypeInfo, ClassUsage> usages = usages_;
+    table_.forEach([&](Shim const& shim) {
+        if (!shim.isResourceAllocated()) return;
+        ClassUsage& usage = usages[shim.usage_->keyClass];
+        usage.bytes += shim.size_;
+        ++usage.resources;
+    });
+    for (auto const& [keyClass, usage] : usages) result.classes.push_back(usage);
     std::sort(result.classes.begin(), result.classes.end(),
               [](ClassUsage const& a, ClassUsage const& b) { return a.keyClass < b.keyClass; });
     return result;

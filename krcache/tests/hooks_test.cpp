@@ -131,6 +131,31 @@ TEST_F(HooksTest, AShimMayBeRemovedWhileItIsPaged) {
     }
 }
 
+TEST_F(HooksTest, AKeyMayUseItsShimBeforeItIsLinkedAndThenFail) {
+    auto const gone = shim(make<Key>(4));
+    manager.removeResource(gone);
+    for (bool const throws : {false, true}) {
+        auto const key = make<Key>(9), above = make<Key>(10);
+        Reference<Shim> seen;
+        key->onVisit = [&](KeyVisitor& visitor) {
+            seen = manager.findShim(key);
+            above->sources = {seen};
+            shim(above);
+            access(seen);
+            if (throws) throw std::runtime_error("no");
+            visitor.visit(gone.get());
+        };
+        if (throws) {
+            EXPECT_THROW(shim(key), std::runtime_error);
+        } else {
+            EXPECT_EQ(shim(key)->manager(), nullptr);
+        }
+        EXPECT_EQ(seen->manager(), nullptr);
+        EXPECT_EQ(manager.findShim(above), nullptr);
+        EXPECT_EQ(manager.audit(), "");
+    }
+}
+
 TEST_F(HooksTest, ComparingMayChangeTheTable) {
     int number = 100, changes = 0;
     auto const probe = make<Key>(2);  // all keys here have one hash: the first comparison is with a

@@ -39,6 +39,11 @@ TEST_F(ManagerTest, EqualKeysShareOneShimAndItsKeyIsTheFirstOfThem) {
     EXPECT_EQ(other->compare(first.get()), -order);
     EXPECT_EQ(other->compares, 0);
     EXPECT_EQ(first->hashes, 1);
+    auto const copy = make<Key>(*first);
+    EXPECT_EQ(manager.findShim(copy), shim);
+    auto const changed = make<Key>(*first);
+    changed->number = 2, changed->hash = 8;
+    EXPECT_EQ(manager.findShim(changed), nullptr);
     EXPECT_EQ(manager.numKeys(), 1);
 }
 

@@ -1,6 +1,7 @@
 // What the cache tells about itself: counts, dependencies, traces.
 #include <gmock/gmock.h>
 
+#include "krcache/ManagerObserver.h"
 #include "krcache/TraceRecorder.h"
 #include "krcache/tests/TestKeys.h"
 
@@ -121,6 +122,38 @@ TEST_F(TellingTest, AFileThatIsNoTraceIsRefusedAsAWhole) {
         EXPECT_TRUE(recorder.read(memory).isError()) << text;
         EXPECT_EQ(recorder.entries().size(), 1);
     }
+}
+
+struct Log : ManagerObserver {
+    void onBuildBegin(ur::TypeInfo keyClass) noexcept override { text += "build " + nameOf(keyClass) + '\n'; }
+    void onBuildEnd(unsigned bytes) noexcept override { text += "built " + std::to_string(bytes) + '\n'; }
+    void onLeave(ur::TypeInfo keyClass, unsigned bytes, Leaving why) noexcept override {
+        text += nameOf(keyClass) + ' ' + std::to_string(bytes) + ' ' + std::to_string(int(why)) + '\n';
+    }
+    static std::string nameOf(ur::TypeInfo type) { return type == ur::TypeInfo::of<PatchKey>() ? "patch" : "key"; }
+
+    std::string text;
+};
+
+TEST_F(TellingTest, AnObserverSeesBuildsAndWhyResourcesGo) {
+    Log log;
+    manager.setObserver(&log);
+    auto const source = shim(make<Key>(1, 1000));
+    auto const patch = shim(make<PatchKey>(2, 70));
+    keyOf(patch).onBuild = [&] { access(source); };
+    access(patch);
+    manager.setMemoryLimit(100);  // the source goes
+    manager.setSerializable(patch);
+    manager.clear();
+    manager.removeResource(patch);
+    auto const broken = shim(make<PatchKey>(3));
+    keyOf(broken).onBuild = [] { throw 1; };
+    EXPECT_THROW(access(broken), int);
+    keyOf(broken).onBuild = [&] { manager.setObserver(nullptr); };
+    access(broken);
+    EXPECT_EQ(log.text,
+              "build patch\nbuild key\nbuilt 1000\nbuilt 70\nkey 1000 0\npatch 70 5\npatch 70 2\n"
+              "build patch\nbuilt 0\nbuild patch\n");
 }
 
 }  // namespace
