@@ -1,0 +1,132 @@
+// Keys that ask a script to build their text.
+#include "tools/nxhost/Cache.h"
+
+#include <limits>
+
+#include "foundation/nxRFL/ExposeClass.h"
+#include "foundation/ur/hashfunction.h"
+#include "foundation/urOS/IOStream.h"
+
+namespace nxhost {
+
+using nxRFL::Function;
+using ur::Reference;
+using urKRCache::Manager;
+using urKRCache::Shim;
+using urString::CString;
+
+namespace {
+
+class Text final : public urKRCache::Resource {
+public:
+    explicit Text(CString text) : text_(std::move(text)), size_(text_.size()) {}
+    [[nodiscard]] CString const& text() const noexcept { return text_; }
+
+protected:
+    unsigned onGetSizeInBytes() const override { return static_cast<unsigned>(size_); }
+    void onSerialize(urOS::IOStream& stream) override {
+        // A failure is the stream's: the cache sees it too, and drops the text.
+        static_cast<void>(stream.write(text_.data(), size_));
+        text_ = CString();
+    }
+    void onDeserialize(urOS::IOStream& stream) override {
+        text_.resize(size_);
+        static_cast<void>(stream.read(text_.data(), size_));
+    }
+
+private:
+    CString text_;
+    std::size_t size_;
+};
+
+/// Names one text and knows the function that builds it. Keys are equal when their names are.
+class TextKey final : public urKRCache::KeyData {
+public:
+    TextKey(CString name, Reference<Shim> source, Reference<Function> build)
+        : name_(std::move(name)), source_(std::move(source)), build_(std::move(build)) {}
+
+protected:
+    void onVisitSubKeys(urKRCache::KeyVisitor& visitor) const override {
+        if (source_) visitor.visit(source_.get());
+    }
+    int onCompare(KeyData const* other) const override {
+        return name_.compare(static_cast<TextKey const*>(other)->name_);
+    }
+    unsigned onHash() const override { return getTypeHash() ^ ur::hashfunction(name_); }
+    Reference<urKRCache::Resource> onCreateResource() const override {
+        nxRFL::Stack arguments;
+        nxRFL::Stack results;
+        if (source_) {
+            nxRFL::Writer writer(arguments);
+            writer.writeText(Resource(*source_->manager(), source_).text());
+        }
+        build_->call(arguments, results);
+        nxRFL::Reader reader(results);
+        CString const& text = reader.readText();
+        if (text.size() > std::numeric_limits<unsigned>::max()) throw nxRFL::Exception("a text of 4 GiB or more");
+        return ur::make<Text>(text);
+    }
+
+private:
+    CString name_;
+    Reference<Shim> source_;
+    Reference<Function> build_;
+};
+
+Reference<Resource> makeResource(Manager& manager, CString const& name, Reference<Shim> source,
+                                 Reference<Function> function) {
+    if (!function) throw nxRFL::Exception("a function is needed");
+    auto key = ur::make<TextKey>(name, std::move(source), std::move(function));
+    return ur::make<Resource>(manager, manager.getShim(std::move(key), Shim::Retained));
+}
+
+Reference<Resource> resource(Manager& manager, CString const& name, Reference<Function> function) {
+    return makeResource(manager, name, nullptr, std::move(function));
+}
+
+Reference<Resource> derived(Manager& manager, CString const& name, Resource& source, Reference<Function> function) {
+    if (!source.shim()->manager()) throw nxRFL::Exception("the source has been removed");
+    return makeResource(manager, name, source.shim(), std::move(function));
+}
+
+ur::map<CString, double> statistics(Manager& manager) {
+    urKRCache::Statistics const counts = manager.statistics();
+    auto const number = [](std::uint64_t count) { return static_cast<double>(count); };
+    return {{"hits", number(counts.hits)},
+            {"builds", number(counts.builds)},
+            {"evictions", number(counts.clearedForLimit)},
+            {"pagesOut", number(counts.pagesOut)},
+            {"pagesIn", number(counts.pagesIn)},
+            {"memoryUsed", number(counts.memoryUsed)},
+            {"peakMemoryUsed", number(counts.peakMemoryUsed)},
+            {"keys", manager.numKeys()}};
+}
+
+}  // namespace
+
+CString Resource::text() const {
+    if (!shim_->manager()) throw nxRFL::Exception("the resource has been removed");
+    auto const built = manager_.accessResource(shim_);
+    if (!built || !shim_->isResourceAllocated()) throw nxRFL::Exception("the cache has no room for the resource");
+    return static_cast<Text const&>(*built).text();
+}
+
+void exposeCache(nxRFL::Database& database) {
+    nxRFL::ExposeClass<Resource>(database, "nxhost::Resource")
+        .addProperty("text", &Resource::text)
+        .addProperty("inMemory", &Resource::inMemory)
+        .addMethod("keepOnDisk", &Resource::keepOnDisk)
+        .addMethod("lock", &Resource::lock)
+        .addMethod("unlock", &Resource::unlock)
+        .addMethod("remove", &Resource::remove);
+    nxRFL::ExposeClass<Manager>(database, "urKRCache::Manager")
+        .addMethod("resource", &resource)
+        .addMethod("derived", &derived)
+        .addMethod("clear", &Manager::clear)
+        .addMethod("startInteraction", &Manager::startInteraction)
+        .addMethod("endInteraction", &Manager::endInteraction)
+        .addProperty("memoryLimit", &Manager::getMemoryLimit64, &Manager::setMemoryLimit64)
+        .addProperty("statistics", &statistics);
+}
+
+}  // namespace nxhost

@@ -1,0 +1,74 @@
+// Passing on to clients what a transfer tells.
+#include "tools/nxhost/Connection.h"
+
+#include "foundation/nxRFL/ExposeClass.h"
+
+namespace nxhost {
+
+using urString::CString;
+
+CString Connection::responseHeader(CString const& name) const {
+    auto const found = responseHeaders_.find(CString(name).toLowerCase());
+    return found == responseHeaders_.end() ? CString() : found->second;
+}
+
+void Connection::tell(TransferNews news) {
+    std::visit([this](auto& what) { on(what); }, news);
+}
+
+void Connection::onStart() {
+    if (transfers_.running(*this)) return;
+    responseStatus_ = 0;
+    responseHeaders_.clear();
+    progress_ = {};
+    errorText_.clear();
+    try {
+        if (!getRequest()) throw Failed{TransferError::refused, "there is no request"};
+        transfers_.start(*this);
+    } catch (Failed& failure) {
+        on(failure);
+    }
+}
+
+void Connection::onCancel() {
+    transfers_.stop(*this);
+    progressFunc_.set(nullptr);
+}
+
+void Connection::on(Answered& news) {
+    responseStatus_ = news.status;
+    responseHeaders_ = std::move(news.headers);
+}
+
+void Connection::on(Progressed const& news) {
+    progress_ = news;
+    progressFunc_();
+}
+
+void Connection::on(Completed const& /*news*/) {
+    progressFunc_.set(nullptr);
+    setComplete();
+}
+
+void Connection::on(Failed& news) {
+    errorText_ = std::move(news.text);
+    progressFunc_.set(nullptr);
+    setFailed(static_cast<int>(news.error));
+}
+
+void exposeNetwork(nxRFL::Database& database) {
+    nxRFL::ExposeClass<Connection>(database, "nxhost::Connection")
+        .addBase<nxNet::Connection>()
+        .addProperty("responseStatus", &Connection::responseStatus)
+        .addMapIterator("responseHeaders", &Connection::responseHeaders)
+        .addMethod("responseHeader", &Connection::responseHeader)
+        .addProperty("received", [](Connection& self) { return self.progress().received; })
+        .addProperty("receiveTotal", [](Connection& self) { return self.progress().receiveTotal; })
+        .addProperty("sent", [](Connection& self) { return self.progress().sent; })
+        .addProperty("sendTotal", [](Connection& self) { return self.progress().sendTotal; })
+        .addMethod("setProgressFunc", &Connection::setProgressFunc)
+        .addProperty("timeLimit", &Connection::timeLimit, &Connection::setTimeLimit)
+        .addProperty("errorText", &Connection::errorText);
+}
+
+}  // namespace nxhost

@@ -1,0 +1,76 @@
+// Transfers as clients and scripts see them.
+#pragma once
+
+#include "foundation/nxRFL/Database.h"
+#include "net/Connection.h"
+#include "net/Manager.h"
+#include "tools/nxhost/Transfers.h"
+
+namespace nxhost {
+
+/// A connection that libcurl carries out, with what the answer said about itself. `TransferError` has its error codes.
+///
+/// `start` does nothing while its transfer runs; afterwards it begins anew. The host's transfers outlive it.
+class Connection final : public nxNet::Connection {
+public:
+    explicit Connection(Transfers& transfers) : transfers_(transfers), timeLimit_(transfers.options().timeLimit) {}
+    Connection(Connection const&) = delete;
+    Connection& operator=(Connection const&) = delete;
+
+    /// 0 until the answer has begun.
+    [[nodiscard]] int responseStatus() const noexcept { return responseStatus_; }
+    [[nodiscard]] Headers const& responseHeaders() const noexcept { return responseHeaders_; }
+    /// Whatever the letters' case. Empty when there is none.
+    [[nodiscard]] urString::CString responseHeader(urString::CString const& name) const;
+    /// Where redirections have led.
+    [[nodiscard]] Progressed const& progress() const noexcept { return progress_; }
+    /// Why it failed; empty when it did not.
+    [[nodiscard]] urString::CString const& errorText() const noexcept { return errorText_; }
+
+    /// Of the next start, in seconds; 0 for none.
+    [[nodiscard]] double timeLimit() const noexcept { return timeLimit_; }
+    void setTimeLimit(double seconds) noexcept { timeLimit_ = seconds; }
+    /// Is called when `progress` has changed, until the transfer ends.
+    void setProgressFunc(std::function<void()> function) { progressFunc_.set(std::move(function)); }
+
+    /// For the transfer: something has happened.
+    void tell(TransferNews news);
+
+protected:
+    void onStart() override;
+    void onCancel() override;
+
+private:
+    void on(Reached const& /*news*/) { setConnected(); }
+    void on(Answered& news);
+    void on(Received& news) { dataArrived(std::move(news.data)); }
+    void on(Progressed const& news);
+    void on(Completed const& news);
+    void on(Failed& news);
+
+    Transfers& transfers_;
+    double timeLimit_;
+    int responseStatus_ = 0;
+    Headers responseHeaders_;
+    Progressed progress_;
+    urString::CString errorText_;
+    nxNet::CallbackSlot<> progressFunc_;
+};
+
+/// The host's maker of connections.
+class Network final : public nxNet::Manager {
+public:
+    explicit Network(Transfers& transfers) noexcept : transfers_(transfers) {}
+
+protected:
+    ur::Reference<nxNet::Request> onCreateRequest() override { return ur::make<nxNet::Request>(); }
+    ur::Reference<nxNet::Connection> onCreateConnection() override { return ur::make<Connection>(transfers_); }
+
+private:
+    Transfers& transfers_;
+};
+
+/// Registers the host's class of connections. Requires: the classes of nxNet are registered.
+void exposeNetwork(nxRFL::Database& database);
+
+}  // namespace nxhost

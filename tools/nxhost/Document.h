@@ -1,0 +1,61 @@
+// What scripts edit.
+#pragma once
+
+#include <map>
+#include <memory>
+
+#include "foundation/nxRFL/Database.h"
+#include "foundation/nxTXN/Manager.h"
+#include "support/messaging/Domain.h"
+#include "support/properties/Property.h"
+#include "tools/nxhost/ScriptValue.h"
+
+namespace nxhost {
+
+/// Named values with undo and redo: a property for each name, there from its first use on, without a value at first.
+///
+/// Owned by the host, and goes before the history. A change outside a transaction is a step of its own. Errors are
+/// raised toward the script.
+class Document {
+public:
+    Document(nxTXN::Manager& history, nxSupport::Domain& domain) : history_(history), domain_(domain) {}
+    Document(Document const&) = delete;
+    Document& operator=(Document const&) = delete;
+
+    [[nodiscard]] ScriptValue get(urString::CString const& name) const;
+    /// Null removes the value. Raises in a context that allows no changes.
+    void set(urString::CString const& name, ScriptValue const& value);
+    /// The names that have a value.
+    [[nodiscard]] ur::vector<urString::CString> names() const;
+
+    /// Calls `function`; what it changes is one step, or is taken back when it fails.
+    void edit(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
+    bool undo() { return history_.undo(); }
+    bool redo() { return history_.redo(); }
+
+    /// Calls `function` with the name and the value after each change, undo and redo included.
+    void listen(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
+    /// Calls `function` with each value that is to be set; what it returns is set instead.
+    void validate(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
+
+    [[nodiscard]] nxTXN::Manager& history() const noexcept { return history_; }
+
+private:
+    using Property = nxSupport::Property;
+    struct Entry {
+        ur::Reference<Property> property;
+        ur::Reference<Property> view;  ///< shares the value and hears of what changes it
+        ur::vector<urRTB::ScopedConnection> connections;
+    };
+
+    Entry& entry(urString::CString const& name);
+
+    nxTXN::Manager& history_;
+    nxSupport::Domain& domain_;
+    std::map<urString::CString, Entry> entries_;
+};
+
+/// Registers the document's class.
+void exposeDocument(nxRFL::Database& database);
+
+}  // namespace nxhost

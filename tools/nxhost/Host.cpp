@@ -1,0 +1,214 @@
+// Start-up, running and shut-down.
+#include "tools/nxhost/Host.h"
+
+#include <cstdio>
+
+#include "foundation/nxRFL/ExposeClass.h"
+#include "foundation/nxRFL/ExposeFunction.h"
+#include "foundation/urThread/Runnable.h"
+#include "plst/casts.h"
+#include "script/initialize.h"
+#include "support/messaging/AppInitMsg.h"
+#include "support/messaging/InitializeLuaMsg.h"
+#include "support/messaging/InitializeReflectionMsg.h"
+#include "tools/nxhost/Cache.h"
+#include "tools/nxhost/statistics.h"
+
+namespace nxhost {
+
+using nxSupport::Context;
+using urString::CString;
+
+namespace {
+
+urKRCache::Manager* theCache = nullptr;
+
+/// Run once with the places where modules lie, the script's name and its arguments. Leaving in C's way would skip the
+/// shut-down.
+constexpr char const* prelude = R"lua(
+    local places, script = ...
+    nx = {}
+    arg = {[0] = script, select(3, ...)}
+    if package then package.path = places .. package.path end
+    local exit = host.exit
+    if os.exit then os.exit = function(code) exit(code or 0) end end
+)lua";
+
+/// A script's function that waits for its turn in the run queue.
+class Later final : public urThread::Runnable {
+public:
+    explicit Later(std::function<void()> function) : function_(std::move(function)) {}
+    void run() override { function_(); }
+
+private:
+    std::function<void()> function_;
+};
+
+ur::Reference<nxPLST::Dictionary> startParameters(std::vector<std::string> const& arguments) {
+    auto words = ur::make<nxPLST::Array>();
+    for (std::string const& argument : arguments) words->insert(ur::make<nxPLST::String>(argument.c_str()));
+    auto result = ur::make<nxPLST::Dictionary>();
+    result->insert("arguments", words);
+    return result;
+}
+
+/// Folders become patterns of Lua.
+CString packagePath(std::string_view places) {
+    CString result;
+    while (!places.empty()) {
+        std::string_view const place = places.substr(0, places.find(';'));
+        places.remove_prefix(std::min(place.size() + 1, places.size()));
+        if (place.empty()) continue;
+        result.append(place).append(place.find('?') == place.npos ? "/?.lua;" : ";");
+    }
+    return result;
+}
+
+}  // namespace
+
+// The order is that of the library's start-up: domain, broadcaster and cache exist; a context makes the call
+// information, into which the domain puts the services; the library subscribes; then the two messages.
+Host::Host(Options const& options) : arguments_(options.arguments), loop_(options.network) {
+    theCache = &cache_;
+    urKRCache::setCacheManagerFunc([] { return theCache; });
+    cache_.setMemoryLimit64(options.cacheLimit);
+    history_.setStepLimit(options.undoSteps);
+    history_.setByteLimit(options.undoMemory);
+    database_.setErrorHandler([this](nxRFL::Exception const& error) { onCallbackError(error); });
+
+    domain_.offer(&broadcaster_);
+    domain_.offer(&cache_);
+    domain_.offer(&history_);
+    domain_.offer(&registry_);
+    domain_.offer<nxNet::Manager>(&network_);
+    domain_.offer<nxSupport::Domain>(&domain_);
+    startUp(options);
+}
+
+Host::~Host() {
+    loop_.interrupt().watch(nullptr);
+    loop_.queue().close();
+    state_.reset();
+    urKRCache::setCacheManagerFunc(nullptr);
+    theCache = nullptr;
+}
+
+void Host::startUp(Options const& options) {
+    Context const context(&domain_, Context::NoTxn);
+    nxSupport::initialize();
+    // Like any other module: at a later priority than the library, whose classes are then registered.
+    auto const subscription = broadcaster_.subscribe<nxSupport::InitializeReflectionMsg>(
+        {}, [this](nxSupport::InitializeReflectionMsg& message) { registerClasses(*message.getDB()); });
+    nxSupport::InitializeReflectionMsg reflection(&database_);
+    broadcaster_.broadcast(reflection);
+    openState(options);
+    nxSupport::InitializeLuaMsg lua(nxSupport::InitializeLuaMsg::Application, state_->get());
+    broadcaster_.broadcast(lua);
+    nxSupport::AppInitMsg start(startParameters(options.arguments));
+    broadcaster_.broadcast(start);
+}
+
+void Host::registerClasses(nxRFL::Database& database) {
+    exposeNetwork(database);
+    exposeDocument(database);
+    exposeCache(database);
+    registerFunctions(database);
+}
+
+void Host::registerFunctions(nxRFL::Database& database) {
+    nxRFL::ExposeFunction(database, "host")
+        .add("turn", [this] { return turn(); })
+        .add("later", [this](std::function<void()> function) { later(std::move(function)); })
+        .add("exit", [this](int code) { exit(code); })
+        .add("statistics", [this] { return statisticsText(cache_, history_); });
+}
+
+void Host::openState(Options const& options) {
+    state_ = std::make_unique<nxLC::State>(database_, options.library);
+    loop_.interrupt().watch(state_.get());
+    give("domain", static_cast<nxSupport::Domain*>(&domain_));
+    give("network", static_cast<nxNet::Manager*>(&network_));
+    if (database_.getClass("nxSupport::Registry")) give("registry", &registry_);
+    give("document", &document_);
+    give("cache", &cache_);
+    nxRFL::Stack words;
+    nxRFL::Writer writer(words);
+    writer.writeText(packagePath(options.scriptPath));
+    writer.writeText(options.script.value_or("").c_str());
+    for (std::string const& argument : arguments_) writer.writeText(argument.c_str());
+    call(prelude, words);
+    state_->setLimits(options.limits);
+}
+
+template <class T>
+void Host::give(char const* name, T const& value) {
+    nxRFL::Stack arguments;
+    nxRFL::Writer writer(arguments);
+    writer.writeText(name);
+    nxRFL::write(writer, value);
+    call("local name, value = ... host[name] = value", arguments);
+}
+
+void Host::call(char const* chunk, nxRFL::Stack const& arguments) {
+    nxRFL::Stack results;
+    if (auto const error = state_->run(chunk, "=nxhost", arguments, results)) throw *error;
+}
+
+bool Host::run(std::string_view source, CString const& name) {
+    nxRFL::Stack arguments;
+    nxRFL::Stack results;
+    nxRFL::Writer writer(arguments);
+    for (std::string const& argument : arguments_) writer.writeText(argument.c_str());
+    auto const error = state_->run(source, name, arguments, results);
+    if (error) report(*error);
+    failed_ = failed_ || error;
+    return !error;
+}
+
+void Host::finish() {
+    try {
+        while (!isEnding() && loop_.turn()) continue;
+    } catch (Ended const&) {
+    }
+}
+
+void Host::report(nxRFL::Exception const& error) {
+    if (chosenCode_) return;  // how a script ends that has asked for it
+    std::fprintf(stderr, "nxhost: %s%s%s\n", error.message().c_str(), error.trace().empty() ? "" : "\n",
+                 error.trace().c_str());
+}
+
+int Host::exitCode() noexcept {
+    if (chosenCode_) return *chosenCode_;
+    constexpr int signalBase = 128;
+    if (int const signal = loop_.interrupt().pending()) return signalBase + signal;
+    return failed_ ? ExitCode::scriptFailed : ExitCode::done;
+}
+
+bool Host::turn() {
+    try {
+        bool const result = loop_.turn();
+        if (!isEnding()) return result;
+    } catch (Ended const&) {
+    }
+    throw nxRFL::Exception("interrupted");
+}
+
+void Host::later(std::function<void()> function) {
+    if (!function) throw nxRFL::Exception("a function is needed");
+    loop_.queue().add(ur::make<Later>(std::move(function)));
+}
+
+void Host::exit(int code) {
+    chosenCode_ = code & 0xFF;
+    state_->interrupt();  // scripts that catch the error end all the same
+    throw nxRFL::Exception("the script ends");
+}
+
+void Host::onCallbackError(nxRFL::Exception const& error) {
+    domain_.noteFailure();
+    failed_ = true;
+    report(error);
+}
+
+}  // namespace nxhost

@@ -1,0 +1,84 @@
+// The reference host.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "foundation/nxLC/State.h"
+#include "foundation/nxRFL/Database.h"
+#include "foundation/nxTXN/Manager.h"
+#include "krcache/Manager.h"
+#include "support/messaging/Broadcaster.h"
+#include "support/services/Registry.h"
+#include "tools/nxhost/Connection.h"
+#include "tools/nxhost/Document.h"
+#include "tools/nxhost/HostDomain.h"
+#include "tools/nxhost/Loop.h"
+#include "tools/nxhost/Options.h"
+#include "tools/nxhost/TemporaryFolder.h"
+
+namespace nxhost {
+
+/// Owns everything that libSupport needs from its host, and runs scripts in it.
+///
+/// Its constructor is the start-up, step by step; what it owns goes in the reverse order. One at a time in a process.
+/// Scripts run inside a context of the domain, which their runner begins.
+class Host {
+public:
+    explicit Host(Options const& options);
+    Host(Host const&) = delete;
+    Host& operator=(Host const&) = delete;
+    ~Host();
+
+    [[nodiscard]] Loop& loop() noexcept { return loop_; }
+    [[nodiscard]] HostDomain& domain() noexcept { return domain_; }
+    [[nodiscard]] nxRFL::Database& database() noexcept { return database_; }
+    [[nodiscard]] nxLC::State& state() noexcept { return *state_; }
+
+    /// Runs a script with the arguments of the command line. False when it failed, which has been reported.
+    bool run(std::string_view source, urString::CString const& name);
+    /// Turns the main loop until nothing is to come, or the end is asked for.
+    void finish();
+
+    /// A script's error on the standard error: message, place and trace.
+    void report(nxRFL::Exception const& error);
+    /// The script or a signal has asked for the end.
+    [[nodiscard]] bool isEnding() noexcept { return chosenCode_ || loop_.interrupt().pending() != 0; }
+    [[nodiscard]] bool hasChosenExit() const noexcept { return chosenCode_.has_value(); }
+    [[nodiscard]] int exitCode() noexcept;
+
+private:
+    void registerClasses(nxRFL::Database& database);
+    void registerFunctions(nxRFL::Database& database);
+    void startUp(Options const& options);
+    void openState(Options const& options);
+    template <class T>
+    void give(char const* name, T const& value);
+    void call(char const* chunk, nxRFL::Stack const& arguments);
+
+    // For scripts.
+    bool turn();
+    void later(std::function<void()> function);
+    void exit(int code);
+    void onCallbackError(nxRFL::Exception const& error);
+
+    std::vector<std::string> const arguments_;
+    std::optional<int> chosenCode_;
+    bool failed_ = false;
+
+    TemporaryFolder folder_;
+    Loop loop_;
+    nxTXN::Manager history_;
+    HostDomain domain_{loop_.queue(), history_};
+    urKRCache::Manager cache_{urString::IString(folder_.path().c_str())};
+    nxSupport::Broadcaster broadcaster_;
+    nxRFL::Database database_;
+    nxSupport::Registry registry_;
+    Network network_{loop_.transfers()};
+    Document document_{history_, domain_};
+    std::unique_ptr<nxLC::State> state_;
+};
+
+}  // namespace nxhost

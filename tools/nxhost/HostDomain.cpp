@@ -1,0 +1,39 @@
+// Contexts as transactions.
+#include "tools/nxhost/HostDomain.h"
+
+#include <utility>
+
+namespace nxhost {
+
+using nxSupport::Context;
+
+namespace {
+
+/// Undecided contexts leave it to those inside them.
+bool isTransaction(Context const& context) { return context.transactionType() != nxSupport::TxnUndecided; }
+
+}  // namespace
+
+void HostDomain::onBeginContext(Context const& context) {
+    if (!isTransaction(context)) return;
+    failed_ = false;
+    if (context.interactiveMode()) return history_.beginCoalescing("Interaction", this);
+    history_.begin(Context::modeToString(context.mode()),
+                   static_cast<nxTXN::TransactionKind>(context.transactionType()));
+}
+
+void HostDomain::onEndContext(Context const& context) {
+    if (!isTransaction(context)) return;
+    if (std::exchange(failed_, false)) {
+        history_.abort();
+    } else {
+        history_.commit();
+    }
+    if (context.mode() == Context::InteractionEnd) history_.endCoalescing();
+}
+
+void HostDomain::onCallInfoCreated(nxSupport::CallInfo* callInfo, bool /*appOnly*/) {
+    for (auto const& [type, service] : services_) callInfo->add(type, service);
+}
+
+}  // namespace nxhost

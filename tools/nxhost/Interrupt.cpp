@@ -1,0 +1,65 @@
+// The handler of the signals, and what it leaves behind for the main loop.
+#include "tools/nxhost/Interrupt.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+
+#include "foundation/nxLC/State.h"
+
+namespace nxhost {
+namespace {
+
+constexpr int signals[] = {SIGINT, SIGTERM};
+
+// What a handler may touch.
+std::atomic<nxLC::State*> watched = nullptr;
+std::atomic<int> caught = 0;
+int pipeEnds[2] = {-1, -1};  // a byte in it wakes whoever polls
+static_assert(std::atomic<nxLC::State*>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
+
+extern "C" void onSignal(int number) {
+    int const before = errno;
+    if (caught.exchange(number) != 0) {
+        std::signal(number, SIG_DFL);
+        raise(number);
+    }
+    if (nxLC::State* const state = watched) state->interrupt();
+    if (write(pipeEnds[1], "!", 1) < 0) errno = 0;  // full: it is readable anyway
+    errno = before;
+}
+
+}  // namespace
+
+Interrupt::Interrupt() {
+    if (pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0) pipeEnds[0] = pipeEnds[1] = -1;
+    struct sigaction action = {};
+    action.sa_handler = &onSignal;
+    for (int i = 0; i < 2; ++i) sigaction(signals[i], &action, &before_[i]);
+}
+
+Interrupt::~Interrupt() {
+    for (int i = 0; i < 2; ++i) sigaction(signals[i], &before_[i], nullptr);
+    watched = nullptr;
+    caught = 0;
+    for (int& end : pipeEnds) {
+        if (end >= 0) close(end);
+        end = -1;
+    }
+}
+
+void Interrupt::watch(nxLC::State* state) noexcept { watched = state; }
+
+int Interrupt::pending() const noexcept { return caught; }
+
+void Interrupt::clear() noexcept {
+    char bytes[16];
+    while (read(pipeEnds[0], bytes, sizeof bytes) > 0) continue;
+    caught = 0;
+}
+
+int Interrupt::descriptor() const noexcept { return pipeEnds[0]; }
+
+}  // namespace nxhost

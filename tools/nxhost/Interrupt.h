@@ -1,0 +1,38 @@
+// Ctrl-C and the request to terminate.
+#pragma once
+
+#include <sys/types.h>
+
+#include <csignal>
+
+namespace nxLC {
+class State;
+}
+
+namespace nxhost {
+
+/// Catches the signals INT and TERM for as long as it lives; there is one at a time.
+///
+/// The first one ends the script that runs and wakes the main loop, which then sees `pending`. A second one that comes
+/// before the first was dealt with ends the process in the system's way.
+class Interrupt {
+public:
+    Interrupt();
+    Interrupt(Interrupt const&) = delete;
+    Interrupt& operator=(Interrupt const&) = delete;
+    ~Interrupt();
+
+    /// Whose scripts to end; null for nobody's. The state outlives this or is taken away before.
+    void watch(nxLC::State* state) noexcept;
+    /// The signal that has come, or 0.
+    [[nodiscard]] int pending() const noexcept;
+    /// It has been dealt with.
+    void clear() noexcept;
+    /// Readable while a signal is pending.
+    [[nodiscard]] int descriptor() const noexcept;
+
+private:
+    struct sigaction before_[2] = {};
+};
+
+}  // namespace nxhost

@@ -1,0 +1,151 @@
+// libedit, its keys from the main loop and its completions from the script state.
+#include "tools/nxhost/LineEditor.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+#include <string_view>
+
+#include "foundation/nxLC/State.h"
+#include "foundation/nxLC/completion.h"
+#include "tools/nxhost/Loop.h"
+
+namespace nxhost {
+namespace {
+
+constexpr int historySize = 1000;
+constexpr std::size_t mostProposals = 100;
+
+std::string defaultHistoryFile() {
+    if (char const* const chosen = std::getenv("NXHOST_HISTORY")) return chosen;
+    char const* const home = std::getenv("HOME");
+    return home ? std::string(home) + "/.nxhost_history" : std::string();
+}
+
+std::string_view commonStart(std::string_view a, std::string_view b) {
+    return a.substr(0, static_cast<std::size_t>(std::ranges::mismatch(a, b).in1 - a.begin()));
+}
+
+}  // namespace
+
+/// What libedit calls.
+struct LineEditor::Callbacks {
+    static LineEditor& self(EditLine* editor) {
+        void* data = nullptr;
+        el_get(editor, EL_CLIENTDATA, &data);
+        return *static_cast<LineEditor*>(data);
+    }
+    static char* prompt(EditLine* editor) { return const_cast<char*>(self(editor).prompt_); }
+    static int readKey(EditLine* editor, wchar_t* key) {
+        try {
+            return self(editor).readKey(*key);
+        } catch (Ended const&) {
+            self(editor).interrupted_ = true;
+        } catch (std::exception const& error) {
+            std::fprintf(stderr, "nxhost: %s\n", error.what());
+        }
+        return -1;
+    }
+    static unsigned char complete(EditLine* editor, int /*key*/) {
+        try {
+            return self(editor).complete();
+        } catch (std::exception const&) {
+            return CC_ERROR;
+        }
+    }
+};
+
+LineEditor::LineEditor(Loop& loop, nxLC::State& state)
+    : loop_(loop),
+      state_(state),
+      historyFile_(defaultHistoryFile()),
+      editor_(el_init("nxhost", stdin, stdout, stderr)) {
+    EditLine* const editor = editor_.get();
+    el_set(editor, EL_CLIENTDATA, this);
+    el_set(editor, EL_PROMPT, &Callbacks::prompt);
+    el_set(editor, EL_EDITOR, "emacs");
+    el_set(editor, EL_SIGNAL, 0);
+    el_set(editor, EL_GETCFN, &Callbacks::readKey);
+    el_set(editor, EL_HIST, &history, history_.get());
+    el_set(editor, EL_ADDFN, "nxhost-complete", "complete a name", &Callbacks::complete);
+    el_set(editor, EL_BIND, "^I", "nxhost-complete", nullptr);
+    HistEvent event;
+    history(history_.get(), &event, H_SETSIZE, historySize);
+    history(history_.get(), &event, H_SETUNIQUE, 1);
+    if (!historyFile_.empty()) history(history_.get(), &event, H_LOAD, historyFile_.c_str());
+}
+
+LineEditor::~LineEditor() {
+    HistEvent event;
+    if (!historyFile_.empty()) history(history_.get(), &event, H_SAVE, historyFile_.c_str());
+}
+
+LineEditor::Result LineEditor::read(char const* prompt, std::string& line) {
+    prompt_ = prompt;
+    interrupted_ = false;
+    int length = 0;
+    char const* const text = el_gets(editor_.get(), &length);
+    if (interrupted_) {
+        LineInfo const* const typed = el_line(editor_.get());
+        bool const isEmpty = typed->buffer == typed->lastchar;
+        std::fputs("^C\n", stdout);
+        std::fflush(stdout);
+        if (isEmpty) return Result::end;
+        loop_.interrupt().clear();
+        return Result::dropped;
+    }
+    if (!text || length <= 0) {
+        std::fputs("\n", stdout);
+        return Result::end;
+    }
+    remember(text);
+    line.assign(text, static_cast<std::size_t>(length));
+    if (line.ends_with('\n')) line.pop_back();
+    return Result::line;
+}
+
+/// As libedit's own: 1 for a key, 0 at the end of the input. Bytes are gathered until they make a character.
+int LineEditor::readKey(wchar_t& key) {
+    std::mbstate_t state{};
+    for (;;) {
+        loop_.turnUntilReadable(STDIN_FILENO);
+        char byte = 0;
+        if (::read(STDIN_FILENO, &byte, 1) != 1) return 0;
+        switch (std::mbrtowc(&key, &byte, 1, &state)) {
+            case static_cast<std::size_t>(-2): break;
+            case static_cast<std::size_t>(-1): state = {}; break;  // no character: ignored
+            default: return 1;
+        }
+    }
+}
+
+unsigned char LineEditor::complete() {
+    LineInfo const* const typed = el_line(editor_.get());
+    std::string_view const before(typed->buffer, static_cast<std::size_t>(typed->cursor - typed->buffer));
+    nxLC::Completion const found = nxLC::completions(state_.get(), before);
+    if (found.names.empty()) return CC_ERROR;
+    std::string_view common = found.names.front();
+    for (auto const& name : found.names) common = commonStart(common, name);
+    std::string const rest(common.substr(before.size() - found.begin));
+    if (!rest.empty()) return el_insertstr(editor_.get(), rest.c_str()) == 0 ? CC_REFRESH : CC_ERROR;
+    if (found.names.size() == 1) return CC_ERROR;
+    std::string list = "\n";
+    for (auto const& name : found.names) {
+        list += std::string(name) + "  ";
+        if (&name - found.names.data() + 1 == static_cast<std::ptrdiff_t>(mostProposals)) break;
+    }
+    std::puts(list.c_str());
+    std::fflush(stdout);
+    return CC_REDISPLAY;
+}
+
+void LineEditor::remember(char const* line) {
+    HistEvent event;
+    if (line[0] != '\n') history(history_.get(), &event, H_ENTER, line);
+}
+
+}  // namespace nxhost

@@ -1,0 +1,179 @@
+// Reading the command line and the environment.
+#include "tools/nxhost/Options.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <string_view>
+
+#include "support/services/env.h"
+
+namespace nxhost {
+namespace {
+
+struct Option {
+    std::string_view name;
+    std::string_view argument;  ///< empty when it takes none
+    std::string_view meaning;
+    void (*set)(Options& options, std::string_view value);
+};
+
+template <class Number>
+Number numberIn(std::string_view text, std::string_view what) {
+    Number value{};
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size() || !(value >= 0))
+        throw UsageError{std::string(what) + " takes a number, not " + std::string(text)};
+    return value;
+}
+
+/// Bytes: a number, or one with K, M or G behind it.
+std::uint64_t sizeIn(std::string_view text, std::string_view what) {
+    constexpr std::string_view units = "KMG";
+    std::size_t const unit = text.empty() ? units.npos : units.find(text.back());
+    unsigned const shift = unit == units.npos ? 0 : 10 * (static_cast<unsigned>(unit) + 1);
+    if (shift > 0) text.remove_suffix(1);
+    auto const count = numberIn<std::uint64_t>(text, what);
+    if (count > UINT64_MAX >> shift) throw UsageError{std::string(what) + " takes less than " + std::string(text)};
+    return count << shift;
+}
+
+constexpr Option options[] = {
+    {"-e", "CODE", "run CODE", [](Options& o, std::string_view value) { o.code = value; }},
+    {"-i", "", "show a prompt when the script has ended", [](Options& o, std::string_view) { o.prompt = true; }},
+    {"--list", "", "list what scripts can use",
+     [](Options& o, std::string_view) { o.listing = o.listing.value_or(nxRFL::ListingFormat::text); }},
+    {"--json", "", "list it as JSON", [](Options& o, std::string_view) { o.listing = nxRFL::ListingFormat::json; }},
+    {"--stubs", "", "list it as Lua declarations for editors",
+     [](Options& o, std::string_view) { o.listing = nxRFL::ListingFormat::luaStubs; }},
+    {"--sandbox", "", "no files, processes and loading for scripts",
+     [](Options& o, std::string_view) {
+         o.library = nxLC::Library::sandboxed;
+         o.network.mayReadFiles = false;
+     }},
+    {"--instructions", "COUNT", "stop a script after COUNT thousand instructions",
+     [](Options& o, std::string_view value) {
+         o.limits.instructions = numberIn<std::uint64_t>(value, "--instructions");
+     }},
+    {"--memory", "SIZE", "refuse a script more than SIZE bytes",
+     [](Options& o, std::string_view value) { o.limits.memory = sizeIn(value, "--memory"); }},
+    {"--cache", "SIZE", "keep at most SIZE bytes of resources (256M; 0: all)",
+     [](Options& o, std::string_view value) { o.cacheLimit = sizeIn(value, "--cache"); }},
+    {"--time", "SECONDS", "let a transfer take at most SECONDS",
+     [](Options& o, std::string_view value) { o.network.timeLimit = numberIn<double>(value, "--time"); }},
+    {"--allow", "SCHEME", "allow URLs of SCHEME beside http and https",
+     [](Options& o, std::string_view value) { o.network.schemes.emplace_back(value); }},
+    {"--authorities", "FILE", "trust the certificates in FILE instead of the system's",
+     [](Options& o, std::string_view value) { o.network.authorities = value; }},
+    {"--help", "", "print this help", nullptr},
+    {"--version", "", "print the version", nullptr},
+};
+
+constexpr struct {
+    std::string_view name;
+    std::string_view meaning;
+} variables[] = {
+    {"NX_LUA_PATH", "where `require` looks first: folders or Lua's patterns, separated by \";\""},
+    {"NX_UNDO_LIMIT", "how many steps can be undone"},
+    {"NX_UNDO_MEMORY_LIMIT", "how many bytes they may take: a number, or one with K, M or G"},
+};
+
+constexpr struct {
+    std::string_view code;
+    std::string_view meaning;
+} exitCodes[] = {
+    {"0", "done"},
+    {"1", "the script failed, or a function that it left behind did"},
+    {"2", "wrong usage, or a file that cannot be read"},
+    {"130, 143", "ended by Ctrl-C, by the signal TERM"},
+    {"other", "the script's choice: os.exit(code), host.exit(code)"},
+};
+
+void putLine(std::string const& label, std::string_view meaning) {
+    std::printf("  %-22s %.*s\n", label.c_str(), static_cast<int>(meaning.size()), meaning.data());
+}
+
+void printHelp() {
+    std::puts(
+        "nxhost - run Lua scripts that use libSupport\n\n"
+        "usage: nxhost [OPTION...] [SCRIPT [ARGUMENT...]]\n\n"
+        "Runs SCRIPT (\"-\": the standard input), then what it has left running, such as transfers. Without\n"
+        "a script: a prompt at a terminal, otherwise the standard input is the script.\n\noptions:");
+    for (Option const& option : options)
+        putLine(std::string(option.name) + (option.argument.empty() ? "" : " ") + std::string(option.argument),
+                option.meaning);
+    std::puts("\nenvironment:");
+    for (auto const& variable : variables) putLine(std::string(variable.name), variable.meaning);
+    std::puts("\nexit codes:");
+    for (auto const& exit : exitCodes) putLine(std::string(exit.code), exit.meaning);
+}
+
+/// Answers what asks about the program itself.
+bool answered(std::string_view word) {
+    if (word == "--help") {
+        printHelp();
+    } else if (word == "--version") {
+        std::puts("nxhost " NX_VERSION);
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void readEnvironment(Options& result) {
+    auto const variable = [](nxSupport::EnvVarCode code) {
+        char const* const text = nxSupport::env(code);
+        return std::string_view(text ? text : "");
+    };
+    result.scriptPath = variable(nxSupport::EnvVar_LuaPath);
+    if (auto const text = variable(nxSupport::EnvVar_UndoLimit); !text.empty())
+        result.undoSteps = numberIn<std::size_t>(text, "NX_UNDO_LIMIT");
+    if (auto const text = variable(nxSupport::EnvVar_UndoMemoryLimit); !text.empty())
+        result.undoMemory = sizeIn(text, "NX_UNDO_MEMORY_LIMIT");
+}
+
+/// The option in `words[i]`, with its value, which may be the next word. Leaves `i` at the last word used.
+void readOption(Options& result, int argc, char const* const* words, int& i) {
+    std::string_view const word = words[i];
+    bool const hasValue = word.starts_with("--") && word.find('=') != word.npos;
+    std::string_view const name = hasValue ? word.substr(0, word.find('=')) : word;
+    auto const* const option = std::ranges::find(options, name, &Option::name);
+    if (option == std::end(options) || !option->set) throw UsageError{"no option " + std::string(name)};
+    if (option->argument.empty()) {
+        if (hasValue) throw UsageError{std::string(name) + " takes no value"};
+        option->set(result, {});
+    } else if (hasValue) {
+        option->set(result, word.substr(name.size() + 1));
+    } else if (++i < argc) {
+        option->set(result, words[i]);
+    } else {
+        throw UsageError{std::string(name) + " needs a " + std::string(option->argument)};
+    }
+}
+
+}  // namespace
+
+std::optional<Options> readOptions(int argc, char const* const* argv) {
+    Options result;
+    readEnvironment(result);
+    int i = 1;
+    for (; i < argc && argv[i][0] == '-' && argv[i][1] != '\0'; ++i) {
+        if (std::string_view(argv[i]) == "--") {
+            ++i;
+            break;
+        }
+        if (answered(argv[i])) return std::nullopt;
+        readOption(result, argc, argv, i);
+    }
+    if (i < argc && !result.code) result.script = argv[i++];
+    result.arguments.assign(argv + i, argv + argc);
+    if (!result.script && !result.code && !result.listing && !result.prompt) {
+        result.prompt = isatty(STDIN_FILENO) == 1;
+        if (!result.prompt) result.script = "-";
+    }
+    return result;
+}
+
+}  // namespace nxhost

@@ -1,0 +1,55 @@
+// The command line and the environment, read.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "foundation/nxLC/Limits.h"
+#include "foundation/nxLC/State.h"
+#include "foundation/nxRFL/listing.h"
+
+namespace nxhost {
+
+/// What the program ends with. Scripts may choose any other by `os.exit`; a signal gives 128 and its number.
+struct ExitCode {
+    static constexpr int done = 0;
+    static constexpr int scriptFailed = 1;
+    static constexpr int unusable = 2;
+};
+
+/// How transfers may run.
+struct NetworkOptions {
+    std::vector<std::string> schemes{"http", "https"};
+    std::string authorities;   ///< a file of certificates to trust; empty: those of the system
+    double timeLimit = 0;      ///< of a transfer, in seconds; 0 for none
+    bool mayReadFiles = true;  ///< for uploads
+};
+
+struct Options {
+    std::optional<nxRFL::ListingFormat> listing;
+    std::optional<std::string> script;  ///< a file, "-" for the standard input
+    std::optional<std::string> code;
+    std::vector<std::string> arguments;  ///< for the script
+    bool prompt = false;
+
+    nxLC::Library library = nxLC::Library::everything;
+    nxLC::Limits limits;
+    std::uint64_t cacheLimit = 256 << 20;  ///< bytes; 0 for none
+    NetworkOptions network;
+
+    std::string scriptPath;      ///< NX_LUA_PATH
+    std::size_t undoSteps = 0;   ///< NX_UNDO_LIMIT; 0 for none
+    std::size_t undoMemory = 0;  ///< NX_UNDO_MEMORY_LIMIT, bytes; 0 for none
+};
+
+/// Wrong usage; the text says what is wrong.
+struct UsageError {
+    std::string message;
+};
+
+/// Nothing when --help or --version was given and has been answered. Throws `UsageError`.
+std::optional<Options> readOptions(int argc, char const* const* argv);
+
+}  // namespace nxhost

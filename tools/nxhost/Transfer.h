@@ -1,0 +1,71 @@
+// One transfer under way.
+#pragma once
+
+#include <curl/curl.h>
+
+#include <deque>
+#include <memory>
+
+#include "foundation/urOS/File.h"
+#include "net/Request.h"
+#include "tools/nxhost/Options.h"
+#include "tools/nxhost/TransferNews.h"
+
+namespace nxhost {
+
+/// A libcurl handle that sends one request and keeps what arrives as news, so that nobody is called from inside
+/// libcurl. Owned by `Transfers`.
+class Transfer {
+public:
+    /// Throws `Failed` for a request that cannot be sent. `timeLimit` is in seconds, 0 for none.
+    Transfer(nxNet::Request const& request, NetworkOptions const& options, double timeLimit);
+    Transfer(Transfer const&) = delete;
+    Transfer& operator=(Transfer const&) = delete;
+
+    [[nodiscard]] CURL* handle() const noexcept { return handle_.get(); }
+    [[nodiscard]] bool hasNews() const noexcept { return !news_.empty(); }
+    /// Requires: there are some.
+    TransferNews takeNews();
+    /// libcurl has ended it.
+    void end(CURLcode result);
+
+private:
+    struct Callbacks;
+
+    template <class Value>
+    void set(CURLoption option, Value value);
+    void setUp(NetworkOptions const& options, double timeLimit);
+    void setAddress(urString::CString const& url, NetworkOptions const& options);
+    void setHeaders(nxNet::Request::Fields const& headers);
+    void setBody(nxNet::Request const& request);
+    void setFile(nxNet::Request const& request);
+    void setForm(nxNet::Request::Fields const& fields, curl_off_t fileSize, urString::CString const& path);
+    void openFile(urString::CString const& path, std::uint64_t& size);
+    [[nodiscard]] urString::CString encoded(nxNet::Request::Fields const& fields) const;
+    [[nodiscard]] int status() const;
+    void noteHeaderLine(std::string_view line);
+    void noteProgress(Progressed const& progress);
+
+    template <auto release>
+    struct Release {
+        template <class T>
+        void operator()(T* what) const noexcept {
+            release(what);
+        }
+    };
+
+    // The handle goes first: it uses the others.
+    urOS::File file_;
+    char errorText_[CURL_ERROR_SIZE] = {};
+    std::unique_ptr<curl_slist, Release<&curl_slist_free_all>> headers_;
+    std::unique_ptr<curl_mime, Release<&curl_mime_free>> form_;
+    std::unique_ptr<CURL, Release<&curl_easy_cleanup>> handle_{curl_easy_init()};
+
+    Headers answerHeaders_;
+    std::size_t headerBytes_ = 0;
+    bool isReached_ = false;
+    Progressed progress_;
+    std::deque<TransferNews> news_;
+};
+
+}  // namespace nxhost

@@ -1,0 +1,54 @@
+// What is to be told of a transfer.
+#pragma once
+
+#include <cstdint>
+#include <variant>
+
+#include "foundation/ur/containers.h"
+#include "foundation/urString/CString.h"
+#include "foundation/urThread/Buffer.h"
+
+namespace nxhost {
+
+/// The codes of failed transfers, `error` of a connection. docs/embedding.md explains them.
+enum class TransferError : int {
+    refused = 1,         ///< the request cannot be sent, or its scheme is not allowed
+    nameUnknown = 2,     ///< no address for the host's name
+    notReached = 3,      ///< nobody takes the connection
+    notTrusted = 4,      ///< no secure connection, or a certificate that nobody vouches for
+    tooSlow = 5,         ///< a time limit has passed
+    broken = 6,          ///< no answer, one that is no answer, or one that ends too early
+    tooManyHops = 7,     ///< redirected too often
+    fileUnreadable = 8,  ///< the file for upload
+    other = 9,
+};
+
+/// Header fields of an answer by their names in small letters. Repeated ones are joined by ", ", cookies by line ends.
+using Headers = ur::map<urString::CString, urString::CString>;
+
+struct Reached {};
+struct Answered {
+    int status;
+    Headers headers;
+};
+struct Received {
+    ur::Reference<urThread::Buffer> data;
+};
+/// In bytes; totals are 0 while they are not known.
+struct Progressed {
+    std::int64_t received = 0;
+    std::int64_t receiveTotal = 0;
+    std::int64_t sent = 0;
+    std::int64_t sendTotal = 0;
+
+    bool operator==(Progressed const&) const = default;
+};
+struct Completed {};
+struct Failed {
+    TransferError error;
+    urString::CString text;
+};
+
+using TransferNews = std::variant<Reached, Answered, Received, Progressed, Completed, Failed>;
+
+}  // namespace nxhost

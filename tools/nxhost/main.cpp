@@ -1,0 +1,100 @@
+// nxhost: a host for Lua scripts that use libSupport.
+#include <unistd.h>
+
+#include <cstdio>
+#include <new>
+
+#include "foundation/urOS/AppOutput.h"
+#include "foundation/urOS/File.h"
+#include "tools/nxhost/Host.h"
+#include "tools/nxhost/Prompt.h"
+
+namespace nxhost {
+namespace {
+
+using nxSupport::Context;
+using urString::CString;
+
+/// A file that cannot be read or written.
+struct Failure {
+    std::string message;
+};
+
+void check(urUtil::Error const& error) {
+    if (error.isError()) throw Failure{std::string(error.message())};
+}
+
+CString contents(std::string const& path) {
+    urOS::File file;
+    check(path == "-" ? file.attach(STDIN_FILENO, urOS::File::Ownership::borrowed)
+                      : file.open(urString::IString(path.c_str()), urOS::openRead));
+    CString text;
+    for (std::size_t done = 1; done > 0;) {
+        constexpr std::size_t block = 1 << 16;
+        std::size_t const before = text.size();
+        text.resizeAndOverwrite(before + block, [&](char* bytes, std::size_t) {
+            check(file.read(bytes + before, block, &done));
+            return before + done;
+        });
+    }
+    return text;
+}
+
+/// The first line may name the program that runs the script; it keeps its number.
+CString scriptIn(std::string const& path) {
+    CString text = contents(path);
+    if (text.startsWith("#")) text.erase(0, text.find('\n'));
+    return text;
+}
+
+void runScripts(Host& host, Options const& options) {
+    Context const context(&host.domain(), Context::Undecided);
+    bool succeeded = true;
+    if (options.code) {
+        succeeded = host.run(*options.code, "=-e");
+    } else if (options.script) {
+        succeeded = host.run(scriptIn(*options.script),
+                             *options.script == "-" ? "=stdin" : CString("@").append(*options.script));
+    }
+    if (options.prompt && !host.isEnding()) {
+        Prompt(host).run();
+    } else if (succeeded) {
+        host.finish();
+    }
+}
+
+int run(Options const& options) {
+    Host host(options);
+    if (options.listing) {
+        urOS::AppOutput::getInstance().write(nxRFL::listing(host.database(), *options.listing));
+    } else {
+        runScripts(host, options);
+    }
+    return host.exitCode();
+}
+
+/// What was printed may still be in the buffer, and the disk full.
+int flushed(int exitCode) {
+    bool const written = urOS::AppOutput::getInstance().flush().ok();
+    if (std::fflush(stdout) == 0 && !std::ferror(stdout) && written) return exitCode;
+    std::fprintf(stderr, "nxhost: cannot write to standard output\n");
+    return ExitCode::unusable;
+}
+
+}  // namespace
+}  // namespace nxhost
+
+int main(int argc, char** argv) {
+    using namespace nxhost;
+    try {
+        auto const options = readOptions(argc, argv);
+        return flushed(options ? run(*options) : ExitCode::done);
+    } catch (UsageError const& error) {
+        std::fprintf(stderr, "nxhost: %s (nxhost --help tells more)\n", error.message.c_str());
+    } catch (Failure const& failure) {
+        std::fprintf(stderr, "nxhost: %s\n", failure.message.c_str());
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "nxhost: %s\n", error.what());
+    }
+    return ExitCode::unusable;
+}
