@@ -69,6 +69,7 @@ void Property::join(ur::Reference<Property const> other) {
     ur::Reference<TxdPropertyData> txd(theirs.txd);
     ur::Reference<UnTxdPropertyData> untxd(theirs.untxd);
     if (!txd && !untxd) return;
+    if (txd && !txd->isTxnExtant()) return;
     if (!untxd && !untransacted.empty()) {
         untxd = ur::make<UnTxdPropertyData>();
         untxd->storeValue(other->value(), Propagate::no);

@@ -22,7 +22,7 @@ Core::~Core() {
 
 std::uint32_t Core::enter(Object& object, bool counted) {
     if (lifetimes_.roster().worthCompacting() && !busy_) compact();
-    return lifetimes_.enter(object, counted, !levels_.empty() && levels_.back().keeps);
+    return lifetimes_.enter(object, counted, !levels_.empty() && levels_.back().keeps && !busy_);
 }
 
 void Core::compact() {

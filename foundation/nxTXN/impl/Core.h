@@ -92,9 +92,9 @@ private:
     struct Restoration {
         Record* record;
         RestoreHook hook;
-        std::uint32_t dataBegin;
+        std::size_t dataBegin;
+        std::size_t wordsBegin;
         std::uint32_t dataBytes;
-        std::uint32_t wordsBegin;
         std::uint32_t words;
         std::byte* elsewhere;  // room for it, if it does not fit into the record
     };
@@ -137,6 +137,7 @@ private:
     void beginCapture() noexcept;
     void capture(Step const& step);
     void capture(Record& record);
+    void plan(Record& record, RestoreHook hook, std::size_t dataBegin, std::size_t wordsBegin);
     void findRoom(Restoration& item);
     [[nodiscard]] Content captured(Restoration const& item) noexcept;
     void exchange() noexcept;

@@ -22,6 +22,7 @@ void store(Record& record, std::byte* place, Content const& content) noexcept {
 }  // namespace
 
 void RecordStore::push(Object& subject, Content const& content, Hook hook, std::uint32_t formerStamp) {
+    Content::expectStorable(content.data.size(), content.words.size());
     // At least enough for the address of a content elsewhere.
     std::size_t const room = std::max(content.bytes(), sizeof(std::byte*));
     auto* const record = new (arena_.allocate(sizeof(Record) + room)) Record{};

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 #include <span>
+#include <stdexcept>
 
 #include "foundation/nxTXN/Object.h"
 #include "foundation/nxTXN/Reader.h"
@@ -37,6 +38,13 @@ struct Content {
     [[nodiscard]] static std::size_t bytes(std::size_t data, std::size_t words) noexcept {
         return (data + 7) / 8 * 8 + words * sizeof(std::uintptr_t);
     }
+    /// Throws when it is too large for a record.
+    static void expectStorable(std::size_t data, std::size_t words) {
+        if (bytes(data, words) > mostBytes) throw std::length_error("a record of more than two gigabytes");
+    }
+
+private:
+    static constexpr std::size_t mostBytes = (std::size_t(1) << 31) - 8;
 };
 
 /// What one object was or, when its step is undone, what it is to be again.

@@ -48,6 +48,7 @@ bool Core::replay(std::size_t step, Lifetimes::Birth birth) {
         turn(step, birth, failures);
     }
     sealed_ = true;
+    enforceLimits();
     changed_.emit();
     if (failures.any()) throw HookError(failures.first(), HookError::Outcome::completed);
     return true;
@@ -95,11 +96,7 @@ void Core::turnPlain(Record& record, Failures& failures) {
 
 void Core::swap(Record& record, Serializer& pass) {
     visitRestoring(*record.subject, pass);
-    auto const dataBytes = static_cast<std::uint32_t>(writer_.data().size());
-    auto const words = static_cast<std::uint32_t>(writer_.words().size());
-    Restoration item{&record, nullptr, 0, dataBytes, 0, words, nullptr};
-    if (!record.isAlike(dataBytes, words)) findRoom(item);
-    work_.push_back(item);
+    plan(record, nullptr, 0, 0);
 }
 
 Record* Core::onlyPlainRecord(Step const& step) noexcept {
@@ -128,12 +125,20 @@ void Core::capture(Step const& step) {
 }
 
 void Core::capture(Record& record) {
-    auto const narrow = [](std::size_t number) { return static_cast<std::uint32_t>(number); };
-    Restoration item{&record, nullptr, narrow(writer_.data().size()), 0, narrow(writer_.words().size()), 0, nullptr};
-    if (record.subject) item.hook = save(*record.subject);
-    item.dataBytes = narrow(writer_.data().size()) - item.dataBegin;
-    item.words = narrow(writer_.words().size()) - item.wordsBegin;
-    if (!record.isAlike(item.dataBytes, item.words)) findRoom(item);
+    std::size_t const dataBegin = writer_.data().size();
+    std::size_t const wordsBegin = writer_.words().size();
+    plan(record, record.subject ? save(*record.subject) : nullptr, dataBegin, wordsBegin);
+}
+
+// What the object is now lies in the writer, from there to its end.
+void Core::plan(Record& record, RestoreHook hook, std::size_t dataBegin, std::size_t wordsBegin) {
+    std::size_t const dataBytes = writer_.data().size() - dataBegin;
+    std::size_t const words = writer_.words().size() - wordsBegin;
+    Content::expectStorable(dataBytes, words);
+    Restoration item{
+        &record, hook, dataBegin, wordsBegin, static_cast<std::uint32_t>(dataBytes), static_cast<std::uint32_t>(words),
+        nullptr};
+    if (!record.isAlike(dataBytes, words)) findRoom(item);
     work_.push_back(item);
 }
 
@@ -205,8 +210,8 @@ bool Core::abort() {
     Level const level = levels_.back();
     Failures failures;
     {
+        Busy const busy(*this);  // also while what the abort leaves behind is taken down
         Lifetimes::Deferral const deferral(lifetimes_);
-        Busy const busy(*this);
         if (level.keeps) collect(level, failures);
         levels_.pop_back();
         if (level.keeps) takeBack(level, failures);

@@ -230,6 +230,13 @@ TEST_F(History, CountsTheBytesOfObjectsThatOnlyItKeeps) {
     set(2);
     EXPECT_EQ(Node::alive, 1);
     EXPECT_LT(manager.historyBytes(), 1000u);
+
+    edit(manager, [&] {
+        node->setNext(ur::make<Node>(manager, "big"));
+        node->next()->ownedBytes = 1000000;
+    });
+    manager.undo();  // now it is the history that keeps it
+    EXPECT_EQ(names(), "| edit");
 }
 
 #ifndef NDEBUG

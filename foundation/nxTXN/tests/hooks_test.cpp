@@ -262,6 +262,25 @@ TEST_F(Hooks, MayEditMakeAndDropObjectsWithoutEnteringTheHistory) {
     EXPECT_TRUE(made->isTxnExtant());
 }
 
+TEST_F(Hooks, OfANestedAbortStayOutOfTheTransactionAroundIt) {
+    NodeReference made;
+    root->onHook = [&](std::string const& hook) {
+        if (hook == "restored") made = ur::make<Node>(manager, "made");
+    };
+    manager.begin("outer");
+    manager.begin("inner");
+    NodeReference passing = ur::make<Node>(manager, "passing");
+    passing->onHook = [&](std::string const& hook) {
+        if (hook == "destroyed") b->setValue(3);
+    };
+    root->setNext(std::exchange(passing, nullptr));
+    manager.abort();
+    manager.commit();
+    EXPECT_TRUE(made->isTxnExtant());
+    EXPECT_EQ(b->value(), 3);
+    EXPECT_FALSE(manager.canUndo());
+}
+
 TEST_F(Hooks, MayRecordWhatAnObjectTakesWithIt) {
     a().setNext(ur::make<Node>(manager, "child", &log));
     Node* const child = a().next().get();

@@ -181,7 +181,10 @@ TEST_F(Storage, APropertyComesAndGoesWithTheStepThatMadeIt) {
     manager.undo();
     EXPECT_FALSE(transacted.isTxnExtant());
     EXPECT_EQ(p->value(), nullptr);
-    p->join(untxd("u", number(3)));
+    auto const u = untxd("u", number(3));
+    p->join(u);
+    u->join(p);
+    EXPECT_EQ(numberOf(*u), 3);
     EXPECT_TRUE(p->setValue(number(4)));
     manager.redo();
     EXPECT_TRUE(transacted.isTxnExtant());
