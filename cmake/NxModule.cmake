@@ -84,6 +84,5 @@ function(nx_shared_library)
                                            LINK_DEPENDS ${map})
   target_include_directories(Support INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
                                                $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/nxSupport>)
-  target_link_libraries(Support INTERFACE absl::btree)
   target_compile_features(Support INTERFACE cxx_std_20)
 endfunction()

@@ -1,6 +1,5 @@
 # The packages that the library itself stands on; tools, tests and benches find their own.
 find_package(Threads REQUIRED)
-find_package(absl REQUIRED)
 find_package(Eigen3 REQUIRED NO_MODULE)
 find_package(utf8cpp REQUIRED)
 

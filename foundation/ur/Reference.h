@@ -4,7 +4,11 @@
 #include <concepts>
 #include <cstddef>
 #include <functional>
+#include <memory>
+#include <type_traits>
 #include <utility>
+
+#include "foundation/ur/NodeHeap.h"
 
 namespace ur {
 
@@ -87,6 +91,29 @@ template <class U, class T>
 }
 
 }  // namespace ur
+
+/// Vectors of references are the many small arrays of value trees: their elements lie where the nodes of the trees do.
+template <class T>
+struct std::allocator<ur::Reference<T>> {
+    using value_type = ur::Reference<T>;
+    using size_type = std::size_t;
+    using difference_type = std::ptrdiff_t;
+    using propagate_on_container_move_assignment = std::true_type;
+    using is_always_equal = std::true_type;
+
+    allocator() noexcept = default;
+    template <class U>
+    allocator(allocator<U> const& /*other*/) noexcept {}
+
+    [[nodiscard]] value_type* allocate(std::size_t count) {
+        return static_cast<value_type*>(ur::allocateNode(count * sizeof(value_type)));
+    }
+    void deallocate(value_type* elements, std::size_t count) noexcept {
+        ur::deallocateNode(elements, count * sizeof(value_type));
+    }
+
+    friend bool operator==(allocator, allocator) noexcept { return true; }
+};
 
 template <class T>
 struct std::hash<ur::Reference<T>> {

@@ -1,13 +1,12 @@
 // The framework's containers: the standard sequences, and an ordered map made for small dictionaries.
 #pragma once
 
-#include <absl/container/btree_map.h>
-
 #include <functional>
 #include <list>
 #include <utility>
 #include <vector>
 
+#include "foundation/ur/BlockMap.h"
 #include "foundation/ur/NodeHeap.h"
 
 namespace ur {
@@ -25,10 +24,7 @@ struct less {
 };
 
 /// Ordered by key, unique keys, `operator[]` finds or inserts, walks in ascending order.
-///
-/// A B-tree of sorted blocks: a map of up to ten small entries is one block that grows 1, 2, 4, 8, 10.
-/// Unlike `std::map`, inserting or erasing ends the validity of every iterator and reference into the map.
 template <class Key, class Value, class Less = less<Key>>
-using map = absl::btree_map<Key, Value, Less, NodeAllocator<std::pair<Key const, Value>>>;
+using map = BlockMap<Key, Value, Less>;
 
 }  // namespace ur

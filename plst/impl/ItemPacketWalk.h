@@ -122,8 +122,10 @@ private:
     }
 
     void readSmallEntries(Container& dictionary, Dictionary::Map& entries) {
+        constexpr std::size_t believed = 8;  // the rest of the announced entries gets room as they come
         while (dictionary.missing > 0 && !dictionary.keyIsRead) {
             std::string_view const key = context_.readTextValue();
+            if (entries.empty()) entries.reserve(std::min(dictionary.missing, believed));
             ur::Reference<Item> item;
             if (readSmallItem(item)) {
                 insert(entries, urString::CString(key), std::move(item));

@@ -59,11 +59,12 @@ ur::Reference<Item> JsonTreeSink::takeDictionary(std::size_t first) {
     auto const members = members_.above(first);
     sortByKey(members);
     auto& map = dictionary->dictionary();
+    map.reserve(members.size());
     for (std::size_t i = 0; i < members.size(); ++i) {
         Member member = std::move(members[i]);
         bool const again = i + 1 < members.size() && members[i + 1].key == member.key;  // the last one stays
         lostNothing_ &= !again;
-        if (!again) map.emplace_hint(map.end(), std::move(member.key), std::move(member.value));
+        if (!again) map.emplaceLast(std::move(member.key), std::move(member.value));
     }
     members_.cut(first);
     return dictionary;

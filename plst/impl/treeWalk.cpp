@@ -45,8 +45,9 @@ void copyChildren(Copying const& work, std::vector<Copying>& pending) {
         for (auto const& child : from) to.push_back(copyOne(child.get(), pending));
     } else {
         auto& to = static_cast<Dictionary*>(work.copy)->dictionary();
+        to.reserve(static_cast<Dictionary const*>(work.source)->dictionary().size());
         for (auto const& [key, child] : static_cast<Dictionary const*>(work.source)->dictionary()) {
-            to.emplace_hint(to.end(), key, copyOne(child.get(), pending));
+            to.emplaceLast(key, copyOne(child.get(), pending));
         }
     }
 }

@@ -62,6 +62,9 @@ TEST(NodeHeap, RandomTrafficNeverOverlaps) {
 }
 
 TEST(NodeHeap, NodesMadeOnOneThreadAndDroppedOnAnotherDoNotAddUp) {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "freed memory stays in quarantine, which alone is larger than the bound";
+#endif
     constexpr std::size_t count = 100000;
     giveBack(take(count, 48), 48);
     long const before = residentKiB();
