@@ -1,0 +1,121 @@
+// Values that scripts and the host share, and handles to them.
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "foundation/nxRFL/values.h"
+#include "support/services/Registry.h"
+
+namespace {
+
+using nxRFL::Kind;
+using nxRFL::Reader;
+using nxRFL::Stack;
+using nxSupport::Registry;
+using nxSupport::RegistryValue;
+
+template <class T>
+RegistryValue valueOf(T const& native) {
+    auto* const stack = new Stack;
+    nxRFL::Writer writer(*stack);
+    nxRFL::write(writer, native);
+    return RegistryValue(stack);
+}
+
+double numberIn(RegistryValue const& value) { return Reader(*value.getItem()).readDouble(); }
+
+TEST(RegistryValue, IsEmptyForNothingUntilItsItemIsAskedFor) {
+    auto* const null = new Stack;
+    nxRFL::Writer(*null).writeNull();
+    for (RegistryValue const& value : {RegistryValue(), RegistryValue(nullptr), RegistryValue(null)}) {
+        EXPECT_FALSE(value);
+        EXPECT_TRUE(Reader(*value.getItem()).isNull());
+        EXPECT_TRUE(value);
+        EXPECT_EQ(value.getItem(), RegistryValue(value).getItem());
+    }
+}
+
+TEST(RegistryValue, CopiesAnyItemInAndOut) {
+    Stack given;
+    {
+        nxRFL::Writer writer(given);
+        nxRFL::write(writer, ur::vector<urString::CString>{"a", "b"});
+        writer.writeNull();
+        writer.writeBool(true);
+    }
+    Reader reader(given);
+    Stack written;
+    nxRFL::Writer writer(written);
+    for (bool const expected : {true, false, true}) {
+        RegistryValue value = valueOf(1.0);
+        nxRFL::read(reader, value);
+        EXPECT_EQ(static_cast<bool>(value), expected);
+        nxRFL::write(writer, value);
+        EXPECT_EQ(static_cast<bool>(value), expected);
+    }
+    Reader copies(written);
+    ur::vector<urString::CString> texts;
+    nxRFL::read(copies, texts);
+    EXPECT_EQ(texts, (ur::vector<urString::CString>{"a", "b"}));
+    copies.readNull();
+    EXPECT_TRUE(copies.readBool());
+    RegistryValue value;
+    EXPECT_THROW(nxRFL::read(copies, value), nxRFL::Exception);
+}
+
+TEST(Registry, TellsKeysWithoutAValueFromKeysThatAreMissing) {
+    Registry registry;
+    EXPECT_FALSE(registry.hasKey("key"));
+    EXPECT_FALSE(registry.getKey("key"));
+    EXPECT_FALSE(registry.hasKey("key"));
+    registry.setKey("key", RegistryValue());
+    EXPECT_TRUE(registry.hasKey("key"));
+    EXPECT_FALSE(registry.getKey("key"));
+    static_cast<void>(registry.getKey("key").getItem());
+    EXPECT_FALSE(registry.getKey("key"));
+}
+
+TEST(Registry, SharesValuesThatOutliveTheirKeys) {
+    auto registry = std::make_unique<Registry>();
+    RegistryValue const one = valueOf(1.0);
+    for (auto const* key : {"a", "b"}) registry->setKey(key, one);
+    EXPECT_EQ(registry->getKey("a").getItem(), registry->getKey("b").getItem());
+    RegistryValue const read = registry->getKey("a");
+    registry->setKey("a", valueOf(2.0));
+    EXPECT_EQ(numberIn(read), 1);
+    EXPECT_EQ(numberIn(registry->getKey("a")), 2);
+    RegistryValue last = registry->getKey("a");
+    registry.reset();
+    std::thread([value = std::move(last)] { EXPECT_EQ(numberIn(value), 2); }).join();
+}
+
+TEST(Registry, IsSeenThroughItsCopies) {
+    Registry registry;
+    {
+        Registry copy = registry;
+        copy.setKey("through the copy", valueOf(1.0));
+        registry.setKey("through the source", valueOf(2.0));
+        EXPECT_EQ(numberIn(Registry(copy).getKey("through the source")), 2);
+    }
+    EXPECT_EQ(numberIn(registry.getKey("through the copy")), 1);
+}
+
+/// Looks into the registry when it goes.
+struct Nosy : ur::ReferenceCount {
+    Nosy(Registry& seen, bool& found) : registry(seen), hasKey(found) {}
+    ~Nosy() override { hasKey = registry.hasKey("key") && !registry.getKey("key"); }
+
+    Registry& registry;
+    bool& hasKey;
+};
+
+TEST(Registry, IsWholeWhenAnOverwrittenObjectGoes) {
+    nxRFL::Database database;
+    Registry registry;
+    bool hadKey = false;
+    registry.setKey("key", valueOf(ur::make<Nosy>(registry, hadKey)));
+    registry.setKey("key", RegistryValue());
+    EXPECT_TRUE(hadKey);
+}
+
+}  // namespace
