@@ -1,0 +1,31 @@
+// Charging time.
+#include "support/services/PerfScope.h"
+
+#include "support/services/Performance.h"
+#include "support/services/Timeline.h"
+
+namespace nxSupport {
+
+PerfScope::~PerfScope() { stop(); }
+
+void PerfScope::charge(PerformanceCode code) {
+    bool const isActivity = code >= 0 && code < numPerformanceCodes;
+    if (code == current_ || (!isActivity && code != Perf_None)) return;
+    stop();
+    current_ = code;
+    if (code == Perf_None) return;
+    urOS::StopWatch& watch = Performance::getInstance().getWatch(code);
+    if (Performance::clearEachCharge()) watch.clear();
+    if (Timeline* const timeline = Timeline::active()) [[unlikely]]
+        timeline->beginPerformance(code);
+    watch.start();
+}
+
+void PerfScope::stop() {
+    if (current_ == Perf_None) return;
+    Performance::getInstance().getWatch(current_).stop();
+    if (Timeline* const timeline = Timeline::active()) [[unlikely]]
+        timeline->endPerformance(current_);
+}
+
+}  // namespace nxSupport

@@ -1,0 +1,74 @@
+// What a time line has recorded.
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <unordered_map>
+#include <utility>
+
+#include "foundation/ur/TypeInfo.h"
+#include "foundation/ur/containers.h"
+#include "foundation/urOS/IOStream.h"
+#include "foundation/urString/CString.h"
+#include "support/services/Timeline.h"
+
+namespace nxSupport {
+
+/// The events in the order in which they began, and which of them have not ended.
+struct Timeline::Recording {
+    using Clock = std::chrono::steady_clock;
+    using Index = std::size_t;
+
+    enum class Kind : std::uint8_t { context, script, build, performance, drop };
+
+    struct Event {
+        std::int64_t begin;     ///< in nanoseconds since the time line was made
+        std::int64_t duration;  ///< in nanoseconds; `open` while it has not ended
+        std::uint32_t name;     ///< of a script or a class: place in `names`; otherwise the mode or the activity
+        std::uint32_t bytes = 0;
+        Kind kind;
+        urKRCache::Leaving why{};
+    };
+
+    static constexpr std::int64_t open = -1;
+    static constexpr Index notKept = ~Index(0);
+    static constexpr std::size_t longestName = 120;  ///< bytes; what is longer is cut
+
+    explicit Recording(std::size_t eventLimit) : limit(eventLimit) { openActivities.fill(notKept); }
+
+    /// Does what may fail for want of memory; a failure counts as an event not kept.
+    template <class Work>
+    void attempt(Work&& work) noexcept {
+        try {
+            work();
+        } catch (...) {
+            ++dropped;
+        }
+    }
+    Index begin(Kind kind, std::uint32_t name, Clock::time_point when = Clock::now());
+    void end(Index index, std::int64_t now) noexcept;
+    void end(Index index) noexcept { end(index, sinceOrigin(Clock::now())); }
+    [[nodiscard]] std::int64_t sinceOrigin(Clock::time_point when) const noexcept;
+    [[nodiscard]] bool isFull() const noexcept { return events.size() >= limit; }
+
+    std::uint32_t nameOf(std::string_view text);
+    std::uint32_t nameOf(ur::TypeInfo keyClass);
+
+    std::size_t const limit;
+    Clock::time_point const origin = Clock::now();
+    std::deque<Event> events;  ///< a deque, so that growing does not stop the world that is being measured
+    std::size_t dropped = 0;
+    ur::vector<urString::CString> names;
+    ur::map<urString::CString, std::uint32_t, urString::less> namePlaces;
+    std::unordered_map<ur::TypeInfo, std::uint32_t> classNames;
+
+    std::array<Index, numPerformanceCodes> openActivities;
+    ur::vector<std::pair<Context const*, Index>> openContexts;
+    ur::vector<Index> openScripts;
+    ur::vector<Index> openBuilds;
+};
+
+}  // namespace nxSupport
