@@ -11,6 +11,7 @@
 #include "support/messaging/CallInfo.h"
 #include "support/messaging/DataSink.h"
 #include "support/messaging/Domain.h"
+#include "support/services/Registry.h"
 
 namespace nxSupport {
 
@@ -72,7 +73,7 @@ void registerTransactions(Database& database) {
     ExposeClass<nxTXN::RefCountedObject>(database, "nxTXN::RefCountedObject").addBase<nxTXN::Object>();
 }
 
-void registerMessaging(Database& database) {
+void registerSupport(Database& database) {
     // Contexts end when their scope does, whoever still knows them.
     ExposeClass<Context>(database, "nxSupport::Context")
         .setAliveTest([](void const* context) { return Context::isActive(static_cast<Context const*>(context)); })
@@ -87,6 +88,10 @@ void registerMessaging(Database& database) {
     ExposeClass<Domain>(database, "nxSupport::Domain")
         .addProperty("rootContext", &Domain::getRootContext)
         .addProperty("currentContext", &Domain::getCurrentContext);
+    ExposeClass<Registry>(database, "nxSupport::Registry")
+        .addMethod("setKey", &Registry::setKey)
+        .addMethod("hasKey", &Registry::hasKey)
+        .addMethod("getKey", &Registry::getKey);
 }
 
 void registerFunctions(Database& database) {
@@ -102,7 +107,7 @@ void registerFunctions(Database& database) {
 void registerReflection(InitializeReflectionMsg& message) {
     Database& database = *message.getDB();
     registerTransactions(database);
-    registerMessaging(database);
+    registerSupport(database);
     registerFunctions(database);
     nxNet::initializeReflection(&database);
 }

@@ -6,8 +6,8 @@
 
 namespace nxSupport {
 
-/// Registers the classes of transactions, contexts, domains and data sinks, the table of functions "nxSupport", and
-/// what `nxNet` shows, in the message's database. Doing so again changes nothing.
+/// Registers the classes of transactions, contexts, domains, data sinks and registries, the table of functions
+/// "nxSupport", and what `nxNet` shows, in the message's database. Doing so again changes nothing.
 NX_API void registerReflection(InitializeReflectionMsg& message);
 
 }  // namespace nxSupport

@@ -10,6 +10,7 @@
 #include "foundation/nxRFL/ExposeClass.h"
 #include "foundation/urOS/AppOutput.h"
 #include "foundation/urThread/RunQueue.h"
+#include "net/tests/Transfers.h"
 #include "script/initialize.h"
 #include "support/messaging/Broadcaster.h"
 #include "support/messaging/CallInfo.h"
@@ -17,6 +18,7 @@
 #include "support/messaging/Domain.h"
 #include "support/messaging/InitializeLuaMsg.h"
 #include "support/messaging/InitializeReflectionMsg.h"
+#include "support/services/Registry.h"
 
 namespace nxSupport {
 
@@ -66,6 +68,10 @@ public:
         give<Domain*>("domain", &domain);
         give("sink", ur::Reference<DataSink>(sink));
         give("buffer", ur::make<urThread::Buffer>("bytes"));
+        give<Registry*>("registry", &registry);
+        give<nxNet::Manager*>("network", &transfers);
+        give("report", nxRFL::makeFunction(database, [this](urString::CString const& what,
+                                                            urString::CString const& with) { report(what, with); }));
         give("text", nxRFL::makeFunction(database, [this] { return urString::CString(sink->text); }));
     }
 
@@ -86,10 +92,20 @@ public:
         return error ? std::string(error->message().view()) : "ok";
     }
 
+    /// What the network tells of the connection that was made last.
+    void report(urString::CString const& what, urString::CString const& with) const {
+        if (what == "connected") transfers.last->setConnected();
+        if (what == "data") transfers.last->arrive(with);
+        if (what == "failed") transfers.last->setFailed(std::stoi(with.c_str()));
+        if (what == "complete") transfers.last->setComplete();
+    }
+
     std::unique_ptr<Broadcaster> broadcaster = std::make_unique<Broadcaster>();
     TestDomain domain{broadcaster.get()};
     ur::Reference<TextSink> sink = ur::make<TextSink>();
     nxRFL::Database database;
+    Registry registry;
+    nxNet::Transfers transfers;
     std::unique_ptr<nxLC::State> state;
 };
 

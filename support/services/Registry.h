@@ -12,7 +12,7 @@ class RegistryImpl;
 /// A table of values under text keys, in memory only. Main thread only.
 ///
 /// The registry that was made without another owns the table. A copy is a view of the same table and must not outlive
-/// that one.
+/// that one. With what scripts stored in it, it goes before their reflection database, which knows their objects.
 class NX_API Registry {
 public:
     Registry();
