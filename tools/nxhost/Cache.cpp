@@ -6,6 +6,7 @@
 #include "foundation/nxRFL/ExposeClass.h"
 #include "foundation/ur/hashfunction.h"
 #include "foundation/urOS/IOStream.h"
+#include "tools/nxhost/required.h"
 
 namespace nxhost {
 
@@ -75,16 +76,17 @@ private:
 
 Reference<Resource> makeResource(Manager& manager, CString const& name, Reference<Shim> source,
                                  Reference<Function> function) {
-    if (!function) throw nxRFL::Exception("a function is needed");
     auto key = ur::make<TextKey>(name, std::move(source), std::move(function));
     return ur::make<Resource>(manager, manager.getShim(std::move(key), Shim::Retained));
 }
 
 Reference<Resource> resource(Manager& manager, CString const& name, Reference<Function> function) {
+    requireFunction(function != nullptr, "urKRCache::Manager.resource", 2);
     return makeResource(manager, name, nullptr, std::move(function));
 }
 
 Reference<Resource> derived(Manager& manager, CString const& name, Resource& source, Reference<Function> function) {
+    requireFunction(function != nullptr, "urKRCache::Manager.derived", 3);
     if (!source.shim()->manager()) throw nxRFL::Exception("the source has been removed");
     return makeResource(manager, name, source.shim(), std::move(function));
 }

@@ -3,6 +3,7 @@
 
 #include "foundation/nxRFL/ExposeClass.h"
 #include "foundation/nxTXN/Transaction.h"
+#include "tools/nxhost/required.h"
 
 namespace nxhost {
 
@@ -12,10 +13,6 @@ using ur::Reference;
 using urString::CString;
 
 namespace {
-
-void requireFunction(Reference<Function> const& function) {
-    if (!function) throw nxRFL::Exception("a function is needed");
-}
 
 /// Whether it succeeded; `result` is then what it returned.
 bool call(nxRFL::Callback const& callback, CString const* name, ScriptValue const& value, ScriptValue* result) {
@@ -60,7 +57,7 @@ ur::vector<CString> Document::names() const {
 }
 
 void Document::edit(CString const& name, Reference<Function> const& function) {
-    requireFunction(function);
+    requireFunction(function != nullptr, "nxhost::Document.edit", 2);
     nxTXN::Transaction transaction(history_, name);
     nxRFL::Stack results;
     function->call({}, results);
@@ -68,7 +65,7 @@ void Document::edit(CString const& name, Reference<Function> const& function) {
 }
 
 void Document::listen(CString const& name, Reference<Function> const& function) {
-    requireFunction(function);
+    requireFunction(function != nullptr, "nxhost::Document.listen", 2);
     Entry& listened = entry(name);
     if (!listened.view) {
         nxTXN::Transaction quiet(history_, {}, nxTXN::TransactionKind::none);
@@ -83,7 +80,7 @@ void Document::listen(CString const& name, Reference<Function> const& function) 
 }
 
 void Document::validate(CString const& name, Reference<Function> const& function) {
-    requireFunction(function);
+    requireFunction(function != nullptr, "nxhost::Document.validate", 2);
     Entry& validated = entry(name);
     validated.connections.push_back(validated.property->subscribeValidation(
         [callback = nxRFL::Callback(function)](Reference<Property const> const&, Property::ItemReference& candidate) {

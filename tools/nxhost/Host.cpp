@@ -12,6 +12,7 @@
 #include "support/messaging/InitializeLuaMsg.h"
 #include "support/messaging/InitializeReflectionMsg.h"
 #include "tools/nxhost/Cache.h"
+#include "tools/nxhost/required.h"
 #include "tools/nxhost/statistics.h"
 
 namespace nxhost {
@@ -128,7 +129,7 @@ void Host::openState(Options const& options) {
     loop_.interrupt().watch(state_.get());
     give("domain", static_cast<nxSupport::Domain*>(&domain_));
     give("network", static_cast<nxNet::Manager*>(&network_));
-    if (database_.getClass("nxSupport::Registry")) give("registry", &registry_);
+    give("registry", &registry_);
     give("document", &document_);
     give("cache", &cache_);
     nxRFL::Stack words;
@@ -195,7 +196,7 @@ bool Host::turn() {
 }
 
 void Host::later(std::function<void()> function) {
-    if (!function) throw nxRFL::Exception("a function is needed");
+    requireFunction(function != nullptr, "host.later", 1);
     loop_.queue().add(ur::make<Later>(std::move(function)));
 }
 

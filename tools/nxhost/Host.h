@@ -46,6 +46,8 @@ public:
     void report(nxRFL::Exception const& error);
     /// The script or a signal has asked for the end.
     [[nodiscard]] bool isEnding() noexcept { return chosenCode_ || loop_.interrupt().pending() != 0; }
+    /// Failures so far do not matter for the exit code: somebody has seen them.
+    void forgive() noexcept { failed_ = false; }
     [[nodiscard]] bool hasChosenExit() const noexcept { return chosenCode_.has_value(); }
     [[nodiscard]] int exitCode() noexcept;
 

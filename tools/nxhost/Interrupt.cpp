@@ -55,9 +55,9 @@ void Interrupt::watch(nxLC::State* state) noexcept { watched = state; }
 int Interrupt::pending() const noexcept { return caught; }
 
 void Interrupt::clear() noexcept {
+    caught = 0;  // first: a signal that comes between the two is seen by who asks for it
     char bytes[16];
     while (read(pipeEnds[0], bytes, sizeof bytes) > 0) continue;
-    caught = 0;
 }
 
 int Interrupt::descriptor() const noexcept { return pipeEnds[0]; }

@@ -64,6 +64,8 @@ LineEditor::LineEditor(Loop& loop, nxLC::State& state)
       state_(state),
       historyFile_(defaultHistoryFile()),
       editor_(el_init("nxhost", stdin, stdout, stderr)) {
+    // Keys are characters of UTF-8, whatever else the user has chosen.
+    if (!std::setlocale(LC_CTYPE, "") || MB_CUR_MAX == 1) std::setlocale(LC_CTYPE, "C.UTF-8");
     EditLine* const editor = editor_.get();
     el_set(editor, EL_CLIENTDATA, this);
     el_set(editor, EL_PROMPT, &Callbacks::prompt);
@@ -87,14 +89,15 @@ LineEditor::~LineEditor() {
 LineEditor::Result LineEditor::read(char const* prompt, std::string& line) {
     prompt_ = prompt;
     interrupted_ = false;
+    el_set(editor_.get(), EL_PREP_TERM, 1);  // before the prompt invites keys
     int length = 0;
     char const* const text = el_gets(editor_.get(), &length);
     if (interrupted_) {
         LineInfo const* const typed = el_line(editor_.get());
         bool const isEmpty = typed->buffer == typed->lastchar;
-        std::fputs("^C\n", stdout);
+        std::fputs("\n", stdout);
         std::fflush(stdout);
-        if (isEmpty) return Result::end;
+        if (isEmpty) return Result::interrupted;
         loop_.interrupt().clear();
         return Result::dropped;
     }
@@ -112,7 +115,7 @@ LineEditor::Result LineEditor::read(char const* prompt, std::string& line) {
 int LineEditor::readKey(wchar_t& key) {
     std::mbstate_t state{};
     for (;;) {
-        loop_.turnUntilReadable(STDIN_FILENO);
+        while (!loop_.turnOrInput(STDIN_FILENO)) el_set(editor_.get(), EL_REFRESH);
         char byte = 0;
         if (::read(STDIN_FILENO, &byte, 1) != 1) return 0;
         switch (std::mbrtowc(&key, &byte, 1, &state)) {

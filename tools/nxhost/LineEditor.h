@@ -24,8 +24,9 @@ class LineEditor {
 public:
     enum class Result {
         line,
-        dropped,  ///< Ctrl-C on a line with something in it
-        end,      ///< of the input, or Ctrl-C on an empty line
+        dropped,      ///< Ctrl-C on a line with something in it
+        interrupted,  ///< Ctrl-C on an empty line, still pending
+        end,          ///< of the input
     };
 
     LineEditor(Loop& loop, nxLC::State& state);

@@ -15,13 +15,12 @@ bool Loop::turn() {
     return true;
 }
 
-void Loop::turnUntilReadable(int descriptor) {
-    for (;;) {
-        work();
-        pollfd input{descriptor, POLLIN, 0};
-        if (poll(&input, 1, 0) != 0) return;
-        transfers_.wait(std::array{interrupt_.descriptor(), descriptor});
-    }
+bool Loop::turnOrInput(int descriptor) {
+    if (work()) return false;
+    transfers_.wait(std::array{interrupt_.descriptor(), descriptor});
+    if (interrupt_.pending() != 0) throw Ended();
+    pollfd input{descriptor, POLLIN, 0};
+    return poll(&input, 1, 0) != 0;
 }
 
 /// False when there was nothing to do.

@@ -28,8 +28,9 @@ public:
     /// Does what is to be done, or else sleeps until there is something. False when nothing is to come. Throws `Ended`
     /// when a signal is pending.
     bool turn();
-    /// Turns until input can be read from `descriptor`. Throws likewise.
-    void turnUntilReadable(int descriptor);
+    /// Does what is to be done, or else sleeps until there is something or input for `descriptor`. True when input can
+    /// be read. Throws likewise.
+    bool turnOrInput(int descriptor);
 
 private:
     /// Wakes the loop from other threads.

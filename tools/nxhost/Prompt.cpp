@@ -27,9 +27,10 @@ Prompt::Prompt(Host& host)
 void Prompt::run() {
     while (readChunk()) {
         if (chunk_) evaluate(chunk_);
-        if (host_.hasChosenExit()) return;
+        if (host_.hasChosenExit()) break;
         host_.loop().interrupt().clear();
     }
+    host_.forgive();
 }
 
 bool Prompt::readChunk() {
@@ -41,6 +42,7 @@ bool Prompt::readChunk() {
             switch (editor_.read(text.empty() ? "> " : ">> ", line)) {
                 case LineEditor::Result::line: break;
                 case LineEditor::Result::dropped: return true;
+                case LineEditor::Result::interrupted: return !text.empty();  // the lines before are dropped
                 case LineEditor::Result::end: return false;
             }
             text += line + "\n";
@@ -54,8 +56,9 @@ bool Prompt::readChunk() {
 
 Reference<Function> Prompt::compile(std::string const& text) const {
     nxLC::State& state = host_.state();
+    std::size_t const expression = text.starts_with('=') ? 1 : 0;  // as Lua's own prompt has it
     try {
-        return state.load("return " + text, "=prompt");
+        return state.load("return " + text.substr(expression), "=prompt");
     } catch (Exception const&) {
         // A statement, or the beginning of something.
     }

@@ -77,6 +77,7 @@ TransferError errorFor(CURLcode code) {
         case CURLE_HTTP2_STREAM: return TransferError::broken;
         case CURLE_TOO_MANY_REDIRECTS: return TransferError::tooManyHops;
         case CURLE_READ_ERROR:
+        case CURLE_ABORTED_BY_CALLBACK:
         case CURLE_FILE_COULDNT_READ_FILE: return TransferError::fileUnreadable;
         default: return TransferError::other;
     }
@@ -148,7 +149,7 @@ Transfer::Transfer(Request const& request, NetworkOptions const& options, double
     checkRequest(request, options);
     setUp(options, timeLimit);
     setAddress(request.getUrl(), options);
-    setHeaders(request.getHeaders());
+    setHeaders(request);
     setBody(request);
 }
 
@@ -216,15 +217,19 @@ void Transfer::setAddress(CString const& url, NetworkOptions const& options) {
     set(CURLOPT_MAXREDIRS, mostHops);
 }
 
-void Transfer::setHeaders(Request::Fields const& headers) {
-    for (auto const& [name, value] : headers) {
+void Transfer::addHeader(std::string const& line) {
+    curl_slist* const longer = curl_slist_append(headers_.get(), line.c_str());
+    check(longer != nullptr);
+    static_cast<void>(headers_.release());  // the beginning of the longer one
+    headers_.reset(longer);
+}
+
+void Transfer::setHeaders(Request const& request) {
+    for (auto const& [name, value] : request.getHeaders()) {
         // To libcurl "name:" means leaving the header out.
-        std::string const line = std::string(name) + (trimmed(value).empty() ? ";" : ": " + std::string(value));
-        curl_slist* const longer = curl_slist_append(headers_.get(), line.c_str());
-        check(longer != nullptr);
-        static_cast<void>(headers_.release());  // the beginning of the longer one
-        headers_.reset(longer);
+        addHeader(std::string(name) + (trimmed(value).empty() ? ";" : ": " + std::string(value)));
     }
+    if (request.getPostData().empty()) addHeader("Content-Type:");  // no form, whatever the method
     set(CURLOPT_HTTPHEADER, headers_.get());
 }
 

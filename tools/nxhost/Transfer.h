@@ -36,7 +36,8 @@ private:
     void set(CURLoption option, Value value);
     void setUp(NetworkOptions const& options, double timeLimit);
     void setAddress(urString::CString const& url, NetworkOptions const& options);
-    void setHeaders(nxNet::Request::Fields const& headers);
+    void addHeader(std::string const& line);
+    void setHeaders(nxNet::Request const& request);
     void setBody(nxNet::Request const& request);
     void setFile(nxNet::Request const& request);
     void setForm(nxNet::Request::Fields const& fields, curl_off_t fileSize, urString::CString const& path);

@@ -1,0 +1,15 @@
+// Checks of what scripts pass.
+#pragma once
+
+#include "foundation/nxRFL/Exception.h"
+#include "foundation/nxRFL/Function.h"
+
+namespace nxhost {
+
+/// Raises when the function that is the argument at `position` of `name` was nil.
+inline void requireFunction(bool given, char const* name, int position) {
+    if (given) return;
+    throw nxRFL::Exception(urString::CString::format("%s: argument %d must be function, but is null", name, position));
+}
+
+}  // namespace nxhost

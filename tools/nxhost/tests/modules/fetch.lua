@@ -1,0 +1,39 @@
+-- What the tests of transfers have in common.
+local module = {base = arg[1], secure = arg[2], folder = arg[3]}
+
+--- A connection for `path`, with all that arrives in `body()`. `set(request, connection)` may add to it.
+function module.connection(path, set)
+    local request = host.network:createRequest()
+    request.url = path:find("^/") and module.base .. path or path
+    local connection = host.network:createConnection()
+    connection:setRequest(request)
+    local parts = {}
+    connection:setDataFunc(function(buffer) parts[#parts + 1] = buffer.data end)
+    if set then set(request, connection) end
+    return connection, function() return table.concat(parts) end
+end
+
+--- Turns the main loop until the connection has ended.
+function module.wait(connection)
+    while connection.status == "NotConnected" or connection.status == "Connected" do
+        if not host.turn() then error("nothing is to come, but the connection is " .. connection.status) end
+    end
+end
+
+--- Fetches and gives the connection and what arrived.
+function module.fetch(path, set)
+    local connection, body = module.connection(path, set)
+    connection:start()
+    module.wait(connection)
+    return connection, body()
+end
+
+function module.write(name, text)
+    local path = module.folder .. "/" .. name
+    local file = assert(io.open(path, "wb"))
+    file:write(text)
+    file:close()
+    return path
+end
+
+return module

@@ -1,0 +1,117 @@
+#!/usr/bin/env -S python3 -B
+"""Runs every script in scripts/ with nxhost and compares what it prints, what it complains of and how it ends.
+
+run.py [--update] NXHOST [NAME...]. A line `-- options: …` in a script gives nxhost's options, `-- environment: …` what it
+finds in its environment. The scripts' arguments are the URLs of an HTTP and an HTTPS server and a folder. --update
+writes what they print now.
+"""
+import json
+import os
+import re
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+from server import Server
+
+here = Path(__file__).resolve().parent
+SECONDS = 300  # for a script that hangs
+
+
+def environment(more=()):
+    clean = {name: value for name, value in os.environ.items()
+             if not name.lower().endswith("_proxy") and not name.startswith("NX_")}
+    return clean | {"NX_LUA_PATH": str(here / "modules")} | dict(word.split("=", 1) for word in more)
+
+
+def words_of(script, kind):
+    found = re.search(rf"^-- {kind}: (.*)", script.read_text(), re.MULTILINE)
+    return found[1].split() if found else []
+
+
+def make_certificate(folder):
+    """A self-signed certificate for 127.0.0.1, and its key, in one file."""
+    file = Path(folder) / "certificate.pem"
+    subprocess.run(["openssl", "req", "-x509", "-newkey", "ec", "-pkeyopt", "ec_paramgen_curve:prime256v1", "-nodes",
+                    "-days", "2", "-subj", "/CN=tests", "-addext", "subjectAltName=IP:127.0.0.1", "-keyout", file,
+                    "-out", f"{file}.crt"], check=True, capture_output=True)
+    file.write_text(file.read_text() + Path(f"{file}.crt").read_text())
+    return file
+
+
+def outcome(nxhost, script, arguments, certificate):
+    options = [str(certificate) if word == "CERTIFICATE" else word for word in words_of(script, "options")]
+    run = subprocess.run([nxhost, *options, script.name, *arguments], cwd=script.parent, timeout=SECONDS,
+                         env=environment(words_of(script, "environment")), stdin=subprocess.DEVNULL,
+                         capture_output=True, text=True, errors="replace")
+    text = re.sub(r"0x[0-9a-f]+", "ADDRESS", run.stdout)
+    if run.stderr:
+        text += "--- standard error\n" + run.stderr.replace(str(here), ".")
+    return text if run.returncode == 0 else text + f"--- exit {run.returncode}\n"
+
+
+USAGE = [  # arguments, standard input, exit code, what is in the output
+    (["-e", "print(...)", "a", "-b"], "", 0, "a\t-b\n"),
+    (["-e", "os.exit(300)"], "", 44, ""),
+    (["-"], "#!/usr/bin/env nxhost\nprint(1) error('x')", 1, "1\nnxhost: stdin:2: x\nstack traceback:\n"),
+    ([], "print(arg[0])", 0, "-\n"),
+    (["-e", "nonsense here"], "", 1, "nxhost: -e:1: '=' expected near 'here'\n"),
+    (["-e", "error({})"], "", 1, "nxhost: (error object is a table value)\n"),
+    (["absent.lua"], "", 2, "absent.lua"),
+    (["--nothing"], "", 2, "nxhost: no option --nothing (nxhost --help tells more)\n"),
+    (["-e"], "", 2, "-e needs a CODE"),
+    (["--cache", "12Q"], "", 2, "--cache takes a number, not 12Q"),
+    (["--cache=99999999999G"], "", 2, "--cache takes less than"),
+    (["--sandbox=yes"], "", 2, "--sandbox takes no value"),
+    (["--time", "-1"], "", 2, "--time takes a number, not -1"),
+    (["--version"], "", 0, "nxhost 0."),
+    (["--help"], "", 0, "NX_UNDO_MEMORY_LIMIT"),
+    (["--list"], "", 0, "\nclass nxhost::Connection: nxNet::Connection\n"),
+    (["--list", "--stubs"], "", 0, "\n---@class nxhost.Connection : nxNet.Connection\n"),
+]
+
+
+def misused(nxhost):
+    for arguments, text, code, expected in USAGE:
+        run = subprocess.run([nxhost, *arguments], input=text, env=environment(), timeout=SECONDS, text=True,
+                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        if run.returncode != code or expected not in run.stdout:
+            yield f"nxhost {arguments} exits with {run.returncode} and prints {run.stdout!r}"
+
+
+def untested(nxhost):
+    """What the host's own classes and functions offer that no script mentions."""
+    listing = json.loads(subprocess.run([nxhost, "--list", "--json"], check=True, capture_output=True).stdout)
+    scripts = "".join(script.read_text() for script in sorted(here.glob("*/*.lua")))
+    for group in listing["classes"] + listing["tables"]:
+        if not re.match(r"nxhost::|host$|urKRCache::|nxNet::|nxSupport::Registry", group["name"]):
+            continue
+        for member in group.get("members", []) + group.get("functions", []):
+            if not re.search(rf"\b{member['name']}\b", scripts):
+                yield f"{group['name']}.{member['name']} is in no script"
+
+
+def main(nxhost, names, update):
+    failures = [*untested(nxhost), *misused(nxhost)]
+    with tempfile.TemporaryDirectory() as folder:
+        certificate = make_certificate(folder)
+        with Server() as plain, Server(certificate) as secure:
+            for script in sorted((here / "scripts").glob("*.lua")):
+                if names and script.stem not in names:
+                    continue
+                got = outcome(nxhost, script, [plain.url, secure.url, folder], certificate)
+                expected = script.with_suffix(".expected")
+                if update:
+                    expected.write_text(got)
+                elif got != expected.read_text():
+                    failures.append(f"{script.name} printed:\n{got}")
+    print("\n".join(failures) or "all as expected")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    words = sys.argv[1:]
+    wants_update = "--update" in words
+    words = [word for word in words if word != "--update"]
+    sys.exit(main(os.path.abspath(words[0]), words[1:], wants_update))

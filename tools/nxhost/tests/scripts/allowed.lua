@@ -1,0 +1,9 @@
+-- Further schemes are allowed by option, but no answer leads to them.
+-- options: --allow file
+local net = require "fetch"
+
+local path = net.write("local.txt", "from a file")
+local connection, body = net.fetch("file://" .. path)
+print(connection.status, connection.responseStatus, body)
+connection, body = net.fetch("/redirect?to=file://" .. path)
+print(connection.status, connection.error, body)

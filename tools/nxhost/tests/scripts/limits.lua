@@ -1,0 +1,8 @@
+-- The limits of the history come from the environment, as does the way to modules.
+-- environment: NX_UNDO_LIMIT=2 NX_UNDO_MEMORY_LIMIT=1K
+local document = host.document
+for i = 1, 5 do document:set("x", i) end
+print(document.undoCount)
+for i = 1, 2 do document:set("long", ("x"):rep(700) .. i) end
+print(document.undoCount, document.historyBytes < 2000)
+print(pcall(require, "fetch"))

@@ -1,0 +1,9 @@
+-- With its certificate vouched for, a server is trusted; a name that the certificate does not have is not.
+-- options: --authorities CERTIFICATE
+local net = require "fetch"
+
+local connection, body = net.fetch(net.secure .. "/hello")
+print(connection.status, connection.responseStatus, body)
+print(select(2, net.fetch("/redirect?to=" .. net.secure .. "/hello")))
+connection = net.fetch((net.secure:gsub("127.0.0.1", "localhost")) .. "/hello")
+print(connection.status, connection.error)

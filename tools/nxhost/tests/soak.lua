@@ -1,0 +1,38 @@
+-- Many connections in turn, of every fate: none may leave anything behind. The argument tells how many.
+local net = require "fetch"
+local fates = {"Complete", "ConnectionFailed", "Cancelled"}
+
+local function resident()
+    for line in io.lines("/proc/self/status") do
+        local kibibytes = line:match("VmRSS:%s*(%d+)")
+        if kibibytes then return tonumber(kibibytes) end
+    end
+end
+
+local function run(count)
+    for i = 1, count do
+        local fate = fates[i % 3 + 1]
+        local connection = net.connection(fate == "ConnectionFailed" and "/early" or "/tell?header=x", function(request, made)
+            if i % 2 == 0 then request.httpMethod = "POST" end
+            request:addPostData("number", tostring(i))
+            made:setProgressFunc(function() end)
+            made:setStatusFunc(function()
+                if fate == "Cancelled" and made.status == "Connected" then made:cancel() end
+            end)
+        end)
+        connection:start()
+        net.wait(connection)
+        assert(connection.status == fate, connection.status)
+    end
+    collectgarbage()
+    collectgarbage()
+    return nx.getObjectTableSize(), collectgarbage("count"), resident()
+end
+
+local count = tonumber(arg[4])
+local objects, script, all = run(300)
+local objectsAfter, scriptAfter, allAfter = run(count)
+print(count .. " connections: objects", objectsAfter - objects, "script KiB", math.floor(scriptAfter - script),
+      "resident KiB", allAfter - all)
+assert(objectsAfter == objects and scriptAfter - script < 16, "the script state has grown")
+assert(allAfter - all < (tonumber(arg[5]) or 4096), "the process has grown")

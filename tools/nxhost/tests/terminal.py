@@ -1,0 +1,167 @@
+#!/usr/bin/env -S python3 -B
+"""Types at nxhost's prompt through a terminal, and sends it signals.  usage: terminal.py NXHOST"""
+import faulthandler
+import os
+import pty
+import select
+import signal
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+SECONDS = 60  # for what never comes
+faulthandler.dump_traceback_later(2 * SECONDS, exit=True)
+nxhost = os.path.abspath(sys.argv[1])
+
+
+class Terminal:
+    """nxhost at a terminal of its own."""
+
+    def __init__(self, folder, *arguments):
+        environment = os.environ | {"TERM": "dumb", "NXHOST_HISTORY": f"{folder}/history", "LC_ALL": "C"}
+        self.seen = b""
+        self.process, self.terminal = pty.fork()
+        if self.process == 0:
+            os.execve(nxhost, ["nxhost", *arguments], environment)
+
+    def expect(self, text):
+        """Waits until `text` has been shown, and looks only behind it from then on."""
+        while text.encode() not in self.seen:
+            if not select.select([self.terminal], [], [], SECONDS)[0]:
+                raise AssertionError(f"{text!r} does not come, only {self.seen!r}")
+            try:
+                self.seen += os.read(self.terminal, 4096)
+            except OSError:
+                raise AssertionError(f"ended before {text!r}: {self.seen!r}") from None
+        self.seen = self.seen[self.seen.index(text.encode()) + len(text.encode()):]
+
+    def type(self, text):
+        os.write(self.terminal, text.encode())
+
+    def enter(self, line, *expected):
+        self.expect("> ")
+        self.type(line + "\r")
+        self.expect("\r\n")
+        for text in expected:
+            self.expect(text)
+
+    def exit_code(self):
+        status = os.waitpid(self.process, 0)[1]
+        os.close(self.terminal)
+        return os.waitstatus_to_exitcode(status)
+
+
+def evaluates(folder):
+    terminal = Terminal(folder)
+    terminal.enter("1 + 1, 'two'", "2\ttwo\r\n")
+    terminal.enter("= 3", "3\r\n")
+    terminal.enter("x = 4")
+    terminal.enter("for i = 1, 2 do")
+    terminal.enter("print('line', i, x)")
+    terminal.enter("end", "line\t1\t4\r\nline\t2\t4\r\n")
+    terminal.enter("print('ä€')", "ä€\r\n")
+    terminal.enter("x = = 1", "nxhost: prompt:1: unexpected symbol near '='\r\n")
+    terminal.enter("error('oh')", "nxhost: prompt:1: oh\r\nstack traceback:\r\n")
+    terminal.enter("host.later(function() print('meanwhile') end)", "meanwhile\r\n")
+    terminal.enter("host.later(function() error('behind') end)", "nxhost: prompt:1: behind")
+    terminal.expect("> ")
+    terminal.type("\x04")
+    assert terminal.exit_code() == 0
+
+
+def completes(folder):
+    terminal = Terminal(folder)
+    terminal.expect("> ")
+    terminal.type("nxSupport.Con\t.ex\t")
+    terminal.expect("nxSupport.Context.exec")
+    terminal.type("\r")
+    terminal.enter("host.document:un\t()", "false\r\n")
+    terminal.expect("> ")
+    terminal.type("host.document:\t")
+    terminal.expect("edit  get  listen  names  redo  set  undo  validate")
+    terminal.type("nothing\t\x03")
+    terminal.enter("'alive'", "alive\r\n")
+    terminal.enter("os.exit(3)")
+    assert terminal.exit_code() == 3
+
+
+def remembers(folder):
+    terminal = Terminal(folder)
+    terminal.enter("'remember ' .. 'me'", "remember me\r\n")
+    terminal.expect("> ")
+    terminal.type("\x10\r")
+    terminal.expect("\r\nremember me\r\n")
+    terminal.expect("> ")
+    terminal.type("\x04")
+    assert terminal.exit_code() == 0
+    terminal = Terminal(folder)
+    terminal.expect("> ")
+    terminal.type("\x10\r")
+    terminal.expect("\r\nremember me\r\n")
+    terminal.expect("> ")
+    terminal.type("\x03")
+    assert terminal.exit_code() == 130
+
+
+def stops(folder):
+    terminal = Terminal(folder, "-i", "-e", "print('first')")
+    terminal.expect("first\r\n")
+    terminal.enter("print('busy') while true do pcall(function() while true do end end) end", "busy\r\n")
+    terminal.type("\x03")
+    terminal.expect("interrupted")
+    terminal.enter("print('waiting') while true do host.later(function() end) host.turn() end", "waiting\r\n")
+    terminal.type("\x03")
+    terminal.expect("interrupted")
+    terminal.expect("> ")
+    terminal.type("for i = 1, 2 do\r")
+    terminal.expect(">> ")
+    terminal.type("\x03")  # drops the whole chunk
+    terminal.enter("'still here'", "still here\r\n")
+    terminal.expect("> ")
+    terminal.type("\x03")
+    assert terminal.exit_code() == 130
+
+
+def signalled(code, number, expected_code, expected_text):
+    """Runs a script and sends it a signal once it has said that it is there."""
+    with subprocess.Popen([nxhost, "-e", code], text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+        assert process.stdout.readline() == "there\n"
+        process.send_signal(number)
+        _, complaint = process.communicate(timeout=SECONDS)
+        assert process.returncode == expected_code, (code, process.returncode, complaint)
+        assert expected_text in complaint, (code, complaint)
+
+
+def signals(_):
+    busy = "print 'there' while true do end"
+    signalled(busy, signal.SIGINT, 130, "nxhost: -e:1: interrupted\nstack traceback:\n")
+    signalled(busy, signal.SIGTERM, 143, "interrupted")
+    # What is left when the script has ended: a function that never ends, and the wait for a server that never answers.
+    signalled("host.later(function() " + busy + " end)", signal.SIGINT, 130, "interrupted")
+    silent = """
+        local connection = host.network:createConnection()
+        local request = host.network:createRequest()
+        request.url = arg[1] or 'http://127.0.0.1:%d/'
+        connection:setRequest(request)
+        connection:setStatusFunc(function() print 'there' end)
+        connection:start() """
+    import socket
+    with socket.create_server(("127.0.0.1", 0)) as server:
+        silent %= server.getsockname()[1]
+        signalled(silent, signal.SIGINT, 130, "")
+        signalled(silent + "while host.turn() do end", signal.SIGTERM, 143, "interrupted")
+
+
+def leaves_nothing(_):
+    """Temporary folders go, however the program ends in order."""
+    with tempfile.TemporaryDirectory() as folder:
+        for code in ["host.cache:resource('a', function() return 'b' end):keepOnDisk()", "os.exit(1)", "error()"]:
+            subprocess.run([nxhost, "-e", code], env=os.environ | {"TMPDIR": folder}, stderr=subprocess.DEVNULL)
+        assert not list(Path(folder).iterdir())
+
+
+with tempfile.TemporaryDirectory() as folder:
+    for test in [evaluates, completes, remembers, stops, signals, leaves_nothing]:
+        test(folder)
+print("all as expected")
