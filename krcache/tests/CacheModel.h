@@ -18,9 +18,9 @@ struct ElsewhereKey : Key {
 };
 
 /// What a manager should do, without graphs, tables or files: arrays, a list, and recursion.
-class PlainCache {
-public:
+struct PlainCache {
     static constexpr int count = 24;
+    static constexpr unsigned payloadSize = 8;
     enum class State { absent, memory, paged };
     struct Entry {
         bool exists = false, isWeak = false, isSerializable = false, isHot = false, isRemoving = false;
@@ -37,11 +37,13 @@ public:
         if (hash % 7 == 0) return 524'000 + hash % 3000;
         return hash % 5 == 0 ? hash % 16 : hash % 6000;
     }
-    static constexpr unsigned payloadSize = 8;
+
+    static unsigned expectedSize(int key) { return key % 3 == 0 ? 3000U + static_cast<unsigned>(key) * 50 : 0; }
 
     void create(int key, bool isWeak, std::vector<int> const& children) {
         entries[key] = Entry();
         entries[key].exists = true, entries[key].isWeak = isWeak, entries[key].children = children;
+        entries[key].size = expectedSize(key);
         for (int const child : children) ++entries[child].references, entries[child].parents.push_back(key);
         for (int const child : children) unref(child);
     }
@@ -49,12 +51,9 @@ public:
         Entry& entry = entries[key];
         if (entry.state == State::memory) {
             if (entry.locks == 0) lru.remove(key), lru.push_back(key);
-        } else if (entry.state == State::paged) {
-            makeSpace(entry.size);
-            put(key, entry.size);
         } else {
             makeSpace(entry.size);
-            unsigned const size = sizeOf(key, ++entry.builds);
+            unsigned const size = entry.state == State::paged ? entry.size : sizeOf(key, ++entry.builds);
             if (size == Key::none) return false;
             put(key, size);
         }
@@ -77,16 +76,18 @@ public:
     void clear(int key) {
         Entry& entry = entries[key];
         if (entry.state != State::memory || entry.locks > 0) return;
-        uncount(key);
-        entry.state = entry.isSerializable ? State::paged : State::absent;
-        if (!entry.isSerializable || entry.size >= payloadSize) return;
-        entry.state = State::absent;
-        say("Dropped a %.02fMB resource instead of paging it: the resource writes more than its size\n", entry.size);
+        leave(key);
+        if (entry.isSerializable && entry.size >= payloadSize) {
+            entry.state = State::paged;
+        } else if (entry.isSerializable) {
+            say("Dropped a %.02fMB resource instead of paging it: the resource writes more than its size\n",
+                entry.size);
+        }
     }
     void remove(int key) {
         Entry& entry = entries[key];
         if (!entry.exists || std::exchange(entry.isRemoving, true)) return;
-        if (entry.state == State::memory) uncount(key);
+        if (entry.state == State::memory) leave(key);
         entry.state = State::absent;
         std::vector<int> const children = std::exchange(entry.children, {});
         std::vector<int> const parents = std::exchange(entry.parents, {});
@@ -99,10 +100,7 @@ public:
         entry.exists = entry.isHot = false;
     }
     /// A reference goes that is not the client's; the client's are in `held`.
-    void unref(int key) {
-        --entries[key].references;
-        dropped(key);
-    }
+    void unref(int key) { --entries[key].references, dropped(key); }
     void dropped(int key) {
         Entry const& entry = entries[key];
         std::size_t const strong = static_cast<std::size_t>(1 + entry.held + entry.references);
@@ -169,8 +167,9 @@ private:
         if (entry.locks > 0) addLocked(size);
         enforce();
     }
-    void uncount(int key) {
+    void leave(int key) {
         Entry& entry = entries[key];
+        entry.state = State::absent;
         used -= entry.size;
         if (entry.locks > 0) locked -= entry.size;
         if (entry.isHot && inInteraction) hot -= entry.size;
@@ -182,15 +181,14 @@ private:
         locked += bytes;
         if (locked > maxLocked) maxLocked = locked, sayPeak("Maximum locked size", locked);
     }
-    static float megabytes(std::int64_t bytes) { return static_cast<float>(bytes) * 9.5367431640625e-07F; }
-    void say(char const* format, std::int64_t bytes = 0) {
+    void say(std::string const& format, std::int64_t bytes = 0) {
         char text[200];
-        std::snprintf(text, sizeof text, format, static_cast<double>(megabytes(bytes)));
+        float const megabytes = static_cast<float>(bytes) * 9.5367431640625e-07F;
+        std::snprintf(text, sizeof text, format.c_str(), static_cast<double>(megabytes));
         said += text;
     }
-    void sayPeak(char const* what, std::int64_t bytes) {
-        say((std::string(what) + " is %.02fMB").c_str(), bytes);
-        say(" (%.02f external)\n", external);
+    void sayPeak(std::string const& what, std::int64_t bytes) {
+        say(what + " is %.02fMB", bytes), say(" (%.02f external)\n", external);
     }
     void sayUsage() {
         say("\nTotal resource memory: %0.02f MB\n", used);
@@ -199,8 +197,7 @@ private:
             if (entries[key].state != State::memory) continue;
             bytes[key % 2 ? ur::TypeInfo::of<ElsewhereKey>() : ur::TypeInfo::of<Key>()] += entries[key].size;
         }
-        for (auto const& [type, sum] : bytes)
-            say(("Resource type " + std::string(type.name()) + ": %0.02f MB\n").c_str(), sum);
+        for (auto const& [type, sum] : bytes) say(std::string("Resource type ") + type.name() + ": %0.02f MB\n", sum);
     }
 };
 
@@ -225,35 +222,28 @@ private:
     void play(int key) {
         Manager& manager = cache_.manager;
         unsigned const what = draw_() % 32;
-        if (what == 0) return limit(drawLimit());
+        if (what == 0) return limit();
         if (what == 1) return external();
         if (what == 2) return interaction();
         if (what == 3) return clearAll();
         if (what == 4) return model_.enforce(), manager.enforceMemoryLimit(draw_());
         if (!held_[key]) return get(key);
         ur::Reference<Shim> const& shim = held_[key];
-        switch (what) {
-            case 5: return drop(key);
-            case 6: model_.remove(key), manager.removeResource(shim); break;
-            case 7: model_.entries[key].isSerializable = true, manager.setSerializable(shim); break;
-            case 8: model_.clear(key), manager.clearResource(shim); break;
-            case 9:
-            case 10: model_.lock(key), manager.lockResource(shim); break;
-            case 11:
-            case 12:
-            case 13: model_.unlock(key), manager.unlockResource(shim); break;
-            default: access(key);
-        }
+        if (what == 5) return model_.entries[key].held = 0, model_.dropped(key), held_[key].reset();
+        if (what == 6) model_.remove(key), manager.removeResource(shim);
+        if (what == 7) model_.entries[key].isSerializable = true, manager.setSerializable(shim);
+        if (what == 8) model_.clear(key), manager.clearResource(shim);
+        if (what == 9 || what == 10) model_.lock(key), manager.lockResource(shim);
+        if (what >= 11 && what <= 13) model_.unlock(key), manager.unlockResource(shim);
+        if (what > 13) access(key);
         model_.dropped(key);  // the argument
     }
-    void limit(unsigned bytes) {
+    void limit() {
+        unsigned const drawn = draw_();
+        unsigned const bytes = drawn % 8 == 0 ? 0 : 1 + drawn % (drawn % 3 == 0 ? 2'000'000 : 40'000);
         model_.debt = 0;
         model_.setLimit(bytes);
         cache_.manager.setMemoryLimit(bytes);
-    }
-    unsigned drawLimit() {
-        unsigned const drawn = draw_();
-        return drawn % 8 == 0 ? 0 : 1 + drawn % (drawn % 3 == 0 ? 2'000'000 : 40'000);
     }
     void external() {
         if (externals_.empty() || draw_() % 2) {
@@ -282,12 +272,15 @@ private:
         cache_.manager.clear();
     }
     void get(int number) {
-        Entry& entry = model_.entries[number];
         auto const key = number % 2 ? ur::Reference<Key>(new ElsewhereKey(number)) : ur::make<Key>(number);
         key->hash = static_cast<unsigned>(number % 7) << 20;
-        key->make = [key = key.get()] { return build(*key); };
+        key->expected = PlainCache::expectedSize(number);
+        key->make = [key = key.get()] {
+            unsigned const size = PlainCache::sizeOf(key->number, key->builds);
+            return ur::Reference<Resource>(size == Key::none ? nullptr : new Blob(size, payload(*key)));
+        };
         bool const isWeak = draw_() % 3 == 0;
-        if (!entry.exists) {
+        if (!model_.entries[number].exists) {
             std::vector<int> children;
             for (unsigned left = draw_() % 4; left > 0; --left) {
                 int const child = static_cast<int>(draw_() % PlainCache::count);
@@ -298,33 +291,21 @@ private:
             };
             model_.create(number, isWeak, children);
         }
-        entry.held = 1;
+        model_.entries[number].held = 1;
         held_[number] = cache_.manager.getShim(key, isWeak ? Shim::WeakCounted : Shim::Retained);
         key->onVisit = nullptr;
     }
-    static ur::Reference<Resource> build(Key const& key) {
-        unsigned const size = PlainCache::sizeOf(key.number, key.builds);
-        if (size == Key::none) return {};
-        return ur::Reference<Resource>(new Blob(size, payload(key.number, key.builds)));
-    }
-    static std::string payload(int key, int build) {
-        std::string text = std::to_string(key) + ":" + std::to_string(build);
+    static std::string payload(Key const& key) {
+        std::string text = std::to_string(key.number) + ":" + std::to_string(key.builds);
         text.resize(PlainCache::payloadSize, '.');
         return text;
-    }
-    void drop(int key) {
-        model_.entries[key].held = 0;
-        model_.dropped(key);
-        held_[key].reset();
     }
     void access(int key) {
         bool const isThere = model_.access(key);
         auto const resource = cache_.manager.accessResource(held_[key]);
-        Entry const& entry = model_.entries[key];
         if (isThere != !resource.null()) wrong_ = "access gives something else";
-        if (entry.state == State::memory && static_cast<Blob&>(*resource).payload != payload(key, entry.builds)) {
-            wrong_ = "the resource has another content";
-        }
+        if (model_.entries[key].state != State::memory) return;
+        if (static_cast<Blob&>(*resource).payload != payload(keyOf(held_[key]))) wrong_ = "another content";
     }
     std::string difference() {
         std::string const said = messages_.take();

@@ -14,8 +14,7 @@
 
 namespace urKRCache::test {
 
-template <class... Args>
-using Hook = std::function<void(Args...)>;
+using Hook = std::function<void()>;
 
 /// Counts as `size` bytes and pages `payload`.
 struct Blob : Resource {
@@ -39,7 +38,7 @@ struct Blob : Resource {
     unsigned size;
     std::string payload;
     std::size_t length = 0;
-    Hook<> onPage;
+    Hook onPage;
 };
 
 /// Equal by number. Builds a blob of `size` bytes; what else it does is up to its hooks.
@@ -47,14 +46,10 @@ struct Key : KeyData {
     explicit Key(int id, unsigned bytes = 1000) : number(id), size(bytes) {}
 
     int onCompare(KeyData const* other) const override {
-        ++compares;
         if (onComparing) onComparing();
         return number - static_cast<Key const*>(other)->number;
     }
-    unsigned onHash() const override {
-        ++hashes;
-        return hash;
-    }
+    unsigned onHash() const override { return ++hashes, hash; }
     ur::Reference<Resource> onCreateResource() const override {
         ++builds;
         if (onBuild) onBuild();
@@ -85,28 +80,22 @@ struct Key : KeyData {
     unsigned hash = 7;  ///< the same for all unless set, so that comparing decides
     std::vector<ur::Reference<Shim>> sources;
     std::function<ur::Reference<Resource>()> make;
-    Hook<> onBuild, onInitialize, onCleared, onRemoved, onComparing;
-    Hook<KeyVisitor&> onVisit;
-    mutable int builds = 0;
-    mutable int compares = 0;
-    mutable int hashes = 0;
+    Hook onBuild, onInitialize, onCleared, onRemoved, onComparing;
+    std::function<void(KeyVisitor&)> onVisit;
+    mutable int builds = 0, hashes = 0;
 };
 
 /// What is printed on the cache's channel while this lives.
-class Messages {
-public:
-    Messages() : out_(stream_) {
+struct Messages {
+    Messages() {
         static_cast<void>(stream_.open(urOS::openForWriting));
         debugChannel().setOutput(&out_);
         debugChannel().enable();
     }
-    Messages(Messages const&) = delete;
-    Messages& operator=(Messages const&) = delete;
     ~Messages() {
         debugChannel().disable();
         debugChannel().setOutput(nullptr);
     }
-
     /// Since the last time.
     std::string take() {
         std::string text(stream_.contents().view());
@@ -116,43 +105,23 @@ public:
 
 private:
     urOS::MemoryIOStream stream_;
-    urOS::OStream out_;
+    urOS::OStream out_{stream_};
 };
 
-/// A folder that goes with this object.
-class Folder {
-public:
-    Folder() {
-        std::string name = (std::filesystem::temp_directory_path() / "cacheXXXXXX").string();
-        path_ = ::mkdtemp(name.data());
-    }
-    Folder(Folder const&) = delete;
-    Folder& operator=(Folder const&) = delete;
-    ~Folder() { std::filesystem::remove_all(path_); }
+/// A manager in a folder of its own.
+struct Cache {
+    ~Cache() { std::filesystem::remove_all(folder); }
 
-    [[nodiscard]] std::filesystem::path const& path() const { return path_; }
-    [[nodiscard]] std::filesystem::path pageFile() const { return path_ / "urKRCachePageFile.dat"; }
-    [[nodiscard]] urString::IString text() const { return urString::IString(path_.c_str()); }
-
-private:
-    std::filesystem::path path_;
-};
-
-/// A manager with a folder of its own. After each test everything must still hold.
-struct Cache : Folder {
-    Manager manager{text()};
-
-    ur::Reference<Shim> shim(ur::Reference<Key> const& key, Shim::KeyType type = Shim::Retained) {
-        return manager.getShim(key, type);
-    }
-    /// A shim whose key builds from those of `sources`.
-    ur::Reference<Shim> derived(int number, std::vector<ur::Reference<Shim>> sources,
-                                Shim::KeyType type = Shim::Retained) {
-        auto key = ur::make<Key>(number);
-        key->sources = std::move(sources);
-        return shim(key, type);
-    }
+    ur::Reference<Shim> shim(ur::Reference<Key> const& key) { return manager.getShim(key, Shim::Retained); }
     ur::Reference<Resource> access(ur::Reference<Shim> const& shim) { return manager.accessResource(shim); }
+    static std::filesystem::path newFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "cacheXXXXXX").string();
+        return ::mkdtemp(name.data());
+    }
+
+    std::filesystem::path folder = newFolder();
+    std::filesystem::path pageFile = folder / "urKRCachePageFile.dat";
+    Manager manager{urString::IString(folder.c_str())};
 };
 
 inline Key& keyOf(ur::Reference<Shim> const& shim) { return static_cast<Key&>(*shim->keyData()); }
