@@ -13,4 +13,8 @@ enum class TransformOperation : int {
     freeTransform = 16,
 };
 
+[[nodiscard]] constexpr TransformOperation operator|(TransformOperation a, TransformOperation b) noexcept {
+    return static_cast<TransformOperation>(static_cast<int>(a) | static_cast<int>(b));
+}
+
 }  // namespace urLinear

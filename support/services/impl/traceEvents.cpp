@@ -45,8 +45,9 @@ void writeTrackName(urOS::OStream& out, int track, char const* name) {
 
 /// The label without the number behind it.
 std::string activityName(std::uint32_t code) {
-    std::string_view const label = Performance::labelFormat(static_cast<PerformanceCode>(code));
-    return std::string(label.substr(0, label.find_last_not_of(" .", label.find('=') - 1) + 1));
+    urString::CString const label = Performance::labelFormat(static_cast<PerformanceCode>(code));
+    std::string_view const name = label.view().substr(0, label.find('='));
+    return std::string(name.substr(0, name.find_last_not_of(" .") + 1));
 }
 
 }  // namespace

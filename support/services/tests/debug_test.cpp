@@ -1,0 +1,185 @@
+// Debug codes: their tables, their switches, and what printers print.
+#include <gmock/gmock.h>
+
+#include <utility>
+
+#include "krcache/debugChannel.h"
+#include "support/services/DebugPrint.h"
+#include "support/services/debugList.h"
+#include "support/services/tests/Output.h"
+
+namespace nxSupport {
+namespace {
+
+constexpr DebugCode code(int value) { return static_cast<DebugCode>(value); }
+
+/// What the compiler calls the enumerator.
+template <DebugCode value>
+std::string_view enumerator() {
+    std::string_view const text = __PRETTY_FUNCTION__;
+    std::size_t const begin = text.find_last_of(" :", text.find(text.find(';') == text.npos ? ']' : ';')) + 1;
+    return text.substr(begin, text.find_first_of(";]", begin) - begin);
+}
+
+template <int... values>
+std::vector<std::string_view> enumerators(std::integer_sequence<int, values...>) {
+    return {enumerator<code(values)>()...};
+}
+
+struct DebugTest : testing::Test {
+    ~DebugTest() override { switchDebugCodes("-*"); }
+
+    Debug& debug = Debug::getInstance();
+    Output output;
+};
+
+TEST_F(DebugTest, EveryCodeHasItsNameAndDescription) {
+    constexpr std::string_view descriptions =
+        "Fabrication|SymmetricBrushing|Alt Diagonal Alg|Draw Sculpt Mesh Edges|Draw Mesh Vertex Normals|"
+        "Draw X section Box center|Draw Y section Box center|Draw Z section Box center|Draw Sculpt Chart Coloring|"
+        "Draw Skeleton Affinity|Draw Fab Slice Contours|Draw subdiv|Draw TopoMesh edges|Draw debug cnet info|Skeleton|"
+        "Tools|Undo|Resources|Manips|HUD|HUD Draw|HUD HitTest|Selection|Snapping|HistoryUpdate|History|"
+        "History New Prune Algorithm|History Debug File|DataModelAlg|Tessellation|Symmetry|DataModelDefn|HitTest|"
+        "DrawSelection|Materials|Animation|AsyncTask|CallStack1|CallStack2|Events|Cursors|Graphics Draw|RenCache|"
+        "RenDraw|RenVBO|Geometry|GLWidget|GL|QTouch|";
+    std::string all;
+    auto const names = enumerators(std::make_integer_sequence<int, NUM_CODES + 1>());
+    for (int i = 0; i <= NUM_CODES; ++i) {
+        all += std::string(Debug::describe(code(i)).view()) + (i < NUM_CODES ? "|" : "");
+        EXPECT_EQ(Debug::getCodeName(code(i)), names[static_cast<std::size_t>(i)]);
+        EXPECT_EQ(debug.findCodeByName(Debug::getCodeName(code(i))), code(i));
+    }
+    EXPECT_EQ(all, descriptions);
+    EXPECT_EQ(debug.findCodeByName("debug_fab"), NUM_CODES);
+    EXPECT_EQ(Debug::getActionDescription(DebugAction_CopyToITunes), "Copy To iTunes");
+    EXPECT_EQ(Debug::getActionDescription(DebugAction_CopyFromITunes), "Copy From iTunes");
+    EXPECT_EQ(Debug::getActionDescription(static_cast<DebugAction>(2)), "~ unknown ~");
+}
+
+TEST_F(DebugTest, ValuesThatAreNoCodeAreOffAndStaySo) {
+    int changes = 0;
+    urRTB::ScopedConnection const counting = debug.codeChanged.addCallback([&](DebugCode) { ++changes; });
+    urOS::DebugChannel on;
+    on.enable();
+    for (int const value : {-1, 49, 50, 1 << 30}) {
+        debug.enable(code(value));
+        debug.toggle(code(value));
+        debug.provideChannel(code(value), on);
+        EXPECT_FALSE(debug.isEnabled(code(value)));
+        debug.print_(code(value), "%s", "nothing");
+        EXPECT_EQ(Debug::describe(code(value)), value == 49 ? "" : "~ unknown ~");
+        EXPECT_EQ(Debug::getCodeName(code(value)), value == 49 ? "NUM_CODES" : "");
+    }
+    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(output.take(), "");
+}
+
+TEST_F(DebugTest, SwitchingTellsAndTheResourcesCodeSwitchesTheCacheToo) {
+    std::string told;
+    urRTB::ScopedConnection const telling = debug.codeChanged.addCallback([&](DebugCode changed) {
+        told += std::to_string(changed) + (debug.isEnabled(changed) ? "+ " : "- ");
+        // Handlers may switch in their turn, and hear of that as well.
+        if (changed == Debug_Undo && debug.isEnabled(Debug_Undo)) debug.toggle(Debug_Undo);
+    });
+    debug.toggle(Debug_Resources);
+    EXPECT_TRUE(debug.isEnabled(Debug_Resources) && urKRCache::debugChannel().isEnabled());
+    debug.toggle(Debug_Resources);
+    EXPECT_FALSE(debug.isEnabled(Debug_Resources) || urKRCache::debugChannel().isEnabled());
+    debug.enable(Debug_Undo);
+    debug.disable(Debug_Undo);
+    EXPECT_EQ(told, "17+ 17- 16+ 16- 16- ");
+    EXPECT_FALSE(urKRCache::debugChannel().isEnabled());
+}
+
+TEST_F(DebugTest, AProvidedChannelCountsFromThenOn) {
+    static urOS::DebugChannel provided;  // stays in use
+    provided.enable();
+    debug.provideChannel(code(5), provided);
+    EXPECT_TRUE(debug.isEnabled(code(5)));
+    debug.disable(code(5));
+    EXPECT_FALSE(provided.isEnabled());
+    debug.enable(code(5));
+    EXPECT_TRUE(provided.isEnabled());
+}
+
+TEST_F(DebugTest, LinesAreIndentedAndEndOnlyWhenAsked) {
+    debug.enable(Debug_Tools);
+    debug.incrementIndent();
+    debug.incrementIndent();
+    debug.print_(Debug_Tools, "%d%%", 1234);
+    EXPECT_EQ(output.take(), "    1234%");
+    DebugPrint("f", Debug_Tools)("%05d", 7);
+    EXPECT_EQ(output.take(), "    00007\n");
+    for (int i = 0; i < 3; ++i) debug.decrementIndent();  // once too often does no harm
+    debug.print_(Debug_Tools, "left");
+    EXPECT_EQ(output.take(), "left");
+    debug.incrementIndent();
+}
+
+void inner() {
+    DebugPrint print("ns::inner", Debug_Tools);
+    print("inner");
+}
+
+void middle() {
+    DebugPrint print("ns::middle", Debug_Tools);
+    print("middle");
+    inner();
+    std::string const sameName = "ns::middle";  // equal by content
+    DebugPrint again(sameName.c_str(), Debug_Tools);
+    again("middle again");
+    inner();
+}
+
+TEST_F(DebugTest, PrintersOfNestedFunctionsIndentAndThoseOfOneFunctionDoNot) {
+    debug.enable(Debug_Tools);
+    DebugPrint early("early", Debug_Undo);  // off when made
+    debug.enable(Debug_Undo);
+    for (int round = 0; round < 2; ++round) {
+        DebugPrint print("ns::outer", Debug_Tools);
+        DebugPrint const silent("ns::silent", Debug_Tools);
+        print("outer");
+        early("never");
+        middle();
+        print("outer %s", "ends");
+        EXPECT_EQ(output.take(), "outer\n  middle\n    inner\n    middle again\n    inner\n  outer ends\n");
+    }
+    EXPECT_EQ(debug.indent(), 0);
+}
+
+TEST_F(DebugTest, ListsSwitchCodesFromLeftToRight) {
+    struct Case {
+        std::string_view list;
+        std::vector<int> on;
+        std::string unknown;
+    };
+    Case const cases[] = {
+        {"", {}, ""},
+        {"Debug_Undo,17", {16, 17}, ""},
+        {" Debug_GL ,, 0 ,\t", {0, 47}, ""},
+        {"Debug_Undo,3,-Debug_Undo, - 3,48", {48}, ""},
+        {"*,-*,5", {5}, ""},
+        {"-4", {}, ""},
+        {"Debug_Undoo,Undo", {}, "Debug_Undoo:Debug_Undo Undo:Debug_Undo "},
+        {"resource,-hitest,49", {}, "resource:Debug_Resources hitest:Debug_HitTest 49:Debug_QTouch "},
+        {"99999999999999999999,7", {7}, "99999999999999999999:Debug_QTouch "},
+        {"debug_fab,--1,-", {}, "debug_fab:Debug_Fab -1:Debug_GL "},
+    };
+    for (auto const& [list, on, expected] : cases) {
+        switchDebugCodes("-*");
+        std::string unknown;
+        for (auto const& [entry, nearest] : switchDebugCodes(list))
+            unknown += std::string(entry.view()) + ':' + Debug::getCodeName(nearest).c_str() + ' ';
+        std::vector<int> enabled;
+        for (int i = 0; i < NUM_CODES; ++i)
+            if (debug.isEnabled(code(i))) enabled.push_back(i);
+        EXPECT_EQ(enabled, on) << list;
+        EXPECT_EQ(unknown, expected) << list;
+    }
+    switchDebugCodes("*,-1");
+    EXPECT_TRUE(debug.isEnabled(code(0)) && !debug.isEnabled(code(1)) && debug.isEnabled(code(48)));
+    EXPECT_EQ(switchDebugCodes(std::string(1000000, 'x')).size(), 1);
+}
+
+}  // namespace
+}  // namespace nxSupport

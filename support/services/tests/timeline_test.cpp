@@ -1,0 +1,161 @@
+// Time lines: what is recorded, and the trace that is written.
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "foundation/urOS/MemoryIOStream.h"
+#include "foundation/urThread/RunQueue.h"
+#include "krcache/Manager.h"
+#include "plst/Array.h"
+#include "plst/Dictionary.h"
+#include "plst/Double.h"
+#include "plst/String.h"
+#include "plst/casts.h"
+#include "plst/json.h"
+#include "support/messaging/Domain.h"
+#include "support/services/PerfScope.h"
+#include "support/services/Timeline.h"
+
+namespace nxSupport {
+namespace {
+
+struct Blob : urKRCache::Resource {
+    unsigned onGetSizeInBytes() const override { return 100; }
+};
+
+struct MeshKey : urKRCache::KeyData {
+    int onCompare(KeyData const*) const override { return 0; }
+    unsigned onHash() const override { return 1; }
+    ur::Reference<urKRCache::Resource> onCreateResource() const override { return ur::make<Blob>(); }
+};
+
+class Host : public Domain {
+public:
+    Host() : Domain(nullptr) {}
+    urThread::RunQueue& runQueue() override { return queue; }
+
+    urThread::RunQueue queue;
+
+protected:
+    void onBeginContext(Context const&) override {}
+    void onEndContext(Context const&) override {}
+    void onCallInfoCreated(CallInfo*, bool) override {}
+    void onCallInfoDestroyed(CallInfo*) override {}
+};
+
+using nxPLST::asDictionary;
+
+/// The trace as the library's own reader sees it.
+class Trace {
+public:
+    explicit Trace(Timeline const& timeline) {
+        urOS::MemoryIOStream stream;
+        static_cast<void>(stream.open(urOS::openForWriting));
+        EXPECT_TRUE(timeline.write(stream).ok());
+        ur::Reference<nxPLST::Item> item;
+        EXPECT_TRUE(nxPLST::convertFromJSON(item, stream.contents()));
+        root_ = asDictionary(item);
+    }
+
+    /// Of each event in turn, phase and name; the two that name the tracks come first.
+    [[nodiscard]] std::string events() const {
+        std::string all;
+        for (std::size_t i = 2; i < size(); ++i) all += text(i, "ph") + ' ' + text(i, "name") + '\n';
+        return all;
+    }
+    [[nodiscard]] std::string text(std::size_t i, char const* member) const {
+        auto const value = nxPLST::asString(at(i)->get(member));
+        return value ? std::string(value->value().view()) : "?";
+    }
+    [[nodiscard]] double number(std::size_t i, char const* member) const {
+        auto const value = nxPLST::asDouble(at(i)->get(member));
+        return value ? value->value() : -1;
+    }
+    [[nodiscard]] ur::Reference<nxPLST::Dictionary const> at(std::size_t i) const {
+        return asDictionary((*nxPLST::asArray(root_->get("traceEvents")))[static_cast<int>(i)]);
+    }
+    [[nodiscard]] std::size_t size() const { return nxPLST::asArray(root_->get("traceEvents"))->size(); }
+    [[nodiscard]] double dropped() const {
+        return nxPLST::asDouble(asDictionary(root_->get("otherData"))->get("dropped"))->value();
+    }
+
+private:
+    ur::Reference<nxPLST::Dictionary const> root_;
+};
+
+TEST(Timeline, RecordsEveryKindOfEventAndWritesATrace) {
+    Timeline timeline;
+    Timeline::setActive(&timeline);
+    Host host;
+    host.setContextObserver(&timeline);
+    urKRCache::Manager manager(urString::IString(std::filesystem::temp_directory_path().c_str()));
+    manager.setObserver(&timeline);
+    PerfScope frame;
+    {
+        Context const edit(&host, Context::Momentary);
+        frame.charge(Perf_TaskPreBat);
+        ScriptCallScope const call("main.lua:\"run\"\n\xff");
+        auto const shim = manager.getShim(ur::make<MeshKey>(), urKRCache::Shim::Retained);
+        manager.accessResource(shim);
+        Context const look(&host, Context::Const);
+        manager.clear();
+    }
+    frame.charge(Perf_DrawTotal);  // goes on
+    Context const unfinished(&host, Context::Bare);
+
+    Trace const trace(timeline);
+    EXPECT_EQ(
+        trace.events(),
+        "X Momentary\nX TASK PreBat\nX main.lua:\"run\"\n\xef\xbf\xbd\nX build nxSupport::(anonymous "
+        "namespace)::MeshKey\nX Const\ni drop nxSupport::(anonymous namespace)::MeshKey\nB Draw (total)\nB Bare\n");
+    EXPECT_EQ(timeline.eventCount(), 8);
+    for (std::size_t i = 3; i < trace.size(); ++i) {
+        EXPECT_GE(trace.number(i, "ts"), trace.number(i - 1, "ts"));
+        EXPECT_EQ(trace.number(i, "dur") >= 0, trace.text(i, "ph") == "X");
+        EXPECT_EQ(trace.number(i, "tid"), trace.text(i, "cat") == "performance" ? 2 : 1);
+    }
+    double const end = trace.number(2, "ts") + trace.number(2, "dur");
+    EXPECT_LE(trace.number(6, "ts") + trace.number(6, "dur"), end + 0.002) << "what is inside ends before";
+    EXPECT_EQ(nxPLST::asDouble(asDictionary(trace.at(5)->get("args"))->get("bytes"))->value(), 100);
+    EXPECT_EQ(nxPLST::asString(asDictionary(trace.at(7)->get("args"))->get("why"))->value(), "request");
+    host.setContextObserver(nullptr);
+    manager.setObserver(nullptr);
+}
+
+TEST(Timeline, ScriptCallsLeftByAnErrorEndTogether) {
+    Timeline timeline;
+    Timeline::setActive(&timeline);
+    {
+        ScriptCallScope const outer("outer");
+        for (char const* name : {"a", "b", "a"}) timeline.beginScriptCall(name);
+        EXPECT_EQ(timeline.scriptDepth(), 4);
+        timeline.endScriptCalls(3);
+        timeline.endScriptCalls(3);
+        EXPECT_EQ(timeline.scriptDepth(), 3);
+    }
+    EXPECT_EQ(timeline.scriptDepth(), 0);
+    EXPECT_EQ(Trace(timeline).events(), "X outer\nX a\nX b\nX a\n");
+}
+
+TEST(Timeline, KeepsNoMoreThanItsLimitAndForgetsNothingOnTheWayOut) {
+    {
+        Timeline timeline(3);
+        Timeline::setActive(&timeline);
+        PerfScope scope;
+        ScriptCallScope const outer("outer");
+        for (int i = 0; i < 4; ++i) {
+            ScriptCallScope const call(std::to_string(i));
+            scope.charge(i % 2 == 0 ? Perf_DrawInit : Perf_Tumble);
+        }
+        timeline.onBuildEnd(1);  // of a build that had begun before
+        timeline.onLeave(ur::TypeInfo::of<int>(), 1, urKRCache::Leaving::limit);
+        Trace const trace(timeline);
+        EXPECT_EQ(trace.events(), "B outer\nX 0\nX Draw Init\n");
+        EXPECT_EQ(trace.dropped(), 7);
+        EXPECT_EQ(timeline.droppedCount(), 7);
+    }
+    EXPECT_EQ(Timeline::active(), nullptr);
+}
+
+}  // namespace
+}  // namespace nxSupport
