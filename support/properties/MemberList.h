@@ -4,10 +4,38 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
+#include "foundation/ur/NodeHeap.h"
+#include "foundation/ur/Reference.h"
 #include "foundation/ur/containers.h"
 
 namespace nxSupport {
+
+/// What lists hold in place of a member: one that goes while a list still names it leaves its seat empty. Undo may
+/// bring back a list that does, when members were moved by changes that are not recorded. Shared by the member, which
+/// is its only occupant, and the lists.
+template <class Member>
+class MemberSeat {
+public:
+    explicit MemberSeat(Member& occupant) noexcept : occupant_(&occupant) {}
+    void ref() const noexcept { ++holders_; }
+    void unref() const noexcept {
+        if (--holders_ == 0) delete this;
+    }
+    static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
+    static void operator delete(void* seat, std::size_t bytes) noexcept { ur::deallocateNode(seat, bytes); }
+
+    [[nodiscard]] Member* occupant() const noexcept { return occupant_; }
+    void vacate() noexcept { occupant_ = nullptr; }
+
+    std::uint32_t slot = 0;  ///< in the list that it was added to last
+    bool stayed = false;     ///< in that list, though the last `assign` did not name it
+
+private:
+    Member* occupant_;
+    mutable std::uint32_t holders_ = 0;
+};
 
 /// Members in the order in which they were added; it does not own them.
 ///
@@ -17,38 +45,65 @@ template <class Member>
 class MemberList {
 public:
     void add(Member& member) {
-        slots_.push_back(&member);
-        member.slot_ = static_cast<std::uint32_t>(slots_.size() - 1);
+        if (untidy_) remove(member);
+        add(*member.seat_);
     }
     /// The first occurrence; nothing when there is none.
     void remove(Member& member) noexcept {
         std::size_t const slot = find(member);
         if (slot == slots_.size()) return;
-        slots_[slot] = nullptr;
-        ++gone_;
-        if (walks_ == 0) closeGaps();
+        empty(slot);
+        closeGaps();
     }
-    /// Makes these the members. A list that is walked keeps its slots, and gets new ones behind them.
-    void assign(ur::vector<Member*> const& members) {
+    /// Makes these the members, and behind them those that are members already and that `stays`. A list that is
+    /// walked keeps its slots, and gets new ones behind them.
+    template <class Stays>
+    void assign(ur::vector<Member*> const& members, Stays stays) {
         if (equals(members)) return;
-        assigned_ = true;
-        if (walks_ == 0) slots_.clear();
-        std::fill(slots_.begin(), slots_.end(), nullptr);
-        gone_ = slots_.size();
-        for (Member* member : members) add(*member);
+        auto const former = slots_;
+        clear();
+        for (Member* member : members) add(*member->seat_);
+        for (auto const& seat : former) {
+            Member* const member = seat ? seat->occupant() : nullptr;
+            if (!member || at(seat->slot) == member || !stays(*member)) continue;
+            add(*seat);
+            seat->stayed = true;
+        }
+        assigned_ = untidy_ = true;
+    }
+    /// A member may have moved elsewhere without being removed.
+    void expectStrays() noexcept { untidy_ = true; }
+    void clear() noexcept {
+        for (std::size_t slot = 0; slot < slots_.size(); ++slot) empty(slot);
+        closeGaps();
+    }
+    /// Leaves each of those that `stays` in the list, once. To be called when all is in place again.
+    template <class Stays>
+    void tidy(Stays stays) {
+        for (std::size_t slot = 0; slot < slots_.size(); ++slot) {
+            Member const* const member = at(slot);
+            if (member && !(stays(*member) && find(*member) == slot)) empty(slot);
+        }
+        untidy_ = false;
+        closeGaps();
     }
 
-    [[nodiscard]] std::size_t size() const noexcept { return slots_.size() - gone_; }
-    [[nodiscard]] bool empty() const noexcept { return size() == 0; }
+    [[nodiscard]] bool contains(Member const& member) const noexcept { return find(member) != slots_.size(); }
+    [[nodiscard]] std::size_t size() const noexcept {
+        return static_cast<std::size_t>(
+            std::count_if(slots_.begin(), slots_.end(), [](auto const& seat) { return seat && seat->occupant(); }));
+    }
     [[nodiscard]] std::size_t slotCount() const noexcept { return slots_.size(); }
     /// Whether the members were ever assigned, and not only added one by one.
     [[nodiscard]] bool assigned() const noexcept { return assigned_; }
     /// Null where a member was removed, and beyond the last slot.
-    [[nodiscard]] Member* at(std::size_t slot) const noexcept { return slot < slots_.size() ? slots_[slot] : nullptr; }
+    [[nodiscard]] Member* at(std::size_t slot) const noexcept {
+        return slot < slots_.size() && slots_[slot] ? slots_[slot]->occupant() : nullptr;
+    }
     template <class Visit>
     void forEach(Visit visit) const {
-        for (Member* member : slots_) {
-            if (member) visit(*member);
+        for (auto const& seat : slots_) {
+            if (seat && seat->occupant()) visit(*seat->occupant());
         }
     }
 
@@ -58,15 +113,29 @@ public:
     }
 
 private:
-    // The member knows where it is, unless undo has brought back a list that it was in before.
+    using Seat = MemberSeat<Member>;
+
+    void add(Seat& seat) {
+        slots_.emplace_back(&seat);
+        seat.slot = static_cast<std::uint32_t>(slots_.size() - 1);
+        seat.stayed = false;
+    }
+    void empty(std::size_t slot) noexcept {
+        if (!slots_[slot]) return;
+        slots_[slot].reset();
+        ++gone_;
+    }
+    // The seat knows where it is, unless undo has brought back a list that it was in before.
     [[nodiscard]] std::size_t find(Member const& member) const noexcept {
-        if (at(member.slot_) == &member) return member.slot_;
-        return static_cast<std::size_t>(std::find(slots_.begin(), slots_.end(), &member) - slots_.begin());
+        if (at(member.seat_->slot) == &member) return member.seat_->slot;
+        return static_cast<std::size_t>(std::find(slots_.begin(), slots_.end(), member.seat_) - slots_.begin());
     }
     [[nodiscard]] bool equals(ur::vector<Member*> const& members) const noexcept {
-        return gone_ == 0 && slots_ == members;
+        return std::equal(slots_.begin(), slots_.end(), members.begin(), members.end(),
+                          [](auto const& seat, Member const* member) { return seat && seat->occupant() == member; });
     }
     void closeGaps() noexcept {
+        if (walks_ > 0) return;
         while (!slots_.empty() && !slots_.back()) {
             slots_.pop_back();
             --gone_;
@@ -74,13 +143,14 @@ private:
         if (gone_ <= slots_.size() / 2) return;
         slots_.erase(std::remove(slots_.begin(), slots_.end(), nullptr), slots_.end());
         gone_ = 0;
-        for (std::size_t i = 0; i < slots_.size(); ++i) slots_[i]->slot_ = static_cast<std::uint32_t>(i);
+        for (std::size_t i = 0; i < slots_.size(); ++i) slots_[i]->slot = static_cast<std::uint32_t>(i);
     }
 
-    ur::vector<Member*> slots_;
+    ur::vector<ur::Reference<Seat>> slots_;
     std::size_t gone_ = 0;  // empty slots
     unsigned walks_ = 0;
     bool assigned_ = false;
+    bool untidy_ = false;  // may name members twice, or some that have moved elsewhere
 };
 
 }  // namespace nxSupport

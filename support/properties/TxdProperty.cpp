@@ -21,7 +21,7 @@ TxdProperty::TxdProperty(nxTXN::Manager& manager, urString::CString const& name,
     data_->add(*this);
 }
 
-TxdProperty::~TxdProperty() = default;
+TxdProperty::~TxdProperty() { seat_->vacate(); }
 
 void TxdProperty::attachData(ur::Reference<TxdPropertyData> const& data) {
     if (!isTxnExtant()) return;
@@ -34,15 +34,26 @@ void TxdProperty::attachData(ur::Reference<TxdPropertyData> const& data) {
     send(ModifyEnd);
 }
 
+// The reference triple for `data_`. The data object that reading leaves is told, for it may not be put back itself.
+nxTXN::FieldHandlers const TxdProperty::dataHandlers = {
+    [](nxTXN::Writer& writer, void const* field) { write(writer, static_cast<TxdProperty const*>(field)->data_); },
+    [](nxTXN::Reader& reader, void* field) {
+        auto& property = *static_cast<TxdProperty*>(field);
+        if (property.data_) property.data_->members().expectStrays();
+        read(reader, property.data_);
+    },
+    [](nxTXN::Clear& cleared, void* field) { clear(cleared, static_cast<TxdProperty*>(field)->data_); }};
+
 void TxdProperty::onTransact(nxTXN::Serializer& serializer) {
     serializer.beginObject(this, nullptr);
     RefCountedObject::onTransact(serializer);
-    serializer.field(data_);
+    serializer.field(this, &dataHandlers);
     serializer.endObject(this);
 }
 
 void TxdProperty::onTxnModified() {
     RefCountedObject::onTxnModified();
+    if (data_ && !data_->members().contains(*this)) data_->members().add(*this);
     txnModified_.emit(ur::Reference<Property>(this));
 }
 

@@ -30,6 +30,10 @@ public:
 
     /// The shared value; null only when the manager has gone.
     [[nodiscard]] ur::Reference<TxdPropertyData> const& data() const noexcept { return data_; }
+    /// Whether it shares the value whose members these are.
+    [[nodiscard]] bool isIn(MemberList<TxdProperty> const& members) const noexcept {
+        return data_ && &data_->members() == &members;
+    }
     /// Moves this property to those that share `data`, and tells its own listeners all three stages.
     void attachData(ur::Reference<TxdPropertyData> const& data);
 
@@ -45,9 +49,11 @@ private:
     template <class Member>
     friend class MemberList;
 
+    static nxTXN::FieldHandlers const dataHandlers;
+
+    ur::Reference<MemberSeat<TxdProperty>> const seat_ = ur::make<MemberSeat<TxdProperty>>(*this);
     ur::Reference<TxdPropertyData> data_;
     TxnModifiedSignal txnModified_;
-    std::uint32_t slot_ = 0;  // where its data's member list has it, most likely
 };
 
 }  // namespace nxSupport

@@ -22,9 +22,11 @@ static void write(Writer& writer, nxSupport::MemberList<nxSupport::TxdProperty> 
 static void read(Reader& reader, nxSupport::MemberList<nxSupport::TxdProperty>& members) {
     ur::vector<nxSupport::TxdProperty*> list;
     read(reader, list);
-    members.assign(list);
+    std::erase(list, nullptr);  // those whose manager has gone
+    // What became a member unrecorded stays one. Whether a member has moved shows when all fields are in place.
+    members.assign(list, [&members](nxSupport::TxdProperty const& member) { return member.isIn(members); });
 }
-static void clear(Clear& /*cleared*/, nxSupport::MemberList<nxSupport::TxdProperty>& members) { members.assign({}); }
+static void clear(Clear& /*cleared*/, nxSupport::MemberList<nxSupport::TxdProperty>& members) { members.clear(); }
 
 }  // namespace nxTXN
 
@@ -96,6 +98,9 @@ void TxdPropertyData::mirrorRestored() {
 
 void TxdPropertyData::onTxnModified() {
     RefCountedObject::onTxnModified();
+    properties_.tidy([this](TxdProperty const& member) {
+        return member.isIn(properties_) && (member.isTxnExtant() || !member.seat_->stayed);
+    });
     for (impl::MemberWalk<TxdPropertyData> members(this); members.valid(); members.next()) {
         ur::Reference<TxdProperty> const member(members.member());
         if (member && member->isTxnExtant()) member->txnModified_.emit(member);

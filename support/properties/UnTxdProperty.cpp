@@ -17,7 +17,10 @@ UnTxdProperty::UnTxdProperty(urString::CString const& name, ur::Reference<UnTxdP
     data_->add(*this);
 }
 
-UnTxdProperty::~UnTxdProperty() { data_->remove(*this); }
+UnTxdProperty::~UnTxdProperty() {
+    data_->remove(*this);
+    seat_->vacate();
+}
 
 void UnTxdProperty::attachData(ur::Reference<UnTxdPropertyData> const& data) {
     send(ModifyStart);

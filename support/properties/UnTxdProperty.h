@@ -38,7 +38,7 @@ private:
     ~UnTxdProperty() override;
 
     mutable std::int32_t refCount_ = 0;
-    std::uint32_t slot_ = 0;  // where its data's member list has it
+    ur::Reference<MemberSeat<UnTxdProperty>> const seat_ = ur::make<MemberSeat<UnTxdProperty>>(*this);
     ur::Reference<UnTxdPropertyData> data_;
 };
 

@@ -16,7 +16,9 @@ ur::vector<ur::Reference<Member>> snapshot(Data* data) {
     ur::vector<ur::Reference<Member>> members;
     if (!data) return members;
     members.reserve(data->members().size());
-    data->members().forEach([&members](Member& member) { members.emplace_back(&member); });
+    data->members().forEach([&](Member& member) {
+        if (member.data() == data) members.emplace_back(&member);
+    });
     return members;
 }
 

@@ -62,9 +62,10 @@ private:
         current_ = nullptr;
     }
 
-    // Undo may list a property that nobody holds any more, until its history lets go of it: that is no member.
+    // Undo may list a property that has moved elsewhere unrecorded, or that nobody holds any more: those are no
+    // members.
     [[nodiscard]] bool takesPart(TxdProperty const& member) const noexcept {
-        return !txd_.data()->members().assigned() || member.isTxnExtant();
+        return member.data() == txd_.data() && (!txd_.data()->members().assigned() || member.isTxnExtant());
     }
 
     PropertyHold start_;

@@ -206,6 +206,25 @@ TEST_F(Storage, AMemberDroppedInAStepLeavesTheSetAndIsNotToldAgain) {
     EXPECT_EQ(dynamic_cast<TxdProperty const&>(*p).data()->members().size(), 1U);
 }
 
+TEST_F(Storage, UndoKeepsMembersThatCameUnrecordedAndDropsThoseThatLeftUnrecorded) {
+    auto const p = txd("p", number(1));
+    auto q = follow(p->cloneTxd(manager, "q"));
+    auto const other = txd("o", number(7));
+    edit(manager, [&] { p->setValue(number(2)); });
+    dynamic_cast<TxdProperty&>(*q).attachData(dynamic_cast<TxdProperty&>(*other).data());
+    auto const late = follow(p->cloneTxd(manager, "l"));
+    manager.undo();
+    heard.clear();
+    p->setValue(number(3));
+    EXPECT_EQ(heard.take(), "l:start l:perform l:end");
+    other->setValue(number(8));
+    EXPECT_EQ(heard.take(), "q:start q:perform q:end");
+    manager.redo();
+    q.reset();
+    late->setValue(number(4));
+    EXPECT_EQ(numberOf(*p), 4);
+}
+
 TEST_F(Storage, PropertiesSurviveTheirManagerAsEmptyShells) {
     auto own = std::make_unique<nxTXN::Manager>();
     auto const p = Property::createTxd(*own, "p", number(1));
