@@ -6,6 +6,7 @@
 #include "foundation/nxRFL/ExposeClass.h"
 #include "foundation/ur/hashfunction.h"
 #include "foundation/urOS/IOStream.h"
+#include "support/services/Timeline.h"
 #include "tools/nxhost/required.h"
 
 namespace nxhost {
@@ -61,6 +62,7 @@ protected:
             nxRFL::Writer writer(arguments);
             writer.writeText(Resource(*source_->manager(), source_).text());
         }
+        nxSupport::ScriptCallScope const call(name_);
         build_->call(arguments, results);
         nxRFL::Reader reader(results);
         CString const& text = reader.readText();

@@ -2,6 +2,7 @@
 #include "tools/nxhost/Connection.h"
 
 #include "foundation/nxRFL/ExposeClass.h"
+#include "support/services/Timeline.h"
 
 namespace nxhost {
 
@@ -13,6 +14,7 @@ CString Connection::responseHeader(CString const& name) const {
 }
 
 void Connection::tell(TransferNews news) {
+    nxSupport::ScriptCallScope const call("connection");
     std::visit([this](auto& what) { on(what); }, news);
 }
 

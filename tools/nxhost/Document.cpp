@@ -3,6 +3,9 @@
 
 #include "foundation/nxRFL/ExposeClass.h"
 #include "foundation/nxTXN/Transaction.h"
+#include "support/services/DebugPrint.h"
+#include "support/services/PerfScope.h"
+#include "support/services/Timeline.h"
 #include "tools/nxhost/required.h"
 
 namespace nxhost {
@@ -58,10 +61,25 @@ ur::vector<CString> Document::names() const {
 
 void Document::edit(CString const& name, Reference<Function> const& function) {
     requireFunction(function != nullptr, "nxhost::Document.edit", 2);
+    nxSupport::PerfScope time;
+    time.charge(nxSupport::Perf_UpdateDoc);
+    nxSupport::ScriptCallScope const call(name);
     nxTXN::Transaction transaction(history_, name);
     nxRFL::Stack results;
     function->call({}, results);
     transaction.commit();
+}
+
+bool Document::undo() {
+    nxSupport::DebugPrint print("nxhost::Document::undo", nxSupport::Debug_Undo);
+    print("Undoing \"%s\".", history_.undoName().c_str());
+    return history_.undo();
+}
+
+bool Document::redo() {
+    nxSupport::DebugPrint print("nxhost::Document::redo", nxSupport::Debug_Undo);
+    print("Redoing \"%s\".", history_.redoName().c_str());
+    return history_.redo();
 }
 
 void Document::listen(CString const& name, Reference<Function> const& function) {

@@ -30,8 +30,8 @@ public:
 
     /// Calls `function`; what it changes is one step, or is taken back when it fails.
     void edit(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
-    bool undo() { return history_.undo(); }
-    bool redo() { return history_.redo(); }
+    bool undo();
+    bool redo();
 
     /// Calls `function` with the name and the value after each change, undo and redo included.
     void listen(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);

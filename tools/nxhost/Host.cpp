@@ -11,9 +11,10 @@
 #include "support/messaging/AppInitMsg.h"
 #include "support/messaging/InitializeLuaMsg.h"
 #include "support/messaging/InitializeReflectionMsg.h"
+#include "support/services/PerfScope.h"
+#include "support/services/Timeline.h"
 #include "tools/nxhost/Cache.h"
 #include "tools/nxhost/required.h"
-#include "tools/nxhost/statistics.h"
 
 namespace nxhost {
 
@@ -35,11 +36,24 @@ constexpr char const* prelude = R"lua(
     if os.exit then os.exit = function(code) exit(code or 0) end end
 )lua";
 
+/// What the table `host` holds beside its functions.
+constexpr struct {
+    char const* name;
+    char const* type;
+} values[] = {{"domain", "nxSupport::Domain"},
+              {"network", "nxNet::Manager"},
+              {"registry", "nxSupport::Registry"},
+              {"document", "nxhost::Document"},
+              {"cache", "urKRCache::Manager"}};
+
 /// A script's function that waits for its turn in the run queue.
 class Later final : public urThread::Runnable {
 public:
     explicit Later(std::function<void()> function) : function_(std::move(function)) {}
-    void run() override { function_(); }
+    void run() override {
+        nxSupport::ScriptCallScope const call("later");
+        function_();
+    }
 
 private:
     std::function<void()> function_;
@@ -69,7 +83,8 @@ CString packagePath(std::string_view places) {
 
 // The order is that of the library's start-up: domain, broadcaster and cache exist; a context makes the call
 // information, into which the domain puts the services; the library subscribes; then the two messages.
-Host::Host(Options const& options) : arguments_(options.arguments), loop_(options.network) {
+Host::Host(Options const& options)
+    : arguments_(options.arguments), loop_(options.network), diagnostics_(options, domain_, cache_, history_) {
     theCache = &cache_;
     urKRCache::setCacheManagerFunc([] { return theCache; });
     cache_.setMemoryLimit64(options.cacheLimit);
@@ -121,7 +136,7 @@ void Host::registerFunctions(nxRFL::Database& database) {
         .add("turn", [this] { return turn(); })
         .add("later", [this](std::function<void()> function) { later(std::move(function)); })
         .add("exit", [this](int code) { exit(code); })
-        .add("statistics", [this] { return statisticsText(cache_, history_); });
+        .add("statistics", [this] { return diagnostics_.statistics(); });
 }
 
 void Host::openState(Options const& options) {
@@ -155,7 +170,23 @@ void Host::call(char const* chunk, nxRFL::Stack const& arguments) {
     if (auto const error = state_->run(chunk, "=nxhost", arguments, results)) throw *error;
 }
 
+CString Host::listing(nxRFL::ListingFormat format) const {
+    CString text = nxRFL::listing(database_, format);
+    if (format == nxRFL::ListingFormat::json) return text;
+    bool const forEditors = format == nxRFL::ListingFormat::luaStubs;
+    for (auto const& [name, type] : values) {
+        CString className = type;
+        if (forEditors) className.replace("::", ".");
+        text += CString::format(forEditors ? "---@type %s\nhost.%s = nil\n" : "value %s host.%s\n", className.c_str(),
+                                name);
+    }
+    return text;
+}
+
 bool Host::run(std::string_view source, CString const& name) {
+    nxSupport::PerfScope time;
+    time.charge(nxSupport::Perf_TaskExecute);
+    nxSupport::ScriptCallScope const call(name.view().substr(1));  // without the mark of a chunk's name
     nxRFL::Stack arguments;
     nxRFL::Stack results;
     nxRFL::Writer writer(arguments);

@@ -13,6 +13,7 @@
 #include "support/messaging/Broadcaster.h"
 #include "support/services/Registry.h"
 #include "tools/nxhost/Connection.h"
+#include "tools/nxhost/Diagnostics.h"
 #include "tools/nxhost/Document.h"
 #include "tools/nxhost/HostDomain.h"
 #include "tools/nxhost/Loop.h"
@@ -36,6 +37,9 @@ public:
     [[nodiscard]] HostDomain& domain() noexcept { return domain_; }
     [[nodiscard]] nxRFL::Database& database() noexcept { return database_; }
     [[nodiscard]] nxLC::State& state() noexcept { return *state_; }
+    [[nodiscard]] Diagnostics const& diagnostics() const noexcept { return diagnostics_; }
+    /// Everything that scripts see, with the values in the table `host`.
+    [[nodiscard]] urString::CString listing(nxRFL::ListingFormat format) const;
 
     /// Runs a script with the arguments of the command line. False when it failed, which has been reported.
     bool run(std::string_view source, urString::CString const& name);
@@ -80,6 +84,7 @@ private:
     nxSupport::Registry registry_;
     Network network_{loop_.transfers()};
     Document document_{history_, domain_};
+    Diagnostics diagnostics_;
     std::unique_ptr<nxLC::State> state_;
 };
 

@@ -67,6 +67,9 @@ constexpr Option options[] = {
      [](Options& o, std::string_view value) { o.network.schemes.emplace_back(value); }},
     {"--authorities", "FILE", "trust the certificates in FILE instead of the system's",
      [](Options& o, std::string_view value) { o.network.authorities = value; }},
+    {"--trace", "FILE", "write a time line for trace viewers to FILE",
+     [](Options& o, std::string_view value) { o.traceFile = value; }},
+    {"--stats", "", "print times and counters at the end", [](Options& o, std::string_view) { o.statistics = true; }},
     {"--help", "", "print this help", nullptr},
     {"--version", "", "print the version", nullptr},
 };
@@ -75,6 +78,7 @@ constexpr struct {
     std::string_view name;
     std::string_view meaning;
 } variables[] = {
+    {"NX_DEBUG", "debug codes to switch on: names or numbers separated by \",\", \"*\", or off: \"-name\""},
     {"NX_LUA_PATH", "where `require` looks first: folders or Lua's patterns, separated by \";\""},
     {"NX_UNDO_LIMIT", "how many steps can be undone"},
     {"NX_UNDO_MEMORY_LIMIT", "how many bytes they may take: a number, or one with K, M or G"},
@@ -127,6 +131,7 @@ void readEnvironment(Options& result) {
         char const* const text = nxSupport::env(code);
         return std::string_view(text ? text : "");
     };
+    result.debugCodes = variable(nxSupport::EnvVar_Debug);
     result.scriptPath = variable(nxSupport::EnvVar_LuaPath);
     if (auto const text = variable(nxSupport::EnvVar_UndoLimit); !text.empty())
         result.undoSteps = numberIn<std::size_t>(text, "NX_UNDO_LIMIT");

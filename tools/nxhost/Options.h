@@ -38,7 +38,10 @@ struct Options {
     nxLC::Limits limits;
     std::uint64_t cacheLimit = 256 << 20;  ///< bytes; 0 for none
     NetworkOptions network;
+    std::string traceFile;  ///< empty for none
+    bool statistics = false;
 
+    std::string debugCodes;      ///< NX_DEBUG
     std::string scriptPath;      ///< NX_LUA_PATH
     std::size_t undoSteps = 0;   ///< NX_UNDO_LIMIT; 0 for none
     std::size_t undoMemory = 0;  ///< NX_UNDO_MEMORY_LIMIT, bytes; 0 for none

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "foundation/nxRFL/Writer.h"
+#include "support/services/Timeline.h"
 #include "tools/nxhost/Host.h"
 
 namespace nxhost {
@@ -75,6 +76,7 @@ void Prompt::evaluate(Reference<Function> const& chunk) const {
     nxRFL::Stack results;
     nxRFL::Writer writer(arguments);
     writer.writeFunction(chunk);
+    nxSupport::ScriptCallScope const call("prompt");
     try {
         show_->call(arguments, results);
     } catch (Exception const& error) {

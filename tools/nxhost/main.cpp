@@ -66,10 +66,11 @@ void runScripts(Host& host, Options const& options) {
 int run(Options const& options) {
     Host host(options);
     if (options.listing) {
-        urOS::AppOutput::getInstance().write(nxRFL::listing(host.database(), *options.listing));
+        urOS::AppOutput::getInstance().write(host.listing(*options.listing));
     } else {
         runScripts(host, options);
     }
+    check(host.diagnostics().finish());
     return host.exitCode();
 }
 

@@ -68,6 +68,8 @@ USAGE = [  # arguments, standard input, exit code, what is in the output
     (["--version"], "", 0, "nxhost 0."),
     (["--help"], "", 0, "NX_UNDO_MEMORY_LIMIT"),
     (["--list"], "", 0, "\nclass nxhost::Connection: nxNet::Connection\n"),
+    (["--trace", "/nowhere/trace.json", "-e", ""], "", 2, "nxhost: /nowhere/trace.json: No such file or directory"),
+    (["--list"], "", 0, "\nvalue nxhost::Document host.document\n"),
     (["--list", "--stubs"], "", 0, "\n---@class nxhost.Connection : nxNet.Connection\n"),
 ]
 
@@ -78,6 +80,42 @@ def misused(nxhost):
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         if run.returncode != code or expected not in run.stdout:
             yield f"nxhost {arguments} exits with {run.returncode} and prints {run.stdout!r}"
+
+
+TRACED = """
+host.document:edit("Paint", function() host.document:set("size", 1) end)
+host.document:undo()
+print(host.cache:resource("brush", function() return "text" end).text)
+host.cache:clear()
+nxSupport.Context.exec(host.domain, "Const", function() end)
+host.later(function() end)
+"""
+EVENTS = {("context", "Undecided"), ("context", "Const"), ("script", "-e"), ("script", "Paint"), ("script", "brush"),
+          ("script", "later"), ("cache", "build"), ("cache", "drop"), ("performance", "TASK Execute"),
+          ("performance", "Update Doc")}
+COUNTS = r"""nxhost: NX_DEBUG: there is no Debug_Undoo; do you mean Debug_Undo\?
+TASK Execute \.\.\. = 0\.\d+
+Update Doc = 0\.\d+
+cache    0 bytes in memory, 4 at most, of 268435456; 1 keys
+         0 hits, 1 builds, 0 evictions, 0 pages out, 0 pages in
+history  0 steps to undo, 1 to redo, \d+ bytes
+"""
+
+
+def undiagnosed(nxhost, folder):
+    """What NX_DEBUG, --stats and --trace fail to show."""
+    trace = Path(folder) / "trace.json"
+    run = subprocess.run([nxhost, "--stats", "--trace", trace, "-e", TRACED], timeout=SECONDS, capture_output=True, text=True,
+                         env=environment(["NX_DEBUG=Debug_Undo,Debug_Undoo"]))
+    if run.stdout != 'Undoing "Paint".\ntext\n':
+        yield f"with NX_DEBUG printed: {run.stdout}"
+    if not re.fullmatch(COUNTS, run.stderr):
+        yield f"--stats printed: {run.stderr}"
+    events = json.loads(trace.read_text())["traceEvents"]
+    seen = {(event["cat"], event["name"] if event["cat"] != "cache" else event["name"].split()[0])
+            for event in events if "cat" in event}
+    for missing in sorted(EVENTS - seen):
+        yield f"--trace does not show {missing}, only {sorted(seen)}"
 
 
 def untested(nxhost):
@@ -95,6 +133,7 @@ def untested(nxhost):
 def main(nxhost, names, update):
     failures = [*untested(nxhost), *misused(nxhost)]
     with tempfile.TemporaryDirectory() as folder:
+        failures += undiagnosed(nxhost, folder)
         certificate = make_certificate(folder)
         with Server() as plain, Server(certificate) as secure:
             for script in sorted((here / "scripts").glob("*.lua")):

@@ -1,0 +1,81 @@
+// Debug codes, time line, counters.
+#include "tools/nxhost/Diagnostics.h"
+
+#include <cstdio>
+
+#include "foundation/urOS/AtomicFile.h"
+#include "foundation/urOS/MemoryIOStream.h"
+#include "support/services/Debug.h"
+#include "support/services/Performance.h"
+#include "support/services/debugList.h"
+
+namespace nxhost {
+
+using urString::CString;
+
+namespace {
+
+void switchDebugging(std::string const& list) {
+    for (auto const& unknown : nxSupport::switchDebugCodes(list)) {
+        std::fprintf(stderr, "nxhost: NX_DEBUG: there is no %s; do you mean %s?\n", unknown.entry.c_str(),
+                     nxSupport::Debug::getCodeName(unknown.nearest).c_str());
+    }
+}
+
+CString times() {
+    urOS::MemoryIOStream stream;
+    static_cast<void>(stream.open(urOS::openForWriting));
+    urOS::OStream out(stream);
+    nxSupport::Performance::getInstance().printTimes(out);
+    static_cast<void>(out.flush());
+    return stream.contents();
+}
+
+}  // namespace
+
+Diagnostics::Diagnostics(Options const& options, nxSupport::Domain& domain, urKRCache::Manager& cache,
+                         nxTXN::Manager const& history)
+    : domain_(domain),
+      cache_(cache),
+      history_(history),
+      showsStatistics_(options.statistics),
+      traceFile_(options.traceFile) {
+    switchDebugging(options.debugCodes);
+    if (traceFile_.empty()) return;
+    timeline_.emplace();
+    domain_.setContextObserver(&*timeline_);
+    cache_.setObserver(&*timeline_);
+    nxSupport::Timeline::setActive(&*timeline_);
+}
+
+Diagnostics::~Diagnostics() {
+    if (!timeline_) return;
+    domain_.setContextObserver(nullptr);
+    cache_.setObserver(nullptr);
+}
+
+CString Diagnostics::statistics() const {
+    urKRCache::Statistics const counts = cache_.statistics();
+    auto const number = [](auto count) { return static_cast<unsigned long long>(count); };
+    CString text = times();
+    text +=
+        CString::format("cache    %llu bytes in memory, %llu at most, of %llu; %d keys\n", number(counts.memoryUsed),
+                        number(counts.peakMemoryUsed), number(cache_.getMemoryLimit64()), cache_.numKeys());
+    text += CString::format("         %llu hits, %llu builds, %llu evictions, %llu pages out, %llu pages in\n",
+                            number(counts.hits), number(counts.builds), number(counts.clearedForLimit),
+                            number(counts.pagesOut), number(counts.pagesIn));
+    text += CString::format("history  %llu steps to undo, %llu to redo, %llu bytes\n", number(history_.undoCount()),
+                            number(history_.redoCount()), number(history_.historyBytes()));
+    return text;
+}
+
+urUtil::Error Diagnostics::finish() const {
+    if (showsStatistics_) std::fputs(statistics().c_str(), stderr);
+    if (!timeline_) return {};
+    urOS::AtomicFile file;
+    if (auto error = file.open(urString::IString(traceFile_.c_str())); error.isError()) return error;
+    if (auto error = timeline_->write(file); error.isError()) return error;
+    return file.commit();
+}
+
+}  // namespace nxhost
