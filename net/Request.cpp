@@ -1,15 +1,15 @@
 // Filling in requests.
 #include "net/Request.h"
 
-#include <utility>
-
 namespace nxNet {
+
+using urString::CString;
 
 Request::~Request() = default;
 
-// By value: what is added may be a text of the same fields, and these move.
-void Request::put(Fields& fields, urString::CString name, urString::CString value) {
-    fields[std::move(name)] = std::move(value);
+void Request::put(Fields& fields, CString const& name, CString const& value) {
+    // Copies, since what is added may be a text of the same fields, and these move. The value's is made first.
+    fields[CString(name)] = CString(value);
 }
 
 }  // namespace nxNet

@@ -43,7 +43,7 @@ public:
     [[nodiscard]] Fields const& getPostData() const noexcept { return postData_; }
 
 private:
-    static void put(Fields& fields, urString::CString name, urString::CString value);
+    static void put(Fields& fields, urString::CString const& name, urString::CString const& value);
 
     urString::CString url_;
     urString::CString httpMethod_ = "GET";
