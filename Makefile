@@ -13,8 +13,8 @@ packages:
 	@packaging/install-packages build
 
 run: packages
-	$(call preset,dev) --target nxplist
-	PATH="$(CURDIR)/build/dev/bin:$$PATH" examples/iso-codes.sh
+	$(call preset,dev) --target nxhost
+	PATH="$(CURDIR)/build/dev/bin:$$PATH" examples/tour.sh
 
 test: packages
 	$(call preset,dev)
