@@ -1,47 +1,19 @@
 // Time lines: what is recorded, and the trace that is written.
 #include <gmock/gmock.h>
 
-#include <filesystem>
-
 #include "foundation/urOS/MemoryIOStream.h"
-#include "foundation/urThread/RunQueue.h"
-#include "krcache/Manager.h"
 #include "plst/Array.h"
 #include "plst/Dictionary.h"
 #include "plst/Double.h"
 #include "plst/String.h"
 #include "plst/casts.h"
 #include "plst/json.h"
-#include "support/messaging/Domain.h"
 #include "support/services/PerfScope.h"
 #include "support/services/Timeline.h"
+#include "support/services/tests/Host.h"
 
 namespace nxSupport {
 namespace {
-
-struct Blob : urKRCache::Resource {
-    unsigned onGetSizeInBytes() const override { return 100; }
-};
-
-struct MeshKey : urKRCache::KeyData {
-    int onCompare(KeyData const*) const override { return 0; }
-    unsigned onHash() const override { return 1; }
-    ur::Reference<urKRCache::Resource> onCreateResource() const override { return ur::make<Blob>(); }
-};
-
-class Host : public Domain {
-public:
-    Host() : Domain(nullptr) {}
-    urThread::RunQueue& runQueue() override { return queue; }
-
-    urThread::RunQueue queue;
-
-protected:
-    void onBeginContext(Context const&) override {}
-    void onEndContext(Context const&) override {}
-    void onCallInfoCreated(CallInfo*, bool) override {}
-    void onCallInfoDestroyed(CallInfo*) override {}
-};
 
 using nxPLST::asDictionary;
 
@@ -88,14 +60,14 @@ TEST(Timeline, RecordsEveryKindOfEventAndWritesATrace) {
     Timeline::setActive(&timeline);
     Host host;
     host.setContextObserver(&timeline);
-    urKRCache::Manager manager(urString::IString(std::filesystem::temp_directory_path().c_str()));
+    urKRCache::Manager manager(temporaryFolder());
     manager.setObserver(&timeline);
     PerfScope frame;
     {
         Context const edit(&host, Context::Momentary);
         frame.charge(Perf_TaskPreBat);
         ScriptCallScope const call("main.lua:\"run\"\n\xff");
-        auto const shim = manager.getShim(ur::make<MeshKey>(), urKRCache::Shim::Retained);
+        auto const shim = manager.getShim(ur::make<MeshKey>(1), urKRCache::Shim::Retained);
         manager.accessResource(shim);
         Context const look(&host, Context::Const);
         manager.clear();
@@ -104,10 +76,9 @@ TEST(Timeline, RecordsEveryKindOfEventAndWritesATrace) {
     Context const unfinished(&host, Context::Bare);
 
     Trace const trace(timeline);
-    EXPECT_EQ(
-        trace.events(),
-        "X Momentary\nX TASK PreBat\nX main.lua:\"run\"\n\xef\xbf\xbd\nX build nxSupport::(anonymous "
-        "namespace)::MeshKey\nX Const\ni drop nxSupport::(anonymous namespace)::MeshKey\nB Draw (total)\nB Bare\n");
+    EXPECT_EQ(trace.events(),
+              "X Momentary\nX TASK PreBat\nX main.lua:\"run\"\n\xef\xbf\xbd\nX build nxSupport::MeshKey\nX Const\ni "
+              "drop nxSupport::MeshKey\nB Draw (total)\nB Bare\n");
     EXPECT_EQ(timeline.eventCount(), 8);
     for (std::size_t i = 3; i < trace.size(); ++i) {
         EXPECT_GE(trace.number(i, "ts"), trace.number(i - 1, "ts"));

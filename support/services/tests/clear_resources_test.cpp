@@ -1,0 +1,86 @@
+// Clearing the cache on the host's request.
+#include <gmock/gmock.h>
+
+#include <functional>
+
+#include "krcache/Manager.h"
+#include "krcache/debugChannel.h"
+#include "support/messaging/CallInfo.h"
+#include "support/messaging/PreClearResourcesMsg.h"
+#include "support/services/clearResources.h"
+#include "support/services/tests/Host.h"
+#include "support/services/tests/Output.h"
+
+namespace nxSupport {
+namespace {
+
+struct ClearResourcesTest : testing::Test, Host {
+    ~ClearResourcesTest() override { Debug::getInstance().disable(Debug_Resources); }
+
+    /// A shim whose resource is there.
+    ur::Reference<urKRCache::Shim> built(int number) {
+        auto shim = manager.getShim(ur::make<MeshKey>(number), urKRCache::Shim::Retained);
+        manager.accessResource(shim);
+        return shim;
+    }
+
+    urKRCache::Manager manager{temporaryFolder()};
+    Broadcaster broadcaster;
+};
+
+TEST_F(ClearResourcesTest, SubscribersUnlockFirst) {
+    provide = [this](CallInfo& callInfo) { callInfo.add(&broadcaster), callInfo.add(&manager); };
+    auto const plain = built(1), unlocked = built(2), locked = built(3), paged = built(4);
+    manager.setSerializable(paged);
+    manager.lockResource(unlocked);
+    manager.lockResource(locked);
+    std::string heard;
+    auto const subscription = broadcaster.subscribe<PreClearResourcesMsg>({}, [&](PreClearResourcesMsg&) {
+        heard += plain->isResourceAllocated() ? "in time " : "late ";
+        manager.unlockResource(unlocked);
+    });
+    Context const context(this, Context::NoTxn);
+    Output output;
+    Debug::getInstance().enable(Debug_Resources);
+    clearResources();
+    EXPECT_EQ(heard, "in time ");
+    EXPECT_FALSE(plain->isResourceAllocated() || unlocked->isResourceAllocated());
+    EXPECT_TRUE(locked->isResourceAllocated() && paged->isResourceSerialized());
+    EXPECT_EQ(manager.numKeys(), 4);
+
+    std::string const text = output.take();
+    int resident = 0;
+    ASSERT_EQ(std::sscanf(text.c_str(), "Resident size of process %d bytes.", &resident), 1);
+    EXPECT_GT(resident, 1000000);
+    EXPECT_EQ(text.substr(text.find(" bytes")),
+              " bytes.\n  Clearing 400 bytes of cached resources.\nResources cleared.\n");
+    EXPECT_EQ(Debug::getInstance().indent(), 0);
+
+    Debug::getInstance().disable(Debug_Resources);
+    manager.unlockResource(locked);
+    clearResources();
+    EXPECT_FALSE(locked->isResourceAllocated());
+    EXPECT_EQ(output.take(), "");
+}
+
+TEST_F(ClearResourcesTest, DoesWithoutWhatTheHostDoesNotOffer) {
+    auto const shim = built(1);
+    clearResources();  // no context at all
+    int told = 0;
+    auto const subscription = broadcaster.subscribe<PreClearResourcesMsg>({}, [&](PreClearResourcesMsg&) { ++told; });
+    provide = [this](CallInfo& callInfo) { callInfo.add(&broadcaster); };
+    {
+        Context const context(this, Context::NoTxn);
+        clearResources();
+        EXPECT_EQ(told, 1);
+        EXPECT_TRUE(shim->isResourceAllocated());
+    }
+    provide = [this](CallInfo& callInfo) { callInfo.add(&manager); };
+    Context const context(this, Context::NoTxn);
+    clearResources();
+    EXPECT_FALSE(shim->isResourceAllocated());
+    EXPECT_EQ(told, 1);
+}
+
+}  // namespace
+}  // namespace nxSupport

@@ -1,0 +1,255 @@
+// The transformer: totals and deltas of gestures, and the kinds of matrices.
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <random>
+
+#include "foundation/ur/Reference.h"
+#include "foundation/urLinear/studioDecompose.h"
+#include "support/services/Transformer.h"
+
+namespace nxSupport {
+namespace {
+
+using Op = urLinear::TransformOperation;
+using urLinear::AffineMatrix;
+using urLinear::Line;
+using urLinear::Normal;
+using urLinear::Point;
+using urLinear::Vector;
+
+AffineMatrix totalOf(Transformer const& transformer, bool raw = false) {
+    AffineMatrix result(7.0);
+    transformer.getXForm(result, raw);
+    return result;
+}
+
+AffineMatrix deltaOf(Transformer const& transformer, bool raw = false) {
+    AffineMatrix result(7.0);
+    transformer.getXFormDelta(result, raw);
+    return result;
+}
+
+int kindOf(AffineMatrix const& matrix) {
+    int flags = -1;
+    transformDescriptor(matrix, flags);
+    return flags;
+}
+
+/// Random values, none of them near zero where that would spoil an inverse.
+struct Draw {
+    explicit Draw(unsigned seed) : engine(seed) {}
+
+    double number(double least, double most) { return std::uniform_real_distribution<>(least, most)(engine); }
+    Vector vector() { return {number(-3, 3), number(-3, 3), number(-3, 3)}; }
+    Vector factors() { return {number(0.5, 2), number(0.5, 2), number(0.5, 2)}; }
+    Line line() { return {Point() + vector(), Normal(vector())}; }
+    AffineMatrix matrix() {
+        return urLinear::studioCompose(Point() + vector(), factors(), vector(), {number(-1, 1), 0, number(-1, 1)});
+    }
+
+    std::mt19937 engine;
+};
+
+struct TransformerTest : testing::Test {
+    TransformerTest() {
+        auto const log = [this](char const* what) {
+            return [this, what](Transformer* sender) { told += sender == &transformer ? what : "? "; };
+        };
+        transformer.transformStarted.addCallback(log("start "));
+        transformer.transformChanged.addCallback(log("change "));
+        transformer.transformFinished.addCallback(
+            [this](Transformer* sender) { told += sender->getCurrentOp() == Op::none ? "late " : "finish "; });
+    }
+
+    Transformer transformer;
+    std::string told;
+};
+
+TEST_F(TransformerTest, WithoutAGestureNothingHappensToTheObject) {
+    transformer.setTranslate({1, 2, 3});
+    transformer.setScale({1, 2, 3});
+    transformer.setXForm(AffineMatrix(2.0));
+    EXPECT_EQ(transformer.getCurrentOp(), Op::none);
+    for (bool const raw : {false, true}) {
+        EXPECT_EQ(totalOf(transformer, raw), AffineMatrix());
+        EXPECT_EQ(deltaOf(transformer, raw), AffineMatrix());
+    }
+}
+
+TEST_F(TransformerTest, ListenersHearOfEachStepAndEveryGestureStartsAnew) {
+    transformer.startTranslate({});
+    transformer.setTranslate({1, 0, 0});
+    EXPECT_EQ(transformer.getTranslateDelta(), Vector(1, 0, 0));
+    transformer.setTranslate({3, 0, 0});
+    EXPECT_EQ(transformer.getTranslate(), Vector(3, 0, 0));
+    EXPECT_EQ(transformer.getTranslateDelta(), Vector(2, 0, 0));
+    transformer.startTranslate({});  // without an end of the one before
+    EXPECT_EQ(transformer.getTranslate(), Vector());
+    transformer.setTranslate({5, 0, 0});
+    EXPECT_EQ(transformer.getTranslateDelta(), Vector(5, 0, 0));
+    transformer.finish();
+    EXPECT_EQ(transformer.getCurrentOp(), Op::none);
+    EXPECT_EQ(told, "start change change start change finish ");
+}
+
+TEST_F(TransformerTest, RotationsGiveTheirAxisAndAngles) {
+    Line const axis({1, 2, 3}, Normal(0, 1, 0));
+    transformer.startRotate({}, axis);
+    transformer.setRotate(0.5);
+    transformer.setRotate(0.75);
+    Line line;
+    double angle = 0;
+    transformer.getRotateDelta(line, angle);
+    EXPECT_TRUE(line == axis && angle == 0.25);
+    transformer.getRotate(line, angle);
+    EXPECT_TRUE(line == axis && angle == 0.75);
+    EXPECT_EQ(transformer.getRotateAxis(), axis);
+    EXPECT_TRUE(equivalent(axis.point * totalOf(transformer), axis.point));
+}
+
+TEST_F(TransformerTest, ScalesKeepTheirCentreAndStayNonUniform) {
+    AffineMatrix const start = Draw(1).matrix();
+    Point const center(1, 2, 3);
+    transformer.startScale(start, center);
+    EXPECT_EQ(transformer.getCurrentOp(), Op::uniformScale);
+    transformer.setScale({2, 2, 2});
+    EXPECT_EQ(transformer.getCurrentOp(), Op::uniformScale);
+    EXPECT_TRUE(equivalent(center * totalOf(transformer), center));
+    EXPECT_TRUE(equivalent((center + Vector(1, 0, 0)) * totalOf(transformer), center + Vector(2, 0, 0)));
+    EXPECT_TRUE(equivalent(totalOf(transformer, true), totalOf(transformer, false))) << "raw means nothing here";
+    transformer.setScale({2, 2, 3});
+    EXPECT_EQ(transformer.getCurrentOp(), Op::nonUniformScale);
+    transformer.setScale({2, 2, 2});
+    EXPECT_EQ(transformer.getCurrentOp(), Op::nonUniformScale);
+    EXPECT_EQ(transformer.getScaleDelta(), Vector(1, 1, 2.0 / 3));
+    // Along the axes of the start matrix, whatever the object's place.
+    transformer.setScale({1, 1, 3});
+    Vector const along = start.axis(2);
+    EXPECT_TRUE(equivalent((center + along) * totalOf(transformer), center + 3 * along));
+}
+
+TEST_F(TransformerTest, FlatteningStaysFinite) {
+    AffineMatrix const flat = AffineMatrix().scale(1, 1, 0);
+    transformer.startScale(flat, {1, 1, 1});
+    for (Vector const& factors : {Vector(0, 1, 1), Vector(0, 2, 0), Vector(3, 1, 1e-320), Vector(1e300, 1, 1)}) {
+        transformer.setScale(factors);
+        for (auto const& matrix : {totalOf(transformer), deltaOf(transformer)})
+            for (int i = 0; i < 12; ++i) EXPECT_TRUE(std::isfinite(matrix.coefficient(i))) << i;
+    }
+    transformer.setScale({0, 1, 1});
+    transformer.setScale({2, 0, 3});
+    EXPECT_EQ(transformer.getScaleDelta(), Vector(1, 0, 3)) << "nothing leads back from zero";
+    transformer.startXForm(flat);
+    transformer.setXForm(flat);
+    transformer.setXForm(AffineMatrix(2.0));
+    EXPECT_EQ(deltaOf(transformer, true), AffineMatrix(2.0)) << "the identity stands for what has no inverse";
+    EXPECT_EQ(totalOf(transformer), AffineMatrix(2.0) * flat);
+}
+
+/// Random gestures of every kind. The deltas in turn make the total, by the rule for products of each kind.
+TEST_F(TransformerTest, DeltasMakeTheTotal) {
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        SCOPED_TRACE(seed);
+        Draw draw(seed);
+        AffineMatrix const start = draw.matrix();
+        switch (seed % 4) {
+            case 0: transformer.startTranslate(start); break;
+            case 1: transformer.startRotate(start, draw.line()); break;
+            case 2: transformer.startScale(start, Point() + draw.vector()); break;
+            default: transformer.startXForm(start);
+        }
+        AffineMatrix sum, rawSum;
+        for (int move = 0; move < 5; ++move) {
+            transformer.setTranslate(draw.vector());
+            transformer.setRotate(draw.number(-4, 4));
+            transformer.setXForm(draw.matrix());
+            if (seed % 4 == 2) transformer.setScale(draw.factors());
+            sum.preMult(deltaOf(transformer));
+            rawSum.preMult(deltaOf(transformer, true));
+            EXPECT_TRUE(equivalent(sum, totalOf(transformer), 1e-6));
+            EXPECT_TRUE(equivalent(rawSum, totalOf(transformer, true), 1e-6));
+            if (seed % 4 != 3) continue;
+            // Doing the raw transform before the start matrix is doing the other after it.
+            EXPECT_TRUE(equivalent(start * totalOf(transformer), totalOf(transformer, true) * start, 1e-6));
+            EXPECT_TRUE(equivalent(start * deltaOf(transformer), deltaOf(transformer, true) * start, 1e-6));
+        }
+    }
+}
+
+TEST_F(TransformerTest, MultipliesFromTheLeft) {
+    AffineMatrix const doubling(2.0);
+    AffineMatrix const step = AffineMatrix().translate({1, 0, 0});
+    transformer.startXForm({});
+    transformer.setXForm(doubling);
+    transformer.setXForm(step);
+    EXPECT_EQ(Point() * deltaOf(transformer, true), Point(0.5, 0, 0)) << "the step first, then half the size";
+    AffineMatrix total = doubling;
+    EXPECT_EQ(total.preMult(deltaOf(transformer, true)), step);
+}
+
+TEST(TransformDescriptor, TellsWhatAMatrixDoes) {
+    struct Case {
+        AffineMatrix matrix;
+        int flags;
+    };
+    double const below = urLinear::epsilonTol * 0.9, above = urLinear::epsilonTol * 1.1;
+    Case const cases[] = {
+        {AffineMatrix(), 0},
+        {AffineMatrix().translate({1, 0, 0}), 1},
+        {AffineMatrix().rotate(Line(), 1), 2},
+        {AffineMatrix().scale(2), 4},
+        {AffineMatrix().scale(1, 2, 1), 8},
+        {AffineMatrix().scale(2).translate({1, 2, 3}), 5},
+        {AffineMatrix().scale(1, 1, 2).rotate(Line(), 1).translate({0, 0, 1}), 11},
+        {AffineMatrix().scale(-1), 4},
+        {AffineMatrix().scale(1, 1, -1), 8},
+        {AffineMatrix().scale(0), 4},
+        {AffineMatrix().setAxis(1, {5, 1, 0}), 0},  // sheared
+        {AffineMatrix().translate({below, 0, 0}), 0},
+        {AffineMatrix().translate({0, above, 0}), 1},
+        {AffineMatrix().scale(1 + below), 0},
+        {AffineMatrix().scale(1 + above), 4},
+        {AffineMatrix().scale(1, 1 + above, 1), 8},
+        {AffineMatrix().rotate(Line(), below), 0},
+        {AffineMatrix().rotate(Line(), above), 2},
+    };
+    for (auto const& [matrix, flags] : cases) EXPECT_EQ(kindOf(matrix), flags) << &matrix - &cases[0].matrix;
+}
+
+/// What the kind says is missing, can be left out: the rest of the parts makes the matrix again.
+TEST(TransformDescriptor, AgreesWithThePartsOfSkewedAndMirroredMatrices) {
+    for (unsigned seed = 0; seed < 2000; ++seed) {
+        SCOPED_TRACE(seed);
+        Draw draw(seed);
+        bool const turns = seed % 2, moves = seed / 2 % 2, scales = seed / 4 % 2, shears = seed / 8 % 2;
+        Vector factors = scales ? draw.factors() : Vector(1, 1, 1);
+        if (scales && seed % 3 == 0) factors = Vector(1, 1, 1) * factors.x;
+        if (seed % 5 == 0) factors.y *= -1;
+        AffineMatrix const matrix =
+            urLinear::studioCompose(moves ? Point() + draw.vector() : Point(), factors,
+                                    turns ? draw.vector() / 3 : Vector(), shears ? draw.vector() : Vector());
+        Point place;
+        Vector scale, rotation, shear;
+        urLinear::studioDecompose(matrix, place, scale, rotation, shear);
+        auto const kind = static_cast<unsigned>(kindOf(matrix));
+        if (!(kind & 1)) place = Point();
+        if (!(kind & 2)) rotation = Vector();
+        if (kind & 4) scale = Vector(1, 1, 1) * scale.x;
+        if (!(kind & 12)) scale = Vector(1, 1, 1);
+        EXPECT_TRUE(equivalent(urLinear::studioCompose(place, scale, rotation, shear), matrix, 1e-7));
+        EXPECT_EQ(kind & 1, moves);
+        EXPECT_EQ(kind & 2, turns ? 2 : seed % 5 == 0 ? kind & 2 : 0) << "a mirror may turn";
+    }
+}
+
+TEST(TransformerLife, AHandlerMayDropTheLastReference) {
+    auto transformer = ur::make<Transformer>();
+    transformer->transformFinished.addCallback([&](Transformer*) { transformer.reset(); });
+    transformer->startTranslate({});
+    transformer->finish();
+    EXPECT_TRUE(transformer.null());
+}
+
+}  // namespace
+}  // namespace nxSupport
