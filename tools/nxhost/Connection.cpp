@@ -24,12 +24,7 @@ void Connection::onStart() {
     responseHeaders_.clear();
     progress_ = {};
     errorText_.clear();
-    try {
-        if (!getRequest()) throw Failed{TransferError::refused, "there is no request"};
-        transfers_.start(*this);
-    } catch (Failed& failure) {
-        on(failure);
-    }
+    transfers_.start(*this);
 }
 
 void Connection::onCancel() {

@@ -146,11 +146,15 @@ struct Transfer::Callbacks {
 
 Transfer::Transfer(Request const& request, NetworkOptions const& options, double timeLimit) {
     check(handle_ != nullptr);
-    checkRequest(request, options);
-    setUp(options, timeLimit);
-    setAddress(request.getUrl(), options);
-    setHeaders(request);
-    setBody(request);
+    try {
+        checkRequest(request, options);
+        setUp(options, timeLimit);
+        setAddress(request.getUrl(), options);
+        setHeaders(request);
+        setBody(request);
+    } catch (Failed& failure) {
+        fail(std::move(failure));
+    }
 }
 
 TransferNews Transfer::takeNews() {
@@ -167,7 +171,7 @@ void Transfer::end(CURLcode result) {
     // An answer without a status is reported like a scheme that is not supported.
     bool const isGibberish = result == CURLE_UNSUPPORTED_PROTOCOL && isReached_ && status() == 0;
     char const* const text = errorText_[0] == '\0' ? curl_easy_strerror(result) : errorText_;
-    news_.emplace_back(Failed{isGibberish ? TransferError::broken : errorFor(result), text});
+    fail({isGibberish ? TransferError::broken : errorFor(result), text});
 }
 
 int Transfer::status() const {

@@ -17,7 +17,7 @@ namespace nxhost {
 /// libcurl. Owned by `Transfers`.
 class Transfer {
 public:
-    /// Throws `Failed` for a request that cannot be sent. `timeLimit` is in seconds, 0 for none.
+    /// One whose request cannot be sent has failed already: it has news of that. `timeLimit` is in seconds, 0 for none.
     Transfer(nxNet::Request const& request, NetworkOptions const& options, double timeLimit);
     Transfer(Transfer const&) = delete;
     Transfer& operator=(Transfer const&) = delete;
@@ -26,6 +26,8 @@ public:
     [[nodiscard]] bool hasNews() const noexcept { return !news_.empty(); }
     /// Requires: there are some.
     TransferNews takeNews();
+    /// Nothing will come of it.
+    void fail(Failed failure) { news_.emplace_back(std::move(failure)); }
     /// libcurl has ended it.
     void end(CURLcode result);
 

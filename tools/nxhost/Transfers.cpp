@@ -29,13 +29,13 @@ Transfers::~Transfers() {
 }
 
 void Transfers::start(Connection& connection) {
-    auto transfer = std::make_unique<Transfer>(*connection.getRequest(), options_, connection.timeLimit());
+    auto const request = connection.getRequest();
+    auto transfer = std::make_unique<Transfer>(request ? *request : nxNet::Request(), options_, connection.timeLimit());
     CURL* const handle = transfer->handle();
     curl_easy_setopt(handle, CURLOPT_PRIVATE, &connection);
+    if (!transfer->hasNews() && curl_multi_add_handle(multi_, handle) != CURLM_OK)
+        transfer->fail({TransferError::other, "no transfer can be added"});
     jobs_.emplace(&connection, Job{ur::Reference<Connection>(&connection), std::move(transfer)});
-    if (curl_multi_add_handle(multi_, handle) == CURLM_OK) return;
-    jobs_.erase(&connection);
-    throw Failed{TransferError::other, "no transfer can be added"};
 }
 
 void Transfers::stop(Connection& connection) noexcept {

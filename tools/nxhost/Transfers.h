@@ -24,7 +24,7 @@ public:
     /// Ends all without a word.
     ~Transfers();
 
-    /// Requires: the connection has a request and no transfer. Throws `Failed` when the request cannot be sent.
+    /// Requires: the connection has no transfer. Also what cannot be sent is told by `advance`.
     void start(Connection& connection);
     /// Nothing when the connection has no transfer.
     void stop(Connection& connection) noexcept;

@@ -33,6 +33,8 @@ end)
 local connection = host.network:createConnection()
 connection:setStatusFunc(function() print("no request", connection.status, connection.error) end)
 connection:start()
+print(connection.status)
+net.wait(connection)
 
 print "== on the way"
 fail("no such name", "http://host.invalid/")

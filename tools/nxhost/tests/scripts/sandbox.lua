@@ -7,6 +7,7 @@ request.fileForUpload = "/etc/hostname"
 local connection = host.network:createConnection()
 connection:setRequest(request)
 connection:start()
+host.turn()
 print(connection.status, connection.error, connection.errorText)
 print(pcall(string.rep, "x", 30000000))
 host.later(function() print "before it goes on for ever" while true do end end)
