@@ -11,6 +11,7 @@ class Transfer : public Connection {
 public:
     Transfer() { ++alive; }
     Transfer(Transfer const& other) : Connection(other) { ++alive; }
+    Transfer& operator=(Transfer const&) = default;
     ~Transfer() override { --alive; }
     void arrive(std::string_view bytes) { dataArrived(ur::make<urThread::Buffer>(bytes)); }
 

@@ -139,11 +139,13 @@ TEST(Connection, CopiesItsStateAndItsFunctions) {
     first.setDataFunc([&, calls = 0](auto&&) mutable { log += std::to_string(++calls); });
     first.arrive("");
     Transfer second = first;
-    for (Transfer* each : {&first, &second}) each->arrive("");
-    EXPECT_EQ(log, "122");
-    EXPECT_EQ(second.getRequest(), first.getRequest());
-    EXPECT_EQ(second.getError(), 5);
-    EXPECT_EQ(second.getStatus(), Connection::ConnectionFailed);
+    Transfer third;
+    third = second;
+    for (Transfer* each : {&first, &second, &third}) each->arrive("");
+    EXPECT_EQ(log, "1222");
+    EXPECT_EQ(third.getRequest(), first.getRequest());
+    EXPECT_EQ(third.getError(), 5);
+    EXPECT_EQ(third.getStatus(), Connection::ConnectionFailed);
 }
 
 }  // namespace
