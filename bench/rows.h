@@ -16,5 +16,6 @@ void addMessagingRows(Suite& suite);
 void addCacheRows(Suite& suite);
 void addUndoRows(Suite& suite);
 void addPropertyRows(Suite& suite);
+void addServiceRows(Suite& suite);
 
 }  // namespace bench

@@ -13,11 +13,15 @@ void PerfScope::charge(PerformanceCode code) {
     if (code == current_ || (!isActivity && code != Perf_None)) return;
     stop();
     current_ = code;
-    if (code == Perf_None) return;
-    urOS::StopWatch& watch = Performance::getInstance().getWatch(code);
-    if (Performance::clearEachCharge()) watch.clear();
+    if (code != Perf_None) start();
+}
+
+void PerfScope::start() {
+    Performance& performance = Performance::getInstance();
+    urOS::StopWatch& watch = performance.getWatch(current_);
+    if (performance.clearEachCharge_) watch.clear();
     if (Timeline* const timeline = Timeline::active()) [[unlikely]]
-        timeline->beginPerformance(code);
+        timeline->beginPerformance(current_);
     watch.start();
 }
 

@@ -22,6 +22,7 @@ public:
     void charge(PerformanceCode code);
 
 private:
+    void start();
     void stop();
 
     PerformanceCode current_ = Perf_None;

@@ -35,6 +35,8 @@ public:
     void printTimes(urOS::OStream& out) const;
 
 private:
+    friend class PerfScope;
+
     Performance();
 
     ur::vector<urOS::StopWatch> watches_;  ///< by code
