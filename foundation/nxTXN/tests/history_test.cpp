@@ -33,101 +33,58 @@ TEST_F(History, WalksBackAndForthAndNamesItsSteps) {
     int changes = 0;
     manager.changedSignal().addCallback([&] { ++changes; });
     EXPECT_FALSE(manager.canUndo() || manager.canRedo() || manager.undo() || manager.redo());
+    EXPECT_FALSE(manager.commit() || manager.abort());
     set(1, "Move");
     set(2, "Paint");
     EXPECT_EQ(names(), "Move Paint |");
     EXPECT_TRUE(manager.undo());
     EXPECT_EQ(names(), "Move | Paint");
     EXPECT_EQ(node->value(), 1);
-    EXPECT_TRUE(manager.undo());
-    EXPECT_EQ(node->value(), 0);
-    EXPECT_EQ(manager.undoName(), "");
-    EXPECT_TRUE(manager.redo() && manager.redo());
-    EXPECT_EQ(node->value(), 2);
-    EXPECT_TRUE(manager.undo());
+    edit(manager, [&] { NodeReference const temporary = ur::make<Node>(manager, "temporary"); });
+    EXPECT_EQ(names(), "Move | Paint");  // nothing was done
+    EXPECT_TRUE(manager.undo() && manager.redo());
     set(7, "Scale");
     EXPECT_EQ(names(), "Move Scale |");
-    EXPECT_EQ(changes, 8);
+    EXPECT_EQ(changes, 6);
     EXPECT_TRUE(manager.clear());
     EXPECT_EQ(names(), "|");
     EXPECT_EQ(node->value(), 7);
 }
 
-TEST_F(History, MakesNoStepOfATransactionThatDidNothing) {
-    set(1);
-    manager.undo();
-    edit(manager, [&] { NodeReference const temporary = ur::make<Node>(manager, "temporary"); });
-    EXPECT_EQ(names(), "| Set");
-    EXPECT_FALSE(manager.commit() || manager.abort());
-}
-
 TEST_F(History, AbortRestoresExactlyAndKeepsWhatCouldBeRedone) {
     set(1);
-    set(2);
     manager.undo();
     NodeReference made;
     {
         Transaction const transaction(manager, "Failed");
-        EXPECT_FALSE(manager.canUndo() || manager.undo() || manager.clear());
+        EXPECT_FALSE(manager.canUndo() || manager.undo() || manager.redo() || manager.clear());
         made = ur::make<Node>(manager, "made");
         node->setValue(9);
         node->setNext(made);
     }
-    EXPECT_EQ(node->value(), 1);
-    EXPECT_EQ(node->next(), nullptr);
-    EXPECT_FALSE(made->isTxnExtant());
-    EXPECT_EQ(names(), "Set | Set");
+    EXPECT_EQ(node->value(), 0);
+    EXPECT_FALSE(node->next() || made->isTxnExtant());
     EXPECT_TRUE(manager.redo());
-    EXPECT_EQ(node->value(), 2);
-}
+    EXPECT_EQ(node->value(), 1);
 
-TEST_F(History, NestsTransactions) {
-    NodeReference const other = ur::make<Node>(manager, "o");
-    manager.begin("Outer");
-    node->setValue(1);
-    manager.begin("Inner");
-    node->setValue(2);
-    other->setValue(2);
-    manager.begin("Innermost");
-    other->setValue(3);
-    EXPECT_EQ(manager.depth(), 3u);
-    manager.abort();
-    EXPECT_EQ(other->value(), 2);
-    manager.commit();
-    manager.begin("Second");
-    node->setValue(4);
-    other->setValue(4);
-    manager.abort();
-    EXPECT_EQ(node->value() * 10 + other->value(), 22);
-    manager.commit();
-    EXPECT_EQ(names(), "Outer |");
-    manager.undo();
-    EXPECT_EQ(node->value() * 10 + other->value(), 0);
-    manager.redo();
-    EXPECT_EQ(node->value() * 10 + other->value(), 22);
-}
-
-TEST_F(History, WhatAnInnerTransactionMadeAndTookBackIsNoPartOfTheOuterOne) {
-    NodeReference made;
     manager.begin("Outer");
     manager.begin("Inner");
     made = ur::make<Node>(manager, "made");
     manager.abort();
+    EXPECT_EQ(manager.depth(), 1u);
     manager.commit();
-    EXPECT_EQ(names(), "|");
-    set(1);
+    EXPECT_EQ(names(), "Set |");
     manager.undo();
     manager.redo();
     EXPECT_FALSE(made->isTxnExtant());
 }
 
 TEST_F(History, RecordsOnlyRecordedTransactions) {
-    struct Case {
-        TransactionKind kind;
-        double afterAbort;
-    };
-    for (auto const& [kind, afterAbort] :
-         {Case{TransactionKind::transient, 1}, Case{TransactionKind::none, 5}, Case{TransactionKind::constant, 5}}) {
+    NodeReference const view = ur::make<Node>(manager, "view");
+    std::pair<TransactionKind, double> const cases[] = {
+        {TransactionKind::transient, 1}, {TransactionKind::none, 5}, {TransactionKind::constant, 5}};
+    for (auto const& [kind, afterAbort] : cases) {
+        SCOPED_TRACE(static_cast<int>(kind));
         manager.clear();
         set(1);
         manager.begin("unrecorded", kind);
@@ -135,42 +92,36 @@ TEST_F(History, RecordsOnlyRecordedTransactions) {
         edit(manager, [&] { node->setValue(5); });
         manager.commit();
         EXPECT_EQ(node->value(), 5);
-        EXPECT_EQ(names(), "Set |") << static_cast<int>(kind);
-
+        EXPECT_EQ(names(), "Set |");
         set(1);
         manager.begin("unrecorded", kind);
         node->setValue(5);
         manager.abort();
-        EXPECT_EQ(node->value(), afterAbort) << static_cast<int>(kind);
+        EXPECT_EQ(node->value(), afterAbort);
+
+        manager.begin("Outer");
+        manager.begin("Inner", kind);
+        view->setValue(1);
+        node->setValue(6);
+        NodeReference const made = ur::make<Node>(manager, "made");
+        manager.commit();
+        node->setValue(7);
+        manager.commit();
+        manager.undo();
+        EXPECT_EQ(view->value() * 10 + node->value(), 16);
+        EXPECT_TRUE(made->isTxnExtant());
+        view->setValue(0);
     }
 }
 
-TEST_F(History, LeavesUnrecordedPartsOutOfTheTransactionAroundThem) {
-    NodeReference const view = ur::make<Node>(manager, "view");
-    manager.begin("Outer");
-    manager.begin("Inner", TransactionKind::transient);
-    view->setValue(1);
-    node->setValue(1);
-    NodeReference const made = ur::make<Node>(manager, "made");
-    manager.commit();
-    node->setValue(2);
-    manager.commit();
-    manager.undo();
-    EXPECT_EQ(view->value(), 1);
-    EXPECT_EQ(node->value(), 1);
-    EXPECT_TRUE(made->isTxnExtant());
-}
-
-TEST_F(History, CoalescesADragIntoOneStep) {
+TEST_F(History, CoalescesADragIntoOneStepOfTheBytesOfOne) {
     int const firstKey = 0;
     int const secondKey = 0;
     set(1);
-    NodeReference const other = ur::make<Node>(manager, "other");
-    for (int i = 2; i < 50; ++i) drag(i, &firstKey);
-    manager.beginCoalescing("Drag", &firstKey);
-    node->setValue(50);
-    other->setValue(50);
-    manager.commit();
+    drag(2, &firstKey);
+    std::size_t const bytes = manager.historyBytes();
+    for (int i = 3; i <= 50; ++i) drag(i, &firstKey);
+    EXPECT_EQ(manager.historyBytes(), bytes);
     EXPECT_EQ(names(), "Set Drag |");
     drag(60, &secondKey);
     manager.endCoalescing();
@@ -182,18 +133,8 @@ TEST_F(History, CoalescesADragIntoOneStep) {
     EXPECT_EQ(manager.undoCount(), 5u);
     while (manager.undoCount() > 1) manager.undo();
     EXPECT_EQ(node->value(), 1);
-    EXPECT_EQ(other->value(), 0);
     manager.redo();
     EXPECT_EQ(node->value(), 50);
-    EXPECT_EQ(other->value(), 50);
-}
-
-TEST_F(History, ACoalescedDragCostsTheBytesOfOneStep) {
-    int const key = 0;
-    drag(1, &key);
-    std::size_t const bytes = manager.historyBytes();
-    for (int i = 0; i < 1000; ++i) drag(i, &key);
-    EXPECT_EQ(manager.historyBytes(), bytes);
 }
 
 TEST_F(History, ForgetsTheOldestStepsBeyondItsLimits) {
@@ -205,36 +146,30 @@ TEST_F(History, ForgetsTheOldestStepsBeyondItsLimits) {
     set(8, "S8");
     EXPECT_EQ(names(), "S4 S5 S7 S8 |");
     manager.setStepLimit(0);
-
-    std::size_t const perStep = manager.historyBytes() / 4;
-    manager.setByteLimit(perStep * 2);
+    manager.setByteLimit(manager.historyBytes() / 2);
     EXPECT_EQ(names(), "S7 S8 |");
     manager.setByteLimit(1);
     EXPECT_EQ(names(), "S8 |");
-    manager.undo();
+    EXPECT_TRUE(manager.undo() && !manager.undo());
     EXPECT_EQ(node->value(), 7);
-    EXPECT_FALSE(manager.undo());
 }
 
 TEST_F(History, CountsTheBytesOfObjectsThatOnlyItKeeps) {
-    NodeReference big = ur::make<Node>(manager, "big");
-    big->ownedBytes = 1000000;
-    node->setNext(std::exchange(big, nullptr));
+    auto const addBig = [&] {
+        node->setNext(ur::make<Node>(manager, "big"));
+        node->next()->ownedBytes = 1000000;
+    };
+    addBig();
     set(1);
     EXPECT_LT(manager.historyBytes(), 1000u);
     manager.setByteLimit(500000);
     edit(manager, [&] { node->setNext(nullptr); });
     EXPECT_GT(manager.historyBytes(), 1000000u);
     EXPECT_EQ(manager.undoCount(), 1u);
-    EXPECT_EQ(Node::alive, 2);
     set(2);
     EXPECT_EQ(Node::alive, 1);
     EXPECT_LT(manager.historyBytes(), 1000u);
-
-    edit(manager, [&] {
-        node->setNext(ur::make<Node>(manager, "big"));
-        node->next()->ownedBytes = 1000000;
-    });
+    edit(manager, addBig);
     manager.undo();  // now it is the history that keeps it
     EXPECT_EQ(names(), "| edit");
 }
@@ -248,11 +183,9 @@ TEST_F(History, SaysOncePerClassThatAChangeWasNotRecorded) {
     urOS::MemoryIOStream output;
     ASSERT_TRUE(output.open(urOS::openForWriting).ok());
     urOS::AppOutput::getInstance().open(output);
-    quiet->setValue(1);
-    quiet->setValue(2);
+    for (int i = 0; i < 2; ++i) quiet->setValue(i);
     manager.begin("view", TransactionKind::constant);
-    quiet->setValue(3);
-    quiet->setValue(4);
+    for (int i = 0; i < 2; ++i) quiet->setValue(i);
     manager.commit();
     ASSERT_TRUE(urOS::AppOutput::getInstance().open("-", false).ok());
     EXPECT_THAT(std::string(output.contents().view()),

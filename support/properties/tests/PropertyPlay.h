@@ -18,6 +18,7 @@ class PropertyPlay {
 public:
     /// `draw` gives any number.
     explicit PropertyPlay(std::function<unsigned()> draw) : draw_(std::move(draw)) {
+        heard_.values = true;
         for (int i = 0; i < 4; ++i) inTransaction([this] { create(); });
     }
 
@@ -25,40 +26,37 @@ public:
     std::string step() {
         wrongResult_ = nullptr;
         act();
-        return difference();
-    }
-
-private:
-    static constexpr std::size_t mostProperties = 24;
-    static constexpr std::size_t mostLevels = 3;
-
-    void act() {
-        switch (pick(12)) {
-            case 0: return pick(4) == 0 ? limit() : begin();
-            case 1: return pick(3) == 0 ? abort() : commit();
-            case 2: return undo();
-            case 3: return redo();
-            case 4: return inTransaction([this] { properties_.size() < mostProperties ? create() : set(); });
-            case 5: return inTransaction([this] { properties_.size() < mostProperties ? clone() : set(); });
-            case 6: return inTransaction([this] { pick(2) == 0 ? join() : set(); });
-            default: return inTransaction([this] { set(); });
-        }
-    }
-
-    std::string difference() {
         std::string const told = heard_.take();
-        std::string const expected = model_.takeTold();
+        std::string const expected = model_.take();
         if (wrongResult_) return wrongResult_;
         if (told != expected) return "told: " + told + "\nmodel: " + expected;
         if (manager_.undoCount() != model_.past.size()) return "another number of steps to undo";
         if (manager_.redoCount() != model_.future.size()) return "another number of steps to redo";
         for (auto const& [id, property] : properties_) {
             if (!model_.extant(id)) continue;
-            int const value = model_.value(id);
-            if (numberOf(*property) != (value == 0 ? -1 : value)) return "another value of " + std::to_string(id);
+            if (numberOf(*property) != model_.value(id)) return "another value of " + std::to_string(id);
             if (isMirrored(*property) != model_.isMirrored(id)) return "another link of " + std::to_string(id);
         }
         return {};
+    }
+
+private:
+    using Kind = PropertyModel::Kind;
+    static constexpr std::size_t mostProperties = 24;
+    static constexpr std::size_t mostLevels = 3;
+
+    void act() {
+        bool const full = properties_.size() == mostProperties;
+        switch (pick(12)) {
+            case 0: return pick(4) == 0 ? limit() : begin();
+            case 1: return pick(3) == 0 ? abort() : commit();
+            case 2: return turn(&nxTXN::Manager::undo, &PropertyModel::undo, model_.past);
+            case 3: return turn(&nxTXN::Manager::redo, &PropertyModel::redo, model_.future);
+            case 4: return inTransaction([&] { full ? set() : create(); });
+            case 5: return inTransaction([&] { full ? set() : clone(); });
+            case 6: return inTransaction([&] { pick(2) == 0 ? join() : set(); });
+            default: return inTransaction([&] { set(); });
+        }
     }
     static bool isMirrored(Property const& property) {
         if (property.isTransacted()) return dynamic_cast<TxdProperty const&>(property).data()->untxdTwin() != nullptr;
@@ -69,7 +67,7 @@ private:
     }
 
     unsigned pick(unsigned below) { return draw_() % below; }
-    /// A property that takes part in the present state; 0 and null when there is none.
+    /// A property that takes part in the present state.
     std::pair<int, PropertyReference> any() {
         std::vector<std::pair<int, PropertyReference>> extant;
         for (auto const& entry : properties_) {
@@ -77,36 +75,33 @@ private:
         }
         return extant.empty() ? std::pair(0, PropertyReference()) : extant[pick(static_cast<unsigned>(extant.size()))];
     }
-    int newValue() { return newestValue_ += 20; }
 
     void add(int id, PropertyReference property) {
         if (pick(6) == 0) {
             model_.addValidator(id);
-            property->connectValidation(&replaceSome);
+            validators_.push_back(property->subscribeValidation([this](auto const& told, Item& candidate) {
+                heard_.add(*told, "validate");
+                auto const value = static_cast<int>(nxPLST::asDouble(candidate)->value());
+                if (PropertyModel::isReplaced(value)) candidate = number(value + 1);
+            }));
         }
         heard_.follow(property);
         properties_.emplace_back(id, std::move(property));
     }
-    static void replaceSome(ur::Reference<Property const> /*property*/, Item& candidate) {
-        auto const item = nxPLST::asDouble(candidate);
-        int const value = item ? static_cast<int>(item->value()) : 0;
-        if (PropertyModel::isReplaced(value)) candidate = number(value + 1);
-    }
     void create() {
-        bool const transacted = pick(2) == 0;
-        int const value = newValue();
-        int const id = transacted ? model_.createTxd(value) : model_.createUnTxd(value);
+        auto const kind = static_cast<Kind>(pick(2));
+        int const id = model_.create(kind, newestValue_ += 20);
         urString::CString const name(std::to_string(id));
-        add(id, transacted ? Property::createTxd(manager_, name, number(value))
-                           : Property::createUnTxd(name, number(value)));
+        add(id, kind == Kind::transacted ? Property::createTxd(manager_, name, number(newestValue_))
+                                         : Property::createUnTxd(name, number(newestValue_)));
     }
     void clone() {
         auto const [original, property] = any();
         if (!property) return;
-        bool const transacted = pick(2) == 0;
-        int const id = transacted ? model_.cloneTxd(original) : model_.cloneUnTxd(original);
+        auto const kind = static_cast<Kind>(pick(2));
+        int const id = model_.clone(kind, original);
         urString::CString const name(std::to_string(id));
-        add(id, transacted ? property->cloneTxd(manager_, name) : property->cloneUnTxd(name));
+        add(id, kind == Kind::transacted ? property->cloneTxd(manager_, name) : property->cloneUnTxd(name));
     }
     void join() {
         auto const [id, property] = any();
@@ -118,12 +113,11 @@ private:
     void set() {
         auto const [id, property] = any();
         if (!property) return;
-        int const value = newValue();
-        unsigned const kind = pick(8);
-        auto const type = static_cast<PropertyModType>(kind);
-        bool const expected = kind <= ModifyAll ? model_.set(id, value, type) : model_.setAll(id, value);
+        int const value = newestValue_ += 20;
+        auto const type = static_cast<PropertyModType>(pick(8));
+        bool const expected = type <= ModifyAll ? model_.set(id, value, type) : model_.set(id, value);
         bool const unchanged =
-            kind <= ModifyAll ? property->setValue(number(value), type) : property->setValue(number(value));
+            type <= ModifyAll ? property->setValue(number(value), type) : property->setValue(number(value));
         expect(unchanged == expected, "another result of setValue");
     }
 
@@ -148,15 +142,11 @@ private:
         expect(manager_.abort() == (model_.depth() > 0), "another result of abort");
         if (model_.depth() > 0) model_.abort();
     }
-    void undo() {
-        bool const can = model_.depth() == 0 && !model_.past.empty();
-        expect(manager_.undo() == can, "another result of undo");
-        if (can) model_.undo();
-    }
-    void redo() {
-        bool const can = model_.depth() == 0 && !model_.future.empty();
-        expect(manager_.redo() == can, "another result of redo");
-        if (can) model_.redo();
+    void turn(bool (nxTXN::Manager::*real)(), void (PropertyModel::*plain)(),
+              std::vector<PropertyModel::Step> const& steps) {
+        bool const can = model_.depth() == 0 && !steps.empty();
+        expect((manager_.*real)() == can, "another result of undo or redo");
+        if (can) (model_.*plain)();
     }
     void limit() {
         if (model_.depth() > 0) return;
@@ -176,6 +166,7 @@ private:
     PropertyModel model_;
     std::vector<std::pair<int, PropertyReference>> properties_;
     Recorder heard_;
+    std::vector<urRTB::ScopedConnection> validators_;
     char const* wrongResult_ = nullptr;
     int newestValue_ = 0;
     std::size_t limit_ = 0;

@@ -21,32 +21,28 @@ inline double numberOf(Property const& property) {
     return item ? item->value() : -1;
 }
 
-/// Listens to properties and keeps what it hears: "name:stage value", separated by spaces. Reading empties it.
+/// Listens to properties and keeps what it hears: "name:stage", separated by spaces. Reading empties it.
 class Recorder {
 public:
     void follow(PropertyReference const& property) {
         handles_.push_back(property->subscribe([this](ur::Reference<Property const> const& told, PropertyModType type) {
             static char const* const stages[] = {"start", "perform", "end"};
-            add(told, type <= ModifyEnd ? stages[type] : std::to_string(type));
+            add(*told, stages[type]);
         }));
         if (auto* const signal = property->txnModifiedSignal()) {
-            handles_.push_back(signal->addCallback([this](PropertyReference const& told) { add(told, "txn"); }));
+            handles_.push_back(signal->addCallback([this](PropertyReference const& told) { add(*told, "txn"); }));
         }
     }
+    void add(Property const& property, char const* stage) {
+        if (!text_.empty()) text_ += ' ';
+        text_ += std::string(property.name()) + ':' + stage;
+        if (values) text_ += '=' + std::to_string(static_cast<int>(numberOf(property)));
+    }
     std::string take() { return std::exchange(text_, {}); }
-    void clear() { text_.clear(); }
-    void stop() { handles_.clear(); }
 
     bool values = false;  ///< whether the number at that moment is noted as well
 
 private:
-    void add(ur::Reference<Property const> const& property, std::string const& stage) {
-        if (!text_.empty()) text_ += ' ';
-        text_ += property->name().c_str();
-        text_ += ':' + stage;
-        if (values) text_ += '=' + std::to_string(static_cast<int>(numberOf(*property)));
-    }
-
     std::string text_;
     std::vector<urRTB::ScopedConnection> handles_;
 };
