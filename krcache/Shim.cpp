@@ -42,8 +42,8 @@ std::span<Shim::Link const> Shim::parents() const noexcept {
 }
 
 void Shim::addChild(Shim& child) {
-    ur::vector<Link>& children = relatives().children;
-    ur::vector<Link>& back = child.relatives().parents;
+    Links& children = relatives().children;
+    Links& back = child.relatives().parents;
     children.push_back({&child, static_cast<std::uint32_t>(back.size())});
     try {
         back.push_back({this, static_cast<std::uint32_t>(children.size() - 1)});
@@ -86,7 +86,7 @@ void Shim::forgetParent(std::uint32_t place) noexcept {
 }
 
 void Shim::compactParents() noexcept {
-    ur::vector<Link>& parents = relatives_->parents;
+    Links& parents = relatives_->parents;
     std::uint32_t kept = 0;
     for (Link const link : parents) {
         if (!link.shim) continue;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <vector>
 
 #include "foundation/ur/Export.h"
 #include "foundation/ur/NodeHeap.h"
@@ -74,10 +75,14 @@ private:
         Shim* shim;
         std::uint32_t mirror;
     };
+    using Links = std::vector<Link, ur::NodeAllocator<Link>>;
     /// Most shims have none: then this costs one pointer.
     struct Relatives {
-        ur::vector<Link> children;
-        ur::vector<Link> parents;
+        static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
+        static void operator delete(void* relatives) noexcept { ur::deallocateNode(relatives, sizeof(Relatives)); }
+
+        Links children;
+        Links parents;
         std::uint32_t cutParents = 0;  ///< links among the parents that have been cut
     };
 

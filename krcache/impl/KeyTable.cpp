@@ -44,8 +44,9 @@ void KeyTable::grow() {
 }
 
 ur::Reference<Shim> KeyTable::take(Shim const& shim) noexcept {
-    if (!reaches(shim)) return {};
+    if (size_ == 0) return {};
     std::size_t const place = placeOf(shim);
+    if (!slots_[place].shim) return {};
     auto taken = ur::Reference<Shim>::adopt(slots_[place].shim);
     close(place);
     --size_;

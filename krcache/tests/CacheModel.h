@@ -293,7 +293,7 @@ private:
         }
         model_.entries[number].held = 1;
         held_[number] = cache_.manager.getShim(key, isWeak ? Shim::WeakCounted : Shim::Retained);
-        key->onVisit = nullptr;
+        key->onVisit = [](KeyVisitor& /*visitor*/) {};
     }
     static std::string payload(Key const& key) {
         std::string text = std::to_string(key.number) + ":" + std::to_string(key.builds);

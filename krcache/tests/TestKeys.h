@@ -25,20 +25,20 @@ struct Blob : Resource {
         static_cast<void>(stream.write(payload.data(), payload.size()));
         length = payload.size();
         payload.clear();
-        if (onPage) onPage();
+        onPage();
     }
     void onDeserialize(urOS::IOStream& stream) override {
         payload.resize(length);
         std::size_t done = 0;
         static_cast<void>(stream.read(payload.data(), length, &done));
         payload.resize(done);
-        if (onPage) onPage();
+        onPage();
     }
 
     unsigned size;
     std::string payload;
     std::size_t length = 0;
-    Hook onPage;
+    Hook onPage = [] {};
 };
 
 /// Equal by number. Builds a blob of `size` bytes; what else it does is up to its hooks.
@@ -46,29 +46,21 @@ struct Key : KeyData {
     explicit Key(int id, unsigned bytes = 1000) : number(id), size(bytes) {}
 
     int onCompare(KeyData const* other) const override {
-        if (onComparing) onComparing();
+        onComparing();
         return number - static_cast<Key const*>(other)->number;
     }
     unsigned onHash() const override { return ++hashes, hash; }
     ur::Reference<Resource> onCreateResource() const override {
-        ++builds;
-        if (onBuild) onBuild();
-        if (size == none) return {};
-        return make ? make() : ur::Reference<Resource>(new Blob(size));
+        ++builds, onBuild();
+        return make ? make() : ur::Reference<Resource>(size == none ? nullptr : new Blob(size));
     }
-    void onInitializeResource(ur::Reference<Resource> /*resource*/) const override {
-        if (onInitialize) onInitialize();
-    }
+    void onInitializeResource(ur::Reference<Resource> /*resource*/) const override { onInitialize(); }
     void onVisitSubKeys(KeyVisitor& visitor) const override {
         for (auto const& shim : sources) visitor.visit(shim.get());
-        if (onVisit) onVisit(visitor);
+        onVisit(visitor);
     }
-    void onResourceCleared() override {
-        if (onCleared) onCleared();
-    }
-    void onKeyRemoved() override {
-        if (onRemoved) onRemoved();
-    }
+    void onResourceCleared() override { onCleared(); }
+    void onKeyRemoved() override { onRemoved(); }
     bool hasPredeterminedSize() const override { return expected != 0; }
     unsigned getPredeterminedSize() const override { return expected; }
 
@@ -80,8 +72,8 @@ struct Key : KeyData {
     unsigned hash = 7;  ///< the same for all unless set, so that comparing decides
     std::vector<ur::Reference<Shim>> sources;
     std::function<ur::Reference<Resource>()> make;
-    Hook onBuild, onInitialize, onCleared, onRemoved, onComparing;
-    std::function<void(KeyVisitor&)> onVisit;
+    Hook onBuild = [] {}, onInitialize = [] {}, onCleared = [] {}, onRemoved = [] {}, onComparing = [] {};
+    std::function<void(KeyVisitor&)> onVisit = [](KeyVisitor& /*visitor*/) {};
     mutable int builds = 0, hashes = 0;
 };
 

@@ -66,14 +66,6 @@ TEST_F(ManagerTest, SizesThatWereNotExpectedAreSaid) {
     }
 }
 
-TEST_F(ManagerTest, ExternalMemoryLargerThanTheLimitLeavesTheSmallestOne) {
-    manager.setMemoryLimit(4 * megabyte);
-    for (unsigned const bytes : {9 * megabyte, megabyte}) manager.allocatingExternalResource(bytes);
-    EXPECT_EQ(manager.getMemoryLimit(), 1);
-    for (unsigned const bytes : {9 * megabyte, megabyte}) manager.deletedExternalResource(bytes);
-    EXPECT_EQ(manager.getMemoryLimit(), 4 * megabyte);
-}
-
 TEST_F(ManagerTest, CountersGoBeyondFourGigabytesAndNarrowOnesStopThere) {
     std::uint64_t const large = 3'000'000'000;
     manager.setMemoryLimit64(2 * large);

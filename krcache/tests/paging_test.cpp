@@ -24,8 +24,13 @@ using ur::Reference;
 
 constexpr std::uint64_t megabyte = 1048576;
 
-struct PageFileTest : testing::Test {
-    ~PageFileTest() override { fs::remove_all(folder); }
+struct InFolder : testing::Test {
+    ~InFolder() override { fs::remove_all(folder); }
+
+    fs::path folder = Cache::newFolder();
+};
+
+struct PageFileTest : InFolder {
     /// The chunks from the start of the file: sizes, negative for free ones.
     std::vector<std::int64_t> chunks(std::size_t inUse) {
         EXPECT_EQ(file.fault(inUse), nullptr);
@@ -36,7 +41,6 @@ struct PageFileTest : testing::Test {
         return sizes;
     }
 
-    fs::path folder = Cache::newFolder();
     PageFile file{urString::IString((folder / "page").c_str())};
 };
 
@@ -173,10 +177,7 @@ bool canPage(fs::path const& folder) {
     return !isTold;
 }
 
-struct ScratchFileTest : testing::Test {
-    ~ScratchFileTest() override { fs::remove_all(folder); }
-
-    fs::path folder = Cache::newFolder();
+struct ScratchFileTest : InFolder {
     fs::path file = folder / "urKRCachePageFile.dat", other = folder / "other";
 };
 
