@@ -53,6 +53,7 @@ void Connection::on(Failed& news) {
     setFailed(static_cast<int>(news.error));
 }
 
+// [expose]
 void exposeNetwork(nxRFL::Database& database) {
     nxRFL::ExposeClass<Connection>(database, "nxhost::Connection")
         .addBase<nxNet::Connection>()
@@ -67,5 +68,6 @@ void exposeNetwork(nxRFL::Database& database) {
         .addProperty("timeLimit", &Connection::timeLimit, &Connection::setTimeLimit)
         .addProperty("errorText", &Connection::errorText);
 }
+// [expose]
 
 }  // namespace nxhost

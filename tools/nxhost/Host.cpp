@@ -81,6 +81,7 @@ CString packagePath(std::string_view places) {
 
 }  // namespace
 
+// [start]
 // The order is that of the library's start-up: domain, broadcaster and cache exist; a context makes the call
 // information, into which the domain puts the services; the library subscribes; then the two messages.
 Host::Host(Options const& options)
@@ -123,6 +124,7 @@ void Host::startUp(Options const& options) {
     nxSupport::AppInitMsg start(startParameters(options.arguments));
     broadcaster_.broadcast(start);
 }
+// [start]
 
 void Host::registerClasses(nxRFL::Database& database) {
     exposeNetwork(database);

@@ -74,6 +74,7 @@ private:
     std::optional<int> chosenCode_;
     bool failed_ = false;
 
+    // [members]
     TemporaryFolder folder_;
     Loop loop_;
     nxTXN::Manager history_;
@@ -86,6 +87,7 @@ private:
     Document document_{history_, domain_};
     Diagnostics diagnostics_;
     std::unique_ptr<nxLC::State> state_;
+    // [members]
 };
 
 }  // namespace nxhost

@@ -14,6 +14,7 @@ bool isTransaction(Context const& context) { return context.transactionType() !=
 
 }  // namespace
 
+// [transactions]
 void HostDomain::onBeginContext(Context const& context) {
     if (!isTransaction(context)) return;
     failed_ = false;
@@ -31,9 +32,12 @@ void HostDomain::onEndContext(Context const& context) {
     }
     if (context.mode() == Context::InteractionEnd) history_.endCoalescing();
 }
+// [transactions]
 
+// [services]
 void HostDomain::onCallInfoCreated(nxSupport::CallInfo* callInfo, bool /*appOnly*/) {
     for (auto const& [type, service] : services_) callInfo->add(type, service);
 }
+// [services]
 
 }  // namespace nxhost

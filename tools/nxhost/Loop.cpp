@@ -7,6 +7,7 @@
 
 namespace nxhost {
 
+// [turn]
 bool Loop::turn() {
     if (work()) return true;
     if (!busy()) return false;
@@ -14,6 +15,7 @@ bool Loop::turn() {
     if (interrupt_.pending() != 0) throw Ended();
     return true;
 }
+// [turn]
 
 bool Loop::turnOrInput(int descriptor) {
     if (work()) return false;

@@ -82,6 +82,7 @@ constexpr struct {
     {"NX_LUA_PATH", "where `require` looks first: folders or Lua's patterns, separated by \";\""},
     {"NX_UNDO_LIMIT", "how many steps can be undone"},
     {"NX_UNDO_MEMORY_LIMIT", "how many bytes they may take: a number, or one with K, M or G"},
+    {"NXHOST_HISTORY", "the file of the prompt's history (~/.nxhost_history); empty for none"},
 };
 
 constexpr struct {

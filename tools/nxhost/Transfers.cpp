@@ -82,6 +82,7 @@ Transfers::Job* Transfers::nextWithNews() {
     return nullptr;
 }
 
+// [tell]
 /// The job may have gone afterwards.
 void Transfers::tell(Job& job) {
     ur::Reference<Connection> const connection = job.connection;
@@ -90,5 +91,6 @@ void Transfers::tell(Job& job) {
     if (ends) stop(*connection);
     connection->tell(std::move(news));
 }
+// [tell]
 
 }  // namespace nxhost
