@@ -23,35 +23,27 @@ TEST(PropertySet, HoldsOnePropertyUnderEachNameAndMergesWhatIsMissing) {
 
 TEST(SavedValues, ComeBackWithAReportOfWhatDidNotFit) {
     auto const set = ur::make<PropertySet>();
-    for (char const* const name : {"new", "number", "point", "strict", "text"})
-        set->insert(Property::createUnTxd(name));
-    set->find("number")->setValue(number(1));
-    set->find("strict")->setValue(number(1));
-    set->find("text")->setValue(ur::make<nxPLST::String>("t"));
+    for (char const* const name : {"new", "number", "point", "strict"}) set->insert(Property::createUnTxd(name));
+    for (char const* const name : {"number", "strict"}) set->find(name)->setValue(number(1));
     Prop<urLinear::Point>(set->find("point")).set({1, 2, 3});
 
     auto const saved = saveValues(*set);
-    EXPECT_EQ(saved->size(), 4);
     set->find("number")->setValue(number(5));
     LoadReport const clean = loadValues(*set, *saved);
     EXPECT_THAT(clean.missing, testing::ElementsAre("new"));
     EXPECT_TRUE(clean.extra.empty() && clean.wrongShape.empty() && clean.corrected.empty() && !clean.complete());
     EXPECT_EQ(numberOf(*set->find("number")), 1);
 
-    saved->insert("unknown", ur::make<nxPLST::Double>(1));
-    saved->insert("new", ur::make<nxPLST::Double>(7));
-    saved->insert("text", ur::make<nxPLST::Double>(2));
+    for (char const* const name : {"unknown", "new"}) saved->insert(name, ur::make<nxPLST::Double>(7));
     asArray(saved->find("point"))->insert(ur::make<nxPLST::Double>(4));
     auto const handle =
         set->find("strict")->subscribeValidation([](auto const&, Item& candidate) { candidate = number(9); });
     LoadReport const report = loadValues(*set, *saved);
     EXPECT_TRUE(report.missing.empty());
     EXPECT_THAT(report.extra, testing::ElementsAre("unknown"));
-    EXPECT_THAT(report.wrongShape, testing::ElementsAre("point", "text"));
+    EXPECT_THAT(report.wrongShape, testing::ElementsAre("point"));
     EXPECT_THAT(report.corrected, testing::ElementsAre("strict"));
-    EXPECT_EQ(numberOf(*set->find("new")), 7);
-    saved->find("new").reset();
-    asDouble(saved->find("new"))->set(8);
+    asDouble(saved->find("new"))->set(8);  // the property has a copy
     EXPECT_EQ(numberOf(*set->find("new")), 7);
 }
 
