@@ -11,6 +11,8 @@ using urString::CString;
 Exception::~Exception() = default;
 Function::~Function() = default;
 
+bool Function::onCallPlain(std::span<PlainValue const> /*arguments*/, PlainResult& /*result*/) const { return false; }
+
 void Function::failArity(Stack const& arguments, unsigned count) const {
     CString message = name_.empty() ? CString("the function") : name_;
     if (isMethod_ && Reader(arguments).kind() != Kind::object)

@@ -1,6 +1,9 @@
 // A callable that reflection knows: a native function, or one of a script.
 #pragma once
 
+#include <span>
+
+#include "foundation/nxRFL/PlainValue.h"
 #include "foundation/nxRFL/Stack.h"
 #include "foundation/ur/ReferenceCount.h"
 
@@ -23,6 +26,13 @@ public:
     /// Appends the results to `results`, which is not the stack of the arguments.
     void call(Stack const& arguments, Stack& results) const { onCall(arguments, results); }
 
+    /// The function has a short way for calls whose arguments are all plain.
+    [[nodiscard]] bool takesPlainValues() const noexcept { return takesPlainValues_; }
+    /// The short way. False, with nothing done, when the arguments do not fit: `call` then says what is wrong.
+    [[nodiscard]] bool callPlain(std::span<PlainValue const> arguments, PlainResult& result) const {
+        return onCallPlain(arguments, result);
+    }
+
     /// Raises unless there are `count` arguments, the object included.
     void validateArity(Stack const& arguments, unsigned count) const {
         if (arguments.size() != count) [[unlikely]]
@@ -40,12 +50,16 @@ public:
 
 protected:
     virtual void onCall(Stack const& arguments, Stack& results) const = 0;
+    /// Is called only after `setTakesPlainValues`.
+    virtual bool onCallPlain(std::span<PlainValue const> arguments, PlainResult& result) const;
+    void setTakesPlainValues() noexcept { takesPlainValues_ = true; }
 
 private:
     [[noreturn]] void failArity(Stack const& arguments, unsigned count) const;
 
     Database* database_;
     bool isMethod_;
+    bool takesPlainValues_ = false;
     urString::CString name_;
     ur::vector<urString::CString> signature_;
 };

@@ -3,6 +3,7 @@
 
 #include <tuple>
 
+#include "foundation/nxRFL/plainParameter.h"
 #include "foundation/nxRFL/values.h"
 
 namespace nxRFL {
@@ -80,15 +81,43 @@ public:
     NativeFunction(Database& database, Callable callable, bool method)
         : Function(&database, method), callable_(std::move(callable)) {
         setSignature({typeName<Result>(database), typeName<Parameters>(database)...});
+        if constexpr (isPlain) setTakesPlainValues();
     }
 
 private:
+    static constexpr bool isPlain = impl::plainResult<Result> && (impl::PlainParameter<Parameters>::exists && ...);
+
     void onCall(Stack const& arguments, Stack& results) const override {
         validateArity(arguments, sizeof...(Parameters));
         [[maybe_unused]] Reader reader(arguments, *this);
         // In braces, so that they are read in order.
         std::tuple<decltype(impl::readArgument<Parameters>(reader))...> held{impl::readArgument<Parameters>(reader)...};
         std::apply([&](auto&... each) { callWith(results, impl::pass<Parameters>(each)...); }, held);
+    }
+    bool onCallPlain([[maybe_unused]] std::span<PlainValue const> arguments,
+                     [[maybe_unused]] PlainResult& result) const override {
+        if constexpr (isPlain) {
+            if (arguments.size() != sizeof...(Parameters)) return false;
+            std::tuple<impl::PlainParameter<Parameters>...> taken;
+            auto const* argument = arguments.data();
+            return std::apply(
+                [&](auto&... each) {
+                    if (!(each.take(*argument++) && ...)) return false;
+                    callPlainWith(result, impl::argumentOf<Parameters>(each)...);
+                    return true;
+                },
+                taken);
+        } else {
+            return false;
+        }
+    }
+    template <class... Arguments>
+    void callPlainWith([[maybe_unused]] PlainResult& result, Arguments&&... arguments) const {
+        if constexpr (std::is_void_v<Result>) {
+            std::invoke(callable_, std::forward<Arguments>(arguments)...);
+        } else {
+            impl::setResult(result, std::invoke(callable_, std::forward<Arguments>(arguments)...));
+        }
     }
     template <class... Arguments>
     void callWith([[maybe_unused]] Stack& results, Arguments&&... arguments) const {

@@ -37,16 +37,22 @@ inline void write(Writer& writer, char const* value) { writer.writeText(value); 
 inline void write(Writer& writer, ur::Reference<Function> value) { writer.writeFunction(std::move(value)); }
 inline void write(Writer& writer, Object value) { writer.writeObject(std::move(value)); }
 
+namespace impl {
+
 /// Numbers are doubles on the way: those of 64 bits are exact up to 2^53, and no greater ones are read.
 template <WholeNumber T>
-void read(Reader& reader, T& value) {
+struct WholeRange {
     using Limits = std::numeric_limits<T>;
-    constexpr double exact = 9007199254740992.0;
-    if constexpr (Limits::digits <= 53) {
-        value = static_cast<T>(reader.readWhole(Limits::lowest(), Limits::max()));
-    } else {
-        value = static_cast<T>(reader.readWhole(Limits::is_signed ? -exact : 0.0, exact));
-    }
+    static constexpr bool isExact = Limits::digits <= 53;
+    static constexpr double greatest = isExact ? static_cast<double>(Limits::max()) : 9007199254740992.0;
+    static constexpr double least = isExact ? static_cast<double>(Limits::lowest()) : Limits::is_signed ? -greatest : 0;
+};
+
+}  // namespace impl
+
+template <WholeNumber T>
+void read(Reader& reader, T& value) {
+    value = static_cast<T>(reader.readWhole(impl::WholeRange<T>::least, impl::WholeRange<T>::greatest));
 }
 template <WholeNumber T>
 void write(Writer& writer, T value) {

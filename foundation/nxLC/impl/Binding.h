@@ -3,6 +3,7 @@
 
 #include <deque>
 #include <memory>
+#include <utility>
 
 #include "foundation/nxLC/ReflectionData.h"
 #include "foundation/nxLC/impl/Meter.h"
@@ -65,7 +66,7 @@ public:
     lua_State* running;  ///< the innermost thread that is inside a native function; otherwise the main thread
     Meter meter;
     ur::Reference<Link> const link;
-    ur::vector<std::unique_ptr<CallStacks>> stacks;  ///< of the calls under way, and behind them unused ones
+    ur::vector<std::unique_ptr<CallStacks>> stacks;  ///< of calls under way, and behind them unused ones
     std::size_t callDepth = 0;
     Box const* verified[64] = {};  ///< userdata that are known to stand for objects, each at the place of its address
     std::deque<ClassTables> classes;  ///< by the index of the class
@@ -105,27 +106,37 @@ struct Anchor {
 /// A call of native code by a script. Notes the thread, so that calls from there into scripts nest on it.
 class NativeCall {
 public:
-    NativeCall(Binding& binding, lua_State* state) : binding_(binding), outer_(binding.running) {
-        if (binding.callDepth == binding.stacks.size()) binding.stacks.push_back(std::make_unique<CallStacks>());
-        stacks_ = binding.stacks[binding.callDepth++].get();
-        binding.running = state;
-    }
+    NativeCall(Binding& binding, lua_State* state) noexcept
+        : binding_(binding), outer_(std::exchange(binding.running, state)) {}
     NativeCall(NativeCall const&) = delete;
     NativeCall& operator=(NativeCall const&) = delete;
-    ~NativeCall() {
+    ~NativeCall() { binding_.running = outer_; }
+
+private:
+    Binding& binding_;
+    lua_State* outer_;
+};
+
+/// The stacks of one call, for as long as that lasts.
+class UsedStacks {
+public:
+    explicit UsedStacks(Binding& binding) : binding_(binding) {
+        if (binding.callDepth == binding.stacks.size()) binding.stacks.push_back(std::make_unique<CallStacks>());
+        stacks_ = binding.stacks[binding.callDepth++].get();
+    }
+    UsedStacks(UsedStacks const&) = delete;
+    UsedStacks& operator=(UsedStacks const&) = delete;
+    ~UsedStacks() {
         stacks_->arguments.clear();
         stacks_->results.clear();
         --binding_.callDepth;
-        binding_.running = outer_;
     }
 
-    [[nodiscard]] Binding& binding() const noexcept { return binding_; }
     [[nodiscard]] nxRFL::Stack& arguments() const noexcept { return stacks_->arguments; }
     [[nodiscard]] nxRFL::Stack& results() const noexcept { return stacks_->results; }
 
 private:
     Binding& binding_;
-    lua_State* outer_;
     CallStacks* stacks_;
 };
 

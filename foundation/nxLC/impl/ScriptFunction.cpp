@@ -24,7 +24,7 @@ void reserveFreePlaces(Binding& binding) {
 int callHeld(lua_State* state) {
     ShortText text;
     Held const& held = *static_cast<Held*>(lua_touserdata(state, lua_upvalueindex(2)));
-    return complete(state, held ? callFunction(state, *held, text) : 0, text);
+    return complete(state, held ? callFunction(bindingOf(state), state, *held, text) : 0, text);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include "foundation/nxLC/impl/calls.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "foundation/nxLC/impl/objects.h"
@@ -13,6 +14,8 @@ namespace nxLC::impl {
 using nxRFL::Function;
 using nxRFL::IteratorState;
 using nxRFL::Member;
+using nxRFL::PlainResult;
+using nxRFL::PlainValue;
 
 namespace {
 
@@ -40,12 +43,11 @@ int fail(lua_State* state, ShortText& text, char const* message) noexcept {
 
 /// Runs the native part of a function that Lua called; what it throws becomes the error.
 template <class Native>
-int runNative(lua_State* state, ShortText& text, Native const& native) noexcept {
-    Binding* const binding = bindingOf(state);
+int runNative(Binding* binding, lua_State* state, ShortText& text, Native const& native) noexcept {
     if (!binding) return failShortly(text, "the state is closing");
     try {
         NativeCall const call(*binding, state);
-        return native(call);
+        return native();
     } catch (std::exception const& error) {
         return fail(state, text, error.what());
     } catch (...) {
@@ -53,8 +55,90 @@ int runNative(lua_State* state, ShortText& text, Native const& native) noexcept 
     }
 }
 
-Member const& memberOf(lua_State* state) noexcept {
-    return *static_cast<Member const*>(lua_touserdata(state, lua_upvalueindex(2)));
+/// Where the arguments of a function that Lua called are: `count` of them, at index 1 and every `step` further.
+struct Places {
+    int count;
+    int step;
+
+    [[nodiscard]] int of(int argument) const noexcept { return 1 + argument * step; }
+};
+
+bool readPlainObject(Binding& binding, lua_State* state, int index, PlainValue& value) noexcept {
+    Box const* const box = toBox(binding, state, index);
+    if (!box || !box->pointer) return false;
+    value.kind = PlainValue::Kind::object;
+    value.pointer = box->pointer;
+    value.objectClass = box->objectClass;
+    return true;
+}
+
+/// False when the value is not plain. Never raises.
+bool readPlain(Binding& binding, lua_State* state, int index, PlainValue& value) noexcept {
+    int const type = lua_type(state, index);
+    if (type == LUA_TNUMBER) {
+        value.kind = PlainValue::Kind::number;
+        value.number = lua_tonumber(state, index);
+        return true;
+    }
+    switch (type) {
+        case LUA_TNIL: value.kind = PlainValue::Kind::null; return true;
+        case LUA_TBOOLEAN:
+            value.kind = PlainValue::Kind::boolean;
+            value.truth = lua_toboolean(state, index) != 0;
+            return true;
+        case LUA_TSTRING:
+            value.kind = PlainValue::Kind::text;
+            value.bytes = lua_tolstring(state, index, &value.size);
+            return true;
+        case LUA_TUSERDATA: return readPlainObject(binding, state, index, value);
+        default: return false;
+    }
+}
+
+/// The short way. False, with nothing done, when an argument is not for it.
+bool callPlainly(Binding& binding, lua_State* state, Function const& function, Places places, PlainResult& result) {
+    std::array<PlainValue, 5> values;
+    if (places.count > static_cast<int>(values.size())) return false;
+    int read = 0;
+    if (function.isMethod() && places.count > 0) {
+        if (!readPlainObject(binding, state, 1, values[0])) return false;
+        read = 1;
+    }
+    for (; read < places.count; ++read) {
+        if (!readPlain(binding, state, places.of(read), values[read])) return false;
+    }
+    return function.callPlain({values.data(), static_cast<std::size_t>(places.count)}, result);
+}
+
+int pushResult(lua_State* state, PlainResult const& result, ShortText& text) {
+    switch (result.kind) {
+        case PlainValue::Kind::number: lua_pushnumber(state, result.number); return 1;
+        case PlainValue::Kind::boolean: lua_pushboolean(state, result.truth); return 1;
+        case PlainValue::Kind::text: return pushText(state, result.text, text);
+        default: return 0;
+    }
+}
+
+int callWithStacks(Binding& binding, lua_State* state, Function const& function, Places places, ShortText& text) {
+    lua_settop(state, places.of(places.count) - places.step);
+    if (places.step == 2) lua_remove(state, 2);
+    UsedStacks const stacks(binding);
+    readArguments(binding, state, function, stacks.arguments());
+    function.call(stacks.arguments(), stacks.results());
+    return pushResults(binding, state, stacks.results(), text);
+}
+
+int callAt(Binding* binding, lua_State* state, Function const& function, Places places, ShortText& text) noexcept {
+    return runNative(binding, state, text, [binding, state, &function, places, &text] {
+        PlainResult result;
+        if (function.takesPlainValues() && callPlainly(*binding, state, function, places, result))
+            return pushResult(state, result, text);
+        return callWithStacks(*binding, state, function, places, text);
+    });
+}
+
+MemberCell const& cellOf(lua_State* state) noexcept {
+    return *static_cast<MemberCell const*>(lua_touserdata(state, lua_upvalueindex(1)));
 }
 
 /// The value at `index` as the state of an iterator, or null.
@@ -65,26 +149,29 @@ IteratorState* toIteratorState(lua_State* state, int index) noexcept {
     return static_cast<IteratorState*>(walk);
 }
 
-/// The step of a `for` loop. Upvalues: the anchor, the iterator, its state, and the object, which is kept alive.
+/// The step of a `for` loop. Upvalues: the cell of the iterator, its state, and the object, which is kept alive.
 int stepIteration(lua_State* state) {
     ShortText text;
     lua_settop(state, 0);
-    lua_pushvalue(state, lua_upvalueindex(3));
-    Function const& value = *memberOf(state).second;
-    auto const step = [&](NativeCall const& call) {
+    lua_pushvalue(state, lua_upvalueindex(2));
+    MemberCell const& cell = cellOf(state);
+    Function const& value = *cell.member->second;
+    Binding* const binding = cell.anchor->binding;
+    auto const step = [&] {
         IteratorState* const walk = toIteratorState(state, 1);
         if (!walk || !walk->valid()) {
             lua_pushnil(state);
             return 1;
         }
-        readArguments(call.binding(), state, value, call.arguments());
-        value.call(call.arguments(), call.results());
+        UsedStacks const stacks(*binding);
+        readArguments(*binding, state, value, stacks.arguments());
+        value.call(stacks.arguments(), stacks.results());
         walk->advance();
         bool const isSeveral = !value.signature().empty() && value.signature().front().startsWith("object[");
-        return isSeveral ? pushElements(call.binding(), state, call.results())
-                         : pushResults(call.binding(), state, call.results(), text);
+        return isSeveral ? pushElements(*binding, state, stacks.results())
+                         : pushResults(*binding, state, stacks.results(), text);
     };
-    return complete(state, runNative(state, text, step), text);
+    return complete(state, runNative(binding, state, text, step), text);
 }
 
 /// Asks the hook about the assignment of which the arguments are on the stack.
@@ -97,11 +184,11 @@ void askAssignmentHook(lua_State* state, Binding& binding) {
     if (status != 0) lua_error(state);
 }
 
-/// What the table in the second upvalue has under the key at index 2: the address of a property, or null.
-Member const* findProperty(lua_State* state) noexcept {
-    lua_pushvalue(state, 2);
+/// Puts what the table in the second upvalue has under the key on top in its place: the cell of a property, which is
+/// given back, or something else, for null.
+MemberCell const* findProperty(lua_State* state) noexcept {
     lua_rawget(state, lua_upvalueindex(2));
-    return lua_islightuserdata(state, -1) ? static_cast<Member const*>(lua_touserdata(state, -1)) : nullptr;
+    return static_cast<MemberCell const*>(lua_touserdata(state, -1));
 }
 
 char const* classNameOf(lua_State* state, int index) noexcept {
@@ -111,54 +198,50 @@ char const* classNameOf(lua_State* state, int index) noexcept {
 
 }  // namespace
 
-int callFunction(lua_State* state, Function const& function, ShortText& text) noexcept {
-    return runNative(state, text, [&](NativeCall const& call) {
-        readArguments(call.binding(), state, function, call.arguments());
-        function.call(call.arguments(), call.results());
-        return pushResults(call.binding(), state, call.results(), text);
-    });
+int callFunction(Binding* binding, lua_State* state, Function const& function, ShortText& text) noexcept {
+    return callAt(binding, state, function, {lua_gettop(state), 1}, text);
 }
 
 int callMember(lua_State* state) {
     ShortText text;
-    return complete(state, callFunction(state, *memberOf(state).function, text), text);
+    MemberCell const& cell = cellOf(state);
+    return complete(state, callFunction(cell.anchor->binding, state, *cell.member->function, text), text);
 }
 
 int beginIteration(lua_State* state) {
     ShortText text;
-    int const outcome = callFunction(state, *memberOf(state).function, text);
+    MemberCell const& cell = cellOf(state);
+    int const outcome = callFunction(cell.anchor->binding, state, *cell.member->function, text);
     if (outcome < 0) return complete(state, outcome, text);
     if (outcome != 1 || !toIteratorState(state, -1)) return luaL_error(state, "nothing to walk over");
     int const walk = lua_gettop(state);
     lua_pushvalue(state, lua_upvalueindex(1));
-    lua_pushvalue(state, lua_upvalueindex(2));
     lua_pushvalue(state, walk);
     lua_pushvalue(state, 1);
-    lua_pushcclosure(state, &stepIteration, 4);
+    lua_pushcclosure(state, &stepIteration, 3);
     return 1;
 }
 
 int indexObject(lua_State* state) {
-    Member const* const property = findProperty(state);
+    if (lua_gettop(state) != 2) lua_settop(state, 2);
+    MemberCell const* const property = findProperty(state);
     if (!property) return 1;
     ShortText text;
-    lua_settop(state, 1);
-    return complete(state, callFunction(state, *property->function, text), text);
+    return complete(state, callAt(property->anchor->binding, state, *property->member->function, {1, 1}, text), text);
 }
 
 int assignProperty(lua_State* state) {
-    Member const* const property = findProperty(state);
-    if (!property || !property->second) {
+    lua_pushvalue(state, 2);
+    MemberCell const* const property = findProperty(state);
+    if (!property || !property->member->second) {
         char const* const name = lua_type(state, 2) == LUA_TSTRING ? lua_tostring(state, 2) : luaL_typename(state, 2);
         return luaL_error(state, property ? "%s.%s is read-only" : "%s has no property %s", classNameOf(state, 1),
                           name);
     }
-    lua_settop(state, 3);
-    Binding* const binding = bindingOf(state);
+    Binding* const binding = property->anchor->binding;
     if (binding && binding->asksAssignmentHook) askAssignmentHook(state, *binding);
-    lua_remove(state, 2);
     ShortText text;
-    return complete(state, callFunction(state, *property->second, text), text);
+    return complete(state, callAt(binding, state, *property->member->second, {2, 2}, text), text);
 }
 
 }  // namespace nxLC::impl

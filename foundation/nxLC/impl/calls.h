@@ -6,14 +6,21 @@
 
 namespace nxLC::impl {
 
-/// Calls a native function with the arguments on the stack of the running function, whose first upvalue is the anchor.
-int callFunction(lua_State* state, nxRFL::Function const& function, ShortText& text) noexcept;
+/// The content of a userdata by which functions find a member together with the binding.
+struct MemberCell {
+    Anchor const* anchor;
+    nxRFL::Member const* member;
+};
 
-// Upvalues: the anchor, the address of the member.
+/// Calls a native function with the arguments on the stack of the running function. `binding` is null when the state
+/// has begun to close.
+int callFunction(Binding* binding, lua_State* state, nxRFL::Function const& function, ShortText& text) noexcept;
+
+// Upvalue: the cell of the member.
 int callMember(lua_State* state);
 int beginIteration(lua_State* state);
 
-// Upvalues: the anchor, the table of the members.
+// Upvalues: the anchor, the table of the members, in which properties are cells.
 int indexObject(lua_State* state);
 int assignProperty(lua_State* state);
 

@@ -1,8 +1,6 @@
 // Finding, making and giving up the userdata of objects.
 #include "foundation/nxLC/impl/objects.h"
 
-#include <cstdint>
-#include <iterator>
 #include <utility>
 
 #include "foundation/nxLC/impl/publish.h"
@@ -21,11 +19,6 @@ void* markOf(lua_State* state, int index) noexcept {
     void* const mark = lua_touserdata(state, -1);
     lua_pop(state, 2);
     return mark;
-}
-
-/// Where it is noted that a userdata has been looked at, until it is collected.
-Box const*& verifiedAt(Binding& binding, void const* content) noexcept {
-    return binding.verified[reinterpret_cast<std::uintptr_t>(content) / sizeof(Box) % std::size(binding.verified)];
 }
 
 /// The object has a userdata already: it now owns the object if the handle gives it away.
@@ -71,15 +64,6 @@ bool pushFound(lua_State* state, ClassTables const& tables, Database::Resolved c
 Box* toBox(lua_State* state, int index) noexcept {
     void* const content = lua_touserdata(state, index);
     return content && markOf(state, index) == &objectMark ? static_cast<Box*>(content) : nullptr;
-}
-
-Box* toBox(Binding& binding, lua_State* state, int index) noexcept {
-    auto* const content = static_cast<Box*>(lua_touserdata(state, index));
-    Box const*& verified = verifiedAt(binding, content);
-    if (content && content == verified) return content;
-    Box* const box = toBox(state, index);
-    if (box) verified = box;
-    return box;
 }
 
 nxRFL::Class* toClass(lua_State* state, int index) noexcept {

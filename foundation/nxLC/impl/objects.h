@@ -1,6 +1,9 @@
 // Native objects as userdata.
 #pragma once
 
+#include <cstdint>
+#include <iterator>
+
 #include "foundation/nxLC/impl/Binding.h"
 #include "foundation/nxRFL/Class.h"
 
@@ -20,8 +23,18 @@ inline constexpr char classMark = 0;
 
 /// Null when the value is no object of a binding. Uses two places of the stack; never raises.
 [[nodiscard]] Box* toBox(lua_State* state, int index) noexcept;
+/// Where it is noted that a userdata has been looked at, until it is collected.
+[[nodiscard]] inline Box const*& verifiedAt(Binding& binding, void const* content) noexcept {
+    return binding.verified[reinterpret_cast<std::uintptr_t>(content) / sizeof(Box) % std::size(binding.verified)];
+}
 /// The same, faster for objects that are used repeatedly.
-[[nodiscard]] Box* toBox(Binding& binding, lua_State* state, int index) noexcept;
+[[nodiscard]] inline Box* toBox(Binding& binding, lua_State* state, int index) noexcept {
+    auto* const content = static_cast<Box*>(lua_touserdata(state, index));
+    if (content && content == verifiedAt(binding, content)) return content;
+    Box* const box = toBox(state, index);
+    if (box) verifiedAt(binding, box) = box;
+    return box;
+}
 /// The class whose table the value is, or null. Never raises.
 [[nodiscard]] nxRFL::Class* toClass(lua_State* state, int index) noexcept;
 /// Pushes the address at index 1 of a metatable that is on top.

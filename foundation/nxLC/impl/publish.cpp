@@ -27,10 +27,16 @@ void pushFunctionWithTable(Binding& binding, lua_State* state, lua_CFunction fun
     lua_pushcclosure(state, function, 2);
 }
 
-void pushMemberFunction(Binding& binding, lua_State* state, Member const& member) {
+void pushCell(Binding& binding, lua_State* state, Member const& member) {
     Binding::pushKept(state, binding.anchor);
-    lua_pushlightuserdata(state, const_cast<Member*>(&member));
-    lua_pushcclosure(state, member.kind == Member::Kind::iterator ? &beginIteration : &callMember, 2);
+    auto const* const anchor = static_cast<Anchor*>(lua_touserdata(state, -1));
+    lua_pop(state, 1);
+    *static_cast<MemberCell*>(lua_newuserdata(state, sizeof(MemberCell))) = {anchor, &member};
+}
+
+void pushMemberFunction(Binding& binding, lua_State* state, Member const& member) {
+    pushCell(binding, state, member);
+    lua_pushcclosure(state, member.kind == Member::Kind::iterator ? &beginIteration : &callMember, 1);
 }
 
 /// Sets a function as a field of the table on top.
@@ -40,7 +46,7 @@ void setFunction(Binding& binding, lua_State* state, char const* name, lua_CFunc
     lua_rawset(state, -3);
 }
 
-/// Fills the table on top with what objects have: functions, and properties as the addresses of their members.
+/// Fills the table on top with what objects have: functions, and properties as the cells of their members.
 /// Members of bases come first, so that those of the class take their places.
 bool fillMembers(Binding& binding, lua_State* state, Class const& objectClass) {
     bool hasProperties = false;
@@ -50,7 +56,7 @@ bool fillMembers(Binding& binding, lua_State* state, Class const& objectClass) {
         if (member.kind == Member::Kind::staticMethod) continue;
         pushName(state, member.name);
         if (member.kind == Member::Kind::property) {
-            lua_pushlightuserdata(state, const_cast<Member*>(&member));
+            pushCell(binding, state, member);
             hasProperties = true;
         } else {
             pushMemberFunction(binding, state, member);

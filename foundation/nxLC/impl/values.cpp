@@ -177,18 +177,25 @@ int pushItems(Binding& binding, lua_State* state, Stack const& items) {
     return lua_gettop(state) - before;
 }
 
+int pushText(lua_State* state, CString const& result, ShortText& text) {
+    if (result.size() <= ShortText::capacity) {
+        text.size = result.size();
+        std::memcpy(text.bytes, result.data(), text.size);
+        return shortTextOutcome;
+    }
+    protect(state, 0, 1, [&result](lua_State* inner) {
+        lua_pushlstring(inner, result.data(), result.size());
+        return 1;
+    });
+    return 1;
+}
+
 int pushResults(Binding& binding, lua_State* state, Stack const& results, ShortText& text) {
     if (results.empty()) return 0;
     Reader reader(results);
-    if (results.size() == 1 && reader.kind() == Kind::text) {
-        CString const& result = reader.readText();
-        if (result.size() <= ShortText::capacity) {
-            text.size = result.size();
-            std::memcpy(text.bytes, result.data(), text.size);
-            return shortTextOutcome;
-        }
-    } else if (results.size() == 1 && pushPlain(binding, state, reader)) {
-        return 1;
+    if (results.size() == 1) {
+        if (reader.kind() == Kind::text) return pushText(state, reader.readText(), text);
+        if (pushPlain(binding, state, reader)) return 1;
     }
     int const before = lua_gettop(state);
     protect(state, 0, LUA_MULTRET, [&](lua_State* inner) { return pushItems(binding, inner, results); });
@@ -206,17 +213,13 @@ int pushElements(Binding& binding, lua_State* state, Stack const& results) {
     return lua_gettop(state) - before;
 }
 
-int complete(lua_State* state, int outcome, ShortText const& text) {
-    switch (outcome) {
-        case raisedOutcome: return lua_error(state);
-        case shortTextOutcome: lua_pushlstring(state, text.bytes, text.size); return 1;
-        case shortErrorOutcome:
-            luaL_where(state, 1);
-            lua_pushlstring(state, text.bytes, text.size);
-            lua_concat(state, 2);
-            return lua_error(state);
-        default: return outcome;
-    }
+int finish(lua_State* state, int outcome, ShortText const& text) {
+    if (outcome == raisedOutcome) return lua_error(state);
+    if (outcome == shortErrorOutcome) luaL_where(state, 1);
+    lua_pushlstring(state, text.bytes, text.size);
+    if (outcome == shortTextOutcome) return 1;
+    lua_concat(state, 2);
+    return lua_error(state);
 }
 
 }  // namespace nxLC::impl

@@ -25,6 +25,8 @@ void readArguments(Binding& binding, lua_State* state, nxRFL::Function const& fu
 /// Appends the Lua values from `first` up to the top.
 void readValues(Binding& binding, lua_State* state, int first, nxRFL::Stack& stack);
 
+/// Pushes the result of a call.
+int pushText(lua_State* state, urString::CString const& result, ShortText& text);
 /// Pushes the results of a call.
 int pushResults(Binding& binding, lua_State* state, nxRFL::Stack const& results, ShortText& text);
 /// The elements of the array that is the one result, as so many values.
@@ -33,7 +35,11 @@ int pushElements(Binding& binding, lua_State* state, nxRFL::Stack const& results
 /// Pushes all items. For bodies: raises and throws.
 int pushItems(Binding& binding, lua_State* state, nxRFL::Stack const& items);
 
+/// Ends a function that Lua called, whose outcome is no number of results.
+int finish(lua_State* state, int outcome, ShortText const& text);
 /// Ends a function that Lua called, with nothing left that has a destructor.
-int complete(lua_State* state, int outcome, ShortText const& text);
+inline int complete(lua_State* state, int outcome, ShortText const& text) {
+    return outcome >= 0 ? outcome : finish(state, outcome, text);
+}
 
 }  // namespace nxLC::impl
