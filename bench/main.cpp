@@ -30,6 +30,7 @@ int main(int argc, char** argv) {
     bench::addCacheRows(suite);
     bench::addUndoRows(suite);
     bench::addPropertyRows(suite);
+    bench::addLuaRows(suite);
     bench::addServiceRows(suite);
     if (!suite.writeJson()) {
         std::fprintf(stderr, "nxbench: cannot write %s\n", options.jsonFile.c_str());

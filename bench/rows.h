@@ -16,6 +16,7 @@ void addMessagingRows(Suite& suite);
 void addCacheRows(Suite& suite);
 void addUndoRows(Suite& suite);
 void addPropertyRows(Suite& suite);
+void addLuaRows(Suite& suite);
 void addServiceRows(Suite& suite);
 
 }  // namespace bench
