@@ -82,7 +82,10 @@ private:
     struct Memo {
         Memo() noexcept = default;
         Memo(Memo const& /*other*/) noexcept {}
-        Memo& operator=(Memo const& /*other*/) noexcept { return *this = Memo(); }
+        Memo& operator=(Memo const& other) noexcept {
+            if (this != &other) *this = Memo();
+            return *this;
+        }
         Memo& operator=(Memo&&) noexcept = default;
         ~Memo() = default;
 
