@@ -14,6 +14,7 @@
 #include "support/services/PerfScope.h"
 #include "support/services/Timeline.h"
 #include "tools/nxhost/Cache.h"
+#include "tools/nxhost/FileSink.h"
 #include "tools/nxhost/required.h"
 
 namespace nxhost {
@@ -137,6 +138,7 @@ void Host::registerFunctions(nxRFL::Database& database) {
     nxRFL::ExposeFunction(database, "host")
         .add("turn", [this] { return turn(); })
         .add("later", [this](std::function<void()> function) { later(std::move(function)); })
+        .add("fileSink", [this](CString const& path) { return fileSink(path); })
         .add("exit", [this](int code) { exit(code); })
         .add("statistics", [this] { return diagnostics_.statistics(); });
 }
@@ -186,6 +188,7 @@ CString Host::listing(nxRFL::ListingFormat format) const {
 }
 
 bool Host::run(std::string_view source, CString const& name) {
+    if (isEnding()) return false;
     nxSupport::PerfScope time;
     time.charge(nxSupport::Perf_TaskExecute);
     nxSupport::ScriptCallScope const call(name.view().substr(1));  // without the mark of a chunk's name
@@ -201,7 +204,9 @@ bool Host::run(std::string_view source, CString const& name) {
 
 void Host::finish() {
     try {
-        while (!isEnding() && loop_.turn()) continue;
+        do {
+            while (!isEnding() && loop_.turn()) continue;
+        } while (!isEnding() && domain_.waitForAsyncTask());
     } catch (Ended const&) {
     }
 }
@@ -231,6 +236,11 @@ bool Host::turn() {
 void Host::later(std::function<void()> function) {
     requireFunction(function != nullptr, "host.later", 1);
     loop_.queue().add(ur::make<Later>(std::move(function)));
+}
+
+ur::Reference<nxSupport::DataSink> Host::fileSink(CString const& path) {
+    if (!loop_.transfers().options().mayUseFiles) throw nxRFL::Exception("files are not for the sandbox");
+    return ur::make<FileSink>(path);
 }
 
 void Host::exit(int code) {

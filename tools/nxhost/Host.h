@@ -11,6 +11,7 @@
 #include "foundation/nxTXN/Manager.h"
 #include "krcache/Manager.h"
 #include "support/messaging/Broadcaster.h"
+#include "support/messaging/DataSink.h"
 #include "support/services/Registry.h"
 #include "tools/nxhost/Connection.h"
 #include "tools/nxhost/Diagnostics.h"
@@ -67,6 +68,7 @@ private:
     // For scripts.
     bool turn();
     void later(std::function<void()> function);
+    ur::Reference<nxSupport::DataSink> fileSink(urString::CString const& path);
     void exit(int code);
     void onCallbackError(nxRFL::Exception const& error);
 

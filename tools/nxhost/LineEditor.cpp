@@ -73,7 +73,7 @@ LineEditor::LineEditor(Loop& loop, nxLC::State& state)
     el_set(editor, EL_SIGNAL, 0);
     el_set(editor, EL_GETCFN, &Callbacks::readKey);
     el_set(editor, EL_HIST, &history, history_.get());
-    el_set(editor, EL_ADDFN, "nxhost-complete", "complete a name", &Callbacks::complete);
+    el_wset(editor, EL_ADDFN, L"nxhost-complete", L"complete a name", &Callbacks::complete);  // el_set leaks
     el_set(editor, EL_BIND, "^I", "nxhost-complete", nullptr);
     HistEvent event;
     history(history_.get(), &event, H_SETSIZE, historySize);

@@ -51,7 +51,7 @@ constexpr Option options[] = {
     {"--sandbox", "", "no files, processes and loading for scripts",
      [](Options& o, std::string_view) {
          o.library = nxLC::Library::sandboxed;
-         o.network.mayReadFiles = false;
+         o.network.mayUseFiles = false;
      }},
     {"--instructions", "COUNT", "stop a script after COUNT thousand instructions",
      [](Options& o, std::string_view value) {

@@ -22,9 +22,9 @@ struct ExitCode {
 /// How transfers may run.
 struct NetworkOptions {
     std::vector<std::string> schemes{"http", "https"};
-    std::string authorities;   ///< a file of certificates to trust; empty: those of the system
-    double timeLimit = 0;      ///< of a transfer, in seconds; 0 for none
-    bool mayReadFiles = true;  ///< for uploads
+    std::string authorities;  ///< a file of certificates to trust; empty: those of the system
+    double timeLimit = 0;     ///< of a transfer, in seconds; 0 for none
+    bool mayUseFiles = true;  ///< for uploads, and for sinks
 };
 
 struct Options {

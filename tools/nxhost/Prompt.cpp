@@ -23,7 +23,7 @@ constexpr char const* showSource =
 }  // namespace
 
 Prompt::Prompt(Host& host)
-    : host_(host), show_(host.state().load(showSource, "=prompt")), editor_(host.loop(), host.state()) {}
+    : host_(host), show_(host.state().load(showSource, "=nxhost")), editor_(host.loop(), host.state()) {}
 
 void Prompt::run() {
     while (readChunk()) {

@@ -42,7 +42,7 @@ void checkRequest(Request const& request, NetworkOptions const& options) {
         if (hasLineBreakOrNul(value)) refuse("a header has no line breaks and no NULs");
     }
     if (request.getFileForUpload().find('\0') != CString::npos) refuse("the name of a file has no NULs");
-    if (!request.getFileForUpload().empty() && !options.mayReadFiles) refuse("files are not for the sandbox");
+    if (!request.getFileForUpload().empty() && !options.mayUseFiles) refuse("files are not for the sandbox");
 }
 
 std::string joined(std::vector<std::string> const& words) {
@@ -189,7 +189,7 @@ void Transfer::set(CURLoption option, Value value) {
 
 void Transfer::setUp(NetworkOptions const& options, double timeLimit) {
     set(CURLOPT_ERRORBUFFER, errorText_);
-    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_QUICK_EXIT, 1L);  // cancelling does not wait for a name to be resolved
     set(CURLOPT_USERAGENT, "nxhost/" NX_VERSION);
     set(CURLOPT_CONNECTTIMEOUT, connectSeconds);
     set(CURLOPT_LOW_SPEED_LIMIT, 1L);

@@ -21,6 +21,8 @@ Transfers::Transfers(NetworkOptions const& options) : options_(options) {
     static Library const library;
     multi_ = curl_multi_init();
     if (!multi_) throw std::bad_alloc();
+    constexpr long mostConnections = 256;  // further transfers wait
+    curl_multi_setopt(multi_, CURLMOPT_MAX_TOTAL_CONNECTIONS, mostConnections);
 }
 
 Transfers::~Transfers() {

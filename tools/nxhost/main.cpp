@@ -20,8 +20,9 @@ struct Failure {
     std::string message;
 };
 
-void check(urUtil::Error const& error) {
-    if (error.isError()) throw Failure{std::string(error.message())};
+/// `about` is put before messages that do not name the file themselves.
+void check(urUtil::Error const& error, std::string const& about = "") {
+    if (error.isError()) throw Failure{about + (about.empty() ? "" : ": ") + std::string(error.message())};
 }
 
 CString contents(std::string const& path) {
@@ -33,7 +34,7 @@ CString contents(std::string const& path) {
         constexpr std::size_t block = 1 << 16;
         std::size_t const before = text.size();
         text.resizeAndOverwrite(before + block, [&](char* bytes, std::size_t) {
-            check(file.read(bytes + before, block, &done));
+            check(file.read(bytes + before, block, &done), path);
             return before + done;
         });
     }

@@ -59,6 +59,7 @@ USAGE = [  # arguments, standard input, exit code, what is in the output
     (["-e", "nonsense here"], "", 1, "nxhost: -e:1: '=' expected near 'here'\n"),
     (["-e", "error({})"], "", 1, "nxhost: (error object is a table value)\n"),
     (["absent.lua"], "", 2, "absent.lua"),
+    (["/"], "", 2, "nxhost: /: read: Is a directory\n"),
     (["--nothing"], "", 2, "nxhost: no option --nothing (nxhost --help tells more)\n"),
     (["-e"], "", 2, "-e needs a CODE"),
     (["--cache", "12Q"], "", 2, "--cache takes a number, not 12Q"),

@@ -9,6 +9,7 @@ connection:setRequest(request)
 connection:start()
 host.turn()
 print(connection.status, connection.error, connection.errorText)
+print(pcall(host.fileSink, "file"))
 print(pcall(string.rep, "x", 30000000))
 host.later(function() print "before it goes on for ever" while true do end end)
 while host.turn() do end
