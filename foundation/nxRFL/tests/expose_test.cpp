@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <string>
@@ -177,6 +178,34 @@ TEST_F(Exposed, NamesFunctionArgumentExpectedAndFound) {
     EXPECT_EQ(messageOf(heaviest), "zoo.heaviest takes 2 arguments, but got 0");
     EXPECT_EQ(messageOf(heaviest, ur::vector<int>{1}, true),
               "zoo.heaviest: argument 1[1] must be zoo::Animal, but is number");
+}
+
+nxRFL::PlainValue plain(double number) {
+    return {nxRFL::PlainValue::Kind::number, false, {.number = number}, {.pointer = nullptr}};
+}
+
+TEST_F(Exposed, TakesPlainValuesThatFitAndLeavesOthers) {
+    nxRFL::PlainValue const self{nxRFL::PlainValue::Kind::object,
+                                 false,
+                                 {.objectClass = database.getClass("zoo::Duck")},
+                                 {.pointer = duck.get()}};
+    nxRFL::PlainResult result;
+    auto const takes = [&](char const* name, std::initializer_list<nxRFL::PlainValue> arguments) {
+        return member("zoo::Duck", name).function->callPlain(std::span(arguments.begin(), arguments.size()), result);
+    };
+    EXPECT_TRUE(takes("grow", {self, plain(4), plain(1.5)}));
+    EXPECT_EQ(result.kind, nxRFL::PlainValue::Kind::none);
+    EXPECT_TRUE(takes("age", {self}));
+    EXPECT_EQ(result.number, 6);
+    EXPECT_TRUE(takes("quack", {self, plain(2)}));
+    EXPECT_EQ(result.text, "quackquack");
+    for (double const count : {-1.0, 0.5, 1e10, std::nan("")}) EXPECT_FALSE(takes("quack", {self, plain(count)}));
+    EXPECT_FALSE(takes("quack", {self}));
+    EXPECT_FALSE(takes("quack", {self, self}));
+    EXPECT_FALSE(takes("quack", {plain(1), plain(1)}));
+    EXPECT_FALSE(member("zoo::Animal", "mate").function->takesPlainValues());
+    database.getClass("zoo::Duck")->setAliveTest([](void const*) { return false; });
+    EXPECT_FALSE(takes("quack", {self, plain(1)}));
 }
 
 TEST_F(Exposed, FindsTheClassOfAnObjectAndConvertsPointersOnTheWay) {
