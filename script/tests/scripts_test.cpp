@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 
 #include "foundation/urOS/tests/CapturedOutput.h"
 #include "script/tests/Host.h"
@@ -12,10 +12,8 @@ namespace {
 namespace fs = std::filesystem;
 
 std::string contents(fs::path const& path) {
-    std::ifstream const file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::string withoutAddresses(std::string text) {
@@ -26,27 +24,15 @@ std::string withoutAddresses(std::string text) {
     return text;
 }
 
-std::vector<std::string> scriptNames() {
-    std::vector<std::string> names;
+TEST(Scripts, PrintWhatIsExpected) {
     for (auto const& entry : fs::directory_iterator(NX_SCRIPTS)) {
-        if (entry.path().extension() == ".lua") names.push_back(entry.path().stem());
+        if (entry.path().extension() != ".lua") continue;
+        SCOPED_TRACE(entry.path().stem());
+        urOS::CapturedOutput const output;
+        nxSupport::Host host;
+        EXPECT_EQ(host.run(contents(entry.path())), "ok");
+        EXPECT_EQ(withoutAddresses(output.text()), contents(fs::path(entry.path()).replace_extension(".expected")));
     }
-    std::ranges::sort(names);
-    return names;
 }
-
-class Script : public ::testing::TestWithParam<std::string> {};
-
-TEST_P(Script, PrintsWhatIsExpected) {
-    fs::path const path = fs::path(NX_SCRIPTS) / (GetParam() + ".lua");
-    urOS::CapturedOutput const output;
-    nxSupport::Host host;
-    EXPECT_EQ(host.run(contents(path)), "ok");
-    fs::path const expected = fs::path(path).replace_extension(".expected");
-    EXPECT_EQ(withoutAddresses(output.text()), contents(expected));
-}
-
-INSTANTIATE_TEST_SUITE_P(All, Script, ::testing::ValuesIn(scriptNames()),
-                         [](auto const& script) { return script.param; });
 
 }  // namespace

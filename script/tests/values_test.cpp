@@ -27,17 +27,10 @@ Value readBack(Stack const& stack, Value value = {}) {
     return value;
 }
 
-std::vector<double> numbers(Stack const& stack) {
-    ur::vector<double> result;
-    Reader reader(stack);
-    nxRFL::read(reader, result);
-    return result;
-}
-
 TEST(ReflectedValues, AreArraysOfTheirComponents) {
     using namespace urLinear;
     auto const check = [](auto const& value, std::vector<double> const& components) {
-        EXPECT_EQ(numbers(written(value)), components);
+        EXPECT_EQ(readBack<ur::vector<double>>(written(value)), components);
         EXPECT_EQ(readBack<std::remove_cvref_t<decltype(value)>>(written(value)), value);
     };
     check(Point(1, 2, 3), {1, 2, 3});
@@ -58,34 +51,20 @@ TEST(ReflectedValues, AreArraysOfTheirComponents) {
     EXPECT_THROW(readBack<Point>(written(Point2(1, 2))), nxRFL::Exception);
 }
 
-/// A dictionary with these of the entries "min" and "max", and perhaps one of another key.
-template <class Bound>
-Stack entries(std::initializer_list<std::pair<char const*, Bound>> list) {
-    Stack stack;
-    Writer writer(stack);
-    writer.startDictionary(static_cast<unsigned>(list.size()));
-    for (auto const& [key, bound] : list) {
-        writer.writeText(key);
-        write(writer, bound);
-    }
-    return stack;
-}
-
 TEST(ReflectedValues, AreDictionariesOfTheirParts) {
     using namespace urLinear;
+    using Bounds = ur::map<urString::CString, double>;
+    using Corners = ur::map<urString::CString, Point>;
     EXPECT_EQ(readBack<Range1d>(written(Range1d(1, 2))), Range1d(1, 2));
-    EXPECT_EQ(readBack<Range1d>(entries<double>({{"max", 5}})), Range1d(0, 5));
-    EXPECT_EQ(readBack<Range1d>(entries<double>({}), Range1d(3, 4)), Range1d(0, 0));
-    EXPECT_THROW(readBack<Range1d>(entries<double>({{"min", 1}, {"mid", 2}})), nxRFL::Exception);
-    EXPECT_THROW(readBack<Range1d>(entries<double>({{"min", 1}, {"max", 2}, {"min", 3}})), nxRFL::Exception);
-
+    EXPECT_EQ(readBack<Range1d>(written(Bounds{{"max", 5}})), Range1d(0, 5));
+    EXPECT_EQ(readBack(written(Bounds{}), Range1d(3, 4)), Range1d(0, 0));
+    EXPECT_THROW(readBack<Range1d>(written(Bounds{{"min", 1}, {"mid", 2}})), nxRFL::Exception);
     Range3d const box({1, 2, 3}, {4, 5, 6});
     EXPECT_EQ(readBack<Range3d>(written(box)), box);
-    EXPECT_EQ(readBack<Range3d>(entries<Point>({{"max", {4, 5, 6}}}), box), Range3d(Point(), {4, 5, 6}));
-
+    EXPECT_EQ(readBack(written(Corners{{"max", {4, 5, 6}}}), box), Range3d(Point(), {4, 5, 6}));
     Plane const plane({1, 2, 3}, Normal(1, 0, 0));
     EXPECT_EQ(readBack<Plane>(written(plane)), plane);
-    EXPECT_EQ(readBack<Plane>(entries<Point>({{"point", {7, 8, 9}}}), plane), Plane({7, 8, 9}, Normal(1, 0, 0)));
+    EXPECT_EQ(readBack(written(Corners{{"point", {7, 8, 9}}}), plane), Plane({7, 8, 9}, Normal(1, 0, 0)));
 }
 
 }  // namespace
