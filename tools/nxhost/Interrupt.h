@@ -26,6 +26,8 @@ public:
     void watch(nxLC::State* state) noexcept;
     /// The signal that has come, or 0.
     [[nodiscard]] int pending() const noexcept;
+    /// That signal is one that a prompt does not survive.
+    [[nodiscard]] bool isFinal() const noexcept { return pending() == SIGTERM; }
     /// It has been dealt with.
     void clear() noexcept;
     /// Readable while a signal is pending.

@@ -97,7 +97,7 @@ LineEditor::Result LineEditor::read(char const* prompt, std::string& line) {
         bool const isEmpty = typed->buffer == typed->lastchar;
         std::fputs("\n", stdout);
         std::fflush(stdout);
-        if (isEmpty) return Result::interrupted;
+        if (isEmpty || loop_.interrupt().isFinal()) return Result::interrupted;
         loop_.interrupt().clear();
         return Result::dropped;
     }

@@ -25,7 +25,7 @@ public:
     enum class Result {
         line,
         dropped,      ///< Ctrl-C on a line with something in it
-        interrupted,  ///< Ctrl-C on an empty line, still pending
+        interrupted,  ///< Ctrl-C on an empty line, or the request to terminate; still pending
         end,          ///< of the input
     };
 

@@ -106,9 +106,10 @@ void printHelp() {
         "usage: nxhost [OPTION...] [SCRIPT [ARGUMENT...]]\n\n"
         "Runs SCRIPT (\"-\": the standard input), then what it has left running, such as transfers. Without\n"
         "a script: a prompt at a terminal, otherwise the standard input is the script.\n\noptions:");
-    for (Option const& option : options)
-        putLine(std::string(option.name) + (option.argument.empty() ? "" : " ") + std::string(option.argument),
-                option.meaning);
+    for (Option const& option : options) {
+        std::string const separator = option.argument.empty() ? "" : " ";
+        putLine(std::string(option.name) + separator + std::string(option.argument), option.meaning);
+    }
     std::puts("\nenvironment:");
     for (auto const& variable : variables) putLine(std::string(variable.name), variable.meaning);
     std::puts("\nexit codes:");

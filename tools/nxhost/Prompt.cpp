@@ -12,7 +12,6 @@ namespace nxhost {
 using nxRFL::Exception;
 using nxRFL::Function;
 using ur::Reference;
-using urString::CString;
 
 namespace {
 
@@ -26,10 +25,11 @@ Prompt::Prompt(Host& host)
     : host_(host), show_(host.state().load(showSource, "=nxhost")), editor_(host.loop(), host.state()) {}
 
 void Prompt::run() {
+    Interrupt& interrupt = host_.loop().interrupt();
     while (readChunk()) {
         if (chunk_) evaluate(chunk_);
-        if (host_.hasChosenExit()) break;
-        host_.loop().interrupt().clear();
+        if (host_.hasChosenExit() || interrupt.isFinal()) break;
+        interrupt.clear();
     }
     host_.forgive();
 }

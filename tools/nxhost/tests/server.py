@@ -2,6 +2,7 @@
 import http.server
 import ssl
 import threading
+import time
 from urllib.parse import parse_qs, urlsplit
 
 
@@ -103,6 +104,14 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def on_listen(self):
         self.server.listen_again.set()
         self.send(b"")
+
+    def on_slow(self):
+        self.send_response(200)
+        self.send_header("Content-Length", "20")
+        self.end_headers()
+        for byte in b"twenty bytes, slowly":
+            time.sleep(0.005)
+            self.wfile.write(bytes((byte,)))
 
     def on_early(self):
         """Ends in the middle of what was announced."""

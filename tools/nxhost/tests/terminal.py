@@ -128,6 +128,17 @@ def stops(folder):
     terminal.expect_exit(130)
 
 
+def terminates(folder):
+    for typed in ["", "print(", "print('busy') while true do end\r"]:
+        terminal = Terminal(folder)
+        terminal.expect("> ")
+        terminal.type(typed)
+        if typed:
+            terminal.expect("\r\nbusy\r\n" if typed.endswith("\r") else typed)
+        os.kill(terminal.process, signal.SIGTERM)
+        terminal.expect_exit(143)
+
+
 def signalled(code, number, expected_code, expected_text):
     """Runs a script and sends it a signal once it has said that it is there."""
     with subprocess.Popen([nxhost, "-e", code], text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
@@ -167,6 +178,6 @@ def leaves_nothing(_):
 
 
 with tempfile.TemporaryDirectory() as folder:
-    for test in [evaluates, completes, remembers, stops, signals, leaves_nothing]:
+    for test in [evaluates, completes, remembers, stops, terminates, signals, leaves_nothing]:
         test(folder)
 print("all as expected")

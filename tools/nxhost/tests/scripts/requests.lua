@@ -48,6 +48,7 @@ for _, code in ipairs{204, 404, 500} do
     print(connection.status, connection.responseStatus, connection.error)
 end
 print(select(2, net.fetch("/chunked")))
+print(select(2, net.fetch("/slow")))
 
 print "== redirections"
 print(select(2, net.fetch("/redirect?to=/hello")))
