@@ -6,7 +6,6 @@
 #include <deque>
 #include <exception>
 #include <unordered_map>
-#include <utility>
 
 #include "krcache/Accountant.h"
 #include "krcache/Manager.h"
@@ -15,6 +14,8 @@
 #include "krcache/impl/KeyTable.h"
 #include "krcache/impl/LruList.h"
 #include "krcache/impl/PageFile.h"
+#include "krcache/impl/Removal.h"
+#include "krcache/impl/scopes.h"
 
 namespace urKRCache {
 
@@ -94,19 +95,6 @@ private:
     using Cause = Leaving;
     /// Whether hooks that eviction calls may build resources.
     enum class Evicting { no, hooksMayBuild, hooksMayNotBuild };
-
-    /// A removal that is under way. Removals wait on a stack of their own, so that a chain of dependents of any
-    /// length needs no more of the thread's.
-    struct Removal {
-        enum class Stage { clear, dependents, release, finish, done };
-
-        ur::Reference<Shim> shim;
-        Stage stage = Stage::clear;
-        ur::vector<ur::Reference<Shim>> children;
-        ur::vector<ur::Reference<Shim>> parents;
-        std::size_t nextParent = 0;
-        ur::Reference<Resource> resource;  ///< kept until the dependents are gone, whose resources may hold it
-    };
 
     // access.cpp
     class ObservedBuild;
@@ -213,20 +201,6 @@ private:
     std::deque<Removal> removals_;  ///< a deque: removals begun on the way must not move those under way
     unsigned removalRuns_ = 0;
     std::exception_ptr removalFailure_;
-};
-
-/// Sets a variable for as long as a scope runs.
-template <class T>
-class Scoped {
-public:
-    Scoped(T& variable, T value) noexcept : variable_(variable), former_(std::exchange(variable, value)) {}
-    Scoped(Scoped const&) = delete;
-    Scoped& operator=(Scoped const&) = delete;
-    ~Scoped() { variable_ = former_; }
-
-private:
-    T& variable_;
-    T former_;
 };
 
 }  // namespace urKRCache

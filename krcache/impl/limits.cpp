@@ -1,5 +1,6 @@
 // Keeping resources within the limit, and the locks that hold them.
 #include <algorithm>
+#include <utility>
 
 #include "foundation/urOS/sysInfo.h"
 #include "krcache/debugChannel.h"
@@ -20,21 +21,6 @@ void warnUnless(std::uint32_t size, std::uint32_t expected) {
     if (difference > -sizeTolerance && difference < sizeTolerance) return;
     debugChannel().print("Unanticipated %.02fMB resource!\n", impl::megabytes(size));
 }
-
-/// Adds to a counter for as long as a scope runs.
-class Reservation {
-public:
-    Reservation(std::uint64_t& counter, std::uint64_t bytes) noexcept : counter_(counter), bytes_(bytes) {
-        counter_ += bytes_;
-    }
-    Reservation(Reservation const&) = delete;
-    Reservation& operator=(Reservation const&) = delete;
-    ~Reservation() { counter_ -= bytes_; }
-
-private:
-    std::uint64_t& counter_;
-    std::uint64_t bytes_;
-};
 
 }  // namespace
 
