@@ -47,7 +47,7 @@ bool Property::validate(JoinedPropertyIterator& members, ItemReference& candidat
 // A listener may have moved this property to another joined set: then that one is told.
 void Property::tell(JoinedPropertyIterator& members, PropertyModType type) {
     if (!members.isCurrent()) return broadcast(type);
-    for (members.rewind(Start::skip); members.valid(); members.next()) members.current().send(type);
+    members.forEach(Start::skip, [type](Property& member) { member.send(type); });
 }
 
 bool Property::modify(ItemReference value, PropertyModType type) {

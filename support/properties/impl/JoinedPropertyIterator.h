@@ -34,18 +34,30 @@ public:
         settle();
     }
 
+    /// Visits the members from the first one on.
+    template <class Visit>
+    void forEach(Start handling, Visit visit) {
+        Property const* const skipped = handling == Start::skip ? &start_.property() : nullptr;
+        for (txd_.rewind(); txd_.valid(); txd_.next()) {
+            TxdProperty* const member = txd_.member();
+            if (member && member != skipped && takesPart(*member)) visit(*member);
+        }
+        for (untxd_.rewind(); untxd_.valid(); untxd_.next()) {
+            UnTxdProperty* const member = untxd_.member();
+            if (member && member != skipped) visit(*member);
+        }
+    }
+
     /// Whether the start property still belongs to the set that is walked.
     [[nodiscard]] bool isCurrent() const noexcept {
-        JoinedData const now(start_.property());
-        return startIsTransacted_ ? now.txd == txd_.data() : now.untxd == untxd_.data();
+        if (TxdProperty const* const txd = JoinedData::asTxd(start_.property())) return txd->data() == txd_.data();
+        UnTxdProperty const* const untxd = JoinedData::asUnTxd(start_.property());
+        return !untxd || untxd->data() == untxd_.data();
     }
 
 private:
     JoinedPropertyIterator(Property const& start, Start handling, JoinedData const& shared)
-        : start_(start),
-          startIsTransacted_(JoinedData::asTxd(start) != nullptr),
-          txd_(shared.txd),
-          untxd_(shared.untxd) {
+        : start_(start), txd_(shared.txd), untxd_(shared.untxd) {
         rewind(handling);
     }
 
@@ -69,7 +81,6 @@ private:
     }
 
     PropertyHold start_;
-    bool startIsTransacted_;
     Property const* skipped_ = nullptr;
     Property* current_ = nullptr;
     MemberWalk<TxdPropertyData> txd_;
