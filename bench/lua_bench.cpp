@@ -64,7 +64,9 @@ double timeOfRun(lua_State* state, int count) {
 
 // The class, bound by hand as the manual of Lua does it.
 
-Gauge& toGauge(lua_State* state) { return **static_cast<Gauge**>(luaL_checkudata(state, 1, "Gauge")); }
+Gauge& toGauge(lua_State* state) {
+    return *static_cast<Gauge*>(*static_cast<void**>(luaL_checkudata(state, 1, "Gauge")));
+}
 
 int addByHand(lua_State* state) {
     lua_pushnumber(state, toGauge(state).add(luaL_checknumber(state, 2), luaL_checknumber(state, 3)));
@@ -92,7 +94,7 @@ int assignByHand(lua_State* state) {
 void bindByHand(lua_State* state, Gauge& gauge) {
     constexpr luaL_Reg functions[] = {
         {"add", &addByHand}, {"__index", &indexByHand}, {"__newindex", &assignByHand}, {nullptr, nullptr}};
-    *static_cast<Gauge**>(lua_newuserdata(state, sizeof(Gauge*))) = &gauge;
+    *static_cast<void**>(lua_newuserdata(state, sizeof(void*))) = &gauge;
     luaL_newmetatable(state, "Gauge");
     luaL_register(state, nullptr, functions);
     lua_setmetatable(state, -2);

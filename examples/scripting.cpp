@@ -38,7 +38,8 @@ void registerStudio(nxRFL::Database& database) {
     nxRFL::ExposeClass<Brush>(database, "studio::Brush")
         .addProperty("size", &Brush::getSize, &Brush::setSize)
         .addMethod("addStroke", &Brush::addStroke)
-        .addMethod("onChange", [](Brush& brush, std::function<void(Brush&)> function) { brush.changed = function; })
+        .addMethod("onChange",
+                   [](Brush& brush, std::function<void(Brush&)> const& function) { brush.changed = function; })
         .addMapIterator("strokes", &Brush::strokes)
         .addStaticMethod("make", [] { return ur::make<Brush>(); });
     nxRFL::ExposeFunction(database, "studio").add("area", [](double radius) {

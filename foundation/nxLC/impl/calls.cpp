@@ -13,7 +13,6 @@ namespace nxLC::impl {
 
 using nxRFL::Function;
 using nxRFL::IteratorState;
-using nxRFL::Member;
 using nxRFL::PlainResult;
 using nxRFL::PlainValue;
 

@@ -79,7 +79,7 @@ inline void expose(nxRFL::Database& database) {
             [](Animal& self, Reference<Animal> const& other) { self.friendly = other; })
         .addProperty("legs", [](Animal&) { return 4; })
         .addMethod("feed", &Animal::feed)
-        .addMethod("setOnCall", [](Animal& self, decltype(Animal::onCall) function) { self.onCall = function; })
+        .addMethod("setOnCall", [](Animal& self, decltype(Animal::onCall) const& function) { self.onCall = function; })
         .addMethod("call",
                    [](Animal& self, CString const& text) {
                        Token const token;
@@ -108,7 +108,7 @@ inline void expose(nxRFL::Database& database) {
             [](bool secret) { return secret ? Reference<Duck>(new SecretDuck("James")) : ur::make<Duck>("Donald"); })
         .addMethod("asSwimmer", [](Duck& self) -> Swimmer* { return &self; });
     nxRFL::ExposeClass<Barn>(database, "farm::Barn", nxRFL::impl::ownableType<Barn>)
-        .addMethod("add", [](Barn& self, Reference<Animal> animal) { self.animals.push_back(animal); })
+        .addMethod("add", [](Barn& self, Reference<Animal> const& animal) { self.animals.push_back(animal); })
         .addMethod("count", [](Barn& self) { return self.animals.size(); });
     nxRFL::ExposeFunction(database, "farm::tools")
         .add("apply",

@@ -15,7 +15,6 @@ using farm::Farm;
 using nxRFL::Exception;
 using nxRFL::Reader;
 using nxRFL::Stack;
-using nxRFL::Writer;
 using urString::CString;
 
 class Calls : public Farm {};

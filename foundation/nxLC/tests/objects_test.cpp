@@ -5,10 +5,8 @@ namespace {
 
 using farm::Animal;
 using farm::Barn;
-using farm::Duck;
 using farm::Farm;
 using nxRFL::Object;
-using ur::Reference;
 
 class Objects : public Farm {};
 
