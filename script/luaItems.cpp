@@ -40,7 +40,13 @@ bool hasKind(Item const& item) noexcept {
 
 void pushAny(lua_State* state, Item const* item);
 
+/// For a container, its key and a plain value.
+void makeRoom(lua_State* state) {
+    if (!lua_checkstack(state, 4)) throw nxRFL::Exception("the item is nested too deeply");
+}
+
 void pushArray(lua_State* state, Array const& array) {
+    makeRoom(state);
     lua_createtable(state, array.size(), 0);
     int position = 0;
     for (auto const& element : array.array()) {
@@ -50,6 +56,7 @@ void pushArray(lua_State* state, Array const& array) {
 }
 
 void pushDictionary(lua_State* state, Dictionary const& dictionary) {
+    makeRoom(state);
     lua_createtable(state, 0, dictionary.size());
     for (auto const& [key, value] : dictionary.dictionary()) {
         lua_pushstring(state, key.c_str());
@@ -59,7 +66,6 @@ void pushDictionary(lua_State* state, Dictionary const& dictionary) {
 }
 
 void pushAny(lua_State* state, Item const* item) {
-    if (!lua_checkstack(state, 4)) throw nxRFL::Exception("the item is nested too deeply");
     if (!item) return lua_pushnil(state);
     if (auto const* const number = as<nxPLST::Double>(*item)) return lua_pushnumber(state, number->value());
     if (auto const* const text = as<nxPLST::String>(*item)) return lua_pushstring(state, text->value().c_str());

@@ -9,8 +9,8 @@ struct lua_State;
 
 namespace nxLC {
 
-/// Receives a Lua value. What it throws reaches the caller of `walkValue`. It must not raise errors of Lua, nor leave
-/// anything on the stack, except in `onOther`.
+/// Receives a Lua value. What it throws, derived from std::exception, reaches the caller of `walkValue`. It must not
+/// raise errors of Lua, nor leave anything on the stack, except in `onOther`.
 class NX_API ValueSink {
 public:
     virtual void onNil() = 0;
