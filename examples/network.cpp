@@ -67,13 +67,9 @@ void fetch(nxNet::Manager& manager, CString const& url) {
         std::printf("%d bytes\n", static_cast<int>(block->size()));
     });
     connection->setStatusFunc([connection, url] {
-        switch (connection->getStatus()) {
-            case Connection::Connected: return;
-            case Connection::ConnectionFailed:
-                std::printf("%s: error %d\n", url.c_str(), connection->getError());
-                return;
-            default: std::printf("%s: fetched\n", url.c_str());
-        }
+        if (connection->getStatus() == Connection::Complete) std::printf("%s: fetched\n", url.c_str());
+        if (connection->getStatus() == Connection::ConnectionFailed)
+            std::printf("%s: error %d\n", url.c_str(), connection->getError());
     });
     connection->start();
 }
