@@ -29,8 +29,8 @@ struct CursorTest : testing::Test {
     std::string takeLog() { return std::exchange(log, {}); }
 
     int view = 0, tool = 0, widget = 0;
-    ur::Reference<CursorSlot> slot = make<CursorSlot>(&view);
     std::string log;
+    ur::Reference<CursorSlot> slot = make<CursorSlot>(&view);
 };
 
 TEST_F(CursorTest, TheNewestRequestThatIsStillThereHasPrecedence) {

@@ -93,6 +93,20 @@ TEST_F(TransformerTest, ListenersHearOfEachStepAndEveryGestureStartsAnew) {
     EXPECT_EQ(told, "start change change start change finish ");
 }
 
+TEST_F(TransformerTest, ListenersMaySetOtherValuesAndDropTheLastReference) {
+    auto held = ur::make<Transformer>();
+    held->transformChanged.addCallback([](Transformer* sender) {
+        Vector const snapped(std::round(sender->getTranslate().x), 0, 0);
+        if (sender->getTranslate() != snapped) sender->setTranslate(snapped);
+    });
+    held->transformFinished.addCallback([&](Transformer*) { held.reset(); });
+    held->startTranslate({});
+    held->setTranslate({1.8, 0, 0});
+    EXPECT_EQ(held->getTranslate(), Vector(2, 0, 0));
+    held->finish();
+    EXPECT_TRUE(held.null());
+}
+
 TEST_F(TransformerTest, RotationsGiveTheirAxisAndAngles) {
     Line const axis({1, 2, 3}, Normal(0, 1, 0));
     transformer.startRotate({}, axis);
@@ -241,14 +255,6 @@ TEST(TransformDescriptor, AgreesWithThePartsOfSkewedAndMirroredMatrices) {
         EXPECT_EQ(kind & 1, moves);
         EXPECT_EQ(kind & 2, turns ? 2 : seed % 5 == 0 ? kind & 2 : 0) << "a mirror may turn";
     }
-}
-
-TEST(TransformerLife, AHandlerMayDropTheLastReference) {
-    auto transformer = ur::make<Transformer>();
-    transformer->transformFinished.addCallback([&](Transformer*) { transformer.reset(); });
-    transformer->startTranslate({});
-    transformer->finish();
-    EXPECT_TRUE(transformer.null());
 }
 
 }  // namespace
