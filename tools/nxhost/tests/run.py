@@ -16,7 +16,7 @@ from pathlib import Path
 from server import Server
 
 here = Path(__file__).resolve().parent
-SECONDS = 300  # for a script that hangs
+SECONDS = 100  # for a script that hangs
 
 
 def environment(more=()):

@@ -68,10 +68,10 @@ end)
 settle "sending"
 
 print "== while redirected"
-connection = start("loop", "/loop")
-while connection.status ~= "Connected" do host.turn() end
+connection = start("redirected", "/redirect?to=/stall")
+while connection.responseStatus ~= 302 do host.turn() end
 connection:cancel()
-settle "loop"
+settle "redirected"
 
 print "== another one"
 local victim = start("victim", "/stall")
