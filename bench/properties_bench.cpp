@@ -6,6 +6,7 @@
 
 #include "bench/QtValue.h"
 #include "bench/rows.h"
+#include "bench/undoMenus.h"
 #include "foundation/nxTXN/Manager.h"
 #include "plst/Double.h"
 #include "support/properties/Property.h"
@@ -85,11 +86,12 @@ Sides setting(std::size_t times) {
             repeated("Qt signals", times, [=](std::size_t i) { qt->value.setValue(static_cast<double>(i)); })};
 }
 
-/// Each time in a new history, so that both sides keep the same number of steps.
+/// Each time in a new history, so that both sides keep the same number of steps; with its menus, as in the undo rows.
 Sides settingWithUndo(std::size_t times) {
     return {{"Property",
              [=] {
                  OurTrio trio(true);
+                 OurMenus const menus(trio.manager);
                  return seconds([&] {
                      for (std::size_t i = 0; i < times; ++i) {
                          trio.manager.begin("Set");
@@ -100,6 +102,7 @@ Sides settingWithUndo(std::size_t times) {
              }},
             {"QUndoStack and Qt signals", [=] {
                  QtTrio trio;
+                 QtMenus const menus(trio.stack);
                  return seconds([&] {
                      for (std::size_t i = 0; i < times; ++i) {
                          trio.stack.push(new SetCommand(trio.value, static_cast<double>(i)));
@@ -120,9 +123,13 @@ double lifeOfSet(std::size_t count) {
             members.back()->connect(&listen);
         }
         members[0]->setValue(number(3));
-        members[0]->join(other);
-        members.clear();
         manager.commit();
+        manager.begin("join");
+        members[0]->join(other);
+        manager.commit();
+        manager.undo();
+        manager.redo();
+        members.clear();
     });
 }
 
@@ -143,7 +150,7 @@ void addPropertyRows(Suite& suite) {
     suite.compare("property-set/joined-3-undo", 0.5, [=] { return settingWithUndo(times); });
     for (std::size_t const members : {1'000, 10'000, 100'000}) {
         if (suite.quick() && members > 10'000) continue;
-        suite.compare("property-growth/" + std::to_string(members), 1.5, [=] { return growth(members); });
+        suite.compare("property-growth/" + std::to_string(members), 2.0, [=] { return growth(members); });
     }
 }
 

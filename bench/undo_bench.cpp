@@ -1,15 +1,13 @@
 // The undo history: recording, walking back and forth, what it occupies, and how its cost grows.
 #include <malloc.h>
 
-#include <QAction>
-#include <QGuiApplication>
-#include <QUndoStack>
 #include <cmath>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "bench/rows.h"
+#include "bench/undoMenus.h"
 #include "foundation/nxTXN/Manager.h"
 #include "foundation/nxTXN/RefCountedObject.h"
 #include "foundation/nxTXN/fields.h"
@@ -41,15 +39,11 @@ private:
     double x_ = 0;
 };
 
-/// A drawing with its history and the two entries of a menu, kept up to date as an application does.
+/// A drawing with its history and the menus that show it.
 class OurDrawing {
 public:
     OurDrawing() {
         for (std::size_t i = 0; i < shapeCount; ++i) shapes_.push_back(ur::make<Shape>(manager_));
-        manager_.changedSignal().addCallback([this] {
-            undo_.show("Undo ", manager_.undoName(), manager_.undoCount() > 0);
-            redo_.show("Redo ", manager_.redoName(), manager_.redoCount() > 0);
-        });
     }
     void edit(std::size_t i) {
         manager_.begin("Move");
@@ -60,24 +54,9 @@ public:
     bool redo() { return manager_.redo(); }
 
 private:
-    /// An entry of the menu. Touches its text only when that changes, as Qt's does.
-    struct Entry {
-        void show(char const* verb, urString::CString const& name, bool isEnabled) {
-            enabled = isEnabled;
-            if (name == shown) return;
-            shown = name;
-            text.assign(verb).append(name);
-        }
-
-        urString::CString shown;
-        urString::CString text;
-        bool enabled = false;
-    };
-
     nxTXN::Manager manager_;
     std::vector<ur::Reference<Shape>> shapes_;
-    Entry undo_;
-    Entry redo_;
+    OurMenus menus_{manager_};
 };
 
 class MoveCommand final : public QUndoCommand {
@@ -92,14 +71,9 @@ private:
     double x_;
 };
 
-/// The same with Qt, and with the two menu entries that its stack makes for the purpose.
+/// The same with Qt.
 class QtDrawing {
 public:
-    QtDrawing() {
-        needApplication();
-        undo_.reset(stack_.createUndoAction(nullptr, QStringLiteral("Undo")));
-        redo_.reset(stack_.createRedoAction(nullptr, QStringLiteral("Redo")));
-    }
     void edit(std::size_t i) { stack_.push(new MoveCommand(shapes_[i * 7 % shapeCount], static_cast<double>(i))); }
     bool undo() {
         bool const can = stack_.canUndo();
@@ -113,19 +87,9 @@ public:
     }
 
 private:
-    /// Menu entries want an application. It shows nothing.
-    static void needApplication() {
-        static int argc = 1;
-        static char name[] = "nxbench";
-        static char* argv[] = {name, nullptr};
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        static QGuiApplication const application(argc, argv);
-    }
-
     std::vector<double> shapes_ = std::vector<double>(shapeCount);
     QUndoStack stack_;
-    std::unique_ptr<QAction> undo_;
-    std::unique_ptr<QAction> redo_;
+    QtMenus menus_{stack_};
 };
 
 template <class Drawing>

@@ -30,7 +30,6 @@ public:
     void vacate() noexcept { occupant_ = nullptr; }
 
     std::uint32_t slot = 0;  ///< in the list that it was added to last
-    bool stayed = false;     ///< in that list, though the last `assign` did not name it
 
 private:
     Member* occupant_;
@@ -63,11 +62,10 @@ public:
         auto const former = slots_;
         clear();
         for (Member* member : members) add(*member->seat_);
+        named_ = slots_.size();
         for (auto const& seat : former) {
             Member* const member = seat ? seat->occupant() : nullptr;
-            if (!member || at(seat->slot) == member || !stays(*member)) continue;
-            add(*seat);
-            seat->stayed = true;
+            if (member && at(seat->slot) != member && stays(*member)) slots_.push_back(seat);
         }
         assigned_ = untidy_ = true;
     }
@@ -77,12 +75,18 @@ public:
         for (std::size_t slot = 0; slot < slots_.size(); ++slot) empty(slot);
         closeGaps();
     }
-    /// Leaves each of those that `stays` in the list, once. To be called when all is in place again.
+    /// Leaves each of those that `stays(member, named)` in the list, once; `named` says whether the last `assign` named
+    /// it. To be called when all is in place again.
     template <class Stays>
     void tidy(Stays stays) {
         for (std::size_t slot = 0; slot < slots_.size(); ++slot) {
-            Member const* const member = at(slot);
-            if (member && !(stays(*member) && find(*member) == slot)) empty(slot);
+            Member* const member = at(slot);
+            if (!member) continue;
+            if (stays(*member, slot < named_) && find(*member) == slot) {
+                slots_[slot]->slot = static_cast<std::uint32_t>(slot);
+            } else {
+                empty(slot);
+            }
         }
         untidy_ = false;
         closeGaps();
@@ -118,7 +122,6 @@ private:
     void add(Seat& seat) {
         slots_.emplace_back(&seat);
         seat.slot = static_cast<std::uint32_t>(slots_.size() - 1);
-        seat.stayed = false;
     }
     void empty(std::size_t slot) noexcept {
         if (!slots_[slot]) return;
@@ -147,7 +150,8 @@ private:
     }
 
     ur::vector<ur::Reference<Seat>> slots_;
-    std::size_t gone_ = 0;  // empty slots
+    std::size_t gone_ = 0;   // empty slots
+    std::size_t named_ = 0;  // the slots that the last `assign` filled with those it named
     unsigned walks_ = 0;
     bool assigned_ = false;
     bool untidy_ = false;  // may name members twice, or some that have moved elsewhere

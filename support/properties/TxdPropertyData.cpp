@@ -98,8 +98,8 @@ void TxdPropertyData::mirrorRestored() {
 
 void TxdPropertyData::onTxnModified() {
     RefCountedObject::onTxnModified();
-    properties_.tidy([this](TxdProperty const& member) {
-        return member.isIn(properties_) && (member.isTxnExtant() || !member.seat_->stayed);
+    properties_.tidy([this](TxdProperty const& member, bool named) {
+        return member.isIn(properties_) && (named || member.isTxnExtant());
     });
     for (impl::MemberWalk<TxdPropertyData> members(this); members.valid(); members.next()) {
         ur::Reference<TxdProperty> const member(members.member());
