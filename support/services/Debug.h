@@ -40,9 +40,9 @@ public:
     /// From now on the code has the state and the output of `channel`, which is not owned and must outlive its use.
     void provideChannel(DebugCode code, urOS::DebugChannel& channel) noexcept;
 
-    /// What the code is about, for people; empty for `NUM_CODES`, "~ unknown ~" for what is no code.
+    /// What the code is about, for people; empty for `NUM_CODES`, "~ unknown ~" for any other value.
     [[nodiscard]] static urString::CString describe(DebugCode code);
-    /// The name as in source; empty for what is no code.
+    /// The name as in source, also of `NUM_CODES`; empty for what is no code.
     [[nodiscard]] static urString::CString getCodeName(DebugCode code);
     /// `NUM_CODES` when no code has that name.
     [[nodiscard]] DebugCode findCodeByName(urString::CString const& name) const;

@@ -27,24 +27,24 @@ void Transformer::start(Op op, AffineMatrix const& matrix) {
 }
 
 void Transformer::startTranslate(AffineMatrix const& start) {
-    translation_ = Vector();
+    previousTranslation_ = translation_ = Vector();
     this->start(Op::translate, start);
 }
 
 void Transformer::startRotate(AffineMatrix const& start, urLinear::Line const& axis) {
     axis_ = axis;
-    angle_ = 0;
+    previousAngle_ = angle_ = 0;
     this->start(Op::rotate, start);
 }
 
 void Transformer::startScale(AffineMatrix const& start, Point const& center) {
     center_ = center * start.inverse();
-    scale_ = unitScale;
+    previousScale_ = scale_ = unitScale;
     this->start(Op::uniformScale, start);
 }
 
 void Transformer::startXForm(AffineMatrix const& start) {
-    transform_ = AffineMatrix();
+    previousTransform_ = transform_ = AffineMatrix();
     this->start(Op::freeTransform, start);
 }
 

@@ -86,6 +86,7 @@ TEST_F(TransformerTest, ListenersHearOfEachStepAndEveryGestureStartsAnew) {
     EXPECT_EQ(transformer.getTranslateDelta(), Vector(2, 0, 0));
     transformer.startTranslate({});  // without an end of the one before
     EXPECT_EQ(transformer.getTranslate(), Vector());
+    EXPECT_EQ(transformer.getTranslateDelta(), Vector()) << "nothing of the gesture before";
     transformer.setTranslate({5, 0, 0});
     EXPECT_EQ(transformer.getTranslateDelta(), Vector(5, 0, 0));
     transformer.finish();
