@@ -13,7 +13,7 @@
 #include "plst/Dictionary.h"
 #include "plst/Double.h"
 #include "plst/String.h"
-#include "script/impl/lua.h"
+#include "script/impl/makeRoom.h"
 
 namespace nxSupport {
 
@@ -40,13 +40,8 @@ bool hasKind(Item const& item) noexcept {
 
 void pushAny(lua_State* state, Item const* item);
 
-/// For a container, its key and a plain value.
-void makeRoom(lua_State* state) {
-    if (!lua_checkstack(state, 4)) throw nxRFL::Exception("the item is nested too deeply");
-}
-
 void pushArray(lua_State* state, Array const& array) {
-    makeRoom(state);
+    impl::makeRoom(state);
     lua_createtable(state, array.size(), 0);
     int position = 0;
     for (auto const& element : array.array()) {
@@ -56,7 +51,7 @@ void pushArray(lua_State* state, Array const& array) {
 }
 
 void pushDictionary(lua_State* state, Dictionary const& dictionary) {
-    makeRoom(state);
+    impl::makeRoom(state);
     lua_createtable(state, 0, dictionary.size());
     for (auto const& [key, value] : dictionary.dictionary()) {
         lua_pushstring(state, key.c_str());

@@ -16,7 +16,7 @@ NX_API void pushPListItem(lua_State* state, ur::Reference<nxPLST::Item const> it
 /// The item form of the value at `index`, which is positive; the value stays. A table without entries or with the keys
 /// 1 to n is an array, one with texts as keys a dictionary; texts and keys end at their first NUL. Null for everything
 /// else: nil, functions, userdata, threads, tables with other keys or with a value that has no item form, tables in
-/// themselves or nested more deeply than Lua's stack allows. Raises no errors of Lua.
+/// themselves or nested thousands of levels deep. Raises no errors of Lua.
 [[nodiscard]] NX_API ur::Reference<nxPLST::Item const> popPListItem(lua_State* state, int index);
 
 }  // namespace nxSupport

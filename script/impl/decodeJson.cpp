@@ -5,6 +5,7 @@
 
 #include "foundation/nxLC/protect.h"
 #include "plst/JsonTape.h"
+#include "script/impl/makeRoom.h"
 
 namespace nxSupport::impl {
 
@@ -37,7 +38,7 @@ private:
     }
     /// Nulls leave holes.
     void pushArray(JsonTape::Entry const& entry) {
-        makeRoom();
+        makeRoom(state_);
         int const count = static_cast<int>(entry.size);
         lua_createtable(state_, count, 0);
         for (int i = 1; i <= count; ++i) {
@@ -47,7 +48,7 @@ private:
     }
     /// The last of equal keys stays, and none whose value is null.
     void pushDictionary(JsonTape::Entry const& entry) {
-        makeRoom();
+        makeRoom(state_);
         int const count = static_cast<int>(entry.size);
         lua_createtable(state_, 0, count);
         for (int i = 0; i < count; ++i) {
@@ -56,10 +57,6 @@ private:
             lua_rawset(state_, -3);
         }
     }
-    void makeRoom() {
-        if (!lua_checkstack(state_, 3)) throw nxRFL::Exception("the text is nested too deeply");
-    }
-
     lua_State* state_;
     JsonTape const& tape_;
     JsonTape::Entry const* next_;
