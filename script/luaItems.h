@@ -9,8 +9,8 @@ struct lua_State;
 namespace nxSupport {
 
 /// Pushes booleans and numbers as such, texts up to their first NUL, arrays and dictionaries as tables; an element of
-/// no kind as nil. Pushes nothing for a null item, an item of no kind, one that is nested more deeply than Lua's stack
-/// allows, or without memory. Raises no errors of Lua.
+/// no kind as nil. Pushes nothing for a null item, an item of no kind, one that is nested thousands of levels
+/// deep, or without memory. Raises no errors of Lua.
 NX_API void pushPListItem(lua_State* state, ur::Reference<nxPLST::Item const> item);
 
 /// The item form of the value at `index`, which is positive; the value stays. A table without entries or with the keys
