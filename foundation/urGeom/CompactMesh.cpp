@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "foundation/urGeom/impl/byteCount.h"
+
 namespace urGeom {
 
 std::uint32_t CompactMesh::addVertex(urLinear::Point const& position) {
@@ -46,8 +48,8 @@ BoundingBox CompactMesh::bounds() const {
 }
 
 std::uint32_t CompactMesh::numBytes() const {
-    return static_cast<std::uint32_t>(sizeof *this + vertices_.capacity() * sizeof(vertices_[0]) +
-                                      triangles_.capacity() * sizeof(triangles_[0]));
+    return impl::byteCount(sizeof *this + vertices_.capacity() * sizeof(vertices_[0]) +
+                           triangles_.capacity() * sizeof(triangles_[0]));
 }
 
 }  // namespace urGeom

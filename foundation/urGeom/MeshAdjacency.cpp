@@ -5,6 +5,8 @@
 #include <array>
 #include <utility>
 
+#include "foundation/urGeom/impl/byteCount.h"
+
 namespace urGeom {
 namespace {
 
@@ -44,7 +46,7 @@ MeshAdjTris::MeshAdjTris(CompactMesh const& mesh)
 }
 
 std::uint32_t MeshAdjTris::numBytesUsed() const noexcept {
-    return static_cast<std::uint32_t>(sizeof *this + neighbours_.capacity() * sizeof(neighbours_[0]));
+    return impl::byteCount(sizeof *this + neighbours_.capacity() * sizeof(neighbours_[0]));
 }
 
 MeshAdjVertices::MeshAdjVertices(CompactMesh const& mesh) : starts_(mesh.vertexCount() + 1, 0) {
@@ -65,8 +67,7 @@ MeshAdjVertices::MeshAdjVertices(CompactMesh const& mesh) : starts_(mesh.vertexC
 }
 
 std::uint32_t MeshAdjVertices::numBytesUsed() const noexcept {
-    return static_cast<std::uint32_t>(sizeof *this +
-                                      (starts_.capacity() + neighbours_.capacity()) * sizeof(std::uint32_t));
+    return impl::byteCount(sizeof *this + (starts_.capacity() + neighbours_.capacity()) * sizeof(std::uint32_t));
 }
 
 }  // namespace urGeom

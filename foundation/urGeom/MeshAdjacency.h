@@ -21,6 +21,9 @@ public:
     [[nodiscard]] std::array<std::uint32_t, 3> const& neighbours(std::uint32_t triangle) const {
         return neighbours_[triangle];
     }
+    [[nodiscard]] std::uint32_t triangleCount() const noexcept {
+        return static_cast<std::uint32_t>(neighbours_.size());
+    }
     [[nodiscard]] std::uint32_t numBytesUsed() const noexcept;
 
 private:

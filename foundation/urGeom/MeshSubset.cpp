@@ -1,7 +1,10 @@
 // Subsets as rows of bits.
 #include "foundation/urGeom/MeshSubset.h"
 
+#include <algorithm>
 #include <bit>
+
+#include "foundation/urGeom/impl/byteCount.h"
 
 namespace urGeom {
 
@@ -28,14 +31,15 @@ std::uint32_t MeshSubset::count() const noexcept {
 
 void MeshSubset::grow(MeshAdjTris const& adjacency) {
     MeshSubset const before = *this;
-    for (std::uint32_t triangle = 0; triangle < triangleCount_; ++triangle) {
+    std::uint32_t const count = std::min(triangleCount_, adjacency.triangleCount());
+    for (std::uint32_t triangle = 0; triangle < count; ++triangle) {
         if (!before.contains(triangle)) continue;
         for (std::uint32_t const neighbour : adjacency.neighbours(triangle)) insert(neighbour);
     }
 }
 
 std::uint32_t MeshSubset::numBytesUsed() const noexcept {
-    return static_cast<std::uint32_t>(sizeof *this + words_.capacity() * sizeof(Word));
+    return impl::byteCount(sizeof *this + words_.capacity() * sizeof(Word));
 }
 
 }  // namespace urGeom

@@ -84,6 +84,10 @@ TEST(MeshSubset, GrowsAlongTheSurface) {
     EXPECT_FALSE(subset.contains(4));
     subset.grow(MeshAdjTris(*tetrahedron()));
     EXPECT_EQ(subset.count(), 4U);
+    MeshSubset larger(100);
+    larger.insert(99);
+    larger.grow(MeshAdjTris(*tetrahedron()));
+    EXPECT_EQ(larger.count(), 1U);
     subset.remove(2);
     EXPECT_FALSE(subset.contains(2));
     EXPECT_GE(subset.numBytesUsed(), sizeof(MeshSubset) + 8);
