@@ -37,6 +37,10 @@ constexpr char const* prelude = R"lua(
     if os.exit then os.exit = function(code) exit(code or 0) end end
 )lua";
 
+/// Calls a script with its arguments. What it returns nobody wants, so it need not be a value that can cross.
+constexpr char const* runner = "(...)(select(2, ...))";
+constexpr std::string_view runnerInTrace = "\n\tnxhost:1: in main chunk";
+
 /// What the table `host` holds beside its functions.
 constexpr struct {
     char const* name;
@@ -191,15 +195,19 @@ bool Host::run(std::string_view source, CString const& name) {
     if (isEnding()) return false;
     nxSupport::PerfScope time;
     time.charge(nxSupport::Perf_TaskExecute);
-    nxSupport::ScriptCallScope const call(name.view().substr(1));  // without the mark of a chunk's name
-    nxRFL::Stack arguments;
-    nxRFL::Stack results;
-    nxRFL::Writer writer(arguments);
-    for (std::string const& argument : arguments_) writer.writeText(argument.c_str());
-    auto const error = state_->run(source, name, arguments, results);
-    if (error) report(*error);
-    failed_ = failed_ || error;
-    return !error;
+    nxSupport::ScriptCallScope const scope(name.view().substr(1));  // without the mark of a chunk's name
+    try {
+        nxRFL::Stack arguments;
+        nxRFL::Writer writer(arguments);
+        writer.writeFunction(state_->load(source, name));
+        for (std::string const& argument : arguments_) writer.writeText(argument.c_str());
+        call(runner, arguments);
+        return true;
+    } catch (nxRFL::Exception const& error) {
+        report(error);
+        failed_ = true;
+        return false;
+    }
 }
 
 void Host::finish() {
@@ -213,8 +221,9 @@ void Host::finish() {
 
 void Host::report(nxRFL::Exception const& error) {
     if (chosenCode_) return;  // how a script ends that has asked for it
-    std::fprintf(stderr, "nxhost: %s%s%s\n", error.message().c_str(), error.trace().empty() ? "" : "\n",
-                 error.trace().c_str());
+    CString trace = error.trace();
+    if (trace.endsWith(runnerInTrace)) trace.erase(trace.size() - runnerInTrace.size());
+    std::fprintf(stderr, "nxhost: %s%s%s\n", error.message().c_str(), trace.empty() ? "" : "\n", trace.c_str());
 }
 
 int Host::exitCode() noexcept {

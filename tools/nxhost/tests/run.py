@@ -53,6 +53,7 @@ def outcome(nxhost, script, arguments, certificate):
 
 USAGE = [  # arguments, standard input, exit code, what is in the output
     (["-e", "print(...)", "a", "-b"], "", 0, "a\t-b\n"),
+    (["-e", "return {1, x = 2}, coroutine.create(function() end)"], "", 0, ""),
     (["-e", "os.exit(300)"], "", 44, ""),
     (["-"], "#!/usr/bin/env nxhost\nprint(1) error('x')", 1, "1\nnxhost: stdin:2: x\nstack traceback:\n"),
     ([], "print(arg[0])", 0, "-\n"),
