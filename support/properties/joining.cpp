@@ -70,9 +70,8 @@ void Property::join(ur::Reference<Property const> other) {
     JoinedData const theirs(*other);
     ur::Reference<TxdPropertyData> txd(theirs.txd);
     ur::Reference<UnTxdPropertyData> untxd(theirs.untxd);
-    if (!txd && !untxd) return;
-    if (txd && !txd->isTxnExtant()) return;
-    if (!untxd && !untransacted.empty()) {
+    if (txd ? !txd->isTxnExtant() : !untxd) return;
+    if (txd && !untxd && !untransacted.empty()) {
         untxd = ur::make<UnTxdPropertyData>();
         untxd->storeValue(other->value(), Propagate::no);
         txd->linkTwin(*untxd);
