@@ -13,6 +13,9 @@
 namespace nxSupport {
 
 class CursorSlot;
+namespace impl {
+struct SlotLink;
+}
 
 /// Asks a slot to show a cursor for as long as this lives: by name, or by an image with a hot spot.
 ///
@@ -46,7 +49,6 @@ protected:
 
 private:
     friend class CursorSlot;
-    struct SlotLink;
 
     [[nodiscard]] CursorSlot* slot() const noexcept;
 
@@ -54,7 +56,7 @@ private:
     urString::CString name_;
     ur::Reference<urImage::Image> image_;
     urLinear::Point2 hotspot_;
-    ur::Reference<SlotLink> link_;
+    ur::Reference<impl::SlotLink> link_;
     bool made_ = false;
 };
 

@@ -9,7 +9,7 @@
 
 namespace nxSupport {
 
-CursorSlot::CursorSlot(void* client) : client_(client), link_(ur::make<Cursor::SlotLink>(*this)) {}
+CursorSlot::CursorSlot(void* client) : client_(client), link_(ur::make<impl::SlotLink>(*this)) {}
 
 CursorSlot::~CursorSlot() {
     ref();  // a handler that holds the slot for a while must not end it once more

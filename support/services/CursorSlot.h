@@ -58,7 +58,7 @@ private:
 
     ur::list<Entry> entries_;  ///< the requests, oldest first
     void* client_;
-    ur::Reference<Cursor::SlotLink> link_;
+    ur::Reference<impl::SlotLink> link_;
     bool disabled_ = false;
 };
 

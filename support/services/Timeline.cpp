@@ -8,7 +8,9 @@
 
 namespace nxSupport {
 
-Timeline::Recording::Index Timeline::Recording::begin(Kind kind, std::uint32_t name, Clock::time_point when) {
+using impl::Recording;
+
+Recording::Index Recording::begin(Kind kind, std::uint32_t name, Clock::time_point when) {
     if (isFull()) {
         ++dropped;
         return notKept;
@@ -17,16 +19,16 @@ Timeline::Recording::Index Timeline::Recording::begin(Kind kind, std::uint32_t n
     return events.size() - 1;
 }
 
-void Timeline::Recording::end(Index index, std::int64_t now) noexcept {
+void Recording::end(Index index, std::int64_t now) noexcept {
     if (index < events.size()) events[index].duration = std::max<std::int64_t>(now - events[index].begin, 0);
 }
 
-std::int64_t Timeline::Recording::sinceOrigin(Clock::time_point when) const noexcept {
+std::int64_t Recording::sinceOrigin(Clock::time_point when) const noexcept {
     return std::max<std::int64_t>(std::chrono::nanoseconds(when - origin).count(), 0);
 }
 
 /// 0 when there is no room for the event itself.
-std::uint32_t Timeline::Recording::nameOf(std::string_view text) {
+std::uint32_t Recording::nameOf(std::string_view text) {
     if (isFull()) return 0;
     text = text.substr(0, longestName);
     if (auto const known = namePlaces.find(text); known != namePlaces.end()) return known->second;
@@ -36,7 +38,7 @@ std::uint32_t Timeline::Recording::nameOf(std::string_view text) {
     return place;
 }
 
-std::uint32_t Timeline::Recording::nameOf(ur::TypeInfo keyClass) {
+std::uint32_t Recording::nameOf(ur::TypeInfo keyClass) {
     auto const known = classNames.find(keyClass);
     if (known != classNames.end()) return known->second;
     if (isFull()) return 0;

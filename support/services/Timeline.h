@@ -13,6 +13,10 @@
 
 namespace nxSupport {
 
+namespace impl {
+struct Recording;
+}
+
 /// Records when contexts, script calls, performance scopes and cache builds begin and end, and when the cache drops
 /// resources; writes that as trace-event JSON, which the common trace viewers open.
 ///
@@ -60,11 +64,8 @@ public:
     urUtil::Error write(urOS::IOStream& stream) const;
 
 private:
-    struct Recording;
-    class Writer;
-
     static inline Timeline* active_ = nullptr;
-    std::unique_ptr<Recording> recording_;
+    std::unique_ptr<impl::Recording> recording_;
 };
 
 /// Records one script call on the active time line, from its making to its end, however the call ends.

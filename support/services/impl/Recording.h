@@ -15,10 +15,10 @@
 #include "foundation/urString/CString.h"
 #include "support/services/Timeline.h"
 
-namespace nxSupport {
+namespace nxSupport::impl {
 
 /// The events in the order in which they began, and which of them have not ended.
-struct Timeline::Recording {
+struct Recording {
     using Clock = std::chrono::steady_clock;
     using Index = std::size_t;
 
@@ -71,4 +71,4 @@ struct Timeline::Recording {
     ur::vector<Index> openBuilds;
 };
 
-}  // namespace nxSupport
+}  // namespace nxSupport::impl

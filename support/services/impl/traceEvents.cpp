@@ -11,6 +11,8 @@
 namespace nxSupport {
 namespace {
 
+using impl::Recording;
+
 // Performance scopes may begin in one context and end in another: what is to nest, nests on a track of its own.
 constexpr int mainTrack = 1;
 constexpr int performanceTrack = 2;
@@ -50,10 +52,8 @@ std::string activityName(std::uint32_t code) {
     return std::string(name.substr(0, name.find_last_not_of(" .") + 1));
 }
 
-}  // namespace
-
 /// Writes the events of one recording.
-class Timeline::Writer {
+class Writer {
 public:
     Writer(Recording const& recording, urOS::IOStream& stream) : recording_(recording), out_(stream) {}
 
@@ -112,6 +112,8 @@ private:
     Recording const& recording_;
     urOS::OStream out_;
 };
+
+}  // namespace
 
 urUtil::Error Timeline::write(urOS::IOStream& stream) const { return Writer(*recording_, stream).write(); }
 
