@@ -124,16 +124,12 @@ TEST_F(CursorTest, CursorsAndCopiesOutliveTheirSlot) {
 }
 
 TEST_F(CursorTest, ListenersMayHoldACursorBeforeItsMakerDoes) {
-    std::string seen;
     slot->cursorsChanged.addCallback([&] {
         ur::Reference<Cursor> const held(slot->cursorWithPrecedence());
-        seen += held ? held->name().c_str() : "-";
+        log += held ? held->name().c_str() : "none";
     });
-    auto a = cursor(tool, "arrow");
-    EXPECT_EQ(seen, "arrow");
-    EXPECT_EQ(a->referenceCount(), 1);
-    a.reset();
-    EXPECT_EQ(seen, "arrow-");
+    EXPECT_EQ(cursor(tool, "arrow")->referenceCount(), 1);
+    EXPECT_EQ(log, "changed arrowchanged none");
 }
 
 TEST_F(CursorTest, ListenersMayThrowOrDestroyTheSlot) {
@@ -152,7 +148,6 @@ TEST_F(CursorTest, ListenersMayThrowOrDestroyTheSlot) {
     CursorSlot* const former = slot.get();
     a = make<Cursor>(&tool, "arrow", former);
     EXPECT_TRUE(slot.null());
-    EXPECT_EQ(a->name(), "arrow");
 }
 
 }  // namespace
