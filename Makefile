@@ -6,7 +6,7 @@ export DESTDIR
 
 preset = cmake --preset $(1) $(2) && cmake --build --preset $(1)
 
-.PHONY: run test bench asan tsan fuzz docs install format tidy clean packages
+.PHONY: run test bench asan tsan fuzz docs reference install format tidy clean packages
 .DEFAULT_GOAL := run
 
 packages:
@@ -39,6 +39,11 @@ fuzz: packages
 docs: packages
 	$(call preset,dev)
 	cmake/check_docs --update --path build/dev/bin
+
+# Reference of the public names, in build/reference/html.
+reference: packages
+	@packaging/install-packages reference
+	cmake/build_reference
 
 install: packages
 	$(call preset,release,-DCMAKE_INSTALL_PREFIX="$(PREFIX)")

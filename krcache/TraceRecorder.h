@@ -17,6 +17,7 @@ class NX_API TraceRecorder {
 public:
     enum class Event : std::uint8_t { hit, build, pageOut, pageIn, clear, remove };
 
+    /// One event of one shim.
     struct Entry {
         std::uint32_t key;   ///< the shim's number, counted from 0 in the order of creation
         std::uint32_t size;  ///< of the resource, in bytes

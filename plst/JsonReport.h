@@ -26,8 +26,8 @@ struct JsonLoss {
 
     Kind kind;
     JsonLocation location;
-    /// From the root, as in `.countries[3]."long name"`; an element's index counts the nulls before it. One of
-    /// more than `longestPath` bytes is cut and ends in "...".
+    /// From the root, as in `.countries[3].name`; a key that is no word stands in quotation marks, and an element's
+    /// index counts the nulls before it. One of more than `longestPath` bytes is cut and ends in "...".
     urString::CString path;
 
     static constexpr std::size_t longestPath = 1000;

@@ -18,6 +18,7 @@ class NX_API JsonTape {
 public:
     enum class Kind : std::uint8_t { null, boolean, number, text, array, dictionary };
 
+    /// A value or a key, in the order of the text.
     struct Entry {
         Kind kind = Kind::null;
         bool isTrue = false;       ///< of a boolean

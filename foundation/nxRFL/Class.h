@@ -46,6 +46,7 @@ public:
     /// Converts a pointer to an object; null when the object is not of the class converted to.
     using Conversion = void* (*)(void* object);
     using AliveTest = bool (*)(void const* object);
+    /// A class that this one derives from, and the way there and back.
     struct Base {
         Class* base;
         Conversion toBase;  ///< null where the pointers are the same

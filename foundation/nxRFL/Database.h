@@ -15,6 +15,7 @@ namespace nxRFL {
 /// memory. From the start it knows "nxRFL::Class", "nxRFL::Stack" and "nxRFL::IteratorState". One thread at a time.
 class NX_API Database {
 public:
+    /// Functions that scripts find under one name; those of the empty name are global.
     struct Table {
         urString::CString name;
         MemberList functions;

@@ -11,8 +11,10 @@ namespace impl {
 
 // Signature<Callable, Self>::Type is Result(Arguments...), of a member function of any class Result(Self&,
 // Arguments...).
+/// @cond  Left out of the reference, whose maker takes it for its own base.
 template <class Callable, class Self>
 struct Signature : Signature<decltype(&Callable::operator()), void> {};
+/// @endcond
 template <class Result, class... Arguments, class Self>
 struct Signature<Result (*)(Arguments...), Self> {
     using Type = Result(Arguments...);
@@ -70,6 +72,7 @@ decltype(auto) pass(Held& held) {
 
 }  // namespace impl
 
+/// Made of a callable and its signature.
 template <class Callable, class Signature>
 class NativeFunction;
 

@@ -46,6 +46,7 @@ public:
     private:
         Priority priority_;
     };
+    /// The subscribers of one message class at one priority.
     template <class T>
     class Sig final : public SigBase {
     public:
