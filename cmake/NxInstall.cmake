@@ -14,7 +14,7 @@ endforeach()
 set(folder ${CMAKE_INSTALL_LIBDIR}/cmake/nxSupport)
 install(EXPORT nxSupport NAMESPACE nxSupport:: FILE nxSupportTargets.cmake DESTINATION ${folder})
 configure_package_config_file(packaging/nxSupportConfig.cmake.in nxSupportConfig.cmake INSTALL_DESTINATION ${folder})
-write_basic_package_version_file(nxSupportConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file(nxSupportConfigVersion.cmake COMPATIBILITY ${NX_COMPATIBILITY})
 install(FILES ${PROJECT_BINARY_DIR}/nxSupportConfig.cmake ${PROJECT_BINARY_DIR}/nxSupportConfigVersion.cmake
         DESTINATION ${folder})
 

@@ -80,7 +80,7 @@ function(nx_shared_library)
   if(NOT NX_SANITIZE)  # their run-time library may be in the program alone
     target_link_options(Support PRIVATE LINKER:-z,defs)
   endif()
-  set_target_properties(Support PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}
+  set_target_properties(Support PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${NX_SOVERSION}
                                            LINK_DEPENDS ${map})
   target_include_directories(Support INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
                                                $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/nxSupport>)
