@@ -6,7 +6,7 @@
 namespace nxRFL {
 
 bool Callback::call(Stack const& arguments, Stack& results) const {
-    if (!function_) return true;
+    if (!function_ || !function_->canRun()) return false;
     // The call may drop this callback.
     Callback const self(*this);
     try {

@@ -16,7 +16,7 @@ public:
 
     [[nodiscard]] ur::Reference<Function> const& function() const noexcept { return function_; }
 
-    /// False, and `results` without items, when the function fails.
+    /// False, and `results` without items, when the function fails or there is none that can run.
     bool call(Stack const& arguments, Stack& results) const;
 
     /// What becomes of an error: `Database::reportError`.

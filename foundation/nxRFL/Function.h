@@ -39,6 +39,8 @@ public:
             failArity(arguments, count);
     }
 
+    /// False once what would run has gone, such as a script's state: calls then do nothing.
+    [[nodiscard]] virtual bool canRun() const noexcept { return true; }
     [[nodiscard]] Database* getDB() const noexcept { return database_; }
     [[nodiscard]] bool isMethod() const noexcept { return isMethod_; }
     /// The name that messages give it, such as "nxNet::Request.addHeader"; empty until it is registered.

@@ -13,6 +13,8 @@ public:
     ScriptFunction(Binding& binding, int place) noexcept;
     ~ScriptFunction() override;
 
+    [[nodiscard]] bool canRun() const noexcept override { return link_->binding != nullptr; }
+
     /// Pushes the function itself, for the state that it comes from. Never raises.
     [[nodiscard]] bool push(Binding const& binding, lua_State* state) const noexcept;
 

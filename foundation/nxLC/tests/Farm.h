@@ -166,13 +166,12 @@ protected:
         return nxRFL::Reader(results).readDouble();
     }
     /// A global variable of the script.
-    void give(char const* global, ur::Reference<Animal> const& animal) {
+    template <class T>
+    void give(char const* global, T const& value) {
         nxRFL::Stack arguments;
-        {
-            nxRFL::Writer writer(arguments);
-            writer.writeText(global);
-            nxRFL::write(writer, animal);
-        }
+        nxRFL::Writer writer(arguments);
+        writer.writeText(global);
+        nxRFL::write(writer, value);
         nxRFL::Stack results;
         EXPECT_FALSE(state->run("local name, value = ... _G[name] = value", "=give", arguments, results));
     }

@@ -156,7 +156,7 @@ TEST_F(Calls, CallbacksAreInertOnceTheirStateHasClosed) {
     Stack results;
     function->call({}, results);
     EXPECT_TRUE(results.empty());
-    EXPECT_EQ(reported, "item 1 must be string, but is missing;");
+    EXPECT_EQ(reported, "");
 }
 
 TEST_F(Calls, ScriptsMayDestroyTheirState) {

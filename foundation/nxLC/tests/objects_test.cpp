@@ -105,13 +105,7 @@ TEST_F(Objects, BelongToScriptsOnlyWhenGiven) {
     lua_State* const L = state->get();
     nxRFL::Class const& barns = *database.getClass("farm::Barn");
     Barn own;
-    auto const share = [&](char const* global) {
-        nxRFL::Stack stack;
-        nxRFL::Writer(stack).writeObject(Object(&own, barns));
-        nxRFL::Stack results;
-        ASSERT_FALSE(state->run(std::string(global) + " = ...", "=share", stack, results));
-    };
-    share("mine");
+    give("mine", Object(&own, barns));
     state->reflection().pushObject(L, Object(new Barn, barns));
     lua_setglobal(L, "given");
     state->reflection().pushObject(L, Object());
@@ -126,10 +120,7 @@ TEST_F(Objects, BelongToScriptsOnlyWhenGiven) {
 
     // First shared, then given: one userdata, which owns from then on. Counted classes balance either way.
     auto* const later = new Barn;
-    nxRFL::Stack shared;
-    nxRFL::Writer(shared).writeObject(Object(later, barns));
-    nxRFL::Stack results;
-    ASSERT_FALSE(state->run("later = ...", "=share", shared, results));
+    give("later", Object(later, barns));
     state->reflection().pushObject(L, Object(later, barns));
     lua_setglobal(L, "again");
     EXPECT_EQ(run("assert(rawequal(later, again))"), "ok");
@@ -170,12 +161,8 @@ TEST_F(Objects, AppearWhenTheyAreRegisteredLater) {
     nxRFL::ExposeClass<Late>(database, "farm::later::Late").addProperty("value", [](Late& late) { return late.value; });
     nxRFL::ExposeClass<Animal>(database, "farm::Animal").addMethod("run", [](Animal&) { return true; });
     Late late;
-    nxRFL::Stack stack;
-    nxRFL::Writer writer(stack);
-    nxRFL::write(writer, &late);
-    nxRFL::Stack results;
-    EXPECT_FALSE(state->run("assert((...).value == 4)", "=test", stack, results));
-    EXPECT_EQ(run("rex = farm.Animal.make('Rex') assert(rex.run == nil)"), "ok");
+    give("late", &late);
+    EXPECT_EQ(run("assert(late.value == 4) rex = farm.Animal.make('Rex') assert(rex.run == nil)"), "ok");
     nxLC::ReflectionData::bind(state->get(), database);
     EXPECT_EQ(run("assert(rex:run() and farm.later.Late)"), "ok");
 }
