@@ -6,9 +6,7 @@
 #include <deque>
 #include <memory>
 
-#include "foundation/urOS/File.h"
-#include "net/Request.h"
-#include "tools/nxhost/Options.h"
+#include "tools/nxhost/Sending.h"
 #include "tools/nxhost/TransferNews.h"
 
 namespace nxhost {
@@ -34,34 +32,14 @@ public:
 private:
     struct Callbacks;
 
-    template <class Value>
-    void set(CURLoption option, Value value);
     void setUp(NetworkOptions const& options, double timeLimit);
-    void setAddress(urString::CString const& url, NetworkOptions const& options);
-    void addHeader(std::string const& line);
-    void setHeaders(nxNet::Request const& request);
-    void setBody(nxNet::Request const& request);
-    void setFile(nxNet::Request const& request);
-    void setForm(nxNet::Request::Fields const& fields, curl_off_t fileSize, urString::CString const& path);
-    void openFile(urString::CString const& path, std::uint64_t& size);
-    [[nodiscard]] urString::CString encoded(nxNet::Request::Fields const& fields) const;
     [[nodiscard]] int status() const;
     void noteHeaderLine(std::string_view line);
     void noteProgress(Progressed const& progress);
 
-    template <auto release>
-    struct Release {
-        template <class T>
-        void operator()(T* what) const noexcept {
-            release(what);
-        }
-    };
-
     // The handle goes first: it uses the others.
-    urOS::File file_;
     char errorText_[CURL_ERROR_SIZE] = {};
-    std::unique_ptr<curl_slist, Release<&curl_slist_free_all>> headers_;
-    std::unique_ptr<curl_mime, Release<&curl_mime_free>> form_;
+    std::unique_ptr<Sending> sending_;
     std::unique_ptr<CURL, Release<&curl_easy_cleanup>> handle_{curl_easy_init()};
 
     Headers answerHeaders_;

@@ -1,0 +1,168 @@
+// Checking a request, and giving libcurl what it says.
+#include "tools/nxhost/Sending.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "tools/nxhost/setOption.h"
+#include "tools/nxhost/trimmed.h"
+
+namespace nxhost {
+namespace {
+
+using nxNet::Request;
+using urString::CString;
+
+constexpr long mostHops = 20;
+
+bool isToken(std::string_view text) {
+    constexpr std::string_view others = "!#$%&'*+-.^_`|~";
+    return !text.empty() && std::ranges::all_of(text, [=](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+               others.find(c) != others.npos;
+    });
+}
+
+bool hasLineBreakOrNul(std::string_view text) { return text.find_first_of(std::string_view("\r\n\0", 3)) != text.npos; }
+
+/// libcurl has found no memory otherwise.
+void check(bool succeeded) {
+    if (!succeeded) throw std::bad_alloc();
+}
+
+void checkRequest(Request const& request, NetworkOptions const& options) {
+    if (request.getUrl().empty()) refuse("there is no URL");
+    if (hasLineBreakOrNul(request.getUrl())) refuse("a URL has no line breaks and no NULs");
+    if (!isToken(request.getHTTPMethod())) refuse("the method is no word");
+    for (auto const& [name, value] : request.getHeaders()) {
+        if (!isToken(name)) refuse("the name of a header is no word");
+        if (hasLineBreakOrNul(value)) refuse("a header has no line breaks and no NULs");
+    }
+    if (request.getFileForUpload().find('\0') != CString::npos) refuse("the name of a file has no NULs");
+    if (!request.getFileForUpload().empty() && !options.mayUseFiles) refuse("files are not for the sandbox");
+}
+
+std::string joined(std::vector<std::string> const& words) {
+    std::string result;
+    for (auto const& word : words) result += (result.empty() ? "" : ",") + word;
+    return result;
+}
+
+}  // namespace
+
+Sending::Sending(CURL* handle, Request const& request, NetworkOptions const& options) : handle_(handle) {
+    checkRequest(request, options);
+    setAddress(request.getUrl(), options);
+    setHeaders(request);
+    setBody(request);
+}
+
+void Sending::setAddress(CString const& url, NetworkOptions const& options) {
+    setOption(handle_, CURLOPT_URL, url.c_str());
+    setOption(handle_, CURLOPT_PROTOCOLS_STR, joined(options.schemes).c_str());
+    // An answer cannot choose what the user has allowed besides.
+    setOption(handle_, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+    setOption(handle_, CURLOPT_FOLLOWLOCATION, 1L);
+    setOption(handle_, CURLOPT_MAXREDIRS, mostHops);
+}
+
+void Sending::addHeader(std::string const& line) {
+    curl_slist* const longer = curl_slist_append(headers_.get(), line.c_str());
+    check(longer != nullptr);
+    static_cast<void>(headers_.release());  // the beginning of the longer one
+    headers_.reset(longer);
+}
+
+void Sending::setHeaders(Request const& request) {
+    for (auto const& [name, value] : request.getHeaders()) {
+        // To libcurl "name:" means leaving the header out.
+        addHeader(std::string(name) + (trimmed(value).empty() ? ";" : ": " + std::string(value)));
+    }
+    if (request.getPostData().empty()) addHeader("Content-Type:");  // no form, whatever the method
+    setOption(handle_, CURLOPT_HTTPHEADER, headers_.get());
+}
+
+/// The method is sent as it is. What libcurl takes for one of its own kinds of request, it also changes into GET when
+/// an answer redirects as browsers understand it.
+void Sending::setBody(Request const& request) {
+    CString const& method = request.getHTTPMethod();
+    char const* ownMethod = "GET";
+    if (!request.getFileForUpload().empty()) {
+        setFile(request);
+        ownMethod = request.getPostData().empty() ? "PUT" : "POST";
+    } else if (!request.getPostData().empty() || method == "POST" || method == "PUT" || method == "PATCH") {
+        CString const body = encoded(request.getPostData());
+        setOption(handle_, CURLOPT_POST, 1L);
+        setOption(handle_, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+        setOption(handle_, CURLOPT_COPYPOSTFIELDS, body.c_str());
+        ownMethod = "POST";
+    } else if (method == "HEAD") {
+        setOption(handle_, CURLOPT_NOBODY, 1L);
+        ownMethod = "HEAD";
+    }
+    if (method != ownMethod) setOption(handle_, CURLOPT_CUSTOMREQUEST, method.c_str());
+}
+
+void Sending::setFile(Request const& request) {
+    CString const& path = request.getFileForUpload();
+    if (auto const error = file_.open(urString::IString(path.c_str()), urOS::openRead); error.isError())
+        throw Failed{TransferError::fileUnreadable, CString(error.message())};
+    std::uint64_t bytes = 0;
+    curl_off_t const size = file_.size(bytes).ok() ? static_cast<curl_off_t>(bytes) : -1;  // a pipe
+    if (!request.getPostData().empty()) return setForm(request.getPostData(), size, path);
+    setOption(handle_, CURLOPT_READFUNCTION, &readFile);
+    setOption(handle_, CURLOPT_READDATA, this);
+    setOption(handle_, CURLOPT_SEEKFUNCTION, &seekFile);
+    setOption(handle_, CURLOPT_SEEKDATA, this);
+    setOption(handle_, CURLOPT_UPLOAD, 1L);
+    setOption(handle_, CURLOPT_INFILESIZE_LARGE, size);
+}
+
+/// A form of several parts: the post data and then the file.
+void Sending::setForm(Request::Fields const& fields, curl_off_t fileSize, CString const& path) {
+    form_.reset(curl_mime_init(handle_));
+    check(form_ != nullptr);
+    for (auto const& [name, value] : fields) {
+        if (name.find('\0') != CString::npos) refuse("the name of a form's field has no NULs");
+        curl_mimepart* const part = curl_mime_addpart(form_.get());
+        check(part && curl_mime_name(part, name.c_str()) == CURLE_OK &&
+              curl_mime_data(part, value.data(), value.size()) == CURLE_OK);
+    }
+    curl_mimepart* const part = curl_mime_addpart(form_.get());
+    CString const name = path.substr(path.rfind('/') == CString::npos ? 0 : path.rfind('/') + 1);
+    check(part && curl_mime_name(part, "file") == CURLE_OK && curl_mime_filename(part, name.c_str()) == CURLE_OK &&
+          curl_mime_data_cb(part, fileSize, &readFile, &seekFile, nullptr, this) == CURLE_OK);
+    setOption(handle_, CURLOPT_MIMEPOST, form_.get());
+}
+
+CString Sending::encoded(Request::Fields const& fields) const {
+    CString result;
+    auto const append = [this, &result](CString const& text) {
+        if (text.empty()) return;  // to libcurl the length 0 means up to the NUL
+        std::unique_ptr<char, Release<&curl_free>> const escaped(
+            curl_easy_escape(handle_, text.data(), static_cast<int>(text.size())));
+        check(escaped != nullptr);
+        result.append(escaped.get());
+    };
+    for (auto const& [name, value] : fields) {
+        if (!result.empty()) result.append('&');
+        append(name);
+        result.append('=');
+        append(value);
+    }
+    return result;
+}
+
+std::size_t Sending::readFile(char* bytes, std::size_t /*one*/, std::size_t size, void* sending) {
+    std::size_t done = 0;
+    bool const failed = static_cast<Sending*>(sending)->file_.read(bytes, size, &done).isError();
+    return failed ? CURL_READFUNC_ABORT : done;
+}
+
+int Sending::seekFile(void* sending, curl_off_t offset, int origin) {
+    if (origin != SEEK_SET || offset < 0) return CURL_SEEKFUNC_CANTSEEK;
+    auto& file = static_cast<Sending*>(sending)->file_;
+    return file.seek(static_cast<std::uint64_t>(offset)).ok() ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_FAIL;
+}
+
+}  // namespace nxhost

@@ -1,0 +1,50 @@
+// What a transfer sends.
+#pragma once
+
+#include <curl/curl.h>
+
+#include <memory>
+
+#include "foundation/urOS/File.h"
+#include "net/Request.h"
+#include "tools/nxhost/Options.h"
+
+namespace nxhost {
+
+/// Deletes what a function of libcurl releases.
+template <auto release>
+struct Release {
+    template <class T>
+    void operator()(T* what) const noexcept {
+        release(what);
+    }
+};
+
+/// Sets a libcurl handle up to send a request, and owns what the handle then refers to, so that it outlives the handle.
+class Sending {
+public:
+    /// Throws `Failed` for a request that cannot be sent.
+    Sending(CURL* handle, nxNet::Request const& request, NetworkOptions const& options);
+    Sending(Sending const&) = delete;
+    Sending& operator=(Sending const&) = delete;
+
+private:
+    void setAddress(urString::CString const& url, NetworkOptions const& options);
+    void addHeader(std::string const& line);
+    void setHeaders(nxNet::Request const& request);
+    void setBody(nxNet::Request const& request);
+    void setFile(nxNet::Request const& request);
+    void setForm(nxNet::Request::Fields const& fields, curl_off_t fileSize, urString::CString const& path);
+    [[nodiscard]] urString::CString encoded(nxNet::Request::Fields const& fields) const;
+
+    // Called by libcurl.
+    static std::size_t readFile(char* bytes, std::size_t one, std::size_t size, void* sending);
+    static int seekFile(void* sending, curl_off_t offset, int origin);
+
+    CURL* const handle_;
+    urOS::File file_;
+    std::unique_ptr<curl_slist, Release<&curl_slist_free_all>> headers_;
+    std::unique_ptr<curl_mime, Release<&curl_mime_free>> form_;
+};
+
+}  // namespace nxhost
