@@ -4,9 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
+#include "fuzz/require.h"
 #include "plst/JsonReport.h"
 
 namespace {
@@ -26,12 +25,6 @@ bool acceptedByYajl(CString const& text) {
         yajl_parse(parser, bytes, text.size()) == yajl_status_ok && yajl_complete_parse(parser) == yajl_status_ok;
     yajl_free(parser);
     return accepted;
-}
-
-void require(bool holds, char const* what) {
-    if (holds) return;
-    std::fprintf(stderr, "broken: %s\n", what);
-    std::abort();
 }
 
 /// Empty for a tree that strict JSON cannot hold.

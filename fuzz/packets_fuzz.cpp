@@ -1,19 +1,12 @@
 // Any bytes as a packet file: refused cleanly, or read into a tree that survives being written and read again.
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 #include "foundation/urOS/MemoryIOStream.h"
+#include "fuzz/require.h"
 #include "plst/packets.h"
 
 namespace {
-
-void require(bool holds, char const* what) {
-    if (holds) return;
-    std::fprintf(stderr, "broken: %s\n", what);
-    std::abort();
-}
 
 bool readFrom(urOS::MemoryIOStream& stream, ur::Reference<nxPLST::Item>& item) {
     require(stream.open(urOS::openRead).ok(), "a memory stream opens");

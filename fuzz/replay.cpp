@@ -1,0 +1,41 @@
+// Stands in for the fuzzing engine in the tests: plays every seed, and every beginning of it.
+//   NAME_fuzz FOLDER...
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t size);
+
+namespace {
+
+std::vector<char> contents(std::filesystem::path const& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// From a copy of its own size each time, so that sanitizers see every read beyond the end.
+void play(std::vector<char> const& seed) {
+    for (std::size_t size = 0; size <= seed.size(); ++size) {
+        std::vector<std::uint8_t> const bytes(seed.begin(), seed.begin() + static_cast<std::ptrdiff_t>(size));
+        LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    int played = 0;
+    for (int i = 1; i < argc; ++i) {
+        for (auto const& entry : std::filesystem::directory_iterator(argv[i])) {
+            std::printf("%s\n", entry.path().c_str());
+            play(contents(entry.path()));
+            ++played;
+        }
+    }
+    std::printf("%d seeds\n", played);
+    return played > 0 ? 0 : 1;
+}

@@ -1,0 +1,94 @@
+// A path on the first line and a document behind it: the document is refused in one line or shown in every form, and
+// the path means the same once it has been spelled out.
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+#include "tools/nxplist/Comparison.h"
+#include "tools/nxplist/Document.h"
+#include "tools/nxplist/Path.h"
+#include "tools/nxplist/Statistics.h"
+
+namespace {
+
+using nxplist::Path;
+
+void require(bool holds, char const* what) {
+    if (holds) return;
+    std::fprintf(stderr, "broken: %s\n", what);
+    std::abort();
+}
+
+/// The input as a file that is found by its name.
+class MemoryFile {
+public:
+    explicit MemoryFile(std::string_view bytes) : file_(memfd_create("document", 0)) {
+        require(file_ >= 0 && write(file_, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()),
+                "there is room for the document");
+    }
+    MemoryFile(MemoryFile const&) = delete;
+    MemoryFile& operator=(MemoryFile const&) = delete;
+    ~MemoryFile() { close(file_); }
+
+    [[nodiscard]] std::string path() const { return "/proc/self/fd/" + std::to_string(file_); }
+
+private:
+    int file_;
+};
+
+void checkPath(std::string_view text, ur::Reference<nxPLST::Item const> const& root) {
+    std::string error;
+    auto const path = nxplist::parsePath(text, error);
+    require(path || !error.empty(), "what is no path has a reason");
+    if (!path) return;
+    std::string spelled;
+    for (auto const& step : *path) {
+        auto const* key = std::get_if<std::string>(&step);
+        spelled += key ? nxplist::keyText(*key) : "[" + std::to_string(std::get<long>(step)) + "]";
+    }
+    require(nxplist::parsePath(spelled.empty() ? "." : spelled, error) == path, "a path can be spelled out");
+    bool const found = nxplist::follow(root, *path, error) != nullptr;
+    require(found || !root || !error.empty(), "what is not there is named");
+}
+
+void checkTree(ur::Reference<nxPLST::Item> const& root) {
+    nxplist::compareTrees(root.get(), root.get(), [](std::string const& line) {
+        require(false, line.c_str());
+        return false;
+    });
+    if (!root) return;
+    require(!nxplist::brief(root.get()).empty(), "a value has a short form");
+    auto const statistics = nxplist::statisticsOf(*root, 3);
+    std::uint64_t items = 0;
+    for (auto const count : statistics.countByType) items += count;
+    require(items > 0 && statistics.largest.size() <= 3, "every item is counted");
+    auto const copy = root->clone();
+    nxplist::compareTrees(root.get(), copy.get(), [](std::string const& line) {
+        require(false, line.c_str());
+        return false;
+    });
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t size) {
+    std::string_view const input(reinterpret_cast<char const*>(bytes), size);
+    auto const line = std::min(input.find('\n'), size);
+    MemoryFile const file(input.substr(std::min(line + 1, size)));
+    ur::Reference<nxPLST::Item> root;
+    try {
+        root = nxplist::load(file.path(), std::nullopt).root;
+        checkTree(root);
+    } catch (nxplist::Failure const& failure) {
+        require(failure.exitCode == 1 && !failure.message.empty(), "what is refused is invalid, and says why");
+    }
+    checkPath(input.substr(0, line), root);
+    return 0;
+}
