@@ -2,6 +2,7 @@
 //
 // Without arguments it plays the session below; with any argument it reads commands from the standard input.
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <iostream>
 #include <memory>
@@ -69,7 +70,7 @@ public:
     void draw() {
         constexpr int width = 20;
         BoundedDouble const value = value_.get();
-        auto const filled = static_cast<std::size_t>(width * value.fractionalValue() + 0.5);
+        auto const filled = static_cast<std::size_t>(std::lround(width * value.fractionalValue()));
         std::string const bar = std::string(filled, '#') + std::string(width - filled, '.');
         std::printf("%c %-9s %s %g\n", std::exchange(changed_, false) ? '*' : ' ', value_.pty()->name().c_str(),
                     bar.c_str(), value.value());

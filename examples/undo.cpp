@@ -82,9 +82,9 @@ int main() {
         drawing->circle()->move({1, 1, 0});
         transaction.commit();
     }
-    for (double x = 2; x <= 5; ++x) {  // one mouse move after the other
+    for (int x = 2; x <= 5; ++x) {  // one mouse move after the other
         manager.beginCoalescing("Drag", drawing->circle());
-        drawing->circle()->move({x, 1, 0});
+        drawing->circle()->move({1.0 * x, 1, 0});
         manager.commit();
     }
     manager.endCoalescing();

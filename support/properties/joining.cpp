@@ -76,8 +76,8 @@ void Property::join(ur::Reference<Property const> other) {
         untxd->storeValue(other->value(), Propagate::no);
         txd->linkTwin(*untxd);
     }
-    if (!txd && !transacted.empty()) {
-        txd = ur::make<TxdPropertyData>(*mine.txd->txnManager());
+    if (untxd && !txd && !transacted.empty()) {
+        txd = ur::make<TxdPropertyData>(*transacted.front()->data()->txnManager());
         txd->storeValue(other->value(), Propagate::no);
         txd->linkTwin(*untxd);
     }
