@@ -75,6 +75,7 @@ settle "redirected"
 
 print "== another one"
 local victim = start("victim", "/stall")
+while victim.status ~= "Connected" do host.turn() end
 start("culprit", "/hello", function(_, made) made:setDataFunc(function() victim:cancel() end) end)
 settle "another"
 
