@@ -4,12 +4,10 @@
 #include <yajl/yajl_parse.h>
 
 #include <exception>
-#include <memory>
-#include <new>
 #include <string_view>
-#include <type_traits>
 
 #include "plst/impl/FastJsonScan.h"
+#include "plst/impl/YajlMemory.h"
 
 namespace nxPLST::impl {
 
@@ -22,22 +20,17 @@ public:
 
     /// False when yajl refuses the text. Call it once.
     bool run(std::string_view text) {
-        std::unique_ptr<std::remove_pointer_t<yajl_handle>, FreeParser> const parser(
-            yajl_alloc(&callbacks, nullptr, this));
-        if (!parser) throw std::bad_alloc();
-        yajl_config(parser.get(), yajl_allow_comments, 1);
+        YajlMemory memory;
+        yajl_handle const parser = yajl_alloc(&callbacks, memory.functions(), this);
+        yajl_config(parser, yajl_allow_comments, 1);
         auto const* const bytes = reinterpret_cast<unsigned char const*>(text.data());
-        bool const ok = yajl_parse(parser.get(), bytes, text.size()) == yajl_status_ok &&
-                        yajl_complete_parse(parser.get()) == yajl_status_ok;
+        bool const ok =
+            yajl_parse(parser, bytes, text.size()) == yajl_status_ok && yajl_complete_parse(parser) == yajl_status_ok;
         if (failure_) std::rethrow_exception(failure_);
         return ok;
     }
 
 private:
-    struct FreeParser {
-        void operator()(yajl_handle parser) const { yajl_free(parser); }
-    };
-
     static std::string_view view(unsigned char const* text, std::size_t length) {
         return {reinterpret_cast<char const*>(text), length};
     }
@@ -63,8 +56,8 @@ private:
         }
     }
 
-    /// Runs `tell`, which is false for what must be refused, for yajl; 0 makes yajl stop. An exception must not leave
-    /// through yajl, which is C: it waits.
+    /// Runs `tell`, which is false for what must be refused, for yajl; 0 makes yajl stop. An exception waits until yajl
+    /// has.
     template <class Tell>
     static int guard(void* context, Tell tell) noexcept {
         auto& scan = *static_cast<YajlScan*>(context);
