@@ -85,10 +85,11 @@ private:
             return items.get() + std::exchange(size, size + count);
         }
         void grow(std::size_t count) {
-            capacity = std::max({size + count, 2 * capacity, std::size_t(64)});
-            auto grown = std::make_unique_for_overwrite<T[]>(capacity);
+            std::size_t const larger = std::max({size + count, 2 * capacity, std::size_t(64)});
+            auto grown = std::make_unique_for_overwrite<T[]>(larger);
             std::copy_n(items.get(), size, grown.get());
             items = std::move(grown);
+            capacity = larger;
         }
     };
 
