@@ -6,7 +6,7 @@ export DESTDIR
 
 preset = cmake --preset $(1) $(2) && cmake --build --preset $(1)
 
-.PHONY: run test bench asan tsan fuzz docs reference install format tidy clean packages
+.PHONY: run test bench asan tsan fuzz docs reference ratios install debian try-debian abi format tidy clean packages
 .DEFAULT_GOAL := run
 
 packages:
@@ -45,9 +45,27 @@ reference: packages
 	@packaging/install-packages reference
 	cmake/build_reference
 
+# The table of README.md, from what `make bench` measured.
+ratios:
+	cmake/write_ratios
+
 install: packages
 	$(call preset,release,-DCMAKE_INSTALL_PREFIX="$(PREFIX)")
 	cmake --install build/release
+
+# The packages of what is committed, in build/debian.
+debian: packages
+	@packaging/install-packages debian
+	packaging/build-debian
+
+# Those packages in a clean Debian, where a host is built with them; for root or sudo.
+try-debian: debian
+	packaging/try-debian
+
+# The interface beside that of the last tag.
+abi: packages
+	@packaging/install-packages abi
+	cmake/check_abi
 
 format: packages
 	cmake/check_format --fix

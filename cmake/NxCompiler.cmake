@@ -16,8 +16,9 @@ set(CMAKE_CXX_FLAGS_DEV "-O1 -g1 -D_GLIBCXX_ASSERTIONS")
 set(CMAKE_C_FLAGS_DEV "-O1 -g1")
 set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG -fno-semantic-interposition")
 
+option(NX_WARNINGS_ARE_ERRORS "Stop at warnings; off for compilers and flags that the tree is not tried with" ON)
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
-                    -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+                    -Wnon-virtual-dtor -Woverloaded-virtual $<$<BOOL:${NX_WARNINGS_ARE_ERRORS}>:-Werror>)
 
 if(NX_SANITIZE)
   add_compile_options(-fsanitize=${NX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

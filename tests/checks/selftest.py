@@ -119,6 +119,7 @@ class Planted(unittest.TestCase):
             "README.md": "[a](gone.md)\n[b](CONTRIBUTING.md#none)\n"
                          "```cpp\nint a;\n```\n```cpp file=examples/a.cpp region=none\n```\n"
                          "```console\n$ false\n```\n",
+            "docs/README.md": "[a](listing.md) [b](output.md) [c](table.md)\n",
             "docs/good.md": "```cpp file=examples/a.cpp region=part\nint b;\n```\n<!-- packages -->\n"
                             "| package | for | why |\n|---|---|---|\n| `one` | build | reason |\n\n"
                             "```console\n$ seq 3; exit 2\n1\n...\n# exit 2\n```\n",
@@ -133,7 +134,8 @@ class Planted(unittest.TestCase):
             "README.md:2: the link to CONTRIBUTING.md#none finds no heading #none",
             "docs/listing.md:2: reads “int c;”, should read “int b;”; `make docs` updates it",
             "docs/output.md:4: reads “b”, should read “a”; `make docs` updates it",
-            "docs/table.md:2: reads “| package |”, should read “| package | for | why |”; `make docs` updates it"])
+            "docs/table.md:2: reads “| package |”, should read “| package | for | why |”; `make docs` updates it",
+            "docs/README.md:1: does not link to good.md"])
 
 
 if __name__ == "__main__":
