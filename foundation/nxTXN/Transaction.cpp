@@ -21,7 +21,14 @@ Transaction::~Transaction() {
 
 bool Transaction::commit() {
     Manager* const manager = std::exchange(manager_, nullptr);
-    return manager && manager->commit();
+    if (!manager) return false;
+    std::size_t const depth = manager->depth();
+    try {
+        return manager->commit();
+    } catch (...) {
+        if (manager->depth() == depth) manager_ = manager;  // still open, for want of memory: it will be aborted
+        throw;
+    }
 }
 
 bool Transaction::abort() {

@@ -33,7 +33,7 @@ bool Property::validate(ItemReference& candidate) {
 }
 
 bool Property::validate(JoinedPropertyIterator& members, ItemReference& candidate) {
-    for (members.rewind(Start::include); members.valid(); members.next()) {
+    for (; members.valid(); members.next()) {
         Property const& member = members.current();
         if (!member.validated_ || !member.validationSignal_.hasConnections()) continue;
         impl::PropertyHold const held(member);

@@ -35,7 +35,8 @@ void Core::compact() {
 }
 
 void Core::pin(Object& object) {
-    if (object.core_ && object.core_ != this) meet(*object.core_);
+    if (object.core_ == this) return lifetimes_.addPin(object);
+    if (object.core_) meet(*object.core_);
     Lifetimes::pin(object);
 }
 
@@ -94,12 +95,14 @@ bool Core::mayEnd() const noexcept { return !levels_.empty() && !(busy_ && level
 
 bool Core::commit() {
     if (!mayEnd()) return false;
+    bool const recorded = levels_.back().keeps && levels_.back().kind == TransactionKind::recorded;
+    // Without memory the transaction stays open, for abort.
+    auto name = recorded && levels_.size() == 1 ? prepareStep(levels_.back()) : nullptr;
     Level const level = std::move(levels_.back());
     levels_.pop_back();
     if (!level.keeps) return true;
-    bool const recorded = level.kind == TransactionKind::recorded;
     if (recorded && levels_.empty()) {
-        addStep(level);
+        if (name) addStep(level, std::move(name));
     } else if (recorded && levels_.back().keeps) {
         levels_.back().records += merge(level, levels_.back().stamp);
     } else {
@@ -136,15 +139,20 @@ void Core::restoreStamps(Level const& level) {
     });
 }
 
-void Core::addStep(Level const& level) {
+// Null for what makes no step.
+ur::Reference<SharedName> Core::prepareStep(Level const& level) {
+    if (level.records == 0 && !lifetimes_.anyBorn(level.birthsBegin)) return nullptr;
+    steps_.makeRoom();
+    return shared(level.name);
+}
+
+void Core::addStep(Level const& level, ur::Reference<SharedName> name) {
     std::uint32_t const birthsEnd = lifetimes_.roster().size();
-    if (level.records == 0 && !lifetimes_.anyBorn(level.birthsBegin)) return;
     if (joinsNewestStep(level)) {
         Step& step = steps_.back();
         step.records += merge(level, step.stamp);
         step.birthsEnd = birthsEnd;
     } else {
-        auto name = shared(level.name);
         steps_.push({std::move(name), level.begin, level.records, level.stamp, level.birthsBegin, birthsEnd});
         discardUndone();
         coalesceKey_ = level.coalesceKey;

@@ -112,7 +112,8 @@ private:
     void missed(Object const& object);
 
     [[nodiscard]] bool mayEnd() const noexcept;
-    void addStep(Level const& level);
+    [[nodiscard]] ur::Reference<SharedName> prepareStep(Level const& level);
+    void addStep(Level const& level, ur::Reference<SharedName> name);
     void discardUndone();
     void discardOldest();
     void discardFarthest();

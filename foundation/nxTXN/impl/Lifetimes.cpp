@@ -52,9 +52,7 @@ void Lifetimes::compact(std::span<std::uint32_t* const> bounds) {
 }
 
 void Lifetimes::pin(Object& object) noexcept {
-    if (!object.core_) return;
-    Entry& entry = object.core_->lifetimes().entryOf(object);
-    if (entry.pins != Entry::mostPins) ++entry.pins;
+    if (object.core_) object.core_->lifetimes().addPin(object);
 }
 
 void Lifetimes::unpin(Object& object) noexcept {

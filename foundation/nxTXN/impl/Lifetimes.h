@@ -31,6 +31,11 @@ public:
 
     /// A record needs the object, or needs it no longer.
     static void pin(Object& object) noexcept;
+    /// The same for an object of this manager.
+    void addPin(Object const& object) noexcept {
+        Entry& entry = entryOf(object);
+        if (entry.pins != Entry::mostPins) ++entry.pins;
+    }
     static void unpin(Object& object) noexcept;
 
     void lastReferenceGone(RefCountedObject& object) noexcept;

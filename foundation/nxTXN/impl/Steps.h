@@ -41,8 +41,12 @@ public:
     [[nodiscard]] Step const& operator[](std::size_t i) const noexcept { return slot(begin_ + i); }
     [[nodiscard]] Step& back() noexcept { return slot(end_ - 1); }
 
-    void push(Step step) {
+    /// The next `push` takes no memory.
+    void makeRoom() {
         if (end_ == blocks_.size() * blockSize) blocks_.push_back(std::make_unique<Block>());
+    }
+    void push(Step step) {
+        makeRoom();
         slot(end_++) = std::move(step);
     }
     Step popBack() noexcept {

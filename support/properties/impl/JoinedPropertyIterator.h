@@ -8,8 +8,8 @@ namespace nxSupport::impl {
 
 /// Walks over the members that a joined set has when the walk is made: the transacted ones, then the untransacted.
 ///
-/// Members that leave the set meanwhile are passed over, and those that join it are not reached, not even after
-/// `rewind`. Keeps the start property and both data objects alive, but not the member that it stands on.
+/// Members that leave the set meanwhile are passed over, and those that join it are not reached, not even by a
+/// later `forEach`. Keeps the start property and both data objects alive, but not the member that it stands on.
 class JoinedPropertyIterator {
 public:
     enum class Start : bool { include, skip };
@@ -26,15 +26,7 @@ public:
         txd_.valid() ? txd_.next() : untxd_.next();
         settle();
     }
-    /// Back to the first member, with or without the start property.
-    void rewind(Start handling) noexcept {
-        skipped_ = handling == Start::skip ? &start_.property() : nullptr;
-        txd_.rewind();
-        untxd_.rewind();
-        settle();
-    }
-
-    /// Visits the members from the first one on.
+    /// Visits the members from the first one on, with or without the start property.
     template <class Visit>
     void forEach(Start handling, Visit visit) {
         Property const* const skipped = handling == Start::skip ? &start_.property() : nullptr;
@@ -57,8 +49,8 @@ public:
 
 private:
     JoinedPropertyIterator(Property const& start, Start handling, JoinedData const& shared)
-        : start_(start), txd_(shared.txd), untxd_(shared.untxd) {
-        rewind(handling);
+        : start_(start), skipped_(handling == Start::skip ? &start : nullptr), txd_(shared.txd), untxd_(shared.untxd) {
+        settle();
     }
 
     void settle() noexcept {
@@ -81,7 +73,7 @@ private:
     }
 
     PropertyHold start_;
-    Property const* skipped_ = nullptr;
+    Property const* const skipped_;
     Property* current_ = nullptr;
     MemberWalk<TxdPropertyData> txd_;
     MemberWalk<UnTxdPropertyData> untxd_;
