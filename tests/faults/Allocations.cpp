@@ -1,0 +1,81 @@
+// The functions that take the place of the program's own: the linker leads every call here, see CMakeLists.txt.
+#include "tests/faults/Allocations.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+std::size_t left = 0;  // until the one that fails, which is number 1; none does at 0
+std::ptrdiff_t blocks = 0;
+
+bool fails() noexcept { return left > 0 && --left == 0; }
+
+/// Null counts as failed.
+template <class T>
+T* counted(T* block) noexcept {
+    if (block) ++blocks;
+    return block;
+}
+
+void dropped(void const* block) noexcept {
+    if (block) --blocks;
+}
+
+}  // namespace
+
+namespace faults {
+
+Allocations::Allocations(std::size_t failing) noexcept { left = failing + 1; }
+Allocations::~Allocations() { left = 0; }
+bool Allocations::failed() const noexcept {
+    return left == 0;
+}  // NOLINT(readability-convert-member-functions-to-static)
+std::ptrdiff_t Allocations::live() noexcept { return blocks; }
+
+}  // namespace faults
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the names that the linker makes of --wrap
+extern "C" {
+void* __real_malloc(std::size_t bytes);
+void* __real_calloc(std::size_t count, std::size_t bytes);
+void* __real_realloc(void* block, std::size_t bytes);
+void* __real_aligned_alloc(std::size_t alignment, std::size_t bytes);
+void __real_free(void* block);
+void* __real__ZN2ur12allocateNodeEm(std::size_t bytes);
+void __real__ZN2ur14deallocateNodeEPvm(void* node, std::size_t bytes);
+
+void* __wrap_malloc(std::size_t bytes) { return fails() ? nullptr : counted(__real_malloc(bytes)); }
+void* __wrap_calloc(std::size_t count, std::size_t bytes) {
+    return fails() ? nullptr : counted(__real_calloc(count, bytes));
+}
+void* __wrap_realloc(void* block, std::size_t bytes) {
+    if (fails()) return nullptr;
+    void* const moved = __real_realloc(block, bytes);
+    return block ? moved : counted(moved);
+}
+void* __wrap_aligned_alloc(std::size_t alignment, std::size_t bytes) {
+    return fails() ? nullptr : counted(__real_aligned_alloc(alignment, bytes));
+}
+void __wrap_free(void* block) {
+    dropped(block);
+    __real_free(block);
+}
+void* __wrap__ZN2ur12allocateNodeEm(std::size_t bytes) {
+    if (fails()) throw std::bad_alloc();
+    return counted(__real__ZN2ur12allocateNodeEm(bytes));
+}
+void __wrap__ZN2ur14deallocateNodeEPvm(void* node, std::size_t bytes) {
+    dropped(node);
+    __real__ZN2ur14deallocateNodeEPvm(node, bytes);
+}
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
+void* operator new(std::size_t bytes) {
+    void* const block = __wrap_malloc(bytes);
+    if (!block) throw std::bad_alloc();
+    return block;
+}
+void operator delete(void* block) noexcept { __wrap_free(block); }
+void operator delete(void* block, std::size_t /*bytes*/) noexcept { __wrap_free(block); }

@@ -1,0 +1,162 @@
+// Properties and their history, the cache, and scripts, while memory runs out.
+#include <filesystem>
+
+#include "foundation/nxLC/State.h"
+#include "foundation/nxRFL/ExposeFunction.h"
+#include "foundation/nxTXN/Transaction.h"
+#include "krcache/Manager.h"
+#include "plst/Array.h"
+#include "plst/Double.h"
+#include "plst/json.h"
+#include "script/luaFunctions.h"
+#include "support/properties/Property.h"
+#include "tests/faults/survives.h"
+
+namespace faults {
+namespace {
+
+using nxPLST::Item;
+using nxSupport::Property;
+using ur::Reference;
+using urString::CString;
+
+Reference<Item> list(double first) {
+    auto array = ur::make<nxPLST::Array>();
+    array->insert(ur::make<nxPLST::Double>(first));
+    return array;
+}
+
+/// Two properties of one value, a listener, and a history.
+struct SetProperty {
+    SetProperty() {
+        history.begin("make", nxTXN::TransactionKind::none);
+        property = Property::createTxd(history, "brush.radius", list(1));
+        twin = property->cloneUnTxd("slider");
+        history.commit();
+        connection = twin->subscribe([this](auto const& /*property*/, auto /*stage*/) { heard = value(); });
+    }
+    bool act() {
+        nxTXN::Transaction transaction(history, "a name that is too long to be held in place");
+        property->setValue(list(2));
+        return transaction.commit();
+    }
+    std::string value() const { return std::string(nxPLST::asJSON(property->value())); }
+    std::string state() const {
+        return value() + std::string(nxPLST::asJSON(twin->value())) + " steps " + std::to_string(history.undoCount()) +
+               "/" + std::to_string(history.redoCount());
+    }
+
+    nxTXN::Manager history;
+    Reference<Property> property, twin;
+    urRTB::ScopedConnection connection;
+    std::string heard;
+};
+
+/// Not the first of its size: the manager's list of objects that an undo makes or unmakes grows where destructors run,
+/// and a program that has no memory for that ends.
+struct UndoProperty : SetProperty {
+    UndoProperty() {
+        SetProperty::act();
+        history.undo();
+        history.redo();
+    }
+    bool act() { return history.undo(); }
+};
+
+struct RedoProperty : UndoProperty {
+    RedoProperty() { history.undo(); }
+    bool act() { return history.redo(); }
+};
+
+struct Text : urKRCache::Resource {
+    explicit Text(std::string what) : text(std::move(what)) {}
+    unsigned onGetSizeInBytes() const override { return static_cast<unsigned>(text.size()); }
+    std::string text;
+};
+
+/// Equal by number; built from the text of the key before it.
+struct Key : urKRCache::KeyData {
+    Key(int which, Reference<urKRCache::Shim> from) : number(which), source(std::move(from)) {}
+
+    int onCompare(KeyData const* other) const override { return number - static_cast<Key const*>(other)->number; }
+    unsigned onHash() const override { return static_cast<unsigned>(number); }
+    void onVisitSubKeys(urKRCache::KeyVisitor& visitor) const override {
+        if (source) visitor.visit(source.get());
+    }
+    Reference<urKRCache::Resource> onCreateResource() const override;
+
+    int number;
+    Reference<urKRCache::Shim> source;
+};
+
+struct BuildResources {
+    bool act() {
+        Reference<urKRCache::Shim> shim;
+        for (int number = 0; number < 3; ++number) {
+            shim = cache.getShim(ur::make<Key>(number, shim), urKRCache::Shim::KeyType());
+        }
+        if (!shim) return false;
+        auto const resource = cache.accessResource(shim);
+        if (!resource) return false;
+        built = static_cast<Text const&>(*resource).text;
+        return true;
+    }
+    /// How far a failed one came does not matter: the cache may keep what it has built.
+    std::string state() const { return built + std::string(cache.audit()); }
+
+    BuildResources() { current = this; }
+    ~BuildResources() { current = nullptr; }
+    static inline BuildResources* current = nullptr;
+
+    urKRCache::Manager cache{urString::IString(std::filesystem::temp_directory_path().c_str())};
+    std::string built;
+};
+
+Reference<urKRCache::Resource> Key::onCreateResource() const {
+    std::string text(100, 'x');
+    if (source) {
+        auto const built = BuildResources::current->cache.accessResource(source);
+        if (!built) return nullptr;
+        text += static_cast<Text const&>(*built).text;
+    }
+    return ur::make<Text>(std::move(text));
+}
+
+/// A script that calls a native function and decodes a text, and then assigns what came of it.
+struct RunScript {
+    RunScript() {
+        nxRFL::ExposeFunction(database, "host").add("twice", [](CString const& text) { return text + text; });
+        state_ = std::make_unique<nxLC::State>(database);
+        EXPECT_FALSE(state_->run("nx = {} value = 'none'", "=start"));
+        nxSupport::InitializeLuaMsg message(nxSupport::InitializeLuaMsg::Application, state_->get());
+        nxSupport::registerLuaFunctions(message);
+    }
+    bool act() {
+        return !state_->run(R"(
+            local decoded = nx.decodeJSON2('{"list": [1, {"a": "b"}, true], "text": "a longer text than fits"}')
+            value = host.twice(decoded.text .. decoded.list[2].a))",
+                            "=act");
+    }
+    std::string state() const {
+        nxRFL::Stack results;
+        EXPECT_FALSE(state_->run("return value", "=state", {}, results));
+        nxRFL::Reader reader(results);
+        return std::string(reader.readText());
+    }
+
+    nxRFL::Database database;
+    std::unique_ptr<nxLC::State> state_;
+};
+
+TEST(WithoutMemory, EditsAreMadeWholeOrNotAtAll) {
+    survives<SetProperty>();
+    survives<UndoProperty>();
+    survives<RedoProperty>();
+}
+
+TEST(WithoutMemory, TheCacheStaysSound) { survives<BuildResources>(); }
+
+TEST(WithoutMemory, ScriptsFailWithAnError) { survives<RunScript>(); }
+
+}  // namespace
+}  // namespace faults
