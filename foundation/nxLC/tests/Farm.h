@@ -158,6 +158,7 @@ protected:
         auto const error = state->run(script, "=test");
         return error ? std::string(error->message().view()) : "ok";
     }
+    void succeed(std::string const& script) { EXPECT_EQ(run(script), "ok") << script; }
     /// What the script returns.
     double number(std::string const& script) {
         nxRFL::Stack results;

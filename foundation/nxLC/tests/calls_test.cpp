@@ -61,7 +61,7 @@ TEST_F(Calls, ErrorsCarryTheScriptsStack) {
 }
 
 TEST_F(Calls, ErrorsEverywhereLeaveNothingBehind) {
-    EXPECT_EQ(run(R"(
+    succeed(R"(
         local rex = farm.Animal.make("Rex")
         local function fails(f, ...) assert(not pcall(f, ...)) end
         for i = 1, 200 do
@@ -79,8 +79,7 @@ TEST_F(Calls, ErrorsEverywhereLeaveNothingBehind) {
             co() fails(co)
             fails(coroutine.wrap(function() farm.tools.apply(coroutine.yield, {}) end))
         end
-        rex:setOnCall(nil))"),
-              "ok");
+        rex:setOnCall(nil))");
     EXPECT_EQ(reported.substr(0, 58).view(), "test:11: Rex is tired;item 1 must be string, but is array;");
     EXPECT_EQ(farm::Token::alive, 0);
 }
@@ -119,27 +118,26 @@ TEST_F(Calls, FailAtAnyAllocationWithoutHarm) {
 TEST_F(Calls, CallbacksKeepTheirFunctionsUntilTheyAreDropped) {
     auto const rex = ur::make<Animal>("Rex");
     give("rex", rex);
-    EXPECT_EQ(run(R"(
+    succeed(R"(
         local kept = farm.Animal.make("kept")
         rex:setOnCall(function(self, text) count = (count or 0) + 1 return text .. " " .. kept.name end)
-        collectgarbage())"),
-              "ok");
+        collectgarbage())");
     EXPECT_EQ(rex->onCall(*rex, "hello"), "hello kept");
     EXPECT_EQ(number("return count"), 1);
     EXPECT_EQ(Animal::alive, 2);
     rex->onCall = nullptr;
-    EXPECT_EQ(run("collectgarbage() collectgarbage()"), "ok");
+    succeed("collectgarbage() collectgarbage()");
     EXPECT_EQ(Animal::alive, 1);
 
     // Places of dropped functions are used again.
-    EXPECT_EQ(run("for i = 1, 1000 do rex:setOnCall(function() return tostring(i) end) end"), "ok");
+    succeed("for i = 1, 1000 do rex:setOnCall(function() return tostring(i) end) end");
     EXPECT_EQ(rex->onCall(*rex, ""), "1000");
 }
 
 TEST_F(Calls, CallbacksDropThemselvesAndFail) {
     auto const rex = ur::make<Animal>("Rex");
     give("rex", rex);
-    EXPECT_EQ(run("rex:setOnCall(function(self) self:setOnCall(nil) collectgarbage() error('dropped') end)"), "ok");
+    succeed("rex:setOnCall(function(self) self:setOnCall(nil) collectgarbage() error('dropped') end)");
     EXPECT_EQ(rex->onCall(*rex, ""), "");
     EXPECT_EQ(reported, "test:1: dropped;");
     EXPECT_FALSE(rex->onCall);
@@ -148,7 +146,7 @@ TEST_F(Calls, CallbacksDropThemselvesAndFail) {
 TEST_F(Calls, CallbacksAreInertOnceTheirStateHasClosed) {
     auto const rex = ur::make<Animal>("Rex");
     give("rex", rex);
-    EXPECT_EQ(run("rex:setOnCall(function() error('alive') end)"), "ok");
+    succeed("rex:setOnCall(function() error('alive') end)");
     auto const function = state->load("error('alive')", "=later");
     state.reset();
     EXPECT_EQ(rex->onCall(*rex, ""), "");
@@ -171,7 +169,7 @@ TEST_F(Calls, ScriptsMayDestroyTheirState) {
 }
 
 TEST_F(Calls, NestOnTheThreadThatRuns) {
-    EXPECT_EQ(run(R"(
+    succeed(R"(
         local depth = 0
         local function nest() depth = depth + 1 farm.tools.apply(nest, {}) end
         local ok, message = pcall(nest)
@@ -182,8 +180,7 @@ TEST_F(Calls, NestOnTheThreadThatRuns) {
         local rex = farm.Animal.make("Rex")
         rex:setOnCall(function() return coroutine.running() and "inside" or "outside" end)
         assert(rex:call("") == "outside")
-        assert(coroutine.wrap(function() return rex:call("") end)() == "inside"))"),
-              "ok");
+        assert(coroutine.wrap(function() return rex:call("") end)() == "inside"))");
 }
 
 TEST_F(Calls, GuardTurnsExceptionsIntoErrors) {
@@ -202,7 +199,7 @@ TEST_F(Calls, GuardTurnsExceptionsIntoErrors) {
     };
     lua_pushcfunction(L, body);
     lua_setglobal(L, "shout");
-    EXPECT_EQ(run("assert(shout('abc') == '!!!')"), "ok");
+    succeed("assert(shout('abc') == '!!!')");
     EXPECT_EQ(run("shout('')"), "test:1: nothing to shout");
     try {
         lua_pushnumber(L, 1);

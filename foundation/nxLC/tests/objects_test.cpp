@@ -11,19 +11,18 @@ using nxRFL::Object;
 class Objects : public Farm {};
 
 TEST_F(Objects, ClassesAndFunctionsAreGlobalTables) {
-    EXPECT_EQ(run(R"(
+    succeed(R"(
         assert(_G["farm::Animal"] == farm.Animal and _G["farm::tools"] == farm.tools)
         assert(tostring(farm.Animal) == "class farm::Animal")
         assert(getmetatable(farm.Animal) == "nxRFL::Class")
         assert(farm.tools.nameOf(farm.Duck) == "farm::Duck" and farm.tools.nameOf(nil) == "none")
-        assert(nxRFL.Stack and nxRFL.Class))"),
-              "ok");
+        assert(nxRFL.Stack and nxRFL.Class))");
     EXPECT_EQ(run("farm.tools.nameOf({})"),
               "test:1: farm::tools.nameOf: argument 1 must be nxRFL::Class, but is array");
 }
 
 TEST_F(Objects, HaveMethodsPropertiesAndIterators) {
-    EXPECT_EQ(run(R"(
+    succeed(R"(
         local rex = farm.Animal.make("Rex")
         assert(rex.name == "Rex" and rex.weight == 1 and rex.legs == 4 and rex.friend == nil)
         rex.name, rex.weight = "Max", 7.5
@@ -36,8 +35,7 @@ TEST_F(Objects, HaveMethodsPropertiesAndIterators) {
         local walk
         do walk = farm.Duck.make(false):meals() end
         collectgarbage()
-        assert(walk() == nil and walk() == nil))"),
-              "ok");
+        assert(walk() == nil and walk() == nil))");
 }
 
 TEST_F(Objects, RefuseWhatTheyDoNotHave) {
@@ -68,25 +66,24 @@ TEST_F(Objects, AreOneUserdataEach) {
     give("a", rex);
     give("b", rex);
     give("c", ur::make<Animal>("Rex"));
-    EXPECT_EQ(run(R"(
+    succeed(R"(
         assert(rawequal(a, b) and a ~= c and a ~= 5)
         a.friend = c
         assert(rawequal(a.friend, c))
         local text = tostring(a)
         assert(text:match("^farm::Animal: 0x%x+$") and text == tostring(b) and text ~= tostring(c))
-        assert(getmetatable(a) == "farm::Animal"))"),
-              "ok");
+        assert(getmetatable(a) == "farm::Animal"))");
     EXPECT_EQ(state->reflection().getObjectTableSize(state->get()), 2);
     EXPECT_EQ(rex->referenceCount(), 2);
     rex->friendly = nullptr;
-    EXPECT_EQ(run("a, b, c = nil collectgarbage()"), "ok");
+    succeed("a, b, c = nil collectgarbage()");
     EXPECT_EQ(rex->referenceCount(), 1);
     EXPECT_EQ(Animal::alive, 1);
     EXPECT_EQ(state->reflection().getObjectTableSize(state->get()), 0);
 }
 
 TEST_F(Objects, AreOfTheNearestKnownClassAndConvertToTheirBases) {
-    EXPECT_EQ(run(R"(
+    succeed(R"(
         for _, secret in ipairs{false, true} do
             local duck = farm.Duck.make(secret)
             assert(tostring(duck):match("^farm::Duck"))
@@ -95,8 +92,7 @@ TEST_F(Objects, AreOfTheNearestKnownClassAndConvertToTheirBases) {
             duck.friend = duck
             assert(rawequal(duck.friend, duck))
             duck.friend = nil
-        end)"),
-              "ok");
+        end)");
     EXPECT_EQ(run("farm.tools.depthOf(farm.Animal.make('Rex'))"),
               "test:1: farm::tools.depthOf: argument 1 must be farm::Swimmer, but is farm::Animal");
 }
@@ -111,9 +107,9 @@ TEST_F(Objects, BelongToScriptsOnlyWhenGiven) {
     state->reflection().pushObject(L, Object());
     EXPECT_TRUE(lua_isnil(L, -1));
     lua_pop(L, 1);
-    EXPECT_EQ(run("mine:add(farm.Animal.make('Rex')) given:add(farm.Animal.make('Max'))"), "ok");
+    succeed("mine:add(farm.Animal.make('Rex')) given:add(farm.Animal.make('Max'))");
     EXPECT_EQ(number("return given:count()"), 1);
-    EXPECT_EQ(run("mine, given = nil collectgarbage()"), "ok");
+    succeed("mine, given = nil collectgarbage()");
     EXPECT_EQ(Barn::alive, 1);
     EXPECT_EQ(own.animals.size(), 1U);
     own.animals.clear();
@@ -123,7 +119,7 @@ TEST_F(Objects, BelongToScriptsOnlyWhenGiven) {
     give("later", Object(later, barns));
     state->reflection().pushObject(L, Object(later, barns));
     lua_setglobal(L, "again");
-    EXPECT_EQ(run("assert(rawequal(later, again))"), "ok");
+    succeed("assert(rawequal(later, again))");
     auto const rex = ur::make<Animal>("Rex");
     give("rex", rex);
     for (int i = 0; i < 2; ++i) {
@@ -131,13 +127,13 @@ TEST_F(Objects, BelongToScriptsOnlyWhenGiven) {
         lua_pop(L, 1);
     }
     EXPECT_EQ(rex->referenceCount(), 2);
-    EXPECT_EQ(run("later, again, rex = nil collectgarbage()"), "ok");
+    succeed("later, again, rex = nil collectgarbage()");
     EXPECT_EQ(Barn::alive, 1);
     EXPECT_EQ(rex->referenceCount(), 1);
 }
 
 TEST_F(Objects, AreGoneAfterTheirFinalizers) {
-    EXPECT_EQ(run(R"(
+    succeed(R"(
         (function()
             local proxy = newproxy(true)            -- finalized after the object, which is newer
             local rex = farm.Animal.make("Rex")
@@ -147,8 +143,7 @@ TEST_F(Objects, AreGoneAfterTheirFinalizers) {
                 same = rex == rex and rex ~= farm.Animal.make("Max")
             end
         end)()
-        collectgarbage())"),
-              "ok");
+        collectgarbage())");
     EXPECT_EQ(run("assert(same and message:match('the object must not be a farm::Animal that has "
                   "gone$'), message)"),
               "ok");
@@ -162,38 +157,36 @@ TEST_F(Objects, AppearWhenTheyAreRegisteredLater) {
     nxRFL::ExposeClass<Animal>(database, "farm::Animal").addMethod("run", [](Animal&) { return true; });
     Late late;
     give("late", &late);
-    EXPECT_EQ(run("assert(late.value == 4) rex = farm.Animal.make('Rex') assert(rex.run == nil)"), "ok");
+    succeed("assert(late.value == 4) rex = farm.Animal.make('Rex') assert(rex.run == nil)");
     nxLC::ReflectionData::bind(state->get(), database);
-    EXPECT_EQ(run("assert(rex:run() and farm.later.Late)"), "ok");
+    succeed("assert(rex:run() and farm.later.Late)");
 }
 
 TEST_F(Objects, AskTheHookAboutAssignments) {
     lua_State* const L = state->get();
-    EXPECT_EQ(run(R"(
+    succeed(R"(
         log = ""
         function hook(object, name, value)
             log = log .. tostring(object):match("^[%w:]+%w") .. "." .. name .. "=" .. tostring(value) .. ";"
             object.weight = 9
             if value == "bad" then error("not that", 0) end
-        end)"),
-              "ok");
+        end)");
     lua_getglobal(L, "hook");
     state->reflection().setPropertyAssignmentHook(L, lua_gettop(L));
     lua_pop(L, 1);
-    EXPECT_EQ(run(R"(
+    succeed(R"(
         local rex = farm.Animal.make("Rex")
         rex.name = "Max"
         assert(rex.weight == 9 and rex.name == "Max")
         assert(select(2, pcall(function() rex.name = "bad" end)) == "not that")
         assert(rex.name == "Max")
-        assert(log == "farm::Animal.name=Max;farm::Animal.name=bad;", log))"),
-              "ok");
+        assert(log == "farm::Animal.name=Max;farm::Animal.name=bad;", log))");
     state->reflection().clearPropertyAssignmentHook(L);
-    EXPECT_EQ(run("farm.Animal.make('Rex').name = 'bad' assert(#log < 60)"), "ok");
+    succeed("farm.Animal.make('Rex').name = 'bad' assert(#log < 60)");
 }
 
 TEST_F(Objects, FunctionsOfMetatablesBearAnyArguments) {
-    EXPECT_EQ(run(R"(
+    succeed(R"(
         local rex = farm.Animal.make("Rex")
         for _, value in pairs(debug.getmetatable(rex)) do
             if type(value) == "function" then
@@ -214,8 +207,7 @@ TEST_F(Objects, FunctionsOfMetatablesBearAnyArguments) {
             assert(rex.name == "Rex" and rex ~= given[i])
         end
         local walk = rex:meals()
-        assert(not pcall(rex.meals) and not pcall(rex.meals, farm.Barn) and walk(5, {}) == nil))"),
-              "ok");
+        assert(not pcall(rex.meals) and not pcall(rex.meals, farm.Barn) and walk(5, {}) == nil))");
 }
 
 }  // namespace
