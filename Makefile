@@ -2,11 +2,12 @@
 PREFIX ?= /usr/local
 DESTDIR ?=
 FUZZ_SECONDS ?= 60
+SOAK_SECONDS ?= 600
 export DESTDIR
 
 preset = cmake --preset $(1) $(2) && cmake --build --preset $(1)
 
-.PHONY: run test bench asan tsan fuzz docs reference ratios install debian try-debian abi format tidy clean packages
+.PHONY: run test bench asan tsan clang valgrind fuzz soak coverage docs reference ratios install debian try-debian abi format tidy clean packages
 .DEFAULT_GOAL := run
 
 packages:
@@ -29,6 +30,28 @@ bench: packages
 asan tsan: packages
 	$(call preset,$@)
 	ctest --preset $@
+
+# The other compiler, with its own warnings.
+clang: packages
+	@packaging/install-packages fuzz
+	$(call preset,clang)
+	ctest --preset clang
+
+valgrind: packages
+	@packaging/install-packages valgrind
+	$(call preset,dev) --target nxLC_tests nxLC_cxx_tests script_tests
+	tests/valgrind build/dev/foundation/nxLC/nxLC_tests build/dev/foundation/nxLC/nxLC_cxx_tests \
+	    build/dev/script/script_tests
+
+coverage: packages
+	@packaging/install-packages fuzz coverage
+	$(call preset,coverage)
+	tests/coverage build/coverage
+
+# Everything together, for ten minutes: nothing may grow.
+soak: packages
+	$(call preset,dev) --target nxhost
+	tools/nxhost/tests/soak.py --seconds $(SOAK_SECONDS) build/dev/bin/nxhost
 
 fuzz: packages
 	@packaging/install-packages fuzz

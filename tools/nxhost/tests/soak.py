@@ -1,5 +1,9 @@
 #!/usr/bin/env -S python3 -B
-"""Makes many connections in turn and looks for what they leave behind.  usage: soak.py NXHOST [COUNT [KIBIBYTES]]"""
+"""Makes many connections in turn and looks for what they leave behind; with --seconds, does everything together.
+
+usage: soak.py NXHOST [COUNT [KIBIBYTES]]
+       soak.py --seconds SECONDS NXHOST [KIBIBYTES]
+"""
 import subprocess
 import sys
 from pathlib import Path
@@ -8,7 +12,13 @@ from run import environment
 from server import Server
 
 here = Path(__file__).resolve().parent
-nxhost, count, growth = (sys.argv[1:] + ["10000", "4096"][len(sys.argv) - 2:])[:3]
+if sys.argv[1] == "--seconds":
+    script, options = "churn.lua", ["--cache", "256K"]
+    amount, nxhost, *more = sys.argv[2:]
+else:
+    script, options = "soak.lua", []
+    nxhost, amount, *more = sys.argv[1:] + ["10000"][len(sys.argv) - 2:]
+growth = more[0] if more else "4096"
 with Server() as server:
-    sys.exit(subprocess.run([nxhost, here / "soak.lua", server.url, "", "", count, growth],
+    sys.exit(subprocess.run([nxhost, *options, here / script, server.url, "", "", amount, growth],
                             env=environment()).returncode)
