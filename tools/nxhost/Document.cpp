@@ -24,6 +24,7 @@ bool call(nxRFL::Callback const& callback, CString const* name, ScriptValue cons
     nxRFL::Writer writer(arguments);
     if (name) writer.writeText(*name);
     write(writer, value);
+    nxSupport::ScriptCallScope const scope(name ? "listener" : "validator");
     if (!callback.call(arguments, results)) return false;
     if (!result) return true;
     try {

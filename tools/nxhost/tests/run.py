@@ -85,6 +85,8 @@ def misused(nxhost):
 
 
 TRACED = """
+host.document:listen("size", function() end)
+host.document:validate("size", function(size) return size end)
 host.document:edit("Paint", function() host.document:set("size", 1) end)
 host.document:undo()
 print(host.cache:resource("brush", function() return "text" end).text)
@@ -93,8 +95,8 @@ nxSupport.Context.exec(host.domain, "Const", function() end)
 host.later(function() end)
 """
 EVENTS = {("context", "Undecided"), ("context", "Const"), ("script", "-e"), ("script", "Paint"), ("script", "brush"),
-          ("script", "later"), ("cache", "build"), ("cache", "drop"), ("performance", "TASK Execute"),
-          ("performance", "Update Doc")}
+          ("script", "later"), ("script", "listener"), ("script", "validator"), ("cache", "build"), ("cache", "drop"),
+          ("performance", "TASK Execute"), ("performance", "Update Doc")}
 COUNTS = r"""nxhost: NX_DEBUG: there is no Debug_Undoo; do you mean Debug_Undo\?
 TASK Execute \.\.\. = 0\.\d+
 Update Doc = 0\.\d+
