@@ -32,6 +32,7 @@ bool Property::validate(ItemReference& candidate) {
     return validate(members, candidate);
 }
 
+// Leaves the walk on the member whose validators ran, or at its end.
 bool Property::validate(JoinedPropertyIterator& members, ItemReference& candidate) {
     for (; members.valid(); members.next()) {
         Property const& member = members.current();
@@ -50,26 +51,35 @@ void Property::tell(JoinedPropertyIterator& members, PropertyModType type) {
     members.forEach(Start::skip, [type](Property& member) { member.send(type); });
 }
 
-bool Property::modify(ItemReference value, PropertyModType type) {
+// Members whom validators let join are told of the change as well.
+template <class Change>
+bool Property::changeValidated(ItemReference& value, Change change) {
     JoinedPropertyIterator members(*this, Start::include);
     bool const unchanged = validate(members, value);
-    if (type == ModifyAll) {
-        setValue(std::move(value));
+    if (members.valid()) {
+        JoinedPropertyIterator renewed(*this, Start::include);
+        change(renewed);
     } else {
-        store(std::move(value));
-        tell(members, type);
+        change(members);
     }
     return unchanged;
 }
 
+bool Property::modify(ItemReference value, PropertyModType type) {
+    return changeValidated(value, [&](JoinedPropertyIterator& members) {
+        if (type == ModifyAll) return void(setValue(std::move(value)));
+        store(std::move(value));
+        tell(members, type);
+    });
+}
+
 bool Property::modify(ItemReference value) {
-    JoinedPropertyIterator members(*this, Start::include);
-    bool const unchanged = validate(members, value);
-    tell(members, ModifyStart);
-    store(std::move(value));
-    tell(members, ModifyPerform);
-    tell(members, ModifyEnd);
-    return unchanged;
+    return changeValidated(value, [&](JoinedPropertyIterator& members) {
+        tell(members, ModifyStart);
+        store(std::move(value));
+        tell(members, ModifyPerform);
+        tell(members, ModifyEnd);
+    });
 }
 
 void Property::store(ItemReference value) {

@@ -129,6 +129,8 @@ private:
         validated_ = true;
         return validationSignal_;
     }
+    template <class Change>
+    bool changeValidated(ItemReference& value, Change change);
     bool modify(ItemReference value, PropertyModType type);
     bool modify(ItemReference value);
     void store(ItemReference value);

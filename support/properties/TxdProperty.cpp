@@ -53,13 +53,23 @@ void TxdProperty::onTransact(nxTXN::Serializer& serializer) {
 
 void TxdProperty::onTxnModified() {
     RefCountedObject::onTxnModified();
-    if (data_ && !data_->members().contains(*this)) data_->members().add(*this);
+    takeSeat();
     txnModified_.emit(ur::Reference<Property>(this));
 }
 
 void TxdProperty::onTxnDestroyed() {
     RefCountedObject::onTxnDestroyed();
     if (data_) data_->remove(*this);
+}
+
+void TxdProperty::onTxnExtant() {
+    RefCountedObject::onTxnExtant();
+    if (isTxnExtant()) takeSeat();
+}
+
+// The list may not be part of the step that brought this property back or moved it, if it left or came unrecorded.
+void TxdProperty::takeSeat() {
+    if (data_ && !data_->members().contains(*this)) data_->members().add(*this);
 }
 
 }  // namespace nxSupport

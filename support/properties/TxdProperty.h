@@ -43,6 +43,7 @@ protected:
     void onTransact(nxTXN::Serializer& serializer) override;
     void onTxnModified() override;
     void onTxnDestroyed() override;
+    void onTxnExtant() override;
 
 private:
     friend class TxdPropertyData;
@@ -50,6 +51,8 @@ private:
     friend class MemberList;
 
     static nxTXN::FieldHandlers const dataHandlers;
+
+    void takeSeat();
 
     ur::Reference<MemberSeat<TxdProperty>> const seat_ = ur::make<MemberSeat<TxdProperty>>(*this);
     ur::Reference<TxdPropertyData> data_;

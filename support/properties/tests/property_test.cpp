@@ -54,6 +54,13 @@ TEST(Property, TakesWhatValidatorsLeaveAndSaysWhetherTheyReplacedTheItem) {
     replacement = number(5);  // equal, but another item
     EXPECT_FALSE(p->setValue(candidate));
     EXPECT_TRUE(seen == replacement && q->value() == replacement);
+    Recorder heard;
+    PropertyReference late;
+    auto const third = q->subscribeValidation([&](auto const&, Item&) {
+        if (!late) heard.follow(late = p->cloneUnTxd("late"));
+    });
+    p->setValue(candidate);
+    EXPECT_EQ(heard.take(), "late:start late:perform late:end");
 }
 
 TEST(Property, CallsPlainFunctionsForGoodAndOthersUntilTheirHandlesGo) {
