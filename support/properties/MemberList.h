@@ -67,7 +67,7 @@ public:
             Member* const member = seat ? seat->occupant() : nullptr;
             if (member && at(seat->slot) != member && stays(*member)) slots_.push_back(seat);
         }
-        assigned_ = untidy_ = true;
+        absent_ = untidy_ = true;
     }
     /// A member may have moved elsewhere without being removed.
     void expectStrays() noexcept { untidy_ = true; }
@@ -98,8 +98,10 @@ public:
             std::count_if(slots_.begin(), slots_.end(), [](auto const& seat) { return seat && seat->occupant(); }));
     }
     [[nodiscard]] std::size_t slotCount() const noexcept { return slots_.size(); }
-    /// Whether the members were ever assigned, and not only added one by one.
-    [[nodiscard]] bool assigned() const noexcept { return assigned_; }
+    /// A member may cease to exist without being removed.
+    void expectAbsent() noexcept { absent_ = true; }
+    /// Whether it may name members that do not exist, or that have moved elsewhere.
+    [[nodiscard]] bool mayNameAbsent() const noexcept { return absent_; }
     /// Null where a member was removed, and beyond the last slot.
     [[nodiscard]] Member* at(std::size_t slot) const noexcept {
         return slot < slots_.size() && slots_[slot] ? slots_[slot]->occupant() : nullptr;
@@ -153,7 +155,7 @@ private:
     std::size_t gone_ = 0;   // empty slots
     std::size_t named_ = 0;  // the slots that the last `assign` filled with those it named
     unsigned walks_ = 0;
-    bool assigned_ = false;
+    bool absent_ = false;  // may name members that do not exist
     bool untidy_ = false;  // may name members twice, or some that have moved elsewhere
 };
 

@@ -64,7 +64,11 @@ void TxdProperty::onTxnDestroyed() {
 
 void TxdProperty::onTxnExtant() {
     RefCountedObject::onTxnExtant();
-    if (isTxnExtant()) takeSeat();
+    if (isTxnExtant()) {
+        takeSeat();
+    } else if (data_) {
+        data_->members().expectAbsent();
+    }
 }
 
 // The list may not be part of the step that brought this property back or moved it, if it left or came unrecorded.

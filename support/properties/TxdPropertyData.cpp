@@ -51,7 +51,7 @@ void TxdPropertyData::remove(TxdProperty& property) {
     properties_.remove(property);
 }
 
-void TxdPropertyData::linkTwin(UnTxdPropertyData& untxdData) {
+void TxdPropertyData::setTwin(UnTxdPropertyData& untxdData) {
     nxTXN::Manager* const manager = txnManager();
     if (!manager) return;
     transact();

@@ -36,7 +36,7 @@ public:
     /// The twin; null when there is none.
     [[nodiscard]] UnTxdPropertyData* untxdTwin() const noexcept { return twin_ ? twin_->untxdData() : nullptr; }
     /// Makes the two store each other's values from now on. Requires: `untxdData` has no transacted twin.
-    void linkTwin(UnTxdPropertyData& untxdData);
+    void setTwin(UnTxdPropertyData& untxdData);
 
 protected:
     void onTransact(nxTXN::Serializer& serializer) override;

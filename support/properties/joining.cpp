@@ -46,7 +46,7 @@ ur::Reference<Property> Property::cloneTxd(nxTXN::Manager& manager, urString::CS
     auto const data = ur::make<TxdPropertyData>(manager);
     data->storeValue(value(), Propagate::no);
     auto clone = ur::make<TxdProperty>(manager, name, data);
-    data->linkTwin(*shared.untxd);
+    data->setTwin(*shared.untxd);
     return clone;
 }
 
@@ -57,7 +57,7 @@ ur::Reference<Property> Property::cloneUnTxd(urString::CString const& name) cons
     auto const data = ur::make<UnTxdPropertyData>();
     data->storeValue(value(), Propagate::no);
     auto clone = ur::make<UnTxdProperty>(name, data);
-    shared.txd->linkTwin(*data);
+    shared.txd->setTwin(*data);
     return clone;
 }
 
@@ -74,12 +74,12 @@ void Property::join(ur::Reference<Property const> other) {
     if (txd && !untxd && !untransacted.empty()) {
         untxd = ur::make<UnTxdPropertyData>();
         untxd->storeValue(other->value(), Propagate::no);
-        txd->linkTwin(*untxd);
+        txd->setTwin(*untxd);
     }
     if (untxd && !txd && !transacted.empty()) {
         txd = ur::make<TxdPropertyData>(*transacted.front()->data()->txnManager());
         txd->storeValue(other->value(), Propagate::no);
-        txd->linkTwin(*untxd);
+        txd->setTwin(*untxd);
     }
     for (auto const& property : transacted) property->attachData(txd);
     for (auto const& property : untransacted) property->attachData(untxd);

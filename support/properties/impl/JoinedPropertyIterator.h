@@ -69,7 +69,7 @@ private:
     // Undo may list a property that has moved elsewhere unrecorded, or that nobody holds any more: those are no
     // members.
     [[nodiscard]] bool takesPart(TxdProperty const& member) const noexcept {
-        return member.data() == txd_.data() && (!txd_.data()->members().assigned() || member.isTxnExtant());
+        return member.data() == txd_.data() && (!txd_.data()->members().mayNameAbsent() || member.isTxnExtant());
     }
 
     PropertyHold start_;

@@ -63,6 +63,11 @@ TEST_F(Storage, APropertyComesAndGoesWithTheStepThatMadeIt) {
     manager.redo();
     EXPECT_TRUE(txd(made).isTxnExtant());
     EXPECT_EQ(numberOf(*made), 1);
+    made->join(p);
+    heard.follow(made);
+    manager.undo();
+    p->setValue(number(5));
+    EXPECT_EQ(heard.take(), "");
 }
 
 TEST_F(Storage, AMemberDroppedInAStepLeavesTheSetAndIsNotToldAgain) {
