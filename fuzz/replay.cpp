@@ -1,11 +1,13 @@
 // Stands in for the fuzzing engine in the tests: plays every seed, and every beginning of it.
 //   NAME_fuzz FOLDER...
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t size);
@@ -20,8 +22,9 @@ std::vector<char> contents(std::filesystem::path const& path) {
 /// From a copy of its own size each time, so that sanitizers see every read beyond the end.
 void play(std::vector<char> const& seed) {
     for (std::size_t size = 0; size <= seed.size(); ++size) {
-        std::vector<std::uint8_t> const bytes(seed.begin(), seed.begin() + static_cast<std::ptrdiff_t>(size));
-        LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+        auto const bytes = std::make_unique<std::uint8_t[]>(size);
+        std::copy_n(seed.begin(), size, bytes.get());
+        LLVMFuzzerTestOneInput(bytes.get(), size);
     }
 }
 

@@ -83,7 +83,7 @@ int build(lua_State* state) {
     lua_newtable(state);
     lua_replace(state, 1);
     while (!draw.empty()) {
-        if (lua_gettop(state) < 200 && lua_checkstack(state, 8) != 0) pushValue(state, draw);
+        if (lua_gettop(state) < 40 && lua_checkstack(state, 8) != 0) pushValue(state, draw);
         while (lua_gettop(state) > 1 && lua_istable(state, -2) && draw.byte() % 2 == 0) combine(state, draw);
     }
     return lua_gettop(state);

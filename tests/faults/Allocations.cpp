@@ -72,10 +72,16 @@ void __wrap__ZN2ur14deallocateNodeEPvm(void* node, std::size_t bytes) {
 }
 // NOLINTEND(bugprone-reserved-identifier)
 
+// All forms, since sanitizers have their own of each.
 void* operator new(std::size_t bytes) {
     void* const block = __wrap_malloc(bytes);
     if (!block) throw std::bad_alloc();
     return block;
 }
+void* operator new[](std::size_t bytes) { return operator new(bytes); }
+void* operator new(std::size_t bytes, std::nothrow_t const& /*tag*/) noexcept { return __wrap_malloc(bytes); }
+void* operator new[](std::size_t bytes, std::nothrow_t const& /*tag*/) noexcept { return __wrap_malloc(bytes); }
 void operator delete(void* block) noexcept { __wrap_free(block); }
+void operator delete[](void* block) noexcept { __wrap_free(block); }
 void operator delete(void* block, std::size_t /*bytes*/) noexcept { __wrap_free(block); }
+void operator delete[](void* block, std::size_t /*bytes*/) noexcept { __wrap_free(block); }

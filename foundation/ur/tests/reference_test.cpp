@@ -32,7 +32,8 @@ TEST(Reference, CountsHoldersAndDeletesWithTheLast) {
     ur::Reference<Counted const> moved = std::move(second);
     EXPECT_TRUE(second.null());
     EXPECT_EQ(first->referenceCount(), 2);
-    moved = moved;
+    auto const& same = moved;
+    moved = same;
     first.reset();
     EXPECT_EQ(alive, 1);
     EXPECT_TRUE(ur::dynamicCast<Derived const>(moved));
