@@ -82,8 +82,6 @@ void Timeline::endScriptCalls(std::size_t depth) noexcept {
     for (; open.size() > depth; open.pop_back()) recording_->end(open.back(), now);
 }
 
-std::size_t Timeline::scriptDepth() const noexcept { return recording_->openScripts.size(); }
-
 void Timeline::onBegin(Context const& context, ContextObserver::Clock::time_point when) noexcept {
     recording_->attempt([&] {
         auto& open = recording_->openContexts.emplace_back(&context, Recording::notKept);

@@ -45,7 +45,6 @@ public:
     /// Ends the calls that are deeper than `depth`: one when a function returns, several when an error has left
     /// several at once.
     void endScriptCalls(std::size_t depth) noexcept;
-    [[nodiscard]] std::size_t scriptDepth() const noexcept;
 
     void onBegin(Context const& context, ContextObserver::Clock::time_point when) noexcept override;
     void onEnd(Context const& context, ContextObserver::Clock::time_point when,

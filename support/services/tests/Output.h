@@ -1,34 +1,23 @@
 // What is printed on the application output while this lives.
 #pragma once
 
-#include <string>
+#include <utility>
 
-#include "foundation/urOS/AppOutput.h"
-#include "foundation/urOS/MemoryIOStream.h"
+#include "foundation/urOS/tests/CapturedOutput.h"
 #include "support/services/Debug.h"
 
 namespace nxSupport {
 
-class Output {
-public:
-    Output() {
-        Debug::getInstance();  // opens the application output when it is made
-        static_cast<void>(stream_.open(urOS::openForWriting));
-        urOS::AppOutput::getInstance().open(stream_);
-    }
-    Output(Output const&) = delete;
-    Output& operator=(Output const&) = delete;
-    ~Output() { static_cast<void>(urOS::AppOutput::getInstance().open(urString::IString("-"), false)); }
-
+struct Output {
     /// Since the last time.
     std::string take() {
-        std::string text(stream_.contents().view());
-        static_cast<void>(stream_.open(urOS::openForWriting));
-        return text;
+        std::string const all = captured.text();
+        return all.substr(std::exchange(taken, all.size()));
     }
 
-private:
-    urOS::MemoryIOStream stream_;
+    Debug& debug = Debug::getInstance();  // opens the application output when it is made
+    urOS::CapturedOutput captured;
+    std::size_t taken = 0;
 };
 
 }  // namespace nxSupport

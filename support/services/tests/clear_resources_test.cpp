@@ -3,12 +3,11 @@
 
 #include <functional>
 
-#include "krcache/Manager.h"
-#include "krcache/debugChannel.h"
+#include "krcache/tests/TestKeys.h"
 #include "support/messaging/CallInfo.h"
 #include "support/messaging/PreClearResourcesMsg.h"
+#include "support/messaging/tests/Host.h"
 #include "support/services/clearResources.h"
-#include "support/services/tests/Host.h"
 #include "support/services/tests/Output.h"
 
 namespace nxSupport {
@@ -19,12 +18,13 @@ struct ClearResourcesTest : testing::Test, Host {
 
     /// A shim whose resource is there.
     ur::Reference<urKRCache::Shim> built(int number) {
-        auto shim = manager.getShim(ur::make<MeshKey>(number), urKRCache::Shim::Retained);
-        manager.accessResource(shim);
+        auto shim = cache.shim(ur::make<urKRCache::test::Key>(number, 100));
+        cache.access(shim);
         return shim;
     }
 
-    urKRCache::Manager manager{temporaryFolder()};
+    urKRCache::test::Cache cache;
+    urKRCache::Manager& manager = cache.manager;
     Broadcaster broadcaster;
 };
 

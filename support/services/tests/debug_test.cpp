@@ -149,12 +149,10 @@ TEST_F(DebugTest, ListsSwitchCodesFromLeftToRight) {
         std::string unknown;
     };
     Case const cases[] = {
-        {"", {}, ""},
         {"Debug_Undo,17", {16, 17}, ""},
         {" Debug_GL ,, 0 ,\t", {0, 47}, ""},
         {"Debug_Undo,3,-Debug_Undo, - 3,48", {48}, ""},
         {"*,-*,5", {5}, ""},
-        {"-4", {}, ""},
         {"Debug_Undoo,Undo", {}, "Debug_Undoo:Debug_Undo Undo:Debug_Undo "},
         {"resource,-hitest,49", {}, "resource:Debug_Resources hitest:Debug_HitTest 49:Debug_QTouch "},
         {"99999999999999999999,7", {7}, "99999999999999999999:Debug_QTouch "},

@@ -3,13 +3,12 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <limits>
+#include <sstream>
 #include <string>
 
 #include "support/services/display.h"
 #include "support/services/env.h"
-#include "support/services/fontsPath.h"
 #include "support/services/graphics.h"
 #include "support/services/version.h"
 
@@ -18,26 +17,16 @@ namespace {
 using namespace nxSupport;
 
 TEST(Env, ReadsEachVariableWhenAsked) {
-    char const* const names[] = {"NX_DEBUG",
-                                 "NX_PLATFORM",
-                                 "NX_MULTITOUCH",
-                                 "NX_WANT_QT_TOOLBAR",
-                                 "NX_PACKETFILE_DEBUG",
-                                 "NX_NO_LOGO",
-                                 "NX_DONT_START_MAXIMIZED",
-                                 "NX_PERF_NUM_MESHES",
-                                 "NX_DEFAULT_TOOL",
-                                 "NX_MOUSE_CAMERA_TRANSITION",
-                                 "NX_UNDO_LIMIT",
-                                 "NX_UNDO_MEMORY_LIMIT",
-                                 "NX_LUA_PATH",
-                                 "NX_GRAPHICS"};
+    std::istringstream names(
+        "NX_DEBUG NX_PLATFORM NX_MULTITOUCH NX_WANT_QT_TOOLBAR NX_PACKETFILE_DEBUG NX_NO_LOGO NX_DONT_START_MAXIMIZED "
+        "NX_PERF_NUM_MESHES NX_DEFAULT_TOOL NX_MOUSE_CAMERA_TRANSITION NX_UNDO_LIMIT NX_UNDO_MEMORY_LIMIT NX_LUA_PATH "
+        "NX_GRAPHICS");
     int code = 0;
-    for (char const* name : names) {
-        ::setenv(name, name, 1);
-        EXPECT_STREQ(env(static_cast<EnvVarCode>(code)), name);
-        ::unsetenv(name);
-        EXPECT_EQ(env(static_cast<EnvVarCode>(code++)), nullptr);
+    for (std::string name; names >> name; ++code) {
+        ::setenv(name.c_str(), name.c_str(), 1);
+        EXPECT_EQ(env(static_cast<EnvVarCode>(code)), name);
+        ::unsetenv(name.c_str());
+        EXPECT_EQ(env(static_cast<EnvVarCode>(code)), nullptr);
     }
     for (int const none : {-1, 14, std::numeric_limits<int>::max()})
         EXPECT_EQ(env(static_cast<EnvVarCode>(none)), nullptr);
@@ -65,8 +54,7 @@ TEST(Display, DerivesTolerancesFromItsResolutionOnly) {
 
 TEST(Graphics, KeepsCopiesOfWhatTheHostFound) {
     EXPECT_FALSE(canRunAdvancedOpenGL());
-    EXPECT_TRUE(getGLRenderer().empty() && getGLVendor().empty());
-    EXPECT_TRUE(getGLVersion().empty() && getGLShadingVersion().empty());
+    EXPECT_EQ(getGLRenderer() + getGLVendor() + getGLVersion() + getGLShadingVersion(), "");
     std::string text = "renderer";
     setGLRenderer(text.c_str());
     text[0] = '?';
@@ -81,16 +69,9 @@ TEST(Graphics, KeepsCopiesOfWhatTheHostFound) {
 }
 
 TEST(Version, IsOneTextOfItsNumbers) {
-    EXPECT_EQ(getVersionString(), "0.5.0");
     EXPECT_EQ(getVersionString(), std::to_string(getVersionMajor()) + "." + std::to_string(getVersionMinor()) + "." +
                                       std::to_string(getVersionRevision()));
     EXPECT_EQ(getProductName(), "Quorvane");
-}
-
-TEST(FontsPath, IsAFolderOrEmpty) {
-    urString::CString const path = getFontsPath().asMultibyte();
-    bool const usual = std::filesystem::is_directory("/usr/share/fonts");
-    EXPECT_EQ(path, usual ? "/usr/share/fonts" : "");
 }
 
 }  // namespace

@@ -226,26 +226,5 @@ TEST(TransformDescriptor, TellsWhatAMatrixDoes) {
     for (auto const& [matrix, flags] : cases) EXPECT_EQ(kindOf(matrix), flags) << &matrix - &cases[0].matrix;
 }
 
-/// What the kind says is missing, can be left out: the rest of the parts makes the matrix again.
-TEST(TransformDescriptor, AgreesWithThePartsOfSkewedAndMirroredMatrices) {
-    for (unsigned seed = 0; seed < 2000; ++seed) {
-        SCOPED_TRACE(seed);
-        Draw draw(seed);
-        Point place = seed & 1U ? Point() + draw.vector() : Point();
-        Vector scale = seed & 2U ? draw.factors() : Vector(1, 1, 1) * draw.number(0.5, 1);
-        Vector rotation = seed & 4U ? draw.vector() / 3 : Vector(), shear = seed & 8U ? draw.vector() : Vector();
-        if (seed % 3 == 0) scale = {1, 1, 1};
-        if (seed % 5 == 0) scale.y *= -1;
-        AffineMatrix const matrix = urLinear::studioCompose(place, scale, rotation, shear);
-        urLinear::studioDecompose(matrix, place, scale, rotation, shear);
-        auto const kind = static_cast<unsigned>(kindOf(matrix));
-        if (!(kind & 1)) place = Point();
-        if (!(kind & 2)) rotation = Vector();
-        if (kind & 4) scale = Vector(1, 1, 1) * scale.x;
-        if (!(kind & 12)) scale = Vector(1, 1, 1);
-        EXPECT_TRUE(equivalent(urLinear::studioCompose(place, scale, rotation, shear), matrix, 1e-7));
-    }
-}
-
 }  // namespace
 }  // namespace nxSupport
