@@ -29,10 +29,10 @@ void requireFunction(Callable const& function, char const* name, int position) {
 }
 
 void exec(Domain& domain, CString const& modeName, std::function<void(Context const&)> const& function) {
-    requireFunction(function, "nxSupport::Context.exec", 3);
     Context::Mode mode{};
     if (!Context::modeFromString(mode, modeName))
         throw nxRFL::Exception(CString::format("Invalid nxSupport::Context mode: %s", modeName.c_str()));
+    requireFunction(function, "nxSupport::Context.exec", 3);
     Context const context(&domain, mode);
     function(context);
 }

@@ -17,6 +17,7 @@ namespace {
 int pushText(lua_State* state) {
     if (!luaL_callmeta(state, 1, "__tostring") || !lua_isstring(state, -1))
         lua_pushfstring(state, "%s: %p", luaL_typename(state, 1), lua_topointer(state, 1));
+    lua_tolstring(state, -1, nullptr);  // makes the text of a number here, where it may raise
     return 1;
 }
 
