@@ -180,14 +180,22 @@ void Host::call(char const* chunk, nxRFL::Stack const& arguments) {
 
 CString Host::listing(nxRFL::ListingFormat format) const {
     CString text = nxRFL::listing(database_, format);
-    if (format == nxRFL::ListingFormat::json) return text;
-    bool const forEditors = format == nxRFL::ListingFormat::luaStubs;
+    bool const isJson = format == nxRFL::ListingFormat::json;
+    if (isJson) text.erase(text.rfind('}')).append(",\"values\":[");
+    char const* separator = "";
     for (auto const& [name, type] : values) {
-        CString className = type;
-        if (forEditors) className.replace("::", ".");
-        text += CString::format(forEditors ? "---@type %s\nhost.%s = nil\n" : "value %s host.%s\n", className.c_str(),
-                                name);
+        if (isJson) {
+            text += CString::format("%s{\"name\":\"host.%s\",\"type\":\"%s\"}", separator, name, type);
+            separator = ",";
+        } else if (format == nxRFL::ListingFormat::luaStubs) {
+            CString className = type;
+            className.replace("::", ".");
+            text += CString::format("---@type %s\nhost.%s = nil\n", className.c_str(), name);
+        } else {
+            text += CString::format("value %s host.%s\n", type, name);
+        }
     }
+    if (isJson) text.append("]}\n");
     return text;
 }
 

@@ -14,7 +14,8 @@ namespace nxhost {
 /// Catches the signals INT and TERM for as long as it lives; there is one at a time.
 ///
 /// The first one ends the script that runs and wakes the main loop, which then sees `pending`. A second one that comes
-/// before the first was dealt with ends the process in the system's way.
+/// before the first was dealt with ends the process in the system's way, without the shut-down: what the cache has
+/// paged out stays in the folder for temporary files.
 class Interrupt {
 public:
     Interrupt();

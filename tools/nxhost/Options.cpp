@@ -34,8 +34,7 @@ std::uint64_t sizeIn(std::string_view text, std::string_view what) {
     constexpr std::string_view units = "KMG";
     std::size_t const unit = text.empty() ? units.npos : units.find(text.back());
     unsigned const shift = unit == units.npos ? 0 : 10 * (static_cast<unsigned>(unit) + 1);
-    if (shift > 0) text.remove_suffix(1);
-    auto const count = numberIn<std::uint64_t>(text, what);
+    auto const count = numberIn<std::uint64_t>(text.substr(0, text.size() - (shift > 0 ? 1 : 0)), what);
     if (count > UINT64_MAX >> shift) throw UsageError{std::string(what) + " takes less than " + std::string(text)};
     return count << shift;
 }

@@ -132,6 +132,9 @@ def untested(nxhost):
         for member in group.get("members", []) + group.get("functions", []):
             if not re.search(rf"\b{member['name']}\b", scripts):
                 yield f"{group['name']}.{member['name']} is in no script"
+    for value in listing["values"]:
+        if value["name"] not in scripts:
+            yield f"{value['name']} is in no script"
 
 
 def main(nxhost, names, update):
