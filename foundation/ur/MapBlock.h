@@ -48,15 +48,17 @@ public:
         return block;
     }
     static void destroy(MapBlock* block) noexcept {
-        for (std::uint32_t i = 0; i < block->size; ++i) std::destroy_at(&block->slot(i).movable);
+        for (std::uint32_t i = 0; i < block->size; ++i) std::destroy_at(&(*block)[i]);
         deallocateNode(block, bytes(block->capacity));
     }
 
-    [[nodiscard]] Entry& operator[](std::uint32_t index) noexcept { return slot(index).entry; }
-    [[nodiscard]] Entry const& operator[](std::uint32_t index) const noexcept { return slot(index).entry; }
+    [[nodiscard]] Entry& operator[](std::uint32_t index) noexcept { return entries()[index]; }
+    [[nodiscard]] Entry const& operator[](std::uint32_t index) const noexcept {
+        return reinterpret_cast<Entry const*>(this + 1)[index];
+    }
     [[nodiscard]] bool isFull() const noexcept { return size == capacity; }
 
-    [[nodiscard]] Neighbours& neighbours() noexcept { return *reinterpret_cast<Neighbours*>(slots() + full); }
+    [[nodiscard]] Neighbours& neighbours() noexcept { return *reinterpret_cast<Neighbours*>(entries() + full); }
     [[nodiscard]] MapBlock* next() noexcept { return capacity == full ? neighbours().next : nullptr; }
     [[nodiscard]] MapBlock* previous() noexcept { return capacity == full ? neighbours().previous : nullptr; }
     [[nodiscard]] Directory* directory() noexcept { return capacity == full ? neighbours().directory : nullptr; }
@@ -94,22 +96,22 @@ public:
     template <class... Arguments>
     void insert(std::uint32_t index, Arguments&&... arguments) {
         if (index == size) {
-            new (&slot(index).movable) Movable(std::forward<Arguments>(arguments)...);
+            new (&entries()[index]) Entry(std::forward<Arguments>(arguments)...);
         } else {
-            Movable entry(std::forward<Arguments>(arguments)...);  // may be made of what moves
-            for (std::uint32_t i = size; i > index; --i) relocate(slot(i - 1), slot(i));
-            new (&slot(index).movable) Movable(std::move(entry));
+            std::pair<Key, Value> entry(std::forward<Arguments>(arguments)...);  // may be made of what moves
+            for (std::uint32_t i = size; i > index; --i) relocate(entries()[i - 1], entries()[i]);
+            new (&entries()[index]) Entry(std::move(entry));
         }
         ++size;
     }
     void erase(std::uint32_t index) noexcept {
-        std::destroy_at(&slot(index).movable);
-        for (std::uint32_t i = index + 1; i < size; ++i) relocate(slot(i), slot(i - 1));
+        std::destroy_at(&entries()[index]);
+        for (std::uint32_t i = index + 1; i < size; ++i) relocate(entries()[i], entries()[i - 1]);
         --size;
     }
     /// Appends the entries from `index` on to `other`, which has room for them.
     void moveTail(std::uint32_t index, MapBlock& other) noexcept {
-        for (std::uint32_t i = index; i < size; ++i) relocate(slot(i), other.slot(other.size++));
+        for (std::uint32_t i = index; i < size; ++i) relocate(entries()[i], other.entries()[other.size++]);
         size = index;
     }
 
@@ -117,31 +119,19 @@ public:
     std::uint32_t const capacity;
 
 private:
-    using Movable = std::pair<Key, Value>;
-
-    /// Keys are constant to users, but entries move within and between blocks.
-    union Slot {
-        Slot() {}
-        ~Slot() {}
-        Movable movable;
-        Entry entry;
-    };
-    static_assert(alignof(Slot) <= 8 && sizeof(Movable) == sizeof(Entry));
-    static_assert(std::is_nothrow_move_constructible_v<Movable>);
+    static_assert(alignof(Entry) <= 8);
+    static_assert(std::is_nothrow_move_constructible_v<Key> && std::is_nothrow_move_constructible_v<Value>);
 
     explicit MapBlock(std::uint32_t room) noexcept : capacity(room) {}
 
     [[nodiscard]] static std::size_t bytes(std::uint32_t capacity) noexcept {
-        return sizeof(MapBlock) + capacity * sizeof(Slot) + (capacity == full ? sizeof(Neighbours) : 0);
+        return sizeof(MapBlock) + capacity * sizeof(Entry) + (capacity == full ? sizeof(Neighbours) : 0);
     }
-    [[nodiscard]] Slot* slots() noexcept { return reinterpret_cast<Slot*>(this + 1); }
-    [[nodiscard]] Slot& slot(std::uint32_t index) noexcept { return slots()[index]; }
-    [[nodiscard]] Slot const& slot(std::uint32_t index) const noexcept {
-        return reinterpret_cast<Slot const*>(this + 1)[index];
-    }
-    static void relocate(Slot& from, Slot& to) noexcept {
-        new (&to.movable) Movable(std::move(from.movable));
-        std::destroy_at(&from.movable);
+    [[nodiscard]] Entry* entries() noexcept { return reinterpret_cast<Entry*>(this + 1); }
+    /// Moves the key as well, which is constant to users only.
+    static void relocate(Entry& from, Entry& to) noexcept {
+        new (&to) Entry(std::move(const_cast<Key&>(from.first)), std::move(from.second));
+        std::destroy_at(&from);
     }
 };
 

@@ -159,7 +159,14 @@ private:
     }
 
     [[nodiscard]] unsigned tag() const noexcept { return static_cast<unsigned char>(words_[1] >> tagShift); }
-    [[nodiscard]] char* block() const noexcept { return reinterpret_cast<char*>(words_[0]); }
+    /// Read as a pointer, not as a number: g++ 12 takes an element of an array that is cast to a pointer for the
+    /// array's own address, and concludes that `strlen` of it stays below the array's sixteen bytes.
+    [[nodiscard]] char* block() const noexcept {
+        char* block;
+        static_assert(sizeof block == sizeof words_[0]);
+        std::memcpy(&block, words_, sizeof block);
+        return block;
+    }
     void forget() noexcept {
         words_[0] = 0;
         words_[1] = std::uint64_t(inlineCapacity) << tagShift;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -159,6 +160,13 @@ TEST(CString, KeepsEveryByteAndGivesItsTextAwayWhenMoved) {
         EXPECT_EQ(target, bytes);
     }
     EXPECT_EQ(CString(static_cast<char const*>(nullptr)), "");
+}
+
+[[gnu::noinline]] CString rootAtLength() { return "/./././././././././././"; }
+
+TEST(CString, IsMeasuredWholeByWhoeverTakesItsBytes) {
+    CString const text = rootAtLength();
+    EXPECT_TRUE(std::filesystem::is_directory(text.c_str()));
 }
 
 TEST(CString, FindsReplacesAndChangesCase) {
