@@ -3,12 +3,14 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 #include <limits>
 #include <sstream>
 #include <string>
 
 #include "support/services/display.h"
 #include "support/services/env.h"
+#include "support/services/fontsPath.h"
 #include "support/services/graphics.h"
 #include "support/services/version.h"
 
@@ -50,6 +52,11 @@ TEST(Display, DerivesTolerancesFromItsResolutionOnly) {
         EXPECT_EQ(getHitTestRadius(), radius);
     }
     setDisplayDPI(132);
+}
+
+TEST(FontsPath, IsAFolderWhereTheSystemHasOne) {
+    urString::CString const path = getFontsPath().asMultibyte();
+    EXPECT_TRUE(path.empty() || std::filesystem::is_directory(path.c_str()));
 }
 
 TEST(Graphics, KeepsCopiesOfWhatTheHostFound) {
