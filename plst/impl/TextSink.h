@@ -38,15 +38,12 @@ public:
 
 private:
     static constexpr std::size_t firstRoom = 240;
-    /// From here on blocks grow where they lie, so there is no need to go far ahead.
-    static constexpr std::size_t largeSize = std::size_t(1) << 20;
 
     [[nodiscard]] std::size_t used() const { return static_cast<std::size_t>(at_ - text_.data()); }
 
     void grow(std::size_t bytes) {
         std::size_t const size = used();
-        std::size_t const ahead = size < largeSize ? size : size / 8;
-        expose(size, size + std::max({bytes, ahead, firstRoom}));
+        expose(size, size + std::max({bytes, size, firstRoom}));
     }
 
     void expose(std::size_t size, std::size_t capacity) {
