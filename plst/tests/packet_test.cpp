@@ -1,10 +1,8 @@
 // Item trees as packets.
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cstdint>
 #include <fstream>
-#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
@@ -12,24 +10,16 @@
 #include <vector>
 
 #include "foundation/io/ioReadContext.h"
-#include "foundation/io/ioSimplePacketRegistry.h"
-#include "foundation/io/ioWriteContext.h"
 #include "foundation/urOS/MemoryIOStream.h"
-#include "plst/ReadInterface.h"
-#include "plst/WriteInterface.h"
 #include "plst/casts.h"
 #include "plst/packets.h"
-#include "plst/tests/plainYajl.h"
 #include "plst/tests/smallStack.h"
+#include "plst/tests/trees.h"
 
 namespace {
 
 using namespace nxPLST;
 using namespace nxPLST::test;
-using ur::make;
-using ur::Reference;
-
-int number(ioStatus status) { return static_cast<int>(status); }
 
 std::string bytesOf(Reference<Item const> item, int expectedStatus = 0) {
     urOS::MemoryIOStream stream;
@@ -55,35 +45,6 @@ Reference<Item> readBack(std::string_view bytes) {
     return item;
 }
 
-/// Whether both trees are equal to the bit.
-bool same(Reference<Item> const& a, Reference<Item> const& b) {
-    if (!a || !b || a->type() != b->type()) return a == b;
-    switch (a->type()) {
-        case BoolType: return asBool(a)->value() == asBool(b)->value();
-        case StringType: return asString(a)->value() == asString(b)->value();
-        case DoubleType:
-            return std::bit_cast<std::uint64_t>(asDouble(a)->value()) ==
-                   std::bit_cast<std::uint64_t>(asDouble(b)->value());
-        case ArrayType: return std::ranges::equal(asArray(a)->array(), asArray(b)->array(), same);
-        default:
-            return std::ranges::equal(
-                asDictionary(a)->dictionary(), asDictionary(b)->dictionary(),
-                [](auto const& x, auto const& y) { return x.first == y.first && same(x.second, y.second); });
-    }
-}
-
-Reference<Array> arrayOf(std::vector<Reference<Item>> elements) {
-    auto array = make<Array>();
-    array->array() = std::move(elements);
-    return array;
-}
-
-Reference<Dictionary> dictionaryOf(std::vector<std::pair<char const*, Reference<Item>>> const& entries) {
-    auto dictionary = make<Dictionary>();
-    for (auto const& [key, value] : entries) dictionary->insert(key, value);
-    return dictionary;
-}
-
 /// Holds every kind of item, a shared one and every form that a value has.
 Reference<Dictionary> sample() {
     auto const shared = make<String>("shared");
@@ -93,33 +54,6 @@ Reference<Dictionary> sample() {
          {"numbers", arrayOf({make<Double>(1), make<Double>(-0.0), make<Double>(0.1)})},
          {"other", dictionaryOf({{"again", shared}, {"empty", arrayOf({})}, {"far", make<Double>(1e6)}})},
          {"text", make<String>("a text that is longer than what one token can tell")}});
-}
-
-Reference<Item> randomTree(std::mt19937& random, std::vector<Reference<Item>>& pool, int depth) {
-    Reference<Item> item;
-    switch (random() % (depth > 0 ? 7 : 3)) {
-        case 0: item = make<Bool>(random() % 2 == 0); break;
-        case 1: item = make<Double>(std::bit_cast<double>(std::uint64_t{random()} << 32 | random())); break;
-        case 2: item = make<String>(urString::CString(random() % 70, 'x')); break;
-        case 3: return pool.empty() ? Reference<Item>() : pool[random() % pool.size()];
-        case 4:
-        case 5: {
-            auto array = make<Array>();
-            for (auto n = random() % 6; n > 0; --n) array->insert(randomTree(random, pool, depth - 1));
-            item = array;
-            break;
-        }
-        default: {
-            auto dictionary = make<Dictionary>();
-            for (auto n = random() % 30; n > 0; --n) {
-                dictionary->insert(urString::CString::format("%u", unsigned(random() % 50)),
-                                   randomTree(random, pool, depth - 1));
-            }
-            item = dictionary;
-        }
-    }
-    pool.push_back(item);
-    return item;
 }
 
 TEST(ItemPackets, BringEveryTreeBack) {
@@ -302,112 +236,6 @@ TEST(ItemPackets, ReportAStreamThatFails) {
     EXPECT_FALSE(read(closed, item, report));
     EXPECT_EQ(report.status, number(ioStatus::streamFailed));
     EXPECT_EQ(item, nullptr);
-}
-
-/// A format of its own: packets "own" with whatever a test puts into them.
-class OwnFormat {
-public:
-    std::string write(std::function<void(WriteInterface&)> const& fill) {
-        urOS::MemoryIOStream stream;
-        static_cast<void>(stream.open(urOS::openForWriting));
-        ioBufferedStreamOutput output;
-        static_cast<void>(output.openIOStream(stream));
-        ioSimplePacketRegistry registry(false);
-        ReadInterface::registerTypes(registry, nullptr);
-        registry.add("own");
-        auto const context = ioWriteContextAlloc(output, 1, registry);
-        WriteInterface items(*context);
-        context->startFile();
-        context->startPacket("own", this);
-        fill(items);
-        context->endPacket();
-        context->endFile();
-        EXPECT_EQ(context->getStatus(), 0);
-        static_cast<void>(output.close());
-        return std::string(stream.contents());
-    }
-
-    int read(std::string const& bytes, std::function<void(ReadInterface&)> fill) {
-        urOS::MemoryIOStream stream;
-        static_cast<void>(stream.open(urOS::openForWriting));
-        static_cast<void>(stream.write(bytes.data(), bytes.size()));
-        static_cast<void>(stream.open(urOS::openRead));
-        ioBufferedStreamInput input;
-        static_cast<void>(input.openIOStream(stream));
-        ioSimplePacketRegistry registry(true);
-        auto const context = ioReadContextAlloc(input, registry);
-        ReadInterface items(*context);
-        ReadInterface::registerTypes(registry, &items);
-        items_ = &items;
-        fill_ = std::move(fill);
-        registry.supportedType(std::make_unique<ioSimplePacketType>(
-            "own", std::make_unique<ioMemberReadCallback<OwnFormat>>(*this, &OwnFormat::readOwn)));
-        context->readFile(items);
-        return context->getStatus();
-    }
-
-private:
-    void readOwn() {
-        items_->context().definePacketObject(this);
-        fill_(*items_);
-    }
-
-    ReadInterface* items_ = nullptr;
-    std::function<void(ReadInterface&)> fill_;
-};
-
-TEST(ItemInterfaces, ServeFormatsThatHoldItemsAmongOtherThings) {
-    auto const parent = arrayOf({make<String>("first child"), make<Double>(2)});
-    OwnFormat format;
-    std::string const bytes = format.write([&](WriteInterface& items) {
-        items.context().writeIntValue(4711);
-        items.writeItem(parent->objectAt(0));  // by itself first, so that the tree must not write it again
-        items.writeArray(parent);
-        items.writeItem(nullptr);
-        items.writeDouble(asDouble(parent->objectAt(1)));
-        items.writeArray(parent);
-    });
-    EXPECT_EQ(bytes.find("first child"), bytes.rfind("first child"));
-    int const status = format.read(bytes, [](ReadInterface& items) {
-        EXPECT_EQ(items.context().readIntValue(), 4711);
-        auto const first = items.readString();
-        auto const array = items.readArray();
-        ASSERT_TRUE(first && array);
-        EXPECT_EQ(array->objectAt(0), first);
-        EXPECT_EQ(items.readItem(), nullptr);
-        EXPECT_EQ(items.readDictionary(), nullptr) << "it is a number";
-        ReadInterface copy(items);
-        EXPECT_EQ(copy.readItem(), array);
-    });
-    EXPECT_EQ(status, 0);
-}
-
-TEST(ItemInterfaces, BringBackTreesOfAnyShapeAndDepth) {
-    OwnFormat format;
-    auto const expectBack = [&](Reference<Item> const& tree, auto const& equal) {
-        std::string const bytes = format.write([&](WriteInterface& items) { items.writeItem(tree); });
-        EXPECT_EQ(format.read(bytes, [&](ReadInterface& items) { EXPECT_TRUE(equal(items.readItem(), tree)); }), 0);
-    };
-    for (unsigned seed = 0; seed < 100; ++seed) {
-        std::mt19937 random(seed);
-        std::vector<Reference<Item>> pool;
-        expectBack(randomTree(random, pool, 5), same);
-    }
-    onSmallStack(
-        [&] {
-            Reference<Item> tree = make<Bool>(true);
-            for (int i = 0; i < 300000; ++i) tree = arrayOf({tree});
-            expectBack(tree, [](auto const& a, auto const& b) { return a && a->congruent(*b); });
-        },
-        leastStack);
-}
-
-TEST(ItemInterfaces, RefuseAReferenceToWhatIsNoItem) {
-    OwnFormat format;
-    std::string bytes = format.write([](WriteInterface& items) { items.writeItem(nullptr); });
-    bytes[bytes.rfind('\xC0')] = '\xC1';  // the null reference becomes one to the object around it
-    int const status = format.read(bytes, [](ReadInterface& items) { EXPECT_EQ(items.readItem(), nullptr); });
-    EXPECT_EQ(status, number(ioStatus::malformed));
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The installed yajl used in the plainest way, to compare the JSON bridge with; and trees and texts to compare on.
+// The installed yajl used in the plainest way, to compare the JSON bridge with.
 #pragma once
 
 #include <yajl/yajl_gen.h>
@@ -7,11 +7,11 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
-#include <random>
 #include <string>
 #include <vector>
 
 #include "plst/casts.h"
+#include "plst/tests/trees.h"
 
 namespace nxPLST::test {
 
@@ -125,164 +125,6 @@ inline bool writePlainly(std::string& text, Item const* item) {
     int const status = generate(generator, item);
     yajl_gen_free(generator);
     return status == 0;
-}
-
-// Comparing ----------------------------------------------------------------------------------------------------
-
-/// Equal to the last bit.
-inline bool same(Item const* a, Item const* b) {
-    if (!a || !b || a->type() != b->type()) return a == b;
-    switch (a->type()) {
-        case BoolType: return static_cast<Bool const*>(a)->value() == static_cast<Bool const*>(b)->value();
-        case DoubleType: {
-            double const values[] = {static_cast<Double const*>(a)->value(), static_cast<Double const*>(b)->value()};
-            return std::memcmp(&values[0], &values[1], sizeof(double)) == 0;
-        }
-        case StringType: return static_cast<String const*>(a)->value() == static_cast<String const*>(b)->value();
-        case ArrayType: {
-            auto const& left = static_cast<Array const*>(a)->array();
-            auto const& right = static_cast<Array const*>(b)->array();
-            return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                              [](auto const& x, auto const& y) { return same(x.get(), y.get()); });
-        }
-        case DictionaryType: {
-            auto const& left = static_cast<Dictionary const*>(a)->dictionary();
-            auto const& right = static_cast<Dictionary const*>(b)->dictionary();
-            return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](auto const& x, auto const& y) {
-                return x.first == y.first && same(x.second.get(), y.second.get());
-            });
-        }
-    }
-    return false;
-}
-
-// Making -------------------------------------------------------------------------------------------------------
-
-/// An item of a kind that nobody knows.
-class Stranger final : public Item {
-public:
-    Stranger() : Item(static_cast<Type>(7)) {}
-
-private:
-    [[nodiscard]] Reference<Item> onClone() const override { return make<Stranger>(); }
-};
-
-class RandomTrees {
-public:
-    explicit RandomTrees(unsigned seed) : random_(seed) {}
-
-    /// One in `oddity` items is a null, a NaN, an infinity or a stranger; none when it is 0.
-    Reference<Item> tree(int depth, unsigned oddity) {
-        if (oddity > 0 && below(oddity) == 0) return odd();
-        switch (below(depth > 0 ? 6 : 4)) {
-            case 0: return make<Bool>(below(2) == 0);
-            case 1: return make<String>(text());
-            case 2:
-            case 3: return make<Double>(number());
-            case 4: {
-                auto array = make<Array>();
-                for (unsigned n = below(5); n > 0; --n) array->insert(tree(depth - 1, oddity));
-                return array;
-            }
-            default: {
-                auto dictionary = make<Dictionary>();
-                for (unsigned n = below(14); n > 0; --n) dictionary->insert(text(), tree(depth - 1, oddity));
-                return dictionary;
-            }
-        }
-    }
-
-    /// Of any length and bytes, mostly short and plain.
-    urString::CString text() {
-        std::string text;
-        for (unsigned n = below(4) == 0 ? below(70) : below(18); n > 0; --n) {
-            text += static_cast<char>(below(20) == 0 ? below(256) : 'a' + below(26));
-        }
-        return urString::CString(text);
-    }
-
-    double number() {
-        switch (below(5)) {
-            case 0: return static_cast<int>(random_()) >> below(31);
-            case 1: return std::ldexp(static_cast<double>(random_() >> 11), -static_cast<int>(below(120)));
-            case 2:
-                return -std::ldexp(static_cast<double>(random_() >> (11 + below(50))), -static_cast<int>(below(60)));
-            case 3: return below(100000) / std::pow(10, below(12));
-            default: {
-                double value = 0;
-                std::uint64_t const word = random_();
-                std::memcpy(&value, &word, sizeof value);
-                return std::isfinite(value) ? value : -0.0;
-            }
-        }
-    }
-
-    unsigned below(unsigned limit) { return static_cast<unsigned>(random_() % limit); }
-
-private:
-    Reference<Item> odd() {
-        switch (below(4)) {
-            case 0: return nullptr;
-            case 1: return make<Double>(std::nan(""));
-            case 2: return make<Double>(-HUGE_VAL);
-            default: return make<Stranger>();
-        }
-    }
-
-    std::mt19937_64 random_;
-};
-
-/// Texts that between them touch everything that a reader of JSON has to decide.
-inline std::vector<std::string> const& jsonTexts() {
-    static std::vector<std::string> const texts = {
-        R"({"a":1,"b":[1,2.5,-3e-4,true,false,null,"x"],"c":{"d":{}},"e":[]})",
-        R"( [ 1 , [ ] , { "k" : [ { } ] } , "\"\\\/\b\f\n\r\t" ] )",
-        R"(["\u00e9\u20ac\ud83d\ude00\u0000","\ud800","\ud800\u0041","\udc00x","é€😀"])",
-        "/* a */[1,// b\n2/**/]/* c */ // d\n",
-        "[0,-0,-0.0,0.0,1E5,1e+5,12345678901234567890.0,9007199254740993,9223372036854775807]",
-        "[9223372036854775808]",
-        "[-9223372036854775808]",
-        "[1e308,1e309]",
-        "[1e-99999999999999999999,0e99999999999999999999]",
-        "[1e-400,4.9e-324,123456789012345678901234567890e-20,0.1000000000000000055511151231257827]",
-        "{\"a\":1,\"a\":2,\"aaaaaaaaaaaaaaaaaaaaaaaa\":[[[[1]]]],\"\":null,\"a\":null}",
-        "\xEF\xBB\xBF[1]",
-        "[\"\xC3\xA9\xC0\x80\xED\xA0\x80\xF7\xBF\xBF\xBF\"]",
-        "[\"\x80\"]",
-        "\v\f[1]\t\r\n",
-        "12",
-        "-1.5e3",
-        "null",
-        "\"text of more than sixteen bytes, \\u0041nd an escape\"",
-        "[1] \"never ended",
-        "[1] x",
-        "",
-    };
-    return texts;
-}
-
-/// One of the texts, most often one of the first, with some bytes changed, dropped, doubled or brought in.
-inline std::string mutated(RandomTrees& random) {
-    auto const any = [&]() -> std::string const& {
-        return jsonTexts()[random.below(random.below(2) ? 2 : static_cast<unsigned>(jsonTexts().size()))];
-    };
-    std::string text = any();
-    for (unsigned changes = random.below(3) + 1; changes > 0; --changes) {
-        static constexpr char bytes[] = "[]{},:\"\\/*0123456789+-.eEtfnul\n \x01\x80\xC3\xFF";
-        std::size_t const at = random.below(static_cast<unsigned>(text.size()) + 1);
-        std::size_t const count = random.below(5);
-        switch (random.below(5)) {
-            case 0: text.insert(at, 1, bytes[random.below(sizeof bytes)]); break;
-            case 1: text.erase(at, count); break;
-            case 2: text.insert(at, text.substr(random.below(static_cast<unsigned>(at) + 1), count)); break;
-            case 3: text.insert(at, any().substr(0, random.below(12))); break;
-            default: {
-                std::string const& other = any();
-                text.replace(at, std::string::npos, other, std::min(at, other.size() / 2));
-            }
-        }
-    }
-    return text;
 }
 
 }  // namespace nxPLST::test

@@ -1,15 +1,9 @@
 -- Edits, undo, scripts, transfers and cache churn together, for as long as the argument says in seconds: memory and
 -- handles must stay as they are once everything has been in use for a while.
 local net = require "fetch"
+local resident = require "resident"
 local document, cache = host.document, host.cache
 local seconds, growth = tonumber(arg[4]), tonumber(arg[5])
-
-local function resident()
-    for line in io.lines("/proc/self/status") do
-        local kibibytes = line:match("VmRSS:%s*(%d+)")
-        if kibibytes then return tonumber(kibibytes) end
-    end
-end
 
 local process = io.open("/proc/self/stat"):read("*n")
 local function handles()

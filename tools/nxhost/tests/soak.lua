@@ -1,13 +1,7 @@
 -- Many connections in turn, of every fate: none may leave anything behind. The argument tells how many.
 local net = require "fetch"
+local resident = require "resident"
 local fates = {"Complete", "ConnectionFailed", "Cancelled"}
-
-local function resident()
-    for line in io.lines("/proc/self/status") do
-        local kibibytes = line:match("VmRSS:%s*(%d+)")
-        if kibibytes then return tonumber(kibibytes) end
-    end
-end
 
 local function run(count)
     for i = 1, count do

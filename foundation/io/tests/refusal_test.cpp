@@ -1,0 +1,150 @@
+// Packets that make no sense, are unknown, or nest too deep.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "foundation/io/tests/packetFiles.h"
+
+namespace {
+
+using namespace ioTest;
+
+TEST(Packets, OfUnknownTypesAndValuesThatNobodyAsksForArePassedOver) {
+    int const object = 0;
+    std::string const bytes = written([&](ioWriteContext& context) {
+        context.startPacket("c", nullptr);  // unknown to the reader, with a known one inside
+        context.writeStringValue(std::string(100000, 'x').c_str());
+        context.startPacket("c", nullptr);
+        context.startPacket("b", &object);
+        context.writeIntValue(7);
+        context.writeDoubleValue(0.25);  // more than the reader asks for
+        context.endPacket();
+        context.writeReference(&object, 0);
+        context.endPacket();
+        context.writeBoolValue(true);
+        context.endPacket();
+        context.startPacket("a", nullptr);
+        context.writeReference(&object, 0);
+        context.endPacket();
+    });
+    int value = 0;
+    Reader reader;
+    reader.on("a", [&](ioReadContext& context) { EXPECT_EQ(context.readReference(0), &value); });
+    reader.on("b", [&](ioReadContext& context) {
+        value = context.readIntValue();
+        context.definePacketObject(&value);
+    });
+    EXPECT_EQ(reader.read(bytes), 0);
+    EXPECT_EQ(value, 7);
+    EXPECT_EQ(reader.log, "<aa>");
+}
+
+TEST(Packets, RefuseWhatMakesNoSense) {
+    using namespace std::string_view_literals;
+    struct Case {
+        std::string bytes;
+        ioStatus status;
+        std::uint64_t position;
+    };
+    std::string const a = "\x05\x61\x61\xA0";  // type a, a packet of it
+    Case const cases[] = {
+        {"", ioStatus::truncated, 0},
+        {"{\"a\":1}", ioStatus::notAPacketFile, 0},
+        {"\x89NXPK\r\n\2", ioStatus::unknownVersion, 7},
+        {file(a), ioStatus::truncated, 12},
+        {file(a + "\x20\x03"), ioStatus::truncated, 14},          // no end of file
+        {file("\xA0\x03\x06"), ioStatus::malformed, 9},           // a type that was not named
+        {file("\x05\x60\xA0\x03\x06"), ioStatus::malformed, 10},  // a name without letters
+        {file("\x05\x61\x61\x20\x06"), ioStatus::malformed, 11},  // a name without a packet
+        {file("\x20\x06"), ioStatus::malformed, 8},               // a value outside packets
+        {file(a + "\x20\x04\x06"), ioStatus::malformed, 14},      // a reference outside packets
+        {file(a + "\x01\x03\x06"), ioStatus::malformed, 12},      // a truth value instead of a number
+        {file(a + "\x03\x06"), ioStatus::malformed, 12},          // no number at all
+        {file(a + "\x20\xE1\x03\x06"), ioStatus::malformed, 14},  // a name that was not given
+        {file(a + "\x20\xE0\x7F\x01" + std::string(32, 'x')), ioStatus::malformed, 16},  // one that is too long
+        {file(a + "\x20\x07\x03\x06"), ioStatus::malformed, 13},                         // a mark without a meaning
+        {file(a + "\x3F\xFF\xFF\xFF\xFF\x7F\x03\x06"), ioStatus::malformed, 18},         // a number beyond 32 bits
+        {file(a + "\x3F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x02\x03\x06"), ioStatus::malformed, 13},
+        {file(a + "\x3F" + std::string(100, '\xFF')), ioStatus::malformed, 13},
+        {file(a + "\x3F" + std::string(5, '\xFF')), ioStatus::truncated, 18},
+    };
+    for (Case const& c : cases) {
+        Reader reader;
+        reader.on("a", [](ioReadContext& context) {
+            static_cast<void>(context.readIntValue());
+            EXPECT_TRUE(context.getStatus() == 0 || context.readIntValue() == 0);
+        });
+        EXPECT_EQ(reader.read(c.bytes), number(c.status)) << testing::PrintToString(c.bytes);
+        EXPECT_EQ(reader.position, c.position) << testing::PrintToString(c.bytes);
+    }
+}
+
+TEST(Packets, RefuseReferencesToWhatIsNotThere) {
+    using namespace std::string_literals;
+    for (std::string const& tokens : {
+             "\xC1\x03\x06"s,                  // before any object
+             "\xDF\xFF\x7F\x03\x06"s,          // far before any object
+             "\x81\xC1\x03\x03\x06"s,          // the object whose packet is open
+             "\x81\x03\xC1\x03\x06"s,          // one that its packet did not define
+             "\x81\x04\x03\x06"s,              // the same in short
+             "\x05\x61\x63\x82\x04\x03\x06"s,  // the object of an unknown packet
+         }) {
+        // Type b refers to an object itself if there is a reference inside, and defines none.
+        Reader reader;
+        reader.on("a", [](ioReadContext& context) { EXPECT_EQ(context.readReference(0), nullptr); });
+        reader.on("b", [&](ioReadContext& context) {
+            bool const refers = tokens[1] == '\xC1';
+            EXPECT_TRUE(!refers || context.readReference(0) == nullptr);
+        });
+        std::string const bytes = file("\x05\x61\x61\x05\x61\x62\xA0" + tokens);  // types a and b, a packet of a
+        EXPECT_EQ(reader.read(bytes), number(ioStatus::unresolvedReference)) << testing::PrintToString(tokens);
+    }
+}
+
+TEST(Packets, ReadInsideEachOtherOnlySoDeep) {
+    for (int const depth : {ioReadContext::deepestRead, ioReadContext::deepestRead + 1}) {
+        std::string const bytes = written([&](ioWriteContext& context) {
+            for (int i = 0; i < depth; ++i) context.startPacket("a", nullptr);
+            context.writeIntValue(1);
+            for (int i = 0; i < depth; ++i) context.endPacket();
+        });
+        Reader reader;
+        reader.on("a", [](ioReadContext& context) { static_cast<void>(context.readIntValue()); });
+        // The innermost has a number, so each packet around it lacks one: only the depth decides what is said.
+        bool const tooDeep = depth > ioReadContext::deepestRead;
+        EXPECT_EQ(reader.read(bytes), number(tooDeep ? ioStatus::tooDeep : ioStatus::malformed));
+    }
+}
+
+TEST(Packets, OfUnknownTypesNestWithoutLimit) {
+    std::string const bytes = file("\x05\x61\x7A" + std::string(1000000, '\xA0') + std::string(1000000, '\3') + "\6");
+    EXPECT_EQ(Reader().read(bytes), 0);
+}
+
+TEST(Packets, TypesMayForgetTheirObjectsOrStillWaitForOthers) {
+    int object = 0;
+    std::string const bytes = written([&](ioWriteContext& context) {
+        context.startPacket("a", nullptr);
+        context.startPacket("b", &object);
+        context.endPacket();
+        context.writeReference(nullptr, 0);
+        context.writeReference(&object, 0);
+        context.endPacket();
+    });
+    auto const status = [&](bool forgets, bool waits) {
+        Reader reader;
+        reader.on("a", [](ioReadContext& context) {
+            static_cast<void>(context.readReference(0));
+            static_cast<void>(context.readReference(0));
+        });
+        reader.on("b", [&](ioReadContext& context) { context.definePacketObject(&object); });
+        reader.last().forgets = forgets;
+        reader.last().waits = waits;
+        return reader.read(bytes);
+    };
+    EXPECT_EQ(status(false, false), 0);
+    EXPECT_EQ(status(true, false), number(ioStatus::unresolvedReference));
+    EXPECT_EQ(status(false, true), number(ioStatus::unresolvedReference));
+}
+
+}  // namespace

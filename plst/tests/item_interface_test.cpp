@@ -1,0 +1,132 @@
+// Items inside packets of other formats.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "foundation/io/ioReadContext.h"
+#include "foundation/io/ioSimplePacketRegistry.h"
+#include "foundation/io/ioWriteContext.h"
+#include "foundation/urOS/MemoryIOStream.h"
+#include "plst/ReadInterface.h"
+#include "plst/WriteInterface.h"
+#include "plst/casts.h"
+#include "plst/tests/smallStack.h"
+#include "plst/tests/trees.h"
+
+namespace {
+
+using namespace nxPLST;
+using namespace nxPLST::test;
+
+/// A format of its own: packets "own" with whatever a test puts into them.
+class OwnFormat {
+public:
+    std::string write(std::function<void(WriteInterface&)> const& fill) {
+        urOS::MemoryIOStream stream;
+        static_cast<void>(stream.open(urOS::openForWriting));
+        ioBufferedStreamOutput output;
+        static_cast<void>(output.openIOStream(stream));
+        ioSimplePacketRegistry registry(false);
+        ReadInterface::registerTypes(registry, nullptr);
+        registry.add("own");
+        auto const context = ioWriteContextAlloc(output, 1, registry);
+        WriteInterface items(*context);
+        context->startFile();
+        context->startPacket("own", this);
+        fill(items);
+        context->endPacket();
+        context->endFile();
+        EXPECT_EQ(context->getStatus(), 0);
+        static_cast<void>(output.close());
+        return std::string(stream.contents());
+    }
+
+    int read(std::string const& bytes, std::function<void(ReadInterface&)> fill) {
+        urOS::MemoryIOStream stream;
+        static_cast<void>(stream.open(urOS::openForWriting));
+        static_cast<void>(stream.write(bytes.data(), bytes.size()));
+        static_cast<void>(stream.open(urOS::openRead));
+        ioBufferedStreamInput input;
+        static_cast<void>(input.openIOStream(stream));
+        ioSimplePacketRegistry registry(true);
+        auto const context = ioReadContextAlloc(input, registry);
+        ReadInterface items(*context);
+        ReadInterface::registerTypes(registry, &items);
+        items_ = &items;
+        fill_ = std::move(fill);
+        registry.supportedType(std::make_unique<ioSimplePacketType>(
+            "own", std::make_unique<ioMemberReadCallback<OwnFormat>>(*this, &OwnFormat::readOwn)));
+        context->readFile(items);
+        return context->getStatus();
+    }
+
+private:
+    void readOwn() {
+        items_->context().definePacketObject(this);
+        fill_(*items_);
+    }
+
+    ReadInterface* items_ = nullptr;
+    std::function<void(ReadInterface&)> fill_;
+};
+
+TEST(ItemInterfaces, ServeFormatsThatHoldItemsAmongOtherThings) {
+    auto const parent = arrayOf({make<String>("first child"), make<Double>(2)});
+    OwnFormat format;
+    std::string const bytes = format.write([&](WriteInterface& items) {
+        items.context().writeIntValue(4711);
+        items.writeItem(parent->objectAt(0));  // by itself first, so that the tree must not write it again
+        items.writeArray(parent);
+        items.writeItem(nullptr);
+        items.writeDouble(asDouble(parent->objectAt(1)));
+        items.writeArray(parent);
+    });
+    EXPECT_EQ(bytes.find("first child"), bytes.rfind("first child"));
+    int const status = format.read(bytes, [](ReadInterface& items) {
+        EXPECT_EQ(items.context().readIntValue(), 4711);
+        auto const first = items.readString();
+        auto const array = items.readArray();
+        ASSERT_TRUE(first && array);
+        EXPECT_EQ(array->objectAt(0), first);
+        EXPECT_EQ(items.readItem(), nullptr);
+        EXPECT_EQ(items.readDictionary(), nullptr) << "it is a number";
+        ReadInterface copy(items);
+        EXPECT_EQ(copy.readItem(), array);
+    });
+    EXPECT_EQ(status, 0);
+}
+
+TEST(ItemInterfaces, BringBackTreesOfAnyShapeAndDepth) {
+    OwnFormat format;
+    auto const expectBack = [&](Reference<Item> const& tree, auto const& equal) {
+        std::string const bytes = format.write([&](WriteInterface& items) { items.writeItem(tree); });
+        EXPECT_EQ(format.read(bytes, [&](ReadInterface& items) { EXPECT_TRUE(equal(items.readItem(), tree)); }), 0);
+    };
+    for (unsigned seed = 0; seed < 100; ++seed) {
+        std::mt19937 random(seed);
+        std::vector<Reference<Item>> pool;
+        expectBack(randomTree(random, pool, 5), [](auto const& a, auto const& b) { return same(a, b); });
+    }
+    onSmallStack(
+        [&] {
+            Reference<Item> tree = make<Bool>(true);
+            for (int i = 0; i < 300000; ++i) tree = arrayOf({tree});
+            expectBack(tree, [](auto const& a, auto const& b) { return a && a->congruent(*b); });
+        },
+        leastStack);
+}
+
+TEST(ItemInterfaces, RefuseAReferenceToWhatIsNoItem) {
+    OwnFormat format;
+    std::string bytes = format.write([](WriteInterface& items) { items.writeItem(nullptr); });
+    bytes[bytes.rfind('\xC0')] = '\xC1';  // the null reference becomes one to the object around it
+    int const status = format.read(bytes, [](ReadInterface& items) { EXPECT_EQ(items.readItem(), nullptr); });
+    EXPECT_EQ(status, number(ioStatus::malformed));
+}
+
+}  // namespace
