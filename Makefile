@@ -68,7 +68,7 @@ reference: packages
 	@packaging/install-packages reference
 	cmake/build_reference
 
-# The table of README.md, from what `make bench` measured.
+# The tables of README.md and docs/performance.md, from what `make bench` measured.
 ratios:
 	cmake/write_ratios
 

@@ -2,6 +2,7 @@
 #include "bench/Suite.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <fstream>
 
@@ -80,6 +81,18 @@ void Suite::compare(std::string const& name, double target, std::function<Sides(
     rows_.push_back(
         {name, costs[0].median, costs[best].median, sides[best].name, ratio, target, costs[0].spread, ratio <= target});
     print(rows_.back(), unit);
+}
+
+void Suite::compareGrowth(std::string const& subject, std::size_t least,
+                          std::function<double(std::size_t)> const& work) {
+    constexpr double steepest = 2.0;  // a larger working set leaves the processor's caches behind
+    for (std::size_t n = 10 * least; n <= (quick() ? 100 : 1000) * least; n *= 10) {
+        double const count = static_cast<double>(n);
+        double const factor = 10 * std::log2(count) / std::log2(count / 10);
+        compare("growth/" + subject + "/" + std::to_string(n), steepest, [=] {
+            return Sides{{subject, [=] { return work(n); }}, {"n log n", [=] { return factor * work(n / 10); }}};
+        });
+    }
 }
 
 bool Suite::allMet() const {

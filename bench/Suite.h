@@ -2,6 +2,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -55,6 +56,10 @@ public:
     /// is the largest good ratio of ours to the best peer's.
     void compare(std::string const& name, double target, std::function<Sides()> const& prepare,
                  Unit unit = Unit::seconds);
+
+    /// Rows `growth/SUBJECT/N`, N being ten, a hundred and a thousand times `least`: the seconds of `work` for N
+    /// beside those for a tenth of N, ten times, with n log n allowed. A quick run leaves the last out.
+    void compareGrowth(std::string const& subject, std::size_t least, std::function<double(std::size_t)> const& work);
 
     [[nodiscard]] bool quick() const { return options_.quick; }
     /// `full` work, or a tenth of it in a quick run.

@@ -302,17 +302,23 @@ Sides residentSizeMode(std::size_t keys, int count) {
     return {side("krcache", true), side("without that mode", false)};
 }
 
-/// The time that `work` takes for `n`, beside ten times that for a tenth of it, allowing for n log n.
-Sides growth(std::size_t n, double (*work)(std::size_t)) {
-    double const factor = 10 * std::log2(static_cast<double>(n)) / std::log2(static_cast<double>(n) / 10);
-    return {{"krcache", [=] { return work(n); }}, {"n log n", [=] { return factor * work(n / 10); }}};
-}
-
 struct DerivedKey final : TileKey {
     DerivedKey(Tile what, Reference<Shim> from) : TileKey(what, 1), source(std::move(from)) {}
     void onVisitSubKeys(urKRCache::KeyVisitor& visitor) const override { visitor.visit(source.get()); }
     Reference<Shim> source;
 };
+
+/// Makes `count` shims and finds each again by its key.
+double makeAndFind(std::size_t count) {
+    Manager manager(noFolder);
+    return seconds([&] {
+        for (int round = 0; round < 2; ++round) {
+            for (std::size_t i = 0; i < count; ++i) {
+                keep(manager.getShim(Reference<KeyData>(new TileKey(tile(i), 1)), Shim::Retained));
+            }
+        }
+    });
+}
 
 enum class Shape { fan, chain };
 
@@ -351,13 +357,14 @@ void addCacheRows(Suite& suite) {
     suite.compare("cache-resident-size-mode", 2.5, [=] { return residentSizeMode(2000, count); });
     for (std::size_t const keys : {10'000, 100'000, 1'000'000}) {
         if (suite.quick() && keys > 100'000) continue;
-        std::string const name = "cache-growth/" + std::to_string(keys);
+        std::string const name = "cache-keys/" + std::to_string(keys);
         int const accesses = static_cast<int>(keys);
         suite.compare(name + "-hits", 2.0, [=] { return caches(keys, keys, randomAccesses(keys, accesses), byShim); });
         suite.compare(name + "-misses", 1.0, [=] { return misses(keys, 2 * accesses); });
-        suite.compare(name + "-dependents", 2.0, [=] { return growth(keys, derive<Shape::fan>); });
-        suite.compare(name + "-deep", 2.0, [=] { return growth(keys, derive<Shape::chain>); });
     }
+    suite.compareGrowth("cached-keys", 1000, makeAndFind);
+    suite.compareGrowth("dependents", 1000, derive<Shape::fan>);
+    suite.compareGrowth("dependency-depth", 1000, derive<Shape::chain>);
 }
 
 }  // namespace bench

@@ -1,4 +1,5 @@
 // Finding keys in dictionaries.
+#include <algorithm>
 #include <map>
 #include <memory>
 #include <random>
@@ -51,12 +52,26 @@ Sides finders(int count) {
             finding<std::string>("std::map", texts, [=](auto const& key) { return plain->find(key)->second.get(); })};
 }
 
+/// Filling a dictionary with `count` keys in no order, finding each, and taking them out.
+double lifeOfDictionary(std::size_t count) {
+    std::vector<urString::CString> keys;
+    for (std::string const& text : makeKeys(static_cast<int>(count))) keys.emplace_back(text.c_str());
+    std::shuffle(keys.begin(), keys.end(), std::mt19937(3));
+    return seconds([&] {
+        auto const dictionary = ur::make<nxPLST::Dictionary>();
+        for (auto const& key : keys) dictionary->insert(key, ur::make<nxPLST::Double>(1));
+        for (auto const& key : keys) keep(dictionary->find(key));
+        for (auto const& key : keys) dictionary->dictionary().erase(key);
+    });
+}
+
 }  // namespace
 
 void addDictionaryRows(Suite& suite) {
     for (int const count : {5, 500}) {
         suite.compare("dictionary-find/" + std::to_string(count) + "-keys", 1.0, [=] { return finders(count); });
     }
+    suite.compareGrowth("dictionary-keys", 1000, lifeOfDictionary);
 }
 
 }  // namespace bench

@@ -133,25 +133,13 @@ double lifeOfSet(std::size_t count) {
     });
 }
 
-Sides growth(std::size_t members) {
-    return {{"Property", [=] { return lifeOfSet(members); }}, {"ten tenths", [=] {
-                                                                   double time = 0;
-                                                                   for (int i = 0; i < 10; ++i)
-                                                                       time += lifeOfSet(members / 10);
-                                                                   return time;
-                                                               }}};
-}
-
 }  // namespace
 
 void addPropertyRows(Suite& suite) {
     auto const times = static_cast<std::size_t>(suite.scaled(100'000));
     suite.compare("property-set/joined-3", 0.5, [=] { return setting(times); });
     suite.compare("property-set/joined-3-undo", 0.5, [=] { return settingWithUndo(times); });
-    for (std::size_t const members : {1'000, 10'000, 100'000}) {
-        if (suite.quick() && members > 10'000) continue;
-        suite.compare("property-growth/" + std::to_string(members), 2.0, [=] { return growth(members); });
-    }
+    suite.compareGrowth("joined-members", 100, lifeOfSet);
 }
 
 }  // namespace bench

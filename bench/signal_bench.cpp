@@ -74,6 +74,17 @@ Sides churners() {
                 [](auto& connection) { QObject::disconnect(connection); })};
 }
 
+/// Connecting `count` listeners, emitting to them, and disconnecting them in the same order.
+double lifeOfListeners(std::size_t count) {
+    urRTB::Signal<int> signal;
+    std::vector<urRTB::Connection> connections(count);
+    return seconds([&] {
+        for (auto& connection : connections) connection = signal.addCallback(&listen);
+        signal.emit(1);
+        for (auto& connection : connections) connection.disconnect();
+    });
+}
+
 }  // namespace
 
 void addSignalRows(Suite& suite) {
@@ -81,6 +92,7 @@ void addSignalRows(Suite& suite) {
         suite.compare("signal-emit/" + std::to_string(listeners), 1.0, [=] { return emitters(listeners); });
     }
     suite.compare("signal-connect-disconnect", 0.5, [] { return churners(); });
+    suite.compareGrowth("listeners", 100, lifeOfListeners);
 }
 
 }  // namespace bench

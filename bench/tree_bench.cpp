@@ -75,6 +75,12 @@ Sides bytesPerNode(int records) {
             {nlohmannName, [=] { return bytesOf([=] { return nlohmannRecords(records); }) / nodes; }}};
 }
 
+/// Copying a tree of `nodes` and destroying the copy.
+double lifeOfCopy(std::size_t nodes) {
+    auto const tree = recordTree(static_cast<int>(nodes / nodesPerRecord));
+    return seconds([&] { keep(tree->clone()); });
+}
+
 }  // namespace
 
 void addMemoryRows(Suite& suite) {
@@ -86,6 +92,7 @@ void addMemoryRows(Suite& suite) {
 void addTreeRows(Suite& suite) {
     int const records = suite.scaled(125000);
     suite.compare("tree-copy-destroy/records", 0.25, [=] { return copyAndDestroy(records); });
+    suite.compareGrowth("tree-size", 1000, lifeOfCopy);
 }
 
 }  // namespace bench

@@ -157,15 +157,11 @@ Side occupying(char const* name, std::size_t edits) {
             }};
 }
 
-/// Recording, undoing and redoing `edits`, beside ten times that for a tenth of them: no edit may cost more for being
-/// late in a history.
-Sides growth(std::size_t edits) {
-    auto const all = [](std::size_t count) {
-        double const time = timeToRecord<OurDrawing>(count);
-        auto const drawing = edited<OurDrawing>(count);
-        return time + timeToUndo(*drawing) + timeToRedo(*drawing);
-    };
-    return {{"nxTXN", [=] { return all(edits); }}, {"ten tenths", [=] { return 10 * all(edits / 10); }}};
+/// Recording, undoing and redoing a history of `edits`.
+double lifeOfHistory(std::size_t edits) {
+    double const time = timeToRecord<OurDrawing>(edits);
+    auto const drawing = edited<OurDrawing>(edits);
+    return time + timeToUndo(*drawing) + timeToRedo(*drawing);
 }
 
 }  // namespace
@@ -188,10 +184,7 @@ void addUndoRows(Suite& suite) {
             return Sides{occupying<OurDrawing>("nxTXN", edits), occupying<QtDrawing>(peer, edits)};
         },
         Unit::bytes);
-    for (std::size_t const depth : {10'000, 100'000, 1'000'000}) {
-        if (suite.quick() && depth > 100'000) continue;
-        suite.compare("undo-growth/" + std::to_string(depth), 1.3, [=] { return growth(depth); });
-    }
+    suite.compareGrowth("undo-depth", 1000, lifeOfHistory);
 }
 
 }  // namespace bench
