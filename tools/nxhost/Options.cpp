@@ -40,7 +40,8 @@ std::uint64_t sizeIn(std::string_view text, std::string_view what) {
 }
 
 constexpr Option options[] = {
-    {"-e", "CODE", "run CODE", [](Options& o, std::string_view value) { o.code = value; }},
+    {"-e", "CODE", "run CODE; several run in order",
+     [](Options& o, std::string_view value) { o.code.emplace_back(value); }},
     {"-i", "", "show a prompt when the script has ended", [](Options& o, std::string_view) { o.prompt = true; }},
     {"--list", "", "list what scripts can use",
      [](Options& o, std::string_view) { o.listing = o.listing.value_or(nxRFL::ListingFormat::text); }},
@@ -173,9 +174,11 @@ std::optional<Options> readOptions(int argc, char const* const* argv) {
         if (answered(argv[i])) return std::nullopt;
         readOption(result, argc, argv, i);
     }
-    if (i < argc && !result.code) result.script = argv[i++];
+    if (i < argc && result.code.empty()) result.script = argv[i++];
     result.arguments.assign(argv + i, argv + argc);
-    if (!result.script && !result.code && !result.listing && !result.prompt) {
+    bool const isAskedToRun = result.script || !result.code.empty() || result.prompt;
+    if (result.listing && isAskedToRun) throw UsageError{"a listing takes neither a script nor -e or -i"};
+    if (!isAskedToRun && !result.listing) {
         result.prompt = isatty(STDIN_FILENO) == 1;
         if (!result.prompt) result.script = "-";
     }

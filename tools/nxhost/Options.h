@@ -29,8 +29,8 @@ struct NetworkOptions {
 
 struct Options {
     std::optional<nxRFL::ListingFormat> listing;
-    std::optional<std::string> script;  ///< a file, "-" for the standard input
-    std::optional<std::string> code;
+    std::optional<std::string> script;   ///< a file, "-" for the standard input
+    std::vector<std::string> code;       ///< run in order, in place of a script
     std::vector<std::string> arguments;  ///< for the script
     bool prompt = false;
 

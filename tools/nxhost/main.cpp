@@ -51,9 +51,9 @@ CString scriptIn(std::string const& path) {
 void runScripts(Host& host, Options const& options) {
     Context const context(&host.domain(), Context::Undecided);
     bool succeeded = true;
-    if (options.code) {
-        succeeded = host.run(*options.code, "=-e");
-    } else if (options.script) {
+    for (auto code = options.code.begin(); code != options.code.end() && succeeded && !host.isEnding(); ++code)
+        succeeded = host.run(*code, "=-e");
+    if (options.script) {
         succeeded = host.run(scriptIn(*options.script),
                              *options.script == "-" ? "=stdin" : CString("@").append(*options.script));
     }

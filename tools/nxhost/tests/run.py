@@ -54,7 +54,8 @@ def outcome(nxhost, script, arguments, certificate):
 USAGE = [  # arguments, standard input, exit code, what is in the output
     (["-e", "print(...)", "a", "-b"], "", 0, "a\t-b\n"),
     (["-e", "return {1, x = 2}, coroutine.create(function() end)"], "", 0, ""),
-    (["-e", "os.exit(300)"], "", 44, ""),
+    (["-e", "n = 1 print(...)", "-e", "print(n + 1) error('x')", "-e", "print(3)", "a"], "", 1, "a\n2\nnxhost: -e:1: x\n"),
+    (["-e", "os.exit(300)", "-e", "print(1)"], "", 44, ""),
     (["-"], "#!/usr/bin/env nxhost\nprint(1) error('x')", 1, "1\nnxhost: stdin:2: x\nstack traceback:\n"),
     ([], "print(arg[0])", 0, "-\n"),
     (["-e", "nonsense here"], "", 1, "nxhost: -e:1: '=' expected near 'here'\n"),
@@ -72,6 +73,7 @@ USAGE = [  # arguments, standard input, exit code, what is in the output
     (["--list"], "", 0, "\nclass nxhost::Connection: nxNet::Connection\n"),
     (["--trace", "/nowhere/trace.json", "-e", ""], "", 2, "nxhost: /nowhere/trace.json: No such file or directory"),
     (["--list"], "", 0, "\nvalue nxhost::Document host.document\n"),
+    (["--list", "script.lua"], "", 2, "nxhost: a listing takes neither a script nor -e or -i"),
     (["--list", "--stubs"], "", 0, "\n---@class nxhost.Connection : nxNet.Connection\n"),
 ]
 
