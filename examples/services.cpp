@@ -86,9 +86,7 @@ void pick() {
 }
 
 void debug(char const* list) {
-    for (auto const& [entry, nearest] : nxSupport::switchDebugCodes(list)) {
-        std::printf("no %s; do you mean %s?\n", entry.c_str(), nxSupport::Debug::getCodeName(nearest).c_str());
-    }
+    for (auto const& unknown : nxSupport::switchDebugCodes(list)) std::printf("%s\n", unknown.message().c_str());
     pick();
 }
 // [debug]

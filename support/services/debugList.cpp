@@ -46,15 +46,18 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
     return row[b.size()];
 }
 
-DebugCode nearestName(std::string_view entry) {
+/// `NUM_CODES` when every name differs from the entry in more than half of its bytes.
+DebugCode nearestCode(std::string_view entry) {
     urString::CString const wanted = essence(entry);
-    auto nearest = Debug_Fab;
+    auto nearest = NUM_CODES;
     std::size_t least = urString::CString::npos;
     for (int i = 0; i < NUM_CODES; ++i) {
         auto const code = static_cast<DebugCode>(i);
-        std::size_t const distance = editDistance(wanted, essence(Debug::getCodeName(code)));
-        if (distance < least) nearest = code;
-        least = std::min(least, distance);
+        urString::CString const name = essence(Debug::getCodeName(code));
+        std::size_t const distance = editDistance(wanted, name);
+        if (distance >= least || 2 * distance > std::max(wanted.size(), name.size())) continue;
+        nearest = code;
+        least = distance;
     }
     return nearest;
 }
@@ -93,12 +96,13 @@ std::string_view takeEntry(std::string_view& list) {
     return entry;
 }
 
-DebugCode nearestCode(std::string_view entry) {
-    bool const isNumber = entry.find_first_not_of("0123456789") == std::string_view::npos;
-    return isNumber ? static_cast<DebugCode>(NUM_CODES - 1) : nearestName(entry);
-}
-
 }  // namespace
+
+urString::CString UnknownDebugCode::message() const {
+    urString::CString text("there is no ");
+    text.append(entry);
+    return nearest == NUM_CODES ? text : text.append("; do you mean ").append(Debug::getCodeName(nearest)).append("?");
+}
 
 ur::vector<UnknownDebugCode> switchDebugCodes(std::string_view list) {
     ur::vector<UnknownDebugCode> unknown;

@@ -11,9 +11,12 @@
 namespace nxSupport {
 
 /// An entry of a list that is neither the name nor the number of a code.
-struct UnknownDebugCode {
+struct NX_API UnknownDebugCode {
     urString::CString entry;  ///< as it stands in the list, without the `-` and the blanks around it
-    DebugCode nearest;        ///< the code that the user most likely meant
+    DebugCode nearest;        ///< the code that was probably meant, `NUM_CODES` when no name is like the entry
+
+    /// For whoever wrote the list, such as "there is no Debug_Undoo; do you mean Debug_Undo?".
+    [[nodiscard]] urString::CString message() const;
 };
 
 /// Switches codes by entries separated by commas: a code's name or number, or `*` for all codes, switched on, or off

@@ -5,7 +5,6 @@
 
 #include "foundation/urOS/AtomicFile.h"
 #include "foundation/urOS/MemoryIOStream.h"
-#include "support/services/Debug.h"
 #include "support/services/Performance.h"
 #include "support/services/debugList.h"
 
@@ -16,10 +15,8 @@ using urString::CString;
 namespace {
 
 void switchDebugging(std::string const& list) {
-    for (auto const& unknown : nxSupport::switchDebugCodes(list)) {
-        std::fprintf(stderr, "nxhost: NX_DEBUG: there is no %s; do you mean %s?\n", unknown.entry.c_str(),
-                     nxSupport::Debug::getCodeName(unknown.nearest).c_str());
-    }
+    for (auto const& unknown : nxSupport::switchDebugCodes(list))
+        std::fprintf(stderr, "nxhost: NX_DEBUG: %s\n", unknown.message().c_str());
 }
 
 CString times() {

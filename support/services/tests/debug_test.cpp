@@ -154,9 +154,9 @@ TEST_F(DebugTest, ListsSwitchCodesFromLeftToRight) {
         {"Debug_Undo,3,-Debug_Undo, - 3,48", {48}, ""},
         {"*,-*,5", {5}, ""},
         {"Debug_Undoo,Undo", {}, "Debug_Undoo:Debug_Undo Undo:Debug_Undo "},
-        {"resource,-hitest,49", {}, "resource:Debug_Resources hitest:Debug_HitTest 49:Debug_QTouch "},
-        {"99999999999999999999,7", {7}, "99999999999999999999:Debug_QTouch "},
-        {"debug_fab,--1,-", {}, "debug_fab:Debug_Fab -1:Debug_GL "},
+        {"resource,-hitest,49", {}, "resource:Debug_Resources hitest:Debug_HitTest 49:NUM_CODES "},
+        {"99999999999999999999,7", {7}, "99999999999999999999:NUM_CODES "},
+        {"debug_fab,--1,-,rubbish", {}, "debug_fab:Debug_Fab -1:NUM_CODES rubbish:NUM_CODES "},
     };
     for (auto const& [list, on, expected] : cases) {
         switchDebugCodes("-*");
@@ -171,6 +171,8 @@ TEST_F(DebugTest, ListsSwitchCodesFromLeftToRight) {
     }
     switchDebugCodes("*,-1");
     EXPECT_TRUE(debug.isEnabled(code(0)) && !debug.isEnabled(code(1)) && debug.isEnabled(code(48)));
+    EXPECT_EQ(switchDebugCodes("undoo").front().message(), "there is no undoo; do you mean Debug_Undo?");
+    EXPECT_EQ(switchDebugCodes("49").front().message(), "there is no 49");
     EXPECT_EQ(switchDebugCodes(std::string(1000000, 'x')).size(), 1);
 }
 
