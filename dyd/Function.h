@@ -30,7 +30,7 @@ public:
     /// Runs the function now. The result may be null; what the function or a hook throws passes through.
     ur::Reference<Arg> call(ur::vector<ur::Reference<Arg>>& args);
     /// A call without arguments, which runs when the result goes.
-    [[nodiscard]] Invocation call();
+    Invocation call();
 
 protected:
     /// The operation itself. May change the arguments and return null.
