@@ -16,5 +16,9 @@ enum class TransformOperation : int {
 [[nodiscard]] constexpr TransformOperation operator|(TransformOperation a, TransformOperation b) noexcept {
     return static_cast<TransformOperation>(static_cast<int>(a) | static_cast<int>(b));
 }
+/// With the bits that flags hold.
+[[nodiscard]] constexpr bool operator==(TransformOperation operation, int bits) noexcept {
+    return static_cast<int>(operation) == bits;
+}
 
 }  // namespace urLinear
