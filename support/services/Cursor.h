@@ -1,6 +1,7 @@
 // A request to show a mouse cursor.
 #pragma once
 
+#include <cstddef>
 #include <new>
 
 #include "foundation/ur/Export.h"
@@ -39,6 +40,7 @@ public:
     /// Changes what is shown, not who has precedence.
     void setImage(ur::Reference<urImage::Image> image, urLinear::Point2 const& hotspot);
 
+    static void* operator new(std::size_t bytes) { return ::operator new(bytes); }
     /// Not before it has been made: a listener that hears of a new cursor may hold it before its maker does.
     static void operator delete(Cursor* cursor, std::destroying_delete_t);
     static void operator delete(void* memory) noexcept { ::operator delete(memory); }
