@@ -45,7 +45,7 @@ bool Property::validate(JoinedPropertyIterator& members, ItemReference& candidat
     return true;
 }
 
-// A listener may have moved this property to another joined set: then that one is told.
+// A listener may have moved this property to another joined set, or given its set a second side: then all that is told.
 void Property::tell(JoinedPropertyIterator& members, PropertyModType type) {
     if (!members.isCurrent()) return broadcast(type);
     members.forEach(Start::skip, [type](Property& member) { member.send(type); });

@@ -36,7 +36,7 @@ enum PropertyModType : std::int32_t {
 /// larger. Setting through one member tells the others, in member order, never the one it was set through. A
 /// `TxdProperty` is undone and redone with its manager's history, an `UnTxdProperty` is plain; a set may have both.
 /// Held by reference. Main thread only. Listeners and validators may set, join, clone and drop properties and
-/// throw; a member added during a change is not told of that change.
+/// throw; a member added during a change is told the stages that come after.
 class NX_API Property {
 public:
     using ItemReference = ur::Reference<nxPLST::Item const>;

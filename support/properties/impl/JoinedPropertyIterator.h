@@ -6,10 +6,10 @@
 
 namespace nxSupport::impl {
 
-/// Walks over the members that a joined set has when the walk is made: the transacted ones, then the untransacted.
+/// Walks over the members that a joined set has when the walk begins: the transacted ones, then the untransacted.
 ///
-/// Members that leave the set meanwhile are passed over, and those that join it are not reached, not even by a
-/// later `forEach`. Keeps the start property and both data objects alive, but not the member that it stands on.
+/// Members that leave the set meanwhile are passed over, and those that join it are not reached before the next
+/// `forEach`. Keeps the start property and both data objects alive, but not the member that it stands on.
 class JoinedPropertyIterator {
 public:
     enum class Start : bool { include, skip };
@@ -30,21 +30,22 @@ public:
     template <class Visit>
     void forEach(Start handling, Visit visit) {
         Property const* const skipped = handling == Start::skip ? &start_.property() : nullptr;
-        for (txd_.rewind(); txd_.valid(); txd_.next()) {
+        txd_.rewind();
+        untxd_.rewind();
+        for (; txd_.valid(); txd_.next()) {
             TxdProperty* const member = txd_.member();
             if (member && member != skipped && takesPart(*member)) visit(*member);
         }
-        for (untxd_.rewind(); untxd_.valid(); untxd_.next()) {
+        for (; untxd_.valid(); untxd_.next()) {
             UnTxdProperty* const member = untxd_.member();
             if (member && member != skipped) visit(*member);
         }
     }
 
-    /// Whether the start property still belongs to the set that is walked.
+    /// Whether the set that is walked still is that of the start property, with both its sides.
     [[nodiscard]] bool isCurrent() const noexcept {
-        if (TxdProperty const* const txd = JoinedData::asTxd(start_.property())) return txd->data() == txd_.data();
-        UnTxdProperty const* const untxd = JoinedData::asUnTxd(start_.property());
-        return !untxd || untxd->data() == untxd_.data();
+        JoinedData const shared(start_.property());
+        return shared.txd == txd_.data() && shared.untxd == untxd_.data();
     }
 
 private:

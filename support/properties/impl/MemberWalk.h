@@ -7,15 +7,15 @@
 
 namespace nxSupport::impl {
 
-/// Reaches the members that the data object has when the walk is made; those added later are not reached. Keeps the
-/// data object, which may be null, alive.
+/// Reaches the members that the data object has when the walk is made or rewound; those added later are not reached.
+/// Keeps the data object, which may be null, alive.
 template <class Data>
 class MemberWalk {
 public:
     explicit MemberWalk(Data* data) : data_(data) {
         if (!data_) return;
         data_->members().beginWalk();
-        end_ = data_->members().slotCount();
+        rewind();
     }
     MemberWalk(MemberWalk const&) = delete;
     MemberWalk& operator=(MemberWalk const&) = delete;
@@ -28,7 +28,10 @@ public:
     /// Null where a member has left.
     [[nodiscard]] auto* member() const noexcept { return data_->members().at(position_); }
     void next() noexcept { ++position_; }
-    void rewind() noexcept { position_ = 0; }
+    void rewind() noexcept {
+        position_ = 0;
+        end_ = data_ ? data_->members().slotCount() : 0;
+    }
 
 private:
     ur::Reference<Data> data_;

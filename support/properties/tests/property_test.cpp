@@ -93,7 +93,7 @@ TEST(Property, ListenersMayDoAnything) {
         {"set the value", [](Trio& set) { set.q->setValue(number(7)); },
          "q:start p:start r:start p:perform r:perform p:end r:end r:start q:perform r:perform q:end r:end"},
         {"add a member", [&](Trio& set) { set.heard.follow(other = set.r->cloneUnTxd("new")); },
-         "q:start r:start q:perform r:perform q:end r:end"},
+         "q:start r:start q:perform r:perform new:perform q:end r:end new:end"},
         {"drop a member", [](Trio& set) { set.r = set.q; }, "q:start q:perform q:end"},
         {"drop itself", [](Trio& set) { set.q = set.p; }, "q:start r:start r:perform r:end"},
         {"drop the sender", [](Trio& set) { set.p = set.q; }, "q:start r:start q:perform r:perform q:end r:end"},
