@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <initializer_list>
 #include <iterator>
+#include <stdexcept>
 #include <utility>
 
 #include "foundation/ur/MapBlock.h"
@@ -131,6 +132,13 @@ public:
     }
 
     Value& operator[](Key const& key) { return try_emplace(key).first->second; }
+    /// Throws `std::out_of_range` when there is no such key.
+    [[nodiscard]] Value& at(Key const& key) {
+        iterator const place = find(key);
+        if (place == end()) throw std::out_of_range("no such key");
+        return place->second;
+    }
+    [[nodiscard]] Value const& at(Key const& key) const { return const_cast<BlockMap*>(this)->at(key); }
 
     template <class... Arguments>
     std::pair<iterator, bool> try_emplace(Key key, Arguments&&... arguments) {

@@ -1,6 +1,7 @@
 // The blocks that an ordered map keeps its entries in.
 #pragma once
 
+#include <compare>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -25,7 +26,7 @@ namespace ur::impl {
 ///
 /// A block grows up to `full`; from there on its map has several, which know their neighbours.
 template <class Key, class Value>
-class MapBlock {
+class alignas(std::uint32_t) alignas(std::pair<Key const, Value>) MapBlock {
 public:
     using Entry = std::pair<Key const, Value>;
 
@@ -79,14 +80,17 @@ public:
         for (; count > 0 && less((*this)[first].first, key); --count) ++first;
         return first;
     }
-    /// The entry with `key`, or `size`. Among few, asking for the equal one is cheaper than asking for the order.
+    /// The entry with `key`, or `size`. Among few, asking for the equal one is cheaper than asking for the order, where
+    /// the key's type promises that both agree.
     template <class Less, class K>
     [[nodiscard]] std::uint32_t find(K const& key) const {
         constexpr std::uint32_t few = 8;
-        if (std::same_as<Less, ur::less<Key>> && size <= few) {
-            std::uint32_t index = 0;
-            while (index < size && !((*this)[index].first == key)) ++index;
-            return index;
+        if constexpr (std::same_as<Less, ur::less<Key>> && std::three_way_comparable<Key, std::strong_ordering>) {
+            if (size <= few) {
+                std::uint32_t index = 0;
+                while (index < size && !((*this)[index].first == key)) ++index;
+                return index;
+            }
         }
         std::uint32_t const index = lowerBound<Less>(key);
         return index < size && !Less()(key, (*this)[index].first) ? index : size;
@@ -119,7 +123,7 @@ public:
     std::uint32_t const capacity;
 
 private:
-    static_assert(alignof(Entry) <= 8);
+    static_assert(alignof(Entry) <= alignof(std::max_align_t));
     static_assert(std::is_nothrow_move_constructible_v<Key> && std::is_nothrow_move_constructible_v<Value>);
 
     explicit MapBlock(std::uint32_t room) noexcept : capacity(room) {}

@@ -22,8 +22,8 @@ public:
 
     constexpr Reference() noexcept = default;
     constexpr Reference(std::nullptr_t) noexcept {}
-    /// Adds a holder to `object`, which may be null.
-    explicit Reference(T* object) noexcept : object_(object) {
+    /// Adds a holder to `object`, which may be null. Objects fresh from `new` can so be handed over as they are.
+    Reference(T* object) noexcept : object_(object) {
         if (object_) object_->ref();
     }
     Reference(Reference const& other) noexcept : Reference(other.object_) {}

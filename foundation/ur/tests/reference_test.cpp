@@ -39,6 +39,9 @@ TEST(Reference, CountsHoldersAndDeletesWithTheLast) {
     EXPECT_TRUE(ur::dynamicCast<Derived const>(moved));
     moved = nullptr;
     EXPECT_EQ(alive, 0);
+    first = new Derived(&alive);
+    first = new Derived(&alive);
+    EXPECT_EQ(alive, 1);
 }
 
 TEST(Reference, ACopiedObjectStartsUnshared) {
@@ -88,6 +91,20 @@ TEST(FunctionName, IsTheSymbolOrAPlaceInAFile) {
     EXPECT_EQ(ur::functionName(nullptr), "0x0");
 }
 
+struct LastDigit {
+    int number;
+    friend bool operator<(LastDigit a, LastDigit b) { return a.number % 10 < b.number % 10; }
+};
+
+TEST(Map, AsksForNothingButTheOrder) {
+    ur::map<LastDigit, int> map;
+    map[{17}] = 1;
+    map[{27}] = 2;
+    EXPECT_EQ(map.size(), 1U);
+    EXPECT_EQ(map.find({7})->second, 2);
+    EXPECT_EQ(map.count({18}), 0U);
+}
+
 TEST(Map, FindsOrInsertsAndWalksInOrder) {
     ur::map<int, int> map;
     for (int i = 0; i < 1000; ++i) map[i * 7919 % 1000] = i;
@@ -98,6 +115,10 @@ TEST(Map, FindsOrInsertsAndWalksInOrder) {
         EXPECT_EQ(value * 7919 % 1000, key);
     }
     EXPECT_EQ(sizeof(map), sizeof(void*));
+    ur::map<int, long double> aligned;
+    for (auto const& [key, value] : map) aligned[key] = value;
+    EXPECT_EQ(aligned.at(7919 % 1000), 1);
+    EXPECT_THROW(static_cast<void>(aligned.at(1000)), std::out_of_range);
 }
 
 TEST(HashFunction, GivesThePublishedValues) {
