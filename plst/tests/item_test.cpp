@@ -102,8 +102,9 @@ TEST(Congruent, ComparesShapesAndNeverValues) {
 }
 
 TEST(Casts, NeverConvert) {
-    EXPECT_TRUE(asDouble(Reference<Item>(make<Bool>(true))).null());
-    EXPECT_TRUE(asDouble(Reference<Item const>()).null());
+    EXPECT_TRUE(asDouble(make<Bool>(true)).null());
+    EXPECT_TRUE(asDouble(nullptr).null());
+    EXPECT_EQ(asDouble(new Double(3))->value(), 3);
     Reference<Item const> item = number(3);
     EXPECT_EQ(asDouble(item).get(), item.get());
     EXPECT_EQ(item->referenceCount(), 1);
