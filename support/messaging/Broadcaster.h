@@ -23,6 +23,8 @@ namespace nxSupport {
 class NX_API Broadcaster {
 public:
     using Priority = nxSupport::Priority;
+    using UnitID = nxSupport::UnitID;
+    using ModuleID = nxSupport::ModuleID;
 
     /// The base of messages: made by who broadcasts them, and gone afterwards.
     class NX_API Message {
