@@ -25,26 +25,17 @@ constexpr double wholeLimit = 9223372036854775808.0;  // 2^63
 constexpr double leastByProduct = 1e-4;               // below, an exponent is written
 constexpr double limitByProduct = 1e10;               // from here on, most numbers are whole
 constexpr double shortWholeLimit = 1e6;
-constexpr std::uint64_t eightDigitLimit = 100000000;
 
 char* putEight(char* to, std::uint64_t value) {
     storeDigits<std::uint64_t>(to, eightDigits(value));
     return to + 8;
 }
 
-/// A whole number below 10^8 without leading zeros.
-char* putLeading(char* to, std::uint64_t value) {
-    std::uint64_t const digits = eightDigits(value);
-    int const zeros = std::countr_zero(digits | std::uint64_t(1) << 56) / 8;
-    storeDigits<std::uint64_t>(to, digits >> (8 * zeros));
-    return to + 8 - zeros;
-}
-
 char* putWhole(char* to, std::uint64_t value) {
-    if (value < eightDigitLimit) return putLeading(to, value);
+    if (value < eightDigitLimit) return writeShortWhole(to, value);
     std::uint64_t const high = value / eightDigitLimit;
-    to = high < eightDigitLimit ? putLeading(to, high)
-                                : putEight(putLeading(to, high / eightDigitLimit), high % eightDigitLimit);
+    to = high < eightDigitLimit ? writeShortWhole(to, high)
+                                : putEight(writeShortWhole(to, high / eightDigitLimit), high % eightDigitLimit);
     return putEight(to, value % eightDigitLimit);
 }
 
@@ -128,7 +119,7 @@ char* putTwentyDigits(char* to, Digits const& digits) {
 
 }  // namespace
 
-char* writeExactNumber(char* to, double value) noexcept {
+char* writeAnyExactNumber(char* to, double value) noexcept {
     if (std::signbit(value)) *to++ = '-';
     double const size = std::fabs(value);
     if (size < wholeLimit) {

@@ -1,8 +1,8 @@
 // Strict JSON straight into the text, without the generator whose output it repeats.
 #include "plst/impl/StrictJsonWriter.h"
 
-#include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "plst/Bool.h"
 #include "plst/Double.h"
@@ -13,40 +13,27 @@
 namespace nxPLST::impl {
 namespace {
 
-// Texts and separators are copied in blocks, so there must be room for one more than is written.
+// Texts and indents are copied in blocks, so there must be room for one more than is written.
 constexpr std::size_t textBlock = 16;
-constexpr std::size_t separatorBlock = 32;
-constexpr std::size_t longestIndent = 512;
+constexpr std::size_t indentBlock = 32;
 constexpr std::size_t longestEscape = 6;
 
-/// A comma, a line feed and more spaces than ever needed.
-constexpr auto separator = [] {
-    std::array<char, 2 + longestIndent + separatorBlock> text{};
-    for (char& c : text) c = ' ';
-    text[0] = ',';
-    text[1] = '\n';
-    return text;
-}();
-
-/// Enough for a separator, and behind it for any scalar but a text, and for a colon or brackets.
-constexpr std::size_t itemRoom = separator.size() + numberRoom + 8;
+/// Enough for the longest indent, a short text as a key, any scalar but a long text, brackets and separators.
+constexpr std::size_t itemRoom = 512 + indentBlock + 2 * textBlock + numberRoom + 16;
 
 constexpr int noItem = -1;
 
 int kindOf(Item const* item) { return item ? item->type() : noItem; }
 
-bool isContainer(int kind) { return kind == ArrayType || kind == DictionaryType; }
 /// An item of an unknown kind is not written at all.
 bool isKnown(int kind) { return kind >= noItem && kind <= DictionaryType; }
 
-bool isRefused(Item const* item, int kind) {
-    return kind == DoubleType && !std::isfinite(static_cast<Double const*>(item)->value());
+char* putWord(char* to, std::string_view word) {
+    std::memcpy(to, word.data(), word.size());
+    return to + word.size();
 }
-
-char* putColon(char* to) {
-    std::copy_n(": ", 2, to);
-    return to + 2;
-}
+char* putColon(char* to) { return putWord(to, ": "); }
+char* putSeparator(char* to) { return putWord(to, ",\n"); }
 
 char* putEscape(char* to, char character) {
     static constexpr char digits[] = "0123456789ABCDEF";
@@ -61,7 +48,7 @@ char* putEscape(char* to, char character) {
         case '\t': *to++ = 't'; return to;
         default: break;
     }
-    std::copy_n("u00", 3, to);
+    putWord(to, "u00");
     to[3] = digits[character >> 4];
     to[4] = digits[character & 0xF];
     return to + 5;
@@ -82,152 +69,114 @@ void copyPlain(char*& to, char const*& from, char const* end) {
     from = stop;
 }
 
+/// The end of the line before one that is not written after all: the separator goes, a bracket stays as it is.
+char* withoutSeparator(char* to) { return to[-2] == ',' ? to - 2 : to; }
+
 }  // namespace
 
-/// Writes what stands before a value on a line of its own; behind it is room for most of them.
-inline char* StrictJsonWriter::startLine(char* to, bool isFirst) {
-    to = sink_.room(to, itemRoom);
-    char const* const from = separator.data() + (isFirst ? 2 : 0);
-    std::size_t const size = (isFirst ? 0 : 2) + indentStep * static_cast<std::size_t>(depth_);
-    std::memcpy(to, from, separatorBlock);
-    if (size > separatorBlock) [[unlikely]]
-        std::memcpy(to + separatorBlock, from + separatorBlock, size - separatorBlock);
-    return to + size;
-}
-
-/// Writes a text; behind it is room for a colon and most values.
-inline char* StrictJsonWriter::putText(char* to, urString::CString const& text) {
-    static_assert(sizeof text == textBlock);
-    if (text.capacity() < sizeof text) [[likely]] {
-        // It lies in its object, which is one block.
-        std::memcpy(to + 1, text.data(), textBlock);
-        auto const size = static_cast<int>(text.size());
-        if (runInSixteen<Stop::atEscapes>(text.data()) >= size) [[likely]] {
-            to[0] = '"';
-            to[size + 1] = '"';
-            return to + size + 2;
-        }
-    }
-    return putAnyText(to, text.view());
-}
-
-inline char* StrictJsonWriter::putScalar(char* to, Item const* item, int kind) {
-    if (kind == DoubleType) return writeExactNumber(to, static_cast<Double const*>(item)->value());
-    if (kind == StringType) return putText(to, static_cast<String const*>(item)->value());
-    bool const isFalse = kind == BoolType && !static_cast<Bool const*>(item)->value();
-    std::memcpy(to, kind == noItem ? "null" : isFalse ? "false" : "true", 5);
-    return to + (isFalse ? 5 : 4);
-}
-
 bool StrictJsonWriter::write(Item const* root) {
-    char* const to = sink_.room(itemRoom);
     int const kind = kindOf(root);
     if (!isKnown(kind)) return true;
-    if (isRefused(root, kind)) return false;
-    if (isContainer(kind)) {
-        open(to, *root);
-    } else {
-        sink_.advanceTo(putScalar(to, root, kind));
-    }
-    while (depth_ > 0) {
-        if (frames_[depth_ - 1].children.inDictionary() ? !writeMembers() : !writeElements()) return false;
-    }
-    sink_.put('\n');
+    char* const to = putValue(sink_.room(itemRoom), root, kind, 0);
+    if (!to) return false;
+    *to = '\n';
+    sink_.advanceTo(to + 1);
     return true;
 }
 
-/// Writes elements of the innermost container, an array, until one opens another or the last is written.
-bool StrictJsonWriter::writeElements() {
-    Frame& frame = frames_[depth_ - 1];
-    ElementWalk next = frame.children.elements;
-    bool isFirst = frame.isEmpty;
-    char* to = sink_.room(itemRoom);
-    while (!next.atEnd()) {
-        Item const* const item = next.item();
-        int const kind = kindOf(item);
-        next.advance();
-        if (!isKnown(kind)) continue;
-        if (isRefused(item, kind)) return refuse(to);
-        to = startLine(to, isFirst);
-        isFirst = false;
-        if (isContainer(kind)) {
-            frame.children.elements = next;
-            frame.isEmpty = false;
-            return open(to, *item);
+/// Makes room for an item and writes the spaces in front of it.
+inline char* StrictJsonWriter::startLine(char* to, std::size_t indent) {
+    to = sink_.room(to, itemRoom);
+    std::memset(to, ' ', indentBlock);
+    if (indent > indentBlock) [[unlikely]]
+        std::memset(to + indentBlock, ' ', indent - indentBlock);
+    return to + indent;
+}
+
+/// Behind the text is room for a colon and most values.
+inline char* StrictJsonWriter::putText(char* to, urString::CString const& text) {
+    static_assert(sizeof text == textBlock);
+    std::string_view const view = text.view();
+    // A short text lies in its object, which is one block.
+    bool const isShort = view.data() == reinterpret_cast<char const*>(&text);
+    if (isShort && runInSixteen<Stop::atEscapes>(view.data()) >= static_cast<int>(view.size())) [[likely]] {
+        to[0] = '"';
+        std::memcpy(to + 1, view.data(), textBlock);
+        to[view.size() + 1] = '"';
+        return to + view.size() + 2;
+    }
+    return putAnyText(to, view);
+}
+
+inline char* StrictJsonWriter::putValue(char* to, Item const* item, int kind, std::size_t indent) {
+    switch (kind) {
+        case DoubleType: {
+            double const value = static_cast<Double const*>(item)->value();
+            return std::isfinite(value) ? writeExactNumber(to, value) : nullptr;
         }
-        to = putScalar(to, item, kind);
+        case StringType: return putText(to, static_cast<String const*>(item)->value());
+        case BoolType: return putWord(to, static_cast<Bool const*>(item)->value() ? "true" : "false");
+        case ArrayType: return putContainer(to, {'[', ']'}, *static_cast<Array const*>(item), indent);
+        case DictionaryType: return putContainer(to, {'{', '}'}, *static_cast<Dictionary const*>(item), indent);
+        default: return putWord(to, "null");
     }
-    close(to);
-    return true;
 }
 
-/// The same for a dictionary.
-bool StrictJsonWriter::writeMembers() {
-    Frame& frame = frames_[depth_ - 1];
-    MemberWalk next = frame.children.members;
-    bool isFirst = frame.isEmpty;
+template <class Container>
+char* StrictJsonWriter::putContainer(char* to, Brackets brackets, Container const& container, std::size_t indent) {
+    if (indent == deepestIndent) return refuse(to);
+    *to++ = brackets.opening;
+    *to++ = '\n';
+    to = putChildren(to, container, indent + indentStep);
+    if (!to) return nullptr;
+    to = withoutSeparator(to);
+    *to++ = '\n';
+    to = startLine(to, indent);
+    *to++ = brackets.closing;
+    return to;
+}
+
+char* StrictJsonWriter::putChildren(char* to, Array const& array, std::size_t indent) {
+    for (ur::Reference<Item> const& element : array.array()) {
+        int const kind = kindOf(element.get());
+        if (!isKnown(kind)) continue;
+        char* const line = startLine(to, indent);
+        to = putValue(line, element.get(), kind, indent);
+        if (!to) return kind == DoubleType ? refuse(withoutSeparator(line - indent)) : nullptr;
+        to = putSeparator(to);
+    }
+    return to;
+}
+
+char* StrictJsonWriter::putChildren(char* to, Dictionary const& dictionary, std::size_t indent) {
     bool valueDue = false;
-    char* to = sink_.room(itemRoom);
-    for (; !next.atEnd(); next.advance()) {
+    for (auto const& member : dictionary.dictionary()) {
         if (valueDue) [[unlikely]] {
-            to = putMisplaced(to, next, valueDue);
-            if (!to) return false;
+            to = putMisplaced(to, member, indent, valueDue);
+            if (!to) return nullptr;
             continue;
         }
-        Item const* const item = next.item();
+        Item const* const item = member.second.get();
         int const kind = kindOf(item);
-        to = putText(startLine(to, isFirst), next.key());
-        isFirst = false;
+        char* const behindKey = putText(startLine(to, indent), member.first);
         valueDue = !isKnown(kind);
-        if (valueDue) continue;
-        if (isRefused(item, kind)) return refuse(to);
-        to = putColon(to);
-        if (isContainer(kind)) {
-            next.advance();
-            frame.children.members = next;
-            frame.isEmpty = false;
-            return open(to, *item);
-        }
-        to = putScalar(to, item, kind);
+        to = valueDue ? behindKey : putValue(putColon(behindKey), item, kind, indent);
+        if (!to) return kind == DoubleType ? refuse(behindKey) : nullptr;
+        if (!valueDue) to = putSeparator(to);
     }
-    close(to);
-    return true;
+    return valueDue ? putSeparator(to) : to;
 }
 
 /// A member after one whose value left no trace: its key takes that value's place, and its value must be a text to
 /// take the place of a key.
-char* StrictJsonWriter::putMisplaced(char* to, MemberWalk const& member, bool& valueDue) {
-    to = putText(putColon(sink_.room(to, itemRoom)), member.key());
-    Item const* const item = member.item();
-    int const kind = kindOf(item);
+char* StrictJsonWriter::putMisplaced(char* to, Dictionary::Map::value_type const& member, std::size_t indent,
+                                     bool& valueDue) {
+    to = putSeparator(putText(putColon(sink_.room(to, itemRoom)), member.first));
+    int const kind = kindOf(member.second.get());
     valueDue = isKnown(kind);
     if (!valueDue) return to;
-    if (kind != StringType) {
-        refuse(to);
-        return nullptr;
-    }
-    return putScalar(startLine(to, false), item, kind);
-}
-
-bool StrictJsonWriter::open(char* to, Item const& container) {
-    if (depth_ + 1 >= depthLimit) return refuse(to);
-    bool const isArray = container.type() == ArrayType;
-    *to++ = isArray ? '[' : '{';
-    *to++ = '\n';
-    sink_.advanceTo(to);
-    frames_[depth_++] = {isArray ? ChildWalk(static_cast<Array const&>(container))
-                                 : ChildWalk(static_cast<Dictionary const&>(container)),
-                         true};
-    return true;
-}
-
-void StrictJsonWriter::close(char* to) {
-    bool const inDictionary = frames_[--depth_].children.inDictionary();
-    to = sink_.room(to, itemRoom);
-    *to++ = '\n';
-    to = startLine(to, true);
-    *to++ = inDictionary ? '}' : ']';
-    sink_.advanceTo(to);
+    if (kind != StringType) return refuse(to - 2);
+    return putText(startLine(to, indent), static_cast<String const&>(*member.second).value());
 }
 
 char* StrictJsonWriter::putAnyText(char* to, std::string_view text) {
@@ -236,18 +185,18 @@ char* StrictJsonWriter::putAnyText(char* to, std::string_view text) {
     to = sink_.room(to, text.size() + textBlock + itemRoom);
     *to++ = '"';
     copyPlain(to, from, end);
-    while (from != end) [[unlikely]] {
-            to = putEscape(sink_.room(to, static_cast<std::size_t>(end - from) + longestEscape + itemRoom), *from);
-            ++from;
-            copyPlain(to, from, end);
-        }
+    while (from != end) {
+        to = putEscape(sink_.room(to, static_cast<std::size_t>(end - from) + longestEscape + itemRoom), *from);
+        ++from;
+        copyPlain(to, from, end);
+    }
     *to++ = '"';
     return to;
 }
 
-bool StrictJsonWriter::refuse(char* to) {
+char* StrictJsonWriter::refuse(char* to) {
     sink_.advanceTo(to);
-    return false;
+    return nullptr;
 }
 
 }  // namespace nxPLST::impl

@@ -1,17 +1,20 @@
 // The writer of strict JSON.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <string_view>
 
-#include "plst/impl/ChildWalk.h"
+#include "plst/Array.h"
+#include "plst/Dictionary.h"
 #include "plst/impl/TextSink.h"
 
 namespace nxPLST::impl {
 
 /// Writes one tree, byte for byte and refusal for refusal as yajl's generator does with its beautify option set
 /// and numbers formatted with "%.20g".
+///
+/// Each child is written with the comma and the line feed behind it; the closing bracket takes the last comma back.
+/// It recurses no deeper than the generator goes.
 class StrictJsonWriter {
 public:
     explicit StrictJsonWriter(urString::CString& text) : sink_(text) {}
@@ -20,31 +23,29 @@ public:
     bool write(Item const* root);
 
 private:
-    /// An open container and its children that are not written yet.
-    struct Frame {
-        ChildWalk children;
-        bool isEmpty;  // nothing is written in it so far
+    struct Brackets {
+        char opening;
+        char closing;
     };
 
-    static constexpr int depthLimit = 128;  // the generator's: this level is refused
     static constexpr std::size_t indentStep = 4;
+    static constexpr std::size_t deepestIndent = 127 * indentStep;  // the generator refuses containers here
 
-    // These are false, or give null, when something is refused.
-    bool writeElements();
-    bool writeMembers();
-    char* putMisplaced(char* to, MemberWalk const& member, bool& valueDue);
-    bool open(char* to, Item const& container);
+    // These write to a place where there is room for an item and give the place behind it. Null after a refusal; a
+    // refused number has left the text as it was, any other refusal has told the sink where it ends.
+    char* putValue(char* to, Item const* item, int kind, std::size_t indent);
+    template <class Container>
+    char* putContainer(char* to, Brackets brackets, Container const& container, std::size_t indent);
+    char* putChildren(char* to, Array const& array, std::size_t indent);
+    char* putChildren(char* to, Dictionary const& dictionary, std::size_t indent);
+    char* putMisplaced(char* to, Dictionary::Map::value_type const& member, std::size_t indent, bool& valueDue);
 
-    void close(char* to);
-    char* startLine(char* to, bool isFirst);
-    char* putScalar(char* to, Item const* item, int kind);
+    char* startLine(char* to, std::size_t indent);
     char* putText(char* to, urString::CString const& text);
     char* putAnyText(char* to, std::string_view text);
-    bool refuse(char* to);
+    char* refuse(char* to);
 
     TextSink sink_;
-    int depth_ = 0;
-    std::array<Frame, depthLimit> frames_;
 };
 
 }  // namespace nxPLST::impl

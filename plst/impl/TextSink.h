@@ -19,21 +19,15 @@ public:
     }
 
     /// Where the text goes on: room for `bytes` bytes, of which those before `advanceTo` are the text's.
-    [[nodiscard]] char* room(std::size_t bytes) {
-        if (bytes > static_cast<std::size_t>(end_ - at_)) [[unlikely]]
-            grow(bytes);
-        return at_;
-    }
+    [[nodiscard]] char* room(std::size_t bytes) { return room(at_, bytes); }
     void advanceTo(char* at) noexcept { at_ = at; }
-    /// The same room after the text was written up to `at`.
+    /// The same, where the text has been written up to `at` since.
     [[nodiscard]] char* room(char* at, std::size_t bytes) {
-        advanceTo(at);
-        return room(bytes);
-    }
-
-    void put(char character) {
-        *room(1) = character;
-        ++at_;
+        if (bytes <= static_cast<std::size_t>(end_ - at)) [[likely]]
+            return at;
+        at_ = at;
+        grow(bytes);
+        return at_;
     }
 
 private:

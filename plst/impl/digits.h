@@ -23,6 +23,9 @@ namespace nxPLST::impl {
     return (pairs << 8) - tens * ((10 << 8) - 1);
 }
 
+/// The first number that `eightDigits` cannot take apart.
+inline constexpr std::uint64_t eightDigitLimit = 100000000;
+
 [[nodiscard]] inline std::uint64_t eightDigits(std::uint64_t value) noexcept {
     std::uint64_t const halves = (value << 32) - value / 10000 * ((std::uint64_t(10000) << 32) - 1);
     std::uint64_t const hundreds = ((halves * 10486) >> 20) & 0x0000007F'0000007F;
