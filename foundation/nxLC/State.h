@@ -7,7 +7,7 @@
 #include "foundation/nxLC/Limits.h"
 #include "foundation/nxLC/ReflectionData.h"
 #include "foundation/nxRFL/Exception.h"
-#include "foundation/nxRFL/Function.h"
+#include "foundation/nxRFL/Stack.h"
 
 namespace nxLC {
 

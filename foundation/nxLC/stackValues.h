@@ -1,7 +1,7 @@
 // Values of a Lua state on reflection stacks, and back.
 #pragma once
 
-#include "foundation/nxRFL/Function.h"
+#include "foundation/nxRFL/Stack.h"
 
 struct lua_State;
 

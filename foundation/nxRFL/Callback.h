@@ -2,7 +2,7 @@
 #pragma once
 
 #include "foundation/nxRFL/Exception.h"
-#include "foundation/nxRFL/Function.h"
+#include "foundation/nxRFL/Stack.h"
 
 namespace nxRFL {
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "foundation/nxRFL/Function.h"
+#include "foundation/nxRFL/TypeUtil.h"
 
 namespace nxRFL {
 

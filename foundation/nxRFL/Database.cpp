@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "foundation/nxRFL/IteratorState.h"
+#include "foundation/nxRFL/Stack.h"
 
 namespace nxRFL {
 

@@ -6,6 +6,7 @@
 
 #include "foundation/nxRFL/Class.h"
 #include "foundation/nxRFL/Exception.h"
+#include "foundation/nxRFL/Object.h"
 
 namespace nxRFL {
 

@@ -4,12 +4,15 @@
 #include <span>
 
 #include "foundation/nxRFL/PlainValue.h"
-#include "foundation/nxRFL/Stack.h"
+#include "foundation/ur/Reference.h"
 #include "foundation/ur/ReferenceCount.h"
+#include "foundation/ur/containers.h"
+#include "foundation/urString/CString.h"
 
 namespace nxRFL {
 
 class Database;
+class Stack;
 
 /// Takes its arguments from one stack and leaves its results on another. Held by reference.
 ///
@@ -33,11 +36,8 @@ public:
         return onCallPlain(arguments, result);
     }
 
-    /// Raises unless there are `count` arguments, the object included.
-    void validateArity(Stack const& arguments, unsigned count) const {
-        if (arguments.size() != count) [[unlikely]]
-            failArity(arguments, count);
-    }
+    /// Raises unless there are `count` arguments, the object included. Defined with `Stack`.
+    void validateArity(Stack const& arguments, unsigned count) const;
 
     /// False once what would run has gone, such as a script's state: calls then do nothing.
     [[nodiscard]] virtual bool canRun() const noexcept { return true; }

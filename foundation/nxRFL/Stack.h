@@ -4,14 +4,10 @@
 #include <cstdint>
 #include <variant>
 
+#include "foundation/nxRFL/Function.h"
 #include "foundation/nxRFL/Object.h"
-#include "foundation/ur/Reference.h"
-#include "foundation/ur/containers.h"
-#include "foundation/urString/CString.h"
 
 namespace nxRFL {
-
-class Function;
 
 namespace impl {
 
@@ -51,5 +47,10 @@ private:
     ur::vector<impl::Value> values_;
     unsigned items_ = 0;
 };
+
+inline void Function::validateArity(Stack const& arguments, unsigned count) const {
+    if (arguments.size() != count) [[unlikely]]
+        failArity(arguments, count);
+}
 
 }  // namespace nxRFL

@@ -10,6 +10,7 @@
 #include "foundation/nxLC/impl/lua.h"
 #include "foundation/nxLC/protect.h"
 #include "foundation/nxRFL/Database.h"
+#include "foundation/nxRFL/Stack.h"
 #include "foundation/ur/ReferenceCount.h"
 #include "foundation/ur/containers.h"
 
