@@ -8,6 +8,8 @@
 
 #include "foundation/urThread/RunQueue.h"
 #include "support/messaging/CallInfo.h"
+#include "support/messaging/CallInfoControl.h"
+#include "support/messaging/ContextObserver.h"
 #include "support/messaging/Domain.h"
 
 namespace nxSupport {
@@ -19,8 +21,15 @@ struct DomainProbe {
     }
 };
 
-class Host : public Domain {
+/// As the observer of its own contexts it is told of them as well, but only
+/// when a test asks for that.
+class Host : public Domain, public ContextObserver {
 public:
+    struct Queue : urThread::RunQueue {
+        void onAdd() override { added(); }
+        std::function<void()> added = [] {};
+    };
+
     explicit Host(Domain* parent = nullptr) : Domain(parent) {
         contextStackEmptied.addCallback([this] { tell("emptied"); });
         callInfoSuppressionChanged.addCallback([this](int on) { tell(on ? "suppressed" : "released"); });
@@ -40,7 +49,7 @@ public:
     std::string failing;
     std::function<void(std::string const&)> telling = [](std::string const&) {};
     std::function<void(CallInfo&)> provide = [](CallInfo&) {};
-    urThread::RunQueue queue;
+    Queue queue;
 
 protected:
     void onBeginContext(Context const& context) override { tell("+" + name(context)); }
@@ -50,6 +59,8 @@ protected:
         tell(appOnly ? "appInfo" : "info");
     }
     void onCallInfoDestroyed(CallInfo*) override { tell("~info"); }
+    void onBegin(Context const& context, Clock::time_point) override { tell("<" + name(context)); }
+    void onEnd(Context const& context, Clock::time_point, Clock::duration) override { tell(">" + name(context)); }
 
 private:
     static std::string name(Context const& context) {
