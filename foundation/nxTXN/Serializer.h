@@ -57,6 +57,9 @@ public:
     virtual void field(void* field, FieldHandlers const* handlers) = 0;
     virtual void endObject(Object* object) = 0;
 
+    /// Records keep the address of `handlers`.
+    void field(void* field, FieldHandlers const& handlers) { this->field(field, &handlers); }
+    void field(void* field, FieldHandlers const&& handlers) = delete;
     /// A field with the handlers of its type.
     template <class T>
     void field(T& value) {

@@ -158,7 +158,7 @@ protected:
                                                    },
                                                    nullptr};
         serializer.beginObject(this, restoreHook);
-        serializer.field(&value, &handlers);
+        serializer.field(&value, handlers);
         serializer.endObject(this);
     }
 };
