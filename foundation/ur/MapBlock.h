@@ -108,10 +108,14 @@ public:
         }
         ++size;
     }
-    void erase(std::uint32_t index) noexcept {
-        std::destroy_at(&entries()[index]);
+    /// Gives what was erased, whose destructors may come back to the map.
+    std::pair<Key, Value> erase(std::uint32_t index) noexcept {
+        Entry& entry = entries()[index];
+        std::pair<Key, Value> erased(std::move(const_cast<Key&>(entry.first)), std::move(entry.second));
+        std::destroy_at(&entry);
         for (std::uint32_t i = index + 1; i < size; ++i) relocate(entries()[i], entries()[i - 1]);
         --size;
+        return erased;
     }
     /// Appends the entries from `index` on to `other`, which has room for them.
     void moveTail(std::uint32_t index, MapBlock& other) noexcept {

@@ -142,4 +142,16 @@ TEST(BlockMap, MovesWhatCannotBeCopied) {
     EXPECT_EQ(sizeof moved, sizeof(void*));
 }
 
+TEST(BlockMap, LetsWhatIsErasedComeBackToIt) {
+    ur::map<int, std::shared_ptr<void>> map;
+    map[1] = std::shared_ptr<void>(&map, [&map](void*) {
+        map.erase(2);
+        map[3] = nullptr;
+    });
+    map[2] = nullptr;
+    map.erase(1);
+    EXPECT_EQ(map.size(), 1U);
+    EXPECT_TRUE(map.contains(3));
+}
+
 }  // namespace
