@@ -1,6 +1,8 @@
 // What of the broadcaster does not depend on the message.
 #include "support/messaging/Broadcaster.h"
 
+#include <algorithm>
+
 namespace nxSupport {
 
 Broadcaster::Message::~Message() = default;
@@ -8,16 +10,18 @@ Broadcaster::SigBase::~SigBase() = default;
 
 Broadcaster::~Broadcaster() {
     if (delivery_) delivery_->cancel();
-    // One by one: the end of a callable is its owner's code, which may still broadcast or connect here.
-    for (auto const& [message, channel] : channels_)
-        while (!channel->sigs.empty()) channel->sigs.pop_front();
+    // One by one, sought anew: the end of a callable is its owner's code, which may still broadcast or connect here.
+    auto const left = [this] {
+        return std::find_if(channels_.begin(), channels_.end(), [](auto const& c) { return !c.second->sigs.empty(); });
+    };
+    for (auto place = left(); place != channels_.end(); place = left()) place->second->sigs.pop_front();
     for (bool* flag : firstTimeFlags_) *flag = true;
 }
 
 Broadcaster::Channel& Broadcaster::channel(ur::TypeInfo message) {
-    std::unique_ptr<Channel>& result = channels_[message];
-    if (!result) result = std::make_unique<Channel>();
-    return *result;
+    auto place = channels_.find(message);
+    if (place == channels_.end()) place = channels_.emplace(message, std::make_unique<Channel>()).first;
+    return *place->second;
 }
 
 ur::vector<Broadcaster::Listener> Broadcaster::listeners() const {
