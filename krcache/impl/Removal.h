@@ -17,6 +17,7 @@ struct Removal {
     ur::vector<ur::Reference<Shim>> children;
     ur::vector<ur::Reference<Shim>> parents;
     std::size_t nextParent = 0;
+    std::size_t released = 0;          ///< of the parents, then of the children
     ur::Reference<Resource> resource;  ///< kept until the dependents are gone, whose resources may hold it
 };
 

@@ -80,12 +80,13 @@ void ManagerImpl::disconnect(Removal& removal) {
 
 // One at a time, since each may be the last that counts and put another removal on top.
 void ManagerImpl::release(Removal& removal) {
-    auto& held = removal.parents.empty() ? removal.children : removal.parents;
-    if (held.empty()) {
-        removal.stage = Removal::Stage::finish;
+    std::size_t const next = removal.released++;
+    if (next < removal.parents.size()) {
+        removal.parents[next].reset();
+    } else if (next - removal.parents.size() < removal.children.size()) {
+        removal.children[next - removal.parents.size()].reset();
     } else {
-        ur::Reference<Shim> const last = std::move(held.back());
-        held.pop_back();
+        removal.stage = Removal::Stage::finish;
     }
 }
 
