@@ -1,13 +1,20 @@
 // The buffer between a write context and a byte stream.
 #include "foundation/io/ioBufferedStreamOutput.h"
 
+#include <utility>
+
 namespace {
 
 constexpr std::size_t bufferBytes = 64 * 1024;
 
 }  // namespace
 
-ioBufferedStreamOutput::~ioBufferedStreamOutput() { static_cast<void>(close()); }
+ioBufferedStreamOutput::~ioBufferedStreamOutput() {
+    try {
+        static_cast<void>(close());
+    } catch (...) {  // NOLINT(bugprone-empty-catch): there is nobody left to tell
+    }
+}
 
 urUtil::Error ioBufferedStreamOutput::openIOStream(urOS::IOStream& stream) {
     urUtil::Error former = close();
@@ -37,8 +44,8 @@ void ioBufferedStreamOutput::send(std::string_view bytes) {
 }
 
 void ioBufferedStreamOutput::pass() {
-    send({buffer_.get(), static_cast<std::size_t>(cursor_ - buffer_.get())});
-    cursor_ = buffer_.get();
+    char const* const end = std::exchange(cursor_, buffer_.get());
+    send({buffer_.get(), static_cast<std::size_t>(end - buffer_.get())});
 }
 
 void ioBufferedStreamOutput::writeAcross(std::string_view bytes) {

@@ -12,8 +12,8 @@
 
 /// Collects bytes and hands them to a stream in large pieces.
 ///
-/// The stream is not owned and must outlive this object, whose destruction writes the rest. The first error stays:
-/// from then on bytes are dropped. One thread at a time.
+/// The stream is not owned and must outlive this object, whose destruction writes the rest; who must know whether
+/// that worked calls `close` before. The first error stays: from then on bytes are dropped. One thread at a time.
 class NX_API ioBufferedStreamOutput {
 public:
     ioBufferedStreamOutput() = default;

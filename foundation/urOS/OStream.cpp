@@ -1,20 +1,24 @@
 // Text on top of a byte stream.
 #include "foundation/urOS/OStream.h"
 
+#include <utility>
+
 #include "foundation/urString/CString.h"
 
 namespace urOS {
 
-OStream::~OStream() { pass(); }
+OStream::~OStream() {
+    try {
+        pass();
+    } catch (...) {  // NOLINT(bugprone-empty-catch): there is nobody left to tell
+    }
+}
 
 void OStream::send(std::string_view text) {
     if (stream_ && error_.ok() && !text.empty()) error_ = stream_->write(text.data(), text.size());
 }
 
-void OStream::pass() {
-    send({buffer_.data(), used_});
-    used_ = 0;
-}
+void OStream::pass() { send({buffer_.data(), std::exchange(used_, 0)}); }
 
 void OStream::writeLong(std::string_view text) {
     pass();

@@ -14,8 +14,8 @@ namespace urOS {
 
 /// Collects text and hands it to a byte stream in large pieces.
 ///
-/// The stream is not owned and must outlive this object, whose destruction writes the rest. The first error stays:
-/// from then on text is dropped. One thread at a time.
+/// The stream is not owned and must outlive this object, whose destruction writes the rest; who must know whether
+/// that worked calls `flush` before. The first error stays: from then on text is dropped. One thread at a time.
 class NX_API OStream {
 public:
     enum class Flush { whenFull, afterEachPrint };
