@@ -8,9 +8,18 @@
 namespace nxTXN {
 namespace {
 
-std::string describe(std::exception_ptr const& cause, HookError::Outcome outcome) {
+// For when there is no memory to say more: copies share the text.
+std::runtime_error const allButSomething("all was done, but something failed");
+std::runtime_error const nothing("nothing was done");
+
+std::runtime_error describe(std::exception_ptr const& cause, HookError::Outcome outcome) noexcept {
     bool const completed = outcome == HookError::Outcome::completed;
-    return (completed ? "all was done, but: " : "nothing was done: ") + urOS::exceptionText(cause);
+    try {
+        return std::runtime_error((completed ? "all was done, but: " : "nothing was done: ") +
+                                  urOS::exceptionText(cause));
+    } catch (...) {
+        return completed ? allButSomething : nothing;
+    }
 }
 
 std::nested_exception nested(std::exception_ptr const& cause) {

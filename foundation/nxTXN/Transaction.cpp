@@ -21,14 +21,7 @@ Transaction::~Transaction() {
 
 bool Transaction::commit() {
     Manager* const manager = std::exchange(manager_, nullptr);
-    if (!manager) return false;
-    std::size_t const depth = manager->depth();
-    try {
-        return manager->commit();
-    } catch (...) {
-        if (manager->depth() == depth) manager_ = manager;  // still open, for want of memory: it will be aborted
-        throw;
-    }
+    return manager && manager->commit();
 }
 
 bool Transaction::abort() {

@@ -44,6 +44,10 @@ inline constexpr Holding holding = {[](void const* object) { static_cast<T const
 /// One writer serves any number of objects one after the other without allocating again.
 class NX_API Writer {
 public:
+    Writer() = default;
+    Writer(Writer const&) = delete;
+    Writer& operator=(Writer const&) = delete;
+
     void writeData(void const* bytes, std::size_t count) {
         if (count == 0) return;
         std::memcpy(data_.add(count), bytes, count);

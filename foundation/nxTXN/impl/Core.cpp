@@ -21,7 +21,7 @@ Core::~Core() {
 }
 
 std::uint32_t Core::enter(Object& object, bool counted) {
-    if (lifetimes_.roster().worthCompacting() && !busy_) compact();
+    if (lifetimes_.roster().worthCompacting() && !busy_ && !lifetimes_.busy()) compact();
     return lifetimes_.enter(object, counted, !levels_.empty() && levels_.back().keeps && !busy_);
 }
 
@@ -34,14 +34,9 @@ void Core::compact() {
     lifetimes_.compact(bounds);
 }
 
-void Core::pin(Object& object) {
-    if (object.core_ == this) return lifetimes_.addPin(object);
-    if (object.core_) meet(*object.core_);
-    Lifetimes::pin(object);
-}
-
 void Core::meet(Core& other) {
     if (std::find(acquaintances_.begin(), acquaintances_.end(), &other) != acquaintances_.end()) return;
+    other.acquaintances_.reserve(other.acquaintances_.size() + 1);
     acquaintances_.push_back(&other);
     other.acquaintances_.push_back(this);
 }
@@ -63,6 +58,7 @@ void Core::transact(Object& object) {
 
 void Core::record(Object& object, Entry const& entry) {
     std::uint32_t const formerStamp = entry.stamp;
+    makeRoomForAbort();
     RecordStore::Hook hook;
     {
         Busy const busy(*this);
@@ -76,6 +72,11 @@ void Core::record(Object& object, Entry const& entry) {
     lifetimes_.entryOf(object).stamp = level.stamp;
 }
 
+void Core::makeRoomForAbort() {
+    std::size_t const records = std::size_t(levels_.back().outerRecords) + levels_.back().records + 1;
+    if (records > work_.capacity()) work_.reserve(2 * records);
+}
+
 void Core::missed(Object const& object) {
     if (busy_ || lifetimes_.busy()) return;
     if (levels_.empty()) {
@@ -87,7 +88,14 @@ void Core::missed(Object const& object) {
 
 void Core::begin(urString::CString const& name, TransactionKind kind, void const* coalesceKey) {
     bool const keeps = (kind == TransactionKind::recorded || kind == TransactionKind::transient) && !busy_;
-    levels_.push_back({name, coalesceKey, records_.top(), 0, ++stamp_, lifetimes_.roster().size(), kind, keeps});
+    ur::Reference<SharedName> stepName;
+    if (keeps && kind == TransactionKind::recorded && levels_.empty()) {
+        steps_.makeRoom();
+        stepName = shared(name);
+    }
+    std::uint32_t const outerRecords = levels_.empty() ? 0 : levels_.back().outerRecords + levels_.back().records;
+    levels_.push_back({std::move(stepName), coalesceKey, records_.top(), 0, outerRecords, ++stamp_,
+                       lifetimes_.roster().size(), kind, keeps});
 }
 
 // Hooks end only transactions that they began themselves.
@@ -95,15 +103,14 @@ bool Core::mayEnd() const noexcept { return !levels_.empty() && !(busy_ && level
 
 bool Core::commit() {
     if (!mayEnd()) return false;
-    bool const recorded = levels_.back().keeps && levels_.back().kind == TransactionKind::recorded;
-    // Without memory the transaction stays open, for abort.
-    auto name = recorded && levels_.size() == 1 ? prepareStep(levels_.back()) : nullptr;
-    Level const level = std::move(levels_.back());
+    Level level = std::move(levels_.back());
     levels_.pop_back();
     if (!level.keeps) return true;
+    bool const recorded = level.kind == TransactionKind::recorded;
     if (recorded && levels_.empty()) {
-        if (name) addStep(level, std::move(name));
+        if (changedAnything(level)) addStep(std::move(level));
     } else if (recorded && levels_.back().keeps) {
+        Lifetimes::Deferral const deferral(lifetimes_);
         levels_.back().records += merge(level, levels_.back().stamp);
     } else {
         drop(level);
@@ -111,9 +118,9 @@ bool Core::commit() {
     return true;
 }
 
-// The outer transaction, or an earlier step, keeps what it has recorded itself: that is older.
+// The outer transaction, or an earlier step, keeps what it has recorded itself: that is older. Hooks must wait until
+// the records that stay are counted.
 std::uint32_t Core::merge(Level const& level, std::uint32_t stamp) {
-    Lifetimes::Deferral const deferral(lifetimes_);
     Busy const busy(*this);
     return records_.filterTop(level.begin, level.records, [this, stamp](Record const& record) {
         if (!record.subject) return false;
@@ -139,25 +146,25 @@ void Core::restoreStamps(Level const& level) {
     });
 }
 
-// Null for what makes no step.
-ur::Reference<SharedName> Core::prepareStep(Level const& level) {
-    if (level.records == 0 && !lifetimes_.anyBorn(level.birthsBegin)) return nullptr;
-    steps_.makeRoom();
-    return shared(level.name);
+bool Core::changedAnything(Level const& level) noexcept {
+    return level.records > 0 || lifetimes_.anyBorn(level.birthsBegin);
 }
 
-void Core::addStep(Level const& level, ur::Reference<SharedName> name) {
+void Core::addStep(Level level) {
     std::uint32_t const birthsEnd = lifetimes_.roster().size();
-    if (joinsNewestStep(level)) {
-        Step& step = steps_.back();
-        step.records += merge(level, step.stamp);
-        step.birthsEnd = birthsEnd;
-    } else {
-        steps_.push({std::move(name), level.begin, level.records, level.stamp, level.birthsBegin, birthsEnd});
-        discardUndone();
-        coalesceKey_ = level.coalesceKey;
+    {
+        Lifetimes::Deferral const deferral(lifetimes_);
+        if (joinsNewestStep(level)) {
+            Step& step = steps_.back();
+            step.records += merge(level, step.stamp);
+            step.birthsEnd = birthsEnd;
+        } else {
+            coalesceKey_ = level.coalesceKey;
+            steps_.push({std::move(level.name), level.begin, level.records, level.stamp, level.birthsBegin, birthsEnd});
+            discardUndone();
+        }
+        sealed_ = false;
     }
-    sealed_ = false;
     enforceLimits();
     changed_.emit();
 }

@@ -18,10 +18,11 @@ namespace nxTXN::impl {
 
 /// A transaction that is open.
 struct Level {
-    urString::CString name;
+    ur::Reference<SharedName> name;  // of the step that it may become
     void const* coalesceKey;
     RecordStore::Place begin;
     std::uint32_t records;
+    std::uint32_t outerRecords;  // those of the transactions around it
     std::uint32_t stamp;
     std::uint32_t birthsBegin;
     TransactionKind kind;
@@ -30,7 +31,8 @@ struct Level {
 
 /// Steps in the order in which they were made, up to the present the ones that are done, then those undone; their
 /// records, in the same order, and on top those of open transactions. Undo and redo exchange what records hold with
-/// what their objects are.
+/// what their objects are. What commit and abort need is at hand before a change is made: they never fail for want of
+/// memory.
 class Core {
 public:
     Core(Manager& manager) : manager_(manager) {}
@@ -45,8 +47,12 @@ public:
     void transact(Object& object);
     /// Takes the object out of all records that may name it.
     static void forgetEverywhere(Object const& object) noexcept;
-    /// A record of this manager keeps the object, which may be another manager's.
-    void pin(Object& object);
+    /// A record of this manager is to keep the object, which may be another manager's.
+    void expectPin(Object const& object) {
+        if (object.core_ && object.core_ != this) meet(*object.core_);
+    }
+    /// It keeps it. Requires: expected.
+    void pin(Object& object) noexcept { object.core_ == this ? lifetimes_.addPin(object) : Lifetimes::pin(object); }
     /// Has the object read its fields.
     void putBack(Object& object, Content const& content) {
         RestoringPass pass(content.reader());
@@ -103,6 +109,7 @@ private:
     [[nodiscard]] ur::Reference<SharedName> shared(urString::CString const& name) const;
     void compact();
     void record(Object& object, Entry const& entry);
+    void makeRoomForAbort();
     /// Adds what the object is to the writer. Requires: the manager is busy.
     RestoreHook save(Object& object) {
         SavingPass pass(writer_);
@@ -112,8 +119,8 @@ private:
     void missed(Object const& object);
 
     [[nodiscard]] bool mayEnd() const noexcept;
-    [[nodiscard]] ur::Reference<SharedName> prepareStep(Level const& level);
-    void addStep(Level const& level, ur::Reference<SharedName> name);
+    [[nodiscard]] bool changedAnything(Level const& level) noexcept;
+    void addStep(Level level);
     void discardUndone();
     void discardOldest();
     void discardFarthest();
@@ -148,8 +155,8 @@ private:
     bool restoreHooked(Restoration const& item, Content const& content, Failures& failures);
     void tellModified(Failures& failures) noexcept;
 
-    void collect(Level const& level, Failures& failures);
-    void takeBack(Level const& level, Failures& failures);
+    void collect(Level const& level, Failures& failures) noexcept;
+    void takeBack(Level const& level, Failures& failures) noexcept;
 
     Manager& manager_;
     Lifetimes lifetimes_;
@@ -158,7 +165,7 @@ private:
     std::size_t present_ = 0;                       // the steps before it are done
     ur::vector<Level> levels_;                      // innermost last
     Writer writer_;                                 // for one record, or for all that a replay captures
-    ur::vector<Restoration> work_;                  // of the replay under way
+    ur::vector<Restoration> work_;                  // of the replay under way; has room for aborting what is open
     ur::vector<RecordStore::Elsewhere> elsewhere_;  // owns the room that it asked for
     ur::vector<Core*> acquaintances_;               // managers whose records and objects are mixed with ours
     std::uint32_t stamp_ = 0;                       // of the newest transaction

@@ -37,11 +37,7 @@ std::uint32_t Lifetimes::enter(Object& object, bool counted, bool born) {
 
 void Lifetimes::leave(Object& object) noexcept {
     if (entryOf(object).pins > 0) Core::forgetEverywhere(object);
-    Entry& entry = entryOf(object);
-    if (entry.queued) std::erase(waiting_, &object);
-    for (Change& change : changes_) {
-        if (change.object == &object) change.object = nullptr;
-    }
+    Entry const& entry = entryOf(object);
     if (entry.dead) bytes_ -= entry.stamp;
     roster_.remove(object.index_);
     object.core_ = nullptr;
@@ -78,19 +74,14 @@ void Lifetimes::wait(RefCountedObject& object) noexcept {
     Entry& entry = entryOf(object);
     if (entry.queued || closing_) return;
     entry.queued = true;
-    if (deferrals_ > 0) {
-        waiting_.push_back(&object);
-        return;
-    }
+    if (deferrals_ > 0) return waiting_.push(object.index_);
     Deferral const deferral(*this);
     takeDown(object);
 }
 
 void Lifetimes::takeDownWaiting() noexcept {
     while (!waiting_.empty()) {
-        RefCountedObject* const object = waiting_.front();
-        waiting_.pop_front();
-        takeDown(*object);
+        if (Object* const object = waiting_.pop()) takeDown(static_cast<RefCountedObject&>(*object));
     }
 }
 

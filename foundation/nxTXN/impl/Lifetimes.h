@@ -3,13 +3,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <span>
 
 #include "foundation/nxTXN/RefCountedObject.h"
+#include "foundation/nxTXN/impl/EntryQueue.h"
 #include "foundation/nxTXN/impl/Failures.h"
 #include "foundation/nxTXN/impl/Roster.h"
-#include "foundation/ur/containers.h"
 
 namespace nxTXN::impl {
 
@@ -17,7 +16,8 @@ namespace nxTXN::impl {
 ///
 /// An object is *dead* when its last reference has gone and *unborn* when its making is undone; it exists when it is
 /// neither. A dead object is deleted when no record pins it. Objects are taken down one at a time: what loses its
-/// last reference meanwhile waits for its turn, so that long chains need no stack.
+/// last reference meanwhile waits for its turn, so that long chains need no stack. All of this works without memory:
+/// it also happens where there is nobody to tell that there is none.
 class Lifetimes {
 public:
     enum class Birth : bool { done, undone };
@@ -27,6 +27,7 @@ public:
     void leave(Object& object) noexcept;
     [[nodiscard]] Entry& entryOf(Object const& object) noexcept { return roster_[object.index_]; }
     [[nodiscard]] Roster& roster() noexcept { return roster_; }
+    /// Requires: not busy.
     void compact(std::span<std::uint32_t* const> bounds);
 
     /// A record needs the object, or needs it no longer.
@@ -68,12 +69,12 @@ public:
         Lifetimes& lifetimes_;
     };
     /// A record gave the object back to a field.
-    static void returned(Object& object);
+    static void returned(Object& object) noexcept;
     /// Does or undoes the making of the objects from `begin` to `end`.
     void setBirths(std::uint32_t begin, std::uint32_t end, Birth birth) noexcept;
     /// Decides which of the objects touched since the last time exist, and tells those for which it changed.
     void settle(Failures& failures) {
-        if (!changes_.empty()) tellChanges(failures);
+        if (!changed_.empty()) tellChanges(failures);
     }
 
     /// The undone making of the objects from `begin` to `end` is final.
@@ -89,12 +90,7 @@ public:
     [[nodiscard]] std::size_t bytes() const noexcept { return bytes_; }
 
 private:
-    struct Change {
-        Object* object;  // null once it has gone
-        bool existed;
-    };
-
-    void note(Object& object);
+    void note(Object& object) noexcept;
     void tellChanges(Failures& failures);
     void keepOrDrop(Object& object) noexcept;
     void takeDownWaiting() noexcept;
@@ -112,8 +108,8 @@ private:
     void forEachOwned(Visit visit) noexcept;
 
     Roster roster_;
-    std::deque<RefCountedObject*> waiting_;  // to be taken down
-    ur::vector<Change> changes_;             // touched since the last settling
+    EntryQueue<&Entry::nextWaiting> waiting_{roster_};  // counted ones, to be taken down
+    EntryQueue<&Entry::nextChanged> changed_{roster_};  // touched since the last settling
     std::size_t bytes_ = 0;
     unsigned deferrals_ = 0;
     bool restoring_ = false;

@@ -23,6 +23,7 @@ void store(Record& record, std::byte* place, Content const& content) noexcept {
 
 void RecordStore::push(Object& subject, Content const& content, Hook hook, std::uint32_t formerStamp) {
     Content::expectStorable(content.data.size(), content.words.size());
+    expectToHold(content.words);
     // At least enough for the address of a content elsewhere.
     std::size_t const room = std::max(content.bytes(), sizeof(std::byte*));
     auto* const record = new (arena_.allocate(sizeof(Record) + room)) Record{};
@@ -33,7 +34,7 @@ void RecordStore::push(Object& subject, Content const& content, Hook hook, std::
     bytes_ += record->bytes();
     store(*record, record->behind(), content);
     core_.pin(subject);
-    keep(record->content().words);
+    hold(record->content().words);
 }
 
 void RecordStore::replaceUnlike(Record& record, Content const& content, std::byte* elsewhere) noexcept {
@@ -59,7 +60,13 @@ void RecordStore::release(Record& record) noexcept {
     drop(record);
 }
 
-void RecordStore::keep(std::span<std::uintptr_t> words) noexcept {
+void RecordStore::expectToHold(std::span<std::uintptr_t> words) {
+    visitKept(
+        words, [this](Object const& object, auto*) { core_.expectPin(object); },
+        [](void const* /*object*/, Holding const& /*how*/) {});
+}
+
+void RecordStore::hold(std::span<std::uintptr_t> words) noexcept {
     visitKept(
         words, [this](Object& object, auto*) { core_.pin(object); },
         [](void const* object, Holding const& how) { how.hold(object); });

@@ -14,23 +14,28 @@ namespace nxTXN::impl {
 struct Entry {
     Object* object;  // null once it has gone
 
-    std::uint32_t pins : 26;    // records that need it; the largest value stays for good
+    std::uint32_t pins : 25;    // records that need it; the largest value stays for good
     std::uint32_t counted : 1;  // it is a RefCountedObject, deleted by the manager
     std::uint32_t born : 1;     // made in a transaction whose undoing unmakes it
     std::uint32_t unborn : 1;   // its making is undone
     std::uint32_t dead : 1;     // its last reference has gone
     std::uint32_t told : 1;     // it knows that it is destroyed
-    std::uint32_t queued : 1;   // it waits in the list of its Lifetimes
+    std::uint32_t queued : 1;   // it is in one of the queues of its Lifetimes
+    std::uint32_t existed : 1;  // while it is among the changes: what it was before
 
     /// While it lives: the transaction that recorded it last. When dead: its bytes that count as history.
     std::uint32_t stamp;
 
-    static constexpr std::uint32_t mostPins = (1U << 26) - 1;
+    std::uint32_t nextWaiting;  // the index of the next object in the queue of that name, or none
+    std::uint32_t nextChanged;
+
+    static constexpr std::uint32_t mostPins = (1U << 25) - 1;
+    static constexpr std::uint32_t none = ~0U;
 
     [[nodiscard]] bool exists() const noexcept { return !unborn && !dead; }
     [[nodiscard]] bool extant() const noexcept { return object && exists(); }
 };
-static_assert(sizeof(Entry) == 16);
+static_assert(sizeof(Entry) == 24);
 
 /// All objects in the order in which they were made. An object knows its index.
 class Roster {

@@ -207,12 +207,11 @@ void Core::tellModified(Failures& failures) noexcept {
 
 bool Core::abort() {
     if (!mayEnd()) return false;
-    Level const level = levels_.back();
     Failures failures;
     {
         Busy const busy(*this);  // also while what the abort leaves behind is taken down
         Lifetimes::Deferral const deferral(lifetimes_);
-        if (level.keeps) collect(level, failures);
+        Level const level = std::move(levels_.back());
         levels_.pop_back();
         if (level.keeps) takeBack(level, failures);
     }
@@ -220,18 +219,20 @@ bool Core::abort() {
     return true;
 }
 
-void Core::collect(Level const& level, Failures& failures) {
+// The room for this was made when the records were.
+void Core::collect(Level const& level, Failures& failures) noexcept {
     work_.clear();
     records_.visit(level.begin, level.records, [&](Record& record) {
         HookPass pass;
-        if (record.subject) failures.run([&] { record.subject->onTransact(pass); });
+        if (record.subject && record.hooked) failures.run([&] { record.subject->onTransact(pass); });
         work_.push_back({&record, pass.restoreHook(), 0, 0, 0, 0, nullptr});
     });
     std::reverse(work_.begin(), work_.end());
 }
 
 // Goes on whatever fails: an abort must end with as much restored as can be.
-void Core::takeBack(Level const& level, Failures& failures) {
+void Core::takeBack(Level const& level, Failures& failures) noexcept {
+    collect(level, failures);
     for (Restoration const& item : work_) restore(item, item.record->content(), failures);
     std::uint32_t const birthsEnd = lifetimes_.roster().size();
     lifetimes_.setBirths(level.birthsBegin, birthsEnd, Lifetimes::Birth::undone);

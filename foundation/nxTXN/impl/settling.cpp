@@ -4,14 +4,15 @@
 
 namespace nxTXN::impl {
 
-void Lifetimes::note(Object& object) {
+void Lifetimes::note(Object& object) noexcept {
     Entry& entry = entryOf(object);
     if (entry.queued) return;
-    changes_.push_back({&object, entry.exists()});
     entry.queued = true;
+    entry.existed = entry.exists();
+    changed_.push(object.index_);
 }
 
-void Lifetimes::returned(Object& object) {
+void Lifetimes::returned(Object& object) noexcept {
     if (!object.core_) return;
     Lifetimes& lifetimes = object.core_->lifetimes();
     Entry& entry = lifetimes.entryOf(object);
@@ -41,27 +42,21 @@ bool Lifetimes::anyBorn(std::uint32_t begin) noexcept {
     return false;
 }
 
-// Nothing is noted while hooks run, since nothing is restored then; so the list stays as it is, except that objects
-// which go meanwhile are taken out of it.
+// Nothing is noted while hooks run, since nothing is restored then.
 void Lifetimes::tellChanges(Failures& failures) {
     Deferral const deferral(*this);
-    for (Change const& change : changes_) {
-        if (!change.object) continue;
-        Entry& entry = entryOf(*change.object);
-        if (entry.dead && static_cast<RefCountedObject*>(change.object)->references_ > 0) revive(entry);
+    changed_.forEach([this](Object& object) {
+        Entry& entry = entryOf(object);
+        if (entry.dead && static_cast<RefCountedObject&>(object).references_ > 0) revive(entry);
         entry.queued = false;  // what the hooks bring about may queue it again
-        pin(*change.object);
-    }
-    for (std::size_t i = 0; i < changes_.size(); ++i) {
-        Object* const object = changes_[i].object;
-        if (object && entryOf(*object).exists() != changes_[i].existed) {
-            failures.run([object] { object->onTxnExtant(); });
-        }
-    }
-    for (Change const& change : changes_) {
-        if (change.object) keepOrDrop(*change.object);
-    }
-    changes_.clear();
+        addPin(object);
+    });
+    changed_.forEach([this, &failures](Object& object) {
+        Entry const& entry = entryOf(object);
+        if (entry.exists() != entry.existed) failures.run([&object] { object.onTxnExtant(); });
+    });
+    changed_.forEach([this](Object& object) { keepOrDrop(object); });
+    changed_.clear();
 }
 
 void Lifetimes::keepOrDrop(Object& object) noexcept {

@@ -230,6 +230,17 @@ TEST_F(Lifetime, KeepsTrackOfObjectsThroughAnyNumberOfThem) {
     while (manager.redo()) {
     }
     for (auto const& node : kept) EXPECT_TRUE(node->isTxnExtant());
+    int const before = Node::alive;
+    for (int i = 0; i < 100; ++i) {  // also while others wait to be taken down
+        NodeReference const link = make("link");
+        link->setNext(root->next());
+        root->setNext(link);
+        link->onHook = [&](std::string const& hook) {
+            if (hook == "destroyed") makePassing(100);
+        };
+    }
+    root->setNext(nullptr);
+    EXPECT_EQ(Node::alive, before);
 }
 
 }  // namespace
