@@ -19,7 +19,26 @@ static void write(Writer& writer, nxSupport::MemberList<nxSupport::TxdProperty> 
     writer.writeData(&count, sizeof count);
     members.forEach([&writer](Object const& member) { writer.writePtr(&member); });
 }
+static nxSupport::TxdProperty* readMember(Reader& reader) {
+    return static_cast<nxSupport::TxdProperty*>(static_cast<Object*>(reader.readPtr()));
+}
+static bool readsAs(Reader& reader, nxSupport::MemberList<nxSupport::TxdProperty> const& members) {
+    std::uint32_t count = 0;
+    reader.readData(&count, sizeof count);
+    std::size_t slot = 0;
+    bool alike = true;
+    while (count-- > 0) {
+        nxSupport::TxdProperty const* const member = readMember(reader);
+        if (member) alike = alike && members.at(slot++) == member;
+    }
+    return alike && slot == members.slotCount();
+}
 static void read(Reader& reader, nxSupport::MemberList<nxSupport::TxdProperty>& members) {
+    Reader ahead = reader;
+    if (readsAs(ahead, members)) {  // needs no memory, as the list must not when only the value has changed
+        reader = ahead;
+        return;
+    }
     ur::vector<nxSupport::TxdProperty*> list;
     read(reader, list);
     std::erase(list, nullptr);  // those whose manager has gone
