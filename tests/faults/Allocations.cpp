@@ -7,9 +7,15 @@
 namespace {
 
 std::size_t left = 0;  // until the one that fails, which is number 1; none does at 0
+faults::Allocations::Then afterwards = faults::Allocations::Then::recover;
+bool exhausted = false;  // all fail
 std::ptrdiff_t blocks = 0;
 
-bool fails() noexcept { return left > 0 && --left == 0; }
+bool fails() noexcept {
+    if (left == 0 || --left > 0) return exhausted;
+    exhausted = afterwards == faults::Allocations::Then::fail;
+    return true;
+}
 
 /// Null counts as failed.
 template <class T>
@@ -26,8 +32,14 @@ void dropped(void const* block) noexcept {
 
 namespace faults {
 
-Allocations::Allocations(std::size_t failing) noexcept { left = failing + 1; }
-Allocations::~Allocations() { left = 0; }
+Allocations::Allocations(std::size_t failing, Then then) noexcept {
+    left = failing + 1;
+    afterwards = then;
+}
+Allocations::~Allocations() {
+    left = 0;
+    exhausted = false;
+}
 bool Allocations::failed() const noexcept {
     return left == 0;
 }  // NOLINT(readability-convert-member-functions-to-static)

@@ -9,8 +9,10 @@ namespace faults {
 /// asks of the C library. Several can be alive one after the other, never at once. One thread.
 class Allocations {
 public:
-    /// The allocation with this number, the first being 0, fails, and those after it succeed again.
-    explicit Allocations(std::size_t failing) noexcept;
+    enum class Then { recover, fail };
+
+    /// The allocation with this number, the first being 0, fails, and those after it as `then` says.
+    explicit Allocations(std::size_t failing, Then then = Then::recover) noexcept;
     Allocations(Allocations const&) = delete;
     Allocations& operator=(Allocations const&) = delete;
     ~Allocations();

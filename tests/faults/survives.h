@@ -22,12 +22,12 @@ bool succeeds(Story& story) {
 
 /// Whether an allocation was left to fail: the one with number `failing`.
 template <class Story>
-bool playFailing(std::size_t failing, std::string const& before, std::string const& after) {
+bool playFailing(std::size_t failing, Allocations::Then then, std::string const& before, std::string const& after) {
     Story story;
     bool succeeded = false;
     bool failed = false;
     {
-        Allocations const allocations(failing);
+        Allocations const allocations(failing, then);
         succeeded = succeeds(story);
         failed = allocations.failed();
     }
@@ -40,7 +40,8 @@ bool playFailing(std::size_t failing, std::string const& before, std::string con
     return failed;
 }
 
-/// Fails every allocation of `Story::act` in turn, in a new story each time: nothing crashes or leaks, the `state` is
+/// Fails every allocation of `Story::act` in turn, in a new story each time, first alone and then with all that follow
+/// until `act` ends: nothing crashes or leaks, the `state` is
 /// the one of before or of after, and a second try succeeds. `act` is false when it has failed.
 template <class Story>
 void survives() {
@@ -52,14 +53,17 @@ void survives() {
         ASSERT_TRUE(story.act());
         after = story.state();
     }
-    std::size_t failing = 0;
-    for (bool failed = true; failed && !testing::Test::HasFailure(); ++failing) {
-        auto const live = Allocations::live();
-        failed = playFailing<Story>(failing, before, after);
-        EXPECT_EQ(Allocations::live(), live) << "left behind or taken twice";
-        if (testing::Test::HasFailure()) ADD_FAILURE() << "when allocation " << failing << " fails";
+    for (auto const then : {Allocations::Then::recover, Allocations::Then::fail}) {
+        std::size_t failing = 0;
+        for (bool failed = true; failed && !testing::Test::HasFailure(); ++failing) {
+            playFailing<Story>(failing, then, before, after);  // makes what stays for good of a failure
+            auto const live = Allocations::live();
+            failed = playFailing<Story>(failing, then, before, after);
+            EXPECT_EQ(Allocations::live(), live) << "left behind or taken twice";
+            if (testing::Test::HasFailure()) ADD_FAILURE() << "when allocation " << failing << " fails";
+        }
+        EXPECT_GT(failing, 1U) << "nothing was allocated";
     }
-    EXPECT_GT(failing, 1U) << "nothing was allocated";
 }
 
 }  // namespace faults
