@@ -36,43 +36,37 @@ TEST(RegistryValue, IsEmptyForNothingUntilItsItemIsAskedFor) {
 }
 
 TEST(RegistryValue, CopiesAnyItemInAndOut) {
-    Stack given;
+    ur::vector<urString::CString> const texts{"a", "b"};
+    Stack given, written;
     {
         nxRFL::Writer writer(given);
-        nxRFL::write(writer, ur::vector<urString::CString>{"a", "b"});
+        nxRFL::write(writer, texts);
         writer.writeNull();
         writer.writeBool(true);
     }
     Reader reader(given);
-    Stack written;
     nxRFL::Writer writer(written);
+    RegistryValue value = valueOf(1.0);
     for (bool const expected : {true, false, true}) {
-        RegistryValue value = valueOf(1.0);
         nxRFL::read(reader, value);
-        EXPECT_EQ(static_cast<bool>(value), expected);
         nxRFL::write(writer, value);
         EXPECT_EQ(static_cast<bool>(value), expected);
     }
     Reader copies(written);
-    ur::vector<urString::CString> texts;
-    nxRFL::read(copies, texts);
-    EXPECT_EQ(texts, (ur::vector<urString::CString>{"a", "b"}));
+    ur::vector<urString::CString> read;
+    nxRFL::read(copies, read);
+    EXPECT_EQ(read, texts);
     copies.readNull();
     EXPECT_TRUE(copies.readBool());
-    RegistryValue value;
     EXPECT_THROW(nxRFL::read(copies, value), nxRFL::Exception);
 }
 
 TEST(Registry, TellsKeysWithoutAValueFromKeysThatAreMissing) {
     Registry registry;
-    EXPECT_FALSE(registry.hasKey("key"));
-    EXPECT_FALSE(registry.getKey("key"));
-    EXPECT_FALSE(registry.hasKey("key"));
+    EXPECT_FALSE(registry.getKey("key") || registry.hasKey("key"));
     registry.setKey("key", RegistryValue());
-    EXPECT_TRUE(registry.hasKey("key"));
-    EXPECT_FALSE(registry.getKey("key"));
     static_cast<void>(registry.getKey("key").getItem());
-    EXPECT_FALSE(registry.getKey("key"));
+    EXPECT_TRUE(registry.hasKey("key") && !registry.getKey("key"));
 }
 
 TEST(Registry, SharesValuesThatOutliveTheirKeysAndIsSeenThroughItsCopies) {
