@@ -7,7 +7,7 @@
 #include "foundation/ur/hashfunction.h"
 #include "foundation/urOS/IOStream.h"
 #include "support/services/Timeline.h"
-#include "tools/nxhost/required.h"
+#include "tools/nxhost/requireFunction.h"
 
 namespace nxhost {
 

@@ -6,7 +6,7 @@
 #include "support/services/DebugPrint.h"
 #include "support/services/PerfScope.h"
 #include "support/services/Timeline.h"
-#include "tools/nxhost/required.h"
+#include "tools/nxhost/requireFunction.h"
 
 namespace nxhost {
 

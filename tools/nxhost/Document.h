@@ -2,7 +2,6 @@
 #pragma once
 
 #include <map>
-#include <memory>
 
 #include "foundation/nxRFL/Database.h"
 #include "foundation/nxTXN/Manager.h"

@@ -1,12 +1,14 @@
 // Start-up, running and shut-down.
 #include "tools/nxhost/Host.h"
 
+#include <algorithm>
 #include <cstdio>
 
-#include "foundation/nxRFL/ExposeClass.h"
 #include "foundation/nxRFL/ExposeFunction.h"
 #include "foundation/urThread/Runnable.h"
-#include "plst/casts.h"
+#include "plst/Array.h"
+#include "plst/Dictionary.h"
+#include "plst/String.h"
 #include "script/initialize.h"
 #include "support/messaging/AppInitMsg.h"
 #include "support/messaging/InitializeLuaMsg.h"
@@ -15,7 +17,7 @@
 #include "support/services/Timeline.h"
 #include "tools/nxhost/Cache.h"
 #include "tools/nxhost/FileSink.h"
-#include "tools/nxhost/required.h"
+#include "tools/nxhost/requireFunction.h"
 
 namespace nxhost {
 
@@ -40,16 +42,6 @@ constexpr char const* prelude = R"lua(
 /// Calls a script with its arguments. What it returns nobody wants, so it need not be a value that can cross.
 constexpr char const* runner = "(...)(select(2, ...))";
 constexpr std::string_view runnerInTrace = "\n\tnxhost:1: in main chunk";
-
-/// What the table `host` holds beside its functions.
-constexpr struct {
-    char const* name;
-    char const* type;
-} values[] = {{"domain", "nxSupport::Domain"},
-              {"network", "nxNet::Manager"},
-              {"registry", "nxSupport::Registry"},
-              {"document", "nxhost::Document"},
-              {"cache", "urKRCache::Manager"}};
 
 /// A script's function that waits for its turn in the run queue.
 class Later final : public urThread::Runnable {
@@ -150,8 +142,8 @@ void Host::registerFunctions(nxRFL::Database& database) {
 void Host::openState(Options const& options) {
     state_ = std::make_unique<nxLC::State>(database_, options.library);
     loop_.interrupt().watch(state_.get());
-    give("domain", static_cast<nxSupport::Domain*>(&domain_));
-    give("network", static_cast<nxNet::Manager*>(&network_));
+    give<nxSupport::Domain>("domain", &domain_);
+    give<nxNet::Manager>("network", &network_);
     give("registry", &registry_);
     give("document", &document_);
     give("cache", &cache_);
@@ -165,12 +157,13 @@ void Host::openState(Options const& options) {
 }
 
 template <class T>
-void Host::give(char const* name, T const& value) {
+void Host::give(char const* name, T* object) {
     nxRFL::Stack arguments;
     nxRFL::Writer writer(arguments);
     writer.writeText(name);
-    nxRFL::write(writer, value);
+    nxRFL::write(writer, object);
     call("local name, value = ... host[name] = value", arguments);
+    values_.push_back({name, database_.nameOf(ur::TypeInfo::of<T>())});
 }
 
 void Host::call(char const* chunk, nxRFL::Stack const& arguments) {
@@ -183,16 +176,16 @@ CString Host::listing(nxRFL::ListingFormat format) const {
     bool const isJson = format == nxRFL::ListingFormat::json;
     if (isJson) text.erase(text.rfind('}')).append(",\"values\":[");
     char const* separator = "";
-    for (auto const& [name, type] : values) {
+    for (auto const& [name, type] : values_) {
         if (isJson) {
-            text += CString::format("%s{\"name\":\"host.%s\",\"type\":\"%s\"}", separator, name, type);
+            text += CString::format("%s{\"name\":\"host.%s\",\"type\":\"%s\"}", separator, name, type.c_str());
             separator = ",";
         } else if (format == nxRFL::ListingFormat::luaStubs) {
             CString className = type;
             className.replace("::", ".");
             text += CString::format("---@type %s\nhost.%s = nil\n", className.c_str(), name);
         } else {
-            text += CString::format("value %s host.%s\n", type, name);
+            text += CString::format("value %s host.%s\n", type.c_str(), name);
         }
     }
     if (isJson) text.append("]}\n");

@@ -1,8 +1,10 @@
 // The reference host.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -36,7 +38,6 @@ public:
 
     [[nodiscard]] Loop& loop() noexcept { return loop_; }
     [[nodiscard]] HostDomain& domain() noexcept { return domain_; }
-    [[nodiscard]] nxRFL::Database& database() noexcept { return database_; }
     [[nodiscard]] nxLC::State& state() noexcept { return *state_; }
     [[nodiscard]] Diagnostics const& diagnostics() const noexcept { return diagnostics_; }
     /// Everything that scripts see, with the values in the table `host`.
@@ -57,12 +58,18 @@ public:
     [[nodiscard]] int exitCode() noexcept;
 
 private:
+    /// What the table `host` holds beside its functions.
+    struct Value {
+        char const* name;
+        urString::CString type;
+    };
+
     void registerClasses(nxRFL::Database& database);
     void registerFunctions(nxRFL::Database& database);
     void startUp(Options const& options);
     void openState(Options const& options);
     template <class T>
-    void give(char const* name, T const& value);
+    void give(char const* name, T* object);
     void call(char const* chunk, nxRFL::Stack const& arguments);
 
     // For scripts.
@@ -73,6 +80,7 @@ private:
     void onCallbackError(nxRFL::Exception const& error);
 
     std::vector<std::string> const arguments_;
+    std::vector<Value> values_;
     std::optional<int> chosenCode_;
     bool failed_ = false;
 

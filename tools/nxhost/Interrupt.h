@@ -1,8 +1,6 @@
 // Ctrl-C and the request to terminate.
 #pragma once
 
-#include <sys/types.h>
-
 #include <csignal>
 
 namespace nxLC {

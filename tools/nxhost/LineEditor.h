@@ -6,8 +6,6 @@
 #include <memory>
 #include <string>
 
-struct lua_State;
-
 namespace nxLC {
 class State;
 }

@@ -1,8 +1,6 @@
 // The main loop.
 #pragma once
 
-#include <initializer_list>
-
 #include "foundation/urThread/RunQueue.h"
 #include "tools/nxhost/Interrupt.h"
 #include "tools/nxhost/Transfers.h"

@@ -20,13 +20,27 @@ struct Option {
     void (*set)(Options& options, std::string_view value);
 };
 
+/// Nothing for a text that is no number, or a negative one.
 template <class Number>
-Number numberIn(std::string_view text, std::string_view what) {
+std::optional<Number> parsed(std::string_view text) {
     Number value{};
     auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size() || !(value >= 0))
-        throw UsageError{std::string(what) + " takes a number, not " + std::string(text)};
-    return value;
+    bool const isWhole = error == std::errc() && end == text.data() + text.size();
+    return isWhole && value >= 0 ? std::optional(value) : std::nullopt;
+}
+
+[[noreturn]] void refuse(std::string_view text, std::string_view what, char const* wanted) {
+    throw UsageError{std::string(what) + " takes " + wanted + ", not " + std::string(text)};
+}
+
+std::uint64_t countIn(std::string_view text, std::string_view what) {
+    if (auto const count = parsed<std::uint64_t>(text)) return *count;
+    refuse(text, what, "a whole number");
+}
+
+double secondsIn(std::string_view text, std::string_view what) {
+    if (auto const seconds = parsed<double>(text)) return *seconds;
+    refuse(text, what, "a number of seconds, 0 for no limit");
 }
 
 /// Bytes: a number, or one with K, M or G behind it.
@@ -34,9 +48,10 @@ std::uint64_t sizeIn(std::string_view text, std::string_view what) {
     constexpr std::string_view units = "KMG";
     std::size_t const unit = text.empty() ? units.npos : units.find(text.back());
     unsigned const shift = unit == units.npos ? 0 : 10 * (static_cast<unsigned>(unit) + 1);
-    auto const count = numberIn<std::uint64_t>(text.substr(0, text.size() - (shift > 0 ? 1 : 0)), what);
-    if (count > UINT64_MAX >> shift) throw UsageError{std::string(what) + " takes less than " + std::string(text)};
-    return count << shift;
+    auto const count = parsed<std::uint64_t>(text.substr(0, text.size() - (shift > 0 ? 1 : 0)));
+    if (!count) refuse(text, what, "bytes, such as 65536 or 64K");
+    if (*count > UINT64_MAX >> shift) throw UsageError{std::string(what) + " takes less than " + std::string(text)};
+    return *count << shift;
 }
 
 constexpr Option options[] = {
@@ -54,15 +69,13 @@ constexpr Option options[] = {
          o.network.mayUseFiles = false;
      }},
     {"--instructions", "COUNT", "stop a script after COUNT thousand instructions",
-     [](Options& o, std::string_view value) {
-         o.limits.instructions = numberIn<std::uint64_t>(value, "--instructions");
-     }},
+     [](Options& o, std::string_view value) { o.limits.instructions = countIn(value, "--instructions"); }},
     {"--memory", "SIZE", "refuse a script more than SIZE bytes",
      [](Options& o, std::string_view value) { o.limits.memory = sizeIn(value, "--memory"); }},
     {"--cache", "SIZE", "keep at most SIZE bytes of resources (256M; 0: all)",
      [](Options& o, std::string_view value) { o.cacheLimit = sizeIn(value, "--cache"); }},
     {"--time", "SECONDS", "let a transfer take at most SECONDS",
-     [](Options& o, std::string_view value) { o.network.timeLimit = numberIn<double>(value, "--time"); }},
+     [](Options& o, std::string_view value) { o.network.timeLimit = secondsIn(value, "--time"); }},
     {"--allow", "SCHEME", "allow URLs of SCHEME beside http and https",
      [](Options& o, std::string_view value) { o.network.schemes.emplace_back(value); }},
     {"--authorities", "FILE", "trust the certificates in FILE instead of the system's",
@@ -91,7 +104,7 @@ constexpr struct {
 } exitCodes[] = {
     {"0", "done"},
     {"1", "the script failed, or a function that it left behind did"},
-    {"2", "wrong usage, or a file that cannot be read"},
+    {"2", "wrong usage, or a file that cannot be read or written"},
     {"130, 143", "ended by Ctrl-C, by the signal TERM"},
     {"other", "the script's choice: os.exit(code), host.exit(code)"},
 };
@@ -118,7 +131,7 @@ void printHelp() {
 
 /// Answers what asks about the program itself.
 bool answered(std::string_view word) {
-    if (word == "--help") {
+    if (word == "--help" || word == "-h") {
         printHelp();
     } else if (word == "--version") {
         std::puts("nxhost " NX_VERSION);
@@ -136,7 +149,7 @@ void readEnvironment(Options& result) {
     result.debugCodes = variable(nxSupport::EnvVar_Debug);
     result.scriptPath = variable(nxSupport::EnvVar_LuaPath);
     if (auto const text = variable(nxSupport::EnvVar_UndoLimit); !text.empty())
-        result.undoSteps = numberIn<std::size_t>(text, "NX_UNDO_LIMIT");
+        result.undoSteps = countIn(text, "NX_UNDO_LIMIT");
     if (auto const text = variable(nxSupport::EnvVar_UndoMemoryLimit); !text.empty())
         result.undoMemory = sizeIn(text, "NX_UNDO_MEMORY_LIMIT");
 }

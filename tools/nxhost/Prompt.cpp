@@ -1,8 +1,6 @@
 // Reading, evaluating, printing.
 #include "tools/nxhost/Prompt.h"
 
-#include <cstdio>
-
 #include "foundation/nxRFL/Writer.h"
 #include "support/services/Timeline.h"
 #include "tools/nxhost/Host.h"

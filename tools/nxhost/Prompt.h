@@ -1,8 +1,6 @@
 // Lua typed at a terminal.
 #pragma once
 
-#include <memory>
-#include <optional>
 #include <string>
 
 #include "foundation/nxRFL/Function.h"

@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <new>
 
 #include "foundation/urOS/AppOutput.h"
 #include "foundation/urOS/File.h"

@@ -1,4 +1,4 @@
-// Checks of what scripts pass.
+// Checking that a script passed a function.
 #pragma once
 
 #include "foundation/nxRFL/Exception.h"
