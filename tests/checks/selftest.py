@@ -49,7 +49,8 @@ class Planted(unittest.TestCase):
             "high/High.cpp": '#include "low/impl/Own.h"\n#include <absl/btree.h>\n#include "high/Absent.h"\n',
             "high/tests/high_test.cpp": '#include "side/Side.h"\n#include <gtest/gtest.h>\n',
             "tools/one/main.cpp": '#include "tools/one/One.h"\n#include "high/High.h"\n#include "low/impl/Own.h"\n',
-            "tools/one/One.h": '#include "tools/two/Two.h"\n', "tools/two/Two.h": ""})
+            "tools/one/One.h": '#include "tools/two/Two.h"\n#include "fuzz/help.h"\n', "tools/two/Two.h": "",
+            "tools/one/tests/one_fuzz.cpp": '#include "fuzz/help.h"\n', "fuzz/help.h": ""})
         self.assertEqual(self.told("check_layers", "modules.tsv"), [
             "high/CMakeLists.txt:1: high uses side, which is not entered before it",
             "high/High.cpp:1: low/impl/Own.h is private to low",
@@ -61,6 +62,7 @@ class Planted(unittest.TestCase):
             "low/Low.h:3: Eigen/Dense is not among PUBLIC_PACKAGES",
             "low/Low.h:4: low/impl/Own.h is private, but this header is public",
             "tools/one/One.h:1: tools/two/Two.h is not a public header",
+            "tools/one/One.h:2: fuzz/help.h is not a public header",
             "tools/one/main.cpp:3: low/impl/Own.h is not a public header"])
 
     def test_exports(self):

@@ -18,13 +18,10 @@
 namespace nxplist {
 namespace {
 
-constexpr int invalid = 1;
-constexpr int unusable = 2;
-
 /// `about` is put before messages that do not name the file themselves.
 void check(urUtil::Error const& error, std::string const& about = "") {
     if (error.ok()) return;
-    throw Failure{unusable, "nxplist: " + about + (about.empty() ? "" : ": ") + std::string(error.message())};
+    throw Failure{ExitCode::unusable, "nxplist: " + about + (about.empty() ? "" : ": ") + std::string(error.message())};
 }
 
 std::string inputName(std::string const& path) { return path == "-" ? "standard input" : path; }
@@ -99,7 +96,7 @@ void readJson(Document& document, urString::CString const& text, Losses losses) 
     if (!nxPLST::convertFromJSON(document.root, text, report)) {
         std::string message = located(document.name, report.location, report.reason.view());
         if (isatty(STDERR_FILENO) == 1) message += excerpt(text.view(), report.location);
-        throw Failure{invalid, message};
+        throw Failure{ExitCode::negative, message};
     }
     document.losses = report.lossCount;
     if (losses == Losses::told) tellLosses(document.name, report);
@@ -112,28 +109,21 @@ void readPackets(Document& document, urString::CString const& bytes) {
     check(stream.open(urOS::openRead));
     nxPLST::PacketReport report;
     if (nxPLST::read(stream, document.root, report)) return;
-    throw Failure{invalid, document.name + ": " + ioStatusText(report.status) + " (byte " +
-                               std::to_string(report.position) + ")"};
-}
-
-urString::CString textOf(Document const& document, Form form) {
-    if (form == Form::dump) return nxPLST::asJSON(document.root);
-    urString::CString text;
-    if (nxPLST::convertToJSON(text, document.root)) return text;
-    throw Failure{invalid, document.name +
-                               ": the tree has no strict JSON form: deeper than 127 levels, or a number "
-                               "that is not finite"};
+    throw Failure{ExitCode::negative, document.name + ": " + ioStatusText(report.status) + " (byte " +
+                                          std::to_string(report.position) + ")"};
 }
 
 void storeInto(urOS::IOStream& stream, Document const& document, std::string const& name, Form form) {
     if (form == Form::packets) {
         nxPLST::PacketReport report;
         if (!nxPLST::write(stream, document.root, report)) {
-            throw Failure{unusable, "nxplist: " + name + ": cannot write packets: " + ioStatusText(report.status)};
+            throw Failure{ExitCode::unusable,
+                          "nxplist: " + name + ": cannot write packets: " + ioStatusText(report.status)};
         }
         return;
     }
-    urString::CString const text = textOf(document, form);
+    urString::CString const text =
+        form == Form::dump ? nxPLST::asJSON(document.root) : strictJson(document.root, document.name);
     check(stream.write(text.data(), text.size()), name);
 }
 
@@ -163,6 +153,13 @@ void store(Document const& document, std::string const& path, Form form) {
     check(out.open(urString::IString(path.c_str())));
     storeInto(out, document, outputName(path), form);
     check(out.commit());
+}
+
+urString::CString strictJson(ur::Reference<nxPLST::Item const> const& item, std::string const& name) {
+    urString::CString text;
+    if (nxPLST::convertToJSON(text, item)) return text;
+    throw Failure{ExitCode::negative,
+                  name + ": no strict JSON holds it: deeper than 127 levels, or a number that is not finite"};
 }
 
 void printText(urString::CString const& text) {

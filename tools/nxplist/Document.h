@@ -33,6 +33,9 @@ Document load(std::string const& path, std::optional<Form> form, Losses losses =
 /// Writes `document` to the file at `path` as a whole or not at all, or to standard output for "-". Throws `Failure`.
 void store(Document const& document, std::string const& path, Form form);
 
+/// The strict JSON of an item out of the document of that name. Throws `Failure` when there is none.
+urString::CString strictJson(ur::Reference<nxPLST::Item const> const& item, std::string const& name);
+
 /// Writes text to standard output. Throws `Failure`.
 void printText(urString::CString const& text);
 

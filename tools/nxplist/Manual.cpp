@@ -15,23 +15,22 @@ constexpr std::string_view description =
     "are written whole or not at all.";
 
 constexpr CommandText commands[] = {
-    {"convert", "[FILE [OUTPUT]]", "write FILE in another form",
+    {"convert", "[FILE [OUTPUT]]", 0, 2, "write FILE in another form",
      "The form is that of --to, else the one that OUTPUT's ending names (.json, .nxp, .txt), else JSON for packets and "
      "packets for JSON. Without OUTPUT, or with \"-\", standard output is written. Packets hold texts and keys up to "
      "their first NUL character only."},
-    {"check", "[FILE...]", "tell whether each FILE can be read",
+    {"check", "[FILE...]", 0, anyNumber, "tell whether each FILE can be read",
      "Prints nothing for a good file. What reading drops (null members, repeated keys, integers that a double cannot "
      "hold) is told on standard error; with --strict it counts as invalid."},
-    {"print", "[FILE]", "print FILE as indented JSON, or as --to says", ""},
-    {"stat", "[FILE]", "print counts by kind, depth, bytes in memory and the largest subtrees",
+    {"print", "[FILE]", 0, 1, "print FILE as indented JSON, or as --to says", ""},
+    {"stat", "[FILE]", 0, 1, "print counts by kind, depth, bytes in memory and the largest subtrees",
      "An item in several places counts once, where it comes first."},
-    {"get", "FILE PATH", "print the value at PATH, such as .countries[3].name",
-     "A key that is not made of letters, digits, \"_\" and \"-\" is written in double quotes: .\"two words\"[0]. The "
-     "path "
-     "\".\" is the whole tree; [-1] is the last element."},
-    {"same", "FILE FILE", "tell by the exit code whether two files hold the same tree",
+    {"get", "FILE PATH", 2, 2, "print the value at PATH, such as .countries[3].name",
+     "A key that is not made of letters, digits, \"_\" and \"-\" is written in double quotes: .\"two words\"[0]. "
+     "The path \".\" is the whole tree; [-1] is the last element."},
+    {"same", "FILE FILE", 2, 2, "tell by the exit code whether two files hold the same tree",
      "With --shape only kinds, sizes and keys are compared."},
-    {"diff", "FILE FILE", "print every path at which two files differ", ""},
+    {"diff", "FILE FILE", 2, 2, "print every path at which two files differ", ""},
 };
 
 constexpr OptionText options[] = {
@@ -47,9 +46,9 @@ constexpr OptionText options[] = {
 constexpr struct {
     int code;
     std::string_view meaning;
-} exitCodes[] = {{0, "done; the trees are the same"},
-                 {1, "invalid input, a value that is not there, or trees that differ"},
-                 {2, "wrong usage, or a file that cannot be read or written"}};
+} exitCodes[] = {{ExitCode::done, "done; the trees are the same"},
+                 {ExitCode::negative, "invalid input, a value that is not there, or trees that differ"},
+                 {ExitCode::unusable, "wrong usage, or a file that cannot be read or written"}};
 
 void put(std::FILE* out, std::string_view text) { std::fwrite(text.data(), 1, text.size(), out); }
 

@@ -1,14 +1,27 @@
 // The one description of the program, from which help, manual page and shell completion are made.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <string_view>
 
 namespace nxplist {
 
+/// What the program ends with.
+struct ExitCode {
+    static constexpr int done = 0;
+    static constexpr int negative = 1;  ///< differs, invalid, not there
+    static constexpr int unusable = 2;
+};
+
+constexpr std::size_t anyNumber = SIZE_MAX;
+
 struct CommandText {
     std::string_view name;
     std::string_view arguments;
+    std::size_t least;  // how many arguments it takes
+    std::size_t most;
     std::string_view summary;
     std::string_view details;
 };

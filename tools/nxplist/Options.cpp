@@ -39,12 +39,10 @@ void set(Options& options, OptionText const& option, std::string_view value) {
     if (option.name == "--strict") options.strict = true;
 }
 
-void checkFileCount(Options const& options) {
-    std::string_view const name = options.command->name;
-    std::size_t const least = name == "same" || name == "diff" || name == "get" ? 2 : 0;
-    std::size_t const most = name == "check" ? options.files.size() : name == "print" || name == "stat" ? 1 : 2;
-    if (options.files.size() >= least && options.files.size() <= most) return;
-    throw UsageError{std::string(name) + " takes " + std::string(options.command->arguments)};
+void checkFileCount(CommandText const& command, std::size_t count) {
+    if (count >= command.least && count <= command.most) return;
+    throw UsageError{std::string(command.name) + " takes " + std::string(command.arguments) + ", not " +
+                     std::to_string(count) + (count == 1 ? " argument" : " arguments")};
 }
 
 }  // namespace
@@ -80,7 +78,7 @@ Options readOptions(int argc, char const* const* argv) {
         set(options, *option, value);
     }
     options.command = command;
-    checkFileCount(options);
+    checkFileCount(*command, options.files.size());
     return options;
 }
 

@@ -91,7 +91,7 @@ private:
 
 std::string stepText(Path::value_type const& step) {
     if (auto const* key = std::get_if<std::string>(&step)) return keyText(*key);
-    return "[" + std::to_string(std::get<long>(step)) + "]";
+    return indexText(std::get<long>(step));
 }
 
 ItemIn child(ItemIn const& item, Path::value_type const& step) {
@@ -140,6 +140,6 @@ std::string keyText(std::string_view key) {
     return text + '"';
 }
 
-std::string indexText(std::size_t index) { return "[" + std::to_string(index) + "]"; }
+std::string indexText(long index) { return "[" + std::to_string(index) + "]"; }
 
 }  // namespace nxplist

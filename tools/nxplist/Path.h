@@ -23,6 +23,6 @@ ur::Reference<nxPLST::Item const> follow(ur::Reference<nxPLST::Item const> root,
 /// `.key`, quoted where a bare key would not read back.
 std::string keyText(std::string_view key);
 /// `[index]`.
-std::string indexText(std::size_t index);
+std::string indexText(long index);
 
 }  // namespace nxplist

@@ -10,7 +10,7 @@
 
 namespace nxplist {
 
-/// What a tree consists of. A shared item counts as often as it is held.
+/// What a tree consists of. A shared item counts once, in the first container that holds it.
 struct Statistics {
     struct Subtree {
         std::string path;

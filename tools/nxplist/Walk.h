@@ -27,7 +27,9 @@ public:
         return dictionary() ? entry_->second.get() : elements()[index_].get();
     }
     /// The last step of the path to the child.
-    [[nodiscard]] std::string step() const { return dictionary() ? keyText(key().view()) : indexText(index_); }
+    [[nodiscard]] std::string step() const {
+        return dictionary() ? keyText(key().view()) : indexText(static_cast<long>(index_));
+    }
     /// Of a dictionary's child only.
     [[nodiscard]] urString::CString const& key() const { return entry_->first; }
     void next() {

@@ -1,9 +1,10 @@
 // nxplist: property lists on the command line.
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <new>
 
 #include "plst/casts.h"
-#include "plst/json.h"
 #include "tools/nxplist/Comparison.h"
 #include "tools/nxplist/Document.h"
 #include "tools/nxplist/Options.h"
@@ -12,10 +13,6 @@
 
 namespace nxplist {
 namespace {
-
-constexpr int done = 0;
-constexpr int negative = 1;  // differs, invalid, not there
-constexpr int unusable = 2;
 
 std::string fileOr(Options const& options, std::size_t index, char const* otherwise) {
     return index < options.files.size() ? options.files[index] : otherwise;
@@ -33,15 +30,15 @@ int convert(Options const& options) {
     std::string const output = fileOr(options, 1, "-");
     Document const document = load(fileOr(options, 0, "-"), options.from, Losses::told);
     store(document, output, formFor(options, output, document.form));
-    return done;
+    return ExitCode::done;
 }
 
 int check(Options const& options) {
-    int result = done;
+    int result = ExitCode::done;
     auto const checkOne = [&](std::string const& file) {
         try {
             if (load(file, options.from, Losses::told).losses > 0 && options.strict)
-                result = std::max(result, negative);
+                result = std::max(result, ExitCode::negative);
         } catch (Failure const& failure) {
             std::fprintf(stderr, "%s\n", failure.message.c_str());
             result = std::max(result, failure.exitCode);
@@ -54,7 +51,7 @@ int check(Options const& options) {
 
 int print(Options const& options) {
     store(load(fileOr(options, 0, "-"), options.from), "-", options.to.value_or(Form::json));
-    return done;
+    return ExitCode::done;
 }
 
 int stat(Options const& options) {
@@ -64,7 +61,8 @@ int stat(Options const& options) {
     Statistics const statistics = document.root ? statisticsOf(*document.root, largestShown) : Statistics();
     auto const number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
     std::printf("form          %s\n", document.form == Form::json ? "json" : "packets");
-    for (int type = 0; type < 5; ++type) std::printf("%-13s %llu\n", names[type], number(statistics.countByType[type]));
+    for (std::size_t type = 0; type < std::size(names); ++type)
+        std::printf("%-13s %llu\n", names[type], number(statistics.countByType[type]));
     std::printf("keys          %llu\ndepth         %llu\nbytes         %llu\n", number(statistics.keys),
                 number(statistics.depth), number(statistics.bytes));
     if (!statistics.largest.empty()) std::puts("largest subtrees:");
@@ -72,7 +70,7 @@ int stat(Options const& options) {
         std::printf("  %12llu bytes %9llu items  %s\n", number(subtree.bytes), number(subtree.items),
                     subtree.path.c_str());
     }
-    return done;
+    return ExitCode::done;
 }
 
 int get(Options const& options) {
@@ -81,26 +79,20 @@ int get(Options const& options) {
     if (!path) throw UsageError{error};
     Document document = load(options.files[0], options.from);
     auto const value = follow(document.root, *path, error);
-    if (!value) throw Failure{negative, document.name + ": " + error};
-    urString::CString text;
-    auto const string = nxPLST::asString(value);
-    if (options.raw && string) {
-        text = string->value() + "\n";
-    } else if (!nxPLST::convertToJSON(text, value)) {
-        throw Failure{negative, document.name + ": the value has no strict JSON form"};
-    }
-    printText(text);
-    return done;
+    if (!value) throw Failure{ExitCode::negative, document.name + ": " + error};
+    auto const string = options.raw ? nxPLST::asString(value) : nullptr;
+    printText(string ? string->value() + "\n" : strictJson(value, document.name));
+    return ExitCode::done;
 }
 
 int same(Options const& options) {
     auto const first = load(options.files[0], options.from).root;
     auto const second = load(options.files[1], options.from).root;
-    if (!first || !second) return first == second ? done : negative;
-    if (options.shape) return first->congruent(*second) ? done : negative;
-    int result = done;
+    if (!first || !second) return first == second ? ExitCode::done : ExitCode::negative;
+    if (options.shape) return first->congruent(*second) ? ExitCode::done : ExitCode::negative;
+    int result = ExitCode::done;
     compareTrees(first.get(), second.get(), [&](std::string const&) {
-        result = negative;
+        result = ExitCode::negative;
         return false;
     });
     return result;
@@ -109,9 +101,9 @@ int same(Options const& options) {
 int diff(Options const& options) {
     auto const first = load(options.files[0], options.from).root;
     auto const second = load(options.files[1], options.from).root;
-    int result = done;
+    int result = ExitCode::done;
     compareTrees(first.get(), second.get(), [&](std::string const& line) {
-        result = negative;
+        result = ExitCode::negative;
         std::printf("%s\n", line.c_str());
         return true;
     });
@@ -125,18 +117,18 @@ constexpr struct {
                {"get", get},         {"same", same},   {"diff", diff}};
 
 int run(Options const& options) {
-    if (!options.command) return done;
+    if (!options.command) return ExitCode::done;
     for (auto const& runner : runners) {
         if (runner.name == options.command->name) return runner.run(options);
     }
-    return unusable;
+    return ExitCode::unusable;
 }
 
 /// What was printed may still be in the buffer, and the disk full.
 int flushed(int exitCode) {
     if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return exitCode;
     std::fprintf(stderr, "nxplist: cannot write to standard output\n");
-    return unusable;
+    return ExitCode::unusable;
 }
 
 }  // namespace
@@ -148,12 +140,12 @@ int main(int argc, char** argv) {
         return flushed(run(readOptions(argc, argv)));
     } catch (UsageError const& error) {
         std::fprintf(stderr, "nxplist: %s (nxplist --help tells more)\n", error.message.c_str());
-        return unusable;
+        return ExitCode::unusable;
     } catch (Failure const& failure) {
         std::fprintf(stderr, "%s\n", failure.message.c_str());
         return failure.exitCode;
     } catch (std::bad_alloc const&) {
         std::fprintf(stderr, "nxplist: out of memory\n");
-        return unusable;
+        return ExitCode::unusable;
     }
 }

@@ -6,11 +6,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
+#include "fuzz/require.h"
 #include "tools/nxplist/Comparison.h"
 #include "tools/nxplist/Document.h"
 #include "tools/nxplist/Path.h"
@@ -19,12 +18,6 @@
 namespace {
 
 using nxplist::Path;
-
-void require(bool holds, char const* what) {
-    if (holds) return;
-    std::fprintf(stderr, "broken: %s\n", what);
-    std::abort();
-}
 
 /// The input as a file that is found by its name.
 class MemoryFile {
@@ -51,18 +44,20 @@ void checkPath(std::string_view text, ur::Reference<nxPLST::Item const> const& r
     std::string spelled;
     for (auto const& step : *path) {
         auto const* key = std::get_if<std::string>(&step);
-        spelled += key ? nxplist::keyText(*key) : "[" + std::to_string(std::get<long>(step)) + "]";
+        spelled += key ? nxplist::keyText(*key) : nxplist::indexText(std::get<long>(step));
     }
     require(nxplist::parsePath(spelled.empty() ? "." : spelled, error) == path, "a path can be spelled out");
     bool const found = nxplist::follow(root, *path, error) != nullptr;
     require(found || !root || !error.empty(), "what is not there is named");
 }
 
+bool unexpected(std::string const& difference) {
+    require(false, difference.c_str());
+    return false;
+}
+
 void checkTree(ur::Reference<nxPLST::Item> const& root) {
-    nxplist::compareTrees(root.get(), root.get(), [](std::string const& line) {
-        require(false, line.c_str());
-        return false;
-    });
+    nxplist::compareTrees(root.get(), root.get(), unexpected);
     if (!root) return;
     require(!nxplist::brief(root.get()).empty(), "a value has a short form");
     auto const statistics = nxplist::statisticsOf(*root, 3);
@@ -70,10 +65,7 @@ void checkTree(ur::Reference<nxPLST::Item> const& root) {
     for (auto const count : statistics.countByType) items += count;
     require(items > 0 && statistics.largest.size() <= 3, "every item is counted");
     auto const copy = root->clone();
-    nxplist::compareTrees(root.get(), copy.get(), [](std::string const& line) {
-        require(false, line.c_str());
-        return false;
-    });
+    nxplist::compareTrees(root.get(), copy.get(), unexpected);
 }
 
 }  // namespace
