@@ -187,12 +187,10 @@ int main() {
         // [change]
 
         std::puts("--- in the end");
-        // [tell]
         urKRCache::Statistics const counts = cache.statistics();
         std::printf("%d keys, %zu builds, %zu dropped for the limit, %zu paged out, %zu back in\n", cache.numKeys(),
                     counts.builds, counts.clearedForLimit, counts.pagesOut, counts.pagesIn);
         cache.printDependencies(urOS::AppOutput::getInstance());
-        // [tell]
     }
     std::filesystem::remove_all(folder);
     return 0;
