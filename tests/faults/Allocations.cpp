@@ -40,14 +40,12 @@ Allocations::~Allocations() {
     left = 0;
     exhausted = false;
 }
-bool Allocations::failed() const noexcept {
-    return left == 0;
-}  // NOLINT(readability-convert-member-functions-to-static)
+bool Allocations::failed() const noexcept { return left == 0; }
 std::ptrdiff_t Allocations::live() noexcept { return blocks; }
 
 }  // namespace faults
 
-// NOLINTBEGIN(bugprone-reserved-identifier): the names that the linker makes of --wrap
+// The names are those that the linker makes of --wrap.
 extern "C" {
 void* __real_malloc(std::size_t bytes);
 void* __real_calloc(std::size_t count, std::size_t bytes);
@@ -82,7 +80,6 @@ void __wrap__ZN2ur14deallocateNodeEPvm(void* node, std::size_t bytes) {
     __real__ZN2ur14deallocateNodeEPvm(node, bytes);
 }
 }
-// NOLINTEND(bugprone-reserved-identifier)
 
 // All forms, since sanitizers have their own of each.
 void* operator new(std::size_t bytes) {

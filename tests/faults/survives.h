@@ -41,8 +41,8 @@ bool playFailing(std::size_t failing, Allocations::Then then, std::string const&
 }
 
 /// Fails every allocation of `Story::act` in turn, in a new story each time, first alone and then with all that follow
-/// until `act` ends: nothing crashes or leaks, the `state` is
-/// the one of before or of after, and a second try succeeds. `act` is false when it has failed.
+/// until `act` ends: nothing crashes or leaks, the `state` is the one of before or of after, and a second try succeeds.
+/// `act` is false when it has failed.
 template <class Story>
 void survives() {
     std::string before;
