@@ -1,5 +1,5 @@
--- Edits, undo, scripts, transfers and cache churn together, for as long as the argument says in seconds: memory and
--- handles must stay as they are once everything has been in use for a while.
+-- Edits, undo, scripts, transfers and cache churn together: memory and handles must stay as they are once everything has
+-- been in use for a while. The last two arguments are for how many seconds, and by how many KiB the process may grow.
 local net = require "fetch"
 local resident = require "resident"
 local document, cache = host.document, host.cache

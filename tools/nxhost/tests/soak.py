@@ -1,9 +1,6 @@
 #!/usr/bin/env -S python3 -B
-"""Makes many connections in turn and looks for what they leave behind; with --seconds, does everything together.
-
-usage: soak.py NXHOST [COUNT [KIBIBYTES]]
-       soak.py --seconds SECONDS NXHOST [KIBIBYTES]
-"""
+"""Makes many connections in turn and looks for what they leave behind; with --seconds, does everything together."""
+import argparse
 import subprocess
 import sys
 from pathlib import Path
@@ -12,13 +9,15 @@ from run import environment
 from server import Server
 
 here = Path(__file__).resolve().parent
-if sys.argv[1] == "--seconds":
-    script, options = "churn.lua", ["--cache", "256K"]
-    amount, nxhost, *more = sys.argv[2:]
-else:
-    script, options = "soak.lua", []
-    nxhost, amount, *more = sys.argv[1:] + ["10000"][len(sys.argv) - 2:]
-growth = more[0] if more else "4096"
+parser = argparse.ArgumentParser(description=__doc__)
+parser.add_argument("nxhost")
+parser.add_argument("--count", default="10000", help="how many connections")
+parser.add_argument("--seconds", help="for how long to do everything together")
+parser.add_argument("--growth", default="4096", help="by how many KiB the process may grow")
+words = parser.parse_args()
+script, options, amount = "soak.lua", [], words.count
+if words.seconds:
+    script, options, amount = "churn.lua", ["--cache", "256K"], words.seconds
 with Server() as server:
-    sys.exit(subprocess.run([nxhost, *options, here / script, server.url, "", "", amount, growth],
+    sys.exit(subprocess.run([words.nxhost, *options, here / script, server.url, "", "", amount, words.growth],
                             env=environment()).returncode)

@@ -5,6 +5,7 @@ import os
 import pty
 import select
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -158,11 +159,10 @@ def signals(_):
     silent = """
         local connection = host.network:createConnection()
         local request = host.network:createRequest()
-        request.url = arg[1] or 'http://127.0.0.1:%d/'
+        request.url = 'http://127.0.0.1:%d/'
         connection:setRequest(request)
         connection:setStatusFunc(function() print 'there' end)
         connection:start() """
-    import socket
     with socket.create_server(("127.0.0.1", 0)) as server:
         silent %= server.getsockname()[1]
         signalled(silent, signal.SIGINT, 130, "")
