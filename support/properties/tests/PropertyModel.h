@@ -65,26 +65,20 @@ public:
     static bool isReplaced(int value) { return value % 100 == 20; }
     void addValidator(int property) { validating_.insert(property); }
 
-    void begin() { levels_.emplace_back(); }
+    void begin() { isOpen = true; }
     void commit() {
-        Step inner = std::move(levels_.back());
-        levels_.pop_back();
-        if (!levels_.empty()) {
-            for (auto const& [object, state] : inner.records) keep(object, state);
-            levels_.back().births.insert(inner.births.begin(), inner.births.end());
-        } else if (!inner.records.empty()) {
-            past.push_back(std::move(inner));
-            future.clear();
-        }
+        isOpen = false;
+        if (present_.records.empty()) return;
+        past.push_back(std::exchange(present_, {}));
+        future.clear();
     }
     void abort() {
-        Step step = std::move(levels_.back());
-        levels_.pop_back();
-        exchange(step, Direction::back);
+        isOpen = false;
+        exchange(present_, Direction::back);
+        present_ = {};
     }
     void undo() { turn(past, future, Direction::back); }
     void redo() { turn(future, past, Direction::forth); }
-    [[nodiscard]] std::size_t depth() const { return levels_.size(); }
 
     [[nodiscard]] int value(int property) const { return states_.at(states_.at(property).data).value; }
     [[nodiscard]] bool extant(int property) const { return unborn_.count(property) == 0; }
@@ -103,8 +97,8 @@ public:
         std::vector<std::pair<int, State>> records;
         std::set<int> births;
     };
-    std::vector<Step> past;
-    std::vector<Step> future;
+    std::vector<Step> past, future;
+    bool isOpen = false;  // a transaction that gathers the next step
 
 private:
     enum class Direction { back, forth };
@@ -132,8 +126,7 @@ private:
 
     int make(Kind kind) {
         states_[++newest_] = {};
-        if (kind == transacted) transacted_.insert(newest_);
-        if (kind == transacted) levels_.back().births.insert(newest_);
+        if (kind == transacted) transacted_.insert(newest_), present_.births.insert(newest_);
         return newest_;
     }
     int makeData(Kind kind, int value = 0) {
@@ -159,12 +152,10 @@ private:
     }
 
     void record(int object) {
-        if (isTransacted(object)) keep(object, states_[object]);
-    }
-    void keep(int object, State const& state) {
-        auto& records = levels_.back().records;
         auto const same = [object](auto const& kept) { return kept.first == object; };
-        if (std::none_of(records.begin(), records.end(), same)) records.emplace_back(object, state);
+        auto& records = present_.records;
+        if (!isTransacted(object) || std::any_of(records.begin(), records.end(), same)) return;
+        records.emplace_back(object, states_[object]);
     }
 
     void store(int property, int value) {
@@ -255,7 +246,7 @@ private:
     std::set<int> unborn_;
     std::set<int> validating_;
     std::map<int, std::pair<int, int>> links_;  // the transacted and the untransacted data, or 0 once it has ended
-    std::vector<Step> levels_;
+    Step present_;
     std::string told_;
 };
 

@@ -43,7 +43,6 @@ public:
 private:
     using Kind = PropertyModel::Kind;
     static constexpr std::size_t mostProperties = 24;
-    static constexpr std::size_t mostLevels = 3;
 
     void act() {
         bool const full = properties_.size() == mostProperties;
@@ -123,33 +122,33 @@ private:
 
     template <class Action>
     void inTransaction(Action action) {
-        bool const own = model_.depth() == 0;
+        bool const own = !model_.isOpen;
         if (own) begin();
         action();
         if (own) commit();
     }
     void begin() {
-        if (model_.depth() == mostLevels) return;
+        if (model_.isOpen) return;
         model_.begin();
         manager_.begin("step");
     }
     void commit() {
-        expect(manager_.commit() == (model_.depth() > 0), "another result of commit");
-        if (model_.depth() > 0) model_.commit();
+        expect(manager_.commit() == model_.isOpen, "another result of commit");
+        if (model_.isOpen) model_.commit();
         trim();
     }
     void abort() {
-        expect(manager_.abort() == (model_.depth() > 0), "another result of abort");
-        if (model_.depth() > 0) model_.abort();
+        expect(manager_.abort() == model_.isOpen, "another result of abort");
+        if (model_.isOpen) model_.abort();
     }
     void turn(bool (nxTXN::Manager::*real)(), void (PropertyModel::*plain)(),
               std::vector<PropertyModel::Step> const& steps) {
-        bool const can = model_.depth() == 0 && !steps.empty();
+        bool const can = !model_.isOpen && !steps.empty();
         expect((manager_.*real)() == can, "another result of undo or redo");
         if (can) (model_.*plain)();
     }
     void limit() {
-        if (model_.depth() > 0) return;
+        if (model_.isOpen) return;
         limit_ = pick(20);
         manager_.setStepLimit(limit_);
         trim();
