@@ -11,6 +11,26 @@ using nxSupport::Prop;
 using nxSupport::Property;
 using nxTXN::Transaction;
 
+namespace {
+
+void saveAndLoad(nxTXN::Manager& document, Prop<BoundedDouble> const& radius, Prop<BoundedDouble> const& other) {
+    // [save]
+    nxSupport::PropertySet panel;
+    panel.insert(radius.pty());
+    panel.insert(other.pty());
+    auto const saved = nxSupport::saveValues(panel);
+    saved->insert("unknown", ur::make<nxPLST::Double>(1));
+    {
+        Transaction transaction(document, "Load");
+        nxSupport::LoadReport const report = nxSupport::loadValues(panel, *saved);
+        for (auto const& name : report.extra) std::printf("no property %s\n", name.c_str());
+        transaction.commit();
+    }
+    // [save]
+}
+
+}  // namespace
+
 int main() {
     // [share]
     nxTXN::Manager document;
@@ -64,18 +84,6 @@ int main() {
     std::printf("%g and %g again\n", radius.get().value(), other.get().value());
     // [join]
 
-    // [save]
-    nxSupport::PropertySet panel;
-    panel.insert(radius.pty());
-    panel.insert(other.pty());
-    auto const saved = nxSupport::saveValues(panel);
-    saved->insert("unknown", ur::make<nxPLST::Double>(1));
-    {
-        Transaction transaction(document, "Load");
-        nxSupport::LoadReport const report = nxSupport::loadValues(panel, *saved);
-        for (auto const& name : report.extra) std::printf("no property %s\n", name.c_str());
-        transaction.commit();
-    }
-    // [save]
+    saveAndLoad(document, radius, other);
     return 0;
 }

@@ -111,6 +111,7 @@ ItemIn child(ItemIn const& item, Path::value_type const& step) {
 std::optional<Path> parsePath(std::string_view text, std::string& error) { return PathReader(text, error).read(); }
 
 ItemIn follow(ItemIn root, Path const& path, std::string& error) {
+    if (!root) error = "nothing at .";
     std::string reached;
     for (auto const& step : path) {
         ItemIn next = child(root, step);
