@@ -30,7 +30,7 @@ std::optional<Number> parsed(std::string_view text) {
 }
 
 [[noreturn]] void refuse(std::string_view text, std::string_view what, char const* wanted) {
-    throw UsageError{std::string(what) + " takes " + wanted + ", not " + std::string(text)};
+    throw UsageError{std::string(what) + " takes " + wanted + ", not \"" + std::string(text) + "\""};
 }
 
 std::uint64_t countIn(std::string_view text, std::string_view what) {

@@ -15,10 +15,20 @@ struct Library {
     ~Library() { curl_global_cleanup(); }
 };
 
+/// Otherwise all requests were refused for it, whatever their scheme.
+void checkSchemes(std::vector<std::string> const& schemes) {
+    std::unique_ptr<CURL, Release<&curl_easy_cleanup>> const handle(curl_easy_init());
+    for (std::string const& scheme : schemes) {
+        if (curl_easy_setopt(handle.get(), CURLOPT_PROTOCOLS_STR, scheme.c_str()) != CURLE_OK)
+            throw UsageError{"--allow takes a scheme that libcurl knows, not \"" + scheme + "\""};
+    }
+}
+
 }  // namespace
 
 Transfers::Transfers(NetworkOptions const& options) : options_(options) {
     static Library const library;
+    checkSchemes(options.schemes);
     multi_ = curl_multi_init();
     if (!multi_) throw std::bad_alloc();
     constexpr long mostConnections = 256;  // further transfers wait

@@ -18,6 +18,7 @@ class Connection;
 /// the main loop once more from inside. What it throws leaves `advance`, and the rest is told by the next one.
 class Transfers {
 public:
+    /// Throws `UsageError` for an allowed scheme that there is not.
     explicit Transfers(NetworkOptions const& options);
     Transfers(Transfers const&) = delete;
     Transfers& operator=(Transfers const&) = delete;
