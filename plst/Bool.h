@@ -10,7 +10,7 @@ class NX_API Bool final : public Item {
 public:
     Bool() noexcept : Bool(false) {}
     explicit Bool(bool value) noexcept : Item(BoolType), value_(value) {}
-    ~Bool() override;
+    ~Bool() override = default;
 
     [[nodiscard]] bool value() const noexcept { return value_; }
     void set(bool value) noexcept { value_ = value; }

@@ -10,7 +10,7 @@ class NX_API Double final : public Item {
 public:
     Double() noexcept : Double(0.0) {}
     explicit Double(double value) noexcept : Item(DoubleType), value_(value) {}
-    ~Double() override;
+    ~Double() override = default;
 
     [[nodiscard]] double value() const noexcept { return value_; }
     void set(double value) noexcept { value_ = value; }

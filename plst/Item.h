@@ -39,7 +39,7 @@ protected:
     explicit Item(Type type) noexcept : type_(type) {}
     Item(Item const& other) noexcept = default;
     Item& operator=(Item const& /*other*/) noexcept { return *this; }
-    ~Item() override;
+    ~Item() override = default;
 
 private:
     [[nodiscard]] virtual ur::Reference<Item> onClone() const = 0;

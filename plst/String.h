@@ -1,6 +1,8 @@
 // The item that holds a text.
 #pragma once
 
+#include <concepts>
+#include <string_view>
 #include <utility>
 
 #include "foundation/urString/CString.h"
@@ -13,7 +15,10 @@ class NX_API String final : public Item {
 public:
     explicit String(urString::CString const& value) : Item(StringType), value_(value) {}
     explicit String(urString::CString&& value) noexcept : Item(StringType), value_(std::move(value)) {}
-    ~String() override;
+    /// A view as it is; what only converts to one makes a CString.
+    template <std::same_as<std::string_view> View>
+    explicit String(View value) : Item(StringType), value_(value) {}
+    ~String() override = default;
 
     [[nodiscard]] urString::CString const& value() const noexcept { return value_; }
     void set(urString::CString const& value) { value_ = value; }

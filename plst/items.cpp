@@ -11,16 +11,12 @@
 
 namespace nxPLST {
 
-Item::~Item() = default;
 bool Item::onCongruent(Item const& other) const { return typeid(*this) == typeid(other); }
 
-Bool::~Bool() = default;
 ur::Reference<Item> Bool::onClone() const { return ur::make<Bool>(value_); }
 
-Double::~Double() = default;
 ur::Reference<Item> Double::onClone() const { return ur::make<Double>(value_); }
 
-String::~String() = default;
 ur::Reference<Item> String::onClone() const { return ur::make<String>(value_); }
 
 Array::~Array() { impl::dismantle(array_); }

@@ -89,8 +89,7 @@ public:
         insert(first, last);
     }
     BlockMap(BlockMap const& other) : BlockMap() {
-        reserve(other.size());
-        for (auto const& [key, value] : other) emplaceLast(key, value);
+        copyWith(other, [](Value const& value) -> Value const& { return value; });
     }
     BlockMap(BlockMap&& other) noexcept : first_(std::exchange(other.first_, nullptr)) {}
     BlockMap& operator=(BlockMap other) noexcept {
@@ -175,10 +174,36 @@ public:
     iterator emplace_hint(const_iterator hint, K&& key, V&& value) {
         return try_emplace(hint, std::forward<K>(key), std::forward<V>(value));
     }
+    /// The value under the key that `key` makes, a new one if there is none: in few steps when it comes after all
+    /// others. Requires: `key` is not part of this map.
+    template <class K>
+    Value& ascending(K const& key) {
+        if (!first_ || first_->isFull() || first_->directory()) return inOrder(key);
+        // The key is made where it stays; only if that is the wrong place, it has to be made again.
+        Block& block = *first_;
+        block.append(key, Value());
+        std::uint32_t const last = block.size - 1;
+        if (last == 0 || Less()(block[last - 1].first, block[last].first)) [[likely]]
+            return block[last].second;
+        return inOrder(key, last);
+    }
     /// Requires: the key comes after all others, and neither argument is part of this map.
     template <class K, class V>
     iterator emplaceLast(K&& key, V&& value) {
-        return insertAt(end(), std::forward<K>(key), std::forward<V>(value));
+        if (!first_ || first_->isFull() || first_->directory()) [[unlikely]]
+            return insertAt(end(), std::forward<K>(key), std::forward<V>(value));
+        first_->append(std::forward<K>(key), std::forward<V>(value));
+        return {first_, first_->size - 1};
+    }
+
+    /// Becomes a map with the keys of `other`, under each what `copy(Value const&)` makes of its value. Requires:
+    /// empty.
+    template <class Copy>
+    void copyWith(BlockMap const& other, Copy copy) {
+        reserve(other.size());
+        for (Block* from = other.first_; from; from = from->next()) {
+            for (std::uint32_t i = 0; i < from->size; ++i) emplaceLast((*from)[i].first, copy((*from)[i].second));
+        }
     }
 
     /// The place behind the erased entry.
@@ -201,9 +226,14 @@ public:
         return 1;
     }
     void clear() noexcept {
+        clear([](Value& /*value*/) {});
+    }
+    /// Lets `drop(Value&)` see each value before it goes.
+    template <class Drop>
+    void clear(Drop drop) noexcept {
         Block* block = std::exchange(first_, nullptr);
         if (block) delete block->directory();
-        while (block) Block::destroy(std::exchange(block, block->next()));
+        while (block) Block::destroy(std::exchange(block, block->next()), drop);
     }
     void swap(BlockMap& other) noexcept { std::swap(first_, other.first_); }
     friend void swap(BlockMap& a, BlockMap& b) noexcept { a.swap(b); }
@@ -253,6 +283,13 @@ private:
         if (!block) return {};
         std::uint32_t const index = block->template find<Less>(key);
         return index < block->size ? Iterator(block, index) : Iterator(behindLast());
+    }
+
+    /// The value under a key that may stand anywhere, or that was appended at `misplaced`.
+    template <class K, class... Index>
+    [[gnu::noinline]] Value& inOrder(K const& key, Index... misplaced) {
+        (first_->erase(misplaced), ...);
+        return try_emplace(end(), Key(key))->second;
     }
 
     template <class K, class V>

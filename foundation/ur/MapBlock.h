@@ -49,7 +49,15 @@ public:
         return block;
     }
     static void destroy(MapBlock* block) noexcept {
-        for (std::uint32_t i = 0; i < block->size; ++i) std::destroy_at(&(*block)[i]);
+        destroy(block, [](Value& /*value*/) {});
+    }
+    /// Lets `drop` see each value before it goes.
+    template <class Drop>
+    static void destroy(MapBlock* block, Drop&& drop) noexcept {
+        for (std::uint32_t i = 0; i < block->size; ++i) {
+            drop((*block)[i].second);
+            std::destroy_at(&(*block)[i]);
+        }
         deallocateNode(block, bytes(block->capacity));
     }
 
@@ -98,15 +106,21 @@ public:
 
     /// Requires: not full.
     template <class... Arguments>
+    void append(Arguments&&... arguments) {
+        new (&entries()[size]) Entry(std::forward<Arguments>(arguments)...);
+        ++size;
+    }
+    /// Requires: not full.
+    template <class... Arguments>
     void insert(std::uint32_t index, Arguments&&... arguments) {
         if (index == size) {
-            new (&entries()[index]) Entry(std::forward<Arguments>(arguments)...);
+            append(std::forward<Arguments>(arguments)...);
         } else {
             std::pair<Key, Value> entry(std::forward<Arguments>(arguments)...);  // may be made of what moves
             for (std::uint32_t i = size; i > index; --i) relocate(entries()[i - 1], entries()[i]);
             new (&entries()[index]) Entry(std::move(entry));
+            ++size;
         }
-        ++size;
     }
     /// Gives what was erased, whose destructors may come back to the map.
     std::pair<Key, Value> erase(std::uint32_t index) noexcept {

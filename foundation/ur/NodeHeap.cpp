@@ -1,8 +1,9 @@
 // Size-classed regions, owned by one thread each, that any thread may give nodes back to.
 //
-// Every thread has a heap; a heap has, for each node size, a list of regions that have room. A node given back
-// by the heap's own thread goes onto its region's free list. A node given back by another thread goes onto the
-// heap's `returned` stack, which the owner empties before it asks for a new region. When a thread ends, its
+// Every thread has a heap; a heap has, for each node size, a list of regions that have room, and takes all that is
+// free in one of them at a time. A node given back by the heap's own thread goes onto its region's free list. A node
+// given back by another thread goes onto the heap's `returned` stack, which the owner empties before it looks for
+// another region. When a thread ends, its
 // heap waits, with all its regions, for the next thread that needs one; until then whoever returns nodes to it
 // empties the stack now and then under the pool's lock. So heaps never outnumber the threads that ever ran at
 // one time, and nothing that was given back stays out of reach.
@@ -32,45 +33,55 @@ namespace ur {
 void* allocateNode(std::size_t bytes) { return ::operator new(bytes); }
 void deallocateNode(void* node, std::size_t /*bytes*/) noexcept { ::operator delete(node); }
 
+namespace impl {
+
+NodeBin* nodeBins() {
+    static constinit NodeBin empty[sizeClassOf(largestNode) + 1];
+    return empty;
+}
+void giveBackNodes(FreeNode* first, FreeNode* /*last*/, std::uint32_t count) noexcept {
+    for (; count > 0; --count) ::operator delete(std::exchange(first, first->next));
+}
+
+}  // namespace impl
+
 #else
 
 namespace impl {
 
-constexpr std::size_t largestNode = 256;
-constexpr std::size_t classCount = largestNode / Region::granule + 1;
 constexpr unsigned returnsPerSweep = 1024;
 
 /// The nodes of one thread, or of one that has ended.
 class Heap {
 public:
+    [[nodiscard]] NodeBin* bins() noexcept { return bins_; }
+
     void* allocate(std::size_t sizeClass) {
-        Region* region = withRoom_[sizeClass];
-        if (region && region->hasRoom()) [[likely]]
-            return region->take();
-        return refill(sizeClass)->take();
+        void* const node = bins_[sizeClass].take(sizeClass * nodeGranule);
+        return node ? node : allocateFromOther(sizeClass);
     }
 
-    void giveBack(Region* region, void* node) noexcept {
-        region->free = new (node) Node{region->free};
-        --region->used;
-        if (region->used == 0 || !region->listed) [[unlikely]]
-            settle(region);
+    void giveBack(Region* region, FreeNode* first, FreeNode* last, std::uint32_t count) noexcept {
+        last->next = region->free;
+        region->free = first;
+        if (region->untilSettled <= count) [[unlikely]]
+            return settle(region, count);
+        region->untilSettled -= count;
     }
 
-    void giveBackFromElsewhere(void* node) noexcept {
-        Node* head = returned_.load(std::memory_order_relaxed);
-        Node* mine = nullptr;
-        do {
-            mine = new (node) Node{head};
-        } while (!returned_.compare_exchange_weak(head, mine, std::memory_order_release, std::memory_order_relaxed));
+    void giveBackFromElsewhere(FreeNode* first, FreeNode* last) noexcept {
+        last->next = returned_.load(std::memory_order_relaxed);
+        while (
+            !returned_.compare_exchange_weak(last->next, first, std::memory_order_release, std::memory_order_relaxed)) {
+        }
     }
 
     /// Puts the nodes that other threads gave back where they belong. Owner only.
     void sweep() noexcept {
-        Node* node = returned_.exchange(nullptr, std::memory_order_acquire);
+        FreeNode* node = returned_.exchange(nullptr, std::memory_order_acquire);
         while (node) {
-            Node* next = node->next;
-            giveBack(Region::of(node), node);
+            FreeNode* const next = node->next;
+            giveBack(Region::of(node), node, node, 1);
             node = next;
         }
     }
@@ -79,31 +90,49 @@ public:
     Heap* nextPooled = nullptr;
 
 private:
-    Region* refill(std::size_t sizeClass) {
+    [[gnu::noinline]] void* allocateFromOther(std::size_t sizeClass) {
+        refill(sizeClass);
+        return allocate(sizeClass);
+    }
+
+    /// Fills the empty bin with all that one region has, which then counts as being in use.
+    void refill(std::size_t sizeClass) {
         if (returned_.load(std::memory_order_relaxed)) sweep();
-        while (Region* region = withRoom_[sizeClass]) {
-            if (region->hasRoom()) return region;
+        while (Region* const region = withRoom_[sizeClass]) {
+            if (region->free) {
+                bins_[sizeClass].free = std::exchange(region->free, nullptr);
+                region->untilSettled = region->nodes;
+                return;
+            }
             unlist(region);
+            region->untilSettled = 1;
         }
-        return addRegion(sizeClass);
+        addRegion(sizeClass);
     }
 
-    Region* addRegion(std::size_t sizeClass) {
+    void addRegion(std::size_t sizeClass) {
         Region* region = RegionSource::instance().take();
+        std::size_t const nodeBytes = sizeClass * nodeGranule;
+        std::size_t const nodes = (Region::bytes - sizeof(Region)) / nodeBytes;
         region->heap = this;
-        region->sizeClass = static_cast<std::uint16_t>(sizeClass);
-        region->fresh = reinterpret_cast<char*>(region + 1);
-        std::size_t const nodeBytes = sizeClass * Region::granule;
-        region->end = region->fresh + (Region::bytes - sizeof(Region)) / nodeBytes * nodeBytes;
+        region->sizeClass = static_cast<std::uint8_t>(sizeClass);
+        region->nodes = static_cast<std::uint16_t>(nodes);
+        region->untilSettled = region->nodes;
+        NodeBin& bin = bins_[sizeClass];
+        bin.fresh = reinterpret_cast<char*>(region + 1);
+        bin.freshEnd = bin.fresh + nodes * nodeBytes;
         list(region);
-        return region;
     }
 
-    /// A region that has just become usable again, or empty: the former is listed, the latter released, unless it
-    /// is the one that nodes of its size come from.
-    void settle(Region* region) noexcept {
-        if (!region->listed) list(region);
-        if (region->used > 0 || withRoom_[region->sizeClass] == region) return;
+    /// Looks at a region to which `count` nodes came, as many as it was left alone for. One that has just become usable
+    /// again is listed, and an empty one released, unless it is the one that nodes of its size come from.
+    void settle(Region* region, std::uint32_t count) noexcept {
+        if (!region->listed) {
+            list(region);
+            region->untilSettled = region->nodes;
+        }
+        region->untilSettled -= count;
+        if (region->untilSettled > 0 || withRoom_[region->sizeClass] == region) return;
         unlist(region);
         RegionSource::instance().put(region);
     }
@@ -126,12 +155,16 @@ private:
     void unlist(Region* region) noexcept {
         if (region->previous) region->previous->next = region->next;
         if (region->next) region->next->previous = region->previous;
-        if (withRoom_[region->sizeClass] == region) withRoom_[region->sizeClass] = region->next;
+        Region*& first = withRoom_[region->sizeClass];
+        if (first == region) first = region->next;
         region->listed = false;
     }
 
-    Region* withRoom_[classCount] = {};
-    std::atomic<Node*> returned_ = nullptr;
+    static constexpr std::size_t sizeClasses = sizeClassOf(largestNode) + 1;
+
+    NodeBin bins_[sizeClasses];  // what was taken from the first region with room
+    Region* withRoom_[sizeClasses] = {};
+    std::atomic<FreeNode*> returned_ = nullptr;
 };
 
 /// The heaps of threads that have ended. Never destroyed: nodes may outlive every static object.
@@ -179,10 +212,34 @@ struct HeapGuard {
     }
 };
 
-Heap* acquireHeap() {
+[[gnu::noinline]] Heap& acquireHeap() {
     thread_local HeapGuard guard;
     currentHeap = HeapPool::instance().take();
-    return currentHeap;
+    return *currentHeap;
+}
+
+Heap& heapOfThread() {
+    Heap* const heap = currentHeap;
+    return heap ? *heap : acquireHeap();
+}
+
+NodeBin* nodeBins() { return heapOfThread().bins(); }
+
+/// Gives back linked nodes of a region of another thread's heap.
+[[gnu::noinline]] void giveBackElsewhere(Heap* heap, FreeNode* first, FreeNode* last, std::uint32_t count) noexcept {
+    heap->giveBackFromElsewhere(first, last);
+    unsigned const before = foreignReturns / returnsPerSweep;
+    foreignReturns += count;
+    bool const isDue = foreignReturns / returnsPerSweep != before;
+    if (isDue && heap->pooled.load(std::memory_order_relaxed)) HeapPool::instance().sweepIfPooled(heap);
+}
+
+void giveBackNodes(FreeNode* first, FreeNode* last, std::uint32_t count) noexcept {
+    Region* const region = Region::of(first);
+    Heap* const heap = region->heap;
+    if (heap == currentHeap) [[likely]]
+        return heap->giveBack(region, first, last, count);
+    giveBackElsewhere(heap, first, last, count);
 }
 
 }  // namespace impl
@@ -190,24 +247,17 @@ Heap* acquireHeap() {
 using namespace impl;
 
 void* allocateNode(std::size_t bytes) {
-    if (bytes > largestNode) return ::operator new(bytes);
-    Heap* heap = currentHeap;
-    if (!heap) [[unlikely]]
-        heap = acquireHeap();
-    return heap->allocate(bytes ? (bytes + Region::granule - 1) / Region::granule : 1);
+    if (bytes > largestNode) [[unlikely]]
+        return ::operator new(bytes);
+    return heapOfThread().allocate(bytes ? sizeClassOf(bytes) : 1);
 }
 
 void deallocateNode(void* node, std::size_t bytes) noexcept {
+    if (bytes > largestNode) [[unlikely]]
+        return ::operator delete(node);
     if (!node) return;
-    if (bytes > largestNode) return ::operator delete(node);
-    Region* region = Region::of(node);
-    Heap* heap = region->heap;
-    if (heap == currentHeap) [[likely]]
-        return heap->giveBack(region, node);
-    heap->giveBackFromElsewhere(node);
-    if (++foreignReturns % returnsPerSweep == 0 && heap->pooled.load(std::memory_order_relaxed)) {
-        HeapPool::instance().sweepIfPooled(heap);
-    }
+    auto* const returned = new (node) FreeNode{};
+    giveBackNodes(returned, returned, 1);
 }
 
 #endif

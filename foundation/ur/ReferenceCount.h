@@ -25,7 +25,7 @@ protected:
     ReferenceCount() noexcept = default;
     ReferenceCount(ReferenceCount const& /*other*/) noexcept {}
     ReferenceCount& operator=(ReferenceCount const& /*other*/) noexcept { return *this; }
-    virtual ~ReferenceCount();
+    virtual ~ReferenceCount() = default;
 
 private:
     mutable int count_ = 0;

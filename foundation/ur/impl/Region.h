@@ -5,47 +5,28 @@
 #include <cstdint>
 #include <mutex>
 
+#include "foundation/ur/NodeSource.h"
+
 namespace ur::impl {
 
 struct Chunk;
 class Heap;
 
-/// A node that was given back.
-struct Node {
-    Node* next;
-};
-
 /// An aligned piece of memory holding nodes of one size; its header lies at its start.
 struct Region {
-    static constexpr std::size_t bytes = 32 * 1024;
-    static constexpr std::size_t granule = 8;
+    static constexpr std::size_t bytes = regionBytes;
 
     Heap* heap;
     Chunk* chunk;
-    Node* free;
-    char* fresh;  // never handed out from here to `end`
-    char* end;
+    FreeNode* free;  // what came back since the heap took the last of them
     Region* previous;
     Region* next;
-    std::uint32_t used;  // nodes handed out and not yet back on `free`
-    std::uint16_t sizeClass;
+    std::uint32_t untilSettled;  // how many nodes come back before the heap looks at this region
+    std::uint16_t nodes;         // as many as fit
+    std::uint8_t sizeClass;
     bool listed;  // in its heap's list of regions with room
 
-    [[nodiscard]] bool hasRoom() const { return free || fresh != end; }
-
-    [[nodiscard]] void* take() {
-        void* node = free;
-        if (free) {
-            free = free->next;
-        } else {
-            node = fresh;
-            fresh += sizeClass * granule;
-        }
-        ++used;
-        return node;
-    }
-
-    [[nodiscard]] static Region* of(void* node) {
+    [[nodiscard]] static Region* of(void const* node) {
         return reinterpret_cast<Region*>(reinterpret_cast<std::uintptr_t>(node) & ~std::uintptr_t(bytes - 1));
     }
 };

@@ -48,17 +48,20 @@ public:
     void copyAndMove() {
         Map copy(map_);
         EXPECT_EQ(copy, map_);
-        map_.clear();
+        std::size_t dropped = 0;
+        map_.clear([&](std::string const& value) { dropped += value.empty() ? 0 : 1; });
+        EXPECT_EQ(dropped, copy.size());
         EXPECT_TRUE(map_.empty() && map_.begin() == map_.end());
         map_ = std::move(copy);
     }
 
 private:
     void insert(int key, std::string const& value) {
-        switch (below(5)) {
+        switch (below(6)) {
             case 0: EXPECT_EQ(map_.try_emplace(key, value).second, model_.try_emplace(key, value).second); break;
             case 1: EXPECT_EQ(map_.insert({key, value}).second, model_.insert({key, value}).second); break;
             case 2: map_[key] = model_[key] = value; break;
+            case 4: map_.ascending(key) = model_[key] = value; break;
             case 3:
                 EXPECT_EQ(map_.emplace_hint(map_.lower_bound(below(keys_)), key, value)->first, key);
                 model_.emplace(key, value);
@@ -121,11 +124,14 @@ TEST(BlockMap, HoldsManyEntriesHoweverTheyCome) {
     constexpr int many = 200000;
     ur::BlockMap<int, int, ur::less<int>> up;
     ur::BlockMap<int, int, ur::less<int>> down;
+    ur::BlockMap<int, int, ur::less<int>> ascending;
     for (int i = 0; i < many; ++i) {
         up.emplaceLast(i, i);
+        ascending.ascending(i) = i;
         down.emplace(many - 1 - i, many - 1 - i);
     }
     EXPECT_EQ(up, down);
+    EXPECT_EQ(up, ascending);
     for (int i = 0; i < many; i += 2) up.erase(i);
     EXPECT_EQ(up.size(), many / 2U);
     EXPECT_EQ(up.begin()->first, 1);

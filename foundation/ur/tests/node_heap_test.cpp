@@ -11,6 +11,7 @@
 
 #include "foundation/ur/BlockAllocator.h"
 #include "foundation/ur/NodeHeap.h"
+#include "foundation/ur/NodeSource.h"
 
 namespace {
 
@@ -93,6 +94,30 @@ TEST(NodeHeap, TwoThreadsExchangeNodesWithoutLosingOne) {
     std::vector<void*> again = take(60000, 32);
     EXPECT_EQ(std::set<void*>(again.begin(), again.end()).size(), again.size());
     giveBack(again, 32);
+}
+
+TEST(NodeSource, SharesItsNodesWithTheHeapAndGetsThemBackFromBatches) {
+    constexpr std::size_t count = 20000;
+    std::vector<void*> nodes;
+    auto const takeAll = [&] {
+        ur::NodeSource source;
+        for (std::size_t i = 0; i < count; ++i) nodes.push_back(i % 3 ? source.take<40>() : ur::allocateNode(40));
+    };
+    auto const giveBackAll = [&] {
+        EXPECT_EQ(std::set<void*>(nodes.begin(), nodes.end()).size(), count);
+        std::shuffle(nodes.begin() + count / 2, nodes.end(), std::mt19937(3));
+        ur::NodeBatch batch;
+        for (std::size_t i = 0; i < count; ++i) i % 5 ? batch.add(nodes[i]) : ur::deallocateNode(nodes[i], 40);
+        nodes.clear();
+    };
+    for (int round = 0; round < 3; ++round) {
+        takeAll();
+        giveBackAll();
+        std::thread(takeAll).join();
+        giveBackAll();
+        takeAll();
+        std::thread(giveBackAll).join();
+    }
 }
 
 TEST(BlockAllocator, HandsOutDistinctNodesInOrderAndReusesWhatCameBack) {
