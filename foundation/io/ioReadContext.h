@@ -74,15 +74,11 @@ public:
     /// The object of the packet that was closed as `referred`; null, and a fault, if it defined none.
     [[nodiscard]] void* referredObject();
 
-    // The same at once for small packets that lie whole in the buffer. Where the bytes are not of that kind nothing is
-    // read, and the steps above tell why.
-    /// The type of the packet without a number that comes next; null when something else does or nobody reads it.
-    [[nodiscard]] ioPacketType* nextPlainPacket() const noexcept;
-    /// Reads the packet that `nextPlainPacket` tells of, if it consists of one value and the end that is a reference.
-    [[nodiscard]] bool readReferredPacket(bool& value) noexcept;
-    [[nodiscard]] bool readReferredPacket(double& value) noexcept;
-    /// Valid until the next call of this context.
-    [[nodiscard]] bool readReferredPacket(std::string_view& value) noexcept;
+    /// The type with that number in the file. Null when nobody reads it, or none has the number.
+    [[nodiscard]] ioPacketType* numberedType(std::size_t number) const noexcept {
+        return number < types_.size() ? types_[number] : nullptr;
+    }
+    class Row;
 
 private:
     friend NX_API std::unique_ptr<ioReadContext> ioReadContextAlloc(ioBufferedStreamInput&, ioPacketRegistry&);
@@ -119,7 +115,6 @@ private:
     [[nodiscard]] bool readRest(std::uint64_t& number);
     [[nodiscard]] std::int32_t readZigzag(ioFormat::Kind kind);
     [[nodiscard]] static double doubleAt(char const* bytes) noexcept;
-    [[nodiscard]] bool takeReferredEnd(char const* end) noexcept;
     [[nodiscard]] std::string_view takeText(std::size_t size);
     [[nodiscard]] std::string_view takeLongText(std::uint64_t size);
     [[nodiscard]] std::string_view readName();
@@ -130,6 +125,7 @@ private:
     [[nodiscard]] ioPacketType* enter(std::size_t number, ioFormat::Kind kind);
     void nameType();
     [[nodiscard]] Ending leave(unsigned char end) noexcept;
+    void forgetInnermost() noexcept;
     [[nodiscard]] Ending passOver();
     [[nodiscard]] Ending passOverToken();
     [[nodiscard]] Ending passOverMark();
@@ -148,6 +144,50 @@ private:
     ioPacketType const* referencedType_ = nullptr;
     std::string text_;
     ioNameTable names_;
+};
+
+/// Reads the usual things of files in the fewest steps, as long as they lie whole in the buffer: names, packets without
+/// a number, and their ends that are references. What is of another kind it leaves, and the context tells why.
+///
+/// While it exists nobody else reads from the context.
+class ioReadContext::Row {
+public:
+    explicit Row(ioReadContext& context) noexcept
+        : context_(context), at_(context.input_.next()), end_(at_ + context.input_.available()) {}
+    Row(Row const&) = delete;
+    Row& operator=(Row const&) = delete;
+    ~Row() { context_.input_.advance(static_cast<std::size_t>(at_ - context_.input_.next())); }
+
+    /// Whether there is enough to look at for a name and the packet behind it. What comes next needs it.
+    [[nodiscard]] bool hasMore() const noexcept { return end_ - at_ >= lookAhead; }
+
+    /// The first byte of what comes next.
+    [[nodiscard]] unsigned char first() const noexcept { return byteAt(at_); }
+    // Each is false, and moves nowhere, where something else comes. Texts are valid until the next call.
+    /// A text that was named before.
+    [[nodiscard]] bool name(std::string_view& name) noexcept;
+    /// The packet that begins here, if it is one value and the end that is a reference.
+    [[nodiscard]] bool packet(bool& value) noexcept;
+    [[nodiscard]] bool packet(double& value) noexcept;
+    [[nodiscard]] bool packet(std::string_view& value) noexcept;
+    /// Enters the packet that begins here, with the number of things in it.
+    [[nodiscard]] bool enter(std::size_t& size);
+    /// Leaves the innermost packet, if it has an end that is a reference.
+    [[nodiscard]] bool leave() noexcept;
+
+private:
+    static constexpr std::ptrdiff_t lookAhead = 2 + 2 + ioFormat::longestToken;
+
+    [[nodiscard]] static unsigned char byteAt(char const* at) noexcept { return static_cast<unsigned char>(*at); }
+    [[nodiscard]] bool endsAt(char const* end) noexcept {
+        if (byteAt(end) != ioFormat::referredEndMark) return false;
+        at_ = end + 1;
+        return true;
+    }
+
+    ioReadContext& context_;
+    char const* at_;
+    char const* end_;
 };
 
 /// A context that reads from `input`; null when that is not open. Input and registry outlive it.

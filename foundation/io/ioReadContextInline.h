@@ -77,10 +77,14 @@ inline ioPacketType* ioReadContext::openPacket() {
     return isStart || token == ioFormat::typeMark ? openOtherPacket() : nullptr;
 }
 
-inline ioReadContext::Ending ioReadContext::leave(unsigned char end) noexcept {
-    input_.advance(1);
+inline void ioReadContext::forgetInnermost() noexcept {
     closed_ = open_.back().object;
     open_.pop_back();
+}
+
+inline ioReadContext::Ending ioReadContext::leave(unsigned char end) noexcept {
+    input_.advance(1);
+    forgetInnermost();
     if (end == ioFormat::endMark) return Ending::plain;
     if (open_.empty()) fail(ioStatus::malformed);
     return open_.empty() ? Ending::plain : Ending::referred;
@@ -92,48 +96,67 @@ inline ioReadContext::Ending ioReadContext::closePacket() {
     return token == ioFormat::endMark || token == ioFormat::referredEndMark ? leave(token) : passOver();
 }
 
-inline ioPacketType* ioReadContext::nextPlainPacket() const noexcept {
-    if (input_.available() == 0) return nullptr;
-    unsigned const number = nextByte() - unsigned{ioFormat::token(ioFormat::plainPacket, 0)};
-    return number < ioFormat::longNumber && number < types_.size() ? types_[number] : nullptr;
-}
-
-inline bool ioReadContext::takeReferredEnd(char const* end) noexcept {
-    if (static_cast<unsigned char>(*end) != ioFormat::referredEndMark) return false;
-    input_.advance(static_cast<std::size_t>(end + 1 - input_.next()));
+inline bool ioReadContext::Row::name(std::string_view& name) noexcept {
+    unsigned char const token = byteAt(at_);
+    std::size_t number = ioFormat::numberOf(token);
+    if (ioFormat::kindOf(token) != ioFormat::name || number == 0) return false;
+    char const* next = at_ + 1;
+    if (number == ioFormat::longNumber) {
+        unsigned char const rest = byteAt(next++);
+        if (rest >= 0x80) return false;
+        number += rest;
+    }
+    if (!context_.names_.knows(number - 1)) return false;
+    name = context_.names_.at(number - 1);
+    at_ = next;
     return true;
 }
 
-inline bool ioReadContext::readReferredPacket(bool& value) noexcept {
-    char const* const bytes = input_.next();
-    if (input_.available() < 3 || static_cast<unsigned char>(bytes[1]) > ioFormat::trueMark) return false;
-    value = bytes[1] == ioFormat::trueMark;
-    return takeReferredEnd(bytes + 2);
+inline bool ioReadContext::Row::packet(bool& value) noexcept {
+    unsigned char const mark = byteAt(at_ + 1);
+    value = mark == ioFormat::trueMark;
+    return mark <= ioFormat::trueMark && endsAt(at_ + 2);
 }
 
-inline bool ioReadContext::readReferredPacket(double& value) noexcept {
-    if (input_.available() < 2 + ioFormat::longestToken) return false;
-    char const* bytes = input_.next() + 1;
-    auto const token = static_cast<unsigned char>(*bytes++);
+inline bool ioReadContext::Row::packet(double& value) noexcept {
+    char const* next = at_ + 2;
+    unsigned char const token = byteAt(at_ + 1);
     if (token == ioFormat::doubleMark) {
-        value = doubleAt(bytes);
-        return takeReferredEnd(bytes + sizeof(value));
+        value = doubleAt(next);
+        return endsAt(next + sizeof(value));
     }
     if (ioFormat::kindOf(token) != ioFormat::wholeDouble) return false;
     std::uint64_t number = ioFormat::numberOf(token);
-    if (number == ioFormat::longNumber) bytes = ioFormat::addRest(bytes, bytes + ioFormat::longestRest, number);
-    if (!bytes || number > std::numeric_limits<std::uint32_t>::max()) return false;
+    if (number == ioFormat::longNumber) next = ioFormat::addRest(next, next + ioFormat::longestRest, number);
+    if (!next || number > std::numeric_limits<std::uint32_t>::max()) return false;
     value = ioFormat::unzigzag(static_cast<std::uint32_t>(number));
-    return takeReferredEnd(bytes);
+    return endsAt(next);
 }
 
-inline bool ioReadContext::readReferredPacket(std::string_view& value) noexcept {
-    if (input_.available() < 3) return false;
-    char const* const bytes = input_.next() + 1;
-    auto const token = static_cast<unsigned char>(*bytes);
-    std::size_t const size = ioFormat::numberOf(token);
-    bool const isShort = ioFormat::kindOf(token) == ioFormat::text && size != ioFormat::longNumber;
-    if (!isShort || input_.available() < 3 + size) return false;
-    value = std::string_view(bytes + 1, size);
-    return value.find('\0') == std::string_view::npos && takeReferredEnd(bytes + 1 + size);
+inline bool ioReadContext::Row::packet(std::string_view& value) noexcept {
+    char const* next = at_ + 2;
+    unsigned char const token = byteAt(at_ + 1);
+    std::uint64_t size = ioFormat::numberOf(token);
+    if (ioFormat::kindOf(token) != ioFormat::text) return false;
+    if (size == ioFormat::longNumber) next = ioFormat::addRest(next, next + ioFormat::longestRest, size);
+    if (!next || size >= static_cast<std::uint64_t>(end_ - next)) return false;
+    value = std::string_view(next, size);
+    return value.find('\0') == std::string_view::npos && endsAt(next + size);
+}
+
+inline bool ioReadContext::Row::enter(std::size_t& size) {
+    unsigned char const token = byteAt(at_ + 1);
+    unsigned const number = ioFormat::numberOf(token);
+    bool const isCount = ioFormat::kindOf(token) == ioFormat::integer && number != ioFormat::longNumber;
+    if (!isCount || ioFormat::unzigzag(number) < 0) return false;
+    static_cast<void>(context_.enter(ioFormat::numberOf(first()), ioFormat::plainPacket));
+    size = static_cast<std::size_t>(ioFormat::unzigzag(number));
+    at_ += 2;
+    return true;
+}
+
+inline bool ioReadContext::Row::leave() noexcept {
+    if (context_.open_.size() < 2 || !endsAt(at_)) return false;
+    context_.forgetInnermost();
+    return true;
 }

@@ -2,36 +2,29 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <concepts>
 #include <iterator>
 #include <string_view>
 #include <typeinfo>
 #include <utility>
-#include <vector>
 
 #include "foundation/io/ioReadContext.h"
 #include "plst/ReadInterface.h"
+#include "plst/impl/ItemSource.h"
+#include "plst/impl/ScratchStack.h"
 #include "plst/impl/packetNames.h"
 
 namespace nxPLST {
 
 namespace impl {
 
-template <class Kind, class Value>
-ur::Reference<Item> makeItem(Value value) {
-    if constexpr (std::same_as<Value, std::string_view>) {
-        return ur::make<Kind>(urString::CString(value));
-    } else {
-        return ur::make<Kind>(value);
-    }
-}
-
 /// The item that the payload of a packet of this kind makes.
 inline ur::Reference<Item> readScalar(ioReadContext& context, Type kind) {
     switch (kind) {
-        case BoolType: return makeItem<Bool>(context.readBoolValue());
-        case DoubleType: return makeItem<Double>(context.readDoubleValue());
-        default: return makeItem<String>(context.readTextValue());
+        case BoolType: return ur::make<Bool>(context.readBoolValue());
+        case DoubleType: return ur::make<Double>(context.readDoubleValue());
+        default: return ur::make<String>(urString::CString(context.readTextValue()));
     }
 }
 
@@ -66,13 +59,13 @@ private:
 /// so that the depth of a tree does not matter.
 class ReadInterface::PacketWalk {
 public:
-    explicit PacketWalk(ReadInterface& reader) : reader_(reader), context_(reader.context()) {}
+    explicit PacketWalk(ReadInterface& reader) : reader_(reader), context_(reader.context()) { kinds_.fill(noKind); }
 
     /// The item that the next reference leads to.
     ur::Reference<Item> item() { return run(); }
     /// Reads the rest of the packet that was opened for `container`, and completes it.
     void fill(ur::Reference<Item> container) {
-        fills_ = true;
+        outermost_ = 1;
         push(std::move(container));
         reader_.complete(run());
     }
@@ -81,18 +74,24 @@ private:
     struct Container {
         ur::Reference<Item> item;
         std::size_t missing;
-        std::size_t firstElement;  ///< of an array, among `elements_`
-        urString::CString key;     ///< of a dictionary: what the next item belongs to, if `keyIsRead`
-        bool keyIsRead;
+        ur::Reference<Item>* value;  ///< of a dictionary: where the next item goes, if its key was read
+        bool isDictionary;
+
+        [[nodiscard]] bool needsKey() const { return isDictionary && !value; }
+        /// Makes a place for the next item. Writers put keys in ascending order; a repeated one keeps the later item.
+        void takeKey(std::string_view key) { value = &static_cast<Dictionary&>(*item).dictionary().ascending(key); }
     };
 
     ur::Reference<Item> run() {
         for (ur::Reference<Item> item;;) {
-            if (!open_.empty()) readSmallItems();
-            if (!open_.empty() && open_.back().missing == 0) {
+            readUsual();
+            if (!open_.empty() && open_.top().missing == 0) {
                 item = finishInnermost();
-                if (open_.empty() && fills_) return item;
+                if (open_.size() < outermost_) return item;
                 if (!close(item)) continue;
+            } else if (!open_.empty() && open_.top().needsKey()) {
+                open_.top().takeKey(context_.readTextValue());
+                continue;
             } else if (ioPacketType* const type = context_.openPacket()) {
                 if (!readPacket(*type, item)) continue;
             } else {
@@ -104,55 +103,91 @@ private:
         }
     }
 
-    /// Reads children of the innermost container as long as they are scalars that nothing else refers to: the most
-    /// usual ones, in the fewest steps.
-    void readSmallItems() {
-        Container& innermost = open_.back();
-        if (innermost.item->type() == ArrayType) {
-            readSmallElements(innermost);
-        } else {
-            readSmallEntries(innermost, static_cast<Dictionary&>(*innermost.item).dictionary());
+    /// What became of the next thing in a container.
+    enum class Step {
+        other,    ///< it is none of the usual ones
+        taken,    ///< it was read whole
+        entered,  ///< it is the innermost container now
+    };
+
+    /// Reads on inside the outermost container as long as the bytes are of the usual kind, in the fewest steps.
+    void readUsual() {
+        ioReadContext::Row row(context_);
+        for (Step step = Step::taken; step != Step::other && !open_.empty();) {
+            Container& innermost = open_.top();
+            step = innermost.isDictionary ? readEntries(row, innermost) : readElements(row, innermost);
+            if (step == Step::taken) step = finishUsual(row);
         }
     }
 
-    void readSmallElements(Container& array) {
-        for (ur::Reference<Item> item; array.missing > 0 && readSmallItem(item); --array.missing) {
-            elements_.push_back(std::move(item));
+    // Both are `taken` when nothing is missing in the container any longer.
+    Step readElements(ioReadContext::Row& row, Container& array) {
+        auto& elements = static_cast<Array&>(*array.item).array();
+        for (; array.missing > 0; --array.missing) {
+            if (!row.hasMore()) return Step::other;
+            Step const step = readChild(row, [&](auto item) { elements.push_back(std::move(item)); });
+            if (step != Step::taken) return step;
         }
+        return Step::taken;
     }
 
-    void readSmallEntries(Container& dictionary, Dictionary::Map& entries) {
-        constexpr std::size_t believed = 8;  // the rest of the announced entries gets room as they come
-        while (dictionary.missing > 0 && !dictionary.keyIsRead) {
-            std::string_view const key = context_.readTextValue();
-            if (entries.empty()) entries.reserve(std::min(dictionary.missing, believed));
-            ur::Reference<Item> item;
-            if (readSmallItem(item)) {
-                insert(entries, urString::CString(key), std::move(item));
-                --dictionary.missing;
-            } else {
-                dictionary.key = urString::CString(key);
-                dictionary.keyIsRead = true;
+    Step readEntries(ioReadContext::Row& row, Container& dictionary) {
+        for (; dictionary.missing > 0; --dictionary.missing) {
+            if (!row.hasMore()) return Step::other;
+            if (std::string_view key; !dictionary.value) {
+                if (!row.name(key)) return Step::other;
+                dictionary.takeKey(key);
             }
+            Step const step = readChild(row, [&](auto item) { *dictionary.value = std::move(item); });
+            if (step != Step::taken) return step;
+            dictionary.value = nullptr;
+        }
+        return Step::taken;
+    }
+
+    template <class Take>
+    Step readChild(ioReadContext::Row& row, Take take) {
+        switch (kinds_[row.first()]) {
+            case BoolType: return readScalar<Bool, bool>(row, take);
+            case DoubleType: return readScalar<Double, double>(row, take);
+            case StringType: return readScalar<String, std::string_view>(row, take);
+            case ArrayType: return enter<Array>(row);
+            case DictionaryType: return enter<Dictionary>(row);
+            default: return learn(row.first()) ? readChild(row, take) : Step::other;
         }
     }
 
-    bool readSmallItem(ur::Reference<Item>& item) {
-        PListPacket const* const packet = PListPacket::from(context_.nextPlainPacket());
-        if (!packet || !packet->isFor(reader_)) return false;
-        switch (packet->kind()) {
-            case BoolType: return readSmallItem<Bool, bool>(item);
-            case DoubleType: return readSmallItem<Double, double>(item);
-            case StringType: return readSmallItem<String, std::string_view>(item);
-            default: return false;
-        }
-    }
-
-    template <class Kind, class Value>
-    bool readSmallItem(ur::Reference<Item>& item) {
+    template <class Kind, class Value, class Take>
+    Step readScalar(ioReadContext::Row& row, Take take) {
         Value value{};
-        if (!context_.readReferredPacket(value)) return false;
-        item = impl::makeItem<Kind>(value);
+        if (!row.packet(value)) return Step::other;
+        take(items_.make<Kind>(value));
+        return Step::taken;
+    }
+
+    template <class Kind>
+    Step enter(ioReadContext::Row& row) {
+        std::size_t size = 0;
+        if (!row.enter(size)) return Step::other;
+        push(items_.make<Kind>(), size);
+        return Step::entered;
+    }
+
+    Step finishUsual(ioReadContext::Row& row) {
+        bool const isUsual = open_.size() > 1 && !context_.packetIsNumbered() && row.hasMore() && row.leave();
+        if (!isUsual) return Step::other;
+        add(finishInnermost());
+        return Step::taken;
+    }
+
+    /// Notes the kind of the items whose packets begin with that byte. False when it begins something else.
+    [[gnu::noinline]] bool learn(unsigned char first) {
+        if (ioFormat::kindOf(first) != ioFormat::plainPacket) return false;
+        unsigned const number = ioFormat::numberOf(first);
+        auto const* const type = number == ioFormat::longNumber ? nullptr : context_.numberedType(number);
+        PListPacket const* const packet = PListPacket::from(type);
+        if (!packet || !packet->isFor(reader_)) return false;
+        kinds_[first] = static_cast<unsigned char>(packet->kind());
         return true;
     }
 
@@ -166,8 +201,8 @@ private:
             return referred;
         }
         switch (packet->kind()) {
-            case ArrayType: push(ur::make<Array>()); return false;
-            case DictionaryType: push(ur::make<Dictionary>()); return false;
+            case ArrayType: push(items_.make<Array>()); return false;
+            case DictionaryType: push(items_.make<Dictionary>()); return false;
             default: item = impl::readScalar(context_, packet->kind());
         }
         return close(item);
@@ -189,45 +224,47 @@ private:
     void push(ur::Reference<Item> container) {
         int const size = context_.readIntValue();
         if (size < 0) context_.refuse();
-        open_.push_back(
-            {std::move(container), static_cast<std::size_t>(std::max(size, 0)), elements_.size(), {}, false});
+        push(std::move(container), static_cast<std::size_t>(std::max(size, 0)));
+    }
+
+    void push(ur::Reference<Item> container, std::size_t size) {
+        constexpr std::size_t believed = 8;  // the rest of what is announced gets room as it comes
+        bool const isDictionary = container->type() == DictionaryType;
+        if (isDictionary) {
+            static_cast<Dictionary&>(*container).dictionary().reserve(std::min(size, believed));
+        } else {
+            static_cast<Array&>(*container).array().reserve(std::min(size, believed));
+        }
+        open_.push(std::move(container), size, nullptr, isDictionary);
     }
 
     void add(ur::Reference<Item> item) {
-        Container& innermost = open_.back();
+        Container& innermost = open_.top();
         --innermost.missing;
-        if (innermost.item->type() == ArrayType) {
-            elements_.push_back(std::move(item));
+        if (innermost.isDictionary) {
+            *std::exchange(innermost.value, nullptr) = std::move(item);
         } else {
-            insert(static_cast<Dictionary&>(*innermost.item).dictionary(), std::move(innermost.key), std::move(item));
-            innermost.keyIsRead = false;
+            static_cast<Array&>(*innermost.item).array().push_back(std::move(item));
         }
     }
 
-    /// Writers put keys in ascending order, so the end is the place to try; a repeated key keeps the later value.
-    static void insert(Dictionary::Map& entries, urString::CString&& key, ur::Reference<Item> item) {
-        std::size_t const before = entries.size();
-        auto const entry = entries.try_emplace(entries.end(), std::move(key), std::move(item));
-        if (entries.size() == before) entry->second = std::move(item);
-    }
-
-    /// The innermost container, complete. Its elements waited outside until their number was known to be true.
+    /// The innermost container, complete.
     ur::Reference<Item> finishInnermost() {
-        ur::Reference<Item> item = std::move(open_.back().item);
-        if (item->type() == ArrayType) {
-            auto const first = elements_.begin() + static_cast<std::ptrdiff_t>(open_.back().firstElement);
-            static_cast<Array&>(*item).array().assign(std::move_iterator(first), std::move_iterator(elements_.end()));
-            elements_.erase(first, elements_.end());
-        }
-        open_.pop_back();
+        Container& innermost = open_.top();
+        if (!innermost.isDictionary) static_cast<Array&>(*innermost.item).array().shrink_to_fit();
+        ur::Reference<Item> item = std::move(innermost.item);
+        open_.pop();
         return item;
     }
 
+    static constexpr unsigned char noKind = 0xFF;
+
     ReadInterface& reader_;
     ioReadContext& context_;
-    bool fills_ = false;
-    std::vector<Container> open_;
-    std::vector<ur::Reference<Item>> elements_;  ///< of all open arrays, one array's behind the other's
+    impl::ItemSource items_;
+    std::array<unsigned char, 256> kinds_;  ///< by the first byte of their packets; `noKind` where not learned
+    std::size_t outermost_ = 0;             ///< how many containers stay open until the end
+    impl::ScratchStack<Container> open_;
 };
 
 }  // namespace nxPLST
