@@ -2,10 +2,11 @@
 #include "plst/WriteInterface.h"
 
 #include <array>
+#include <string_view>
 #include <utility>
-#include <vector>
 
 #include "foundation/io/ioWriteContext.h"
+#include "plst/impl/ScratchStack.h"
 #include "plst/impl/packetNames.h"
 
 namespace nxPLST {
@@ -22,78 +23,171 @@ public:
     void write(Item const& root) {
         begin(root, &root);
         while (!open_.empty() && context_.getStatus() == 0) {
-            bool const isComplete = open_.back().item->type() == ArrayType ? writeElements() : writeEntries();
-            if (!isComplete) continue;
-            open_.pop_back();
-            if (!open_.empty()) context_.endReferredPacket();
+            if (sharing_ == Sharing::withinTree) writeUsual();
+            writeNext();
         }
         context_.endPacket();
     }
 
 private:
+    /// The children of an open container that are still to come.
     struct Container {
-        Item const* item;
-        std::size_t written;                    ///< of an array's elements
-        Dictionary::Map::const_iterator entry;  ///< of a dictionary: what comes next
+        ur::Reference<Item> const* element = nullptr;
+        ur::Reference<Item> const* lastElement = nullptr;
+        Dictionary::Map::const_iterator entry;
+        Dictionary::Map::const_iterator lastEntry;
+
+        explicit Container(Array const& array)
+            : element(array.array().data()), lastElement(element + array.array().size()) {}
+        explicit Container(Dictionary const& dictionary)
+            : entry(dictionary.dictionary().begin()), lastEntry(dictionary.dictionary().end()) {}
+
+        [[nodiscard]] bool atEnd() const { return element == lastElement && entry == lastEntry; }
     };
-    enum class Written { complete, opened };
 
-    // Both write children of the innermost container, up to one that has children itself. True after the last one.
-    bool writeElements() {
-        Container& innermost = open_.back();
-        auto const& elements = static_cast<Array const*>(innermost.item)->array();
-        while (innermost.written < elements.size()) {
-            if (writeChild(elements[innermost.written++].get()) == Written::opened) return false;
-        }
-        return true;
-    }
+    /// What became of a child.
+    enum class Step {
+        other,    ///< it is none of the usual ones
+        written,  ///< it is complete
+        entered,  ///< it is the innermost container now
+    };
 
-    bool writeEntries() {
-        Container& innermost = open_.back();
-        auto const end = static_cast<Dictionary const*>(innermost.item)->dictionary().end();
-        while (innermost.entry != end) {
-            auto const& [key, child] = *innermost.entry;
-            ++innermost.entry;
-            context_.writeNameValue(key);
-            if (writeChild(child.get()) == Written::opened) return false;
-        }
-        return true;
-    }
-
-    /// `opened` when the child has become the innermost container.
-    Written writeChild(Item const* child) {
-        if (child && child->referenceCount() == 1 && sharing_ == Sharing::withinTree) return writeUnshared(*child);
-        if (child && !context_.isReferenceDefined(child)) {
-            if (!begin(*child, child)) return Written::opened;
-            context_.endReferredPacket();
+    /// Writes the next child of the innermost container, or its end.
+    void writeNext() {
+        Container& innermost = open_.top();
+        if (innermost.atEnd()) {
+            open_.pop();
+            if (!open_.empty()) context_.endReferredPacket();
+        } else if (innermost.element != innermost.lastElement) {
+            writeChild(innermost.element++->get());
         } else {
-            context_.writeReference(child, 0);
+            auto const& [key, child] = *innermost.entry++;
+            context_.writeNameValue(key);
+            writeChild(child.get());
         }
-        return Written::complete;
     }
 
-    Written writeUnshared(Item const& item) {
-        auto const write = [&](auto value) { context_.writeReferredPacket(typeOf(item), value); };
-        if (visitScalar(item, write)) return Written::complete;
-        begin(item, nullptr);
-        return Written::opened;
+    // The usual: what nothing else refers to, with short texts -----------------------------------------------------
+
+    /// Writes on inside the root as long as what comes is usual and the buffer has room, in the fewest steps.
+    void writeUsual() {
+        ioWriteContext::Row row(context_);
+        for (Step step = Step::written; step != Step::other;) {
+            Container& innermost = open_.top();
+            step = innermost.element ? writeElements(row, innermost) : writeEntries(row, innermost);
+            if (step == Step::written) step = finishUsual(row);
+        }
+    }
+
+    // Both are `written` when there are no further children.
+    Step writeElements(ioWriteContext::Row& row, Container& array) {
+        while (array.element != array.lastElement) {
+            Item const* const child = array.element++->get();
+            Step const step = writeUsual(row, child, [] {});
+            if (step == Step::other) --array.element;
+            if (step != Step::written) return step;
+        }
+        return Step::written;
+    }
+
+    Step writeEntries(ioWriteContext::Row& row, Container& dictionary) {
+        while (dictionary.entry != dictionary.lastEntry) {
+            std::string_view const key = dictionary.entry->first;
+            if (key.size() > row.longestText) return Step::other;
+            Item const* const child = dictionary.entry++->second.get();
+            Step const step = writeUsual(row, child, [&] { row.name(key); });
+            if (step == Step::other) --dictionary.entry;
+            if (step != Step::written) return step;
+        }
+        return Step::written;
+    }
+
+    /// Writes the name before the child, if at all.
+    template <class Name>
+    Step writeUsual(ioWriteContext::Row& row, Item const* child, Name name) {
+        if (!row.hasRoom() || !child || child->referenceCount() > 1) return Step::other;
+        switch (child->type()) {
+            case BoolType: return writeScalar<BoolType>(row, static_cast<Bool const*>(child)->value(), name);
+            case DoubleType: return writeScalar<DoubleType>(row, static_cast<Double const*>(child)->value(), name);
+            case StringType:
+                return writeScalar<StringType>(row, static_cast<String const*>(child)->value().view(), name);
+            case ArrayType: return enter<ArrayType>(row, static_cast<Array const&>(*child), name);
+            case DictionaryType: return enter<DictionaryType>(row, static_cast<Dictionary const&>(*child), name);
+        }
+        return Step::other;
+    }
+
+    template <Type kind, class Value, class Name>
+    Step writeScalar(ioWriteContext::Row& row, Value value, Name name) {
+        unsigned char const first = firstByteOf(kind);
+        if (first == 0 || !isUsual(value)) return Step::other;
+        name();
+        row.packet(first, value);
+        return Step::written;
+    }
+
+    template <Type kind, class Kind, class Name>
+    Step enter(ioWriteContext::Row& row, Kind const& container, Name name) {
+        unsigned char const first = firstByteOf(kind);
+        if (first == 0) return Step::other;
+        name();
+        row.enter(first, container.size());
+        open_.push(container);
+        return Step::entered;
+    }
+
+    static bool isUsual(std::string_view text) {
+        return text.size() <= ioWriteContext::Row::longestText && text.find('\0') == std::string_view::npos;
+    }
+    static bool isUsual(double /*value*/) { return true; }
+
+    Step finishUsual(ioWriteContext::Row& row) {
+        if (open_.size() == 1 || !row.hasRoom()) return Step::other;
+        row.leave();
+        open_.pop();
+        return Step::written;
+    }
+
+    /// With which byte the packet of an item that nothing refers to begins; 0 if it is not that simple.
+    unsigned char firstByteOf(Type kind) {
+        unsigned char& first = firstBytes_[static_cast<std::size_t>(kind)];
+        if (first == 0) [[unlikely]]
+            first = context_.firstByteOf(typeOf(kind));
+        return first;
+    }
+
+    // Everything else ----------------------------------------------------------------------------------------------
+
+    void writeChild(Item const* child) {
+        if (child && child->referenceCount() == 1 && sharing_ == Sharing::withinTree) return writeUnshared(*child);
+        if (!child || context_.isReferenceDefined(child)) return context_.writeReference(child, 0);
+        if (begin(*child, child)) context_.endReferredPacket();
+    }
+
+    void writeUnshared(Item const& item) {
+        auto const write = [&](auto value) { context_.writeReferredPacket(typeOf(item.type()), value); };
+        if (!visitScalar(item, write)) begin(item, nullptr);
     }
 
     /// Begins the packet and writes the payload, of a container only its size. True when the payload is complete.
     bool begin(Item const& item, void const* object) {
         auto const start = [&](auto value) {
-            context_.startPacket(typeOf(item), object);
+            if (object) {
+                context_.startPacket(typeOf(item.type()), object);
+            } else {
+                context_.startNewPacket(typeOf(item.type()), nullptr);
+            }
             context_.writeValue(value);
         };
         if (visitScalar(item, start)) return true;
         if (item.type() == ArrayType) {
             auto const size = static_cast<Array const&>(item).array().size();
             start(static_cast<int>(size));
-            open_.push_back({&item, 0, {}});
+            open_.push(static_cast<Array const&>(item));
         } else if (item.type() == DictionaryType) {
             auto const& entries = static_cast<Dictionary const&>(item).dictionary();
             start(static_cast<int>(entries.size()));
-            open_.push_back({&item, 0, entries.begin()});
+            open_.push(static_cast<Dictionary const&>(item));
         } else {
             context_.writeReference(&item, 0);  // an item of no known kind has no packet: the reference is refused
         }
@@ -111,16 +205,17 @@ private:
         }
     }
 
-    ioPacketTypeId typeOf(Item const& item) {
-        ioPacketTypeId& type = types_[static_cast<std::size_t>(item.type())];
-        if (type == ioPacketTypeId::none) type = context_.typeId(impl::packetNames[item.type()]);
+    ioPacketTypeId typeOf(Type kind) {
+        ioPacketTypeId& type = types_[static_cast<std::size_t>(kind)];
+        if (type == ioPacketTypeId::none) type = context_.typeId(impl::packetNames[kind]);
         return type;
     }
 
     ioWriteContext& context_;
     Sharing sharing_;
     std::array<ioPacketTypeId, impl::packetNames.size()> types_;
-    std::vector<Container> open_;
+    std::array<unsigned char, impl::packetNames.size()> firstBytes_{};  ///< where known, otherwise 0
+    impl::ScratchStack<Container> open_;
 };
 
 void WriteInterface::writeItem(ur::Reference<Item const> item) { writeReferenceTo(item.get(), Sharing::withAnything); }

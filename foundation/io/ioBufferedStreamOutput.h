@@ -35,6 +35,8 @@ public:
         return cursor_;
     }
     void moveTo(char* end) noexcept { cursor_ = end; }
+    /// How many bytes there is room for without handing any down.
+    [[nodiscard]] std::size_t spare() const noexcept { return static_cast<std::size_t>(end_ - cursor_); }
     void write(std::string_view bytes) {
         if (bytes.size() > static_cast<std::size_t>(end_ - cursor_)) return writeAcross(bytes);
         std::memcpy(cursor_, bytes.data(), bytes.size());

@@ -100,13 +100,22 @@ void ioWriteContext::writeReference(void const* object, int /*flag*/) {
 
 void ioWriteContext::writeNameValue(std::string_view value) {
     if (!takesValues_) return fail(ioStatus::misuse);
-    char* to = output_.room(2 * ioFormat::longestToken);
-    std::size_t const place = names_->find(value);
-    if (place != ioImpl::NameIndex::none) return output_.moveTo(ioFormat::putToken(to, ioFormat::name, place + 1));
-    value = value.substr(0, value.find('\0'));
-    if (value.size() <= ioNameTable::longestName) {
-        names_->remember(value);
+    output_.moveTo(putName(output_.room(3 * ioFormat::longestToken + ioNameTable::longestName), value));
+}
+
+char* ioWriteContext::putName(char* to, std::string_view name) {
+    std::size_t const place = names_->findShort(name);
+    return place == ioImpl::NameIndex::none ? putOtherName(to, name)
+                                            : ioFormat::putToken(to, ioFormat::name, place + 1);
+}
+
+char* ioWriteContext::putOtherName(char* to, std::string_view name) {
+    std::size_t const place = names_->find(name);
+    if (place != ioImpl::NameIndex::none) return ioFormat::putToken(to, ioFormat::name, place + 1);
+    name = name.substr(0, name.find('\0'));
+    if (name.size() <= ioNameTable::longestName) {
+        names_->remember(name);
         to = ioFormat::putToken(to, ioFormat::name, 0);
     }
-    output_.moveTo(putValue(to, value));
+    return putValue(to, name);
 }

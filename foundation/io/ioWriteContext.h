@@ -1,6 +1,7 @@
 // Writes packets.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <functional>
 #include <map>
@@ -79,6 +80,9 @@ public:
     /// A packet without an object of its own that holds one value, and the reference to what it defines.
     template <class Value>
     void writeReferredPacket(ioPacketTypeId type, Value value);
+    /// The first byte of such a packet; 0 as long as the file has not named the type, and if its number is a long one.
+    [[nodiscard]] unsigned char firstByteOf(ioPacketTypeId type) const noexcept;
+    class Row;
 
 private:
     friend NX_API std::unique_ptr<ioWriteContext> ioWriteContextAlloc(ioBufferedStreamOutput&, int, ioPacketRegistry&);
@@ -106,6 +110,9 @@ private:
     static char* putValue(char* to, double value) noexcept;
     // Texts need no more room than the longest token has.
     char* putValue(char* to, std::string_view value);
+    // Needs room for two tokens and the name.
+    char* putName(char* to, std::string_view name);
+    [[gnu::noinline]] char* putOtherName(char* to, std::string_view name);
 
     ioBufferedStreamOutput& output_;
     ioPacketRegistry& registry_;
@@ -119,6 +126,61 @@ private:
     std::vector<void const*> objects_;  ///< in the order in which their packets began
     std::unique_ptr<ioImpl::ObjectIndex> index_;
     std::unique_ptr<ioImpl::NameIndex> names_;
+};
+
+/// Writes many names and small packets into the innermost open packet in the fewest steps, as long as the buffer has
+/// room for them and nothing failed: what it leaves undone is left to the context.
+///
+/// While it exists nobody else writes to the context.
+class ioWriteContext::Row {
+public:
+    explicit Row(ioWriteContext& context) noexcept
+        : context_(context),
+          to_(context.output_.room(0)),
+          end_(to_ + (context.takesValues_ ? context.output_.spare() : 0)) {}
+    Row(Row const&) = delete;
+    Row& operator=(Row const&) = delete;
+    ~Row() { context_.output_.moveTo(to_); }
+
+    /// What a name and a packet's text may have to go in here.
+    static constexpr std::size_t longestText = ioFormat::longNumber - 1;
+
+    /// Whether a name and a packet are sure to fit.
+    [[nodiscard]] bool hasRoom() const noexcept { return end_ - to_ >= largestEntry; }
+
+    // Require: room, and texts that are not too long.
+    /// The same as `writeNameValue`.
+    void name(std::string_view value) { to_ = context_.putName(to_, value); }
+    /// The same as `writeReferredPacket`. Requires: `first` is not 0, and no NUL.
+    template <class Value>
+    void packet(unsigned char first, Value value) noexcept {
+        *to_++ = static_cast<char>(first);
+        if constexpr (std::same_as<Value, std::string_view>) {
+            *to_++ = static_cast<char>(ioFormat::token(ioFormat::text, static_cast<unsigned>(value.size())));
+            to_ += value.copy(to_, value.size());
+        } else {
+            to_ = putValue(to_, value);
+        }
+        to_ = putMark(to_, ioFormat::referredEndMark);
+    }
+    /// Begins such a packet with one value more: the number of things in it.
+    void enter(unsigned char first, int size) {
+        *to_++ = static_cast<char>(first);
+        to_ = putValue(to_, size);
+        context_.open_.push_back({context_.objects_.size(), false});
+    }
+    /// The same as `endReferredPacket`. Requires: two open packets.
+    void leave() noexcept {
+        to_ = putMark(to_, ioFormat::referredEndMark);
+        context_.open_.pop_back();
+    }
+
+private:
+    static constexpr std::ptrdiff_t largestEntry = 5 * ioFormat::longestToken + 2 * longestText;
+
+    ioWriteContext& context_;
+    char* to_;
+    char* end_;
 };
 
 /// A context that writes to `output` by method 1, the only one there is; null when `output` is not open or the

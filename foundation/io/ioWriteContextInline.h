@@ -67,6 +67,11 @@ inline bool ioWriteContext::mayStart(ioPacketTypeId type) {
     return false;
 }
 
+inline unsigned char ioWriteContext::firstByteOf(ioPacketTypeId type) const noexcept {
+    auto const number = static_cast<unsigned>(numbers_[static_cast<std::size_t>(type)]);
+    return number < ioFormat::longNumber ? ioFormat::token(ioFormat::plainPacket, number) : 0;
+}
+
 template <class Value>
 void ioWriteContext::writeReferredPacket(ioPacketTypeId type, Value value) {
     if (!takesValues_ || !mayStart(type)) return fail(ioStatus::misuse);
