@@ -61,15 +61,6 @@ TEST_F(PageFileTest, CutsTheSmallestChunkThatFitsAndJoinsWhatIsFree) {
     EXPECT_THAT(chunks(3), ElementsAre(-100, 1, -500, 1, -1000, 1, -3144125));
 }
 
-TEST_F(PageFileTest, EmptyChunksKeepApart) {
-    PageFileEntry *const first = file.allocate(0), *const second = file.allocate(0),
-                         *const rest = file.allocate(megabyte);
-    file.release(first), file.release(second);
-    EXPECT_THAT(chunks(1), ElementsAre(0, 1048576));
-    file.release(rest);
-    EXPECT_THAT(chunks(0), ElementsAre(-1048576));
-}
-
 TEST_F(PageFileTest, StreamsKeepToTheirChunksInPiecesOfAnySizeAndAtAnyOffset) {
     std::mt19937 random(3);
     std::string content(300'001, '\0'), back(300'100, '\0');

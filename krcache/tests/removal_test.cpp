@@ -1,8 +1,7 @@
 // Removing keys with what is built from them.
-#include <pthread.h>
-
 #include <memory>
 
+#include "foundation/ur/tests/smallStack.h"
 #include "krcache/tests/TestKeys.h"
 
 namespace urKRCache::test {
@@ -90,20 +89,14 @@ TEST_F(RemovalTest, AChainOfAHundredThousandNeedsNoStack) {
         }
         return first;
     };
-    auto work = [&] {
+    auto const work = [&] {
         manager->removeResource(build(Shim::Retained));
         EXPECT_EQ(manager->numKeys(), 0);
         build(Shim::WeakCounted);
         EXPECT_EQ(manager->audit(), "");
         cache.reset();
     };
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, 256 * 1024), 0);
-    pthread_t thread;
-    auto const run = [](void* what) -> void* { return (*static_cast<decltype(work)*>(what))(), nullptr; };
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
-    pthread_join(thread, nullptr);
+    ::test::onSmallStack(work, 256 * 1024);
 }
 
 }  // namespace

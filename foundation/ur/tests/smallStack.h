@@ -1,0 +1,38 @@
+// Running work on a stack as small as the smallest that the library must do with.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <cstddef>
+#include <functional>
+
+namespace test {
+
+/// What the library must do with; walks that keep their own stacks do with it under the sanitizers, too.
+inline constexpr std::size_t leastStack = 512 * 1024;
+
+// Under AddressSanitizer every frame is several times as large, and every node costs much more time.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr std::size_t smallStack = 2048 * 1024;
+inline constexpr int manyLevels = 100000;
+#else
+inline constexpr std::size_t smallStack = leastStack;
+inline constexpr int manyLevels = 1000000;
+#endif
+
+inline void onSmallStack(std::function<void()> work, std::size_t stack = smallStack) {
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, stack);
+    pthread_t thread;
+    auto const run = [](void* self) -> void* {
+        (*static_cast<std::function<void()>*>(self))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+}  // namespace test
