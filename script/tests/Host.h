@@ -9,15 +9,13 @@
 #include "foundation/nxLC/State.h"
 #include "foundation/nxRFL/ExposeClass.h"
 #include "foundation/urOS/AppOutput.h"
-#include "foundation/urThread/RunQueue.h"
 #include "net/tests/Transfers.h"
 #include "script/initialize.h"
 #include "support/messaging/Broadcaster.h"
-#include "support/messaging/CallInfo.h"
 #include "support/messaging/DataSink.h"
-#include "support/messaging/Domain.h"
 #include "support/messaging/InitializeLuaMsg.h"
 #include "support/messaging/InitializeReflectionMsg.h"
+#include "support/messaging/tests/Host.h"
 #include "support/services/Registry.h"
 
 namespace nxSupport {
@@ -32,28 +30,11 @@ private:
     void onClose() override { text += completed() ? "!" : "?"; }
 };
 
-class TestDomain : public Domain {
-public:
-    explicit TestDomain(Broadcaster* broadcaster) : Domain(nullptr), broadcaster_(broadcaster) {}
-    urThread::RunQueue& runQueue() override { return queue_; }
-
-private:
-    void onBeginContext(Context const& /*context*/) override {}
-    void onEndContext(Context const& /*context*/) override {}
-    void onCallInfoCreated(CallInfo* callInfo, bool /*appOnly*/) override {
-        callInfo->add(broadcaster_);
-        callInfo->add<Domain>(this);
-    }
-    void onCallInfoDestroyed(CallInfo* /*callInfo*/) override {}
-
-    Broadcaster* broadcaster_;
-    urThread::RunQueue queue_;
-};
-
 /// Goes through the start-up in its order, and hands scripts a table `host`.
-class Host {
+class ScriptHost {
 public:
-    Host() {
+    ScriptHost() {
+        domain.provide = [this](CallInfo& callInfo) { callInfo.add(broadcaster.get()), callInfo.add<Domain>(&domain); };
         database.setErrorHandler([](nxRFL::Exception const& error) {
             urOS::AppOutput::getInstance().print("callback: %s\n", error.what());
         });
@@ -101,7 +82,7 @@ public:
     }
 
     std::unique_ptr<Broadcaster> broadcaster = std::make_unique<Broadcaster>();
-    TestDomain domain{broadcaster.get()};
+    Host domain;
     ur::Reference<TextSink> sink = ur::make<TextSink>();
     nxRFL::Database database;
     Registry registry;

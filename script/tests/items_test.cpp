@@ -1,11 +1,8 @@
 // Items to Lua values and back, and the start-up.
 #include "foundation/nxLC/StackChecker.h"
 #include "foundation/urOS/tests/CapturedOutput.h"
-#include "plst/Array.h"
-#include "plst/Dictionary.h"
-#include "plst/Double.h"
-#include "plst/String.h"
 #include "plst/json.h"
+#include "plst/tests/trees.h"
 #include "script/impl/lua.h"
 #include "script/luaItems.h"
 #include "script/tests/Host.h"
@@ -13,6 +10,7 @@
 namespace {
 
 using nxPLST::Item;
+using nxPLST::test::arrayOf;
 using nxSupport::popPListItem;
 using nxSupport::pushPListItem;
 using ur::Reference;
@@ -89,20 +87,12 @@ TEST_F(LuaItems, BecomeValuesAndTables) {
     nxLC::StackChecker const checker(L, 0);
     pushPListItem(L, nullptr);
     pushPListItem(L, ur::make<Odd>());
-    auto const array = ur::make<nxPLST::Array>();
-    for (Reference<Item> const& element :
-         {Reference<Item>(ur::make<nxPLST::Double>(1)), Reference<Item>(ur::make<Odd>()), Reference<Item>(), item})
-        array->insert(element);
-    pushPListItem(L, array);
+    pushPListItem(L, arrayOf({ur::make<nxPLST::Double>(1), ur::make<Odd>(), nullptr, item}));
     lua_setglobal(L, "t");
     EXPECT_EQ(luaL_dostring(L, "assert(t[1] == 1 and t[2] == nil and t[3] == nil and t[4].b.c == -2.5)"), 0);
 
-    auto deep = ur::make<nxPLST::Array>();
-    for (int i = 0; i < 200000; ++i) {
-        auto outer = ur::make<nxPLST::Array>();
-        outer->insert(deep);
-        deep = outer;
-    }
+    Reference<Item> deep;
+    for (int i = 0; i < 200000; ++i) deep = arrayOf({deep});
     pushPListItem(L, deep);
 }
 
@@ -134,7 +124,7 @@ TEST(LuaItemsWithoutMemory, FailWithoutHarm) {
 }
 
 TEST(StartUp, HappensOncePerBroadcasterAndNeedsTheTable) {
-    nxSupport::Host host;
+    nxSupport::ScriptHost host;
     {
         nxSupport::Context const context(&host.domain, nxSupport::Context::AppOnly);
         nxSupport::initialize();

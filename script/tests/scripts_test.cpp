@@ -29,7 +29,7 @@ TEST(Scripts, PrintWhatIsExpected) {
         if (entry.path().extension() != ".lua") continue;
         SCOPED_TRACE(entry.path().stem());
         urOS::CapturedOutput const output;
-        nxSupport::Host host;
+        nxSupport::ScriptHost host;
         EXPECT_EQ(host.run(contents(entry.path())), "ok");
         EXPECT_EQ(withoutAddresses(output.text()), contents(fs::path(entry.path()).replace_extension(".expected")));
     }
