@@ -21,8 +21,7 @@ struct DomainProbe {
     }
 };
 
-/// As the observer of its own contexts it is told of them as well, but only
-/// when a test asks for that.
+/// As the observer of its own contexts it is told of them as well, but only when a test asks for that.
 class Host : public Domain, public ContextObserver {
 public:
     struct Queue : urThread::RunQueue {

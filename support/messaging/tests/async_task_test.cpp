@@ -69,8 +69,7 @@ TEST_F(AsyncTasks, TellThatTheyWereWaitedForEvenFromTheQueueItself) {
     host->queue.add(ur::make<Waiter>(*host));
     task->startThread();
     while (host->queue.size() < 2) std::this_thread::yield();
-    EXPECT_EQ(host->queue.service(),
-              2U);  // waits with the completion behind it in the queue
+    EXPECT_EQ(host->queue.service(), 2U);  // waits with the completion behind it in the queue
     EXPECT_EQ(counts.waited, 1);
 }
 
@@ -112,8 +111,7 @@ TEST_F(AsyncTasks, FindTheirWorkersOutOfTheQueueWhichTheyMayDestroy) {
     EXPECT_FALSE(host);
 }
 
-// Half of the hosts complete what they started, the others close their queue on
-// it.
+// Half of the hosts complete what they started, the others close their queue on it.
 TEST(AThousandTasks, AreStartedWaitedForAbandonedAndThrownIn) {
     std::mt19937 random(20240);
     for (int round = 0; round < 10; ++round) {

@@ -22,8 +22,7 @@ TEST(Modes, HaveNamesTransactionTypesAndFlags) {
         all += std::string(context.interactiveMode() ? "i" : "") + (context.constMode() ? "c" : "") + " ";
     }
     EXPECT_EQ(all,
-              "InteractionStart0i InteractionPerform0i InteractionEnd0i "
-              "Momentary0 Transient1 Const3c "
+              "InteractionStart0i InteractionPerform0i InteractionEnd0i Momentary0 Transient1 Const3c "
               "ConstWithRedraw3c NoTxn2 Undecided4 AppOnly2 Bootstrap2 Bare2 ");
     auto mode = static_cast<Context::Mode>(12);
     EXPECT_EQ(mapTransactionType(mode), TxnUndecided);
@@ -75,9 +74,7 @@ TEST(Contexts, NestWithOneCallInformationAndRunTheirPostFunctionsAtTheEnd) {
         Context const inner(&host, Context::Const);
         Context const innermost(&host, Context::Momentary);
     }
-    EXPECT_EQ(host.takeLog(),
-              "info +Undecided +Const +Momentary -Momentary "
-              "-Const -Undecided ~info emptied A B C ");
+    EXPECT_EQ(host.takeLog(), "info +Undecided +Const +Momentary -Momentary -Const -Undecided ~info emptied A B C ");
     { Context const context(&host, Context::AppOnly); }
     EXPECT_EQ(host.takeLog(), "appInfo +AppOnly -AppOnly ~info emptied ");
     {

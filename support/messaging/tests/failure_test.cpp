@@ -1,5 +1,4 @@
-// User code that throws or destroys, and hosts that make mistakes: the stacks
-// stay whole.
+// User code that throws or destroys, and hosts that make mistakes: the stacks stay whole.
 #include <gmock/gmock.h>
 
 #include <optional>
@@ -12,8 +11,7 @@ namespace {
 
 using namespace nxSupport;
 
-/// A whole context, which tells its host "<Const info +Const -Const ~info
-/// emptied >Const post after".
+/// A whole context, which tells its host "<Const info +Const -Const ~info emptied >Const post after".
 void runContext(Host* host) {
     host->setContextObserver(host);
     Context const context(host, Context::Const);
@@ -31,10 +29,11 @@ void expectSound(Host& host) {
 TEST(ThrowingHook, LeavesNoTraceOfTheContext) {
     std::string const begun = "<Const info +Const ", ended = begun + "-Const ~info emptied >Const post ";
     std::pair<std::string, std::string> const rows[] = {
+        // Nothing has begun then: no hook is told of an end.
         {"<Const", "<Const >Const "},
-        {"info", "<Const info >Const "},  // nothing has begun: no hook is told of
-                                          // an end
+        {"info", "<Const info >Const "},
         {"+Const", begun + "~info >Const "},
+        // The rest still ends.
         {"-Const", ended + "after "},
         {"~info", ended + "after "},
         {"emptied", ended + "after "},
@@ -84,9 +83,7 @@ TEST(ThrowingHandler, LeavesSuppressionBalancedAndTheDomainToItsEnd) {
     EXPECT_THROW(suppressAndThrow(true), std::logic_error);
     host->destroying.addCallback([](Domain*) { throw std::runtime_error("too late"); });
     host->release();
-    EXPECT_EQ(output.text(),
-              "nxSupport::CallInfoControl: released "
-              "failed\nnxSupport::Domain::destroying: too late\n");
+    EXPECT_EQ(output.text(), "nxSupport::CallInfoControl: released failed\nnxSupport::Domain::destroying: too late\n");
 }
 
 TEST(Domain, MayBeDestroyedByWhatItCalls) {
