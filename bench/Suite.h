@@ -15,6 +15,24 @@ struct Side {
     std::function<double()> measure;
 };
 
+/// How long `work` takes, in seconds.
+template <class Work>
+double seconds(Work&& work) {
+    auto const start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// A side that calls `work` with every number from 0 up to `times`.
+template <class Work>
+Side repeated(char const* name, int times, Work work) {
+    return {name, [=] {
+                return seconds([&] {
+                    for (int i = 0; i < times; ++i) work(i);
+                });
+            }};
+}
+
 /// Our way first, then the peers'.
 using Sides = std::vector<Side>;
 
@@ -31,14 +49,6 @@ struct Row {
 };
 
 enum class Unit { seconds, bytes };
-
-/// How long `work` takes, in seconds.
-template <class Work>
-double seconds(Work&& work) {
-    auto const start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 /// Runs rows as they are added and keeps their results. The sides of a row take turns, so that a machine whose
 /// speed drifts treats them alike.
@@ -65,6 +75,8 @@ public:
     /// `full` work, or a tenth of it in a quick run.
     [[nodiscard]] int scaled(int full) const { return options_.quick ? (full + 9) / 10 : full; }
 
+    /// Whether no row has run: none has the filter's text in its name.
+    [[nodiscard]] bool empty() const { return rows_.empty(); }
     [[nodiscard]] bool allMet() const;
     /// False when the file could not be written.
     [[nodiscard]] bool writeJson() const;

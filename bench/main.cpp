@@ -15,7 +15,8 @@ int main(int argc, char** argv) {
         } else if (argv[i][0] != '-') {
             options.filter = argv[i];
         } else {
-            std::fprintf(stderr, "usage: nxbench [--quick] [--json FILE] [ROW]\n");
+            std::fprintf(stderr, "nxbench: %s is no option, or lacks its FILE\n", argv[i]);
+            std::fprintf(stderr, "usage: nxbench [--quick] [--json FILE] [PART OF THE ROWS' NAMES]\n");
             return 2;
         }
     }
@@ -32,6 +33,10 @@ int main(int argc, char** argv) {
     bench::addPropertyRows(suite);
     bench::addLuaRows(suite);
     bench::addServiceRows(suite);
+    if (suite.empty()) {
+        std::fprintf(stderr, "nxbench: no row has %s in its name\n", options.filter.c_str());
+        return 2;
+    }
     if (!suite.writeJson()) {
         std::fprintf(stderr, "nxbench: cannot write %s\n", options.jsonFile.c_str());
         return 2;

@@ -26,15 +26,6 @@ using nxSupport::Context;
 
 constexpr int repetitions = 100000;
 
-template <class Work>
-Side repeated(char const* name, Work work, int times = repetitions) {
-    return {name, [=] {
-                return seconds([&] {
-                    for (int i = 0; i < times; ++i) work(i);
-                });
-            }};
-}
-
 class Host final : public nxSupport::Domain {
 public:
     Host() : Domain(nullptr) {}
@@ -106,14 +97,14 @@ struct PlainOwner final : PlainScope::Owner {
 };
 
 Side plainScopes(std::shared_ptr<PlainScope::Owner> const& owner) {
-    return repeated("scoped push", [=](int i) {
+    return repeated("scoped push", repetitions, [=](int i) {
         PlainScope const scope(*owner, i % 12);
         keep(&scope);
     });
 }
 
 Side contexts(char const* name, std::shared_ptr<Host> const& host, Context::Mode mode) {
-    return repeated(name, [=](int) {
+    return repeated(name, repetitions, [=](int) {
         Context const context(host.get(), mode);
         keep(&context);
     });
@@ -197,14 +188,11 @@ template <class Bus, class Connect>
 Side broadcasting(char const* name, int subscribers, Connect connect) {
     auto const bus = std::make_shared<Bus>();
     for (int i = 0; i < subscribers; ++i) connect(*bus, i % 4);
-    return repeated(
-        name,
-        [=](int) {
-            Tick tick;
-            bus->broadcast(tick);
-            keep(tick.count);
-        },
-        repetitions / (subscribers + 3));
+    return repeated(name, repetitions / (subscribers + 3), [=](int) {
+        Tick tick;
+        bus->broadcast(tick);
+        keep(tick.count);
+    });
 }
 
 Sides buses(int subscribers) {
@@ -249,14 +237,14 @@ Sides dynamicCalls() {
         auto const& held = std::any_cast<std::string const&>(args[0]);
         return std::any(static_cast<double>(held.size()) * std::any_cast<double>(args[1]));
     };
-    return {repeated("nxDYD",
+    return {repeated("nxDYD", repetitions,
                      [=](int) {
                          ur::vector<ur::Reference<nxDYD::Arg>> args;
                          args.push_back(ur::make<nxDYD::Arg>(name));
                          args.push_back(ur::make<nxDYD::Arg>(factor));
                          keep(nxPLST::asDouble(scale->call(args)->item())->value());
                      }),
-            repeated("std::function over std::any", [=](int) {
+            repeated("std::function over std::any", repetitions, [=](int) {
                 std::vector<std::any> args;
                 args.emplace_back(text);
                 args.emplace_back(number);

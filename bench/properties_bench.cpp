@@ -27,7 +27,7 @@ void listenQt(QtValue* value) {
     ++told;
 }
 
-Property::ItemReference number(std::size_t value) { return ur::make<nxPLST::Double>(static_cast<double>(value)); }
+Property::ItemReference number(double value) { return ur::make<nxPLST::Double>(value); }
 
 /// One property that is set and two that listen.
 struct OurTrio {
@@ -70,30 +70,21 @@ private:
     QVariant after_;
 };
 
-template <class Work>
-Side repeated(char const* name, std::size_t times, Work work) {
-    return {name, [=] {
-                return seconds([&] {
-                    for (std::size_t i = 0; i < times; ++i) work(i);
-                });
-            }};
-}
-
-Sides setting(std::size_t times) {
+Sides setting(int times) {
     auto const ours = std::make_shared<OurTrio>(false);
     auto const qt = std::make_shared<QtTrio>();
-    return {repeated("Property", times, [=](std::size_t i) { ours->members[0]->setValue(number(i)); }),
-            repeated("Qt signals", times, [=](std::size_t i) { qt->value.setValue(static_cast<double>(i)); })};
+    return {repeated("Property", times, [=](int i) { ours->members[0]->setValue(number(i)); }),
+            repeated("Qt signals", times, [=](int i) { qt->value.setValue(static_cast<double>(i)); })};
 }
 
 /// Each time in a new history, so that both sides keep the same number of steps; with its menus, as in the undo rows.
-Sides settingWithUndo(std::size_t times) {
+Sides settingWithUndo(int times) {
     return {{"Property",
              [=] {
                  OurTrio trio(true);
                  OurMenus const menus(trio.manager);
                  return seconds([&] {
-                     for (std::size_t i = 0; i < times; ++i) {
+                     for (int i = 0; i < times; ++i) {
                          trio.manager.begin("Set");
                          trio.members[0]->setValue(number(i));
                          trio.manager.commit();
@@ -104,7 +95,7 @@ Sides settingWithUndo(std::size_t times) {
                  QtTrio trio;
                  QtMenus const menus(trio.stack);
                  return seconds([&] {
-                     for (std::size_t i = 0; i < times; ++i) {
+                     for (int i = 0; i < times; ++i) {
                          trio.stack.push(new SetCommand(trio.value, static_cast<double>(i)));
                      }
                  });
@@ -136,7 +127,7 @@ double lifeOfSet(std::size_t count) {
 }  // namespace
 
 void addPropertyRows(Suite& suite) {
-    auto const times = static_cast<std::size_t>(suite.scaled(100'000));
+    int const times = suite.scaled(100'000);
     suite.compare("property-set/joined-3", 0.5, [=] { return setting(times); });
     suite.compare("property-set/joined-3-undo", 0.5, [=] { return settingWithUndo(times); });
     suite.compareGrowth("joined-members", 100, lifeOfSet);

@@ -12,15 +12,6 @@ namespace {
 
 constexpr int repetitions = 100000;
 
-template <class Work>
-Side repeated(char const* name, Work work) {
-    return {name, [=] {
-                return seconds([&] {
-                    for (int i = 0; i < repetitions; ++i) work(i);
-                });
-            }};
-}
-
 /// What a program would write for itself: the watches of two activities, switched by hand.
 void switchByHand(int i) {
     static std::array<urOS::StopWatch, 2> watches;
@@ -52,10 +43,12 @@ void callRecorded(int i) {
 
 void addServiceRows(Suite& suite) {
     suite.compare("timeline-off/performance-scope", 1.15, [] {
-        return Sides{repeated("PerfScope", switchScope), repeated("stopwatches", switchByHand)};
+        return Sides{repeated("PerfScope", repetitions, switchScope),
+                     repeated("stopwatches", repetitions, switchByHand)};
     });
     suite.compare("timeline-off/script-call", 1.1, [] {
-        return Sides{repeated("ScriptCallScope", callRecorded), repeated("bare call", [](int i) { keep(work(i)); })};
+        return Sides{repeated("ScriptCallScope", repetitions, callRecorded),
+                     repeated("bare call", repetitions, [](int i) { keep(work(i)); })};
     });
 }
 
