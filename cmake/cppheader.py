@@ -171,8 +171,8 @@ class Reader:
         if self.word() == ":":
             while self.word() not in ("{", ""):
                 self.at += 1
-        names = [word for word in head if word not in ("NX_API", "final") and re.match(r"\w", word)]
-        name = path + (names[-1] if names else "",)
+        words = [word for word in head if word not in ("NX_API", "final")]
+        name = path + (self.name_of(words) if words else "",)
         self.found.append(Class("::".join(name), place))
         if self.word() != "{":  # announced only
             self.skip_statement()

@@ -78,7 +78,9 @@ class Planted(unittest.TestCase):
             NX_API Shown operator+(Shown const& a, Shown const& b);
             NX_API int outside(Shown&);
             struct Table { void (*entry)(int); };
-            class Friendly { friend NX_API int outside(Shown& named); friend int unmarked(Friendly); };
+            class Friendly { class Inner; friend NX_API int outside(Shown& named); friend int unmarked(Friendly); };
+            class Friendly::Inner { int later(); };
+            inline int Friendly::Inner::later() { return 5; }
             }
             """
         source = header + """
