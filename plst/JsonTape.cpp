@@ -34,11 +34,12 @@ public:
         add(Kind::number).number = value;
     }
     template <Inside>
-    void text(std::string_view value) {
+    void text(impl::ScannedText value) {
         count();
         key(value);
     }
-    void key(std::string_view text) {
+    void key(impl::ScannedText name) {
+        std::string_view const text = name.view;
         char const* const first = tape_.text_.data();
         Entry& entry = append(Kind::text);
         entry.size = static_cast<std::uint32_t>(text.size());

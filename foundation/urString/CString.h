@@ -41,6 +41,9 @@ public:
     CString& operator=(CString const&) = default;
     CString& operator=(CString&&) noexcept = default;
 
+    /// The text, where `readable` bytes can be read from its start on, at least its own: with sixteen of them a short
+    /// text is taken in one step.
+    [[nodiscard]] static CString ofReadable(std::string_view text, std::size_t readable) { return {text, readable}; }
     /// The text that `printf` would print; empty when the format is in error. Numbers have a point as their
     /// decimal mark, whatever the process's locale is.
     [[gnu::format(printf, 1, 2)]] static CString format(char const* format, ...);
@@ -150,6 +153,8 @@ public:
     friend NX_API std::ostream& operator<<(std::ostream& out, CString const& text);
 
 private:
+    CString(std::string_view text, std::size_t readable) : rep_(text.data(), text.size(), readable) {}
+
     [[nodiscard]] static std::string_view orEmpty(char const* text) noexcept {
         return text ? std::string_view(text) : std::string_view();
     }

@@ -1,6 +1,7 @@
 // The sixteen bytes that hold a text: inline when it is short, on the heap when it is long.
 #pragma once
 
+#include <array>
 #include <bit>
 #include <compare>
 #include <cstddef>
@@ -12,6 +13,18 @@
 #include "foundation/ur/Export.h"
 
 namespace urString::impl {
+
+/// The masks of two words that keep their first bytes in memory, for each number of bytes below sixteen.
+inline constexpr auto firstBytes = [] {
+    std::array<std::array<std::uint64_t, 2>, 16> masks{};
+    for (std::size_t count = 0; count < masks.size(); ++count) {
+        for (std::size_t byte = 0; byte < count; ++byte) {
+            std::size_t const place = std::endian::native == std::endian::little ? byte % 8 : 7 - byte % 8;
+            masks[count][byte / 8] |= std::uint64_t(0xff) << (8 * place);
+        }
+    }
+    return masks;
+}();
 
 /// Owned bytes with a NUL behind them; the layout and the comparisons under `CString`.
 ///
@@ -26,11 +39,14 @@ public:
 
     constexpr TextRep() noexcept = default;
     /// Throws `std::length_error` beyond `maxSize`, `std::bad_alloc` when there is no memory.
-    TextRep(char const* text, std::size_t size) {
-        if (size <= inlineCapacity) [[likely]] {
-            pack(text, size);
+    TextRep(char const* text, std::size_t size) { take(text, size); }
+    /// The same where `readable` bytes can be read, at least `size`: with sixteen of them, a short text needs no look
+    /// at its size.
+    TextRep(char const* text, std::size_t size, std::size_t readable) {
+        if (size <= inlineCapacity && readable > inlineCapacity) [[likely]] {
+            keepInline(load<std::uint64_t>(text), load<std::uint64_t>(text + 8), size);
         } else {
-            std::memcpy(makeRoom(size, size), text, size);
+            take(text, size);
         }
     }
     TextRep(TextRep const& other) : words_{other.words_[0], other.words_[1]} {
@@ -78,9 +94,7 @@ public:
     /// Requires: at most `capacity()`. Bytes that join the text keep the value that they have.
     void setSize(std::size_t size) noexcept {
         if (isInline()) {
-            words_[0] &= firstBytes(size);
-            words_[1] = (size > 8 ? words_[1] & firstBytes(size - 8) : 0) | std::uint64_t(inlineCapacity - size)
-                                                                                << tagShift;
+            keepInline(words_[0], words_[1], size);
         } else {
             block()[size] = '\0';
             words_[1] = std::uint64_t(size) << sizeShift | std::uint64_t(tag()) << tagShift;
@@ -134,13 +148,6 @@ private:
     [[nodiscard]] static std::uint64_t inMemoryOrder(std::uint64_t word) noexcept {
         return littleEndian ? __builtin_bswap64(word) : word;
     }
-    /// The mask of the first `count` bytes in memory.
-    [[nodiscard]] static std::uint64_t firstBytes(std::size_t count) noexcept {
-        if (count == 0) return 0;
-        std::uint64_t const all = ~std::uint64_t(0);
-        std::size_t const others = count < 8 ? 64 - 8 * count : 0;
-        return littleEndian ? all >> others : all << others;
-    }
     template <class Word>
     [[nodiscard]] static std::uint64_t load(char const* from) noexcept {
         Word word;
@@ -170,6 +177,19 @@ private:
     void forget() noexcept {
         words_[0] = 0;
         words_[1] = std::uint64_t(inlineCapacity) << tagShift;
+    }
+    /// Becomes the text. Requires: a new text.
+    void take(char const* text, std::size_t size) {
+        if (size <= inlineCapacity) [[likely]] {
+            pack(text, size);
+        } else {
+            std::memcpy(makeRoom(size, size), text, size);
+        }
+    }
+    /// Becomes the inline text of the first `size` bytes of two words.
+    void keepInline(std::uint64_t first, std::uint64_t second, std::size_t size) noexcept {
+        words_[0] = first & firstBytes[size][0];
+        words_[1] = (second & firstBytes[size][1]) | std::uint64_t(inlineCapacity - size) << tagShift;
     }
     /// Becomes the inline text, without the call that a copy of unknown length would be. Requires: a new text.
     void pack(char const* text, std::size_t size) noexcept {

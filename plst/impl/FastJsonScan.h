@@ -4,11 +4,20 @@
 #include <string>
 #include <string_view>
 
+#include "foundation/urString/CString.h"
 #include "plst/impl/JsonNumberReader.h"
 #include "plst/impl/JsonText.h"
 #include "plst/impl/textScan.h"
 
 namespace nxPLST::impl {
+
+/// A text that a scan tells of, and how many bytes can be read from its start on: perhaps more than it has.
+struct ScannedText {
+    std::string_view view;
+    std::size_t readable;
+
+    [[nodiscard]] urString::CString copy() const { return urString::CString::ofReadable(view, readable); }
+};
 
 /// What encloses a value.
 enum class Inside { array, dictionary };
@@ -19,8 +28,8 @@ enum class Inside { array, dictionary };
 /// number, half of a surrogate pair, a number out of range) makes it give up, and yajl decides. The text must be an
 /// object or an array: its last bracket stops all scanning, so that only texts have to look for the end.
 ///
-/// `Sink` has `null<inside>()`, `boolean<inside>(bool)`, `number<inside>(double)`, `text<inside>(string_view)`,
-/// `key(string_view)` before the value, `open(inside)` and `close()` for containers, and tells by `isOpen()` and
+/// `Sink` has `null<inside>()`, `boolean<inside>(bool)`, `number<inside>(double)`, `text<inside>(ScannedText)`,
+/// `key(ScannedText)` before the value, `open(inside)` and `close()` for containers, and tells by `isOpen()` and
 /// `current()` whether and in which one it is. What it is given lives until the next call.
 template <class Sink>
 class FastJsonScan {
@@ -74,7 +83,7 @@ private:
     char const* readScalar(char const* at) {
         switch (*at) {
             case '"': {
-                std::string_view text;
+                ScannedText text;
                 at = readText(at + 1, text);
                 if (at) sink_.template text<inside>(text);
                 return at;
@@ -99,7 +108,7 @@ private:
     /// Reads a key and its colon.
     char const* readKey(char const* at) {
         if (*at != '"') return nullptr;
-        std::string_view key;
+        ScannedText key;
         at = readText(at + 1, key);
         if (!at) return nullptr;
         sink_.key(key);
@@ -109,16 +118,16 @@ private:
 
     /// From behind the opening quote to behind the closing one, which is before the last bracket. The text lives until
     /// the next one is read.
-    char const* readText(char const* at, std::string_view& text) {
+    char const* readText(char const* at, ScannedText& text) {
         char const* const stop = runEnd<Stop::atEscapesAndUtf8>(at, end_);
         if (stop == end_ || *stop != '"') [[unlikely]]
             return readUnusualText(at, stop, text);
-        text = {at, static_cast<std::size_t>(stop - at)};
+        text = {{at, static_cast<std::size_t>(stop - at)}, static_cast<std::size_t>(end_ - at)};
         return stop + 1 < end_ ? stop + 1 : nullptr;
     }
 
     /// A text that has escapes or more than ASCII, which is plain up to `stop`.
-    char const* readUnusualText(char const* at, char const* stop, std::string_view& text) {
+    char const* readUnusualText(char const* at, char const* stop, ScannedText& text) {
         unescaped_.clear();
         for (; stop != end_ && *stop != '"'; stop = runEnd<Stop::atEscapesAndUtf8>(stop, end_)) {
             if (*stop == '\\') {
@@ -133,7 +142,7 @@ private:
         }
         if (end_ - stop < 2) return nullptr;
         unescaped_.append(at, stop);
-        text = unescaped_;
+        text = {unescaped_, unescaped_.size()};
         return stop + 1;
     }
 

@@ -6,31 +6,6 @@
 #include <span>
 
 namespace nxPLST::impl {
-namespace {
-
-/// Stable, and fast for the few members that most dictionaries have.
-template <class Member>
-void sortByKey(std::span<Member> members) {
-    constexpr std::size_t fewMembers = 24;
-    auto const before = [](Member const& a, Member const& b) { return a.key < b.key; };
-    if (members.size() > fewMembers) {
-        if (!std::is_sorted(members.begin(), members.end(), before)) {
-            std::stable_sort(members.begin(), members.end(), before);
-        }
-        return;
-    }
-    for (std::size_t i = 1; i < members.size(); ++i) {
-        if (!before(members[i], members[i - 1])) continue;
-        Member moving = std::move(members[i]);
-        std::size_t hole = i;
-        do {
-            members[hole] = std::move(members[hole - 1]);
-        } while (--hole > 0 && before(moving, members[hole - 1]));
-        members[hole] = std::move(moving);
-    }
-}
-
-}  // namespace
 
 void JsonTreeSink::close() {
     Frame const frame = frames_.top();
@@ -47,7 +22,7 @@ void JsonTreeSink::close() {
 }
 
 ur::Reference<Item> JsonTreeSink::takeArray(std::size_t first) {
-    auto array = ur::make<Array>();
+    auto array = items_.make<Array>();
     auto const elements = elements_.above(first);
     array->array().assign(std::move_iterator(elements.begin()), std::move_iterator(elements.end()));
     elements_.cut(first);
@@ -55,19 +30,34 @@ ur::Reference<Item> JsonTreeSink::takeArray(std::size_t first) {
 }
 
 ur::Reference<Item> JsonTreeSink::takeDictionary(std::size_t first) {
-    auto dictionary = ur::make<Dictionary>();
-    auto const members = members_.above(first);
-    sortByKey(members);
-    auto& map = dictionary->dictionary();
+    auto dictionary = items_.make<Dictionary>();
+    fill(dictionary->dictionary(), members_.above(first));
+    members_.cut(first);
+    return dictionary;
+}
+
+void JsonTreeSink::fill(Dictionary::Map& map, std::span<Member> members) {
     map.reserve(members.size());
+    std::uint8_t const* const order = orders_.of(std::span<Member const>(members));
+    if (!order) return fillSlowly(map, members);
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        Member& member = members[order[i]];
+        map.emplaceLast(std::move(member.key), std::move(member.value));
+    }
+}
+
+/// Takes any members; of equal keys the last one stays.
+void JsonTreeSink::fillSlowly(Dictionary::Map& map, std::span<Member> members) {
+    auto const before = [](Member const& a, Member const& b) { return a.key < b.key; };
+    if (!std::is_sorted(members.begin(), members.end(), before)) {
+        std::stable_sort(members.begin(), members.end(), before);
+    }
     for (std::size_t i = 0; i < members.size(); ++i) {
         Member member = std::move(members[i]);
-        bool const again = i + 1 < members.size() && members[i + 1].key == member.key;  // the last one stays
+        bool const again = i + 1 < members.size() && members[i + 1].key == member.key;
         lostNothing_ &= !again;
         if (!again) map.emplaceLast(std::move(member.key), std::move(member.value));
     }
-    members_.cut(first);
-    return dictionary;
 }
 
 }  // namespace nxPLST::impl

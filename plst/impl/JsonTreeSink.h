@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cmath>
-#include <string_view>
+#include <span>
 
 #include "plst/Array.h"
 #include "plst/Bool.h"
@@ -10,6 +10,8 @@
 #include "plst/Double.h"
 #include "plst/String.h"
 #include "plst/impl/FastJsonScan.h"
+#include "plst/impl/ItemSource.h"
+#include "plst/impl/KeyOrders.h"
 #include "plst/impl/ScratchStack.h"
 
 namespace nxPLST::impl {
@@ -35,20 +37,20 @@ public:
     }
     template <Inside inside>
     void boolean(bool value) {
-        add<inside>(ur::make<Bool>(value));
+        add<inside>(items_.make<Bool>(value));
     }
     template <Inside inside>
     void number(double value) {
         constexpr double exactWholes = 0x1p53;  // all whole numbers up to here are doubles
         if (std::fabs(value) >= exactWholes) [[unlikely]]
             lostNothing_ = false;
-        add<inside>(ur::make<Double>(value));
+        add<inside>(items_.make<Double>(value));
     }
     template <Inside inside>
-    void text(std::string_view value) {
-        add<inside>(ur::make<String>(urString::CString(value)));
+    void text(ScannedText value) {
+        add<inside>(items_.make<String>(value.copy()));
     }
-    void key(std::string_view name) { members_.push(urString::CString(name), nullptr); }
+    void key(ScannedText name) { members_.push(name); }
     void open(Inside inside) {
         frames_.push(inside == Inside::dictionary ? members_.size() : elements_.size(), inside);
     }
@@ -56,6 +58,8 @@ public:
 
 private:
     struct Member {
+        explicit Member(ScannedText name) : key(name.copy()) {}
+
         urString::CString key;
         ur::Reference<Item> value;
     };
@@ -68,17 +72,21 @@ private:
     template <Inside inside>
     void add(ur::Reference<Item> item) {
         if constexpr (inside == Inside::dictionary) {
-            members_.top().value = std::move(item);
+            members_.top().value.swap(item);
         } else {
             elements_.push(std::move(item));
         }
     }
     ur::Reference<Item> takeArray(std::size_t first);
     ur::Reference<Item> takeDictionary(std::size_t first);
+    void fill(Dictionary::Map& map, std::span<Member> members);
+    void fillSlowly(Dictionary::Map& map, std::span<Member> members);
 
+    ItemSource items_;
     ScratchStack<Frame> frames_;
     ScratchStack<ur::Reference<Item>> elements_;
     ScratchStack<Member> members_;
+    KeyOrders orders_;
     bool lostNothing_ = true;
     ur::Reference<Item> root_;
 };

@@ -41,7 +41,8 @@ private:
 
     [[nodiscard]] std::size_t capacity() const noexcept { return static_cast<std::size_t>(end_ - begin_); }
 
-    void grow() {
+    /// Kept apart, so that pushing is short enough to lie in its callers.
+    [[gnu::noinline]] void grow() {
         std::size_t const size = this->size();
         std::size_t const larger = std::max(firstCapacity, 2 * capacity());
         T* const place = std::allocator<T>().allocate(larger);

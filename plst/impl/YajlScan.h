@@ -31,8 +31,8 @@ public:
     }
 
 private:
-    static std::string_view view(unsigned char const* text, std::size_t length) {
-        return {reinterpret_cast<char const*>(text), length};
+    static ScannedText textOf(unsigned char const* text, std::size_t length) {
+        return {{reinterpret_cast<char const*>(text), length}, length};
     }
 
     /// False when it is out of range. Its own conversions follow the locale.
@@ -103,7 +103,7 @@ private:
         .yajl_string =
             [](void* context, unsigned char const* text, std::size_t length) {
                 return guard(context, [&](YajlScan& scan) {
-                    scan.inCurrent([&]<Inside inside>() { scan.sink_.template text<inside>(view(text, length)); });
+                    scan.inCurrent([&]<Inside inside>() { scan.sink_.template text<inside>(textOf(text, length)); });
                     return true;
                 });
             },
@@ -111,7 +111,7 @@ private:
         .yajl_map_key =
             [](void* context, unsigned char const* text, std::size_t length) {
                 return guard(context, [&](YajlScan& scan) {
-                    scan.sink_.key(view(text, length));
+                    scan.sink_.key(textOf(text, length));
                     return true;
                 });
             },

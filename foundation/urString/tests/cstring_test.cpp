@@ -140,6 +140,21 @@ TEST(CString, OrdersAndEqualsByBytesHoweverItIsStored) {
     }
 }
 
+TEST(CString, IsTheSameHoweverMuchCanBeReadBehindIt) {
+    std::string const bytes("text\0and what\xff follows it", 25);
+    for (std::size_t size = 0; size <= 20; ++size) {
+        std::string_view const text(bytes.data(), size);
+        for (std::size_t readable = size; readable <= 24; ++readable) {
+            // In a block of its own size, so that reading beyond it is seen.
+            std::vector<char> const block(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(readable));
+            CString const copy = CString::ofReadable({block.data(), size}, readable);
+            ASSERT_EQ(copy.view(), text);
+            ASSERT_EQ(copy, CString(text)) << "unused inline bytes are not zero";
+            ASSERT_EQ(copy.c_str()[size], '\0');
+        }
+    }
+}
+
 TEST(CString, IsAKeyThatIsLookedUpByAnyText) {
     ur::map<CString, int> map;
     map["width"] = 1;
