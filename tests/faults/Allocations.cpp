@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "foundation/ur/NodeSource.h"
+
 namespace {
 
 std::size_t left = 0;  // until the one that fails, which is number 1; none does at 0
@@ -54,6 +56,7 @@ void* __real_aligned_alloc(std::size_t alignment, std::size_t bytes);
 void __real_free(void* block);
 void* __real__ZN2ur12allocateNodeEm(std::size_t bytes);
 void __real__ZN2ur14deallocateNodeEPvm(void* node, std::size_t bytes);
+void __real__ZN2ur4impl13giveBackNodesEPNS0_8FreeNodeES2_j(void* first, void* last, std::uint32_t count);
 
 void* __wrap_malloc(std::size_t bytes) { return fails() ? nullptr : counted(__real_malloc(bytes)); }
 void* __wrap_calloc(std::size_t count, std::size_t bytes) {
@@ -78,6 +81,15 @@ void* __wrap__ZN2ur12allocateNodeEm(std::size_t bytes) {
 void __wrap__ZN2ur14deallocateNodeEPvm(void* node, std::size_t bytes) {
     dropped(node);
     __real__ZN2ur14deallocateNodeEPvm(node, bytes);
+}
+/// Empty ones, so that nobody takes nodes without a call.
+ur::impl::NodeBin* __wrap__ZN2ur4impl8nodeBinsEv() {
+    static constinit ur::impl::NodeBin empty[ur::impl::sizeClassOf(ur::impl::largestNode) + 1];
+    return empty;
+}
+void __wrap__ZN2ur4impl13giveBackNodesEPNS0_8FreeNodeES2_j(void* first, void* last, std::uint32_t count) {
+    blocks -= count;
+    __real__ZN2ur4impl13giveBackNodesEPNS0_8FreeNodeES2_j(first, last, count);
 }
 }
 
