@@ -58,7 +58,7 @@ private:
         if (innermost.atEnd()) {
             open_.pop();
             if (!open_.empty()) context_.endReferredPacket();
-        } else if (innermost.element != innermost.lastElement) {
+        } else if (innermost.element) {
             writeChild(innermost.element++->get());
         } else {
             auto const& [key, child] = *innermost.entry++;
