@@ -3,44 +3,23 @@
 
 #include <thread>
 
+#include "foundation/ur/tests/smallStack.h"
 #include "plst/casts.h"
-#include "plst/tests/smallStack.h"
+#include "plst/tests/trees.h"
 
 namespace {
 
 using namespace nxPLST;
 using namespace nxPLST::test;
-using ur::make;
-using ur::Reference;
 
 Reference<Item> number(double value) { return make<Double>(value); }
 Reference<Item> text(char const* value) { return make<String>(value); }
 
-Reference<Array> arrayOf(std::initializer_list<Reference<Item>> elements) {
-    auto array = make<Array>();
-    for (auto const& element : elements) array->insert(element);
-    return array;
-}
-
-Reference<Dictionary> dictionaryOf(char const* key, Reference<Item> value) {
-    auto dictionary = make<Dictionary>();
-    dictionary->insert(key, std::move(value));
-    return dictionary;
-}
-
 /// Nests arrays and dictionaries in turn, `depth` levels around a number.
 Reference<Item> nested(int depth) {
     Reference<Item> item = number(1);
-    for (int i = 0; i < depth; ++i) item = i % 2 ? Reference<Item>(dictionaryOf("k", item)) : arrayOf({item});
+    for (int i = 0; i < depth; ++i) item = i % 2 ? Reference<Item>(dictionaryOf({{"k", item}})) : arrayOf({item});
     return item;
-}
-
-TEST(Items, TellTheirKind) {
-    EXPECT_EQ(make<Bool>()->type(), 0);
-    EXPECT_EQ(make<Double>()->type(), 1);
-    EXPECT_EQ(make<String>("")->type(), 2);
-    EXPECT_EQ(make<Array>()->type(), 3);
-    EXPECT_EQ(make<Dictionary>()->type(), 4);
 }
 
 TEST(Dictionary, KeepsOneValuePerKeyInKeyOrder) {
@@ -67,7 +46,7 @@ TEST(Array, InsertAppendsAndSlotsAreAssignable) {
 
 TEST(Clone, UnsharesEveryOccurrence) {
     auto const shared = text("a");
-    auto const original = arrayOf({shared, shared, dictionaryOf("k", shared)});
+    auto const original = arrayOf({shared, shared, dictionaryOf({{"k", shared}})});
     auto const copy = asArray(original->clone());
     ASSERT_EQ(copy->size(), 3);
     EXPECT_EQ(shared->referenceCount(), 4);
@@ -94,9 +73,9 @@ TEST(Congruent, ComparesShapesAndNeverValues) {
         {arrayOf({}), make<Dictionary>(), false},
         {arrayOf({nullptr}), arrayOf({nullptr}), true},
         {arrayOf({nullptr}), arrayOf({number(1)}), false},
-        {dictionaryOf("a", number(1)), dictionaryOf("b", number(1)), false},
-        {dictionaryOf("a", pair), dictionaryOf("a", arrayOf({number(0), text("")})), true},
-        {dictionaryOf("a", pair), dictionaryOf("a", arrayOf({number(0), number(0)})), false},
+        {dictionaryOf({{"a", number(1)}}), dictionaryOf({{"b", number(1)}}), false},
+        {dictionaryOf({{"a", pair}}), dictionaryOf({{"a", arrayOf({number(0), text("")})}}), true},
+        {dictionaryOf({{"a", pair}}), dictionaryOf({{"a", arrayOf({number(0), number(0)})}}), false},
     };
     for (auto const& one : cases) EXPECT_EQ(one.a->congruent(*one.b), one.expected) << (&one - cases);
 }
@@ -111,21 +90,21 @@ TEST(Casts, NeverConvert) {
 }
 
 TEST(Depth, AMillionLevelsFitASmallStack) {
-    onSmallStack(
+    ::test::onSmallStack(
         [] {
             Reference<Item> const deep = nested(1000000);
             Reference<Item> const copy = deep->clone();
             EXPECT_TRUE(copy->congruent(*deep));
             EXPECT_FALSE(copy->congruent(*nested(1000001)));
         },
-        leastStack);
+        ::test::leastStack);
 }
 
 TEST(Depth, DestructionReachesSharedAndUnsharedChildrenOnce) {
     auto const kept = text("kept");
     {
         Reference<Item> item = kept;
-        for (int i = 0; i < 5000; ++i) item = arrayOf({item, kept, dictionaryOf("k", arrayOf({kept, item}))});
+        for (int i = 0; i < 5000; ++i) item = arrayOf({item, kept, dictionaryOf({{"k", arrayOf({kept, item})}})});
     }
     EXPECT_EQ(kept->referenceCount(), 1);
 }

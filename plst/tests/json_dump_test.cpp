@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "foundation/ur/tests/smallStack.h"
 #include "plst/json.h"
 #include "plst/tests/plainYajl.h"
-#include "plst/tests/smallStack.h"
 
 namespace nxPLST {
 namespace {
@@ -50,14 +50,8 @@ TEST(Dump, KeepsItsLayout) {
 }
 
 TEST(Dump, WritesNothingForANullOrUnknownElementButItsSeparators) {
-    auto array = make<Array>();
-    for (Reference<Item> const& item : {Reference<Item>(), Reference<Item>(make<Stranger>()), Reference<Item>()}) {
-        array->insert(item);
-    }
-    auto dictionary = make<Dictionary>();
-    dictionary->insert("a", nullptr);
-    dictionary->insert("b", array);
-    EXPECT_EQ(asJSON(dictionary), "{\n    \"a\": ,\n    \"b\": [, , ]\n}\n");
+    auto const array = arrayOf({nullptr, make<Stranger>(), nullptr});
+    EXPECT_EQ(asJSON(dictionaryOf({{"a", nullptr}, {"b", array}})), "{\n    \"a\": ,\n    \"b\": [, , ]\n}\n");
 }
 
 TEST(Dump, FillsAFileOrLeavesItAsItWas) {
@@ -82,18 +76,14 @@ TEST(Dump, FailsWithTheDeviceItWritesTo) { EXPECT_FALSE(outputJSON("/dev/full", 
 #endif
 
 TEST(Dump, OfAnyDepthStaysInProportion) {
-    onSmallStack([] {
+    ::test::onSmallStack([] {
         Reference<Item> arrays = make<Array>();
         Reference<Item> dictionaries = make<Dictionary>();
-        for (int i = 1; i < manyLevels; ++i) {
-            auto array = make<Array>();
-            array->insert(std::move(arrays));
-            arrays = std::move(array);
-            auto dictionary = make<Dictionary>();
-            dictionary->insert("k", std::move(dictionaries));
-            dictionaries = std::move(dictionary);
+        for (int i = 1; i < ::test::manyLevels; ++i) {
+            arrays = arrayOf({arrays});
+            dictionaries = dictionaryOf({{"k", dictionaries}});
         }
-        EXPECT_EQ(asJSON(arrays).size(), 2U * manyLevels + 1);
+        EXPECT_EQ(asJSON(arrays).size(), 2U * ::test::manyLevels + 1);
         urString::CString const text = asJSON(dictionaries);
         EXPECT_LT(text.size(), std::size_t(256) << 20);
         EXPECT_TRUE(text.startsWith("{\n    \"k\": {\n        \"k\": {\n            \"k\""));
@@ -106,9 +96,7 @@ TEST(Dump, IndentsSomeHundredLevelsInFull) {
     std::string open;
     std::string close;
     for (int depth = 400; depth > 0; --depth) {
-        auto dictionary = make<Dictionary>();
-        dictionary->insert("k", item);
-        item = dictionary;
+        item = dictionaryOf({{"k", item}});
         open = "{\n" + std::string(4U * depth, ' ') + "\"k\": " + open;
         close += "\n" + std::string(4U * (depth - 1), ' ') + "}";
     }

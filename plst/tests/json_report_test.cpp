@@ -1,7 +1,7 @@
 // Reports of faults and losses.
+#include "foundation/ur/tests/smallStack.h"
 #include "plst/JsonReport.h"
 #include "plst/tests/plainYajl.h"
-#include "plst/tests/smallStack.h"
 
 namespace nxPLST {
 namespace {
@@ -127,8 +127,8 @@ TEST(JsonLosses, KeepTheFirstAndCountTheRest) {
 }
 
 TEST(JsonLosses, HaveBoundedPathsAtAnyDepth) {
-    onSmallStack([] {
-        constexpr int depth = manyLevels / 4;
+    ::test::onSmallStack([] {
+        constexpr int depth = ::test::manyLevels / 4;
         std::string text;
         for (int i = 0; i < depth; ++i) text += "{\"é\":[";
         text += "null";

@@ -18,13 +18,8 @@ std::string strict(Reference<Item> const& item) {
 }
 
 TEST(StrictJson, PutsEveryMemberAndElementOnItsOwnLine) {
-    auto inner = make<Dictionary>();
-    inner->insert("b", make<Array>());
-    inner->insert("a", nullptr);
-    auto tree = make<Array>();
-    tree->insert(make<Double>(1));
-    tree->insert(inner);
-    tree->insert(make<Bool>(false));
+    auto const inner = dictionaryOf({{"b", make<Array>()}, {"a", nullptr}});
+    auto const tree = arrayOf({make<Double>(1), inner, make<Bool>(false)});
     EXPECT_EQ(strict(tree),
               "[\n    1,\n    {\n        \"a\": null,\n        \"b\": [\n\n        ]\n    },\n    false\n]\n");
     EXPECT_EQ(strict(nullptr), "null\n");
@@ -37,8 +32,7 @@ TEST(StrictJson, EscapesOnlyWhatItMust) {
 }
 
 TEST(StrictJson, AppendsAndKeepsWhatCameBeforeARefusal) {
-    auto tree = make<Array>();
-    tree->insert(make<String>("kept"));
+    auto const tree = arrayOf({make<String>("kept")});
     urString::CString text = "before ";
     EXPECT_TRUE(convertToJSON(text, tree));
     tree->insert(make<Double>(std::numeric_limits<double>::infinity()));
@@ -50,13 +44,8 @@ TEST(StrictJson, StopsWhereTheGeneratorDoes) {
     for (int depth : {126, 127, 128, 200}) {
         for (int kind = 0; kind < 2; ++kind) {
             Reference<Item> tree = make<Double>(1);
-            for (int i = 0; i < depth; ++i) {
-                auto array = make<Array>();
-                auto dictionary = make<Dictionary>();
-                array->insert(tree);
-                dictionary->insert("k", tree);
-                tree = kind == 0 ? Reference<Item>(array) : dictionary;
-            }
+            for (int i = 0; i < depth; ++i)
+                tree = kind == 0 ? Reference<Item>(arrayOf({tree})) : dictionaryOf({{"k", tree}});
             urString::CString text;
             std::string plain;
             EXPECT_EQ(convertToJSON(text, tree), depth < 128);
@@ -97,15 +86,6 @@ std::string brief(double value) {
     return {text, impl::writeShortNumber(text, value)};
 }
 
-TEST(JsonNumber, HasTwentyDigitsOfTheExactValue) {
-    EXPECT_EQ(exact(0.1), "0.10000000000000000555");
-    EXPECT_EQ(exact(-0.0), "-0");
-    EXPECT_EQ(exact(1e19), "10000000000000000000");
-    EXPECT_EQ(exact(99999999999999983616.0), "99999999999999983616");
-    EXPECT_EQ(exact(1e20), "1e+20");
-    EXPECT_EQ(exact(5e-324), "4.9406564584124654418e-324");
-}
-
 TEST(JsonNumber, IsWhatPrintfPrints) {
     unsigned const seed = std::random_device()();
     SCOPED_TRACE("seed " + std::to_string(seed));
@@ -126,6 +106,7 @@ TEST(JsonNumber, IsWhatPrintfPrints) {
             above = std::nextafter(above, HUGE_VAL);
         }
     }
+    for (double value : {0.1, -0.0, 5e-324}) EXPECT_EQ(exact(value), printed("%.20g", value));
     for (double value : {std::nan(""), -std::nan(""), HUGE_VAL, -HUGE_VAL}) {
         EXPECT_EQ(brief(value), printed("%g", value));
     }

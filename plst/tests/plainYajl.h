@@ -15,9 +15,6 @@
 
 namespace nxPLST::test {
 
-using ur::make;
-using ur::Reference;
-
 // Reading ------------------------------------------------------------------------------------------------------
 
 struct PlainFrame {

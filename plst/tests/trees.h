@@ -62,33 +62,6 @@ inline Reference<Dictionary> dictionaryOf(std::vector<std::pair<char const*, Ref
     return dictionary;
 }
 
-inline Reference<Item> randomTree(std::mt19937& random, std::vector<Reference<Item>>& pool, int depth) {
-    Reference<Item> item;
-    switch (random() % (depth > 0 ? 7 : 3)) {
-        case 0: item = make<Bool>(random() % 2 == 0); break;
-        case 1: item = make<Double>(std::bit_cast<double>(std::uint64_t{random()} << 32 | random())); break;
-        case 2: item = make<String>(urString::CString(random() % 70, 'x')); break;
-        case 3: return pool.empty() ? Reference<Item>() : pool[random() % pool.size()];
-        case 4:
-        case 5: {
-            auto array = make<Array>();
-            for (auto n = random() % 6; n > 0; --n) array->insert(randomTree(random, pool, depth - 1));
-            item = array;
-            break;
-        }
-        default: {
-            auto dictionary = make<Dictionary>();
-            for (auto n = random() % 30; n > 0; --n) {
-                dictionary->insert(urString::CString::format("%u", unsigned(random() % 50)),
-                                   randomTree(random, pool, depth - 1));
-            }
-            item = dictionary;
-        }
-    }
-    pool.push_back(item);
-    return item;
-}
-
 /// An item of a kind that nobody knows.
 class Stranger final : public Item {
 public:
@@ -104,7 +77,19 @@ public:
 
     /// One in `oddity` items is a null, a NaN, an infinity or a stranger; none when it is 0.
     Reference<Item> tree(int depth, unsigned oddity) {
-        if (oddity > 0 && below(oddity) == 0) return odd();
+        return oddity > 0 && below(oddity) == 0 ? odd() : item(depth, [&] { return tree(depth - 1, oddity); });
+    }
+
+    /// Some items are nulls, and some are in it more than once.
+    Reference<Item> sharingTree(int depth) {
+        if (below(7) == 0) return made_.empty() ? nullptr : made_[below(static_cast<unsigned>(made_.size()))];
+        made_.push_back(item(depth, [&] { return sharingTree(depth - 1); }));
+        return made_.back();
+    }
+
+    /// A container has what `child` gives; there is none below depth 1.
+    template <class Child>
+    Reference<Item> item(int depth, Child child) {
         switch (below(depth > 0 ? 6 : 4)) {
             case 0: return make<Bool>(below(2) == 0);
             case 1: return make<String>(text());
@@ -112,22 +97,22 @@ public:
             case 3: return make<Double>(number());
             case 4: {
                 auto array = make<Array>();
-                for (unsigned n = below(5); n > 0; --n) array->insert(tree(depth - 1, oddity));
+                for (unsigned n = below(5); n > 0; --n) array->insert(child());
                 return array;
             }
             default: {
                 auto dictionary = make<Dictionary>();
-                for (unsigned n = below(14); n > 0; --n) dictionary->insert(text(), tree(depth - 1, oddity));
+                for (unsigned n = below(14); n > 0; --n) dictionary->insert(text(), child());
                 return dictionary;
             }
         }
     }
 
-    /// Of any length and bytes, mostly short and plain.
+    /// Of any length and bytes but NUL, mostly short and plain.
     urString::CString text() {
         std::string text;
         for (unsigned n = below(4) == 0 ? below(70) : below(18); n > 0; --n) {
-            text += static_cast<char>(below(20) == 0 ? below(256) : 'a' + below(26));
+            text += static_cast<char>(below(20) == 0 ? 1 + below(255) : 'a' + below(26));
         }
         return urString::CString(text);
     }
@@ -161,6 +146,7 @@ private:
     }
 
     std::mt19937_64 random_;
+    std::vector<Reference<Item>> made_;
 };
 
 /// Texts that between them touch everything that a reader of JSON has to decide.
