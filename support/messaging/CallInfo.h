@@ -36,7 +36,11 @@ public:
     }
 
     /// Appends an interface, which look-ups by that identity find from now on unless an earlier one has it.
-    void add(ur::TypeInfo type, void* interface) { interfaces_.emplace_back(type, interface); }
+    void add(ur::TypeInfo type, void* interface) {
+        if (interfaces_.size() == interfaces_.capacity()) [[unlikely]]
+            return addInMoreRoom(type, interface);
+        interfaces_.emplace_back(type, interface);
+    }
     /// Adds `interface` under T itself, whatever its dynamic class is.
     template <class T>
     void add(T* interface) {
@@ -48,6 +52,8 @@ public:
     [[nodiscard]] Interfaces const& interfaces() const noexcept { return interfaces_; }
 
 private:
+    void addInMoreRoom(ur::TypeInfo type, void* interface);
+
     Interfaces interfaces_;
 };
 

@@ -1,12 +1,10 @@
-// The life of a context, and the table of modes.
+// The table of modes, and what a context can be asked at any time.
 #include "support/messaging/Context.h"
 
 #include <array>
 #include <utility>
 
-#include "support/messaging/Domain.h"
 #include "support/messaging/impl/DomainImpl.h"
-#include "support/messaging/impl/FirstError.h"
 
 namespace nxSupport {
 
@@ -37,30 +35,9 @@ std::array<ModeName, 12> const& modeNames() {
 
 }  // namespace
 
-Context::Context(Domain* domain, Mode mode) : mode_(mode), transactionType_(mapTransactionType(mode)), domain_(domain) {
-    domain->beginContext(*this);
-}
-
-Context::~Context() noexcept(false) {
-    impl::FirstError errors("nxSupport::Context: while it ended");
-    if (domain_) domain_->end(*this, errors);
-    if (!postFunctions_.empty()) errors.guard([this] { runPostFunctions(); });
-    domain_ = nullptr;
-    errors.leaveDestructor();
-}
-
-void Context::addPostFunction(PostFunction function) const { postFunctions_.push_back(std::move(function)); }
-
-void Context::runPostFunctions() {
-    if (!domain_) return;
-    urRTB::ScopedConnection const watch(domain_->destroying.addCallback([this](Domain*) { domain_ = nullptr; }));
-    while (!postFunctions_.empty()) {
-        ur::vector<PostFunction> const functions = std::exchange(postFunctions_, {});
-        for (PostFunction const& function : functions) {
-            if (!domain_) return;
-            function(domain_);
-        }
-    }
+void Context::addPostFunction(PostFunction function) const {
+    if (!postFunctions_) postFunctions_ = std::make_unique<ur::vector<PostFunction>>();
+    postFunctions_->push_back(std::move(function));
 }
 
 bool Context::isActive(Context const* context) noexcept {

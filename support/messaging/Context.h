@@ -59,7 +59,8 @@ public:
     ~Context() noexcept(false);
 
     [[nodiscard]] Mode mode() const noexcept { return mode_; }
-    [[nodiscard]] TransactionType transactionType() const noexcept { return transactionType_; }
+    /// That of its mode.
+    [[nodiscard]] TransactionType transactionType() const noexcept;
     /// Null when the domain has been destroyed.
     [[nodiscard]] Domain* domain() const noexcept { return domain_; }
     [[nodiscard]] bool constMode() const noexcept { return mode_ == Const || mode_ == ConstWithRedraw; }
@@ -84,17 +85,18 @@ private:
     void runPostFunctions();
 
     Mode const mode_;
-    TransactionType const transactionType_;
     mutable Domain* domain_;
-    mutable ur::vector<PostFunction> postFunctions_;
-    // What the domain notes while the context is active.
-    mutable Context const* outer_ = nullptr;                       ///< around it, in the domain
-    mutable std::unique_ptr<CallInfo> const* callInfo_ = nullptr;  ///< the domain's, at any time
-    mutable Context const* before_ = nullptr;                      ///< begun before it, in the process
-    mutable std::chrono::steady_clock::time_point begun_;          ///< if an observer saw that
+    mutable std::unique_ptr<ur::vector<PostFunction>> postFunctions_;  ///< in most contexts none, and null
+    // What the domain notes when the context begins.
+    mutable Context const* outer_;                         ///< around it, in the domain
+    mutable std::unique_ptr<CallInfo> const* callInfo_;    ///< the domain's, at any time
+    mutable Context const* before_;                        ///< begun before it, in the process
+    mutable std::chrono::steady_clock::time_point begun_;  ///< if an observer saw that
 };
 
 /// `TxnUndecided` for a value that is no mode.
 [[nodiscard]] NX_API TransactionType mapTransactionType(Context::Mode mode) noexcept;
+
+inline TransactionType Context::transactionType() const noexcept { return mapTransactionType(mode_); }
 
 }  // namespace nxSupport

@@ -1,4 +1,4 @@
-// How contexts begin and end, and what their domain tells about them.
+// What a domain can be asked, and its call information and tasks.
 #include "support/messaging/Domain.h"
 
 #include <exception>
@@ -18,12 +18,7 @@ using Clock = ContextObserver::Clock;
 // Of the whole process, main thread only.
 std::int32_t asyncOperationCount = 0;
 
-bool isModed(Context const& context) noexcept { return context.mode() != Context::Bare; }
-bool isTold(Context const& context) noexcept { return isModed(context) && context.mode() != Context::Bootstrap; }
-
 }  // namespace
-
-ContextObserver::~ContextObserver() = default;
 
 Domain::Domain(Domain* parent) : impl_(std::make_unique<DomainImpl>(parent ? parent : this)) {}
 
@@ -31,79 +26,6 @@ Domain::~Domain() {
     impl::FirstError errors("nxSupport::Domain::destroying");
     errors.guard([this] { destroying.emit(this); });
     errors.print();
-}
-
-void Domain::beginContext(Context const& context) {
-    impl_->push(context);
-    try {
-        if (impl_->observer) tellObserver(context);
-        if (context.domain() && isModed(context)) enterMode(context);
-    } catch (...) {
-        if (context.domain()) rollBack(context);
-        throw;
-    }
-}
-
-void Domain::tellObserver(Context const& context) {
-    context.begun_ = Clock::now();
-    impl_->observer->onBegin(context, context.begun_);
-}
-
-void Domain::enterMode(Context const& context) {
-    if (!impl_->callInfo) createCallInfo(context);
-    if (context.domain() && isTold(context)) onBeginContext(context);
-}
-
-void Domain::createCallInfo(Context const& context) {
-    impl_->makeCallInfo();
-    if (!isTold(context)) return;
-    try {
-        onCallInfoCreated(impl_->callInfo.get(), context.mode() == Context::AppOnly);
-    } catch (...) {
-        if (context.domain()) impl_->dropCallInfo();
-        throw;
-    }
-}
-
-void Domain::rollBack(Context const& context) noexcept {
-    impl::FirstError errors("nxSupport::Context: while it failed to begin");
-    if (isModed(context)) leaveMode(context, errors);
-    if (context.domain()) leave(context, errors);
-    errors.print();
-}
-
-void Domain::endContext(Context const& context) {
-    impl::FirstError errors("nxSupport::Domain::endContext");
-    end(context, errors);
-    errors.rethrow();
-}
-
-void Domain::end(Context const& context, impl::FirstError& errors) noexcept {
-    // User code may destroy the domain, which then lets go of the context.
-    auto const alive = [&] { return context.domain() != nullptr; };
-    if (isModed(context)) {
-        if (isTold(context)) errors.guard([&] { onEndContext(context); });
-        if (alive()) leaveMode(context, errors);
-        if (alive() && impl_->modeStack.empty()) errors.guard([&] { contextStackEmptied.emit(); });
-    }
-    if (alive()) leave(context, errors);
-}
-
-void Domain::leaveMode(Context const& context, impl::FirstError& errors) noexcept {
-    if (impl_->callInfoDepth == static_cast<std::int32_t>(impl_->modeStack.size())) {
-        if (isTold(context)) errors.guard([&] { onCallInfoDestroyed(impl_->callInfo.get()); });
-        if (!context.domain()) return;
-        impl_->dropCallInfo();
-    }
-    impl_->popMode(context);
-}
-
-void Domain::leave(Context const& context, impl::FirstError& errors) noexcept {
-    if (impl_->observer && context.begun_ != Clock::time_point()) {
-        Clock::time_point const now = Clock::now();
-        errors.guard([&] { impl_->observer->onEnd(context, now, now - context.begun_); });
-    }
-    if (context.domain()) impl_->pop(context);
 }
 
 Domain* Domain::getPrimary() const noexcept { return impl_->primary; }

@@ -113,14 +113,16 @@ private:
     void callInfoRelease();
     static CallInfo const& callInfoFunc();
 
-    // Parts of beginning and ending, as they follow each other.
-    void tellObserver(Context const& context);
-    void enterMode(Context const& context);
-    void createCallInfo(Context const& context);
+    // Parts of beginning and ending, as they follow each other; the common road is one piece of code, in
+    // contextLife.cpp. Results are false when the domain is gone.
+    inline void begin(Context const& context);
+    [[nodiscard]] bool tellObserver(Context const& context);
+    [[nodiscard]] inline bool createCallInfo(DomainImpl& stacks, Context const& context);
     void rollBack(Context const& context) noexcept;
-    void end(Context const& context, impl::FirstError& errors) noexcept;
-    void leaveMode(Context const& context, impl::FirstError& errors) noexcept;
-    void leave(Context const& context, impl::FirstError& errors) noexcept;
+    inline void end(Context const& context, impl::FirstError& errors) noexcept;
+    [[nodiscard]] inline bool leaveMode(DomainImpl& stacks, Context const& context, impl::FirstError& errors) noexcept;
+    inline void leave(DomainImpl& stacks, Context const& context, impl::FirstError& errors) noexcept;
+    [[nodiscard]] bool tellObserverOfEnd(Context const& context, impl::FirstError& errors) noexcept;
 
     std::unique_ptr<DomainImpl> impl_;
     bool locked_ = false;

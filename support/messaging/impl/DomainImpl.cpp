@@ -41,16 +41,9 @@ void DomainImpl::popBelow(Context const& context) noexcept {
     unlink(innermost, &Context::outer_, context);
 }
 
-void DomainImpl::makeCallInfo() {
-    callInfo = spare ? std::move(spare) : std::make_unique<CallInfo>();
-    callInfoDepth = static_cast<std::int32_t>(modeStack.size());
-}
-
-void DomainImpl::dropCallInfo() noexcept {
-    callInfo->clearInterfaces();
-    spare = std::move(callInfo);
-    callInfoDepth = 0;
-}
+void DomainImpl::pushModeInMoreRoom(Context::Mode mode) { modeStack.push_back(mode); }
+void DomainImpl::makeSpare() { spare = std::make_unique<CallInfo>(); }
+void DomainImpl::dropSpare() noexcept { spare.reset(); }
 
 void DomainImpl::suppress() {
     suppressedCallInfos.emplace_back(nullptr, callInfoDepth);

@@ -28,7 +28,8 @@ struct DomainImpl final : ur::ImplBase {
     ~DomainImpl() override;
 
     void push(Context const& context) {
-        if (context.mode_ != Context::Bare) modeStack.push_back(context.mode_);
+        if (context.mode_ != Context::Bare) [[likely]]
+            pushMode(context.mode_);
         context.outer_ = std::exchange(innermost, &context);
         context.before_ = std::exchange(latest, &context);
         context.callInfo_ = &callInfo;
@@ -44,8 +45,19 @@ struct DomainImpl final : ur::ImplBase {
         latest = context.before_;
     }
 
-    void makeCallInfo();
-    void dropCallInfo() noexcept;
+    void makeCallInfo() {
+        if (!spare) [[unlikely]]
+            makeSpare();
+        callInfo.swap(spare);
+        callInfoDepth = static_cast<std::int32_t>(modeStack.size());
+    }
+    void dropCallInfo() noexcept {
+        callInfo->clearInterfaces();
+        if (spare) [[unlikely]]
+            dropSpare();
+        callInfo.swap(spare);
+        callInfoDepth = 0;
+    }
     void suppress();
     void restore() noexcept;
 
@@ -63,6 +75,15 @@ struct DomainImpl final : ur::ImplBase {
     CallInfoField spare;  ///< an empty one, so that contexts begun one after the other need no new memory
 
 private:
+    void pushMode(Context::Mode mode) {
+        if (modeStack.size() == modeStack.capacity()) [[unlikely]]
+            return pushModeInMoreRoom(mode);
+        modeStack.push_back(mode);
+    }
+    // Off the common road.
+    void pushModeInMoreRoom(Context::Mode mode);
+    void makeSpare();
+    void dropSpare() noexcept;
     /// For contexts that end out of order.
     void popModeBelow(Context const& context) noexcept;
     void popBelow(Context const& context) noexcept;

@@ -30,9 +30,8 @@ public:
     }
     /// The last step of a destructor: throws it, or prints it while another exception unwinds the stack.
     void leaveDestructor() const {
-        if (!error_) return;
-        if (std::uncaught_exceptions() == 0) std::rethrow_exception(error_);
-        print();
+        if (error_) [[unlikely]]
+            throwOrPrint();
     }
     /// Prints it.
     void print() const noexcept {
@@ -40,6 +39,10 @@ public:
     }
 
 private:
+    [[gnu::noinline]] void throwOrPrint() const {
+        if (std::uncaught_exceptions() == 0) std::rethrow_exception(error_);
+        print();
+    }
     void keep() noexcept {
         if (error_) {
             urOS::reportException(where_, std::current_exception());
