@@ -180,6 +180,24 @@ TEST(ReadJson, TakesOrdinaryTextsTheFastWay) {
     }
 }
 
+TEST(ReadJson, OrdersKeysWhicheverCameBefore) {
+    unsigned const seed = std::random_device()();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    RandomTrees random(seed);
+    std::string text = "[";
+    for (int i = 0; i < 20000; ++i) {
+        unsigned const members = random.below(random.below(4) == 0 ? 30 : 5);
+        unsigned const first = random.below(50);
+        unsigned const step = random.below(8) == 0 ? random.below(50) : 7;  // else all different
+        text += i > 0 ? ",{" : "{";
+        for (unsigned m = 0; m < members; ++m) {
+            text += (m > 0 ? ",\"k" : "\"k") + std::to_string((first + m * step) % 50) + "\":" + std::to_string(m);
+        }
+        text += '}';
+    }
+    EXPECT_TRUE(agree(text + "]"));
+}
+
 TEST(ReadJson, OfAnyDepthNeedsLittleStack) {
     constexpr unsigned depth = ::test::manyLevels;
     std::string arrays = std::string(depth, '[') + std::string(depth, ']');
