@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "dyd/Invocation.h"
+#include "foundation/ur/keepAlive.h"
 
 namespace nxDYD {
 
@@ -15,8 +16,7 @@ void Hooks::preInvoke(Function* /*function*/, ur::vector<ur::Reference<Arg>>& /*
 void Hooks::postInvoke(Function* /*function*/, ur::vector<ur::Reference<Arg>> const& /*args*/, Arg const* /*result*/) {}
 
 ur::Reference<Arg> Function::call(ur::vector<ur::Reference<Arg>>& args) {
-    // A function that nobody holds lives outside the heap, and must not be counted.
-    ur::Reference<Function> const self(referenceCount() > 0 ? this : nullptr);
+    auto const self = ur::keepAlive(*this);
     ur::Reference<Hooks> const hooks = hooks_;
     if (!hooks) return onCall(args);
     hooks->preInvoke(this, args);

@@ -3,13 +3,14 @@
 
 #include <utility>
 
+#include "foundation/ur/keepAlive.h"
+
 namespace nxNet {
 
 Connection::~Connection() = default;
 
 void Connection::cancel() {
-    // The host may drop its reference when it stops. One that nobody holds lives outside the heap, and is not counted.
-    ur::Reference<Connection> const self(referenceCount() > 0 ? this : nullptr);
+    auto const self = ur::keepAlive(*this);  // the host may drop its reference when it stops
     onCancel();
     finish(Cancelled);
 }

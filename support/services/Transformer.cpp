@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "foundation/ur/Reference.h"
+#include "foundation/ur/keepAlive.h"
 #include "foundation/urLinear/studioDecompose.h"
 
 namespace nxSupport {
@@ -78,7 +78,7 @@ void Transformer::setXForm(AffineMatrix const& transform) {
 }
 
 void Transformer::finish() {
-    ur::Reference<Transformer> const held(referenceCount() > 0 ? this : nullptr);  // a handler may drop the last one
+    auto const self = ur::keepAlive(*this);  // a handler may drop the last reference
     transformFinished.emit(this);
     op_ = Op::none;
 }
