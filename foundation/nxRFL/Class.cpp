@@ -3,11 +3,7 @@
 
 #include <algorithm>
 
-#include "foundation/nxRFL/IteratorState.h"
-
 namespace nxRFL {
-
-IteratorState::~IteratorState() = default;
 
 Member const* MemberList::find(urString::CString const& name) const noexcept {
     auto const found = std::ranges::find(members_, name, &Member::name);

@@ -37,7 +37,7 @@ Class& Database::addClass(std::unique_ptr<Class> added) {
     return result;
 }
 
-Database::Table const* Database::getTable(urString::CString const& name) const noexcept {
+Database::Table* Database::getTable(urString::CString const& name) const noexcept {
     for (auto const& table : tables_) {
         if (table->name == name) return table.get();
     }
@@ -45,9 +45,7 @@ Database::Table const* Database::getTable(urString::CString const& name) const n
 }
 
 Database::Table& Database::addTable(urString::CString const& name) {
-    for (auto const& table : tables_) {
-        if (table->name == name) return *table;
-    }
+    if (Table* const known = getTable(name)) return *known;
     return *tables_.emplace_back(new Table{name, {}});
 }
 

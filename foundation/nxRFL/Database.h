@@ -40,7 +40,7 @@ public:
     [[nodiscard]] ur::vector<std::unique_ptr<Class>> const& classes() const noexcept { return classes_; }
 
     /// Null when there is no such table.
-    [[nodiscard]] Table const* getTable(urString::CString const& name) const noexcept;
+    [[nodiscard]] Table* getTable(urString::CString const& name) const noexcept;
     /// A new one when there is none of that name.
     Table& addTable(urString::CString const& name);
     [[nodiscard]] ur::vector<std::unique_ptr<Table>> const& tables() const noexcept { return tables_; }

@@ -2,6 +2,7 @@
 #include "foundation/nxRFL/Function.h"
 
 #include "foundation/nxRFL/Exception.h"
+#include "foundation/nxRFL/IteratorState.h"
 #include "foundation/nxRFL/Reader.h"
 
 namespace nxRFL {
@@ -10,8 +11,11 @@ using urString::CString;
 
 Exception::~Exception() = default;
 Function::~Function() = default;
+IteratorState::~IteratorState() = default;
 
 bool Function::onCallPlain(std::span<PlainValue const> /*arguments*/, PlainResult& /*result*/) const { return false; }
+
+bool Function::givesSeveral() const noexcept { return !signature_.empty() && signature_.front().startsWith("object["); }
 
 void Function::failArity(Stack const& arguments, unsigned count) const {
     CString message = name_.empty() ? CString("the function") : name_;

@@ -48,6 +48,8 @@ public:
     void setName(urString::CString name) noexcept { name_ = std::move(name); }
     /// The names of its types: of the result, of the object if it is a method, of the arguments. Empty when unknown.
     [[nodiscard]] ur::vector<urString::CString> const& signature() const noexcept { return signature_; }
+    /// Whether an iterator with this as its value gives the script the elements of the result, an "object[2]".
+    [[nodiscard]] bool givesSeveral() const noexcept;
     void setSignature(ur::vector<urString::CString> signature) noexcept { signature_ = std::move(signature); }
 
 protected:

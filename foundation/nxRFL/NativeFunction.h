@@ -41,9 +41,7 @@ struct Signature<Result (Owner::*)(Arguments...) const noexcept, Self>
 template <class Parameter>
 auto readArgument(Reader& reader) {
     using T = std::remove_cvref_t<Parameter>;
-    constexpr bool isChanged =
-        std::is_lvalue_reference_v<Parameter> && !std::is_const_v<std::remove_reference_t<Parameter>>;
-    if constexpr (std::is_same_v<T, urString::CString> && std::is_reference_v<Parameter> && !isChanged) {
+    if constexpr (std::is_same_v<T, urString::CString> && std::is_reference_v<Parameter> && !isChangeable<Parameter>) {
         return std::cref(reader.readText());
     } else if constexpr (WalkState<T>) {
         auto* const state = static_cast<IteratorState*>(reader.readObject(ur::TypeInfo::of<IteratorState>()));

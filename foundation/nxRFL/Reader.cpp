@@ -10,6 +10,7 @@
 namespace nxRFL {
 
 using impl::Container;
+using impl::nowhere;
 using impl::Value;
 using urString::CString;
 
@@ -43,9 +44,8 @@ unsigned Reader::enter(Container::Kind kind, std::string_view expected) {
 }
 
 void Reader::leave() noexcept {
-    std::uint32_t const parent = head().parent;
     at_ = end();
-    open_ = parent == 0 ? nowhere : open_ - parent;
+    open_ = head().enclosing(open_);
 }
 
 void* Reader::readObjectOrNull(ur::TypeInfo type) {
@@ -115,8 +115,7 @@ void Reader::fail(std::string_view expected) const {
 void Reader::failOnKey(std::string_view name, std::string_view key) const {
     CString complaint("is no ");
     complaint.append(name).append(": \"").append(key).append("\" is one key too many");
-    raise(open_ == nowhere ? CString() : placeOf(open_, head().parent == 0 ? nowhere : open_ - head().parent),
-          complaint);
+    raise(open_ == nowhere ? CString() : placeOf(open_, head().enclosing(open_)), complaint);
 }
 
 void Reader::raise(CString const& place, std::string_view complaint) const {
@@ -152,7 +151,7 @@ CString Reader::placeOf(std::size_t at, std::size_t container) const {
         return CString::format(function_ ? "argument %u" : "item %u", ordinal + (isMethod ? 0 : 1));
     }
     Container const& head = std::get<Container>(stack_.values_[container]);
-    CString place = placeOf(container, head.parent == 0 ? nowhere : container - head.parent);
+    CString place = placeOf(container, head.enclosing(container));
     if (head.kind == Container::Kind::array) return place.append(CString::format("[%u]", ordinal + 1));
     auto const* const key = ordinal % 2 == 1 ? std::get_if<CString>(&stack_.values_[before]) : nullptr;
     return key ? place.append(".").append(*key) : place;

@@ -77,7 +77,7 @@ public:
 
 private:
     [[nodiscard]] std::size_t end() const noexcept {
-        return open_ == nowhere ? stack_.values_.size() : open_ + head().length;
+        return open_ == impl::nowhere ? stack_.values_.size() : open_ + head().length;
     }
     template <class T>
     [[nodiscard]] T const* next() const noexcept {
@@ -102,12 +102,10 @@ private:
     [[nodiscard]] urString::CString placeOf(std::size_t at, std::size_t container) const;
     [[noreturn]] void raise(urString::CString const& place, std::string_view complaint) const;
 
-    static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
-
     Stack const& stack_;
     Function const* function_ = nullptr;
     std::size_t at_ = 0;
-    std::size_t open_ = nowhere;  // the innermost open container
+    std::size_t open_ = impl::nowhere;  ///< the innermost open container
 };
 
 /// Reads the dictionary that comes next: calls `readEntry(key)` for each entry, which reads the value and returns

@@ -1,6 +1,7 @@
 // The values that pass between scripts and native code.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <variant>
 
@@ -11,6 +12,9 @@ namespace nxRFL {
 
 namespace impl {
 
+/// The place of a container that is not there.
+inline constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
+
 /// The head of an array or of a dictionary; what it holds follows it on the stack.
 struct Container {
     enum class Kind : std::uint8_t { array, dictionary };
@@ -19,6 +23,9 @@ struct Container {
     std::uint32_t items;   ///< directly inside; a dictionary's keys count as well
     std::uint32_t length;  ///< values from this head up to the first one behind its contents
     std::uint32_t parent;  ///< how far before this head that of the enclosing container lies; 0 when outermost
+
+    /// The place of the enclosing container's head, for this one at `at`.
+    [[nodiscard]] std::size_t enclosing(std::size_t at) const noexcept { return parent == 0 ? nowhere : at - parent; }
 };
 
 using Value = std::variant<std::monostate, bool, double, urString::CString, Container, Object, ur::Reference<Function>>;

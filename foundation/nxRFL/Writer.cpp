@@ -9,6 +9,7 @@
 namespace nxRFL {
 
 using impl::Container;
+using impl::nowhere;
 using impl::Value;
 
 void Writer::closeAll() {
@@ -72,7 +73,7 @@ void Writer::close(Container::Kind kind) {
     if (kind == Container::Kind::dictionary && container.items % 2 != 0)
         throw Exception("the last entry of a dictionary has no value");
     container.length = static_cast<std::uint32_t>(stack_.values_.size() - open_);
-    open_ = container.parent == 0 ? nowhere : open_ - container.parent;
+    open_ = container.enclosing(open_);
 }
 
 }  // namespace nxRFL

@@ -15,7 +15,7 @@ public:
     Writer(Writer const&) = delete;
     Writer& operator=(Writer const&) = delete;
     ~Writer() {
-        if (open_ != nowhere) closeAll();
+        if (open_ != impl::nowhere) closeAll();
     }
 
     void writeNull() { append(std::monostate()); }
@@ -51,7 +51,7 @@ private:
 
     template <class T, class... Parts>
     void append(T&& value, Parts&&... parts) {
-        if (open_ != nowhere) checkKey(std::is_same_v<std::decay_t<T>, urString::CString>);
+        if (open_ != impl::nowhere) checkKey(std::is_same_v<std::decay_t<T>, urString::CString>);
         stack_.values_.emplace_back(std::forward<T>(value), std::forward<Parts>(parts)...);
         count();
     }
@@ -59,15 +59,13 @@ private:
     [[nodiscard]] impl::Container& head(std::size_t at) const { return std::get<impl::Container>(stack_.values_[at]); }
     [[nodiscard]] std::uint32_t distanceToOpen(std::size_t at) const noexcept;
     void checkKey(bool isText) const;
-    void count() { ++(open_ == nowhere ? stack_.items_ : head(open_).items); }
+    void count() { ++(open_ == impl::nowhere ? stack_.items_ : head(open_).items); }
     void open(impl::Container::Kind kind);
     void close(impl::Container::Kind kind);
     void closeAll();
 
-    static constexpr std::size_t nowhere = static_cast<std::size_t>(-1);
-
     Stack& stack_;
-    std::size_t open_ = nowhere;  // the innermost open container
+    std::size_t open_ = impl::nowhere;  ///< the innermost open container
 };
 
 }  // namespace nxRFL

@@ -7,6 +7,7 @@
 #include "foundation/nxLC/impl/catchers.h"
 #include "foundation/nxLC/impl/errors.h"
 #include "foundation/nxLC/impl/publish.h"
+#include "foundation/nxLC/impl/pushAddress.h"
 #include "foundation/nxLC/impl/runProtected.h"
 
 namespace nxLC::impl {
@@ -14,8 +15,6 @@ namespace nxLC::impl {
 namespace {
 
 constexpr char anchorKey = 0;  // its address is the anchor's key in the registry
-
-void pushAnchorKey(lua_State* state) { lua_pushlightuserdata(state, const_cast<char*>(&anchorKey)); }
 
 /// Runs when the state closes, after all userdata made since have been given up.
 int closeBinding(lua_State* state) {
@@ -59,7 +58,7 @@ void pushTraceback(lua_State* state) {
 }  // namespace
 
 Binding* Binding::find(lua_State* state) noexcept {
-    pushAnchorKey(state);
+    pushAddress(state, anchorKey);
     lua_rawget(state, LUA_REGISTRYINDEX);
     auto const* const anchor = static_cast<Anchor*>(lua_touserdata(state, -1));
     lua_pop(state, 1);
@@ -94,7 +93,7 @@ int Binding::setUp(lua_State* state) {
     anchor->binding = nullptr;
     pushTableWith(state, "__gc", &closeBinding);
     lua_setmetatable(state, -2);
-    pushAnchorKey(state);
+    pushAddress(state, anchorKey);
     lua_pushvalue(state, -2);
     lua_rawset(state, LUA_REGISTRYINDEX);
     lua_pushvalue(state, -1);

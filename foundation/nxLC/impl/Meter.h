@@ -57,7 +57,7 @@ private:
     Limits limits_;
     lua_Alloc allocator_ = nullptr;
     void* allocatorData_ = nullptr;
-    std::size_t used_ = 0;  // bytes
+    std::size_t used_ = 0;  ///< bytes
     std::size_t allowed_ = unlimited;
     std::size_t collectAt_ = unlimited;
     std::uint64_t instructions_ = 0;

@@ -170,9 +170,8 @@ int stepIteration(lua_State* state) {
         readArguments(*binding, state, value, stacks.arguments());
         value.call(stacks.arguments(), stacks.results());
         walk->advance();
-        bool const isSeveral = !value.signature().empty() && value.signature().front().startsWith("object[");
-        return isSeveral ? pushElements(*binding, state, stacks.results())
-                         : pushResults(*binding, state, stacks.results(), text);
+        return value.givesSeveral() ? pushElements(*binding, state, stacks.results())
+                                    : pushResults(*binding, state, stacks.results(), text);
     };
     return complete(state, runNative(binding, state, text, step), text);
 }

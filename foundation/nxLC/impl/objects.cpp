@@ -75,8 +75,6 @@ nxRFL::Class* toClass(lua_State* state, int index) noexcept {
     return result;
 }
 
-void pushMark(lua_State* state, char const& mark) noexcept { lua_pushlightuserdata(state, const_cast<char*>(&mark)); }
-
 bool pushKnown(Binding& binding, lua_State* state, Object const& object) {
     Database::Resolved const resolved = binding.database.resolve(object);
     bool const isClass = resolved.objectClass == binding.classOfClasses;

@@ -37,8 +37,6 @@ inline constexpr char classMark = 0;
 }
 /// The class whose table the value is, or null. Never raises.
 [[nodiscard]] nxRFL::Class* toClass(lua_State* state, int index) noexcept;
-/// Pushes the address at index 1 of a metatable that is on top.
-void pushMark(lua_State* state, char const& mark) noexcept;
 
 /// Pushes the userdata of an object that the state knows. False when it does not, or has not met the class yet.
 /// Never raises; throws when the class is not registered.

@@ -6,6 +6,7 @@
 
 #include "foundation/nxLC/impl/Binding.h"
 #include "foundation/nxLC/impl/errors.h"
+#include "foundation/nxLC/impl/pushAddress.h"
 #include "foundation/nxLC/impl/runProtected.h"
 
 namespace nxLC::impl {
@@ -32,7 +33,7 @@ int runJob(lua_State* state) {
 }
 
 int installRunner(lua_State* state) {
-    lua_pushlightuserdata(state, const_cast<char*>(&runnerKey));
+    pushAddress(state, runnerKey);
     lua_pushcfunction(state, &runJob);
     lua_rawset(state, LUA_REGISTRYINDEX);
     return 0;
@@ -40,7 +41,7 @@ int installRunner(lua_State* state) {
 
 void pushRunner(lua_State* state) {
     auto const fetch = [state] {
-        lua_pushlightuserdata(state, const_cast<char*>(&runnerKey));
+        pushAddress(state, runnerKey);
         lua_rawget(state, LUA_REGISTRYINDEX);
         return !lua_isnil(state, -1);
     };

@@ -5,6 +5,7 @@
 
 #include "foundation/nxLC/impl/calls.h"
 #include "foundation/nxLC/impl/objects.h"
+#include "foundation/nxLC/impl/pushAddress.h"
 
 namespace nxLC::impl {
 
@@ -39,6 +40,13 @@ void pushMemberFunction(Binding& binding, lua_State* state, Member const& member
     lua_pushcclosure(state, member.kind == Member::Kind::iterator ? &beginIteration : &callMember, 1);
 }
 
+/// Sets the function of a member as a field of the table on top.
+void setMemberFunction(Binding& binding, lua_State* state, Member const& member) {
+    pushName(state, member.name);
+    pushMemberFunction(binding, state, member);
+    lua_rawset(state, -3);
+}
+
 /// Sets a function as a field of the table on top.
 void setFunction(Binding& binding, lua_State* state, char const* name, lua_CFunction function) {
     lua_pushstring(state, name);
@@ -53,15 +61,14 @@ bool fillMembers(Binding& binding, lua_State* state, Class const& objectClass) {
     for (auto link = objectClass.bases().rbegin(); link != objectClass.bases().rend(); ++link)
         hasProperties = fillMembers(binding, state, *link->base) || hasProperties;
     for (Member const& member : objectClass.members()) {
-        if (member.kind == Member::Kind::staticMethod) continue;
-        pushName(state, member.name);
         if (member.kind == Member::Kind::property) {
+            pushName(state, member.name);
             pushCell(binding, state, member);
+            lua_rawset(state, -3);
             hasProperties = true;
-        } else {
-            pushMemberFunction(binding, state, member);
+        } else if (member.kind != Member::Kind::staticMethod) {
+            setMemberFunction(binding, state, member);
         }
-        lua_rawset(state, -3);
     }
     return hasProperties;
 }
@@ -70,10 +77,7 @@ void fillStaticMethods(Binding& binding, lua_State* state, Class const& objectCl
     for (auto link = objectClass.bases().rbegin(); link != objectClass.bases().rend(); ++link)
         fillStaticMethods(binding, state, *link->base);
     for (Member const& member : objectClass.members()) {
-        if (member.kind != Member::Kind::staticMethod) continue;
-        pushName(state, member.name);
-        pushMemberFunction(binding, state, member);
-        lua_rawset(state, -3);
+        if (member.kind == Member::Kind::staticMethod) setMemberFunction(binding, state, member);
     }
 }
 
@@ -97,7 +101,7 @@ void fillMetatable(Binding& binding, lua_State* state, Class const& objectClass)
 
 /// Gives the metatable on top its mark, and the name that scripts get in its place.
 void markMetatable(lua_State* state, char const& mark, std::string_view name) {
-    pushMark(state, mark);
+    pushAddress(state, mark);
     lua_rawseti(state, -2, 1);
     lua_pushliteral(state, "__metatable");
     pushName(state, name);
@@ -188,11 +192,7 @@ void publishAll(Binding& binding, lua_State* state) {
     }
     for (auto const& table : binding.database.tables()) {
         pushGlobalTable(state, table->name);
-        for (Member const& member : table->functions) {
-            pushName(state, member.name);
-            pushMemberFunction(binding, state, member);
-            lua_rawset(state, -3);
-        }
+        for (Member const& member : table->functions) setMemberFunction(binding, state, member);
         lua_pop(state, 1);
     }
 }

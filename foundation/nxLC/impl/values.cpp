@@ -6,8 +6,8 @@
 #include <limits>
 
 #include "foundation/nxLC/impl/ScriptFunction.h"
-#include "foundation/nxLC/impl/Walk.h"
 #include "foundation/nxLC/impl/objects.h"
+#include "foundation/nxLC/walkValue.h"
 #include "foundation/nxRFL/Reader.h"
 
 namespace nxLC::impl {

@@ -36,9 +36,9 @@ public:
     }
     void declareFunction(CString const& owner, char const* separator, Member const& member) {
         if (member.kind == Member::Kind::iterator) {
-            bool const isPair = resultType(*member.second).startsWith("object[");
+            CString const value = resultType(*member.second);
             text_.append("---@return fun(): ");
-            text_.append(isPair ? CString("any, any") : annotation(resultType(*member.second))).append("\n");
+            text_.append(member.second->givesSeveral() ? CString("any, any") : annotation(value)).append("\n");
         }
         CString parameters;
         auto const types =

@@ -1,17 +1,37 @@
 // Telling arrays from dictionaries, and bounding what hostile tables cost.
-#include "foundation/nxLC/impl/Walk.h"
+#include "foundation/nxLC/walkValue.h"
 
+#include "foundation/nxLC/impl/lua.h"
 #include "foundation/nxLC/protect.h"
 
-namespace nxLC::impl {
+namespace nxLC {
 
 namespace {
+
+/// The walk over one Lua value. Runs in the body of a `protect`: raises and throws.
+class Walk {
+public:
+    Walk(lua_State* state, ValueSink& sink) noexcept;
+
+    /// Requires: the index is positive.
+    void value(int index);
+
+private:
+    void table(int index);
+    void array(int index);
+    void arrayOutOfOrder(int index, int known);
+    void dictionary(int index);
+    void topAndPop();
+    [[nodiscard]] int countEntries(int index) const;
+
+    lua_State* state_;
+    ValueSink& sink_;
+    std::size_t budget_;  ///< values still to be told
+};
 
 [[noreturn]] void fail(char const* complaint) { throw nxRFL::Exception(complaint); }
 
 constexpr char const* wrongKeys = "is a table whose keys are neither 1 to n nor all strings";
-
-}  // namespace
 
 Walk::Walk(lua_State* state, ValueSink& sink) noexcept : state_(state), sink_(sink) {
     // A value of a table takes 16 bytes or more. What exceeds all memory of the state is told more than once.
@@ -112,14 +132,12 @@ void Walk::dictionary(int index) {
     sink_.endDictionary();
 }
 
-}  // namespace nxLC::impl
-
-namespace nxLC {
+}  // namespace
 
 void walkValue(lua_State* state, int index, ValueSink& sink) {
     lua_pushvalue(state, index);
     protect(state, 1, 0, [&sink](lua_State* inner) {
-        impl::Walk(inner, sink).value(1);
+        Walk(inner, sink).value(1);
         return 0;
     });
 }
