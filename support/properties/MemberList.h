@@ -152,11 +152,11 @@ private:
     }
 
     ur::vector<ur::Reference<Seat>> slots_;
-    std::size_t gone_ = 0;   // empty slots
-    std::size_t named_ = 0;  // the slots that the last `assign` filled with those it named
+    std::size_t gone_ = 0;   ///< empty slots
+    std::size_t named_ = 0;  ///< the slots that the last `assign` filled with those it named
     unsigned walks_ = 0;
-    bool absent_ = false;  // may name members that do not exist
-    bool untidy_ = false;  // may name members twice, or some that have moved elsewhere
+    bool absent_ = false;  ///< may name members that do not exist
+    bool untidy_ = false;  ///< may name members twice, or some that have moved elsewhere
 };
 
 }  // namespace nxSupport

@@ -141,8 +141,8 @@ private:
     ValidationSignal validationSignal_;
     ModifySignal modifySignal_;
     Kind kind_ = Kind::other;
-    bool listened_ = false;   // somebody has listened to it at some time
-    bool validated_ = false;  // likewise
+    bool listened_ = false;   ///< somebody has listened to it at some time
+    bool validated_ = false;  ///< likewise
 };
 
 }  // namespace nxSupport

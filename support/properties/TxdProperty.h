@@ -1,7 +1,7 @@
 // The property that undo and redo bring back.
 #pragma once
 
-#include <cstdint>
+#include <utility>
 
 #include "foundation/nxTXN/RefCountedObject.h"
 #include "support/properties/Property.h"

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 #include "support/properties/Property.h"
 #include "support/properties/UnTxdPropertyData.h"

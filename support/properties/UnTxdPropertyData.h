@@ -36,7 +36,7 @@ private:
 
     MemberList<UnTxdProperty> properties_;
     ItemReference value_;
-    TxdPropertyTwin* link_ = nullptr;  // which then leads here
+    TxdPropertyTwin* link_ = nullptr;  ///< which then leads here
 };
 
 }  // namespace nxSupport

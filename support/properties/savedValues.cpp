@@ -1,8 +1,6 @@
 // Saving and loading the values of a property set.
 #include "support/properties/savedValues.h"
 
-#include <utility>
-
 namespace nxSupport {
 
 ur::Reference<nxPLST::Dictionary> saveValues(PropertySet const& set) {

@@ -1,6 +1,8 @@
 // Which items the conversions read as a given type.
 #pragma once
 
+#include <utility>
+
 #include "foundation/urLinear/AffineMatrix.h"
 #include "foundation/urLinear/Normal.h"
 #include "foundation/urLinear/Point.h"

@@ -9,8 +9,7 @@ namespace nxSupport {
 PerfScope::~PerfScope() { stop(); }
 
 void PerfScope::charge(PerformanceCode code) {
-    bool const isActivity = code >= 0 && code < numPerformanceCodes;
-    if (code == current_ || (!isActivity && code != Perf_None)) return;
+    if (code == current_ || (!isActivity(code) && code != Perf_None)) return;
     stop();
     current_ = code;
     if (code != Perf_None) start();

@@ -35,8 +35,7 @@ constexpr std::array<Row, numPerformanceCodes> rows = {{
 
 /// Null for a value that is no activity.
 Row const* rowOf(PerformanceCode code) noexcept {
-    auto const index = static_cast<std::uint32_t>(code);
-    return index < rows.size() ? &rows[index] : nullptr;
+    return isActivity(code) ? &rows[static_cast<std::size_t>(code)] : nullptr;
 }
 
 }  // namespace
@@ -49,7 +48,7 @@ Performance& Performance::getInstance() {
 Performance::Performance() : watches_(rows.size()) {}
 
 urOS::StopWatch& Performance::getWatch(PerformanceCode code) {
-    if (rowOf(code)) return watches_[static_cast<std::size_t>(code)];
+    if (isActivity(code)) return watches_[static_cast<std::size_t>(code)];
     static urOS::StopWatch nobodys;
     return nobodys = urOS::StopWatch();
 }

@@ -30,4 +30,9 @@ enum PerformanceCode : std::int32_t {
 /// The number of activities, which are the values from 0 on.
 inline constexpr std::int32_t numPerformanceCodes = 17;
 
+/// False for `Perf_None` and for any value that has no name.
+[[nodiscard]] constexpr bool isActivity(PerformanceCode code) noexcept {
+    return code >= 0 && code < numPerformanceCodes;
+}
+
 }  // namespace nxSupport

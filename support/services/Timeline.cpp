@@ -53,7 +53,7 @@ Timeline::~Timeline() {
 
 // A watch that runs already runs on when it is started again, and so does its event.
 void Timeline::beginPerformance(PerformanceCode code) noexcept {
-    if (code < 0 || code >= numPerformanceCodes) return;
+    if (!isActivity(code)) return;
     Recording::Index& index = recording_->openActivities[static_cast<std::size_t>(code)];
     if (index != Recording::notKept) return;
     recording_->attempt(
@@ -61,7 +61,7 @@ void Timeline::beginPerformance(PerformanceCode code) noexcept {
 }
 
 void Timeline::endPerformance(PerformanceCode code) noexcept {
-    if (code < 0 || code >= numPerformanceCodes) return;
+    if (!isActivity(code)) return;
     recording_->end(std::exchange(recording_->openActivities[static_cast<std::size_t>(code)], Recording::notKept));
 }
 

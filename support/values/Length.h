@@ -17,7 +17,7 @@ enum LengthUnits : std::int32_t {
     Feet = 5,
     Yards = 6,
     Miles = 7,
-    Points = 8,  // typographic: 72 to the inch
+    Points = 8,  ///< typographic: 72 to the inch
 };
 
 namespace impl {
