@@ -48,7 +48,7 @@ public:
     private:
         Priority priority_;
     };
-    /// The subscribers of one message class at one priority.
+    /// With the signal that calls them.
     template <class T>
     class Sig final : public SigBase {
     public:

@@ -30,6 +30,7 @@ public:
             if (identity == type) return interface;
         return nullptr;
     }
+    /// The interface added first under T, likewise.
     template <class T>
     [[nodiscard]] T* get() const noexcept {
         return static_cast<T*>(getByType(ur::TypeInfo::of<T>()));

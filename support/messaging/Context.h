@@ -63,7 +63,7 @@ public:
     [[nodiscard]] TransactionType transactionType() const noexcept;
     /// Null when the domain has been destroyed.
     [[nodiscard]] Domain* domain() const noexcept { return domain_; }
-    [[nodiscard]] bool constMode() const noexcept { return mode_ == Const || mode_ == ConstWithRedraw; }
+    [[nodiscard]] bool constMode() const noexcept { return isConst(mode_); }
     [[nodiscard]] bool interactiveMode() const noexcept { return mode_ <= InteractionEnd; }
 
     /// Runs `function` when this context has ended, after those added before. What a post function adds runs too.
@@ -82,6 +82,7 @@ private:
     friend class Domain;
     friend struct DomainImpl;
 
+    [[nodiscard]] static bool isConst(Mode mode) noexcept { return mode == Const || mode == ConstWithRedraw; }
     void runPostFunctions();
 
     Mode const mode_;

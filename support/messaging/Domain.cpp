@@ -1,8 +1,6 @@
 // What a domain can be asked, and its call information and tasks.
 #include "support/messaging/Domain.h"
 
-#include <exception>
-
 #include "support/messaging/AsyncTask.h"
 #include "support/messaging/CallInfo.h"
 #include "support/messaging/ContextObserver.h"
@@ -40,15 +38,11 @@ Context const* Domain::getRootContext() const noexcept {
     return root;
 }
 
-bool Domain::isConst() const noexcept {
-    if (impl_->modeStack.empty()) return false;
-    Context::Mode const top = impl_->modeStack.back();
-    return top == Context::Const || top == Context::ConstWithRedraw;
-}
+bool Domain::isConst() const noexcept { return !impl_->modeStack.empty() && Context::isConst(impl_->modeStack.back()); }
 
 bool Domain::isCompatibleMode(Context::Mode mode) const noexcept {
     ur::vector<Context::Mode> const& stack = impl_->modeStack;
-    if (mode == Context::Const || mode == Context::ConstWithRedraw) return true;
+    if (Context::isConst(mode)) return true;
     if (stack.empty()) return mode <= Context::Bare;
     Context::Mode const top = stack.back();
     switch (mode) {

@@ -70,16 +70,18 @@ public:
     void lock() noexcept { locked_ = true; }
     /// May destroy the domain, as `release` may.
     void unlock();
+    /// The domain is not needed any more: calls `onRelease`, at once unless it is locked.
     void release();
 
     [[nodiscard]] bool callInfoSuppressed() const noexcept;
+    /// Does nothing: a context that needs call information finds it made.
     void assertCallInfoCreated() const noexcept {}
 
     /// The task that `waitForAsyncTask` waits for; null for none. Not owned. Tasks call it themselves.
     void setAsyncTask(AsyncTask* task) noexcept;
     /// False when there is no task, otherwise true after its work has ended. Does not complete it.
     bool waitForAsyncTask();
-    /// Of all domains together.
+    /// Counts the asynchronous operations under way, in all domains together.
     static void declareAsyncOperationBegin() noexcept;
     static void declareAsyncOperationEnd() noexcept;
     [[nodiscard]] bool runningAsyncOperation() const noexcept;
