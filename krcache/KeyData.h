@@ -34,6 +34,7 @@ public:
 
     /// Whether `getPredeterminedSize` tells how large the resource will be, so that room can be made first.
     [[nodiscard]] virtual bool hasPredeterminedSize() const;
+    /// In bytes. Asked once, when the shim is made.
     [[nodiscard]] virtual unsigned getPredeterminedSize() const;
     /// Whether the resource's bytes show up in the resident size of the process.
     [[nodiscard]] virtual bool isResidential() const;
@@ -55,10 +56,13 @@ protected:
 
     /// Shows the visitor the shims of all sub-keys: removing one of them removes this key as well.
     virtual void onVisitSubKeys(KeyVisitor& visitor) const;
+    /// The key has been removed, after all that was built from its resource.
     virtual void onKeyRemoved();
+    /// The resource has been dropped; paging it out does not count.
     virtual void onResourceCleared();
-    /// Requires of the caller: `other` has this object's dynamic class.
+    /// As `compare`. Requires of the caller: `other` has this object's dynamic class.
     [[nodiscard]] virtual int onCompare(KeyData const* other) const = 0;
+    /// As `hash`.
     [[nodiscard]] virtual unsigned onHash() const = 0;
     /// Null when there is nothing to build now; the next access asks again.
     [[nodiscard]] virtual ur::Reference<Resource> onCreateResource() const = 0;

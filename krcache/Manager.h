@@ -82,6 +82,7 @@ public:
     void allocatingExternalResource(unsigned bytes);
     void deletedExternalResource(unsigned bytes);
 
+    /// The keys that have a shim here.
     [[nodiscard]] int numKeys() const;
     /// Prints the bytes in memory by class of key on the debug channel.
     void logUsageByType() const;

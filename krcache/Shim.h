@@ -50,8 +50,10 @@ public:
     void weakRef() const noexcept { weakCount_ += keyType_ == WeakCounted ? 1 : 0; }
     void weakUnref(int count) const noexcept { weakCount_ -= keyType_ == WeakCounted ? count : 0; }
 
+    /// The resource is in memory.
     [[nodiscard]] bool isResourceAllocated() const noexcept { return resource_ && !pageEntry_; }
     [[nodiscard]] bool isResourceLocked() const noexcept { return lockCount_ > 0; }
+    /// The resource is in the page file.
     [[nodiscard]] bool isResourceSerialized() const noexcept { return pageEntry_ != nullptr; }
     /// Null once the key has been removed.
     [[nodiscard]] ur::Reference<KeyData> keyData() const noexcept { return key_; }

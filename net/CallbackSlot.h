@@ -24,7 +24,7 @@ public:
     }
     ~CallbackSlot() = default;
 
-    /// Nothing, for an empty `function`.
+    /// Holds `function` instead; nothing when it is empty.
     void set(Function function) {
         auto next = function ? std::make_shared<Function>(std::move(function)) : nullptr;
         function_.swap(next);

@@ -49,6 +49,7 @@ public:
     /// already. An empty function removes the former one.
     void setStatusFunc(StatusFunc function) { statusFunc_.set(std::move(function)); }
 
+    /// Has the host begin the transfer.
     void start() { onStart(); }
     /// Has the host stop the transfer, whatever its state, and ends it as cancelled.
     void cancel();

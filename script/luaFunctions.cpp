@@ -30,6 +30,7 @@ int random(lua_State* state) {
     return 1;
 }
 
+/// Does nothing, but scripts may call it.
 int encodeJson(lua_State* /*state*/) { return 0; }
 
 int getObjectTableSize(lua_State* state) {

@@ -193,8 +193,8 @@ private:
     Evicting evicting_ = Evicting::no;
     TraceRecorder* trace_ = nullptr;
     ManagerObserver* observer_ = nullptr;
-    Statistics statistics_;          ///< without what is computed on demand
-    std::uint64_t cleared_[5] = {};  ///< by cause
+    Statistics statistics_;                                                 ///< without what is computed on demand
+    std::uint64_t cleared_[static_cast<std::size_t>(Cause::pageOut)] = {};  ///< by cause; paging out clears nothing
     std::unordered_map<ur::TypeInfo, ClassUsage> usages_;
     ClassUsage* lastUsage_ = nullptr;
     std::uint32_t nextSerial_ = 0;

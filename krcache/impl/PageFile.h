@@ -41,7 +41,7 @@ public:
     [[nodiscard]] Block takeBlock();
     void giveBlock(Block block) noexcept { spareBlock_ = std::move(block); }
 
-    /// The first chunk (the one that ends the file), or null; its `next()` lead to the others.
+    /// The first chunk (the one that ends the file), or null; `after` leads to the others.
     [[nodiscard]] PageFileEntry const* first() const noexcept;
     [[nodiscard]] PageFileEntry const* after(PageFileEntry const& entry) const noexcept;
     /// The first rule of the chunks that does not hold; null when all do.

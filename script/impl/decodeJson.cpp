@@ -57,6 +57,7 @@ private:
             lua_rawset(state_, -3);
         }
     }
+
     lua_State* state_;
     JsonTape const& tape_;
     JsonTape::Entry const* next_;
