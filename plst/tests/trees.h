@@ -28,7 +28,7 @@ inline bool same(Item const* a, Item const* b) {
         case BoolType: return static_cast<Bool const*>(a)->value() == static_cast<Bool const*>(b)->value();
         case DoubleType: {
             double const values[] = {static_cast<Double const*>(a)->value(), static_cast<Double const*>(b)->value()};
-            return std::memcmp(&values[0], &values[1], sizeof(double)) == 0;
+            return std::bit_cast<std::uint64_t>(values[0]) == std::bit_cast<std::uint64_t>(values[1]);
         }
         case StringType: return static_cast<String const*>(a)->value() == static_cast<String const*>(b)->value();
         case ArrayType: {

@@ -8,7 +8,6 @@
 
 namespace {
 
-using nxRFL::Kind;
 using nxRFL::Reader;
 using nxRFL::Stack;
 using nxSupport::Registry;
