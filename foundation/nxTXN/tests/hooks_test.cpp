@@ -163,6 +163,18 @@ protected:
     }
 };
 
+TEST_F(Hooks, ReadingMoreThanWasWrittenGivesZerosAndNull) {
+    Writer writer;
+    writer.writeData("ab", 2);
+    Reader reader(writer);
+    char text[] = "xxxx";
+    reader.readData(text, 4);
+    EXPECT_EQ(std::string(text, 4), std::string("ab\0\0", 4));
+    reader.readData(text, 1);
+    EXPECT_EQ(text[0], '\0');
+    EXPECT_EQ(reader.readPtr(), nullptr);
+}
+
 TEST_F(Hooks, AFieldThatCannotBeSavedOrReadLeavesTheStepUndone) {
     auto const fragile = ur::make<Fragile>(manager);
     auto const other = ur::make<Fragile>(manager);
