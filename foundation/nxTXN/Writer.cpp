@@ -14,10 +14,14 @@ void Writer::writePtr(void const* address) {
     *words_.add(1) = word;
 }
 
+void Writer::writeObject(Object const* object) {
+    *words_.add(1) = marked(object, object ? Mark::object : Mark::address);
+}
+
 void Writer::writePtr(void const* address, Object const* keeper) {
     if (!address || !keeper) return writePtr(address);
-    if (address != keeper) return writePair(marked(keeper, Mark::keeper), address);
-    *words_.add(1) = marked(keeper, Mark::object);
+    if (address == keeper) return writeObject(keeper);
+    writePair(marked(keeper, Mark::keeper), address);
 }
 
 void Writer::writeHeld(void const* address, impl::Holding const* holding) {

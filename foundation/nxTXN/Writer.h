@@ -57,7 +57,9 @@ public:
     /// pointer is an address whose target is the caller's affair. Null is fine.
     template <class T>
     void writePtr(T const* pointer) {
-        if constexpr (std::is_base_of_v<Object, T>) {
+        if constexpr (std::is_same_v<Object, T>) {
+            writeObject(pointer);
+        } else if constexpr (std::is_base_of_v<Object, T>) {
             writePtr(pointer, pointer);
         } else if constexpr (Counted<T>) {
             writeHeld(pointer, &impl::holding<T>);
@@ -85,10 +87,11 @@ private:
         std::size_t capacity = 0;
 
         T* add(std::size_t count) {
-            if (count > capacity - size) grow(count);
+            if (count > capacity - size) [[unlikely]]
+                grow(count);
             return items.get() + std::exchange(size, size + count);
         }
-        void grow(std::size_t count) {
+        [[gnu::noinline]] void grow(std::size_t count) {
             std::size_t const larger = std::max({size + count, 2 * capacity, std::size_t(64)});
             auto grown = std::make_unique_for_overwrite<T[]>(larger);
             std::copy_n(items.get(), size, grown.get());
@@ -98,6 +101,7 @@ private:
     };
 
     [[nodiscard]] std::span<std::uintptr_t> mutableWords() noexcept { return {words_.items.get(), words_.size}; }
+    void writeObject(Object const* object);
     void writeHeld(void const* address, impl::Holding const* holding);
     void writePair(std::uintptr_t first, void const* address);
 

@@ -34,6 +34,11 @@ void Core::compact() {
     lifetimes_.compact(bounds);
 }
 
+void Core::pinForeign(Object& object) {
+    if (object.core_) meet(*object.core_);
+    Lifetimes::pin(object);
+}
+
 void Core::meet(Core& other) {
     if (std::find(acquaintances_.begin(), acquaintances_.end(), &other) != acquaintances_.end()) return;
     other.acquaintances_.reserve(other.acquaintances_.size() + 1);
@@ -108,7 +113,7 @@ bool Core::commit() {
     if (!level.keeps) return true;
     bool const recorded = level.kind == TransactionKind::recorded;
     if (recorded && levels_.empty()) {
-        if (changedAnything(level)) addStep(std::move(level));
+        if (changedAnything(level)) addStep(level);
     } else if (recorded && levels_.back().keeps) {
         Lifetimes::Deferral const deferral(lifetimes_);
         levels_.back().records += merge(level, levels_.back().stamp);
@@ -150,7 +155,7 @@ bool Core::changedAnything(Level const& level) noexcept {
     return level.records > 0 || lifetimes_.anyBorn(level.birthsBegin);
 }
 
-void Core::addStep(Level level) {
+void Core::addStep(Level& level) {
     std::uint32_t const birthsEnd = lifetimes_.roster().size();
     {
         Lifetimes::Deferral const deferral(lifetimes_);

@@ -47,12 +47,8 @@ public:
     void transact(Object& object);
     /// Takes the object out of all records that may name it.
     static void forgetEverywhere(Object const& object) noexcept;
-    /// A record of this manager is to keep the object, which may be another manager's.
-    void expectPin(Object const& object) {
-        if (object.core_ && object.core_ != this) meet(*object.core_);
-    }
-    /// It keeps it. Requires: expected.
-    void pin(Object& object) noexcept { object.core_ == this ? lifetimes_.addPin(object) : Lifetimes::pin(object); }
+    /// A record of this manager keeps the object, which may be another manager's: then it may throw, and does not.
+    void pin(Object& object) { object.core_ == this ? lifetimes_.addPin(object) : pinForeign(object); }
     /// Has the object read its fields.
     void putBack(Object& object, Content const& content) {
         RestoringPass pass(content.reader());
@@ -105,6 +101,7 @@ private:
         std::byte* elsewhere;  // room for it, if it does not fit into the record
     };
 
+    void pinForeign(Object& object);
     void meet(Core& other);
     [[nodiscard]] ur::Reference<SharedName> shared(urString::CString const& name) const;
     void compact();
@@ -120,7 +117,7 @@ private:
 
     [[nodiscard]] bool mayEnd() const noexcept;
     [[nodiscard]] bool changedAnything(Level const& level) noexcept;
-    void addStep(Level level);
+    void addStep(Level& level);
     void discardUndone();
     void discardOldest();
     void discardFarthest();

@@ -14,7 +14,7 @@ constexpr std::size_t largestBlock = 64 * 1024;
 }  // namespace
 
 std::byte* RecordArena::allocate(std::size_t bytes) {
-    if (blocks_.empty() || blocks_.back().size - blocks_.back().used < bytes) addBlock(bytes);
+    makeRoom(bytes);
     Block& block = blocks_.back();
     return block.bytes.get() + std::exchange(block.used, block.used + static_cast<std::uint32_t>(bytes));
 }

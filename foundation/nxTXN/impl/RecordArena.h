@@ -23,6 +23,10 @@ public:
         friend bool operator==(Place, Place) = default;
     };
 
+    /// The next `allocate` of so many bytes cannot fail.
+    void makeRoom(std::size_t bytes) {
+        if (blocks_.empty() || blocks_.back().size - blocks_.back().used < bytes) addBlock(bytes);
+    }
     [[nodiscard]] std::byte* allocate(std::size_t bytes);
 
     [[nodiscard]] Place bottom() const noexcept { return bottom_; }

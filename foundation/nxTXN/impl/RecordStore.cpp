@@ -23,9 +23,10 @@ void store(Record& record, std::byte* place, Content const& content) noexcept {
 
 void RecordStore::push(Object& subject, Content const& content, Hook hook, std::uint32_t formerStamp) {
     Content::expectStorable(content.data.size(), content.words.size());
-    expectToHold(content.words);
     // At least enough for the address of a content elsewhere.
     std::size_t const room = std::max(content.bytes(), sizeof(std::byte*));
+    arena_.makeRoom(sizeof(Record) + room);
+    keep(content.words);
     auto* const record = new (arena_.allocate(sizeof(Record) + room)) Record{};
     record->subject = &subject;
     record->room = static_cast<std::uint32_t>(room) & (~0U >> 1);
@@ -34,7 +35,6 @@ void RecordStore::push(Object& subject, Content const& content, Hook hook, std::
     bytes_ += record->bytes();
     store(*record, record->behind(), content);
     core_.pin(subject);
-    hold(record->content().words);
 }
 
 void RecordStore::replaceUnlike(Record& record, Content const& content, std::byte* elsewhere) noexcept {
@@ -60,16 +60,18 @@ void RecordStore::release(Record& record) noexcept {
     drop(record);
 }
 
-void RecordStore::expectToHold(std::span<std::uintptr_t> words) {
-    visitKept(
-        words, [this](Object const& object, auto*) { core_.expectPin(object); },
-        [](void const* /*object*/, Holding const& /*how*/) {});
-}
-
-void RecordStore::hold(std::span<std::uintptr_t> words) noexcept {
-    visitKept(
-        words, [this](Object& object, auto*) { core_.pin(object); },
-        [](void const* object, Holding const& how) { how.hold(object); });
+void RecordStore::keep(std::span<std::uintptr_t> words) {
+    std::uintptr_t const* reached = words.data();
+    auto const pin = [this, &reached](Object& object, std::uintptr_t const* word) {
+        reached = word;
+        core_.pin(object);
+    };
+    try {
+        visitKept(words, pin, [](void const* object, Holding const& how) { how.hold(object); });
+    } catch (...) {
+        release(words.first(static_cast<std::size_t>(reached - words.data())));
+        throw;
+    }
 }
 
 void RecordStore::release(std::span<std::uintptr_t> words) noexcept {

@@ -126,10 +126,7 @@ public:
     std::uint32_t filterTop(Place place, std::uint32_t count, Wanted wanted);
 
     /// Has the targets of pointers kept, or not kept any longer. None is kept when it throws.
-    void keep(std::span<std::uintptr_t> words) {
-        expectToHold(words);
-        hold(words);
-    }
+    void keep(std::span<std::uintptr_t> words);
     static void release(std::span<std::uintptr_t> words) noexcept;
     /// Takes `gone` out of every record: as a subject, and as the target of a pointer, which becomes null.
     void forget(Object const& gone) noexcept;
@@ -138,8 +135,6 @@ public:
     [[nodiscard]] std::size_t bytes() const noexcept { return bytes_; }
 
 private:
-    void expectToHold(std::span<std::uintptr_t> words);
-    void hold(std::span<std::uintptr_t> words) noexcept;
     void replaceUnlike(Record& record, Content const& content, std::byte* elsewhere) noexcept;
     void release(Record& record) noexcept;
     void drop(Record& record) noexcept;
