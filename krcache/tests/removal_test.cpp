@@ -17,7 +17,7 @@ struct RemovalTest : testing::Test {
         key->sources = std::move(sources);
         key->onCleared = [this, number] { log += " c" + std::to_string(number); };
         key->onRemoved = [this, number] { log += " r" + std::to_string(number); };
-        auto const shim = manager->getShim(key, Shim::Retained);
+        auto shim = manager->getShim(key, Shim::Retained);
         cache->access(shim);
         return shim;
     }

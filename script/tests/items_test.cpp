@@ -35,7 +35,7 @@ protected:
     std::string pop(std::string const& expression) {
         nxLC::StackChecker const checker(L, 0);
         EXPECT_EQ(luaL_dostring(L, ("return " + expression).c_str()), 0) << lua_tostring(L, -1);
-        std::string const text = textOf(popPListItem(L, lua_gettop(L)));
+        std::string text = textOf(popPListItem(L, lua_gettop(L)));
         lua_pop(L, 1);
         return text;
     }
