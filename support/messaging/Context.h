@@ -90,8 +90,8 @@ private:
     mutable std::unique_ptr<ur::vector<PostFunction>> postFunctions_;  ///< in most contexts none, and null
     // What the domain notes when the context begins.
     mutable Context const* outer_;                         ///< around it, in the domain
-    mutable std::unique_ptr<CallInfo> const* callInfo_;    ///< the domain's, at any time
     mutable Context const* before_;                        ///< begun before it, in the process
+    mutable std::unique_ptr<CallInfo> const* callInfo_;    ///< the domain's, at any time
     mutable std::chrono::steady_clock::time_point begun_;  ///< if an observer saw that
 };
 
