@@ -23,9 +23,15 @@ public:
     void insert(ur::Reference<Item> item) { array_.push_back(std::move(item)); }
 
     /// The element's slot itself, assignable until the array grows.
-    [[nodiscard]] ur::Reference<Item>& operator[](int index) noexcept { return array_[index]; }
-    [[nodiscard]] ur::Reference<Item> operator[](int index) const noexcept { return array_[index]; }
-    [[nodiscard]] ur::Reference<Item> objectAt(int index) const noexcept { return array_[index]; }
+    [[nodiscard]] ur::Reference<Item>& operator[](int index) noexcept {
+        return array_[static_cast<std::size_t>(index)];
+    }
+    [[nodiscard]] ur::Reference<Item> operator[](int index) const noexcept {
+        return array_[static_cast<std::size_t>(index)];
+    }
+    [[nodiscard]] ur::Reference<Item> objectAt(int index) const noexcept {
+        return array_[static_cast<std::size_t>(index)];
+    }
 
     [[nodiscard]] int size() const noexcept { return static_cast<int>(array_.size()); }
     [[nodiscard]] int capacity() const noexcept { return static_cast<int>(array_.capacity()); }
