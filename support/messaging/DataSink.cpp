@@ -1,8 +1,6 @@
 // What a sink does around its hooks.
 #include "support/messaging/DataSink.h"
 
-#include <utility>
-
 #include "foundation/ur/keepAlive.h"
 
 namespace nxSupport {
@@ -13,7 +11,7 @@ void DataSink::onClose() {}
 
 void DataSink::processData(ur::Reference<urThread::Buffer> data) {
     auto const self = ur::keepAlive(*this);
-    onData(std::move(data));
+    onData(data);  // a copy: the data outlives what the sink does to its own reference
 }
 
 void DataSink::close(bool completed) {

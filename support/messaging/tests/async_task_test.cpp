@@ -138,7 +138,11 @@ TEST(AThousandTasks, AreStartedWaitedForAbandonedAndThrownIn) {
 struct Sink : DataSink {
     explicit Sink(std::string& text) : log(text) {}
     ~Sink() override { log += closed() ? "gone" : "open"; }
-    void onData(ur::Reference<urThread::Buffer> data) override { log.append(data->data(), data->size()); }
+    void onData(ur::Reference<urThread::Buffer> data) override {
+        urThread::Buffer const& bytes = *data;
+        data.reset();
+        log.append(bytes.data(), bytes.size());
+    }
     void onClose() override {
         log += completed() ? " completed" : " aborted";
         log += closed() ? " again " : " ";
