@@ -17,11 +17,18 @@ using urUtil::Error;
 
 constexpr mode_t permissionBits = 07777;
 
-/// The file at the end of a chain of links; the name itself where there is none yet.
-std::string behindLinks(std::string const& name) {
+/// What a chain of links leads to, whether it is there yet or not. The name itself where the system alone knows, as
+/// for the standard output when that is a pipe.
+std::string behindLinks(std::filesystem::path name) {
+    namespace fs = std::filesystem;
+    constexpr int longestChain = 40;  // of a longer one, opening says why it cannot be followed
     std::error_code failure;
-    std::filesystem::path const real = std::filesystem::canonical(name, failure);
-    return failure ? name : real.string();
+    fs::path const real = fs::canonical(name, failure);
+    if (!failure) return real.string();
+    for (int i = 0; i < longestChain && fs::is_symlink(name, failure) && !fs::exists(name, failure); ++i) {
+        name = name.parent_path() / fs::read_symlink(name, failure);
+    }
+    return name.string();
 }
 
 /// A name in the target's folder that no other file has, short enough for every file system.
@@ -58,6 +65,7 @@ Error AtomicFile::open(urString::IString const& path) {
 Error AtomicFile::create() {
     struct stat former = {};
     bool const exists = ::stat(target_.c_str(), &former) == 0;
+    if (!exists && errno != ENOENT) return Error::fromSystem(errno, target_);
     if (exists && !S_ISREG(former.st_mode)) {
         return file_.open(urString::IString(target_, urString::Encoding::multibyte), openWrite);
     }

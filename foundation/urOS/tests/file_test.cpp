@@ -137,14 +137,32 @@ TEST_F(Files, WhatIsNotCommittedOrFailsLeavesTheOldFileAndNothingElse) {
     EXPECT_EQ(fileCount(), 1U);
 }
 
+TEST_F(Files, ALinkToNoFileYetMakesThatFileAndOneToItselfNone) {
+    fs::create_symlink("target", path("link"));
+    fs::create_symlink("loop", path("loop"));
+    AtomicFile file;
+    ASSERT_TRUE(file.open(wide(path("link"))).ok());
+    EXPECT_TRUE(file.commit().ok());
+    EXPECT_TRUE(fs::is_symlink(path("link")) && fs::exists(path("target")));
+    EXPECT_EQ(file.open(wide(path("loop"))).code(), ELOOP);
+}
+
 TEST_F(Files, ADeviceIsWrittenToDirectly) {
     AtomicFile file;
     ASSERT_TRUE(file.open(urString::IString("/dev/full")).ok());
     EXPECT_EQ(file.write("x", 1).code(), ENOSPC);
     EXPECT_EQ(file.commit().code(), ENOSPC);
-    ASSERT_TRUE(file.open(urString::IString("/dev/null")).ok());
-    EXPECT_TRUE(file.write("x", 1).ok());
-    EXPECT_TRUE(file.commit().ok());
+    // A pipe has no name but a link that only the system can follow.
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    for (std::string const& name : {std::string("/dev/null"), "/dev/fd/" + std::to_string(ends[1])}) {
+        ASSERT_TRUE(file.open(wide(name)).ok());
+        EXPECT_TRUE(file.write("x", 1).ok());
+        EXPECT_TRUE(file.commit().ok());
+    }
+    char passed = 0;
+    EXPECT_TRUE(::read(ends[0], &passed, 1) == 1 && passed == 'x');
+    for (int const end : ends) ::close(end);
 }
 
 }  // namespace
