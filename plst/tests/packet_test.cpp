@@ -205,6 +205,9 @@ TEST(ItemPackets, ReportAStreamThatFails) {
     PacketReport report;
     EXPECT_FALSE(write(closed, make<Bool>(true), report));
     EXPECT_EQ(report.status, number(ioStatus::streamFailed));
+    Reference<Item> const long64K = make<String>(urString::CString(65536, 'x'));
+    EXPECT_FALSE(write(closed, arrayOf({arrayOf({arrayOf({long64K, long64K->clone()})})}), report));
+    EXPECT_EQ(report.status, number(ioStatus::streamFailed));
     Reference<Item> item = make<Bool>(true);
     EXPECT_FALSE(read(closed, item, report));
     EXPECT_EQ(report.status, number(ioStatus::streamFailed));
