@@ -80,7 +80,8 @@ public:
     /// A packet without an object of its own that holds one value, and the reference to what it defines.
     template <class Value>
     void writeReferredPacket(ioPacketTypeId type, Value value);
-    /// The first byte of such a packet; 0 as long as the file has not named the type, and if its number is a long one.
+    /// The first byte of such a packet; 0 as long as the file has not named the type, if its number is a long one, and
+    /// for `none`.
     [[nodiscard]] unsigned char firstByteOf(ioPacketTypeId type) const noexcept;
     class Row;
 

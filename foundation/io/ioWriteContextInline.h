@@ -68,6 +68,7 @@ inline bool ioWriteContext::mayStart(ioPacketTypeId type) {
 }
 
 inline unsigned char ioWriteContext::firstByteOf(ioPacketTypeId type) const noexcept {
+    if (type == ioPacketTypeId::none) return 0;
     auto const number = static_cast<unsigned>(numbers_[static_cast<std::size_t>(type)]);
     return number < ioFormat::longNumber ? ioFormat::token(ioFormat::plainPacket, number) : 0;
 }

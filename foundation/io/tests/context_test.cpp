@@ -18,6 +18,7 @@ TEST(WriteContext, SaysWhatWasWrongAndWritesNoEndMark) {
     };
     Case const cases[] = {
         {ioStatus::unknownType, [](auto& c) { c.startPacket("z", nullptr); }},
+        {ioStatus::unknownType, [](auto& c) { EXPECT_EQ(c.firstByteOf(c.typeId("z")), 0); }},
         {ioStatus::misuse, [](auto& c) { c.writeIntValue(1); }},
         {ioStatus::misuse, [](auto& c) { c.endPacket(); }},
         {ioStatus::misuse, [](auto& c) { c.startFile(); }},
