@@ -240,7 +240,8 @@ public:
 
     /// Makes room in one block, if so many entries fit one.
     void reserve(size_type entries) {
-        if (entries > 0 && (!first_ || first_->capacity < entries)) grow(std::min<size_type>(entries, Block::full));
+        entries = std::min<size_type>(entries, Block::full);
+        if (entries > 0 && (!first_ || first_->capacity < entries)) grow(entries);
     }
 
     friend bool operator==(BlockMap const& a, BlockMap const& b) {
@@ -313,7 +314,7 @@ private:
         return {block, index};
     }
 
-    /// Moves the only block into a larger one.
+    /// Moves the only block, if there is one, into a larger one.
     void grow(size_type capacity) {
         Block* const larger = Block::make(static_cast<std::uint32_t>(std::min<size_type>(capacity, Block::full)));
         if (first_) {

@@ -53,6 +53,7 @@ public:
         EXPECT_EQ(dropped, copy.size());
         EXPECT_TRUE(map_.empty() && map_.begin() == map_.end());
         map_ = std::move(copy);
+        map_.reserve(static_cast<std::size_t>(below(keys_)));
     }
 
 private:
