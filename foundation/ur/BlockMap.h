@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <initializer_list>
 #include <iterator>
+#include <memory>
 #include <stdexcept>
 #include <utility>
 
@@ -191,7 +192,7 @@ public:
     template <class K, class V>
     iterator emplaceLast(K&& key, V&& value) {
         if (!first_ || first_->isFull() || first_->directory()) [[unlikely]]
-            return insertAt(end(), std::forward<K>(key), std::forward<V>(value));
+            return insertAt(end(), Key(std::forward<K>(key)), Value(std::forward<V>(value)));
         first_->append(std::forward<K>(key), std::forward<V>(value));
         return {first_, first_->size - 1};
     }
@@ -326,11 +327,14 @@ private:
 
     /// Puts a block behind a full one, with half of its entries; with none if the next entry comes last of all.
     void split(Block& block, std::uint32_t index) {
-        if (!first_->directory()) first_->neighbours().directory = new Directory{{first_}, first_->size};
-        auto& blocks = first_->directory()->blocks;
-        auto const position = static_cast<std::ptrdiff_t>(positionOf(block));
+        // All that can fail comes first: a map has a directory only together with a second block.
+        bool const isFirst = !first_->directory();
+        std::unique_ptr<Directory> made(isFirst ? new Directory{{first_}, first_->size} : nullptr);
+        auto& blocks = isFirst ? made->blocks : first_->directory()->blocks;
+        auto const position = isFirst ? 0 : static_cast<std::ptrdiff_t>(positionOf(block));
         blocks.reserve(blocks.size() + 1);
         Block* const added = Block::make(Block::full);
+        if (isFirst) first_->neighbours().directory = made.release();
         blocks.insert(blocks.begin() + position + 1, added);
         added->neighbours().previous = &block;
         added->neighbours().next = block.next();

@@ -62,6 +62,23 @@ struct InsertIntoDictionary : TreeStory {
     Reference<Item> given = tree();
 };
 
+/// Grows a map beyond its first block, and takes it apart entry by entry where that fails.
+struct GrowMap {
+    GrowMap() {
+        while (map.size() < 64) map[static_cast<int>(map.size())] = 0;
+    }
+    bool act() {
+        try {
+            return map.try_emplace(64, 0).second;
+        } catch (std::bad_alloc const&) {
+            while (!map.empty()) map.erase(map.begin());
+            throw;
+        }
+    }
+    std::string state() const { return map.contains(64) ? "grown" : ""; }
+    ur::map<int, int> map;
+};
+
 struct WriteJson {
     bool act() {
         CString text;
@@ -132,6 +149,7 @@ TEST(WithoutMemory, TreesStayWhatTheyAreWhenWrittenOrCopied) {
     survives<WritePackets>();
     survives<CloneTree>();
     survives<InsertIntoDictionary>();
+    survives<GrowMap>();
 }
 
 TEST(WithoutMemory, CallbacksAreConnectedOrNot) { survives<Connect>(); }
