@@ -26,7 +26,7 @@ struct PacketReport {
 [[nodiscard]] NX_API bool write(urOS::IOStream& stream, ur::Reference<Item const> item, PacketReport& report);
 
 /// Reads what `write` has written. False when the stream failed or its bytes are no complete packet file; `item` is
-/// then what had been read whole, or null. Reads ahead in the stream, beyond the end of the file.
+/// then what had been read whole, or null. May take what follows the file from the stream, but never waits for it.
 [[nodiscard]] NX_API bool read(urOS::IOStream& stream, ur::Reference<Item>& item);
 [[nodiscard]] NX_API bool read(urOS::IOStream& stream, ur::Reference<Item>& item, PacketReport& report);
 

@@ -22,13 +22,15 @@ bool ioReadContext::readNumber(ioFormat::Kind kind, std::uint64_t& number) {
 }
 
 bool ioReadContext::readRest(std::uint64_t& number) {
-    // Near the end of the file there may be fewer bytes than the longest number has.
-    bool const areEnough = input_.ensure(ioFormat::longestRest);
-    char const* const from = input_.next();
-    char const* const end = ioFormat::addRest(from, from + std::min(input_.available(), ioFormat::longestRest), number);
-    if (end) input_.advance(static_cast<std::size_t>(end - from));
-    if (!end && areEnough) fail(ioStatus::malformed);
-    return end || (ok() && need(ioFormat::longestRest));
+    // No byte more than the number has: behind the last ones of the file, a pipe may have none to give for long.
+    std::size_t bytes = 0;
+    do {
+        if (!need(++bytes)) return false;
+    } while (bytes < ioFormat::longestRest && static_cast<unsigned char>(input_.next()[bytes - 1]) >= 0x80);
+    char const* const end = ioFormat::addRest(input_.next(), input_.next() + bytes, number);
+    if (!end) fail(ioStatus::malformed);
+    if (end) input_.advance(bytes);
+    return end;
 }
 
 std::int32_t ioReadContext::readZigzag(ioFormat::Kind kind) {

@@ -200,6 +200,31 @@ TEST(ItemPackets, BegunInsideEachOtherWhereNoReferenceIsAreRefusedBeforeTheStack
         ::test::leastStack);
 }
 
+/// What one hears of a writer that waits for an answer when it has written its file.
+class Pipe final : public urOS::IOStream {
+public:
+    explicit Pipe(std::string bytes) : bytes_(std::move(bytes)) {}
+    urUtil::Error read(void* buffer, std::size_t /*count*/, std::size_t* done) override {
+        EXPECT_LT(at_, bytes_.size()) << "the answer never comes";
+        *done = bytes_.copy(static_cast<char*>(buffer), 1, at_);
+        at_ += *done;
+        return {};
+    }
+    urUtil::Error write(void const* /*buffer*/, std::size_t /*count*/, std::size_t* /*done*/) override { return {}; }
+
+private:
+    std::string bytes_;
+    std::size_t at_ = 0;
+};
+
+TEST(ItemPackets, WaitForNoByteBehindTheirFile) {
+    for (double const number : {1.0, 1000.0, 1e6, 0.5}) {
+        Pipe pipe(bytesOf(arrayOf({make<Double>(number)})));
+        Reference<Item> item;
+        EXPECT_TRUE(read(pipe, item));
+    }
+}
+
 TEST(ItemPackets, ReportAStreamThatFails) {
     urOS::MemoryIOStream closed;
     PacketReport report;
