@@ -3,16 +3,15 @@
 
 #include <atomic>
 #include <exception>
-#include <string_view>
 #include <thread>
 #include <utility>
 
 #include "foundation/ur/ImplBase.h"
 #include "foundation/ur/Reference.h"
-#include "foundation/urOS/reportException.h"
 #include "foundation/urThread/RunQueue.h"
 #include "foundation/urThread/Runnable.h"
 #include "foundation/urThread/Thread.h"
+#include "foundation/urUtil/Error.h"
 #include "support/messaging/Domain.h"
 #include "support/messaging/impl/DomainImpl.h"
 
@@ -46,8 +45,7 @@ struct TaskImpl final : ur::ImplBase {
     urThread::RunQueue* queue = nullptr;
     std::thread::id home;  ///< the thread that started the task; the count is its own
     bool started = false;
-    bool failed = false;
-    urString::CString failureText;
+    urUtil::Error failure;  ///< as far as the thread has told it
     std::atomic<bool> waited = false;
     std::atomic<bool> abandoned = false;  ///< elsewhere than at home: the count is still to drop
 };
@@ -59,7 +57,7 @@ AsyncTask::AsyncTask(Domain& domain) : impl_(std::make_unique<TaskImpl>(domain))
 }
 
 AsyncTask::~AsyncTask() {
-    if (impl_->domain && impl_->domain->impl_->asyncTask == this) impl_->domain->setAsyncTask(nullptr);
+    leaveDomain();
     impl_.reset();  // before the client, which belongs to the thread until that has ended
 }
 
@@ -71,31 +69,22 @@ void AsyncTask::startThread() {
     impl_->started = true;
     ref();
     try {
-        urUtil::Error const error = impl_->thread.start();
-        if (error.ok()) return;
-        fail(error.message());
+        impl_->failure = impl_->thread.start();
     } catch (std::exception const& exception) {
-        fail(exception.what());
+        impl_->failure = {0, exception.what()};
     }
-    post();
+    if (failed()) impl_->completion.reset();  // the task may be gone
 }
 
 void AsyncTask::threadFunc() {
     try {
         execute();
     } catch (...) {
-        fail(urOS::exceptionText(std::current_exception()));
+        impl_->completion.reset();  // unrun, so that the count waits for `wait`
+        throw;
     }
-    post();
+    impl_->queue->add(std::move(impl_->completion));  // from here on the main thread may destroy the task
 }
-
-void AsyncTask::fail(std::string_view text) {
-    impl_->failed = true;
-    impl_->failureText.assign(text);
-}
-
-// From here on the main thread may destroy the task, waiting only for the end of the thread.
-void AsyncTask::post() { impl_->queue->add(std::move(impl_->completion)); }
 
 void CompletionTask::run() {
     if (AsyncTask* const task = std::exchange(task_, nullptr)) task->complete(task->impl_->waited);
@@ -110,20 +99,29 @@ void AsyncTask::complete(bool waited) {
 
 void AsyncTask::abandon() noexcept {
     if (std::this_thread::get_id() == impl_->home) {
+        leaveDomain();
         unref();
     } else {
         impl_->abandoned = true;
     }
 }
 
-void AsyncTask::wait() {
-    impl_->waited = true;
-    static_cast<void>(impl_->thread.wait());
-    if (impl_->abandoned.exchange(false)) unref();
+/// A domain that waits for its task until there is none must not wait for one that will not complete.
+void AsyncTask::leaveDomain() noexcept {
+    if (impl_->domain && impl_->domain->impl_->asyncTask == this) impl_->domain->setAsyncTask(nullptr);
 }
 
-bool AsyncTask::failed() const noexcept { return impl_->failed; }
+void AsyncTask::wait() {
+    impl_->waited = true;
+    urUtil::Error const outcome = impl_->thread.wait();
+    if (!impl_->abandoned.exchange(false)) return;
+    impl_->failure = outcome;
+    leaveDomain();
+    unref();
+}
 
-urString::CString const& AsyncTask::failureText() const noexcept { return impl_->failureText; }
+bool AsyncTask::failed() const noexcept { return impl_->failure.isError(); }
+
+std::string_view AsyncTask::failureText() const noexcept { return impl_->failure.message(); }
 
 }  // namespace nxSupport

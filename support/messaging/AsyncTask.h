@@ -7,7 +7,6 @@
 #include "foundation/ur/Export.h"
 #include "foundation/ur/ReferenceCount.h"
 #include "foundation/urRTB/SignalClient.h"
-#include "foundation/urString/CString.h"
 
 namespace nxSupport {
 
@@ -19,8 +18,8 @@ struct TaskImpl;
 ///
 /// Held by reference: the owner keeps one while it needs the task, and a started task lives by itself until it has
 /// completed. The count is plain, so `execute` must leave references to the task alone, as it must leave alone the
-/// domain and all else that it does not own. An exception from it ends the work, not the process: the task
-/// completes, and `failed` says so.
+/// domain and all else that it does not own. An exception from it ends the work, not the process, and the task never
+/// completes: a `wait` says what was thrown, frees the task and has its domain forget it.
 /// When the queue drops the completion unrun, `onComplete` is not called, but the task is freed all the same; only
 /// one whose queue had closed before the work ended needs a `wait` for that.
 /// All but `execute` belongs to the main thread, which services the queue.
@@ -32,30 +31,29 @@ public:
     AsyncTask& operator=(AsyncTask const&) = delete;
     ~AsyncTask() override;
 
-    /// Starts the work. Only the first call does. When the system has no thread to give, the task completes as failed.
+    /// Starts the work. Only the first call does. When the system has no thread to give, the task has failed.
     void startThread();
     /// Waits for the end of the work, and has `onComplete` told so if it still is to run.
     void wait();
 
-    /// Whether the work could not be done or threw. Known from `onComplete` on.
+    /// Whether there was no thread, or `wait` has found that the work threw.
     [[nodiscard]] bool failed() const noexcept;
-    /// What the exception said; empty unless `failed`.
-    [[nodiscard]] urString::CString const& failureText() const noexcept;
+    /// What the system or the exception said; empty unless `failed`.
+    [[nodiscard]] std::string_view failureText() const noexcept;
 
 protected:
     /// The work, on the worker thread.
     virtual void execute() = 0;
-    /// The work has ended; `waited` tells that someone has waited for it. What it throws leaves the queue's service.
+    /// The work is done; `waited` tells that someone has waited for it. What it throws leaves the queue's service.
     virtual void onComplete(bool waited) = 0;
 
 private:
     friend class CompletionTask;
 
     void threadFunc();
-    void post();
     void complete(bool waited);
     void abandon() noexcept;
-    void fail(std::string_view text);
+    void leaveDomain() noexcept;
 
     urRTB::SignalClient client_;  ///< of the thread's signal
     std::unique_ptr<TaskImpl> impl_;
