@@ -54,20 +54,23 @@ public:
         empty(slot);
         closeGaps();
     }
-    /// Makes these the members, and behind them those that are members already and that `stays`. A list that is
-    /// walked keeps its slots, and gets new ones behind them.
-    template <class Stays>
-    void assign(ur::vector<Member*> const& members, Stays stays) {
-        if (equals(members)) return;
-        auto const former = slots_;
-        clear();
-        for (Member* member : members) add(*member->seat_);
-        named_ = slots_.size();
-        for (auto const& seat : former) {
-            Member* const member = seat ? seat->occupant() : nullptr;
-            if (member && at(seat->slot) != member && stays(*member)) slots_.push_back(seat);
-        }
+    /// The next so many calls of `add` take no memory.
+    void makeRoom(std::size_t members) {
+        std::size_t const needed = slots_.size() + members;
+        if (slots_.capacity() < needed) slots_.reserve(std::max(needed, 2 * slots_.size()));
+    }
+    /// Makes the members those that `next()` gives, `count` of them with nulls, and behind them those that are members
+    /// already and that `stays`. A list that is walked keeps its slots, and gets new ones behind them. Memory is asked
+    /// for before anything changes, and none for giving a list its former members back.
+    template <class Next, class Stays>
+    void assign(std::size_t count, Next next, Stays stays) {
+        std::size_t const former = slots_.size();
+        if (slots_.capacity() < former + count) slots_.reserve(2 * (former + count));
         absent_ = untidy_ = true;
+        for (; count > 0; --count) {
+            if (Member* const member = next()) slots_.push_back(member->seat_);
+        }
+        walks_ > 0 ? replaceWalked(former, stays) : replace(former, stays);
     }
     /// A member may have moved elsewhere without being removed.
     void expectStrays() noexcept { untidy_ = true; }
@@ -135,9 +138,34 @@ private:
         if (at(member.seat_->slot) == &member) return member.seat_->slot;
         return static_cast<std::size_t>(std::find(slots_.begin(), slots_.end(), member.seat_) - slots_.begin());
     }
-    [[nodiscard]] bool equals(ur::vector<Member*> const& members) const noexcept {
-        return std::equal(slots_.begin(), slots_.end(), members.begin(), members.end(),
-                          [](auto const& seat, Member const* member) { return seat && seat->occupant() == member; });
+    // Both: the first `former` slots give way to those behind them.
+    template <class Stays>
+    void replace(std::size_t former, Stays stays) {
+        std::rotate(slots_.begin(), slots_.begin() + static_cast<std::ptrdiff_t>(former), slots_.end());
+        name(0, slots_.size() - former);
+        auto const goes = [&](auto const& seat) { return !seat || !staysUnnamed(*seat, 0, stays); };
+        auto const unnamed = slots_.begin() + static_cast<std::ptrdiff_t>(named_);
+        slots_.erase(std::remove_if(unnamed, slots_.end(), goes), slots_.end());
+        gone_ = 0;
+    }
+    template <class Stays>
+    void replaceWalked(std::size_t former, Stays stays) {
+        name(former, slots_.size());
+        for (std::size_t slot = 0; slot < former; ++slot) {
+            auto const seat = slots_[slot];
+            if (seat && staysUnnamed(*seat, former, stays)) slots_.push_back(seat);
+            empty(slot);
+        }
+    }
+    void name(std::size_t begin, std::size_t end) noexcept {
+        for (std::size_t slot = begin; slot < end; ++slot) slots_[slot]->slot = static_cast<std::uint32_t>(slot);
+        named_ = end;
+    }
+    template <class Stays>
+    [[nodiscard]] bool staysUnnamed(Seat const& seat, std::size_t firstNamed, Stays& stays) const {
+        Member* const member = seat.occupant();
+        bool const isNamed = firstNamed <= seat.slot && seat.slot < named_ && at(seat.slot) == member;
+        return member && !isNamed && stays(*member);
     }
     void closeGaps() noexcept {
         if (walks_ > 0) return;

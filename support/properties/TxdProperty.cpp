@@ -23,10 +23,20 @@ TxdProperty::TxdProperty(nxTXN::Manager& manager, urString::CString const& name,
 
 TxdProperty::~TxdProperty() { seat_->vacate(); }
 
+// What there may be no memory for comes before the change: a property is always in the list of its data.
+void TxdProperty::prepareAttaching(TxdPropertyData& data) {
+    if (!isTxnExtant()) return;
+    transact();
+    data_->transact();
+    data.transact();
+    data.members().makeRoom(1);
+}
+
 void TxdProperty::attachData(ur::Reference<TxdPropertyData> const& data) {
     if (!isTxnExtant()) return;
     transact();
     send(ModifyStart);
+    prepareAttaching(*data);
     data_->remove(*this);
     data_ = data;
     data_->add(*this);

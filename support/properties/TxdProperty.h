@@ -34,6 +34,8 @@ public:
     [[nodiscard]] bool isIn(MemberList<TxdProperty> const& members) const noexcept {
         return data_ && &data_->members() == &members;
     }
+    /// Records what `attachData` is going to change, and has the memory at hand that it needs.
+    void prepareAttaching(TxdPropertyData& data);
     /// Moves this property to those that share `data`, and tells its own listeners all three stages.
     void attachData(ur::Reference<TxdPropertyData> const& data);
 

@@ -39,11 +39,13 @@ static void read(Reader& reader, nxSupport::MemberList<nxSupport::TxdProperty>& 
         reader = ahead;
         return;
     }
-    ur::vector<nxSupport::TxdProperty*> list;
-    read(reader, list);
-    std::erase(list, nullptr);  // those whose manager has gone
-    // What became a member unrecorded stays one. Whether a member has moved shows when all fields are in place.
-    members.assign(list, [&members](nxSupport::TxdProperty const& member) { return member.isIn(members); });
+    std::uint32_t count = 0;
+    reader.readData(&count, sizeof count);
+    // Null for those whose manager has gone. What became a member unrecorded stays one. Whether a member has moved
+    // shows when all fields are in place.
+    members.assign(
+        count, [&reader] { return readMember(reader); },
+        [&members](nxSupport::TxdProperty const& member) { return member.isIn(members); });
 }
 static void clear(Clear& /*cleared*/, nxSupport::MemberList<nxSupport::TxdProperty>& members) { members.clear(); }
 

@@ -24,6 +24,7 @@ UnTxdProperty::~UnTxdProperty() {
 
 void UnTxdProperty::attachData(ur::Reference<UnTxdPropertyData> const& data) {
     send(ModifyStart);
+    data->members().makeRoom(1);
     data_->remove(*this);
     data_ = data;
     data_->add(*this);

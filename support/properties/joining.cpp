@@ -81,6 +81,10 @@ void Property::join(ur::Reference<Property const> other) {
         txd->storeValue(other->value(), Propagate::no);
         txd->setTwin(*untxd);
     }
+    // All that there may be no memory for, so that not only a part of them moves.
+    for (auto const& property : transacted) property->prepareAttaching(*txd);
+    if (txd) txd->members().makeRoom(transacted.size());
+    if (untxd) untxd->members().makeRoom(untransacted.size());
     for (auto const& property : transacted) property->attachData(txd);
     for (auto const& property : untransacted) property->attachData(untxd);
 }

@@ -9,7 +9,8 @@
 #include "plst/Double.h"
 #include "plst/json.h"
 #include "script/luaFunctions.h"
-#include "support/properties/Property.h"
+#include "support/properties/TxdProperty.h"
+#include "support/properties/UnTxdProperty.h"
 #include "tests/faults/survives.h"
 
 namespace faults {
@@ -60,6 +61,46 @@ struct UndoProperty : SetProperty {
 struct RedoProperty : UndoProperty {
     RedoProperty() { history.undo(); }
     bool act() { return history.redo(); }
+};
+
+/// Two properties of one value join a third, which gets its other side by that.
+struct JoinProperties {
+    JoinProperties() {
+        history.begin("make", nxTXN::TransactionKind::none);
+        for (int i = 0; i < 2; ++i) transacted.push_back(Property::createTxd(history, "transacted", list(i)));
+        history.commit();
+    }
+    bool act() { return join(plain, transacted[0]); }
+    bool join(Reference<Property> const& property, Reference<Property> const& other) {
+        nxTXN::Transaction transaction(history);
+        property->join(other);
+        return transaction.commit();
+    }
+    /// The values, and how many members there are in the list of each.
+    std::string state() const {
+        std::string text;
+        auto const tell = [&text](auto const& property) {
+            text += std::string(nxPLST::asJSON(property.value())) + std::to_string(property.data()->members().size());
+        };
+        for (auto const& property : transacted) tell(static_cast<nxSupport::TxdProperty&>(*property));
+        for (auto const& property : {plain, clone}) tell(static_cast<nxSupport::UnTxdProperty&>(*property));
+        return text;
+    }
+
+    nxTXN::Manager history;
+    std::vector<Reference<Property>> transacted;
+    Reference<Property> plain = Property::createUnTxd("plain", list(2)), clone = plain->cloneUnTxd();
+};
+
+/// Two lists change; a listener is what runs out of memory.
+struct RedoJoin : JoinProperties {
+    RedoJoin() {
+        join(transacted[1], transacted[0]);
+        history.undo();
+        transacted[1]->txnModifiedSignal()->addCallback([this](auto const& /*property*/) { heard = state(); });
+    }
+    bool act() { return history.redo(); }
+    std::string heard;
 };
 
 struct Text : urKRCache::Resource {
@@ -146,6 +187,8 @@ TEST(WithoutMemory, EditsAreMadeWholeOrNotAtAll) {
     survives<SetProperty>();
     survives<UndoProperty>();
     survives<RedoProperty>();
+    survives<JoinProperties>();
+    survives<RedoJoin>();
 }
 
 TEST(WithoutMemory, TheCacheStaysSound) { survives<BuildResources>(); }
