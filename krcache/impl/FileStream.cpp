@@ -16,10 +16,23 @@ FileStream::~FileStream() {
     if (block_) file_.giveBlock(std::move(block_));
 }
 
+template <class Work>
+void FileStream::attempt(Work&& work) noexcept {
+    if (failed()) return;
+    try {
+        work();
+    } catch (...) {
+        thrown_ = std::current_exception();
+    }
+}
+
 Error FileStream::write(void const* buffer, std::size_t count, std::size_t* done) {
     std::size_t moved = 0;
-    if (direction_ == Direction::read && error_.ok()) error_ = Error(EBADF, "the stream is for reading");
-    while (moved < count && error_.ok()) moved += writeSome(static_cast<char const*>(buffer) + moved, count - moved);
+    attempt([&] {
+        if (direction_ == Direction::read) error_ = Error(EBADF, "the stream is for reading");
+        while (moved < count && error_.ok())
+            moved += writeSome(static_cast<char const*>(buffer) + moved, count - moved);
+    });
     if (done) *done = moved;
     return {};
 }
@@ -49,19 +62,22 @@ void FileStream::writeBlock(char const* bytes, std::size_t count) {
     entry_.written_ = transferred_;
 }
 
-Error FileStream::finish() {
-    if (filled_ > 0 && error_.ok()) writeBlock(block(), std::exchange(filled_, 0));
-    return error_;
+void FileStream::finish() noexcept {
+    attempt([&] {
+        if (filled_ > 0) writeBlock(block(), std::exchange(filled_, 0));
+    });
 }
 
 Error FileStream::read(void* buffer, std::size_t count, std::size_t* done) {
     std::size_t moved = 0;
-    if (direction_ == Direction::write && error_.ok()) error_ = Error(EBADF, "the stream is for writing");
-    while (moved < count && error_.ok()) {
-        std::size_t const part = readSome(static_cast<char*>(buffer) + moved, count - moved);
-        if (part == 0) break;
-        moved += part;
-    }
+    attempt([&] {
+        if (direction_ == Direction::write) error_ = Error(EBADF, "the stream is for writing");
+        while (moved < count && error_.ok()) {
+            std::size_t const part = readSome(static_cast<char*>(buffer) + moved, count - moved);
+            if (part == 0) break;
+            moved += part;
+        }
+    });
     if (done) *done = moved;
     return {};
 }

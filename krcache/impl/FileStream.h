@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 
 #include "foundation/urOS/IOStream.h"
 #include "krcache/impl/PageFile.h"
@@ -12,7 +13,7 @@ namespace urKRCache {
 /// Moves bytes between a resource and its chunk: block by block, each with a checksum that is kept in memory.
 ///
 /// Never passes the chunk's end, and when reading never the end of what was written. To the resource a failure shows
-/// as a count that falls short, never as an error: what to do about it is for the manager, which asks `error`. The
+/// as a count that falls short, never as an error: what to do about it is for the manager, which asks for it. The
 /// first failure stays, and afterwards nothing moves. Streams on different chunks may be open at the same time.
 class FileStream final : public urOS::IOStream {
 public:
@@ -29,12 +30,17 @@ public:
     urUtil::Error write(void const* buffer, std::size_t count, std::size_t* done = nullptr) override;
 
     /// Passes on what has been written so far. Afterwards nothing more may be written.
-    urUtil::Error finish();
+    void finish() noexcept;
     [[nodiscard]] urUtil::Error const& error() const noexcept { return error_; }
+    /// Null unless memory ran out.
+    [[nodiscard]] std::exception_ptr const& thrown() const noexcept { return thrown_; }
+    [[nodiscard]] bool failed() const noexcept { return thrown_ || error_.isError(); }
     /// Bytes moved to or from the file.
     [[nodiscard]] std::uint64_t transferred() const noexcept { return transferred_; }
 
 private:
+    template <class Work>
+    void attempt(Work&& work) noexcept;
     std::size_t writeSome(char const* bytes, std::size_t count);
     std::size_t readSome(char* bytes, std::size_t count);
     void writeBlock(char const* bytes, std::size_t count);
@@ -45,6 +51,7 @@ private:
     PageFileEntry& entry_;
     Direction direction_;
     urUtil::Error error_;
+    std::exception_ptr thrown_;
     PageFile::Block block_;   ///< null until a block is moved in pieces
     std::size_t filled_ = 0;  ///< bytes in the block
     std::size_t taken_ = 0;   ///< bytes of the block that have been read

@@ -19,6 +19,8 @@
 
 namespace urKRCache {
 
+class FileStream;
+
 /// What a manager does, in the words of its interface.
 ///
 /// Each step leaves the cache whole before it calls a hook, and after a hook takes nothing for granted: the shim may
@@ -138,7 +140,8 @@ private:
     // paging.cpp
     void pageOut(Shim& shim);
     bool pageIn(Shim& shim);
-    bool endPaging(Shim& shim, PageFileEntry& chunk, urUtil::Error const& error, std::exception_ptr const& thrown);
+    bool endPaging(Shim& shim, PageFileEntry& chunk, FileStream const& stream,
+                   std::exception_ptr const& thrownByResource);
     void cleanUpPaging(Shim& shim);
     void reportLoss(Shim const& shim, urUtil::Error const& why);
 

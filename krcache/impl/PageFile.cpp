@@ -20,30 +20,27 @@ PageFile::~PageFile() {
 }
 
 PageFileEntry* PageFile::allocate(std::uint64_t bytes) {
-    PageFileEntry* entry = findFree(bytes);
-    if (!entry) {
+    auto best = freeEntries_.lower_bound(bytes);
+    if (best == freeEntries_.end()) {
         if (!file_.isOpen() || !extend(bytes)) return nullptr;
-        entry = objectOf(entries_.next());
+        best = freeEntries_.find(objectOf(entries_.next()));
     }
-    freeEntries_.erase(entry);
-    if (entry->size_ > bytes) split(*entry, bytes);
-    entry->inUse_ = true;
-    return entry;
+    PageFileEntry& entry = **best;
+    if (entry.size_ > bytes) split(entry, bytes);
+    auto node = freeEntries_.extract(best);
+    entry.size_ = bytes;
+    entry.inUse_ = true;
+    usedEntries_.insert(std::move(node));
+    return &entry;
 }
 
-PageFileEntry* PageFile::findFree(std::uint64_t bytes) const noexcept {
-    auto const best = freeEntries_.lower_bound(bytes);
-    return best == freeEntries_.end() ? nullptr : *best;
-}
-
-// The rest becomes a free chunk behind the entry in the file, which is before it in the list.
+// What is behind so many bytes becomes a free chunk, which is before the entry in the list.
 void PageFile::split(PageFileEntry& entry, std::uint64_t bytes) {
     auto rest = std::make_unique<PageFileEntry>();
     rest->offset_ = entry.offset_ + bytes;
     rest->size_ = entry.size_ - bytes;
     freeEntries_.insert(rest.get());
     rest.release()->insertBefore(entry);
-    entry.size_ = bytes;
 }
 
 // False when the file would become longer than it may.
@@ -65,11 +62,11 @@ bool PageFile::extend(std::uint64_t bytes) {
     return true;
 }
 
-void PageFile::release(PageFileEntry* entry) {
+void PageFile::release(PageFileEntry* entry) noexcept {
+    freeEntries_.insert(usedEntries_.extract(entry));
     entry->inUse_ = false;
     entry->written_ = 0;
     entry->checks_ = {};
-    freeEntries_.insert(entry);
     PageFileEntry* const below = objectOf(entry->next());
     if (below && !below->inUse_) {
         merge(below, entry);
@@ -79,7 +76,7 @@ void PageFile::release(PageFileEntry* entry) {
     if (above && !above->inUse_) merge(entry, above);
 }
 
-void PageFile::merge(PageFileEntry* lower, PageFileEntry* upper) {
+void PageFile::merge(PageFileEntry* lower, PageFileEntry* upper) noexcept {
     freeEntries_.erase(upper);
     auto node = freeEntries_.extract(lower);
     lower->size_ += upper->size_;
@@ -111,6 +108,7 @@ char const* PageFile::fault(std::size_t chunksInUse) const {
     }
     if (above && above->offset() != 0) return "page file: the first chunk does not start the file";
     if (free != freeEntries_.size()) return "page file: the free set has chunks that are not free";
+    if (used != usedEntries_.size()) return "page file: the set of chunks in use has others";
     return used == chunksInUse ? nullptr : "page file: chunks in use and paged-out resources differ in number";
 }
 

@@ -31,7 +31,7 @@ public:
     /// A chunk of exactly that size, in use; null when the file cannot grow that far.
     PageFileEntry* allocate(std::uint64_t bytes);
     /// Requires: a chunk in use, with no stream open on it.
-    void release(PageFileEntry* entry);
+    void release(PageFileEntry* entry) noexcept;
 
     [[nodiscard]] ScratchFile& file() noexcept { return file_; }
     /// Why there is no file; success when there is one.
@@ -59,8 +59,7 @@ private:
     };
 
     bool extend(std::uint64_t bytes);
-    [[nodiscard]] PageFileEntry* findFree(std::uint64_t bytes) const noexcept;
-    void merge(PageFileEntry* lower, PageFileEntry* upper);
+    void merge(PageFileEntry* lower, PageFileEntry* upper) noexcept;
     void split(PageFileEntry& entry, std::uint64_t bytes);
     [[nodiscard]] PageFileEntry* objectOf(Node* node) const noexcept {
         return node == &entries_ ? nullptr : node->object();
@@ -70,6 +69,7 @@ private:
     urUtil::Error openError_;
     Node entries_;
     std::set<PageFileEntry*, Smaller> freeEntries_;
+    std::set<PageFileEntry*, Smaller> usedEntries_;  ///< so that giving one back takes no memory
     Block spareBlock_;
 };
 

@@ -36,7 +36,8 @@ void ManagerImpl::pageOut(Shim& shim) {
         Scoped const paging(shim.paging_, true);
         resource->onSerialize(stream);
     });
-    if (!endPaging(shim, *chunk, stream.finish(), thrown)) return;
+    stream.finish();
+    if (!endPaging(shim, *chunk, stream, thrown)) return;
     ++statistics_.pagesOut;
     statistics_.pagesOutBytes += stream.transferred();
     record(TraceRecorder::Event::pageOut, shim);
@@ -56,9 +57,9 @@ bool ManagerImpl::pageIn(Shim& shim) {
     std::exception_ptr const thrown = thrownBy([&] {
         Scoped const paging(shim.paging_, true);
         resource->onDeserialize(stream);
-        if (stream.error().ok()) size = resource->getSizeInBytes();
+        if (!stream.failed()) size = resource->getSizeInBytes();
     });
-    if (!endPaging(shim, *chunk, stream.error(), thrown)) return false;
+    if (!endPaging(shim, *chunk, stream, thrown)) return false;
     cleanUpPaging(shim);
     link(shim);
     ++statistics_.pagesIn;
@@ -69,14 +70,15 @@ bool ManagerImpl::pageIn(Shim& shim) {
 
 // Whether the payload has been moved whole. One that has not is lost: the key builds the resource anew when it is
 // needed.
-bool ManagerImpl::endPaging(Shim& shim, PageFileEntry& chunk, urUtil::Error const& error,
-                            std::exception_ptr const& thrown) {
+bool ManagerImpl::endPaging(Shim& shim, PageFileEntry& chunk, FileStream const& stream,
+                            std::exception_ptr const& thrownByResource) {
+    std::exception_ptr const& thrown = thrownByResource ? thrownByResource : stream.thrown();
     bool const wasRemoved = shim.pageEntry_ != &chunk;
-    bool const isLost = !wasRemoved && (thrown || error.isError());
+    bool const isLost = !wasRemoved && (thrown || stream.failed());
     if (wasRemoved) pageFile_.release(&chunk);
     if (isLost) {
         cleanUpPaging(shim);
-        if (!thrown) reportLoss(shim, error);
+        if (!thrown) reportLoss(shim, stream.error());
         dropResource(shim, Cause::pageFailure);
     }
     if (thrown) std::rethrow_exception(thrown);
