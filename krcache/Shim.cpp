@@ -34,11 +34,11 @@ Shim::Relatives& Shim::relatives() {
 }
 
 std::span<Shim::Link const> Shim::children() const noexcept {
-    return relatives_ ? std::span<Link const>(relatives_->children) : std::span<Link const>();
+    return hasLinks() ? std::span<Link const>(relatives_->children) : std::span<Link const>();
 }
 
 std::span<Shim::Link const> Shim::parents() const noexcept {
-    return relatives_ ? std::span<Link const>(relatives_->parents) : std::span<Link const>();
+    return hasLinks() ? std::span<Link const>(relatives_->parents) : std::span<Link const>();
 }
 
 void Shim::addChild(Shim& child) {
@@ -54,30 +54,42 @@ void Shim::addChild(Shim& child) {
     child.weakRef();
 }
 
-// In place: cutting one link may move the mirror of the next, when both lead to the same child.
-ur::vector<ur::Reference<Shim>> Shim::cutChildren() {
-    ur::vector<ur::Reference<Shim>> former;
-    former.reserve(children().size());
-    for (Link const& link : children()) {
+// In place, so that it takes no memory. Cutting one link may move the mirror of the next, when both lead to the same
+// child. Parents keep the place of a link, empty: they go next, and others may have noted their places in it.
+void Shim::cutLinks() noexcept {
+    if (!relatives_) return;
+    for (Link const& link : relatives_->children) {
         if (!link.shim) continue;
-        former.emplace_back(link.shim);
+        link.shim->ref();
+        link.shim->weakUnref(1);
         link.shim->forgetParent(link.mirror);
     }
-    if (relatives_) relatives_->children.clear();
-    return former;
+    for (Link const& link : relatives_->parents) {
+        if (!link.shim) continue;
+        link.shim->ref();
+        weakUnref(1);
+        link.shim->relatives_->children[link.mirror].shim = nullptr;
+    }
 }
 
-// The place in the parent's list stays, empty: the parent goes next, and others may have noted their places in it.
-ur::vector<ur::Reference<Shim>> Shim::cutParents() {
-    ur::vector<ur::Reference<Shim>> former;
-    if (!hasParents()) return former;
-    for (Link const& link : std::exchange(relatives_->parents, {})) {
-        if (!link.shim) continue;
-        link.shim->relatives_->children[link.mirror].shim = nullptr;
-        former.emplace_back(link.shim);
+Shim* Shim::nextFormerParent() noexcept {
+    while (relatives_ && relatives_->visited < relatives_->parents.size()) {
+        if (Shim* const parent = relatives_->parents[relatives_->visited++].shim) return parent;
     }
-    relatives_->cutParents = 0;
-    return former;
+    if (relatives_) relatives_->visited = 0;  // they are visited once more, to be let go of
+    return nullptr;
+}
+
+Shim* Shim::takeFormerRelative() noexcept {
+    if (!relatives_) return nullptr;
+    Links& parents = relatives_->parents;
+    Links& children = relatives_->children;
+    while (relatives_->visited < parents.size() + children.size()) {
+        std::size_t const place = relatives_->visited++;
+        Link& link = place < parents.size() ? parents[place] : children[place - parents.size()];
+        if (link.shim) return std::exchange(link.shim, nullptr);
+    }
+    return nullptr;
 }
 
 void Shim::forgetParent(std::uint32_t place) noexcept {

@@ -85,8 +85,13 @@ private:
 
         Links children;
         Links parents;
-        std::uint32_t cutParents = 0;  ///< links among the parents that have been cut
+        std::uint32_t cutParents = 0;      ///< links among the parents that have been cut
+        std::uint32_t visited = 0;         ///< how many of the former relatives the removal has come to
+        ur::Reference<Resource> resource;  ///< kept until the dependents are gone, whose resources hold it
     };
+    /// How far the removal of a shim has come. From `dependents` on its links are cut: nobody's list names it any
+    /// more, while its own lists still hold those that they led to.
+    enum class Removal : std::uint8_t { none, clear, dependents, release, finish, done };
 
     Shim(Manager& manager, ur::Reference<KeyData> key, KeyType type);
 
@@ -95,12 +100,16 @@ private:
     [[nodiscard]] std::span<Link const> children() const noexcept;
     [[nodiscard]] std::span<Link const> parents() const noexcept;
     [[nodiscard]] bool hasParents() const noexcept {
-        return relatives_ && relatives_->cutParents < relatives_->parents.size();
+        return hasLinks() && relatives_->cutParents < relatives_->parents.size();
     }
+    [[nodiscard]] bool hasLinks() const noexcept { return relatives_ && removal_ < Removal::dependents; }
     void addChild(Shim& child);
-    /// Cuts all links on one side, at both ends, and tells whom they led to, in order.
-    ur::vector<ur::Reference<Shim>> cutChildren();
-    ur::vector<ur::Reference<Shim>> cutParents();
+    /// Cuts all links, and holds those that they led to.
+    void cutLinks() noexcept;
+    /// The next former parent; null after the last.
+    [[nodiscard]] Shim* nextFormerParent() noexcept;
+    /// The former parents, then the former children, one after the other, with the count that cutting took.
+    [[nodiscard]] Shim* takeFormerRelative() noexcept;
     void forgetParent(std::uint32_t place) noexcept;
     void compactParents() noexcept;
 
@@ -114,7 +123,7 @@ private:
     bool hot_ = false;       ///< accessed during the current interaction
     bool building_ = false;  ///< being built or read back: accesses from inside find nothing
     bool paging_ = false;    ///< a stream is open on the chunk
-    bool removing_ = false;  ///< a removal is under way or waits for its turn
+    Removal removal_ = Removal::none;
     Manager* manager_;
     std::uint32_t size_;  ///< in bytes: expected at first, then as measured last
     KeyType keyType_;
@@ -124,6 +133,7 @@ private:
     std::uint32_t serial_ = 0;     ///< tells shims apart in dumps and traces
     ClassUsage* usage_ = nullptr;  ///< what the resources of this class of keys take
     std::unique_ptr<Relatives> relatives_;
+    Shim* below_ = nullptr;  ///< whose removal goes on after that of this one
 };
 
 }  // namespace urKRCache

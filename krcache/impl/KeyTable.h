@@ -42,6 +42,13 @@ public:
         }
     }
 
+    /// The first shim at or behind `place`, which moves there; null when there is none. Walking on from one place is
+    /// for taking out all, when nothing comes in.
+    [[nodiscard]] Shim* firstFrom(std::size_t& place) const noexcept {
+        while (place < capacity_ && !slots_[place].shim) ++place;
+        return place < capacity_ ? slots_[place].shim : nullptr;
+    }
+
 private:
     struct Slot {
         std::uint32_t hash;

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <exception>
 #include <unordered_map>
 
@@ -14,7 +13,6 @@
 #include "krcache/impl/KeyTable.h"
 #include "krcache/impl/LruList.h"
 #include "krcache/impl/PageFile.h"
-#include "krcache/impl/Removal.h"
 #include "krcache/impl/scopes.h"
 
 namespace urKRCache {
@@ -78,7 +76,7 @@ public:
     void remove(Shim& shim);
     void removeUnreferenced(Shim& shim);
     /// Dependents before what they are built from; what still asks for shims meanwhile gets removed ones.
-    void removeAll();
+    void removeAll() noexcept;
 
     void setSerializable(Shim& shim) noexcept { shim.serializable_ = true; }
     void setClearCheck(bool clearCheck) noexcept { clearCheck_ = clearCheck; }
@@ -111,7 +109,9 @@ private:
     void withdraw(Shim& shim) noexcept;
     ur::Reference<Shim> takeFromTable(Shim& shim) noexcept;
     ClassUsage& usageOf(KeyData const& key);
-    [[nodiscard]] bool isAttached(Shim const& shim) const noexcept { return shim.manager_ && !shim.removing_; }
+    [[nodiscard]] bool isAttached(Shim const& shim) const noexcept {
+        return shim.manager_ && shim.removal_ == Shim::Removal::none;
+    }
 
     // limits.cpp
     void account(Shim& shim, KeyData const& key, unsigned size, TraceRecorder::Event event);
@@ -146,14 +146,13 @@ private:
     void reportLoss(Shim const& shim, urUtil::Error const& why);
 
     // removal.cpp
-    void push(Shim& shim);
-    void run(std::size_t base);
+    void push(Shim& shim) noexcept;
+    void run(Shim const* below);
+    void removeReporting(Shim& shim) noexcept;
     void removeEach(ur::vector<ur::Reference<Shim>> shims);
-    void step(Removal& removal);
-    void release(Removal& removal);
-    void clearForRemoval(Removal& removal);
-    void disconnect(Removal& removal);
-    void finish(Removal& removal);
+    void step(Shim& shim) noexcept;
+    void clearForRemoval(Shim& shim);
+    void finish(Shim& shim) noexcept;
     template <class Work>
     void shielded(Work&& work) noexcept;
 
@@ -165,10 +164,11 @@ private:
     [[nodiscard]] char const* faultOfSums() const;
     [[nodiscard]] std::size_t pagedOutCount() const;
 
-    void record(TraceRecorder::Event event, Shim const& shim) {
+    void record(TraceRecorder::Event event, Shim const& shim) noexcept {
         if (trace_) [[unlikely]]
-            trace_->record(event, shim.serial_, shim.size_);
+            recordTraced(event, shim);
     }
+    void recordTraced(TraceRecorder::Event event, Shim const& shim) noexcept;
 
     void noteLeaving(Shim const& shim, Cause cause) {
         if (observer_) [[unlikely]]
@@ -201,7 +201,7 @@ private:
     std::unordered_map<ur::TypeInfo, ClassUsage> usages_;
     ClassUsage* lastUsage_ = nullptr;
     std::uint32_t nextSerial_ = 0;
-    std::deque<Removal> removals_;  ///< a deque: removals begun on the way must not move those under way
+    Shim* removals_ = nullptr;  ///< the one to go on with, on top of those that wait for it; each is held
     unsigned removalRuns_ = 0;
     std::exception_ptr removalFailure_;
 };

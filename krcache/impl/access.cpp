@@ -1,4 +1,5 @@
 // Finding shims and making their resources present.
+#include <new>
 #include <typeinfo>
 
 #include "foundation/urOS/Filename.h"
@@ -99,6 +100,14 @@ ClassUsage& ManagerImpl::usageOf(KeyData const& key) {
 void ManagerImpl::noteHit(Shim& shim) {
     accountant_.resourceAccessed(&shim);
     record(TraceRecorder::Event::hit, shim);
+}
+
+// What there is no memory for is missing from the trace: nothing else may depend on there being one.
+void ManagerImpl::recordTraced(TraceRecorder::Event event, Shim const& shim) noexcept {
+    try {
+        trace_->record(event, shim.serial_, shim.size_);
+    } catch (std::bad_alloc const&) {
+    }
 }
 
 void ManagerImpl::setTraceRecorder(TraceRecorder* recorder) noexcept {

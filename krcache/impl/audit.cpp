@@ -53,7 +53,7 @@ char const* ManagerImpl::faultOfLinks(Shim const& shim) const {
         if (parent && !mirrors(parent->children(), place, shim, i)) return "is not a child of its parent";
         cut += parent ? 0 : 1;
     }
-    return !shim.relatives_ || cut == shim.relatives_->cutParents ? nullptr : "miscounts its parents";
+    return !shim.hasLinks() || cut == shim.relatives_->cutParents ? nullptr : "miscounts its parents";
 }
 
 char const* ManagerImpl::faultOfList() const {

@@ -1,31 +1,37 @@
 // Removing keys with all that is built from them.
+#include <new>
+#include <utility>
+
 #include "foundation/urOS/reportException.h"
 #include "krcache/impl/ManagerImpl.h"
 
 namespace urKRCache {
 
+// Removals take no memory: they are on a stack of their own, which leads through the shims, so that a chain of
+// dependents of any length needs no more of the thread's.
 void ManagerImpl::remove(Shim& shim) {
-    std::size_t const base = removals_.size();
+    Shim const* const below = removals_;
     push(shim);
-    run(base);
+    run(below);
 }
 
 // A reference that is dropped inside a removal asks for its own turn: it must not go deeper with each dependent.
 void ManagerImpl::removeUnreferenced(Shim& shim) {
     push(shim);
-    if (removalRuns_ == 0) run(0);
+    if (removalRuns_ == 0) run(nullptr);
 }
 
-void ManagerImpl::push(Shim& shim) {
+void ManagerImpl::push(Shim& shim) noexcept {
     if (!isAttached(shim)) return;
-    removals_.emplace_back().shim.reset(&shim);
-    shim.removing_ = true;
+    shim.ref();
+    shim.removal_ = Shim::Removal::clear;
+    shim.below_ = std::exchange(removals_, &shim);
 }
 
 // Throws what a hook has thrown first, once everything has been removed.
-void ManagerImpl::run(std::size_t base) {
+void ManagerImpl::run(Shim const* below) {
     ++removalRuns_;
-    while (removals_.size() > base) step(removals_.back());
+    while (removals_ != below) step(*removals_);
     --removalRuns_;
     if (removalRuns_ == 0 && removalFailure_) std::rethrow_exception(std::exchange(removalFailure_, nullptr));
 }
@@ -39,26 +45,31 @@ void ManagerImpl::shielded(Work&& work) noexcept {
     }
 }
 
-// A hook that runs here may begin other removals: they are on top then and end first.
-void ManagerImpl::step(Removal& removal) {
-    using Stage = Removal::Stage;
-    switch (removal.stage) {
-        case Stage::clear:
-            removal.stage = Stage::dependents;
-            shielded([&] { clearForRemoval(removal); });
-            return disconnect(removal);
-        case Stage::dependents:
-            if (removal.nextParent < removal.parents.size()) return push(*removal.parents[removal.nextParent++]);
-            removal.stage = Stage::release;
+// A hook that runs here may begin other removals: they are on top then and end first. So do those of former relatives
+// that are let go of one at a time, since each may be the last that counts.
+void ManagerImpl::step(Shim& shim) noexcept {
+    using Removal = Shim::Removal;
+    switch (shim.removal_) {
+        case Removal::none: return;
+        case Removal::clear:
+            shielded([&] { clearForRemoval(shim); });
+            shim.cutLinks();
+            shim.removal_ = Removal::dependents;
             return;
-        case Stage::release: return release(removal);
-        case Stage::finish: removal.stage = Stage::done; return finish(removal);
-        case Stage::done: removals_.pop_back();
+        case Removal::dependents:
+            if (Shim* const parent = shim.nextFormerParent()) return push(*parent);
+            shim.removal_ = Removal::release;
+            return;
+        case Removal::release:
+            if (Shim* const relative = shim.takeFormerRelative()) return relative->unref();
+            shim.removal_ = Removal::finish;
+            return;
+        case Removal::finish: shim.removal_ = Removal::done; return finish(shim);
+        case Removal::done: removals_ = std::exchange(shim.below_, nullptr); shim.unref();
     }
 }
 
-void ManagerImpl::clearForRemoval(Removal& removal) {
-    Shim& shim = *removal.shim;
+void ManagerImpl::clearForRemoval(Shim& shim) {
     if (!shim.resource_) return;
     ur::Reference<KeyData> const key = shim.key_;
     if (shim.pageEntry_) {
@@ -66,32 +77,14 @@ void ManagerImpl::clearForRemoval(Removal& removal) {
     } else {
         takeFromUsed(shim);
     }
-    removal.resource = takeResource(shim, Cause::removal);
-    if (!shim.hasParents()) removal.resource.reset();
+    ur::Reference<Resource> resource = takeResource(shim, Cause::removal);
+    bool const isHeldElsewhere = resource->referenceCount() > 1;
+    if (isHeldElsewhere && shim.hasParents()) shim.relatives_->resource.swap(resource);
+    resource.reset();
     key->resourceCleared();
 }
 
-void ManagerImpl::disconnect(Removal& removal) {
-    removal.children = removal.shim->cutChildren();
-    removal.parents = removal.shim->cutParents();
-    for (ur::Reference<Shim> const& child : removal.children) child->weakUnref(1);
-    removal.shim->weakUnref(static_cast<int>(removal.parents.size()));
-}
-
-// One at a time, since each may be the last that counts and put another removal on top.
-void ManagerImpl::release(Removal& removal) {
-    std::size_t const next = removal.released++;
-    if (next < removal.parents.size()) {
-        removal.parents[next].reset();
-    } else if (next - removal.parents.size() < removal.children.size()) {
-        removal.children[next - removal.parents.size()].reset();
-    } else {
-        removal.stage = Removal::Stage::finish;
-    }
-}
-
-void ManagerImpl::finish(Removal& removal) {
-    Shim& shim = *removal.shim;
+void ManagerImpl::finish(Shim& shim) noexcept {
     ur::Reference<KeyData> const key = shim.key_;
     ur::Reference<Shim> const held = takeFromTable(shim);
     shielded([&] { key->keyRemoved(); });
@@ -99,20 +92,31 @@ void ManagerImpl::finish(Removal& removal) {
     if (shim.hot_) accountant_.cool(shim);
     shim.manager_ = nullptr;
     shim.key_.reset();
-    removal.resource.reset();
+    shim.relatives_.reset();
 }
 
-// Keys that name each other are never without dependents: they come last.
-void ManagerImpl::removeAll() {
+void ManagerImpl::removeReporting(Shim& shim) noexcept {
+    try {
+        remove(shim);
+    } catch (...) {
+        urOS::reportException("urKRCache::Manager", std::current_exception());
+    }
+}
+
+// Keys that name each other are never without dependents: they come last. So does, in any order, what there was no
+// memory to sort.
+void ManagerImpl::removeAll() noexcept {
     dying_ = true;
-    ur::vector<ur::Reference<Shim>> roots;
-    table_.forEach([&](Shim& shim) {
-        if (!shim.hasParents()) roots.emplace_back(&shim);
-    });
-    removeEach(std::move(roots));
-    ur::vector<ur::Reference<Shim>> rest;
-    table_.forEach([&](Shim& shim) { rest.emplace_back(&shim); });
-    removeEach(std::move(rest));
+    try {
+        ur::vector<ur::Reference<Shim>> roots;
+        table_.forEach([&](Shim& shim) {
+            if (!shim.hasParents()) roots.emplace_back(&shim);
+        });
+        removeEach(std::move(roots));
+    } catch (std::bad_alloc const&) {
+    }
+    std::size_t place = 0;
+    while (Shim* const shim = table_.firstFrom(place)) removeReporting(*shim);
 }
 
 /// And what has no dependents left then.
@@ -124,11 +128,7 @@ void ManagerImpl::removeEach(ur::vector<ur::Reference<Shim>> shims) {
         for (Shim::Link const& link : root->children()) {
             if (link.shim) children.emplace_back(link.shim);
         }
-        try {
-            remove(*root);
-        } catch (...) {
-            urOS::reportException("urKRCache::Manager", std::current_exception());
-        }
+        removeReporting(*root);
         for (ur::Reference<Shim>& child : children) {
             if (isAttached(*child) && !child->hasParents()) shims.push_back(std::move(child));
         }

@@ -10,11 +10,20 @@ namespace {
 using ur::make;
 using ur::Reference;
 
+/// Writes down when it goes.
+struct Mortal : Blob {
+    Mortal(std::string& where, int which) : Blob(1000), log(where), number(which) {}
+    ~Mortal() override { log += " d" + std::to_string(number); }
+    std::string& log;
+    int number;
+};
+
 struct RemovalTest : testing::Test {
-    /// A shim whose resource is there; writes down when it is cleared ("c") and when the key is removed ("r").
+    /// A shim whose resource is there; told are when that goes (d), when the key hears of it (c) and is removed (r).
     Reference<Shim> add(int number, std::vector<Reference<Shim>> sources = {}) {
         auto const key = make<Key>(number);
         key->sources = std::move(sources);
+        key->make = [this, number] { return Reference<Resource>(new Mortal(log, number)); };
         key->onCleared = [this, number] { log += " c" + std::to_string(number); };
         key->onRemoved = [this, number] { log += " r" + std::to_string(number); };
         auto shim = manager->getShim(key, Shim::Retained);
@@ -31,7 +40,7 @@ TEST_F(RemovalTest, TakesAllThatIsBuiltFromTheSourceAndKeepsWhatItIsBuiltFrom) {
     auto const source = add(1), other = add(2);
     auto const left = add(3, {source, other}), right = add(4, {source}), top = add(5, {right, left, left});
     manager->lockResource(source), manager->removeResource(source);
-    EXPECT_EQ(log, " c1 c3 c5 r5 r3 c4 r4 r1");
+    EXPECT_EQ(log, " d1 c1 d3 c3 d5 c5 r5 r3 d4 c4 r4 r1");
     EXPECT_TRUE(manager->numKeys() == 1 && manager->getMemoryUsed() == 1000);
     EXPECT_EQ(manager->audit(), "");
     manager->lockResource(top), manager->unlockResource(source), manager->clearResource(top);
@@ -46,7 +55,7 @@ TEST_F(RemovalTest, DestroyingTheManagerRemovesDependentsFirst) {
         EXPECT_TRUE(!late->manager() && !manager->accessResource(late));
     };
     cache.reset();
-    EXPECT_EQ(log, " c3 c2 r2 c1 r1");
+    EXPECT_EQ(log, " d3 c3 d2 c2 r2 d1 c1 r1");
     EXPECT_EQ(k2->manager(), nullptr);
 }
 

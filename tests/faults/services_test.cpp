@@ -106,6 +106,8 @@ struct RedoJoin : JoinProperties {
 struct Text : urKRCache::Resource {
     explicit Text(std::string what) : text(std::move(what)) {}
     unsigned onGetSizeInBytes() const override { return static_cast<unsigned>(text.size()); }
+    void onSerialize(urOS::IOStream& stream) override { static_cast<void>(stream.write(text.data(), text.size())); }
+    void onDeserialize(urOS::IOStream& stream) override { static_cast<void>(stream.read(text.data(), text.size())); }
     std::string text;
 };
 
@@ -126,36 +128,60 @@ struct Key : urKRCache::KeyData {
 
 struct BuildResources {
     bool act() {
-        Reference<urKRCache::Shim> shim;
+        first = last = nullptr;
         for (int number = 0; number < 3; ++number) {
-            shim = cache.getShim(ur::make<Key>(number, shim), urKRCache::Shim::KeyType());
+            last = cache->getShim(ur::make<Key>(number, last), urKRCache::Shim::KeyType());
+            if (!first) first = last;
         }
-        if (!shim) return false;
-        auto const resource = cache.accessResource(shim);
+        auto const resource = cache->accessResource(last);
         if (!resource) return false;
         built = static_cast<Text const&>(*resource).text;
         return true;
     }
     /// How far a failed one came does not matter: the cache may keep what it has built.
-    std::string state() const { return built + std::string(cache.audit()); }
+    std::string state() const { return cache ? built + std::string(cache->audit()) : "gone"; }
 
     BuildResources() { current = this; }
     ~BuildResources() { current = nullptr; }
     static inline BuildResources* current = nullptr;
 
-    urKRCache::Manager cache{urString::IString(std::filesystem::temp_directory_path().c_str())};
+    std::unique_ptr<urKRCache::Manager> cache =
+        std::make_unique<urKRCache::Manager>(urString::IString(std::filesystem::temp_directory_path().c_str()));
+    Reference<urKRCache::Shim> first, last;
     std::string built;
 };
 
 Reference<urKRCache::Resource> Key::onCreateResource() const {
     std::string text(100, 'x');
     if (source) {
-        auto const built = BuildResources::current->cache.accessResource(source);
+        auto const built = BuildResources::current->cache->accessResource(source);
         if (!built) return nullptr;
         text += static_cast<Text const&>(*built).text;
     }
     return ur::make<Text>(std::move(text));
 }
+
+/// Pages out and back, and removes a chain.
+struct PageAndRemoveResources : BuildResources {
+    bool act() {
+        if (!BuildResources::act()) return false;
+        cache->setSerializable(last);
+        cache->clear();
+        auto const resource = cache->accessResource(last);
+        bool const isBack = resource && static_cast<Text const&>(*resource).text == built;
+        auto const dependent = cache->getShim(ur::make<Key>(3, last), urKRCache::Shim::WeakCounted);
+        cache->removeResource(first);
+        return isBack && cache->numKeys() == 0;
+    }
+};
+
+struct DestroyCache : BuildResources {
+    DestroyCache() { BuildResources::act(); }
+    bool act() {
+        cache.reset();
+        return true;
+    }
+};
 
 /// A script that calls a native function and decodes a text, and then assigns what came of it.
 struct RunScript {
@@ -191,7 +217,11 @@ TEST(WithoutMemory, EditsAreMadeWholeOrNotAtAll) {
     survives<RedoJoin>();
 }
 
-TEST(WithoutMemory, TheCacheStaysSound) { survives<BuildResources>(); }
+TEST(WithoutMemory, TheCacheStaysSound) {
+    survives<BuildResources>();
+    survives<PageAndRemoveResources>();
+    survives<DestroyCache>();
+}
 
 TEST(WithoutMemory, ScriptsFailWithAnError) { survives<RunScript>(); }
 
