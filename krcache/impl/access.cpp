@@ -39,17 +39,19 @@ ur::Reference<Shim> ManagerImpl::findOrCreateShim(ur::Reference<KeyData> const& 
 ur::Reference<Shim> ManagerImpl::createShim(ur::Reference<KeyData> const& key, Shim::KeyType type) {
     std::uint64_t const before = table_.version();
     ur::Reference<Shim> shim(new Shim(manager_, key, type));
-    // Asking the key for its sizes may have brought an equal key in.
-    Shim* const rival = table_.version() == before ? nullptr : table_.find(*key);
-    if (rival || dying_) {
-        shim->manager_ = nullptr;
-        shim->key_.reset();
-        return rival ? ur::Reference<Shim>(rival) : shim;
-    }
+    shim->manager_ = nullptr;  // not before it is in the table, from which it is to be removed
     shim->hash_ = key->hash();
+    // Asking the key for its hash and sizes may have brought an equal key in.
+    Shim* const rival = table_.version() == before ? nullptr : table_.find(*key);
+    if (rival) return ur::Reference<Shim>(rival);
+    if (dying_) {
+        shim->key_.reset();
+        return shim;
+    }
     shim->serial_ = nextSerial_++;
     shim->usage_ = &usageOf(*key);
     table_.insert(*shim);
+    shim->manager_ = &manager_;
     key->memo_.shim = shim.get();
     key->memo_.owner = this;
     try {

@@ -40,6 +40,21 @@ TEST_F(ManagerTest, EqualKeysShareOneShimAndItsKeyIsTheFirstOfThem) {
     EXPECT_EQ(manager.numKeys(), 1);
 }
 
+TEST_F(ManagerTest, AKeyIsInTheTableOnceOrNotAtAllWhateverItsHashDoes) {
+    struct Forgetful : Key {
+        using Key::Key;
+        unsigned onHash() const override { return onHashing(++hashes), 0; }
+        std::function<void(int)> onHashing = [](int /*time*/) {};
+    };
+    auto const thrower = make<Forgetful>(1), doubled = make<Forgetful>(1);
+    thrower->onHashing = [](int time) { time == 2 ? throw std::runtime_error("no") : void(); };
+    thrower->onRemoved = [] { ADD_FAILURE() << "was never there"; };
+    EXPECT_THROW(manager.getShim(thrower, Shim::Retained), std::runtime_error);
+    Reference<Shim> first;
+    doubled->onHashing = [&](int time) { first = time == 2 ? shim(make<Forgetful>(1)) : first; };
+    EXPECT_EQ(shim(doubled), first);
+}
+
 TEST_F(ManagerTest, ProxiesAndWhatIsNotBuiltCountNothing) {
     struct Proxy : Resource {
         Proxy() : Resource(true) {}
