@@ -6,15 +6,28 @@
 namespace urKRCache {
 
 // For keys whose comparison uses the cache: the candidates are held, so that comparing may do what it likes.
-Shim* KeyTable::findAmongAll(KeyData const& key, std::uint32_t hash) const {
+ur::Reference<Shim> KeyTable::findHeld(KeyData const& key, std::uint32_t hash) const {
     ur::vector<ur::Reference<Shim>> candidates;
     for (std::size_t place = home(hash); slots_[place].shim; place = after(place)) {
         if (slots_[place].hash == hash) candidates.emplace_back(slots_[place].shim);
     }
     for (ur::Reference<Shim> const& candidate : candidates) {
         ur::Reference<KeyData> const other = candidate->key_;
-        if (other && key.compare(other.get()) == 0 && candidate->manager_) return candidate.get();
+        if (other && key.compare(other.get()) == 0 && candidate->manager_) return candidate;
     }
+    return {};
+}
+
+// Null only after a look at all candidates during which none came in.
+Shim* KeyTable::findAmongAll(KeyData const& key, std::uint32_t hash) const {
+    std::uint64_t before = 0;
+    do {
+        before = version_;
+        ur::Reference<Shim> found = findHeld(key, hash);
+        if (!found || !found->manager_) continue;
+        --found->strongCount_;  // the table has another; giving up this one must not remove what is asked for
+        return found.release();
+    } while (version_ != before);
     return nullptr;
 }
 

@@ -60,6 +60,7 @@ private:
     }
     [[nodiscard]] std::size_t after(std::size_t place) const noexcept { return (place + 1) & (capacity_ - 1); }
     [[nodiscard]] std::size_t placeOf(Shim const& shim) const noexcept;
+    [[nodiscard]] ur::Reference<Shim> findHeld(KeyData const& key, std::uint32_t hash) const;
     [[nodiscard]] Shim* findAmongAll(KeyData const& key, std::uint32_t hash) const;
     void put(Slot slot) noexcept;
     void grow();

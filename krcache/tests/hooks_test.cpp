@@ -87,7 +87,7 @@ struct Meddlers {
         if (what >= 16) cache.access(one);
     }
     void add() {
-        auto const key = make<Key>(static_cast<int>(draw(16)));
+        auto const key = make<Key>(static_cast<int>(draw(numbers)));
         Hook const hook = [this] { meddle(); };
         key->onBuild = key->onInitialize = key->onCleared = key->onRemoved = key->onComparing = hook;
         key->make = [this, hook] {
@@ -101,6 +101,7 @@ struct Meddlers {
         any() = std::move(made);
     }
 
+    static constexpr int numbers = 16;  ///< of different keys
     std::mt19937 random;
     std::vector<Reference<Shim>> shims{12};
     int depth = 0;
@@ -117,6 +118,7 @@ TEST(MeddlingHooks, NeverLeaveTheCacheBroken) {
             } catch (int) {
             }
             ASSERT_EQ(meddlers.manager->audit(), "") << "seed " << seed << ", step " << step;
+            ASSERT_LE(meddlers.manager->numKeys(), Meddlers::numbers) << "seed " << seed << ", step " << step;
         }
     }
 }
