@@ -143,7 +143,7 @@ private:
     bool endPaging(Shim& shim, PageFileEntry& chunk, FileStream const& stream,
                    std::exception_ptr const& thrownByResource);
     void cleanUpPaging(Shim& shim);
-    void reportLoss(Shim const& shim, urUtil::Error const& why);
+    void reportLoss(Shim const& shim, urUtil::Error const& why) noexcept;
 
     // removal.cpp
     void push(Shim& shim) noexcept;

@@ -91,12 +91,15 @@ void ManagerImpl::cleanUpPaging(Shim& shim) {
     if (!shim.paging_) pageFile_.release(chunk);
 }
 
-// A file that could not be opened is told of once: it would be told of at every eviction.
-void ManagerImpl::reportLoss(Shim const& shim, urUtil::Error const& why) {
+// A file that could not be opened is told of once: it would be told of at every eviction. What there is no memory to
+// tell is not told, since the loss is still to be dealt with.
+void ManagerImpl::reportLoss(Shim const& shim, urUtil::Error const& why) noexcept {
     bool const isOpen = pageFile_.openError().ok();
     if (!isOpen && std::exchange(pageFileTold_, true)) return;
-    debugChannel().print("Dropped a %.02fMB resource instead of paging it: %s\n", impl::megabytes(shim.size_),
-                         std::string(why.message()).c_str());
+    static_cast<void>(thrownBy([&] {
+        debugChannel().print("Dropped a %.02fMB resource instead of paging it: %s\n", impl::megabytes(shim.size_),
+                             std::string(why.message()).c_str());
+    }));
 }
 
 }  // namespace urKRCache

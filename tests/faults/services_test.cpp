@@ -104,14 +104,15 @@ struct RedoJoin : JoinProperties {
 };
 
 struct Text : urKRCache::Resource {
-    explicit Text(std::string what) : text(std::move(what)) {}
-    unsigned onGetSizeInBytes() const override { return static_cast<unsigned>(text.size()); }
+    Text(std::string what, unsigned bytes) : text(std::move(what)), size(bytes) {}
+    unsigned onGetSizeInBytes() const override { return size; }
     void onSerialize(urOS::IOStream& stream) override { static_cast<void>(stream.write(text.data(), text.size())); }
     void onDeserialize(urOS::IOStream& stream) override { static_cast<void>(stream.read(text.data(), text.size())); }
     std::string text;
+    unsigned size;
 };
 
-/// Equal by number; built from the text of the key before it.
+/// Equal by number; built from the text of the key before it. That of the first says too small a size.
 struct Key : urKRCache::KeyData {
     Key(int which, Reference<urKRCache::Shim> from) : number(which), source(std::move(from)) {}
 
@@ -153,19 +154,21 @@ struct BuildResources {
 
 Reference<urKRCache::Resource> Key::onCreateResource() const {
     std::string text(100, 'x');
+    unsigned size = 1;
     if (source) {
         auto const built = BuildResources::current->cache->accessResource(source);
         if (!built) return nullptr;
         text += static_cast<Text const&>(*built).text;
+        size = static_cast<unsigned>(text.size());
     }
-    return ur::make<Text>(std::move(text));
+    return ur::make<Text>(std::move(text), size);
 }
 
-/// Pages out and back, and removes a chain.
+/// Pages out, of which one fails, and back, and removes a chain.
 struct PageAndRemoveResources : BuildResources {
     bool act() {
         if (!BuildResources::act()) return false;
-        cache->setSerializable(last);
+        for (auto const& shim : {first, last}) cache->setSerializable(shim);
         cache->clear();
         auto const resource = cache->accessResource(last);
         bool const isBack = resource && static_cast<Text const&>(*resource).text == built;
