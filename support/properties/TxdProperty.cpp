@@ -36,10 +36,11 @@ void TxdProperty::attachData(ur::Reference<TxdPropertyData> const& data) {
     if (!isTxnExtant()) return;
     transact();
     send(ModifyStart);
+    if (!isTxnExtant()) return;  // a listener has taken back its making, or the manager away
     prepareAttaching(*data);
-    data_->remove(*this);
+    data_->members().remove(*this);
     data_ = data;
-    data_->add(*this);
+    data_->members().add(*this);
     send(ModifyPerform);
     send(ModifyEnd);
 }

@@ -14,10 +14,11 @@ UnTxdPropertyData::~UnTxdPropertyData() {
 void UnTxdPropertyData::add(UnTxdProperty& property) { properties_.add(property); }
 void UnTxdPropertyData::remove(UnTxdProperty& property) noexcept { properties_.remove(property); }
 
+// The transacted side first, since recording may fail.
 void UnTxdPropertyData::storeValue(ItemReference value, Propagate toTwin) {
-    value_ = value;
-    if (toTwin == Propagate::no) return;
-    if (TxdPropertyData* const twin = txdData()) twin->storeValue(std::move(value), Propagate::no);
+    TxdPropertyData* const twin = toTwin == Propagate::yes ? txdData() : nullptr;
+    if (twin) twin->storeValue(value, Propagate::no);
+    value_ = std::move(value);
 }
 
 }  // namespace nxSupport

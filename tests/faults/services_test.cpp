@@ -36,9 +36,10 @@ struct SetProperty {
         history.commit();
         connection = twin->subscribe([this](auto const& /*property*/, auto /*stage*/) { heard = value(); });
     }
-    bool act() {
+    bool act() { return set(property); }
+    bool set(Reference<Property> const& through) {
         nxTXN::Transaction transaction(history, "a name that is too long to be held in place");
-        property->setValue(list(2));
+        through->setValue(list(2));
         return transaction.commit();
     }
     std::string value() const { return std::string(nxPLST::asJSON(property->value())); }
@@ -51,6 +52,10 @@ struct SetProperty {
     Reference<Property> property, twin;
     urRTB::ScopedConnection connection;
     std::string heard;
+};
+
+struct SetTwin : SetProperty {
+    bool act() { return set(twin); }
 };
 
 struct UndoProperty : SetProperty {
@@ -214,6 +219,7 @@ struct RunScript {
 
 TEST(WithoutMemory, EditsAreMadeWholeOrNotAtAll) {
     survives<SetProperty>();
+    survives<SetTwin>();
     survives<UndoProperty>();
     survives<RedoProperty>();
     survives<JoinProperties>();

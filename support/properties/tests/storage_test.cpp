@@ -100,7 +100,8 @@ TEST_F(Storage, PropertiesSurviveTheirManagerAsEmptyShells) {
     auto own = std::make_unique<nxTXN::Manager>();
     auto const shell = Property::createTxd(*own, "shell", number(1));
     auto const u = shell->cloneUnTxd("u");
-    own.reset();
+    auto const listener = shell->subscribe([&own](auto const&, PropertyModType) { own.reset(); });
+    shell->join(Property::createUnTxd("other"));
     EXPECT_TRUE(shell->setValue(number(2)));
     EXPECT_FALSE(shell->value() || shell->cloneUnTxd());
     shell->join(u);
