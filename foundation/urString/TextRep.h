@@ -94,6 +94,8 @@ public:
     /// Requires: at most `capacity()`. Bytes that join the text keep the value that they have.
     void setSize(std::size_t size) noexcept {
         if (isInline()) {
+            // Said here, since g++ 12 takes a size that it knows to be larger for an index out of bounds.
+            if (size > inlineCapacity) __builtin_unreachable();
             keepInline(words_[0], words_[1], size);
         } else {
             block()[size] = '\0';
