@@ -39,6 +39,24 @@ std::string nameBeside(std::string const& target) {
     return (std::filesystem::path(target).parent_path() / hidden.c_str()).string();
 }
 
+/// A file without a name in the target's folder, of which nothing is left when the process dies; negative where the
+/// file system has no such files, or none that could be named later.
+int openNameless(std::string const& target, mode_t mode) {
+#ifdef O_TMPFILE
+    if (::access("/proc/self/fd", X_OK) != 0) return -1;
+    std::filesystem::path const folder = std::filesystem::path(target).parent_path();
+    return ::open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, mode);
+#else
+    return -1;
+#endif
+}
+
+/// Gives a nameless file its name.
+bool giveName(int descriptor, std::string const& name) {
+    std::string const self = "/proc/self/fd/" + std::to_string(descriptor);
+    return ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+}
+
 /// Makes an open file resemble the one it is to replace.
 Error resemble(int descriptor, struct stat const& former) {
     // Giving a file away is a privilege; without it the new file belongs to whoever writes it.
@@ -58,7 +76,9 @@ Error AtomicFile::open(urString::IString const& path) {
     target_ = behindLinks(name);
     // The system would replace what stands before a NUL: another file.
     bool const named = name.find('\0') == std::string::npos;
-    error_ = named ? create() : Error::fromSystem(EINVAL, name.c_str());
+    error_ = name.empty() ? Error::fromSystem(ENOENT, "a file without a name")
+             : named      ? create()
+                          : Error::fromSystem(EINVAL, name.c_str());
     return error_;
 }
 
@@ -70,12 +90,16 @@ Error AtomicFile::create() {
         return file_.open(urString::IString(target_, urString::Encoding::multibyte), openWrite);
     }
     if (exists && ::access(target_.c_str(), W_OK) != 0) return Error::fromSystem(errno, target_);
-    std::string const name = nameBeside(target_);
     // Never wider open than the file to be replaced, not even before the permissions are set in full.
     mode_t const mode = exists ? former.st_mode & 0666 : 0666;
-    int const descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-    if (descriptor < 0) return Error::fromSystem(errno, target_);
-    temporary_ = name;
+    int descriptor = openNameless(target_, mode);
+    nameless_ = descriptor >= 0 ? descriptor : -1;
+    if (descriptor < 0) {
+        std::string const name = nameBeside(target_);
+        descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (descriptor < 0) return Error::fromSystem(errno, target_);
+        temporary_ = name;
+    }
     static_cast<void>(file_.attach(descriptor, File::Ownership::own));
     return exists ? resemble(descriptor, former) : Error();
 }
@@ -93,6 +117,12 @@ Error AtomicFile::write(void const* buffer, std::size_t count, std::size_t* done
 
 Error AtomicFile::commit() {
     if (!file_.isOpen() && error_.ok()) return Error::fromSystem(EBADF, "no file to commit");
+    if (error_.ok() && nameless_ >= 0) {
+        std::string const name = nameBeside(target_);
+        bool const named = giveName(nameless_, name);
+        if (!named) error_ = Error::fromSystem(errno, target_);
+        if (named) temporary_ = name;
+    }
     Error const closed = file_.close();
     if (error_.ok()) error_ = closed;
     if (error_.ok() && !temporary_.empty()) {
@@ -108,6 +138,7 @@ void AtomicFile::discard() noexcept {
     static_cast<void>(file_.close());
     if (!temporary_.empty()) ::unlink(temporary_.c_str());
     temporary_.clear();
+    nameless_ = -1;
 }
 
 }  // namespace urOS

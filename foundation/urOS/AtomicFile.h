@@ -12,8 +12,8 @@ namespace urOS {
 /// leaves the old file as it was and nobody reads a half-written one.
 ///
 /// The new file has the permissions of the old one, and its owner where the process may set it. A link is
-/// followed: the file it names is replaced. A target that is no regular file (a pipe, a terminal) is written to
-/// directly, and a write-protected one is not replaced. What is not committed is dropped with the object.
+/// followed: the file it names is replaced, or made. A target that is no regular file (a pipe, a terminal) is written
+/// to directly, and a write-protected one is not replaced. What is not committed is dropped with the object.
 class NX_API AtomicFile final : public IOStream {
 public:
     AtomicFile() = default;
@@ -37,6 +37,7 @@ private:
     File file_;
     std::string target_;
     std::string temporary_;  ///< empty when nothing lies beside the target
+    int nameless_ = -1;      ///< the open file's descriptor while it has no name
     urUtil::Error error_;
 };
 

@@ -20,7 +20,7 @@ public:
     File& operator=(File const&) = delete;
     ~File() override;
 
-    /// Opens the file at `path`, in place of the one that was open.
+    /// Opens the file at `path`, in place of the one that was open. Errors name the file; those of what follows do not.
     urUtil::Error open(urString::IString const& path, OpenMode mode);
     /// Uses an open descriptor (0 = standard input, 1 = standard output); `close` leaves a borrowed one open.
     urUtil::Error attach(int descriptor, Ownership ownership);
