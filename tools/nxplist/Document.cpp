@@ -21,11 +21,30 @@ namespace {
 /// `about` is put before messages that do not name the file themselves.
 void check(urUtil::Error const& error, std::string const& about = "") {
     if (error.ok()) return;
-    throw Failure{ExitCode::unusable, "nxplist: " + about + (about.empty() ? "" : ": ") + std::string(error.message())};
+    throw Failure{ExitCode::unusable, "nxplist: " + about + (about.empty() ? "" : ": ") + printable(error.message())};
 }
 
-std::string inputName(std::string const& path) { return path == "-" ? "standard input" : path; }
-std::string outputName(std::string const& path) { return path == "-" ? "standard output" : path; }
+std::string inputName(std::string const& path) { return path == "-" ? "standard input" : printable(path); }
+std::string outputName(std::string const& path) { return path == "-" ? "standard output" : printable(path); }
+
+/// Keeps what was wrong with a stream, of which a packet report only tells that it failed.
+class Watched final : public urOS::IOStream {
+public:
+    explicit Watched(urOS::IOStream& stream) : stream_(stream) {}
+
+    [[nodiscard]] urUtil::Error const& error() const { return error_; }
+
+    urUtil::Error read(void* buffer, std::size_t count, std::size_t* done) override {
+        return error_ = stream_.read(buffer, count, done);
+    }
+    urUtil::Error write(void const* buffer, std::size_t count, std::size_t* done) override {
+        return error_ = stream_.write(buffer, count, done);
+    }
+
+private:
+    urOS::IOStream& stream_;
+    urUtil::Error error_;
+};
 
 urString::CString contents(std::string const& path) {
     urOS::File file;
@@ -116,7 +135,9 @@ void readPackets(Document& document, urString::CString const& bytes) {
 void storeInto(urOS::IOStream& stream, Document const& document, std::string const& name, Form form) {
     if (form == Form::packets) {
         nxPLST::PacketReport report;
-        if (!nxPLST::write(stream, document.root, report)) {
+        Watched watched(stream);
+        if (!nxPLST::write(watched, document.root, report)) {
+            check(watched.error(), name);
             throw Failure{ExitCode::unusable,
                           "nxplist: " + name + ": cannot write packets: " + ioStatusText(report.status)};
         }
@@ -153,6 +174,12 @@ void store(Document const& document, std::string const& path, Form form) {
     check(out.open(urString::IString(path.c_str())));
     storeInto(out, document, outputName(path), form);
     check(out.commit());
+}
+
+std::string printable(std::string_view text) {
+    std::string result(text);
+    std::ranges::replace_if(result, isControl, '?');
+    return result;
 }
 
 urString::CString strictJson(ur::Reference<nxPLST::Item const> const& item, std::string const& name) {

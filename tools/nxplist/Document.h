@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "foundation/urString/CString.h"
 #include "plst/Item.h"
@@ -35,6 +36,9 @@ void store(Document const& document, std::string const& path, Form form);
 
 /// The strict JSON of an item out of the document of that name. Throws `Failure` when there is none.
 urString::CString strictJson(ur::Reference<nxPLST::Item const> const& item, std::string const& name);
+
+/// `text`, such as the name of a file, as part of one line: without control characters.
+std::string printable(std::string_view text);
 
 /// Writes text to standard output. Throws `Failure`.
 void printText(urString::CString const& text);

@@ -14,6 +14,11 @@
 namespace nxplist {
 namespace {
 
+/// A second reading of the standard input would find nothing.
+void requireOneStandardInput(Options const& options) {
+    if (std::ranges::count(options.files, "-") > 1) throw UsageError{"standard input can be read only once"};
+}
+
 std::string fileOr(Options const& options, std::size_t index, char const* otherwise) {
     return index < options.files.size() ? options.files[index] : otherwise;
 }
@@ -44,6 +49,7 @@ int check(Options const& options) {
             result = std::max(result, failure.exitCode);
         }
     };
+    requireOneStandardInput(options);
     if (options.files.empty()) checkOne("-");
     for (auto const& file : options.files) checkOne(file);
     return result;
@@ -86,6 +92,7 @@ int get(Options const& options) {
 }
 
 int same(Options const& options) {
+    requireOneStandardInput(options);
     auto const first = load(options.files[0], options.from).root;
     auto const second = load(options.files[1], options.from).root;
     if (!first || !second) return first == second ? ExitCode::done : ExitCode::negative;
@@ -99,6 +106,7 @@ int same(Options const& options) {
 }
 
 int diff(Options const& options) {
+    requireOneStandardInput(options);
     auto const first = load(options.files[0], options.from).root;
     auto const second = load(options.files[1], options.from).root;
     int result = ExitCode::done;
@@ -139,7 +147,7 @@ int main(int argc, char** argv) {
     try {
         return flushed(run(readOptions(argc, argv)));
     } catch (UsageError const& error) {
-        std::fprintf(stderr, "nxplist: %s (nxplist --help tells more)\n", error.message.c_str());
+        std::fprintf(stderr, "nxplist: %s (nxplist --help tells more)\n", printable(error.message).c_str());
         return ExitCode::unusable;
     } catch (Failure const& failure) {
         std::fprintf(stderr, "%s\n", failure.message.c_str());
