@@ -3,7 +3,6 @@
 
 #include <cstdio>
 
-#include "foundation/urOS/AtomicFile.h"
 #include "foundation/urOS/MemoryIOStream.h"
 #include "support/services/Performance.h"
 #include "support/services/debugList.h"
@@ -32,13 +31,9 @@ CString times() {
 
 Diagnostics::Diagnostics(Options const& options, nxSupport::Domain& domain, urKRCache::Manager& cache,
                          nxTXN::Manager const& history)
-    : domain_(domain),
-      cache_(cache),
-      history_(history),
-      showsStatistics_(options.statistics),
-      traceFile_(options.traceFile) {
+    : domain_(domain), cache_(cache), history_(history), showsStatistics_(options.statistics) {
     switchDebugging(options.debugCodes);
-    if (traceFile_.empty()) return;
+    if (options.traceFile.empty()) return;
     timeline_.emplace();
     domain_.setContextObserver(&*timeline_);
     cache_.setObserver(&*timeline_);
@@ -66,13 +61,9 @@ CString Diagnostics::statistics() const {
     return text;
 }
 
-urUtil::Error Diagnostics::finish() const {
+urUtil::Error Diagnostics::finish(urOS::IOStream& trace) const {
     if (showsStatistics_) std::fputs(statistics().c_str(), stderr);
-    if (!timeline_) return {};
-    urOS::AtomicFile file;
-    if (auto error = file.open(urString::IString(traceFile_.c_str())); error.isError()) return error;
-    if (auto error = timeline_->write(file); error.isError()) return error;
-    return file.commit();
+    return timeline_ ? timeline_->write(trace) : urUtil::Error();
 }
 
 }  // namespace nxhost

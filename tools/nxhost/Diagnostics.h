@@ -2,9 +2,9 @@
 #pragma once
 
 #include <optional>
-#include <string>
 
 #include "foundation/nxTXN/Manager.h"
+#include "foundation/urOS/IOStream.h"
 #include "foundation/urString/CString.h"
 #include "krcache/Manager.h"
 #include "support/messaging/Domain.h"
@@ -25,15 +25,14 @@ public:
 
     /// Times of activities, counters of the cache and of the history, one subject a line.
     [[nodiscard]] urString::CString statistics() const;
-    /// Prints the counts on the standard error and writes the trace file, as far as the options want that.
-    urUtil::Error finish() const;
+    /// Prints the counts on the standard error and writes the time line to `trace`, as far as the options want that.
+    urUtil::Error finish(urOS::IOStream& trace) const;
 
 private:
     nxSupport::Domain& domain_;
     urKRCache::Manager& cache_;
     nxTXN::Manager const& history_;
     bool const showsStatistics_;
-    std::string const traceFile_;
     std::optional<nxSupport::Timeline> timeline_;
 };
 

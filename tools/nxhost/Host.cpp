@@ -221,7 +221,8 @@ void Host::finish() {
 }
 
 void Host::report(nxRFL::Exception const& error) {
-    if (chosenCode_) return;  // how a script ends that has asked for it
+    if (chosenCode_) return;                             // how a script ends that has asked for it
+    if (loop_.interrupt().pending() == SIGPIPE) return;  // whoever reads the output has enough of it
     CString trace = error.trace();
     if (trace.endsWith(runnerInTrace)) trace.erase(trace.size() - runnerInTrace.size());
     std::fprintf(stderr, "nxhost: %s%s%s\n", error.message().c_str(), trace.empty() ? "" : "\n", trace.c_str());

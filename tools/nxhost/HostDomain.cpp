@@ -7,6 +7,7 @@ namespace nxhost {
 
 using nxSupport::Context;
 
+// [transactions]
 namespace {
 
 /// Undecided contexts leave it to those inside them.
@@ -14,7 +15,6 @@ bool isTransaction(Context const& context) { return context.transactionType() !=
 
 }  // namespace
 
-// [transactions]
 void HostDomain::onBeginContext(Context const& context) {
     if (!isTransaction(context)) return;
     failed_ = false;

@@ -12,8 +12,6 @@
 namespace nxhost {
 namespace {
 
-constexpr int signals[] = {SIGINT, SIGTERM};
-
 // What a handler may touch.
 std::atomic<nxLC::State*> watched = nullptr;
 std::atomic<int> caught = 0;
@@ -22,7 +20,7 @@ static_assert(std::atomic<nxLC::State*>::is_always_lock_free && std::atomic<int>
 
 extern "C" void onSignal(int number) {
     int const before = errno;
-    if (caught.exchange(number) != 0) {
+    if (caught.exchange(number) != 0 && number != SIGPIPE) {
         std::signal(number, SIG_DFL);
         raise(number);
     }
@@ -37,11 +35,11 @@ Interrupt::Interrupt() {
     if (pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0) pipeEnds[0] = pipeEnds[1] = -1;
     struct sigaction action = {};
     action.sa_handler = &onSignal;
-    for (int i = 0; i < 2; ++i) sigaction(signals[i], &action, &before_[i]);
+    for (std::size_t i = 0; i < std::size(signals); ++i) sigaction(signals[i], &action, &before_[i]);
 }
 
 Interrupt::~Interrupt() {
-    for (int i = 0; i < 2; ++i) sigaction(signals[i], &before_[i], nullptr);
+    for (std::size_t i = 0; i < std::size(signals); ++i) sigaction(signals[i], &before_[i], nullptr);
     watched = nullptr;
     caught = 0;
     for (int& end : pipeEnds) {

@@ -1,7 +1,8 @@
-// Ctrl-C and the request to terminate.
+// Ctrl-C, the requests to terminate, and a pipe that nobody reads any more.
 #pragma once
 
 #include <csignal>
+#include <iterator>
 
 namespace nxLC {
 class State;
@@ -9,11 +10,11 @@ class State;
 
 namespace nxhost {
 
-/// Catches the signals INT and TERM for as long as it lives; there is one at a time.
+/// Catches the signals INT, TERM, HUP and PIPE for as long as it lives; there is one at a time.
 ///
 /// The first one ends the script that runs and wakes the main loop, which then sees `pending`. A second one that comes
 /// before the first was dealt with ends the process in the system's way, without the shut-down: what the cache has
-/// paged out stays in the folder for temporary files.
+/// paged out stays in the folder for temporary files. PIPE is no such second one: it comes with every write.
 class Interrupt {
 public:
     Interrupt();
@@ -26,14 +27,16 @@ public:
     /// The signal that has come, or 0.
     [[nodiscard]] int pending() const noexcept;
     /// That signal is one that a prompt does not survive.
-    [[nodiscard]] bool isFinal() const noexcept { return pending() == SIGTERM; }
+    [[nodiscard]] bool isFinal() const noexcept { return pending() != 0 && pending() != SIGINT; }
     /// It has been dealt with.
     void clear() noexcept;
     /// Readable while a signal is pending.
     [[nodiscard]] int descriptor() const noexcept;
 
 private:
-    struct sigaction before_[2] = {};
+    static constexpr int signals[] = {SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+
+    struct sigaction before_[std::size(signals)] = {};
 };
 
 }  // namespace nxhost

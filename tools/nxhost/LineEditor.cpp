@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
+#include <filesystem>
 #include <string_view>
 
 #include "foundation/nxLC/State.h"
@@ -24,6 +25,14 @@ std::string defaultHistoryFile() {
     if (char const* const chosen = std::getenv("NXHOST_HISTORY")) return chosen;
     char const* const home = std::getenv("HOME");
     return home ? std::string(home) + "/.nxhost_history" : std::string();
+}
+
+/// No name for what a history could be read from without end.
+std::string onlyFile(std::string const& name) {
+    std::error_code error;
+    auto const type = std::filesystem::status(name, error).type();
+    bool const fits = type == std::filesystem::file_type::regular || type == std::filesystem::file_type::not_found;
+    return fits ? name : std::string();
 }
 
 std::string_view commonStart(std::string_view a, std::string_view b) {
@@ -62,7 +71,7 @@ struct LineEditor::Callbacks {
 LineEditor::LineEditor(Loop& loop, nxLC::State& state)
     : loop_(loop),
       state_(state),
-      historyFile_(defaultHistoryFile()),
+      historyFile_(onlyFile(defaultHistoryFile())),
       editor_(el_init("nxhost", stdin, stdout, stderr)) {
     // Keys are characters of UTF-8, whatever else the user has chosen.
     if (!std::setlocale(LC_CTYPE, "") || MB_CUR_MAX == 1) std::setlocale(LC_CTYPE, "C.UTF-8");

@@ -105,7 +105,7 @@ constexpr struct {
     {"0", "done"},
     {"1", "the script failed, or a function that it left behind did"},
     {"2", "wrong usage, or a file that cannot be read or written"},
-    {"130, 143", "ended by Ctrl-C, by the signal TERM"},
+    {"128 + N", "ended by the signal N: 130 by Ctrl-C, 143 by TERM"},
     {"other", "the script's choice: os.exit(code), host.exit(code)"},
 };
 

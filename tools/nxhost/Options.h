@@ -1,6 +1,7 @@
 // The command line and the environment, read.
 #pragma once
 
+#include <csignal>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -17,6 +18,7 @@ struct ExitCode {
     static constexpr int done = 0;
     static constexpr int scriptFailed = 1;
     static constexpr int unusable = 2;
+    static constexpr int brokenPipe = 128 + SIGPIPE;
 };
 
 /// How transfers may run.

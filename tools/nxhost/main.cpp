@@ -1,9 +1,11 @@
 // nxhost: a host for Lua scripts that use libSupport.
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdio>
 
 #include "foundation/urOS/AppOutput.h"
+#include "foundation/urOS/AtomicFile.h"
 #include "foundation/urOS/File.h"
 #include "tools/nxhost/Host.h"
 #include "tools/nxhost/Prompt.h"
@@ -19,6 +21,15 @@ struct Failure {
     std::string message;
 };
 
+/// What is opened later must not be taken for a standard stream that the caller has closed.
+void reserveStandardFiles() {
+    for (int const stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // Opened the wrong way round, so that using it is an error as before.
+        if (fcntl(stream, F_GETFD) < 0)
+            static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
+    }
+}
+
 /// `about` is put before messages that do not name the file themselves.
 void check(urUtil::Error const& error, std::string const& about = "") {
     if (error.isError()) throw Failure{about + (about.empty() ? "" : ": ") + std::string(error.message())};
@@ -33,7 +44,7 @@ CString contents(std::string const& path) {
         constexpr std::size_t block = 1 << 16;
         std::size_t const before = text.size();
         text.resizeAndOverwrite(before + block, [&](char* bytes, std::size_t) {
-            check(file.read(bytes + before, block, &done), path);
+            check(file.read(bytes + before, block, &done), path == "-" ? "standard input" : path);
             return before + done;
         });
     }
@@ -63,19 +74,30 @@ void runScripts(Host& host, Options const& options) {
     }
 }
 
+/// Finds out what stands in the way before anything is done in vain.
+void prepare(Options const& options, urOS::AtomicFile& trace) {
+    if (!options.traceFile.empty()) check(trace.open(urString::IString(options.traceFile.c_str())));
+    if (std::string const& file = options.network.authorities; !file.empty())
+        check(urOS::File().open(urString::IString(file.c_str()), urOS::openRead));
+}
+
 int run(Options const& options) {
+    urOS::AtomicFile trace;
+    prepare(options, trace);
     Host host(options);
     if (options.listing) {
         urOS::AppOutput::getInstance().write(host.listing(*options.listing));
     } else {
         runScripts(host, options);
     }
-    check(host.diagnostics().finish());
+    check(host.diagnostics().finish(trace), options.traceFile);
+    if (!options.traceFile.empty()) check(trace.commit());
     return host.exitCode();
 }
 
 /// What was printed may still be in the buffer, and the disk full.
 int flushed(int exitCode) {
+    if (exitCode == ExitCode::brokenPipe) return exitCode;
     bool const written = urOS::AppOutput::getInstance().flush().ok();
     if (std::fflush(stdout) == 0 && !std::ferror(stdout) && written) return exitCode;
     std::fprintf(stderr, "nxhost: cannot write to standard output\n");
@@ -87,6 +109,7 @@ int flushed(int exitCode) {
 
 int main(int argc, char** argv) {
     using namespace nxhost;
+    reserveStandardFiles();
     try {
         auto const options = readOptions(argc, argv);
         return flushed(options ? run(*options) : ExitCode::done);

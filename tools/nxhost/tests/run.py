@@ -67,6 +67,7 @@ USAGE = [  # arguments, standard input, exit code, what is in the output
     (["--cache", "12Q"], "", 2, '--cache takes bytes, such as 65536 or 64K, not "12Q"'),
     (["--cache=99999999999G"], "", 2, "--cache takes less than"),
     (["--sandbox=yes"], "", 2, "--sandbox takes no value"),
+    (["--authorities", "/nowhere/ca.pem", "-e", "print(1)"], "", 2, "nxhost: /nowhere/ca.pem: No such file or directory"),
     (["--time", "-1"], "", 2, '--time takes a number of seconds, 0 for no limit, not "-1"'),
     (["--allow", "gopherr", "-e", ""], "", 2, 'nxhost: --allow takes a scheme that libcurl knows, not "gopherr"'),
     (["--version"], "", 0, "nxhost 0."),
@@ -85,6 +86,25 @@ def misused(nxhost):
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         if run.returncode != code or expected not in run.stdout:
             yield f"nxhost {arguments} exits with {run.returncode} and prints {run.stdout!r}"
+
+
+def left_behind(nxhost, folder):
+    """What runs leave in the folder for temporary files when the streams of the program are closed or it is hung up."""
+    shell = ["bash", "-c", 'exec 2>&1; "$0" -e "while true do print(1) end" | head -n 1; "$0" <&-; "$0" -e "print(0)" >&-; '
+             'timeout -s HUP 0.5 "$0" -e "while true do end"; echo $? $(ls)', nxhost]
+    run = subprocess.run(shell, cwd=folder, env=environment([f"TMPDIR={folder}"]), timeout=SECONDS, capture_output=True, text=True)
+    if run.stdout != LEFT_BEHIND:
+        yield f"with streams closed printed: {run.stdout}"
+
+
+LEFT_BEHIND = """1
+nxhost: standard input: read: Bad file descriptor
+nxhost: cannot write to standard output
+nxhost: -e:1: interrupted
+stack traceback:
+\t-e:1: in main chunk
+124
+"""
 
 
 TRACED = """
@@ -143,6 +163,7 @@ def untested(nxhost):
 def main(nxhost, names, update):
     failures = [*untested(nxhost), *misused(nxhost)]
     with tempfile.TemporaryDirectory() as folder:
+        failures += left_behind(nxhost, folder)
         failures += undiagnosed(nxhost, folder)
         certificate = make_certificate(folder)
         with Server() as plain, Server(certificate) as secure:

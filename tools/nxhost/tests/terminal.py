@@ -108,6 +108,14 @@ def remembers(folder):
     terminal.expect("> ")
     terminal.type("\x03")
     terminal.expect_exit(130)
+    Path(folder, "history").unlink()
+    Path(folder, "history").symlink_to("/dev/zero")  # which has no end
+    terminal = Terminal(folder)
+    terminal.enter("'there'", "there\r\n")
+    terminal.expect("> ")
+    terminal.type("\x04")
+    terminal.expect_exit(0)
+    Path(folder, "history").unlink()
 
 
 def stops(folder):
