@@ -52,7 +52,7 @@ Sides readers(Document const& document) {
 /// Boost.JSON has no indented form: it writes the same values in fewer characters.
 Sides writers(Document const& document) {
     ur::Reference<nxPLST::Item> ours;
-    nxPLST::convertFromJSON(ours, document.text.data(), static_cast<unsigned>(document.text.size()));
+    static_cast<void>(nxPLST::convertFromJSON(ours, document.text.data(), static_cast<unsigned>(document.text.size())));
     auto const rapid = std::make_shared<rapidjson::Document>();
     rapid->Parse<rapidjson::kParseFullPrecisionFlag>(document.text.data(), document.text.size());
     auto const boosts = std::make_shared<boost::json::value>(boost::json::parse(document.text, {}, anyDepth));

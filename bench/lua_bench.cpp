@@ -173,7 +173,7 @@ Sides converters(int records) {
                      check(peer->get(), lua_pcall(peer->get(), 1, 1, 0));
                      std::size_t size = 0;
                      char const* const text = lua_tolstring(peer->get(), -1, &size);
-                     nxPLST::convertFromJSON(tree, text, static_cast<unsigned>(size));
+                     static_cast<void>(nxPLST::convertFromJSON(tree, text, static_cast<unsigned>(size)));
                  });
                  lua_pop(peer->get(), 1);
                  return result;
@@ -196,7 +196,7 @@ Sides pushers(int records) {
                  lua_pushvalue(peer->get(), 2);
                  double const result = seconds([&] {
                      urString::CString text;
-                     nxPLST::convertToJSON(text, tree);
+                     static_cast<void>(nxPLST::convertToJSON(text, tree));
                      lua_pushlstring(peer->get(), text.data(), text.size());
                      check(peer->get(), lua_pcall(peer->get(), 1, 1, 0));
                  });

@@ -46,15 +46,17 @@ int main() {
     nxRFL::ExposeFunction(database, "app").add("area", [](double width, double depth) { return width * depth; });
 
     nxLC::State state(database, nxLC::Library::sandboxed);
-    state.run("nx = {}", "=start");  // the host's own table, in which the library puts its functions
+    auto error = state.run("nx = {}", "=start");  // the host's own table, in which the library puts its functions
     nxSupport::InitializeLuaMsg lua(nxSupport::InitializeLuaMsg::Application, state.get());
     application.broadcaster.broadcast(lua);
 
-    auto const error = state.run(R"(
-        local desk = nx.decodeJSON2('{"width": 1.5, "depth": 0.5, "labels": ["oak", "used"]}')
-        print(desk.labels[1], app.area(desk.width, desk.depth))
-        nxSupport.ci(nxSupport.Registry):setKey("width", desk.width))",
-                                 "@desk.lua");
+    if (!error) {
+        error = state.run(R"(
+            local desk = nx.decodeJSON2('{"width": 1.5, "depth": 0.5, "labels": ["oak", "used"]}')
+            print(desk.labels[1], app.area(desk.width, desk.depth))
+            nxSupport.ci(nxSupport.Registry):setKey("width", desk.width))",
+                          "@desk.lua");
+    }
     if (error) {
         std::fprintf(stderr, "%s\n%s\n", error->what(), error->trace().c_str());
         return 1;

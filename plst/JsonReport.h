@@ -48,8 +48,9 @@ struct JsonReport {
 };
 
 /// The same results as without a report, which is filled anew.
-NX_API bool convertFromJSON(ur::Reference<Item>& out, urString::CString const& text, JsonReport& report);
-NX_API bool convertFromJSON(ur::Reference<Item>& out, char const* text, unsigned int length, JsonReport& report);
+[[nodiscard]] NX_API bool convertFromJSON(ur::Reference<Item>& out, urString::CString const& text, JsonReport& report);
+[[nodiscard]] NX_API bool convertFromJSON(ur::Reference<Item>& out, char const* text, unsigned int length,
+                                          JsonReport& report);
 
 /// "null has no item", "repeated key" or "rounded integer".
 NX_API char const* describe(JsonLoss::Kind kind) noexcept;

@@ -46,6 +46,9 @@ NX_API void convert(ur::Reference<Item>& out, urUtil::Color8 const& value);
 NX_API void convert(ur::Reference<Item>& out, nxSupport::BoundedDouble const& value);
 NX_API void convert(ur::Reference<Item>& out, nxSupport::BoundedInt const& value);
 NX_API void convert(ur::Reference<Item>& out, ur::Reference<Item const> value);
+/// Other pointers would all be true.
+template <class T>
+void convert(ur::Reference<Item>& out, T const* value) = delete;
 
 // From an item. An item of another shape, or null, leaves `out` as it was.
 //

@@ -14,18 +14,18 @@ NX_API urString::CString asJSON(ur::Reference<Item const> item);
 
 /// Puts the text of `asJSON` into the file at `path`, for a null item just a line feed. False when the file cannot
 /// be opened or written; a file that was there before then stays as it is.
-NX_API bool outputJSON(urString::IString const& path, ur::Reference<Item const> item);
+[[nodiscard]] NX_API bool outputJSON(urString::IString const& path, ur::Reference<Item const> item);
 
 /// Appends strict JSON, indented, a null item or element as `null`. Numbers have up to twenty significant digits,
 /// which give the same doubles back. False for a NaN, an infinity or more than 127 levels of nesting; what was
 /// written up to there then stays appended.
-NX_API bool convertToJSON(urString::CString& text, ur::Reference<Item const> item);
+[[nodiscard]] NX_API bool convertToJSON(urString::CString& text, ur::Reference<Item const> item);
 
 /// Reads the one value that is all of `text`: JSON in UTF-8, comments allowed. `null` is no item: it is left out of
 /// arrays and dictionaries, and alone gives a null `out`. Of a repeated key, the last value stays. False when
 /// `text` is anything else, or holds a whole number outside of signed 64 bits or a number too large for a double;
 /// `out` then keeps its value. plst/JsonReport.h has forms of these that say what was wrong, and where.
-NX_API bool convertFromJSON(ur::Reference<Item>& out, urString::CString const& text);
-NX_API bool convertFromJSON(ur::Reference<Item>& out, char const* text, unsigned int length);
+[[nodiscard]] NX_API bool convertFromJSON(ur::Reference<Item>& out, urString::CString const& text);
+[[nodiscard]] NX_API bool convertFromJSON(ur::Reference<Item>& out, char const* text, unsigned int length);
 
 }  // namespace nxPLST

@@ -36,10 +36,10 @@ public:
     /// the source itself. Throws an `nxRFL::Exception` when it is no valid script; a sandbox takes no compiled ones.
     [[nodiscard]] ur::Reference<nxRFL::Function> load(std::string_view source, urString::CString const& name);
     /// Loads and calls a script. Gives the error, with the script's trace, or nothing.
-    std::optional<nxRFL::Exception> run(std::string_view source, urString::CString const& name);
+    [[nodiscard]] std::optional<nxRFL::Exception> run(std::string_view source, urString::CString const& name);
     /// The same, with arguments and results.
-    std::optional<nxRFL::Exception> run(std::string_view source, urString::CString const& name,
-                                        nxRFL::Stack const& arguments, nxRFL::Stack& results);
+    [[nodiscard]] std::optional<nxRFL::Exception> run(std::string_view source, urString::CString const& name,
+                                                      nxRFL::Stack const& arguments, nxRFL::Stack& results);
 
     /// For every call from native code into scripts from now on.
     void setLimits(Limits const& limits) noexcept { reflection_->setLimits(limits); }

@@ -4,6 +4,8 @@
 #include <concepts>
 #include <functional>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
@@ -71,6 +73,10 @@ struct TypeName<T> {
 };
 
 namespace impl {
+
+/// Texts of the standard library, which do not cross over.
+template <class T>
+inline constexpr bool isForeignText = std::is_same_v<T, std::string> || std::is_same_v<T, std::string_view>;
 
 // The class behind the ways of handing an object over.
 template <class T>

@@ -141,6 +141,7 @@ void writeAny(Writer& writer, T&& value) {
     if constexpr (Writable<T>) {
         write(writer, std::forward<T>(value));
     } else {
+        static_assert(!impl::isForeignText<std::remove_cvref_t<T>>, "texts cross over as urString::CString");
         static_assert(std::is_lvalue_reference_v<T>, "an object crosses over by pointer or reference, not by value");
         write(writer, &value);
     }

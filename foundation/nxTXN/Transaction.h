@@ -10,8 +10,8 @@ namespace nxTXN {
 /// Transactions begun inside must have ended by the time this one does. The manager must outlive it.
 class NX_API Transaction {
 public:
-    explicit Transaction(Manager& manager, urString::CString const& name = {},
-                         TransactionKind kind = TransactionKind::recorded);
+    [[nodiscard]] explicit Transaction(Manager& manager, urString::CString const& name = {},
+                                       TransactionKind kind = TransactionKind::recorded);
     Transaction(Transaction const&) = delete;
     Transaction& operator=(Transaction const&) = delete;
     /// Reports what a hook throws instead of letting it out.

@@ -69,7 +69,9 @@ private:
 /// Blocks one connection for as long as the object lives.
 class NX_API ScopedBlock {
 public:
-    explicit ScopedBlock(Connection connection) noexcept : connection_(std::move(connection)) { connection_.block(); }
+    [[nodiscard]] explicit ScopedBlock(Connection connection) noexcept : connection_(std::move(connection)) {
+        connection_.block();
+    }
     ScopedBlock(ScopedBlock const&) = delete;
     ScopedBlock& operator=(ScopedBlock const&) = delete;
     ~ScopedBlock() { connection_.unblock(); }

@@ -35,6 +35,13 @@ std::vector<double> numbersOf(T const& value) {
 }
 
 template <class T>
+concept Convertible = requires(Reference<Item>& out, T value) {
+    convert(out, value);
+};
+static_assert(Convertible<char const*> && Convertible<Reference<String>>);
+static_assert(!Convertible<wchar_t const*> && !Convertible<Item*>, "no pointer becomes true");
+
+template <class T>
 T readInto(T out, Reference<Item> item) {
     convert(out, item);
     return out;

@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <set>
+#include <type_traits>
 #include <utility>
 
 #include "foundation/ur/Export.h"
@@ -135,6 +136,7 @@ private:
 
 template <class T>
 Broadcaster::Channel& Broadcaster::channelOf() {
+    static_assert(!std::is_const_v<T>, "messages are not constant: take a T& and broadcast one");
     Channel& result = channel(ur::TypeInfo::of<T>());
     result.signal = [](SigBase const& sig) -> urRTB::SignalBase const& {
         return static_cast<Sig<T> const&>(sig).signal;

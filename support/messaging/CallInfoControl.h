@@ -13,7 +13,7 @@ namespace nxSupport {
 /// application output when the stack is being unwound already. Main thread only.
 class NX_API CallInfoControl {
 public:
-    explicit CallInfoControl(Domain& domain) noexcept : domain_(domain) {}
+    [[nodiscard]] explicit CallInfoControl(Domain& domain) noexcept : domain_(domain) {}
     CallInfoControl(CallInfoControl const&) = delete;
     CallInfoControl& operator=(CallInfoControl const&) = delete;
     ~CallInfoControl() noexcept(false);

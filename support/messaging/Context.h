@@ -21,7 +21,7 @@ enum TransactionType : std::int32_t {
     TxnTransient = 1,
     TxnNone = 2,
     TxnConst = 3,
-    TxnUndecided = 4,
+    TxnUndecided = 4,  ///< nothing: no transaction is begun, the contexts inside have theirs
 };
 
 /// A scoped object: the context begins on its domain when it is made and ends when it is destroyed.
@@ -53,7 +53,7 @@ public:
     using PostFunction = std::function<void(Domain*)>;
 
     /// Requires: `domain` is not null.
-    Context(Domain* domain, Mode mode);
+    [[nodiscard]] Context(Domain* domain, Mode mode);
     Context(Context const&) = delete;
     Context& operator=(Context const&) = delete;
     ~Context() noexcept(false);

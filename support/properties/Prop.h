@@ -9,10 +9,11 @@
 
 namespace nxSupport {
 
-/// A property whose value is read and set as a T, through the item shape that T has.
+/// A property whose value is read and set as a T, through the item shape that T has. Values without a shape, such as a
+/// `Units::Length`, are kept as a number in a unit of one's own choice.
 ///
 /// Holds nothing at first; reading then gives the fallback and setting does nothing. Copies share the property.
-template <class T>
+template <PropertyValue T>
 class Prop : public PropertyTBase {
 public:
     using PropertyTBase::PropertyTBase;

@@ -66,8 +66,14 @@ struct ValueShape<urLinear::AffineMatrix> : NumbersShape<12> {};
 
 }  // namespace impl
 
-/// Whether an item has exactly the shape that a T is written in; false for null.
+/// A type that has a shape: one of those that plst/convert.h lists.
 template <class T>
+concept PropertyValue = requires {
+    sizeof(impl::ValueShape<T>);
+};
+
+/// Whether an item has exactly the shape that a T is written in; false for null.
+template <PropertyValue T>
 [[nodiscard]] bool hasShape(ur::Reference<nxPLST::Item const> item) {
     nxPLST::Parser parser(std::move(item), false);
     return impl::ValueShape<T>::matches(parser);
