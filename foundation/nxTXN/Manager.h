@@ -16,7 +16,8 @@ namespace impl {
 class Core;
 }
 
-/// What becomes of the changes made in a transaction. The values are those of the context's transaction type.
+/// What becomes of the changes made in a transaction. The values are those of the contexts' transaction types, of which
+/// the undecided one is no kind: no transaction is begun for it.
 enum class TransactionKind {
     recorded = 0,   ///< they become a step of the history
     transient = 1,  ///< never recorded, but abort still takes them back

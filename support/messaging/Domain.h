@@ -81,7 +81,7 @@ public:
     void setAsyncTask(AsyncTask* task) noexcept;
     /// False when there is no task, otherwise true after its work has ended. Does not complete it.
     bool waitForAsyncTask();
-    /// Counts the asynchronous operations under way, in all domains together.
+    /// Counts the asynchronous operations that somebody has declared, in all domains together. Tasks declare nothing.
     static void declareAsyncOperationBegin() noexcept;
     static void declareAsyncOperationEnd() noexcept;
     [[nodiscard]] bool runningAsyncOperation() const noexcept;
