@@ -182,7 +182,9 @@ void askAssignmentHook(lua_State* state, Binding& binding) {
     for (int i = 1; i <= 3; ++i) lua_pushvalue(state, i);
     binding.asksAssignmentHook = false;
     int const status = lua_pcall(state, 3, 0, 0);
-    binding.asksAssignmentHook = true;
+    Binding::pushKept(state, binding.assignmentHook);  // it may have ended itself
+    binding.asksAssignmentHook = lua_isfunction(state, -1);
+    lua_pop(state, 1);
     if (status != 0) lua_error(state);
 }
 

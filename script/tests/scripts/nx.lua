@@ -14,3 +14,12 @@ print(pcall(nx.createLCStack, {1, x = 2}))
 print(select("#", nx.setLCPropertyAssignmentHook(function() error("no", 0) end)))
 nx.setLCPropertyAssignmentHook()
 nx.setLCPropertyAssignmentHook(5)
+
+local request, seen = host.network:createRequest(), ""
+nx.setLCPropertyAssignmentHook(function(_, name, value)
+    seen = seen .. name .. "=" .. value
+    nx.setLCPropertyAssignmentHook(nil)
+end)
+request.url = "once"
+request.url = "again"
+print(seen, request.url)
