@@ -23,7 +23,8 @@ inline constexpr char classMark = 0;
 
 /// Null when the value is no object of a binding. Uses two places of the stack; never raises.
 [[nodiscard]] Box* toBox(lua_State* state, int index) noexcept;
-/// Where it is noted that a userdata has been looked at, until it is collected.
+/// Where it is noted that a userdata has been looked at, until it is collected. Those that have been given up already
+/// are not noted: nothing tells when they go.
 [[nodiscard]] inline Box const*& verifiedAt(Binding& binding, void const* content) noexcept {
     return binding.verified[reinterpret_cast<std::uintptr_t>(content) / sizeof(Box) % std::size(binding.verified)];
 }
@@ -32,7 +33,7 @@ inline constexpr char classMark = 0;
     auto* const content = static_cast<Box*>(lua_touserdata(state, index));
     if (content && content == verifiedAt(binding, content)) return content;
     Box* const box = toBox(state, index);
-    if (box) verifiedAt(binding, box) = box;
+    if (box && box->pointer) verifiedAt(binding, box) = box;
     return box;
 }
 /// The class whose table the value is, or null. Never raises.

@@ -1,4 +1,6 @@
 // Native classes and objects in the eyes of scripts.
+#include <cstring>
+
 #include "foundation/nxLC/tests/Farm.h"
 
 namespace {
@@ -147,6 +149,25 @@ TEST_F(Objects, AreGoneAfterTheirFinalizers) {
     EXPECT_EQ(run("assert(same and message:match('the object must not be a farm::Animal that has "
                   "gone$'), message)"),
               "ok");
+}
+
+TEST_F(Objects, AreNotMistakenForWhatTakesTheirPlaceInMemory) {
+    lua_State* const L = state->get();
+    succeed(R"(
+        (function()
+            local proxy = newproxy(true)            -- finalized after the object, which is newer
+            local rex = farm.Animal.make("Rex")
+            getmetatable(proxy).__gc = function() pcall(function() return rex.name end) end
+        end)()
+        others, depthOf = {}, farm.tools.depthOf)");
+    lua_getglobal(L, "others");
+    for (int i = 0; i < 3; ++i) lua_gc(L, LUA_GCCOLLECT, 0);
+    for (int i = 1; i <= 200; ++i) {
+        std::memset(lua_newuserdata(L, 3 * sizeof(void*)), 1, 3 * sizeof(void*));  // as much as an object takes
+        lua_rawseti(L, -2, i);
+    }
+    lua_pop(L, 1);
+    succeed("for _, other in ipairs(others) do assert(not pcall(depthOf, other)) end");
 }
 
 TEST_F(Objects, AppearWhenTheyAreRegisteredLater) {
