@@ -60,6 +60,7 @@ public:
 private:
     friend class ExposeClassBase;
 
+    [[nodiscard]] static impl::TypeUtil stackType() noexcept;
     [[nodiscard]] static Resolved nearest(Class const& declared, void* object, Class const* exact);
     void forgetSeenTypes() noexcept;
 

@@ -28,6 +28,16 @@ struct Container {
     [[nodiscard]] std::size_t enclosing(std::size_t at) const noexcept { return parent == 0 ? nowhere : at - parent; }
 };
 
+/// How many scripts and values on stacks hold a stack as an object. A copy of the stack is held by nobody.
+struct Holders {
+    Holders() noexcept = default;
+    Holders(Holders const&) noexcept {}
+    Holders& operator=(Holders const&) noexcept { return *this; }
+
+    std::uint32_t count = 0;
+    bool isGiven = false;  ///< to scripts: the last holder deletes it
+};
+
 using Value = std::variant<std::monostate, bool, double, urString::CString, Container, Object, ur::Reference<Function>>;
 
 }  // namespace impl
@@ -35,7 +45,8 @@ using Value = std::variant<std::monostate, bool, double, urString::CString, Cont
 /// A sequence of items: null, truth values, numbers, texts, objects, functions, and arrays and dictionaries of items.
 ///
 /// `Writer` appends items, `Reader` reads them from the first on; what is written is well formed at any time. A value:
-/// a copy shares objects and functions, nothing else. Functions and objects are counted as they themselves count.
+/// a copy shares objects and functions, nothing else. Functions and objects are counted as they themselves count. A
+/// stack is itself an object to scripts: one that was given to them goes with the last that holds it.
 class NX_API Stack {
 public:
     /// The number of items; what containers hold does not count.
@@ -48,11 +59,13 @@ public:
     }
 
 private:
+    friend class Database;
     friend class Reader;
     friend class Writer;
 
     ur::vector<impl::Value> values_;
     unsigned items_ = 0;
+    impl::Holders holders_;
 };
 
 inline void Function::validateArity(Stack const& arguments, unsigned count) const {

@@ -134,6 +134,23 @@ TEST_F(Objects, BelongToScriptsOnlyWhenGiven) {
     EXPECT_EQ(rex->referenceCount(), 1);
 }
 
+TEST_F(Objects, OfStacksLiveAsLongAsTheyAreStored) {
+    auto stack = std::make_unique<nxRFL::Stack>();
+    nxRFL::Writer(*stack).writeObject(Object(ur::make<Animal>("Rex").get(), *database.getClass("farm::Animal")));
+    state->reflection().pushObject(state->get(), Object(stack.release(), *database.getClass("nxRFL::Stack")));
+    lua_setglobal(state->get(), "stack");
+    nxRFL::Stack stored;
+    ASSERT_FALSE(state->run("return stack, {stack}", "=test", {}, stored));
+    succeed("stack = nil collectgarbage()");
+    EXPECT_EQ(Animal::alive, 1);
+    nxRFL::Stack none;
+    ASSERT_FALSE(state->run("stack = ...", "=test", stored, none));
+    stored.clear();
+    EXPECT_EQ(Animal::alive, 1);
+    succeed("stack = nil collectgarbage()");
+    EXPECT_EQ(Animal::alive, 0);
+}
+
 TEST_F(Objects, AreGoneAfterTheirFinalizers) {
     succeed(R"(
         (function()
