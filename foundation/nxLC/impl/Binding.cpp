@@ -6,6 +6,7 @@
 #include "foundation/nxLC/impl/ScriptFunction.h"
 #include "foundation/nxLC/impl/catchers.h"
 #include "foundation/nxLC/impl/errors.h"
+#include "foundation/nxLC/impl/objects.h"
 #include "foundation/nxLC/impl/publish.h"
 #include "foundation/nxLC/impl/pushAddress.h"
 #include "foundation/nxLC/impl/runProtected.h"
@@ -19,6 +20,7 @@ constexpr char anchorKey = 0;  // its address is the anchor's key in the registr
 /// Runs when the state closes, after all userdata made since have been given up.
 int closeBinding(lua_State* state) {
     auto* const anchor = static_cast<Anchor*>(lua_touserdata(state, 1));
+    if (anchor->binding) giveUpObjects(*anchor->binding, state);
     delete std::exchange(anchor->binding, nullptr);
     return 0;
 }

@@ -44,6 +44,18 @@ void fill(Box& box, Object const& object, void* pointer) {
     }
 }
 
+void release(Box& box) {
+    auto const& util = box.objectClass->typeUtil();
+    void* const pointer = std::exchange(box.pointer, nullptr);
+    if (auto const action = box.isOwned ? util.disown : util.unref) action(pointer);
+}
+
+void giveUp(Binding& binding, lua_State* state, Box& box) {
+    NativeCall const call(binding, state);
+    --binding.objectCount;
+    release(box);
+}
+
 bool pushFound(lua_State* state, ClassTables const& tables, Database::Resolved const& resolved, Object const& object) {
     Binding::pushKept(state, tables.objects);
     lua_pushlightuserdata(state, resolved.pointer);
@@ -112,19 +124,30 @@ int collectObject(lua_State* state) {
     Box* const box = toBox(state, 1);
     if (box && binding) verifiedAt(*binding, box) = nullptr;
     if (!box || !box->pointer) return 0;
-    void* const pointer = std::exchange(box->pointer, nullptr);
-    auto const& util = box->objectClass->typeUtil();
-    auto const release = box->isOwned ? util.disown : util.unref;
-    if (!binding) {
-        if (release) release(pointer);
-        return 0;
-    }
-    --binding->objectCount;
-    if (release) {
-        NativeCall const call(*binding, state);
-        release(pointer);
+    if (binding) {
+        giveUp(*binding, state, *box);
+    } else {
+        release(*box);
     }
     return 0;
+}
+
+void giveUpObjects(Binding& binding, lua_State* state) noexcept {
+    for (std::size_t i = 0; i < binding.classes.size() && binding.objectCount > 0; ++i) {
+        if (binding.classes[i].metatable == LUA_NOREF) continue;
+        Binding::pushKept(state, binding.classes[i].objects);
+        lua_pushnil(state);
+        while (lua_next(state, -2)) {
+            auto* const box = static_cast<Box*>(lua_touserdata(state, -1));
+            lua_pop(state, 1);
+            if (!box->pointer) continue;
+            giveUp(binding, state, *box);
+            // Whose end may have filled the table.
+            lua_pop(state, 1);
+            lua_pushnil(state);
+        }
+        lua_pop(state, 1);
+    }
 }
 
 int compareObjects(lua_State* state) {

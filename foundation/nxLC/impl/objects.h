@@ -45,6 +45,9 @@ inline constexpr char classMark = 0;
 /// Pushes the userdata of an object, a new one if need be. Requires: not null. Raises and throws.
 void pushNew(Binding& binding, lua_State* state, nxRFL::Object const& object);
 
+/// Gives up the objects that finalizers have met while the state closed: nothing finalizes their userdata.
+void giveUpObjects(Binding& binding, lua_State* state) noexcept;
+
 /// The functions of metatables; their first upvalue is the anchor.
 int collectObject(lua_State* state);
 int compareObjects(lua_State* state);

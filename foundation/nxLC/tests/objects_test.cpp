@@ -168,6 +168,14 @@ TEST_F(Objects, AreGoneAfterTheirFinalizers) {
               "ok");
 }
 
+TEST_F(Objects, MadeByFinalizersOfAClosingStateAreGivenUp) {
+    succeed(R"(
+        proxy = newproxy(true)
+        getmetatable(proxy).__gc = function() late = {farm.Animal.make("late"), farm.Duck.make(true)} end)");
+    state.reset();
+    EXPECT_EQ(Animal::alive, 0);
+}
+
 TEST_F(Objects, AreNotMistakenForWhatTakesTheirPlaceInMemory) {
     lua_State* const L = state->get();
     succeed(R"(
