@@ -33,28 +33,20 @@ void pushTableWith(lua_State* state, char const* name, lua_CFunction function) {
 
 int keep(lua_State* state) { return luaL_ref(state, LUA_REGISTRYINDEX); }
 
-/// Opens the debug library behind the back of scripts that have none, and leaves it on top.
-void openPrivately(lua_State* state) {
+/// Pushes debug.traceback out of a library of its own: what scripts have of it may be anything.
+void pushTraceback(lua_State* state) {
+    luaL_findtable(state, LUA_REGISTRYINDEX, "_LOADED", 1);
+    lua_getfield(state, -1, LUA_DBLIBNAME);
+    lua_newtable(state);
+    lua_setfield(state, -3, LUA_DBLIBNAME);  // opening fills the table that is there
     lua_pushcfunction(state, &luaopen_debug);
     lua_pushliteral(state, LUA_DBLIBNAME);
-    lua_call(state, 1, 0);
-    lua_getglobal(state, LUA_DBLIBNAME);
-    lua_pushnil(state);
-    lua_setglobal(state, LUA_DBLIBNAME);
-    lua_getfield(state, LUA_REGISTRYINDEX, "_LOADED");
-    lua_pushnil(state);
+    lua_call(state, 1, 1);
+    lua_insert(state, -3);
     lua_setfield(state, -2, LUA_DBLIBNAME);
+    lua_getfield(state, -2, "traceback");
+    lua_replace(state, -3);
     lua_pop(state, 1);
-}
-
-void pushTraceback(lua_State* state) {
-    lua_getglobal(state, LUA_DBLIBNAME);
-    if (!lua_istable(state, -1)) {
-        lua_pop(state, 1);
-        openPrivately(state);
-    }
-    lua_getfield(state, -1, "traceback");
-    lua_remove(state, -2);
 }
 
 }  // namespace

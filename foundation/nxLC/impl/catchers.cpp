@@ -52,16 +52,23 @@ int resume(lua_State* state) {
     return isStopped(state) ? luaL_error(state, "%s", bindingOf(state)->meter.reason()) : results;
 }
 
+/// Pushes a field of the table on top, without asking its metatable.
+void pushField(lua_State* state, char const* name) {
+    lua_pushstring(state, name);
+    lua_rawget(state, -2);
+}
+
 /// Replaces a function in the table on top. `anchor` is the index of the anchor.
 void replace(lua_State* state, int anchor, char const* name, lua_CFunction replacement) {
-    lua_pushvalue(state, anchor);
-    lua_getfield(state, -2, name);
+    pushField(state, name);
     if (lua_isfunction(state, -1)) {
+        lua_pushstring(state, name);
+        lua_pushvalue(state, anchor);
+        lua_pushvalue(state, -3);
         lua_pushcclosure(state, replacement, 2);
-        lua_setfield(state, -2, name);
-    } else {
-        lua_pop(state, 2);
+        lua_rawset(state, -4);
     }
+    lua_pop(state, 1);
 }
 
 }  // namespace
@@ -71,7 +78,7 @@ void replaceCatchers(lua_State* state) {
     lua_pushvalue(state, LUA_GLOBALSINDEX);
     replace(state, anchor, "pcall", &callAndCatch);
     replace(state, anchor, "xpcall", &callWithHandler);
-    lua_getfield(state, -1, LUA_COLIBNAME);
+    pushField(state, LUA_COLIBNAME);
     if (lua_istable(state, -1)) replace(state, anchor, "resume", &resume);
     lua_settop(state, anchor);
 }

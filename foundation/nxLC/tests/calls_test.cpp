@@ -60,6 +60,23 @@ TEST_F(Calls, ErrorsCarryTheScriptsStack) {
     EXPECT_EQ(state->run("(", "=test")->trace(), "");
 }
 
+TEST_F(Calls, ErrorsAreTracedWhateverTheHostLeftOfTheLibraries) {
+    CString told;
+    nxRFL::ExposeFunction(database, "farm::tools").add("later", [](std::function<void()> const& call) { call(); });
+    database.setErrorHandler([&](Exception const& error) { told = error.message() + error.trace(); });
+    for (char const* const left :
+         {"debug = nil", "debug = {}", "debug = 5", "coroutine, debug, pcall = nil", "debug.traceback = error",
+          "package.loaded.debug = nil", "debug = nil setmetatable(_G, {__index = error, __newindex = error})"}) {
+        lua_State* const L = luaL_newstate();
+        luaL_openlibs(L);
+        EXPECT_EQ(luaL_dostring(L, left), 0);
+        nxLC::ReflectionData::bind(L, database);
+        EXPECT_EQ(luaL_dostring(L, "farm.tools.later(function() error('no', 0) end)"), 0) << lua_tostring(L, -1);
+        EXPECT_TRUE(told.startsWith("nostack traceback:\n\t[C]: in function 'error'")) << left << ": " << told;
+        lua_close(L);
+    }
+}
+
 TEST_F(Calls, ErrorsEverywhereLeaveNothingBehind) {
     succeed(R"(
         local rex = farm.Animal.make("Rex")
