@@ -85,7 +85,9 @@ void registerSupport(Database& database) {
         .addMethod("close", &DataSink::close)
         .addMethod("closed", &DataSink::closed)
         .addMethod("completed", &DataSink::completed);
+    // Those of documents go with their document.
     ExposeClass<Domain>(database, "nxSupport::Domain")
+        .setAliveTest([](void const* domain) { return Domain::isAlive(static_cast<Domain const*>(domain)); })
         .addProperty("rootContext", &Domain::getRootContext)
         .addProperty("currentContext", &Domain::getCurrentContext);
     ExposeClass<Registry>(database, "nxSupport::Registry")

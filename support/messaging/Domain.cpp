@@ -1,6 +1,8 @@
 // What a domain can be asked, and its call information and tasks.
 #include "support/messaging/Domain.h"
 
+#include <algorithm>
+
 #include "support/messaging/AsyncTask.h"
 #include "support/messaging/CallInfo.h"
 #include "support/messaging/ContextObserver.h"
@@ -16,11 +18,20 @@ using Clock = ContextObserver::Clock;
 // Of the whole process, main thread only.
 std::int32_t asyncOperationCount = 0;
 
+/// All domains, in no order. Never destroyed: domains may be of static lifetime.
+ur::vector<Domain const*>& domains() {
+    static auto& all = *new ur::vector<Domain const*>;
+    return all;
+}
+
 }  // namespace
 
-Domain::Domain(Domain* parent) : impl_(std::make_unique<DomainImpl>(parent ? parent : this)) {}
+Domain::Domain(Domain* parent) : impl_(std::make_unique<DomainImpl>(parent ? parent : this)) {
+    domains().push_back(this);
+}
 
 Domain::~Domain() {
+    std::erase(domains(), this);
     impl::FirstError errors("nxSupport::Domain::destroying");
     errors.guard([this] { destroying.emit(this); });
     errors.print();
@@ -37,6 +48,8 @@ Context const* Domain::getRootContext() const noexcept {
     while (root && root->outer_) root = root->outer_;
     return root;
 }
+
+bool Domain::isAlive(Domain const* domain) noexcept { return std::ranges::find(domains(), domain) != domains().end(); }
 
 bool Domain::isConst() const noexcept { return !impl_->modeStack.empty() && Context::isConst(impl_->modeStack.back()); }
 

@@ -63,6 +63,8 @@ public:
     [[nodiscard]] Context const* getCurrentContext() const noexcept;
     /// The outermost active context; null when there is none.
     [[nodiscard]] Context const* getRootContext() const noexcept;
+    /// Whether `domain` is one that exists and has not begun to go. Asked by those who cannot know.
+    [[nodiscard]] static bool isAlive(Domain const* domain) noexcept;
     /// The innermost mode is Const or ConstWithRedraw.
     [[nodiscard]] bool isConst() const noexcept;
 
