@@ -70,9 +70,12 @@ public:
     [[nodiscard]] bool hasHiddenSubclasses() const noexcept { return hasHiddenSubclasses_; }
 
     /// For objects that come and go without asking whether a script still knows them: `test` tells whether one is
-    /// there. Those that are not are refused as arguments.
+    /// there. Those that are not are refused as arguments. Classes that get this one as a base later inherit the test.
     void setAliveTest(AliveTest test) noexcept { aliveTest_ = test; }
-    [[nodiscard]] bool isAlive(void const* object) const noexcept { return !aliveTest_ || aliveTest_(object); }
+    [[nodiscard]] bool isAlive(void const* object) const noexcept {
+        if (aliveTest_) return aliveTest_(object);
+        return !testedBase_ || testedBase_->isAlive(castToBase(const_cast<void*>(object), testedBase_->type_));
+    }
 
     [[nodiscard]] ur::vector<Base> const& bases() const noexcept { return bases_; }
     [[nodiscard]] MemberList const& members() const noexcept { return members_; }
@@ -97,6 +100,7 @@ private:
     std::size_t index_ = 0;
     bool hasHiddenSubclasses_ = false;
     AliveTest aliveTest_ = nullptr;
+    Class const* testedBase_ = nullptr;  ///< the first whose objects have a test
     ur::vector<Base> bases_;
     ur::vector<Class*> derived_;
     MemberList members_;

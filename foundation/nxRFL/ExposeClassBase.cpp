@@ -20,6 +20,7 @@ void ExposeClassBase::addBase(Class& base, Class::Conversion toBase, Class::Conv
     if (class_.isA(base) || base.isA(class_)) return;
     class_.bases_.push_back({&base, toBase, toThis});
     base.derived_.push_back(&class_);
+    if (!class_.testedBase_ && (base.aliveTest_ || base.testedBase_)) class_.testedBase_ = &base;
     database_.forgetSeenTypes();
 }
 

@@ -37,14 +37,17 @@ TEST(Scripts, PrintWhatIsExpected) {
 
 TEST(Scripts, MayKeepDomainsThatGo) {
     nxSupport::ScriptHost host;
-    auto document = std::make_unique<nxSupport::Host>();
-    host.give<nxSupport::Domain*>("document", document.get());
-    EXPECT_EQ(host.run("assert(host.document.rootContext == nil)"), "ok");
-    document.reset();
-    EXPECT_EQ(host.run("return host.document.rootContext"),
-              "test:1: nxSupport::Domain.rootContext: the object must not be a nxSupport::Domain that has gone");
-    EXPECT_EQ(host.run("nxSupport.Context.exec(host.document, 'Const', print)"),
-              "test:1: nxSupport::Context.exec: argument 1 must not be a nxSupport::Domain that has gone");
+    for (std::string const known : {"nxSupport::Domain", "test::Document"}) {
+        auto document = std::make_unique<nxSupport::Host>();
+        host.give<nxSupport::Domain*>("document", document.get());
+        EXPECT_EQ(host.run("assert(host.document.rootContext == nil)"), "ok");
+        document.reset();
+        EXPECT_EQ(host.run("return host.document.rootContext"),
+                  "test:1: nxSupport::Domain.rootContext: the object must not be a " + known + " that has gone");
+        EXPECT_EQ(host.run("nxSupport.Context.exec(host.document, 'Const', print)"),
+                  "test:1: nxSupport::Context.exec: argument 1 must not be a " + known + " that has gone");
+        nxRFL::ExposeClass<nxSupport::Host>(host.database, "test::Document").addBase<nxSupport::Domain>();
+    }
 }
 
 }  // namespace
