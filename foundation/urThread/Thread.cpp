@@ -1,9 +1,9 @@
 // Starting a thread, waiting for it and keeping what its callbacks throw.
 #include "foundation/urThread/Thread.h"
 
-#include <atomic>
 #include <cerrno>
 #include <exception>
+#include <mutex>
 #include <system_error>
 
 namespace urThread {
@@ -24,7 +24,7 @@ urUtil::Error outcomeOf(urRTB::Signal<>& signal) {
 }  // namespace
 
 struct Thread::Run {
-    std::atomic<bool> mayBegin = false;  // set when `start` is done with the object, which a callback may destroy
+    std::mutex beginning;  // held until `start` is done with the object, which a callback may destroy
     urUtil::Error outcome;
 };
 
@@ -39,17 +39,16 @@ Thread::~Thread() {
 urUtil::Error Thread::start() {
     if (thread_.joinable()) return {EALREADY, "the thread was started before and not waited for"};
     auto const run = std::make_shared<Run>();
+    std::lock_guard const beginning(run->beginning);
     try {
         thread_ = std::thread([this, run] {
-            run->mayBegin.wait(false);
+            { std::lock_guard const begun(run->beginning); }
             run->outcome = outcomeOf(signal_);
         });
     } catch (std::system_error const& error) {
         return urUtil::Error::fromSystem(error.code().value(), "cannot start a thread");
     }
     run_ = run;
-    run->mayBegin = true;
-    run->mayBegin.notify_one();
     return {};
 }
 
