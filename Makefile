@@ -7,7 +7,7 @@ export DESTDIR
 
 preset = cmake --preset $(1) $(2) && cmake --build --preset $(1)
 
-.PHONY: run test bench asan tsan clang valgrind fuzz soak coverage docs reference ratios install debian try-debian abi format tidy clean packages
+.PHONY: run test bench asan tsan clang windows valgrind fuzz soak coverage docs reference ratios install debian try-debian abi format tidy clean packages
 .DEFAULT_GOAL := run
 
 packages:
@@ -36,6 +36,13 @@ clang: packages
 	@packaging/install-packages fuzz
 	$(call preset,clang)
 	ctest --preset clang
+
+# The modules for Windows; their tests under wine.
+windows: packages
+	@packaging/install-packages windows
+	packaging/build-windows-packages build/windows-packages
+	$(call preset,$@)
+	ctest --preset $@
 
 valgrind: packages
 	@packaging/install-packages valgrind

@@ -17,6 +17,11 @@ set(CMAKE_C_FLAGS_DEV "-O1 -g1")
 set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG -fno-semantic-interposition")
 
 option(NX_WARNINGS_ARE_ERRORS "Stop at warnings; off for compilers and flags that the tree is not tried with" ON)
+if(WIN32)
+  # Positions in files of 64 bits, and the printf of the C standard in place of the system's own.
+  add_compile_definitions(_FILE_OFFSET_BITS=64 __USE_MINGW_ANSI_STDIO=1)
+  add_compile_options(-Wno-format)  # would check for the system's own; other builds check the formats
+endif()
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion
                     -Wnon-virtual-dtor -Woverloaded-virtual $<$<BOOL:${NX_WARNINGS_ARE_ERRORS}>:-Werror>)
 # At -O3 g++ 12 warns of its own `"text" + std::string()`; the linter, which knows no such option, sees Dev builds.

@@ -11,6 +11,14 @@ set_property(GLOBAL PROPERTY NX_PACKAGES "")
 set_property(GLOBAL PROPERTY NX_PUBLIC_HEADERS "")
 set_property(GLOBAL PROPERTY NX_MODULE_TABLE "# name, folder, uses, packages, public packages, uses of the tests\n")
 
+# What the names of sources for some systems only end with.
+set(NX_SYSTEM linux)
+set(NX_SYSTEM_FAMILY posix)
+if(WIN32)
+  set(NX_SYSTEM windows)
+  set(NX_SYSTEM_FAMILY windows)
+endif()
+
 # What every test includes, compiled once: a third of the whole build's time when each program has its own.
 if(NX_TESTS)
   file(CONFIGURE OUTPUT test_headers.cpp CONTENT "")

@@ -1,4 +1,8 @@
 # The packages that the library itself stands on; tools, tests and benches find their own.
+if(WIN32)
+  include(NxWindowsPackages)
+  return()
+endif()
 find_package(Threads REQUIRED)
 find_package(Eigen3 REQUIRED NO_MODULE)
 find_package(utf8cpp REQUIRED)

@@ -2,7 +2,7 @@
 #pragma once
 
 #if defined(_WIN32)
-#define NX_API __declspec(dllexport)
+#define NX_API  // linked statically there
 #else
 #define NX_API __attribute__((visibility("default")))
 #endif

@@ -1,7 +1,7 @@
 // A file that is replaced as a whole or not at all.
 #pragma once
 
-#include <string>
+#include <filesystem>
 
 #include "foundation/ur/Export.h"
 #include "foundation/urOS/File.h"
@@ -11,9 +11,10 @@ namespace urOS {
 /// Writes beside its target and takes the target's place when committed, so that an error, an exception or a crash
 /// leaves the old file as it was and nobody reads a half-written one.
 ///
-/// The new file has the permissions of the old one, and its owner where the process may set it. A link is
-/// followed: the file it names is replaced, or made. A target that is no regular file (a pipe, a terminal) is written
-/// to directly, and a write-protected one is not replaced. What is not committed is dropped with the object.
+/// The new file has the permissions of the old one, and its owner where the process may set it; on Windows it has what
+/// its folder gives. A link is followed: the file it names is replaced, or made. A target that is no regular file (a
+/// pipe, a terminal) is written to directly, and a write-protected one is not replaced. What is not committed is
+/// dropped with the object.
 class NX_API AtomicFile final : public IOStream {
 public:
     AtomicFile() = default;
@@ -35,9 +36,9 @@ private:
     void discard() noexcept;
 
     File file_;
-    std::string target_;
-    std::string temporary_;  ///< empty when nothing lies beside the target
-    int nameless_ = -1;      ///< the open file's descriptor while it has no name
+    std::filesystem::path target_;
+    std::filesystem::path temporary_;  ///< empty when nothing lies beside the target
+    int nameless_ = -1;                ///< the open file's descriptor while it has no name
     urUtil::Error error_;
 };
 

@@ -1,25 +1,26 @@
-// A file of the system as a byte stream, by the POSIX calls.
+// A file of the system as a byte stream, by the calls that POSIX names.
 #include "foundation/urOS/File.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <string>
 #include <utility>
+
+#include "foundation/urOS/impl/descriptors.h"
 
 namespace urOS {
 namespace {
 
 using urUtil::Error;
 
-// What one call takes at most on every system.
-constexpr std::size_t largestTransfer = 1U << 30;
+/// As many of the bytes as one call takes on every system.
+unsigned oneTransfer(std::size_t bytes) { return static_cast<unsigned>(std::min<std::size_t>(bytes, 1U << 30)); }
 
 int flagsOf(OpenMode mode) {
-    int flags = O_CLOEXEC;
-    flags |= !includes(mode, openWrite) ? O_RDONLY : includes(mode, openRead) ? O_RDWR : O_WRONLY;
+    int flags = !includes(mode, openWrite) ? O_RDONLY : includes(mode, openRead) ? O_RDWR : O_WRONLY;
     if (includes(mode, openAppend)) flags |= O_APPEND | O_CREAT;
     if (includes(mode, openNew)) flags |= O_CREAT | O_TRUNC;
     return flags;
@@ -43,7 +44,8 @@ Error File::open(urString::IString const& path, OpenMode mode) {
     if (name.empty()) return Error::fromSystem(ENOENT, "a file without a name");
     // The system would open what stands before a NUL: another file.
     if (name.find('\0') != urString::CString::npos) return Error::fromSystem(EINVAL, name.c_str());
-    descriptor_ = uninterrupted([&] { return ::open(name.c_str(), flagsOf(mode), 0666); });
+    std::filesystem::path const file = std::string(name.view());
+    descriptor_ = uninterrupted([&] { return impl::openDescriptor(file, flagsOf(mode), 0666); });
     ownership_ = Ownership::own;
     return isOpen() ? Error() : Error::fromSystem(errno, name);
 }
@@ -52,6 +54,7 @@ Error File::attach(int descriptor, Ownership ownership) {
     if (Error error = close(); error.isError()) return error;
     descriptor_ = descriptor;
     ownership_ = ownership;
+    if (isOpen()) impl::carryBytes(descriptor);
     return {};
 }
 
@@ -63,7 +66,7 @@ Error File::close() {
 }
 
 Error File::read(void* buffer, std::size_t count, std::size_t* done) {
-    auto const got = uninterrupted([&] { return ::read(descriptor_, buffer, std::min(count, largestTransfer)); });
+    auto const got = uninterrupted([&] { return ::read(descriptor_, buffer, oneTransfer(count)); });
     if (done) *done = static_cast<std::size_t>(std::max<ssize_t>(got, 0));
     return got >= 0 ? Error() : Error::fromSystem(errno, "read");
 }
@@ -73,8 +76,8 @@ Error File::write(void const* buffer, std::size_t count, std::size_t* done) {
     std::size_t written = 0;
     Error error;
     while (written < count && error.ok()) {
-        auto const put = uninterrupted(
-            [&] { return ::write(descriptor_, bytes + written, std::min(count - written, largestTransfer)); });
+        auto const put =
+            uninterrupted([&] { return ::write(descriptor_, bytes + written, oneTransfer(count - written)); });
         if (put < 0) error = Error::fromSystem(errno, "write");
         written += static_cast<std::size_t>(std::max<ssize_t>(put, 0));
     }

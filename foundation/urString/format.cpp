@@ -1,37 +1,13 @@
 // printf-style formatting that no locale can change.
-#include <clocale>
 #include <cstdio>
 
-#if defined(__APPLE__)
-#include <xlocale.h>
-#endif
-
 #include "foundation/urString/CString.h"
+#include "foundation/urString/impl/PlainLocale.h"
 
 namespace urString {
 
-namespace {
-
-/// The calling thread formats and parses in the "C" locale while this lives; no other thread notices.
-class PlainLocale {
-public:
-    PlainLocale() : former_(uselocale(plain())) {}
-    PlainLocale(PlainLocale const&) = delete;
-    PlainLocale& operator=(PlainLocale const&) = delete;
-    ~PlainLocale() { uselocale(former_); }
-
-private:
-    static locale_t plain() {
-        static locale_t const locale = newlocale(LC_ALL_MASK, "C", locale_t());
-        return locale;
-    }
-    locale_t former_;
-};
-
-}  // namespace
-
 CString CString::vformat(char const* format, va_list arguments) {
-    PlainLocale const plain;
+    impl::PlainLocale const plain;
     char brief[256];
     va_list again;
     va_copy(again, arguments);

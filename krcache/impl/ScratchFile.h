@@ -30,11 +30,6 @@ public:
     urUtil::Error readAt(std::uint64_t position, char* bytes, std::size_t count) noexcept;
 
 private:
-    urUtil::Error openOnce(bool& deletedMeanwhile);
-    urUtil::Error makeOurs(bool& deletedMeanwhile);
-    [[nodiscard]] bool isAtItsPath() const noexcept;
-    void close() noexcept;
-
     std::string path_;
     int descriptor_ = -1;
 };

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <limits>
+#include <utility>
 
 #include "krcache/impl/ScratchFile.h"
 
@@ -37,11 +38,45 @@ Error moveAll(std::size_t count, Move move, char const* what) noexcept {
     return {};
 }
 
+bool isAt(int descriptor, std::string const& path) noexcept {
+    struct stat ours = {};
+    struct stat named = {};
+    return ::fstat(descriptor, &ours) == 0 && ::lstat(path.c_str(), &named) == 0 && ours.st_dev == named.st_dev &&
+           ours.st_ino == named.st_ino;
+}
+
+/// Takes an open file over, and empties it.
+Error makeOurs(int descriptor, std::string const& path, bool& deletedMeanwhile) {
+    struct stat status = {};
+    if (::fstat(descriptor, &status) != 0) return Error::fromSystem(errno, "status");
+    if (!S_ISREG(status.st_mode) || status.st_uid != ::geteuid() || status.st_nlink > 1) {
+        return Error(EACCES, "the name is taken by something that is not a file of this user alone");
+    }
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+        return errno == EWOULDBLOCK ? Error(EWOULDBLOCK, "another manager uses the file")
+                                    : Error::fromSystem(errno, "lock");
+    }
+    deletedMeanwhile = !isAt(descriptor, path);
+    if (deletedMeanwhile) return Error(ENOENT, "the file keeps being deleted");
+    if (::fchmod(descriptor, onlyOurs) != 0) return Error::fromSystem(errno, "permissions");
+    return ::ftruncate(descriptor, 0) == 0 ? Error() : Error::fromSystem(errno, "empty");
+}
+
+Error openOnce(std::string const& path, int& descriptor, bool& deletedMeanwhile) {
+    deletedMeanwhile = false;
+    descriptor = ::open(path.c_str(), flags, onlyOurs);
+    if (descriptor < 0) return Error::fromSystem(errno, "open");
+    Error error = makeOurs(descriptor, path, deletedMeanwhile);
+    if (error.isError()) ::close(std::exchange(descriptor, -1));
+    return error;
+}
+
 }  // namespace
 
 ScratchFile::~ScratchFile() {
-    if (isOpen() && isAtItsPath()) ::unlink(path_.c_str());
-    close();
+    if (!isOpen()) return;
+    if (isAt(descriptor_, path_)) ::unlink(path_.c_str());
+    ::close(descriptor_);
 }
 
 Error ScratchFile::open(std::string const& path) {
@@ -51,45 +86,10 @@ Error ScratchFile::open(std::string const& path) {
     // The file's former owner may delete it between our opening and our locking it, but hardly time and again.
     Error error;
     bool deletedMeanwhile = true;
-    for (int attempt = 0; attempt < 10 && deletedMeanwhile; ++attempt) error = openOnce(deletedMeanwhile);
-    return error;
-}
-
-Error ScratchFile::openOnce(bool& deletedMeanwhile) {
-    deletedMeanwhile = false;
-    descriptor_ = ::open(path_.c_str(), flags, onlyOurs);
-    if (descriptor_ < 0) return Error::fromSystem(errno, "open");
-    Error error = makeOurs(deletedMeanwhile);
-    if (error.isError()) close();
-    return error;
-}
-
-Error ScratchFile::makeOurs(bool& deletedMeanwhile) {
-    struct stat status = {};
-    if (::fstat(descriptor_, &status) != 0) return Error::fromSystem(errno, "status");
-    if (!S_ISREG(status.st_mode) || status.st_uid != ::geteuid() || status.st_nlink > 1) {
-        return Error(EACCES, "the name is taken by something that is not a file of this user alone");
+    for (int attempt = 0; attempt < 10 && deletedMeanwhile; ++attempt) {
+        error = openOnce(path_, descriptor_, deletedMeanwhile);
     }
-    if (::flock(descriptor_, LOCK_EX | LOCK_NB) != 0) {
-        return errno == EWOULDBLOCK ? Error(EWOULDBLOCK, "another manager uses the file")
-                                    : Error::fromSystem(errno, "lock");
-    }
-    deletedMeanwhile = !isAtItsPath();
-    if (deletedMeanwhile) return Error(ENOENT, "the file keeps being deleted");
-    if (::fchmod(descriptor_, onlyOurs) != 0) return Error::fromSystem(errno, "permissions");
-    return ::ftruncate(descriptor_, 0) == 0 ? Error() : Error::fromSystem(errno, "empty");
-}
-
-bool ScratchFile::isAtItsPath() const noexcept {
-    struct stat ours = {};
-    struct stat named = {};
-    return ::fstat(descriptor_, &ours) == 0 && ::lstat(path_.c_str(), &named) == 0 && ours.st_dev == named.st_dev &&
-           ours.st_ino == named.st_ino;
-}
-
-void ScratchFile::close() noexcept {
-    if (isOpen()) ::close(descriptor_);
-    descriptor_ = -1;
+    return error;
 }
 
 // Writing beyond the limit of the process would raise a signal that ends it.

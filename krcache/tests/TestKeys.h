@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/ur/tests/TemporaryFolder.h"
 #include "foundation/urOS/MemoryIOStream.h"
 #include "foundation/urOS/OStream.h"
 #include "krcache/Manager.h"
@@ -100,20 +101,18 @@ private:
     urOS::OStream out_{stream_};
 };
 
+inline urString::IString nameOf(std::filesystem::path const& path) {
+    return urString::IString(path.string(), urString::Encoding::multibyte);
+}
+
 /// A manager in a folder of its own.
 struct Cache {
-    ~Cache() { std::filesystem::remove_all(folder); }
-
     ur::Reference<Shim> shim(ur::Reference<Key> const& key) { return manager.getShim(key, Shim::Retained); }
     ur::Reference<Resource> access(ur::Reference<Shim> const& shim) { return manager.accessResource(shim); }
-    static std::filesystem::path newFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "cacheXXXXXX").string();
-        return ::mkdtemp(name.data());
-    }
 
-    std::filesystem::path folder = newFolder();
-    std::filesystem::path pageFile = folder / "urKRCachePageFile.dat";
-    Manager manager{urString::IString(folder.c_str())};
+    ::test::TemporaryFolder const folder;
+    std::filesystem::path const pageFile = folder / "urKRCachePageFile.dat";
+    Manager manager{nameOf(folder.path())};
 };
 
 inline Key& keyOf(ur::Reference<Shim> const& shim) { return static_cast<Key&>(*shim->keyData()); }

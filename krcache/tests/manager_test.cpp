@@ -6,6 +6,12 @@
 #include "krcache/tests/TestKeys.h"
 
 namespace urKRCache::test {
+
+struct OtherKey : Key {
+    using Key::Key;
+    int onCompare(KeyData const* /*other*/) const override { throw std::logic_error("not of this class"); }
+};
+
 namespace {
 
 using ur::make;
@@ -29,10 +35,6 @@ TEST_F(ManagerTest, EqualKeysShareOneShimAndItsKeyIsTheFirstOfThem) {
     changedCopy->number = 2, changedCopy->hash = 8;
     EXPECT_EQ(manager.findShim(changedCopy), nullptr);
 
-    struct OtherKey : Key {
-        using Key::Key;
-        int onCompare(KeyData const* /*other*/) const override { throw std::logic_error("not of this class"); }
-    };
     auto const other = make<OtherKey>(1);
     EXPECT_EQ(manager.findShim(other), nullptr);
     int const order = typeid(Key).before(typeid(OtherKey)) ? -1 : 1;

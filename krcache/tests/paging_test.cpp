@@ -1,11 +1,13 @@
 // The page file: its chunks, what goes through it, and what can go wrong with it.
-#include <fcntl.h>
 #include <gmock/gmock.h>
+
+#if defined(__linux__)
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 #include <fstream>
 #include <random>
@@ -24,13 +26,7 @@ using ur::Reference;
 
 constexpr std::uint64_t megabyte = 1048576;
 
-struct InFolder : testing::Test {
-    ~InFolder() override { fs::remove_all(folder); }
-
-    fs::path folder = Cache::newFolder();
-};
-
-struct PageFileTest : InFolder {
+struct PageFileTest : testing::Test {
     /// The chunks from the start of the file: sizes, negative for free ones.
     std::vector<std::int64_t> chunks(std::size_t inUse) {
         EXPECT_EQ(file.fault(inUse), nullptr);
@@ -41,7 +37,8 @@ struct PageFileTest : InFolder {
         return sizes;
     }
 
-    PageFile file{urString::IString((folder / "page").c_str())};
+    ::test::TemporaryFolder const folder;
+    PageFile file{nameOf(folder / "page")};
 };
 
 TEST_F(PageFileTest, CutsTheSmallestChunkThatFitsAndJoinsWhatIsFree) {
@@ -117,6 +114,9 @@ TEST_F(PagingTest, PayloadsComeBackAndAreInitialisedAgain) {
     EXPECT_EQ(cleared, 1);
 }
 
+// Where other programs can harm an open file, and files have limits.
+#if defined(__linux__)
+
 TEST_F(PagingTest, WhatTheFileLosesIsBuiltAgain) {
     Hook const truncate = [&] { fs::resize_file(pageFile, 10); };
     Hook const overwrite = [&] { std::fstream(pageFile, std::ios::in | std::ios::out).seekp(70'000).put('!'); };
@@ -155,7 +155,7 @@ TEST_F(PagingTest, AFullDiskDropsUntilThereIsRoom) {
 /// Whether a manager on that folder can page; if not it drops, once with a message.
 bool canPage(fs::path const& folder) {
     Messages messages;
-    Manager manager(urString::IString(folder.c_str()));
+    Manager manager(nameOf(folder));
     for (int const number : {1, 2}) {
         auto const shim = manager.getShim(make<Key>(number), Shim::Retained);
         manager.setSerializable(shim), manager.accessResource(shim);
@@ -169,8 +169,9 @@ bool canPage(fs::path const& folder) {
     return !isTold;
 }
 
-struct ScratchFileTest : InFolder {
-    fs::path file = folder / "urKRCachePageFile.dat", other = folder / "other";
+struct ScratchFileTest : testing::Test {
+    ::test::TemporaryFolder const folder;
+    fs::path const file = folder / "urKRCachePageFile.dat", other = folder / "other";
 };
 
 TEST_F(ScratchFileTest, IsNeverOpenedOrDeletedWhereItWouldNotBeOurs) {
@@ -182,13 +183,13 @@ TEST_F(ScratchFileTest, IsNeverOpenedOrDeletedWhereItWouldNotBeOurs) {
                                      [&] { ::mkfifo(file.c_str(), 0600); }};
     for (Hook const& lay : traps) {
         lay();
-        EXPECT_FALSE(canPage(folder));
+        EXPECT_FALSE(canPage(folder.path()));
         fs::remove(file);
     }
     EXPECT_EQ(fs::file_size(other), 8);
-    EXPECT_TRUE(canPage(folder) && !fs::exists(file));
+    EXPECT_TRUE(canPage(folder.path()) && !fs::exists(file));
     {
-        Manager const manager(urString::IString(folder.c_str()));
+        Manager const manager(nameOf(folder.path()));
         fs::rename(other, file);
     }
     EXPECT_EQ(fs::file_size(file), 8);  // someone else's file of that name stays
@@ -199,23 +200,25 @@ TEST_F(ScratchFileTest, OfALivingManagerIsLeftAloneAndOfAKilledOneTakenOver) {
     ASSERT_EQ(::pipe(ready), 0);
     pid_t const child = ::fork();
     if (child == 0) {
-        Manager const manager(urString::IString(folder.c_str()));
+        Manager const manager(nameOf(folder.path()));
         std::ofstream(file) << "left behind";
         static_cast<void>(!::write(ready[1], "x", 1));
         for (;;) ::pause();
     }
     char byte = 0;
     ASSERT_EQ(::read(ready[0], &byte, 1), 1);
-    EXPECT_FALSE(canPage(folder));
+    EXPECT_FALSE(canPage(folder.path()));
     EXPECT_EQ(fs::file_size(file), 11);
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
     fs::permissions(file, fs::perms::all);
-    Manager const heir(urString::IString(folder.c_str()));
+    Manager const heir(nameOf(folder.path()));
     EXPECT_EQ(fs::file_size(file), 0);
     EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-    EXPECT_FALSE(canPage(folder));  // also within one process
+    EXPECT_FALSE(canPage(folder.path()));  // also within one process
 }
+
+#endif
 
 }  // namespace
 }  // namespace urKRCache::test

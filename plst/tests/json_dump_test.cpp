@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "foundation/ur/tests/TemporaryFolder.h"
 #include "foundation/ur/tests/smallStack.h"
 #include "plst/json.h"
 #include "plst/tests/plainYajl.h"
@@ -55,9 +56,8 @@ TEST(Dump, WritesNothingForANullOrUnknownElementButItsSeparators) {
 }
 
 TEST(Dump, FillsAFileOrLeavesItAsItWas) {
-    std::string folder = (std::filesystem::temp_directory_path() / "dumpXXXXXX").string();
-    ASSERT_TRUE(mkdtemp(folder.data()));
-    std::string const path = folder + "/dump.txt";
+    ::test::TemporaryFolder const folder;
+    std::string const path = (folder / "dump.txt").string();
     auto const contents = [&] {
         std::ifstream in(path, std::ios::binary);
         return std::string{std::istreambuf_iterator<char>(in), {}};
@@ -66,9 +66,8 @@ TEST(Dump, FillsAFileOrLeavesItAsItWas) {
     EXPECT_EQ(contents(), "{\n    \"a\": [1, 2]\n}\n");
     EXPECT_TRUE(outputJSON(path.c_str(), nullptr));
     EXPECT_EQ(contents(), "\n");
-    EXPECT_FALSE(outputJSON((folder + "/none/dump.txt").c_str(), tree("1")));
-    EXPECT_FALSE(outputJSON(folder.c_str(), tree("1")));
-    std::filesystem::remove_all(folder);
+    EXPECT_FALSE(outputJSON((folder / "none/dump.txt").string().c_str(), tree("1")));
+    EXPECT_FALSE(outputJSON(folder.path().string().c_str(), tree("1")));
 }
 
 #if defined(__linux__)

@@ -107,9 +107,8 @@ TEST(JsonNumber, IsWhatPrintfPrints) {
         }
     }
     for (double value : {0.1, -0.0, 5e-324}) EXPECT_EQ(exact(value), printed("%.20g", value));
-    for (double value : {std::nan(""), -std::nan(""), HUGE_VAL, -HUGE_VAL}) {
-        EXPECT_EQ(brief(value), printed("%g", value));
-    }
+    for (double value : {std::nan(""), HUGE_VAL, -HUGE_VAL}) EXPECT_EQ(brief(value), printed("%g", value));
+    EXPECT_EQ(brief(-std::nan("")), "-nan");
 }
 
 TEST(JsonNumber, IsReadBackAsTheSameDouble) {

@@ -52,7 +52,6 @@ extern "C" {
 void* __real_malloc(std::size_t bytes);
 void* __real_calloc(std::size_t count, std::size_t bytes);
 void* __real_realloc(void* block, std::size_t bytes);
-void* __real_aligned_alloc(std::size_t alignment, std::size_t bytes);
 void __real_free(void* block);
 void* __real__ZN2ur12allocateNodeEm(std::size_t bytes);
 void __real__ZN2ur14deallocateNodeEPvm(void* node, std::size_t bytes);
@@ -66,9 +65,6 @@ void* __wrap_realloc(void* block, std::size_t bytes) {
     if (fails()) return nullptr;
     void* const moved = __real_realloc(block, bytes);
     return block ? moved : counted(moved);
-}
-void* __wrap_aligned_alloc(std::size_t alignment, std::size_t bytes) {
-    return fails() ? nullptr : counted(__real_aligned_alloc(alignment, bytes));
 }
 void __wrap_free(void* block) {
     dropped(block);
@@ -99,10 +95,16 @@ void* operator new(std::size_t bytes) {
     if (!block) throw std::bad_alloc();
     return block;
 }
+void* operator new(std::size_t bytes, std::align_val_t alignment) {
+    void* const block = fails() ? nullptr : std::aligned_alloc(static_cast<std::size_t>(alignment), bytes);
+    if (!block) throw std::bad_alloc();
+    return counted(block);
+}
 void* operator new[](std::size_t bytes) { return operator new(bytes); }
 void* operator new(std::size_t bytes, std::nothrow_t const& /*tag*/) noexcept { return __wrap_malloc(bytes); }
 void* operator new[](std::size_t bytes, std::nothrow_t const& /*tag*/) noexcept { return __wrap_malloc(bytes); }
 void operator delete(void* block) noexcept { __wrap_free(block); }
+void operator delete(void* block, std::align_val_t /*alignment*/) noexcept { __wrap_free(block); }
 void operator delete[](void* block) noexcept { __wrap_free(block); }
 void operator delete(void* block, std::size_t /*bytes*/) noexcept { __wrap_free(block); }
 void operator delete[](void* block, std::size_t /*bytes*/) noexcept { __wrap_free(block); }

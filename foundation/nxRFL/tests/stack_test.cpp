@@ -197,7 +197,7 @@ TEST(Reader, ReadsWholeNumbersOnlyWithinTheirRange) {
         EXPECT_EQ(accepts(int()), row.isInt) << row.number;
         EXPECT_EQ(accepts(unsigned()), row.isUnsigned) << row.number;
         EXPECT_EQ(accepts(static_cast<unsigned char>(0)), row.isByte) << row.number;
-        EXPECT_EQ(accepts(0L), row.isLong) << row.number;
+        EXPECT_EQ(accepts(std::int64_t()), row.isLong) << row.number;
     }
 }
 

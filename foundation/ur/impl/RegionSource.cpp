@@ -2,13 +2,13 @@
 #include "foundation/ur/impl/Region.h"
 
 #include <bit>
-#include <cstdlib>
 #include <memory>
 #include <new>
 
 namespace ur::impl {
 
 constexpr std::size_t regionsPerChunk = 8;
+constexpr auto regionAlignment = static_cast<std::align_val_t>(Region::bytes);
 constexpr std::uint32_t allFree = (1U << regionsPerChunk) - 1;
 
 /// What is asked of the system at a time.
@@ -23,8 +23,7 @@ namespace {
 
 Chunk* makeChunk() {
     auto chunk = std::make_unique<Chunk>(Chunk{nullptr, allFree, nullptr, nullptr});
-    chunk->memory = static_cast<char*>(std::aligned_alloc(Region::bytes, Region::bytes * regionsPerChunk));
-    if (!chunk->memory) throw std::bad_alloc();
+    chunk->memory = static_cast<char*>(::operator new(Region::bytes* regionsPerChunk, regionAlignment));
     return chunk.release();
 }
 
@@ -60,7 +59,7 @@ void RegionSource::put(Region* region) noexcept {
         return;
     }
     unlink(chunk);
-    std::free(chunk->memory);
+    ::operator delete(chunk->memory, regionAlignment);
     delete chunk;
 }
 

@@ -1,7 +1,10 @@
 // The node storage: reuse, order, memory given back across threads.
 #include <gtest/gtest.h>
 
+#if defined(__linux__)
 #include <unistd.h>
+#endif
+
 #include <algorithm>
 #include <cstdint>
 #include <fstream>
@@ -26,13 +29,6 @@ std::vector<void*> take(std::size_t count, std::size_t bytes) {
 
 void giveBack(std::vector<void*> const& nodes, std::size_t bytes) {
     for (void* node : nodes) ur::deallocateNode(node, bytes);
-}
-
-long residentKiB() {
-    long pages = 0;
-    long resident = 0;
-    std::ifstream("/proc/self/statm") >> pages >> resident;
-    return resident * sysconf(_SC_PAGESIZE) / 1024;
 }
 
 TEST(NodeHeap, RandomTrafficNeverOverlaps) {
@@ -62,6 +58,15 @@ TEST(NodeHeap, RandomTrafficNeverOverlaps) {
     for (Held const& one : held) ur::deallocateNode(one.node, one.bytes);
 }
 
+#if defined(__linux__)
+
+long residentKiB() {
+    long pages = 0;
+    long resident = 0;
+    std::ifstream("/proc/self/statm") >> pages >> resident;
+    return resident * sysconf(_SC_PAGESIZE) / 1024;
+}
+
 TEST(NodeHeap, NodesMadeOnOneThreadAndDroppedOnAnotherDoNotAddUp) {
 #if defined(__SANITIZE_ADDRESS__)
     GTEST_SKIP() << "freed memory stays in quarantine, which alone is larger than the bound";
@@ -79,6 +84,8 @@ TEST(NodeHeap, NodesMadeOnOneThreadAndDroppedOnAnotherDoNotAddUp) {
     // One round holds 4.8 MB; thirty rounds that added up would hold more than 250 MB.
     EXPECT_LT(residentKiB() - before, 64 * 1024);
 }
+
+#endif
 
 TEST(NodeHeap, TwoThreadsExchangeNodesWithoutLosingOne) {
     std::vector<void*> first = take(20000, 32);

@@ -86,8 +86,12 @@ TEST(TypeInfo, IdentifiesTheDynamicClass) {
 void hidden() {}
 
 TEST(FunctionName, IsTheSymbolOrAPlaceInAFile) {
+#if defined(_WIN32)
+    EXPECT_EQ(ur::functionName(&hidden).find("0x"), 0U);
+#else
     EXPECT_EQ(ur::functionName(&std::abort), "abort");
     EXPECT_NE(ur::functionName(&hidden).find("+0x"), std::string::npos);
+#endif
     EXPECT_EQ(ur::functionName(nullptr), "0x0");
 }
 

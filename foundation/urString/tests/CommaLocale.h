@@ -3,8 +3,9 @@
 
 #include <clocale>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
+
+#include "foundation/ur/tests/TemporaryFolder.h"
 
 namespace test {
 
@@ -13,14 +14,17 @@ namespace test {
 class CommaLocale {
 public:
     CommaLocale() : former_(std::setlocale(LC_ALL, nullptr)) {
-        std::string folder = (std::filesystem::temp_directory_path() / "localeXXXXXX").string();
-        if (!mkdtemp(folder.data())) return;
-        std::string const compile = "localedef -f UTF-8 -i de_DE " + folder + "/de_DE.UTF-8 >/dev/null 2>&1";
-        if (std::system(compile.c_str()) == 0 && setenv("LOCPATH", folder.c_str(), 1) == 0) {
+#if defined(_WIN32)
+        active_ = std::setlocale(LC_ALL, "German_Germany") != nullptr;
+#else
+        TemporaryFolder const folder;
+        std::string const compile = "localedef -f UTF-8 -i de_DE " + (folder / "de_DE.UTF-8").string();
+        if (std::system((compile + " >/dev/null 2>&1").c_str()) == 0 &&
+            setenv("LOCPATH", folder.path().c_str(), 1) == 0) {
             active_ = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
         }
         unsetenv("LOCPATH");
-        std::filesystem::remove_all(folder);
+#endif
     }
     CommaLocale(CommaLocale const&) = delete;
     CommaLocale& operator=(CommaLocale const&) = delete;

@@ -16,7 +16,9 @@ namespace {
 constexpr PerformanceCode code(int value) { return static_cast<PerformanceCode>(value); }
 
 struct PerformanceTest : testing::Test {
-    PerformanceTest() { performance = Performance(pristine); }
+    PerformanceTest() {
+        for (int i = 0; i < numPerformanceCodes; ++i) performance.getWatch(code(i)).clear();
+    }
     ~PerformanceTest() override { performance = pristine; }
 
     /// The codes whose watches run.

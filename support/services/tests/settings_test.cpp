@@ -16,12 +16,21 @@ namespace {
 
 using namespace nxSupport;
 
+/// Null removes the variable.
+void set(char const* name, char const* value) {
+#if defined(_WIN32)
+    ::_putenv_s(name, value ? value : "");
+#else
+    value ? ::setenv(name, value, 1) : ::unsetenv(name);
+#endif
+}
+
 TEST(Env, ReadsEachVariableWhenAsked) {
     for (auto const& [code, name] :
          {std::pair(EnvVar_Debug, "NX_DEBUG"), {EnvVar_NoLogo, "NX_NO_LOGO"}, {EnvVar_Graphics, "NX_GRAPHICS"}}) {
-        ::setenv(name, "value", 1);
+        set(name, "value");
         EXPECT_STREQ(env(code), "value");
-        ::unsetenv(name);
+        set(name, nullptr);
         EXPECT_EQ(env(code), nullptr);
     }
     for (int const none : {-1, 14}) EXPECT_EQ(env(static_cast<EnvVarCode>(none)), nullptr);
