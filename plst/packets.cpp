@@ -69,6 +69,7 @@ private:
 
 /// The verdict on a stream that was closed with `error`.
 bool conclude(PacketReport& report, urUtil::Error const& error) {
+    report.error = error;
     if (report.status == 0 && error.isError()) report.status = static_cast<int>(ioStatus::streamFailed);
     return report.status == 0;
 }

@@ -5,6 +5,7 @@
 
 #include "foundation/ur/Export.h"
 #include "foundation/ur/Reference.h"
+#include "foundation/urUtil/Error.h"
 #include "plst/Item.h"
 
 namespace urOS {
@@ -17,6 +18,7 @@ namespace nxPLST {
 struct PacketReport {
     int status = 0;              ///< one of `ioStatus`; 0 when all went well
     std::uint64_t position = 0;  ///< bytes into the file at the end, or where the fault was found
+    urUtil::Error error;         ///< what the stream said, if it failed
 };
 
 /// Writes a file of packets that holds `item`, or no packet for null. Items with several holders are written once.

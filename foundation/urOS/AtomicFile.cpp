@@ -3,8 +3,10 @@
 
 #include <cerrno>
 #include <string>
+#include <utility>
 
 #include "foundation/urOS/Uuid.h"
+#include "foundation/urOS/impl/descriptors.h"
 #include "foundation/urOS/impl/newFile.h"
 
 namespace urOS {
@@ -12,10 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using urUtil::Error;
-
-Error failure(std::error_code const& code, fs::path const& file) {
-    return Error::fromSystem(code.default_error_condition().value(), file.string());
-}
 
 /// What a chain of links leads to, whether it is there yet or not. The name itself where the system alone knows, as
 /// for the standard output when that is a pipe.
@@ -45,22 +43,17 @@ AtomicFile::~AtomicFile() { discard(); }
 Error AtomicFile::open(urString::IString const& path) {
     discard();
     std::string const name(path.asMultibyte());
-    if (name.empty()) {
-        error_ = Error::fromSystem(ENOENT, "a file without a name");
-    } else if (name.find('\0') != std::string::npos) {
-        // The system would replace what stands before the NUL: another file.
-        error_ = Error::fromSystem(EINVAL, name.c_str());
-    } else {
-        target_ = behindLinks(name);
-        error_ = create();
-    }
+    error_ = impl::faultOfName(name);
+    if (error_.isError()) return error_;
+    target_ = behindLinks(name);
+    error_ = create();
     return error_;
 }
 
 Error AtomicFile::create() {
     std::error_code unknown;
     fs::file_status const former = fs::status(target_, unknown);
-    if (!fs::status_known(former)) return failure(unknown, target_);
+    if (!fs::status_known(former)) return Error::fromSystem(unknown, target_.string());
     if (fs::exists(former) && !fs::is_regular_file(former)) {
         return file_.open(urString::IString(target_.string(), urString::Encoding::multibyte), openWrite);
     }
@@ -68,11 +61,11 @@ Error AtomicFile::create() {
     // Never wider open than the file to be replaced, not even before the permissions are set in full.
     constexpr int widest = 0666;
     int const permissions = fs::exists(former) ? static_cast<int>(former.permissions()) & widest : widest;
-    fs::path const name = nameBeside(target_);
+    fs::path name = nameBeside(target_);
     bool isNamed = false;
     int const descriptor = impl::openNew(name, permissions, isNamed);
     if (descriptor < 0) return Error::fromSystem(errno, target_.string());
-    if (isNamed) temporary_ = name;
+    temporary_ = std::move(name);
     if (!isNamed) nameless_ = descriptor;
     static_cast<void>(file_.attach(descriptor, File::Ownership::own));
     return fs::exists(former) ? impl::resemble(descriptor, target_) : Error();
@@ -92,17 +85,15 @@ Error AtomicFile::write(void const* buffer, std::size_t count, std::size_t* done
 Error AtomicFile::commit() {
     if (!file_.isOpen() && error_.ok()) return Error::fromSystem(EBADF, "no file to commit");
     if (error_.ok() && nameless_ >= 0) {
-        fs::path const name = nameBeside(target_);
-        bool const isNamed = impl::giveName(nameless_, name);
-        if (!isNamed) error_ = Error::fromSystem(errno, target_.string());
-        if (isNamed) temporary_ = name;
+        if (!impl::giveName(nameless_, temporary_)) error_ = Error::fromSystem(errno, target_.string());
+        if (error_.ok()) nameless_ = -1;
     }
     Error const closed = file_.close();
     if (error_.ok()) error_ = closed;
     if (error_.ok() && !temporary_.empty()) {
         std::error_code unmoved;
         fs::rename(temporary_, target_, unmoved);
-        if (unmoved) error_ = failure(unmoved, target_);
+        if (unmoved) error_ = Error::fromSystem(unmoved, target_.string());
         if (!unmoved) temporary_.clear();
     }
     discard();
@@ -112,7 +103,7 @@ Error AtomicFile::commit() {
 void AtomicFile::discard() noexcept {
     static_cast<void>(file_.close());
     std::error_code ignored;
-    if (!temporary_.empty()) fs::remove(temporary_, ignored);
+    if (!temporary_.empty() && nameless_ < 0) fs::remove(temporary_, ignored);
     temporary_.clear();
     nameless_ = -1;
 }

@@ -37,8 +37,8 @@ private:
 
     File file_;
     std::filesystem::path target_;
-    std::filesystem::path temporary_;  ///< empty when nothing lies beside the target
-    int nameless_ = -1;                ///< the open file's descriptor while it has no name
+    std::filesystem::path temporary_;  ///< what the open file is called beside the target; empty for a device
+    int nameless_ = -1;                ///< the open file's descriptor as long as it does not have that name
     urUtil::Error error_;
 };
 

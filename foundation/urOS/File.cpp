@@ -41,9 +41,7 @@ File::~File() { static_cast<void>(close()); }
 Error File::open(urString::IString const& path, OpenMode mode) {
     if (Error error = close(); error.isError()) return error;
     urString::CString const name = path.asMultibyte();
-    if (name.empty()) return Error::fromSystem(ENOENT, "a file without a name");
-    // The system would open what stands before a NUL: another file.
-    if (name.find('\0') != urString::CString::npos) return Error::fromSystem(EINVAL, name.c_str());
+    if (Error error = impl::faultOfName(name); error.isError()) return error;
     std::filesystem::path const file = std::string(name.view());
     descriptor_ = uninterrupted([&] { return impl::openDescriptor(file, flagsOf(mode), 0666); });
     ownership_ = Ownership::own;

@@ -2,7 +2,6 @@
 #include "foundation/urUtil/Error.h"
 
 #include <string>
-#include <system_error>
 
 namespace urUtil {
 
@@ -16,6 +15,10 @@ Error::Error(int code, std::string_view message)
 
 Error Error::fromSystem(int code, std::string_view what) {
     return {code, std::string(what).append(": ").append(std::generic_category().message(code))};
+}
+
+Error Error::fromSystem(std::error_code code, std::string_view what) {
+    return fromSystem(code.default_error_condition().value(), what);
 }
 
 int Error::code() const noexcept { return failure_ ? failure_->code : 0; }

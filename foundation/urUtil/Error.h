@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string_view>
+#include <system_error>
 
 #include "foundation/ur/Export.h"
 
@@ -20,6 +21,8 @@ public:
     NX_API Error(int code, std::string_view message);
     /// The failure that `errno` value `code` stands for, as "what: the system's text of it".
     NX_API static Error fromSystem(int code, std::string_view what);
+    /// The same of the `errno` value that `code` comes to, whatever the system's own numbers are.
+    NX_API static Error fromSystem(std::error_code code, std::string_view what);
 
     [[nodiscard]] bool ok() const noexcept { return !failure_; }
     [[nodiscard]] bool isError() const noexcept { return !ok(); }

@@ -20,8 +20,7 @@ using urUtil::Error;
 HANDLE handleOf(int descriptor) { return reinterpret_cast<HANDLE>(::_get_osfhandle(descriptor)); }
 
 Error lastError(char const* what) {
-    std::error_code const code(static_cast<int>(::GetLastError()), std::system_category());
-    return Error::fromSystem(code.default_error_condition().value(), what);
+    return Error::fromSystem(std::error_code(static_cast<int>(::GetLastError()), std::system_category()), what);
 }
 
 /// Moves all bytes by repeating `move`, which is a call of the system for files at a position.

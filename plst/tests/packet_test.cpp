@@ -233,6 +233,7 @@ TEST(ItemPackets, ReportAStreamThatFails) {
     Reference<Item> const long64K = make<String>(urString::CString(65536, 'x'));
     EXPECT_FALSE(write(closed, arrayOf({arrayOf({arrayOf({long64K, long64K->clone()})})}), report));
     EXPECT_EQ(report.status, number(ioStatus::streamFailed));
+    EXPECT_TRUE(report.error.isError());
     Reference<Item> item = make<Bool>(true);
     EXPECT_FALSE(read(closed, item, report));
     EXPECT_EQ(report.status, number(ioStatus::streamFailed));

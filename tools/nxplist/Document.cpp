@@ -27,25 +27,6 @@ void check(urUtil::Error const& error, std::string const& about = "") {
 std::string inputName(std::string const& path) { return path == "-" ? "standard input" : printable(path); }
 std::string outputName(std::string const& path) { return path == "-" ? "standard output" : printable(path); }
 
-/// Keeps what was wrong with a stream, of which a packet report only tells that it failed.
-class Watched final : public urOS::IOStream {
-public:
-    explicit Watched(urOS::IOStream& stream) : stream_(stream) {}
-
-    [[nodiscard]] urUtil::Error const& error() const { return error_; }
-
-    urUtil::Error read(void* buffer, std::size_t count, std::size_t* done) override {
-        return error_ = stream_.read(buffer, count, done);
-    }
-    urUtil::Error write(void const* buffer, std::size_t count, std::size_t* done) override {
-        return error_ = stream_.write(buffer, count, done);
-    }
-
-private:
-    urOS::IOStream& stream_;
-    urUtil::Error error_;
-};
-
 urString::CString contents(std::string const& path) {
     urOS::File file;
     std::uint64_t total = 0;
@@ -135,9 +116,8 @@ void readPackets(Document& document, urString::CString const& bytes) {
 void storeInto(urOS::IOStream& stream, Document const& document, std::string const& name, Form form) {
     if (form == Form::packets) {
         nxPLST::PacketReport report;
-        Watched watched(stream);
-        if (!nxPLST::write(watched, document.root, report)) {
-            check(watched.error(), name);
+        if (!nxPLST::write(stream, document.root, report)) {
+            check(report.error, name);
             throw Failure{ExitCode::unusable,
                           "nxplist: " + name + ": cannot write packets: " + ioStatusText(report.status)};
         }

@@ -8,6 +8,7 @@
 namespace ur::impl {
 
 constexpr std::size_t regionsPerChunk = 8;
+constexpr std::size_t chunkBytes = Region::bytes * regionsPerChunk;
 constexpr auto regionAlignment = static_cast<std::align_val_t>(Region::bytes);
 constexpr std::uint32_t allFree = (1U << regionsPerChunk) - 1;
 
@@ -23,7 +24,7 @@ namespace {
 
 Chunk* makeChunk() {
     auto chunk = std::make_unique<Chunk>(Chunk{nullptr, allFree, nullptr, nullptr});
-    chunk->memory = static_cast<char*>(::operator new(Region::bytes* regionsPerChunk, regionAlignment));
+    chunk->memory = static_cast<char*>(::operator new(chunkBytes, regionAlignment));
     return chunk.release();
 }
 

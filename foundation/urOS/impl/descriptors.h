@@ -3,13 +3,24 @@
 
 #include <fcntl.h>
 
+#include <cerrno>
 #include <filesystem>
+#include <string_view>
 
 #if defined(_WIN32)
 #include <io.h>
 #endif
 
+#include "foundation/urUtil/Error.h"
+
 namespace urOS::impl {
+
+/// What is wrong with the name of a file. The system would take what stands before a NUL: another file.
+inline urUtil::Error faultOfName(std::string_view name) {
+    if (name.empty()) return urUtil::Error::fromSystem(ENOENT, "a file without a name");
+    std::size_t const end = name.find('\0');
+    return end == std::string_view::npos ? urUtil::Error() : urUtil::Error::fromSystem(EINVAL, name.substr(0, end));
+}
 
 /// A descriptor through which bytes go unchanged and which no child process gets; -1, and `errno`, if there is none.
 inline int openDescriptor(std::filesystem::path const& path, int flags, int permissions) {
