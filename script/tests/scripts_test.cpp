@@ -1,8 +1,8 @@
 // Runs every script in scripts/ and compares what it prints with the .expected file beside it, addresses aside.
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <string>
 
 #include "foundation/urOS/tests/CapturedOutput.h"
@@ -17,9 +17,15 @@ std::string contents(fs::path const& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Systems write addresses in their own ways.
-std::string withoutAddresses(std::string const& text) {
-    return std::regex_replace(text, std::regex(R"(\b(0x[0-9a-f]+|0[0-9a-f]{15})\b)"), "ADDRESS");
+/// An address begins with 0x or, on Windows, with zeros.
+std::string withoutAddresses(std::string text) {
+    for (char const* const begin : {"0x", "00000000"}) {
+        for (std::size_t at = text.find(begin); at != std::string::npos; at = text.find(begin, at)) {
+            std::size_t const end = std::min(text.find_first_not_of("0123456789abcdef", at + 2), text.size());
+            text.replace(at, end - at, "ADDRESS");
+        }
+    }
+    return text;
 }
 
 TEST(Scripts, PrintWhatIsExpected) {

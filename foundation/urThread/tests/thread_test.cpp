@@ -1,8 +1,8 @@
 // Threads, the counts and the bytes that they share.
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cerrno>
+#include <future>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -44,18 +44,17 @@ TEST(Thread, WaitTellsWhatACallbackThrew) {
 }
 
 TEST(Thread, ARunCannotWaitForItselfButMayDestroyIt) {
-    static std::atomic<int> code = 0;  // outlives the notification by the detached thread
+    std::promise<int> refusal;
     auto owner = std::make_unique<Thread>();
     Thread* const thread = owner.get();
-    thread->getSignal().addCallback([owner = std::move(owner)]() mutable {
-        int const refusal = owner->wait().code();
+    auto answer = refusal.get_future();
+    thread->getSignal().addCallback([owner = std::move(owner), refusal = std::move(refusal)]() mutable {
+        int const code = owner->wait().code();
         owner.reset();
-        code = refusal;
-        code.notify_one();
+        refusal.set_value(code);
     });
     ASSERT_TRUE(thread->start().ok());
-    code.wait(0);
-    EXPECT_EQ(code, EDEADLK);
+    EXPECT_EQ(answer.get(), EDEADLK);
 }
 
 TEST(ReferenceCount, HoldersOnSeveralThreadsShareOneObject) {
