@@ -21,10 +21,17 @@ inline constexpr std::size_t smallStack = leastStack;
 inline constexpr int manyLevels = 1000000;
 #endif
 
+// ThreadSanitizer keeps its state of a thread, 785 KiB with g++ 12, on that thread's stack.
+#if defined(__SANITIZE_THREAD__)
+inline constexpr std::size_t takenStack = 800 * 1024;
+#else
+inline constexpr std::size_t takenStack = 0;
+#endif
+
 inline void onSmallStack(std::function<void()> work, std::size_t stack = smallStack) {
     pthread_attr_t attributes;
     pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, stack);
+    pthread_attr_setstacksize(&attributes, stack + takenStack);
     pthread_t thread;
     auto const run = [](void* self) -> void* {
         (*static_cast<std::function<void()>*>(self))();
