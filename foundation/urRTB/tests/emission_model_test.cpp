@@ -33,47 +33,40 @@ private:
     struct Emission {
         std::size_t position;  ///< one after the last callback called
         std::size_t end;       ///< the number of connections made before the emission
-        Emission* outer;
     };
 
-    // The callback that the innermost emission has to call next; `end` when none is left.
+    // The callback that the innermost emission has to call next; its end when none is left.
     [[nodiscard]] std::size_t due() const {
-        std::size_t id = emission_->position;
-        while (id < emission_->end && (!entries_[id].connected || entries_[id].blocks > 0)) ++id;
+        std::size_t id = emissions_.back().position;
+        while (id < emissions_.back().end && (!entries_[id].connected || entries_[id].blocks > 0)) ++id;
         return id;
     }
     void emit() {
-        Emission emission{0, entries_.size(), emission_};
-        emission_ = &emission;
+        emissions_.push_back({0, entries_.size()});
         try {
             signal_.emit();
-            EXPECT_EQ(due(), emission.end);
+            EXPECT_EQ(due(), emissions_.back().end);
         } catch (std::size_t thrower) {
-            EXPECT_EQ(thrower + 1, emission.position);
+            EXPECT_EQ(thrower + 1, emissions_.back().position);
         }
-        emission_ = emission.outer;
+        emissions_.pop_back();
     }
     void called(std::size_t id) {
         EXPECT_EQ(id, due());
-        emission_->position = id + 1;
+        emissions_.back().position = id + 1;
         if (++calls_ % 4 != 0) act();
         if (draw(20) == 0) throw id;
     }
     void act() {
-        std::size_t const id = draw(entries_.size() + 1);
-        if (id == entries_.size()) return connect();
-        Entry& entry = entries_[id];
-        switch (draw(12)) {
-            case 0: return disconnectAll();
-            case 1:
-            case 2: return emit();
-            case 3: ++entry.blocks; return entry.connection.block();
-            case 4:
-            case 5: entry.blocks -= entry.blocks > 0 ? 1 : 0; return entry.connection.unblock();
-            case 6:
-            case 7: entry.connected = false; return entry.connection.disconnect();
-            default: return connect();
-        }
+        std::size_t const id = draw(entries_.size() + 1), what = draw(12);
+        if (id == entries_.size() || what > 7) return connect();
+        if (what == 0) return disconnectAll();
+        if (what < 3) return emit();
+        auto& [connection, connected, blocks] = entries_[id];
+        if (what == 3) return ++blocks, connection.block();
+        if (what < 6) return blocks -= blocks > 0 ? 1 : 0, connection.unblock();
+        connected = false;
+        connection.disconnect();
     }
     void connect() {
         entries_.push_back({signal_.addCallback([this, id = entries_.size(), token = token_] { called(id); })});
@@ -88,7 +81,7 @@ private:
     std::shared_ptr<int> const token_ = std::make_shared<int>();
     std::mt19937 random_;
     int calls_ = 0;
-    Emission* emission_ = nullptr;
+    std::vector<Emission> emissions_;
     std::vector<Entry> entries_;
     urRTB::Signal<> signal_;
 };

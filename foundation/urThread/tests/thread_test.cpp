@@ -12,32 +12,29 @@
 
 namespace {
 
-using urThread::Buffer;
-using urThread::mergeBuffers;
-using urThread::Thread;
+using namespace urThread;
 
 TEST(Thread, EmitsItsSignalOnANewThreadOncePerRun) {
     int runs = 0;
-    std::thread::id runner;
     {
         Thread thread;
-        thread.getSignal().addCallback([&] { ++runs, runner = std::this_thread::get_id(); });
-        EXPECT_TRUE(thread.wait().ok());
-        EXPECT_TRUE(thread.start().ok());
+        thread.getSignal().addCallback([&, here = std::this_thread::get_id()] {
+            ++runs;
+            EXPECT_NE(std::this_thread::get_id(), here);
+        });
+        EXPECT_TRUE(thread.wait().ok() && thread.start().ok());
         EXPECT_EQ(thread.start().code(), EALREADY);
-        EXPECT_TRUE(thread.wait().ok());
-        EXPECT_NE(runner, std::this_thread::get_id());
-        EXPECT_TRUE(thread.start().ok());
+        EXPECT_TRUE(thread.wait().ok() && thread.start().ok());
     }
     EXPECT_EQ(runs, 2);  // the second run was waited for by the destructor
 }
 
 TEST(Thread, WaitTellsWhatACallbackThrew) {
     Thread thread;
-    thread.getSignal().addCallback([] { throw std::runtime_error("no memory card"); });
+    auto connection = thread.getSignal().addCallback([] { throw std::runtime_error("no memory card"); });
     ASSERT_TRUE(thread.start().ok());
     for (int again = 0; again < 2; ++again) EXPECT_EQ(thread.wait().message(), "no memory card");
-    thread.getSignal().disconnectAll();
+    connection.disconnect();
     thread.getSignal().addCallback([] { throw 1; });
     ASSERT_TRUE(thread.start().ok());
     EXPECT_TRUE(thread.wait().isError());
@@ -58,12 +55,8 @@ TEST(Thread, ARunCannotWaitForItselfButMayDestroyIt) {
 }
 
 TEST(ReferenceCount, HoldersOnSeveralThreadsShareOneObject) {
-    struct Shared : urThread::ReferenceCount {
-        explicit Shared(std::shared_ptr<int> held) : token(std::move(held)) {}
-        std::shared_ptr<int> token;
-    };
-    auto const token = std::make_shared<int>();
-    auto shared = ur::make<Shared>(token);
+    struct Shared : urThread::ReferenceCount {};
+    auto shared = ur::make<Shared>();
     auto const copyOften = [own = shared] {
         for (int i = 0; i < 20'000; ++i) ur::Reference<Shared const> const passing = own;
     };
@@ -73,18 +66,16 @@ TEST(ReferenceCount, HoldersOnSeveralThreadsShareOneObject) {
     second.join();
     EXPECT_EQ(shared->referenceCount(), 2);
     EXPECT_EQ(ur::make<Shared>(*shared)->referenceCount(), 1);
-    EXPECT_EQ(token.use_count(), 2);
 }
 
 TEST(Buffer, HoldsAnyBytesAndJoins) {
+    using namespace std::string_view_literals;
     auto const text = [](ur::Reference<Buffer> const& buffer) { return std::string(buffer->data(), buffer->size()); };
-    std::string const zero("a\0b", 3);
-    auto const first = ur::make<Buffer>(std::string_view(zero));
-    auto const second = ur::make<Buffer>(ur::vector<char>{'c', 'd'});
-    EXPECT_EQ(text(mergeBuffers(first, second)), zero + "cd");
+    auto const first = ur::make<Buffer>("a\0b"sv), second = ur::make<Buffer>(ur::vector<char>{'c', 'd'});
+    EXPECT_EQ(text(mergeBuffers(first, second)), "a\0bcd"sv);
     EXPECT_EQ(text(mergeBuffers(nullptr, second)), "cd");
-    EXPECT_EQ(text(mergeBuffers(first, nullptr)), zero);
-    EXPECT_EQ(mergeBuffers(nullptr, ur::make<Buffer>(nullptr, 0U))->size(), 0U);
+    EXPECT_EQ(text(mergeBuffers(first, ur::make<Buffer>(nullptr, 0U))), "a\0b"sv);
+    EXPECT_EQ(mergeBuffers(nullptr, nullptr)->size(), 0U);
 }
 
 }  // namespace

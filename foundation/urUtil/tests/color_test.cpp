@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "foundation/urUtil/HSL.h"
 
@@ -32,10 +33,7 @@ TEST(HSL, EveryColorOfAGridSurvivesTheRoundTripAndKeepsItsOpacity) {
 }
 
 TEST(HSL, NamesTheKnownColorsAndStaysInRange) {
-    struct {
-        Color color;
-        HSL hsl;
-    } const cases[] = {
+    std::pair<Color, HSL> const cases[] = {
         {{0, 1, 0}, {1 / 3.0F, 1, 0.5F}},
         {{1, 0, 1}, {5 / 6.0F, 1, 0.5F}},
         {{0.75F, 0.25F, 0.25F}, {0, 0.5F, 0.5F}},
@@ -51,14 +49,14 @@ TEST(HSL, NamesTheKnownColorsAndStaysInRange) {
 }
 
 TEST(HSL, HueWrapsAndTheRestIsClamped) {
-    auto const rgb = [](HSL const& hsl) {
+    std::pair<HSL, Color8> const cases[] = {{{-2 / 3.0F, 5, 0.5F}, Color8(0, 255, 0)},
+                                            {{nan, -1, nan}, Color8(0, 0, 0)},
+                                            {{infinity, infinity, 0.5F}, Color8(255, 0, 0)}};
+    for (auto const& [hsl, expected] : cases) {
         Color color;
         urUtil::HSLtoRGB(hsl, color);
-        return Color8(color);
-    };
-    EXPECT_EQ(rgb({-2 / 3.0F, 5, 0.5F}), Color8(0, 255, 0));
-    EXPECT_EQ(rgb({nan, -1, nan}), Color8(0, 0, 0));
-    EXPECT_EQ(rgb({infinity, infinity, 0.5F}), Color8(255, 0, 0));
+        EXPECT_EQ(Color8(color), expected) << hsl.h;
+    }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// List nodes against a plain vector, and the links of copies.
+// List nodes against a plain vector.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -47,16 +47,6 @@ TEST(LinkedListNode, CircularListFollowsAPlainVector) {
         }
         ASSERT_EQ(pagesOf(sentinel), model);
     }
-}
-
-TEST(LinkedListNode, ACopyHasTheLinksButTheListDoesNotKnowIt) {
-    Node sentinel;
-    sentinel.makeSentinel();
-    Page page;
-    page.insertBefore(sentinel);
-    Page const copy = page;
-    EXPECT_TRUE(copy.next() == &sentinel && copy.previous() == &sentinel);
-    EXPECT_EQ(pagesOf(sentinel), std::vector<Page*>{&page});
 }
 
 }  // namespace
