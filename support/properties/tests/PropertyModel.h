@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "support/properties/Property.h"
+#include "support/properties/tests/Recorder.h"
 
 namespace nxSupport::test {
 
@@ -46,7 +46,7 @@ public:
         }
     }
     /// Whether `setValue` says that no validator changed the value.
-    bool set(int property, int value, int type) {
+    bool set(int property, int value, PropertyModType type) {
         bool const unchanged = !validate(property, value);
         if (type == ModifyAll) return set(property, value), unchanged;
         store(property, value);
@@ -226,15 +226,12 @@ private:
         }
     }
 
-    void tellOthers(int property, int type) {
+    void tellOthers(int property, PropertyModType type) {
         for (int const member : members(property)) {
             if (member != property) tell(member, type);
         }
     }
-    void tell(int property, int type) {
-        static char const* const stages[] = {"start", "perform", "end"};
-        tell(property, stages[type]);
-    }
+    void tell(int property, PropertyModType type) { tell(property, stageNames[type]); }
     void tell(int property, char const* what) {
         if (!told_.empty()) told_ += ' ';
         told_ += std::to_string(property) + ':' + what + '=' + std::to_string(value(property));

@@ -21,14 +21,14 @@ inline double numberOf(Property const& property) {
     return item ? item->value() : -1;
 }
 
+constexpr char const* stageNames[] = {"start", "perform", "end"};
+
 /// Listens to properties and keeps what it hears: "name:stage", separated by spaces. Reading empties it.
 class Recorder {
 public:
     void follow(PropertyReference const& property) {
-        handles_.push_back(property->subscribe([this](ur::Reference<Property const> const& told, PropertyModType type) {
-            static char const* const stages[] = {"start", "perform", "end"};
-            add(*told, stages[type]);
-        }));
+        handles_.push_back(property->subscribe(
+            [this](ur::Reference<Property const> const& told, PropertyModType type) { add(*told, stageNames[type]); }));
         if (auto* const signal = property->txnModifiedSignal()) {
             handles_.push_back(signal->addCallback([this](PropertyReference const& told) { add(*told, "txn"); }));
         }

@@ -1,16 +1,22 @@
-// What is printed on the application output while this lives.
+// A test whose printed lines are caught.
 #pragma once
+
+#include <gmock/gmock.h>
 
 #include <utility>
 
 #include "foundation/urOS/tests/CapturedOutput.h"
 #include "support/services/Debug.h"
+#include "support/services/debugList.h"
 
 namespace nxSupport {
 
-struct Output {
+/// Catches the application output, and leaves no debug code on.
+struct OutputTest : testing::Test {
+    ~OutputTest() override { switchDebugCodes("-*"); }
+
     /// Since the last time.
-    std::string take() {
+    std::string printed() {
         std::string const all = captured.text();
         return all.substr(std::exchange(taken, all.size()));
     }

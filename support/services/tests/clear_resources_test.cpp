@@ -1,6 +1,4 @@
 // Clearing the cache on the host's request.
-#include <gmock/gmock.h>
-
 #include <functional>
 
 #include "krcache/tests/TestKeys.h"
@@ -13,9 +11,7 @@
 namespace nxSupport {
 namespace {
 
-struct ClearResourcesTest : testing::Test, Host {
-    ~ClearResourcesTest() override { Debug::getInstance().disable(Debug_Resources); }
-
+struct ClearResourcesTest : OutputTest, Host {
     /// A shim whose resource is there.
     ur::Reference<urKRCache::Shim> built(int number) {
         auto shim = cache.shim(ur::make<urKRCache::test::Key>(number, 100));
@@ -40,27 +36,26 @@ TEST_F(ClearResourcesTest, SubscribersUnlockFirst) {
         manager.unlockResource(unlocked);
     });
     Context const context(this, Context::NoTxn);
-    Output output;
-    Debug::getInstance().enable(Debug_Resources);
+    debug.enable(Debug_Resources);
     clearResources();
     EXPECT_EQ(heard, "in time ");
     EXPECT_FALSE(plain->isResourceAllocated() || unlocked->isResourceAllocated());
     EXPECT_TRUE(locked->isResourceAllocated() && paged->isResourceSerialized());
     EXPECT_EQ(manager.numKeys(), 4);
 
-    std::string const text = output.take();
+    std::string const text = printed();
     int resident = 0;
     ASSERT_EQ(std::sscanf(text.c_str(), "Resident size of process %d bytes.", &resident), 1);
     EXPECT_GT(resident, 1000000);
     EXPECT_EQ(text.substr(text.find(" bytes")),
               " bytes.\n  Clearing 400 bytes of cached resources.\nResources cleared.\n");
-    EXPECT_EQ(Debug::getInstance().indent(), 0);
+    EXPECT_EQ(debug.indent(), 0);
 
-    Debug::getInstance().disable(Debug_Resources);
+    debug.disable(Debug_Resources);
     manager.unlockResource(locked);
     clearResources();
     EXPECT_FALSE(locked->isResourceAllocated());
-    EXPECT_EQ(output.take(), "");
+    EXPECT_EQ(printed(), "");
 }
 
 TEST_F(ClearResourcesTest, DoesWithoutWhatTheHostDoesNotOffer) {
@@ -72,14 +67,12 @@ TEST_F(ClearResourcesTest, DoesWithoutWhatTheHostDoesNotOffer) {
     {
         Context const context(this, Context::NoTxn);
         clearResources();
-        EXPECT_EQ(told, 1);
-        EXPECT_TRUE(shim->isResourceAllocated());
+        EXPECT_TRUE(told == 1 && shim->isResourceAllocated());
     }
     provide = [this](CallInfo& callInfo) { callInfo.add(&manager); };
     Context const context(this, Context::NoTxn);
     clearResources();
-    EXPECT_FALSE(shim->isResourceAllocated());
-    EXPECT_EQ(told, 1);
+    EXPECT_TRUE(told == 1 && !shim->isResourceAllocated());
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
 // Charging time to activities, and printing.
-#include <gmock/gmock.h>
-
 #include <chrono>
 #include <thread>
 
@@ -15,7 +13,7 @@ namespace {
 
 constexpr PerformanceCode code(int value) { return static_cast<PerformanceCode>(value); }
 
-struct PerformanceTest : testing::Test {
+struct PerformanceTest : OutputTest {
     PerformanceTest() {
         for (int i = 0; i < numPerformanceCodes; ++i) performance.getWatch(code(i)).clear();
     }
@@ -67,17 +65,9 @@ TEST_F(PerformanceTest, ChargingAgainGoesOnUnlessClearedEachTime) {
     scope.charge(Perf_DrawScene);
     scope.charge(Perf_None);
     EXPECT_GE(watch.elapsed(), first);
-    EXPECT_FALSE(Performance::clearEachCharge());
     Performance::clearEachCharge() = true;
     scope.charge(Perf_DrawScene);
     EXPECT_LT(watch.elapsed(), first);
-}
-
-TEST_F(PerformanceTest, ActivitiesHaveLabels) {
-    for (int const none : {-1, 17, 18}) EXPECT_EQ(Performance::labelFormat(code(none)), "~ unknown ~");
-    EXPECT_EQ(Performance::labelFormat(Perf_TaskPreBat), "TASK PreBat ... = %.03f");
-    EXPECT_EQ(Performance::labelFormat(Perf_Tumble), "Tumble = %4.8f");
-    EXPECT_TRUE(Performance::displayInverse(Perf_Tumble) && !Performance::displayInverse(Perf_DrawTotal));
 }
 
 TEST_F(PerformanceTest, TimesArePrintedByLabelAndRatesAsReciprocals) {
@@ -87,15 +77,15 @@ TEST_F(PerformanceTest, TimesArePrintedByLabelAndRatesAsReciprocals) {
         performance.getWatch(one).stop();
     }
     performance.getWatch(code(17)).start();  // nobody's
-    Output output;
     performance.printTimes(urOS::AppOutput::getInstance());
     static_cast<void>(urOS::AppOutput::getInstance().flush());
     nx_printf("%s = %.2f%c", "pi", 3.14159, '\n');
     double const spent = performance.getWatch(Perf_UpdateUI).elapsed(),
                  tumbled = performance.getWatch(Perf_Tumble).elapsed();
-    EXPECT_EQ(output.take(),
+    EXPECT_EQ(printed(),
               urString::CString::format("Update UI = %.03f\nTumble = %4.8f\npi = 3.14\n", spent, 1 / tumbled).view());
     EXPECT_FALSE(performance.getWatch(code(17)).isRunning());
+    for (int const none : {-1, 17, 18}) EXPECT_EQ(Performance::labelFormat(code(none)), "~ unknown ~");
 }
 
 }  // namespace
