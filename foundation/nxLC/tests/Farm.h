@@ -176,6 +176,12 @@ protected:
         nxRFL::Stack results;
         EXPECT_FALSE(state->run("local name, value = ... _G[name] = value", "=give", arguments, results));
     }
+    /// An animal of the program that scripts find under its name.
+    ur::Reference<Animal> giveAnimal(char const* name) {
+        auto animal = ur::make<Animal>(name);
+        give(name, animal);
+        return animal;
+    }
 
     CString reported;
     nxRFL::Database database;

@@ -1,4 +1,6 @@
 // Errors on their way between scripts and native code, callbacks, and the end of a state.
+#include <gmock/gmock.h>
+
 #include <cstring>
 
 #include "foundation/nxLC/protect.h"
@@ -133,8 +135,7 @@ TEST_F(Calls, FailAtAnyAllocationWithoutHarm) {
 }
 
 TEST_F(Calls, CallbacksKeepTheirFunctionsUntilTheyAreDropped) {
-    auto const rex = ur::make<Animal>("Rex");
-    give("rex", rex);
+    auto const rex = giveAnimal("rex");
     succeed(R"(
         local kept = farm.Animal.make("kept")
         rex:setOnCall(function(self, text) count = (count or 0) + 1 return text .. " " .. kept.name end)
@@ -152,8 +153,7 @@ TEST_F(Calls, CallbacksKeepTheirFunctionsUntilTheyAreDropped) {
 }
 
 TEST_F(Calls, CallbacksDropThemselvesAndFail) {
-    auto const rex = ur::make<Animal>("Rex");
-    give("rex", rex);
+    auto const rex = giveAnimal("rex");
     succeed("rex:setOnCall(function(self) self:setOnCall(nil) collectgarbage() error('dropped') end)");
     EXPECT_EQ(rex->onCall(*rex, ""), "");
     EXPECT_EQ(reported, "test:1: dropped;");
@@ -161,8 +161,7 @@ TEST_F(Calls, CallbacksDropThemselvesAndFail) {
 }
 
 TEST_F(Calls, CallbacksAreInertOnceTheirStateHasClosed) {
-    auto const rex = ur::make<Animal>("Rex");
-    give("rex", rex);
+    auto const rex = giveAnimal("rex");
     succeed("rex:setOnCall(function() error('alive') end)");
     auto const function = state->load("error('alive')", "=later");
     state.reset();
@@ -218,13 +217,9 @@ TEST_F(Calls, GuardTurnsExceptionsIntoErrors) {
     lua_setglobal(L, "shout");
     succeed("assert(shout('abc') == '!!!')");
     EXPECT_EQ(run("shout('')"), "test:1: nothing to shout");
-    try {
-        lua_pushnumber(L, 1);
-        nxLC::protect(L, 1, 0, [](lua_State* raising) { return luaL_error(raising, "raised"); });
-        ADD_FAILURE();
-    } catch (Exception const& error) {
-        EXPECT_STREQ(error.what(), "raised");
-    }
+    lua_pushnumber(L, 1);
+    EXPECT_THAT([L] { nxLC::protect(L, 1, 0, [](lua_State* raising) { return luaL_error(raising, "raised"); }); },
+                testing::ThrowsMessage<Exception>("raised"));
     EXPECT_EQ(lua_gettop(L), 0);
 }
 

@@ -18,27 +18,23 @@ protected:
 
 TEST_F(Completions, FollowTablesObjectsAndTypesOfProperties) {
     succeed("rex, box = farm.Animal.make('Rex'), {lid = 1, ['no name'] = 2, open = print, 3}");
-    struct Row {
-        char const* line;
-        char const* proposed;
-    };
-    for (Row const& row : {
-             Row{"fa", "|farm"},
-             Row{"print(farm.A", "print(farm.|Animal"},
-             Row{"x = farm.", "x = farm.|Animal|Barn|Duck|Swimmer|tools"},
-             Row{"farm.Duck.", "farm.Duck.|make"},
-             Row{"farm.tools.n", "farm.tools.|nameOf"},
-             Row{"rex.", "rex.|friend|legs|name|weight"},
-             Row{"rex:f", "rex:|fail|feed"},
-             Row{"rex.friend.friend:m", "rex.friend.friend:|meals"},
-             Row{"box.", "box.|lid|open"},
-             Row{"box:", "box:|open"},
-             Row{"rex.name.", "rex.name."},
-             Row{"rex.meals.x", "rex.meals."},
-             Row{"no.such.thing", "no.such."},
-             Row{"rex:call('x').n", "rex:call('x').n"},
+    for (auto const& [line, proposed] : std::initializer_list<std::pair<char const*, char const*>>{
+             {"fa", "|farm"},
+             {"print(farm.A", "print(farm.|Animal"},
+             {"x = farm.", "x = farm.|Animal|Barn|Duck|Swimmer|tools"},
+             {"farm.Duck.", "farm.Duck.|make"},
+             {"farm.tools.n", "farm.tools.|nameOf"},
+             {"rex.", "rex.|friend|legs|name|weight"},
+             {"rex:f", "rex:|fail|feed"},
+             {"rex.friend.friend:m", "rex.friend.friend:|meals"},
+             {"box.", "box.|lid|open"},
+             {"box:", "box:|open"},
+             {"rex.name.", "rex.name."},
+             {"rex.meals.x", "rex.meals."},
+             {"no.such.thing", "no.such."},
+             {"rex:call('x').n", "rex:call('x').n"},
          }) {
-        EXPECT_EQ(of(row.line), row.proposed);
+        EXPECT_EQ(of(line), proposed);
     }
     EXPECT_TRUE(of("").starts_with("|_G|"));
     EXPECT_EQ(lua_gettop(state->get()), 0);

@@ -25,6 +25,16 @@ std::string messageOf(std::function<void()> const& action) {
     return "no error";
 }
 
+template <class Write>
+Stack written(Write write) {
+    Stack stack;
+    {
+        Writer writer(stack);
+        write(writer);
+    }
+    return stack;
+}
+
 // Writes {min = {1, 2}, name = "x"}.
 void writeSample(Writer& writer) {
     writer.startDictionary(2);
@@ -52,14 +62,13 @@ void expectSample(Reader& reader) {
 }
 
 TEST(Stack, GivesBackWhatWasWritten) {
-    Stack stack;
-    Writer writer(stack);
-    writer.writeNull();
-    writeSample(writer);
-    writer.writeBool(true);
-    writer.writeUnsigned(4000000000U);
+    Stack const stack = written([](Writer& writer) {
+        writer.writeNull();
+        writeSample(writer);
+        writer.writeBool(true);
+        writer.writeUnsigned(4000000000U);
+    });
     EXPECT_EQ(stack.size(), 4U);
-
     Reader reader(stack);
     EXPECT_TRUE(reader.isNull());
     reader.readNull();
@@ -72,14 +81,13 @@ TEST(Stack, GivesBackWhatWasWritten) {
 }
 
 TEST(Stack, SkipsWhatIsLeftUnread) {
-    Stack stack;
-    Writer writer(stack);
-    writer.startArray(2);
-    writeSample(writer);
-    writer.writeInt(5);
-    writer.endArray();
-    writer.writeInt(6);
-
+    Stack const stack = written([](Writer& writer) {
+        writer.startArray(2);
+        writeSample(writer);
+        writer.writeInt(5);
+        writer.endArray();
+        writer.writeInt(6);
+    });
     Reader reader(stack);
     reader.startArray();
     reader.startDictionary();
@@ -93,13 +101,11 @@ TEST(Stack, SkipsWhatIsLeftUnread) {
 }
 
 TEST(Stack, CopiesSingleItemsWithAllThatTheyHold) {
-    Stack stack;
-    {
-        Writer writer(stack);
+    Stack const stack = written([](Writer& writer) {
         writer.startArray(1);
         writeSample(writer);
         writer.endArray();
-    }
+    });
     Reader reader(stack);
     reader.startArray();
     Stack item;
@@ -125,11 +131,9 @@ TEST(Stack, CopiesSingleItemsWithAllThatTheyHold) {
 
 TEST(Stack, HoldsAnyDepth) {
     constexpr int depth = 300000;
-    Stack deep;
-    {
-        Writer writer(deep);
+    Stack const deep = written([](Writer& writer) {
         for (int i = 0; i < depth; ++i) writer.startArray(1);
-    }
+    });
     Stack copy;
     Reader(deep).readItem(copy);
     Reader reader(copy);
@@ -162,55 +166,49 @@ TEST(Stack, StaysWellFormedWhateverIsWritten) {
 }
 
 TEST(Stack, TakesAnEmptyContainerForEitherKind) {
-    Stack stack;
-    Writer writer(stack);
-    writer.startArray(0);
-    writer.endArray();
+    Stack const stack = written([](Writer& writer) { writer.startArray(0); });
     EXPECT_EQ(Reader(stack).startDictionary(), 0U);
     EXPECT_EQ(Reader(stack).startArray(), 0U);
 }
 
 TEST(Reader, ReadsWholeNumbersOnlyWithinTheirRange) {
-    struct Row {
-        double number;
-        bool isInt;
-        bool isUnsigned;
-        bool isByte;
-        bool isLong;
-    };
-    double const nan = std::numeric_limits<double>::quiet_NaN();
-    for (Row const& row :
-         {Row{0, true, true, true, true}, Row{-1, true, false, false, true}, Row{2147483647, true, true, false, true},
-          Row{2147483648.0, false, true, false, true}, Row{-2147483648.0, true, false, false, true},
-          Row{4294967296.0, false, false, false, true}, Row{0.5, false, false, false, false},
-          Row{1e300, false, false, false, false}, Row{nan, false, false, false, false}}) {
+    // One letter for each type that takes the number: int, unsigned, byte, long.
+    std::pair<double, std::string> const rows[] = {{0, "iubl"},
+                                                   {-1, "il"},
+                                                   {2147483647, "iul"},
+                                                   {2147483648.0, "ul"},
+                                                   {-2147483648.0, "il"},
+                                                   {4294967296.0, "l"},
+                                                   {0.5, ""},
+                                                   {1e300, ""},
+                                                   {std::numeric_limits<double>::quiet_NaN(), ""}};
+    for (auto const& row : rows) {
         Stack stack;
-        Writer(stack).writeDouble(row.number);
+        Writer(stack).writeDouble(row.first);
         auto const accepts = [&]<class T>(T value) {
             bool const read = messageOf([&] {
                                   Reader reader(stack);
                                   nxRFL::read(reader, value);
                               }) == "no error";
-            EXPECT_EQ(static_cast<double>(value), read ? row.number : 0.0);
+            EXPECT_EQ(static_cast<double>(value), read ? row.first : 0.0);
             return read;
         };
-        EXPECT_EQ(accepts(int()), row.isInt) << row.number;
-        EXPECT_EQ(accepts(unsigned()), row.isUnsigned) << row.number;
-        EXPECT_EQ(accepts(static_cast<unsigned char>(0)), row.isByte) << row.number;
-        EXPECT_EQ(accepts(std::int64_t()), row.isLong) << row.number;
+        std::string takers = accepts(int()) ? "i" : "";
+        if (accepts(unsigned())) takers += 'u';
+        if (accepts(static_cast<unsigned char>(0))) takers += 'b';
+        if (accepts(std::int64_t())) takers += 'l';
+        EXPECT_EQ(takers, row.second) << row.first;
     }
 }
 
 TEST(Reader, SaysWhereWhichItemIsOfTheWrongKind) {
-    Stack stack;
-    {
-        Writer writer(stack);
+    Stack const stack = written([](Writer& writer) {
         writer.writeInt(1);
         writer.startArray(2);
         writer.writeBool(true);
         writeSample(writer);
         writer.endArray();
-    }
+    });
     Reader reader(stack);
     EXPECT_EQ(messageOf([&] { reader.readText(); }), "item 1 must be string, but is number");
     reader.readInt();
@@ -247,25 +245,17 @@ TEST(Reader, ReadsDictionariesByKeyHandlers) {
         EXPECT_EQ(reader.kind(), Kind::none);
         return sum;
     };
-    Stack stack;
-    {
-        Writer writer(stack);
-        writeSample(writer);
-    }
+    Stack const stack = written(writeSample);
     EXPECT_EQ(readSample(stack, 2), 1 + 3);
     EXPECT_EQ(messageOf([&] { readSample(stack, 1); }), "item 1 is no sample: \"name\" is one key too many");
 
-    Stack other;
-    {
-        Writer writer(other);
+    Stack const other = written([](Writer& writer) {
         writer.startDictionary(1);
         writer.writeText("max");
         writer.writeNull();
-    }
+    });
     EXPECT_EQ(messageOf([&] { readSample(other, 2); }), "item 1 is no sample: \"max\" is one key too many");
-    Stack none;
-    Writer(none).startArray(0);
-    EXPECT_EQ(readSample(none, 2), 0);
+    EXPECT_EQ(readSample(written([](Writer& writer) { writer.startArray(0); }), 2), 0);
 }
 
 }  // namespace
