@@ -14,9 +14,7 @@
 
 namespace {
 
-using nxDYD::Arg;
-using nxDYD::Function;
-using nxDYD::Invocation;
+using namespace nxDYD;
 using ur::Reference;
 using Args = ur::vector<Reference<Arg>>;
 
@@ -37,7 +35,7 @@ struct Sum : Function {
     std::function<void()> duringCall = [] {};
 };
 
-struct Recorder : nxDYD::Hooks {
+struct Recorder : Hooks {
     ~Recorder() override { log += "gone;"; }
     void preInvoke(Function* function, Args& args) override {
         log += "pre " + std::string(function->name().view()) + ";";
@@ -49,8 +47,7 @@ struct Recorder : nxDYD::Hooks {
     }
 };
 
-class DynamicCall : public ::testing::Test {
-protected:
+struct DynamicCall : testing::Test {
     DynamicCall() { log.clear(); }
 
     Reference<Sum> sum = ur::make<Sum>();
@@ -115,12 +112,12 @@ TEST_F(DynamicCall, ReportsWhatADeferredCallThrows) {
 
 TEST(PointerText, ComesBackAsTheSamePointerOrNull) {
     int target = 0;
-    EXPECT_EQ(nxDYD::stringToPointer(nxDYD::pointerToString(&target)), &target);
-    EXPECT_EQ(nxDYD::stringToPointer(nxDYD::pointerToString(nullptr)), nullptr);
-    EXPECT_EQ(nxDYD::stringToPointer(nullptr), nullptr);
-    EXPECT_EQ(nxDYD::stringToPointer(number(1)->item()), nullptr);
+    EXPECT_EQ(stringToPointer(pointerToString(&target)), &target);
+    EXPECT_EQ(stringToPointer(pointerToString(nullptr)), nullptr);
+    EXPECT_EQ(stringToPointer(nullptr), nullptr);
+    EXPECT_EQ(stringToPointer(number(1)->item()), nullptr);
     for (char const* text : {"", "ptr:", "0x1234", "Ptr:0x1234", "ptr:zebra"})
-        EXPECT_EQ(nxDYD::stringToPointer(ur::make<nxPLST::String>(text)), nullptr) << text;
+        EXPECT_EQ(stringToPointer(ur::make<nxPLST::String>(text)), nullptr) << text;
 }
 
 }  // namespace

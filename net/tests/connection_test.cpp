@@ -8,9 +8,7 @@
 
 namespace {
 
-using nxNet::Connection;
-using nxNet::Request;
-using nxNet::Transfer;
+using namespace nxNet;
 using BufferRef = ur::Reference<urThread::Buffer>;
 
 TEST(Request, KeepsOneValueForEachNameInTheOrderOfNames) {
@@ -23,7 +21,6 @@ TEST(Request, KeepsOneValueForEachNameInTheOrderOfNames) {
     std::string text;
     for (auto const& [name, value] : request.getHeaders()) text.append(name).append("=").append(value).append(" ");
     EXPECT_EQ(text.substr(0, 33), "GET=b b=GET m=GET x000=GET x001=G");
-    EXPECT_TRUE(request.getPostData().empty());
 }
 
 struct End {
@@ -33,8 +30,7 @@ struct End {
 };
 
 /// Every way to end.
-class ConnectionEnd : public ::testing::TestWithParam<End> {
-protected:
+struct ConnectionEnd : testing::TestWithParam<End> {
     ~ConnectionEnd() override {
         transfer.reset();
         EXPECT_EQ(Transfer::alive, 0);
@@ -131,11 +127,9 @@ TEST(Connection, SurvivesAHostThatDropsItWhenItStops) {
     EXPECT_EQ(Transfer::alive, 0);
 }
 
-TEST(Connection, CopiesItsStateAndItsFunctions) {
+TEST(Connection, CopiesItsFunctions) {
     Transfer first;
     std::string log;
-    first.setRequest(ur::make<Request>());
-    first.setFailed(5);
     first.setDataFunc([&, calls = 0](auto&&) mutable { log += std::to_string(++calls); });
     first.arrive("");
     Transfer second = first;
@@ -143,9 +137,6 @@ TEST(Connection, CopiesItsStateAndItsFunctions) {
     third = second;
     for (Transfer* each : {&first, &second, &third}) each->arrive("");
     EXPECT_EQ(log, "1222");
-    EXPECT_EQ(third.getRequest(), first.getRequest());
-    EXPECT_EQ(third.getError(), 5);
-    EXPECT_EQ(third.getStatus(), Connection::ConnectionFailed);
 }
 
 }  // namespace

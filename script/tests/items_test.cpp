@@ -11,8 +11,7 @@ namespace {
 
 using nxPLST::Item;
 using nxPLST::test::arrayOf;
-using nxSupport::popPListItem;
-using nxSupport::pushPListItem;
+using namespace nxSupport;
 using ur::Reference;
 using urString::CString;
 
@@ -26,8 +25,7 @@ std::string textOf(Reference<Item const> const& item) {
     return line;
 }
 
-class LuaItems : public ::testing::Test {
-protected:
+struct LuaItems : testing::Test {
     LuaItems() { luaL_openlibs(L); }
     ~LuaItems() override { lua_close(L); }
 
@@ -124,15 +122,15 @@ TEST(LuaItemsWithoutMemory, FailWithoutHarm) {
 }
 
 TEST(StartUp, HappensOncePerBroadcasterAndNeedsTheTable) {
-    nxSupport::ScriptHost host;
+    ScriptHost host;
     {
-        nxSupport::Context const context(&host.domain, nxSupport::Context::AppOnly);
-        nxSupport::initialize();
+        Context const context(&host.domain, Context::AppOnly);
+        initialize();
     }
     urOS::CapturedOutput const output;
     lua_State* const L = luaL_newstate();
     luaL_openlibs(L);
-    nxSupport::InitializeLuaMsg message(nxSupport::InitializeLuaMsg::Application, L);
+    InitializeLuaMsg message(InitializeLuaMsg::Application, L);
     host.broadcaster->broadcast(message);
     EXPECT_EQ(output.text(), "nxSupport::registerLuaFunctions: there is no table nx\n");
     EXPECT_EQ(luaL_dostring(L, "assert(nx == nil and debug.getinfo(print).what == 'C') nx = {}"), 0);

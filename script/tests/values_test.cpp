@@ -7,9 +7,7 @@
 
 namespace {
 
-using nxRFL::Reader;
-using nxRFL::Stack;
-using nxRFL::Writer;
+using namespace nxRFL;
 
 template <class Value>
 Stack written(Value const& value) {
@@ -23,7 +21,7 @@ template <class Value>
 Value readBack(Stack const& stack, Value value = {}) {
     Reader reader(stack);
     read(reader, value);
-    EXPECT_EQ(reader.kind(), nxRFL::Kind::none);
+    EXPECT_EQ(reader.kind(), Kind::none);
     return value;
 }
 
@@ -48,7 +46,7 @@ TEST(ReflectedValues, AreArraysOfTheirComponents) {
     check(urUtil::HSL(0.5F, 0.25F, 1), {0.5, 0.25, 1});
     check(urUtil::Color(0.5F, 0.25F, 1, 0), {0.5, 0.25, 1, 0});
     EXPECT_EQ(readBack<Normal>(written(Point(0, 0, 5))), Normal(0, 0, 1));
-    EXPECT_THROW(readBack<Point>(written(Point2(1, 2))), nxRFL::Exception);
+    EXPECT_THROW(readBack<Point>(written(Point2(1, 2))), Exception);
 }
 
 TEST(ReflectedValues, AreDictionariesOfTheirParts) {
@@ -58,7 +56,7 @@ TEST(ReflectedValues, AreDictionariesOfTheirParts) {
     EXPECT_EQ(readBack<Range1d>(written(Range1d(1, 2))), Range1d(1, 2));
     EXPECT_EQ(readBack<Range1d>(written(Bounds{{"max", 5}})), Range1d(0, 5));
     EXPECT_EQ(readBack(written(Bounds{}), Range1d(3, 4)), Range1d(0, 0));
-    EXPECT_THROW(readBack<Range1d>(written(Bounds{{"min", 1}, {"mid", 2}})), nxRFL::Exception);
+    EXPECT_THROW(readBack<Range1d>(written(Bounds{{"min", 1}, {"mid", 2}})), Exception);
     Range3d const box({1, 2, 3}, {4, 5, 6});
     EXPECT_EQ(readBack<Range3d>(written(box)), box);
     EXPECT_EQ(readBack(written(Corners{{"max", {4, 5, 6}}}), box), Range3d(Point(), {4, 5, 6}));

@@ -138,8 +138,7 @@ private:
 };
 
 /// A state on the farm. Everything must be gone at the end.
-class Farm : public ::testing::Test {
-protected:
+struct Farm : testing::Test {
     explicit Farm(nxLC::Library library = nxLC::Library::everything) {
         expose(database);
         nxRFL::ExposeFunction(database, "farm::tools").add("echo", ur::make<Echo>(&database));

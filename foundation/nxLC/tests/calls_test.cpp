@@ -12,14 +12,11 @@
 
 namespace {
 
+using namespace nxRFL;
 using farm::Animal;
-using farm::Farm;
-using nxRFL::Exception;
-using nxRFL::Reader;
-using nxRFL::Stack;
 using urString::CString;
 
-class Calls : public Farm {};
+using Calls = farm::Farm;
 
 #if defined(__linux__)
 TEST(Lua, IsTheBuildThatIsToBeTested) {
@@ -64,7 +61,7 @@ TEST_F(Calls, ErrorsCarryTheScriptsStack) {
 
 TEST_F(Calls, ErrorsAreTracedWhateverTheHostLeftOfTheLibraries) {
     CString told;
-    nxRFL::ExposeFunction(database, "farm::tools").add("later", [](std::function<void()> const& call) { call(); });
+    ExposeFunction(database, "farm::tools").add("later", [](std::function<void()> const& call) { call(); });
     database.setErrorHandler([&](Exception const& error) { told = error.message() + error.trace(); });
     for (char const* const left :
          {"debug = nil", "debug = {}", "debug = 5", "coroutine, debug, pcall = nil", "debug.traceback = error",
@@ -174,7 +171,7 @@ TEST_F(Calls, CallbacksAreInertOnceTheirStateHasClosed) {
 }
 
 TEST_F(Calls, ScriptsMayDestroyTheirState) {
-    nxRFL::ExposeFunction(database, "farm::tools").add("close", [this] { state.reset(); });
+    ExposeFunction(database, "farm::tools").add("close", [this] { state.reset(); });
     state->reflection().publish();
     nxLC::State& closing = *state;
     Stack results;

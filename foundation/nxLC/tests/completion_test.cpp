@@ -5,8 +5,7 @@
 
 namespace {
 
-class Completions : public farm::Farm {
-protected:
+struct Completions : farm::Farm {
     /// What stays of the line, and the names that may follow.
     std::string of(std::string_view line) {
         auto const [begin, names] = nxLC::completions(state->get(), line);

@@ -8,7 +8,7 @@ namespace {
 
 using farm::Farm;
 
-class Limits : public Farm {};
+using Limits = Farm;
 
 TEST_F(Limits, EndScriptsThatLoop) {
     state->setLimits({.instructions = 200000});
@@ -90,8 +90,7 @@ TEST_F(Limits, WorkInStatesOfTheHost) {
     lua_close(L);
 }
 
-class Sandbox : public Farm {
-protected:
+struct Sandbox : Farm {
     Sandbox() : Farm(nxLC::Library::sandboxed) {}
 };
 

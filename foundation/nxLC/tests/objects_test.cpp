@@ -5,12 +5,11 @@
 
 namespace {
 
+using namespace nxRFL;
 using farm::Animal;
 using farm::Barn;
-using farm::Farm;
-using nxRFL::Object;
 
-class Objects : public Farm {};
+using Objects = farm::Farm;
 
 TEST_F(Objects, ClassesAndFunctionsAreGlobalTables) {
     succeed(R"(
@@ -93,7 +92,7 @@ TEST_F(Objects, AreOfTheNearestKnownClassAndConvertToTheirBases) {
 
 TEST_F(Objects, BelongToScriptsOnlyWhenGiven) {
     lua_State* const L = state->get();
-    nxRFL::Class const& barns = *database.getClass("farm::Barn");
+    Class const& barns = *database.getClass("farm::Barn");
     Barn own;
     give("mine", Object(&own, barns));
     state->reflection().pushObject(L, Object(new Barn, barns));
@@ -126,15 +125,15 @@ TEST_F(Objects, BelongToScriptsOnlyWhenGiven) {
 }
 
 TEST_F(Objects, OfStacksLiveAsLongAsTheyAreStored) {
-    auto stack = std::make_unique<nxRFL::Stack>();
-    nxRFL::Writer(*stack).writeObject(Object(ur::make<Animal>("Rex").get(), *database.getClass("farm::Animal")));
+    auto stack = std::make_unique<Stack>();
+    Writer(*stack).writeObject(Object(ur::make<Animal>("Rex").get(), *database.getClass("farm::Animal")));
     state->reflection().pushObject(state->get(), Object(stack.release(), *database.getClass("nxRFL::Stack")));
     lua_setglobal(state->get(), "stack");
-    nxRFL::Stack stored;
+    Stack stored;
     ASSERT_FALSE(state->run("return stack, {stack}", "=test", {}, stored));
     succeed("stack = nil collectgarbage()");
     EXPECT_EQ(Animal::alive, 1);
-    nxRFL::Stack none;
+    Stack none;
     ASSERT_FALSE(state->run("stack = ...", "=test", stored, none));
     stored.clear();
     EXPECT_EQ(Animal::alive, 1);
@@ -188,8 +187,8 @@ TEST_F(Objects, AppearWhenTheyAreRegisteredLater) {
     struct Late {
         int value = 4;
     };
-    nxRFL::ExposeClass<Late>(database, "farm::later::Late").addProperty("value", [](Late& late) { return late.value; });
-    nxRFL::ExposeClass<Animal>(database, "farm::Animal").addMethod("run", [](Animal&) { return true; });
+    ExposeClass<Late>(database, "farm::later::Late").addProperty("value", [](Late& late) { return late.value; });
+    ExposeClass<Animal>(database, "farm::Animal").addMethod("run", [](Animal&) { return true; });
     Late late;
     give("late", &late);
     succeed("assert(late.value == 4) rex = farm.Animal.make('Rex') assert(rex.run == nil)");

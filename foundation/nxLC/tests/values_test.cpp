@@ -7,14 +7,9 @@
 
 namespace {
 
-using farm::Farm;
-using nxRFL::Kind;
-using nxRFL::Reader;
-using nxRFL::Stack;
-using nxRFL::Writer;
-using urString::CString;
+using namespace nxRFL;
 
-class Values : public Farm {};
+using Values = farm::Farm;
 
 TEST_F(Values, ComeBackAsTheyWere) {
     succeed(R"(
@@ -106,7 +101,7 @@ TEST_F(Values, HostsReadAndWriteStacks) {
     EXPECT_STREQ(lua_tostring(L, -2), "two");
     EXPECT_TRUE(lua_istable(L, -1));
     lua_State* const other = luaL_newstate();
-    EXPECT_THROW(nxLC::readFromLua(other, stack, 1), nxRFL::Exception);
+    EXPECT_THROW(nxLC::readFromLua(other, stack, 1), Exception);
     lua_close(other);
 }
 
@@ -133,9 +128,9 @@ TEST(StackCheckerDeathTest, EndsProgramsThatMiscount) {
 #endif
     auto const leave = [L] {
         nxLC::StackChecker const left(L, 1);
-        throw nxRFL::Exception("in the middle");
+        throw Exception("in the middle");
     };
-    EXPECT_THROW(leave(), nxRFL::Exception);
+    EXPECT_THROW(leave(), Exception);
     lua_close(L);
 }
 

@@ -59,24 +59,13 @@ class SecretAnimal : public Animal {
 
 namespace {
 
-using nxRFL::Callback;
-using nxRFL::Database;
-using nxRFL::Exception;
-using nxRFL::ExposeClass;
-using nxRFL::ExposeFunction;
-using nxRFL::Function;
-using nxRFL::Kind;
-using nxRFL::Object;
-using nxRFL::Reader;
-using nxRFL::Stack;
-using nxRFL::Writer;
+using namespace nxRFL;
 using ur::Reference;
 using urString::CString;
 using zoo::Animal;
 using zoo::Duck;
 
-class Exposed : public ::testing::Test {
-protected:
+struct Exposed : testing::Test {
     Exposed() {
         ExposeClass<Animal>(database, "zoo::Animal")
             .addProperty("name", &Animal::name, &Animal::setName)
@@ -105,7 +94,7 @@ protected:
     Stack call(Reference<Function> const& function, Arguments... arguments) {
         Stack stack;
         Writer writer(stack);
-        (nxRFL::write(writer, arguments), ...);
+        (write(writer, arguments), ...);
         Stack results;
         function->call(stack, results);
         return results;
@@ -119,7 +108,7 @@ protected:
         }
         return "no error";
     }
-    nxRFL::Member const& member(char const* className, char const* name) {
+    Member const& member(char const* className, char const* name) {
         return *database.getClass(className)->findMember(name);
     }
     Reference<Function> const& function(char const* name) {
@@ -161,21 +150,17 @@ TEST_F(Exposed, NamesFunctionArgumentExpectedAndFound) {
               "zoo.heaviest: argument 1[1] must be zoo::Animal, but is number");
 }
 
-nxRFL::PlainValue plain(double number) {
-    return {nxRFL::PlainValue::Kind::number, false, {.number = number}, {.pointer = nullptr}};
-}
+PlainValue plain(double number) { return {PlainValue::Kind::number, false, {.number = number}, {.pointer = nullptr}}; }
 
 TEST_F(Exposed, TakesPlainValuesThatFitAndLeavesOthers) {
-    nxRFL::PlainValue const self{nxRFL::PlainValue::Kind::object,
-                                 false,
-                                 {.objectClass = database.getClass("zoo::Duck")},
-                                 {.pointer = duck.get()}};
-    nxRFL::PlainResult result;
-    auto const takes = [&](char const* name, std::initializer_list<nxRFL::PlainValue> arguments) {
+    PlainValue const self{
+        PlainValue::Kind::object, false, {.objectClass = database.getClass("zoo::Duck")}, {.pointer = duck.get()}};
+    PlainResult result;
+    auto const takes = [&](char const* name, std::initializer_list<PlainValue> arguments) {
         return member("zoo::Duck", name).function->callPlain(std::span(arguments.begin(), arguments.size()), result);
     };
     EXPECT_TRUE(takes("grow", {self, plain(4), plain(1.5)}));
-    EXPECT_EQ(result.kind, nxRFL::PlainValue::Kind::none);
+    EXPECT_EQ(result.kind, PlainValue::Kind::none);
     EXPECT_TRUE(takes("age", {self}));
     EXPECT_EQ(result.number, 6);
     EXPECT_TRUE(takes("quack", {self, plain(2)}));
@@ -192,7 +177,7 @@ TEST_F(Exposed, TakesPlainValuesThatFitAndLeavesOthers) {
 TEST_F(Exposed, FindsTheClassOfAnObjectAndConvertsPointersOnTheWay) {
     auto const resolve = [&](auto* object) {
         using T = std::remove_pointer_t<decltype(object)>;
-        return database.resolve(Object(object, nxRFL::impl::defaultTypeUtil<T>()));
+        return database.resolve(Object(object, impl::defaultTypeUtil<T>()));
     };
     auto const secret = ur::make<zoo::SecretDuck>("James");
     auto const beast = ur::make<zoo::SecretAnimal>("Nessie");
@@ -216,7 +201,7 @@ TEST_F(Exposed, FindsTheClassOfAnObjectAndConvertsPointersOnTheWay) {
 }
 
 TEST_F(Exposed, KeepsTheFirstClassAndTheLastMembersOfAName) {
-    nxRFL::Class* const first = database.getClass("zoo::Duck");
+    Class* const first = database.getClass("zoo::Duck");
     Reference<Function> const quack = member("zoo::Duck", "quack").function;
     std::size_t const classes = database.classes().size();
     ExposeClass<Duck>(database, "zoo::Duck").addBase<Animal>().addMethod("quack", [](Duck&) { return 1; });
@@ -228,7 +213,7 @@ TEST_F(Exposed, KeepsTheFirstClassAndTheLastMembersOfAName) {
 }
 
 TEST_F(Exposed, HandlesHoldObjectsAsTheirRecordSays) {
-    nxRFL::Class const& animals = *database.getClass("zoo::Animal");
+    Class const& animals = *database.getClass("zoo::Animal");
     {
         Object const handle(duck.get(), animals);
         Object copy = handle;
@@ -249,11 +234,11 @@ TEST_F(Exposed, HandlesHoldObjectsAsTheirRecordSays) {
     };
     int gone = 0;
     Kept host{gone};
-    { Object const borrowed(&host, nxRFL::impl::ownableType<Kept>); }
+    { Object const borrowed(&host, impl::ownableType<Kept>); }
     EXPECT_EQ(gone, 0);
     {
         Stack stack;
-        Writer(stack).writeObject(Object::give(new Kept{gone}, nxRFL::impl::ownableType<Kept>));
+        Writer(stack).writeObject(Object::give(new Kept{gone}, impl::ownableType<Kept>));
         Stack const copy = stack;
     }
     EXPECT_EQ(gone, 1);
@@ -301,8 +286,7 @@ TEST_F(Exposed, TurnsFunctionsIntoCallables) {
 TEST_F(Exposed, WalksMapsThatChangeMeanwhile) {
     duck->food = {{"bread", 1}, {"corn", 2}, {"fish", 3}};
     Stack const begun = call(member("zoo::Animal", "food").function, duck);
-    auto& state =
-        *static_cast<nxRFL::IteratorState*>(Reader(begun).readObject(ur::TypeInfo::of<nxRFL::IteratorState>()));
+    auto& state = *static_cast<IteratorState*>(Reader(begun).readObject(ur::TypeInfo::of<IteratorState>()));
     std::string seen;
     for (; state.valid(); state.advance()) {
         Stack results;

@@ -22,8 +22,7 @@ using nxRFL::ListingFormat;
 using shop::Item;
 using urString::CString;
 
-class Listing : public ::testing::Test {
-protected:
+struct Listing : testing::Test {
     Listing() {
         nxRFL::ExposeClass<shop::Base>(database, "shop::Base");
         nxRFL::ExposeClass<Item>(database, "shop::Item")

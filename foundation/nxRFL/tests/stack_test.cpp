@@ -9,11 +9,7 @@
 
 namespace {
 
-using nxRFL::Exception;
-using nxRFL::Kind;
-using nxRFL::Reader;
-using nxRFL::Stack;
-using nxRFL::Writer;
+using namespace nxRFL;
 using urString::CString;
 
 std::string messageOf(std::function<void()> const& action) {
@@ -231,7 +227,7 @@ TEST(Reader, ReadsDictionariesByKeyHandlers) {
     auto const readSample = [](Stack const& stack, unsigned count) {
         int sum = 0;
         Reader reader(stack);
-        nxRFL::readDictionary(reader, "sample", count, [&](CString const& key) {
+        readDictionary(reader, "sample", count, [&](CString const& key) {
             if (key == "min") {
                 reader.startArray();
                 sum += reader.readInt();

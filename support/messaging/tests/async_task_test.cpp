@@ -39,8 +39,7 @@ private:
     Counts& counts_;
 };
 
-class AsyncTasks : public ::testing::Test {
-protected:
+struct AsyncTasks : testing::Test {
     Counts counts;
     std::optional<Host> host{std::in_place};
     ur::Reference<Task> task = ur::make<Task>(*host, counts);

@@ -11,12 +11,8 @@
 namespace nxSupport {
 namespace {
 
-using Op = urLinear::TransformOperation;
-using urLinear::AffineMatrix;
-using urLinear::Line;
-using urLinear::Normal;
-using urLinear::Point;
-using urLinear::Vector;
+using namespace urLinear;
+using Op = TransformOperation;
 
 AffineMatrix totalOf(Transformer const& transformer, bool raw = false) {
     AffineMatrix result(7.0);
@@ -39,7 +35,7 @@ struct Draw {
     Vector factors() { return {number(0.5, 2), number(0.5, 2), number(0.5, 2)}; }
     Line line() { return {Point() + vector(), Normal(vector())}; }
     AffineMatrix matrix() {
-        return urLinear::studioCompose(Point() + vector(), factors(), vector(), {number(-1, 1), 0, number(-1, 1)});
+        return studioCompose(Point() + vector(), factors(), vector(), {number(-1, 1), 0, number(-1, 1)});
     }
 
     std::mt19937 engine;
@@ -175,7 +171,7 @@ TEST_F(TransformerTest, DeltasMakeTheTotal) {
 }
 
 TEST(TransformDescriptor, TellsWhatAMatrixDoes) {
-    double const below = urLinear::epsilonTol * 0.9, above = urLinear::epsilonTol * 1.1;
+    double const below = epsilonTol * 0.9, above = epsilonTol * 1.1;
     std::pair<AffineMatrix, int> const cases[] = {
         {AffineMatrix(), 0},
         {AffineMatrix().translate({1, 0, 0}), 1},

@@ -8,9 +8,7 @@
 
 namespace {
 
-using nxSupport::Attribute;
-using nxSupport::RampAttr;
-using nxSupport::SineAttr;
+using namespace nxSupport;
 
 struct Leaf : Attribute<double> {
     [[nodiscard]] bool dynamic() const override { return moving; }
@@ -20,8 +18,7 @@ struct Leaf : Attribute<double> {
     bool moving = false;
 };
 
-class Attributes : public ::testing::Test {
-protected:
+struct Attributes : testing::Test {
     double at(Attribute<double> const& attribute, double input) {
         leaf->value = input;
         return attribute.evaluate();
