@@ -1,90 +1,24 @@
-// Registered classes and functions: deduced signatures, checked calls, inheritance, callbacks, iterators.
+// Registered classes and functions: checked calls, inheritance, handles, callbacks, iterators.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <functional>
-#include <memory>
 #include <string>
 
-#include "foundation/nxRFL/ExposeClass.h"
-#include "foundation/nxRFL/ExposeFunction.h"
-
-namespace zoo {
-
-using urString::CString;
-
-class Animal : public ur::ReferenceCount {
-public:
-    explicit Animal(CString name) : name_(std::move(name)) { ++alive; }
-    Animal(Animal const&) = delete;
-    ~Animal() override { --alive; }
-
-    [[nodiscard]] CString const& name() const { return name_; }
-    void setName(CString const& name) { name_ = name; }
-    [[nodiscard]] int age() const noexcept { return age_; }
-    void grow(int years, float factor) { age_ += static_cast<int>(static_cast<float>(years) * factor); }
-
-    static inline int alive = 0;
-    ur::map<CString, int> food;
-
-private:
-    CString name_;
-    int age_ = 0;
-};
-
-struct Swimmer {
-    virtual ~Swimmer() = default;
-    double depth = 3;
-};
-
-// The second base lies behind the first: pointers to the two differ.
-class Duck : public Animal, public Swimmer {
-public:
-    using Animal::Animal;
-    [[nodiscard]] CString quack(unsigned times) const {
-        CString text;
-        while (times-- > 0) text += "quack";
-        return text;
-    }
-};
-
-class SecretDuck : public Duck {
-    using Duck::Duck;
-};
-class SecretAnimal : public Animal {
-    using Animal::Animal;
-};
-
-}  // namespace zoo
+#include "foundation/nxRFL/tests/Farm.h"
 
 namespace {
 
 using namespace nxRFL;
+using farm::Animal;
+using farm::Barn;
+using farm::Duck;
+using farm::Swimmer;
 using ur::Reference;
 using urString::CString;
-using zoo::Animal;
-using zoo::Duck;
 
 struct Exposed : testing::Test {
-    Exposed() {
-        ExposeClass<Animal>(database, "zoo::Animal")
-            .addProperty("name", &Animal::name, &Animal::setName)
-            .addProperty("age", &Animal::age)
-            .addMethod("grow", &Animal::grow)
-            .addMethod("mate", [](Animal& self, Animal* other) { return Reference<Animal>(other ? other : &self); })
-            .addMapIterator(
-                "food", [](Animal & self) -> auto& { return self.food; });
-        ExposeClass<zoo::Swimmer>(database, "zoo::Swimmer").addProperty("depth", [](zoo::Swimmer* self) {
-            return self->depth;
-        });
-        ExposeClass<Duck>(database, "zoo::Duck")
-            .addBase<Animal>()
-            .addBase<zoo::Swimmer>()
-            .addMethod("quack", &Duck::quack);
-        ExposeFunction(database, "zoo").add("heaviest", [](ur::vector<Reference<Animal>> const& all, bool young) {
-            return std::pair(young, all.empty() ? nullptr : all.front());
-        });
-    }
+    Exposed() { farm::expose(database); }
     ~Exposed() override {
         duck.reset();
         EXPECT_EQ(Animal::alive, 0);
@@ -111,8 +45,8 @@ struct Exposed : testing::Test {
     Member const& member(char const* className, char const* name) {
         return *database.getClass(className)->findMember(name);
     }
-    Reference<Function> const& function(char const* name) {
-        return database.getTable("zoo")->functions.find(name)->function;
+    Reference<Function> const& tool(char const* name) {
+        return database.getTable("farm::tools")->functions.find(name)->function;
     }
 
     Database database;
@@ -120,100 +54,107 @@ struct Exposed : testing::Test {
 };
 
 TEST_F(Exposed, CallsNativeFunctionsWithConvertedArguments) {
-    call(member("zoo::Animal", "grow").function, duck, 4, 1.5);
-    EXPECT_EQ(Reader(call(member("zoo::Animal", "age").function, duck)).readInt(), 6);
-    call(member("zoo::Animal", "name").second, duck, "Daisy");
-    EXPECT_EQ(Reader(call(member("zoo::Animal", "name").function, duck)).readText(), "Daisy");
-    EXPECT_EQ(Reader(call(member("zoo::Duck", "quack").function, duck, 2)).readText(), "quackquack");
+    call(member("farm::Animal", "feed").function, duck, "corn", 4);
+    EXPECT_EQ(duck->meals["corn"], 4);
+    call(member("farm::Animal", "name").second, duck, "Daisy");
+    EXPECT_EQ(Reader(call(member("farm::Animal", "name").function, duck)).readText(), "Daisy");
+    EXPECT_EQ(Reader(call(member("farm::Duck", "quack").function, duck, 2)).readText(), "quackquack");
 
-    Stack const results = call(function("heaviest"), ur::vector<Reference<Animal>>{duck}, true);
+    Stack const results = call(tool("first"), ur::vector<Reference<Animal>>{duck}, true);
     Reader reader(results);
     EXPECT_EQ(reader.startArray(), 2U);
     EXPECT_TRUE(reader.readBool());
-    EXPECT_EQ(reader.readObjectOrNull(*database.getClass("zoo::Animal")), static_cast<Animal*>(duck.get()));
+    EXPECT_EQ(reader.readObjectOrNull(*database.getClass("farm::Animal")), static_cast<Animal*>(duck.get()));
 }
 
 TEST_F(Exposed, NamesFunctionArgumentExpectedAndFound) {
-    auto const& grow = member("zoo::Animal", "grow").function;
-    auto const& heaviest = function("heaviest");
-    EXPECT_EQ(messageOf(grow, duck, 1), "zoo::Animal.grow takes 2 arguments, but got 1");
-    EXPECT_EQ(messageOf(grow, duck, 1, 2, 3), "zoo::Animal.grow takes 2 arguments, but got 3");
-    EXPECT_EQ(messageOf(grow, 1, 2), "zoo::Animal.grow must be called on an object: object:name(...)");
-    EXPECT_EQ(messageOf(grow, duck, 1, true), "zoo::Animal.grow: argument 2 must be number, but is boolean");
-    EXPECT_EQ(messageOf(grow, duck, 1.5, 1),
-              "zoo::Animal.grow: argument 1 must be a whole number from -2147483648 to 2147483647, but is 1.5");
-    EXPECT_EQ(messageOf(grow, 5, 1, 2), "zoo::Animal.grow: the object must be zoo::Animal, but is number");
-    EXPECT_EQ(messageOf(member("zoo::Duck", "quack").function, ur::make<Animal>("Rex"), 1),
-              "zoo::Duck.quack: the object must be zoo::Duck, but is zoo::Animal");
-    EXPECT_EQ(messageOf(heaviest), "zoo.heaviest takes 2 arguments, but got 0");
-    EXPECT_EQ(messageOf(heaviest, ur::vector<int>{1}, true),
-              "zoo.heaviest: argument 1[1] must be zoo::Animal, but is number");
+    auto const& feed = member("farm::Animal", "feed").function;
+    auto const& first = tool("first");
+    EXPECT_EQ(messageOf(feed, duck, "corn"), "farm::Animal.feed takes 2 arguments, but got 1");
+    EXPECT_EQ(messageOf(feed, duck, "corn", 2, 3), "farm::Animal.feed takes 2 arguments, but got 3");
+    EXPECT_EQ(messageOf(feed, "corn", 2), "farm::Animal.feed must be called on an object: object:name(...)");
+    EXPECT_EQ(messageOf(feed, duck, "corn", true), "farm::Animal.feed: argument 2 must be number, but is boolean");
+    EXPECT_EQ(messageOf(feed, duck, "corn", 1.5),
+              "farm::Animal.feed: argument 2 must be a whole number from -2147483648 to 2147483647, but is 1.5");
+    EXPECT_EQ(messageOf(feed, 5, "corn", 2), "farm::Animal.feed: the object must be farm::Animal, but is number");
+    EXPECT_EQ(messageOf(member("farm::Duck", "quack").function, ur::make<Animal>("Rex"), 1),
+              "farm::Duck.quack: the object must be farm::Duck, but is farm::Animal");
+    EXPECT_EQ(messageOf(first), "farm::tools.first takes 2 arguments, but got 0");
+    EXPECT_EQ(messageOf(first, ur::vector<int>{1}, true),
+              "farm::tools.first: argument 1[1] must be farm::Animal, but is number");
 }
 
 PlainValue plain(double number) { return {PlainValue::Kind::number, false, {.number = number}, {.pointer = nullptr}}; }
 
 TEST_F(Exposed, TakesPlainValuesThatFitAndLeavesOthers) {
     PlainValue const self{
-        PlainValue::Kind::object, false, {.objectClass = database.getClass("zoo::Duck")}, {.pointer = duck.get()}};
+        PlainValue::Kind::object, false, {.objectClass = database.getClass("farm::Duck")}, {.pointer = duck.get()}};
     PlainResult result;
-    auto const takes = [&](char const* name, std::initializer_list<PlainValue> arguments) {
-        return member("zoo::Duck", name).function->callPlain(std::span(arguments.begin(), arguments.size()), result);
+    auto const takes = [&](Reference<Function> const& function, std::initializer_list<PlainValue> arguments) {
+        return function->callPlain(std::span(arguments.begin(), arguments.size()), result);
     };
-    EXPECT_TRUE(takes("grow", {self, plain(4), plain(1.5)}));
+    Member const& weight = member("farm::Duck", "weight");
+    Reference<Function> const& quack = member("farm::Duck", "quack").function;
+    EXPECT_TRUE(takes(weight.second, {self, plain(6.5)}));
     EXPECT_EQ(result.kind, PlainValue::Kind::none);
-    EXPECT_TRUE(takes("age", {self}));
-    EXPECT_EQ(result.number, 6);
-    EXPECT_TRUE(takes("quack", {self, plain(2)}));
+    EXPECT_TRUE(takes(weight.function, {self}));
+    EXPECT_EQ(result.number, 6.5);
+    EXPECT_TRUE(takes(quack, {self, plain(2)}));
     EXPECT_EQ(result.text, "quackquack");
-    for (double const count : {-1.0, 0.5, 1e10, std::nan("")}) EXPECT_FALSE(takes("quack", {self, plain(count)}));
-    EXPECT_FALSE(takes("quack", {self}));
-    EXPECT_FALSE(takes("quack", {self, self}));
-    EXPECT_FALSE(takes("quack", {plain(1), plain(1)}));
-    EXPECT_FALSE(member("zoo::Animal", "mate").function->takesPlainValues());
-    database.getClass("zoo::Duck")->setAliveTest([](void const*) { return false; });
-    EXPECT_FALSE(takes("quack", {self, plain(1)}));
+    for (double const count : {-1.0, 0.5, 1e10, std::nan("")}) EXPECT_FALSE(takes(quack, {self, plain(count)}));
+    EXPECT_FALSE(takes(quack, {self}) || takes(quack, {self, self}) || takes(quack, {plain(1), plain(1)}));
+    EXPECT_FALSE(member("farm::Animal", "friend").second->takesPlainValues());
+    database.getClass("farm::Duck")->setAliveTest([](void const*) { return false; });
+    EXPECT_FALSE(takes(quack, {self, plain(1)}));
 }
 
-TEST_F(Exposed, FindsTheClassOfAnObjectAndConvertsPointersOnTheWay) {
+TEST(Resolving, FindsTheClassOfAnObjectAndConvertsPointersOnTheWay) {
+    struct Beast : Animal {
+        using Animal::Animal;
+    };
+    Database database;
+    ExposeClass<Animal>(database, "Animal");
+    ExposeClass<Swimmer>(database, "Swimmer");
+    ExposeClass<Duck>(database, "Duck").addBase<Animal>().addBase<Swimmer>();
     auto const resolve = [&](auto* object) {
         using T = std::remove_pointer_t<decltype(object)>;
         return database.resolve(Object(object, impl::defaultTypeUtil<T>()));
     };
-    auto const secret = ur::make<zoo::SecretDuck>("James");
-    auto const beast = ur::make<zoo::SecretAnimal>("Nessie");
+    auto const duck = ur::make<Duck>("Donald");
+    auto const secret = ur::make<farm::SecretDuck>("James");
+    auto const beast = ur::make<Beast>("Nessie");
+    Class* const ducks = database.getClass("Duck");
+    Class* const animals = database.getClass("Animal");
 
-    auto const asSwimmer = resolve(static_cast<zoo::Swimmer*>(duck.get()));
-    EXPECT_EQ(asSwimmer.objectClass, database.getClass("zoo::Duck"));
-    EXPECT_EQ(asSwimmer.pointer, duck.get());
-    EXPECT_EQ(asSwimmer.objectClass->cast(asSwimmer.pointer, ur::TypeInfo::of<zoo::Swimmer>()),
-              static_cast<zoo::Swimmer*>(duck.get()));
-    EXPECT_EQ(resolve(duck.get()).objectClass, database.getClass("zoo::Duck"));
+    auto const asSwimmer = resolve(static_cast<Swimmer*>(duck.get()));
+    EXPECT_TRUE(asSwimmer.objectClass == ducks && asSwimmer.pointer == duck.get());
+    EXPECT_EQ(ducks->cast(asSwimmer.pointer, ur::TypeInfo::of<Swimmer>()), static_cast<Swimmer*>(duck.get()));
+    EXPECT_EQ(resolve(duck.get()).objectClass, ducks);
 
-    EXPECT_EQ(resolve(static_cast<Animal*>(secret.get())).objectClass, database.getClass("zoo::Animal"));
-    database.getClass("zoo::Duck")->setHasHiddenSubclasses();
+    EXPECT_EQ(resolve(static_cast<Animal*>(secret.get())).objectClass, animals);
+    ducks->setHasHiddenSubclasses();
     ExposeClass<int>(database, "late");  // registering anything makes it look again
-    EXPECT_EQ(resolve(static_cast<Animal*>(secret.get())).objectClass, database.getClass("zoo::Duck"));
-    auto const hidden = resolve(static_cast<zoo::Swimmer*>(secret.get()));
-    EXPECT_EQ(hidden.objectClass, database.getClass("zoo::Duck"));
-    EXPECT_EQ(hidden.pointer, static_cast<Duck*>(secret.get()));
-    EXPECT_EQ(resolve(static_cast<Animal*>(beast.get())).objectClass, database.getClass("zoo::Animal"));
+    EXPECT_EQ(resolve(static_cast<Animal*>(secret.get())).objectClass, ducks);
+    auto const hidden = resolve(static_cast<Swimmer*>(secret.get()));
+    EXPECT_TRUE(hidden.objectClass == ducks && hidden.pointer == static_cast<Duck*>(secret.get()));
+    EXPECT_EQ(resolve(static_cast<Animal*>(beast.get())).objectClass, animals);
     EXPECT_THROW(resolve(beast.get()), Exception);
 }
 
 TEST_F(Exposed, KeepsTheFirstClassAndTheLastMembersOfAName) {
-    Class* const first = database.getClass("zoo::Duck");
-    Reference<Function> const quack = member("zoo::Duck", "quack").function;
+    Class* const first = database.getClass("farm::Duck");
+    Reference<Function> const quack = member("farm::Duck", "quack").function;
     std::size_t const classes = database.classes().size();
-    ExposeClass<Duck>(database, "zoo::Duck").addBase<Animal>().addMethod("quack", [](Duck&) { return 1; });
+    ExposeClass<Duck>(database, "farm::Duck").addBase<Animal>().addMethod("quack", [](Duck&) { return 1; });
     EXPECT_EQ(database.classes().size(), classes);
-    EXPECT_EQ(database.getClass("zoo::Duck"), first);
+    EXPECT_EQ(database.getClass("farm::Duck"), first);
     EXPECT_EQ(first->bases().size(), 2U);
-    EXPECT_EQ(Reader(call(member("zoo::Duck", "quack").function, duck)).readInt(), 1);
+    EXPECT_EQ(Reader(call(member("farm::Duck", "quack").function, duck)).readInt(), 1);
     EXPECT_EQ(Reader(call(quack, duck, 1)).readText(), "quack");
 }
 
 TEST_F(Exposed, HandlesHoldObjectsAsTheirRecordSays) {
-    Class const& animals = *database.getClass("zoo::Animal");
+    Class const& animals = *database.getClass("farm::Animal");
     {
         Object const handle(duck.get(), animals);
         Object copy = handle;
@@ -221,27 +162,21 @@ TEST_F(Exposed, HandlesHoldObjectsAsTheirRecordSays) {
         Object const moved = std::move(copy);
         Object const given = Object::give(duck.get(), animals);
         Object const copyOfGiven = given;  // NOLINT(performance-unnecessary-copy-initialization)
-        EXPECT_TRUE(given.isGiven());
-        EXPECT_FALSE(copyOfGiven.isGiven());
+        EXPECT_TRUE(given.isGiven() && !copyOfGiven.isGiven());
         EXPECT_EQ(duck->referenceCount(), 5);
         EXPECT_EQ(Object(duck.get(), animals, Object::Hold::borrowed).pointer(), duck.get());
     }
     EXPECT_EQ(duck->referenceCount(), 1);
 
-    struct Kept {
-        int& gone;
-        ~Kept() { ++gone; }
-    };
-    int gone = 0;
-    Kept host{gone};
-    { Object const borrowed(&host, impl::ownableType<Kept>); }
-    EXPECT_EQ(gone, 0);
+    Barn host;
+    { Object const borrowed(&host, impl::ownableType<Barn>); }
+    EXPECT_EQ(Barn::alive, 1);
     {
         Stack stack;
-        Writer(stack).writeObject(Object::give(new Kept{gone}, impl::ownableType<Kept>));
+        Writer(stack).writeObject(Object::give(new Barn, impl::ownableType<Barn>));
         Stack const copy = stack;
     }
-    EXPECT_EQ(gone, 1);
+    EXPECT_EQ(Barn::alive, 1);
 }
 
 // What a script's function would do.
@@ -261,8 +196,10 @@ private:
 
 TEST_F(Exposed, TurnsFunctionsIntoCallables) {
     std::function<int(Animal&, CString const&)> kept;
-    ExposeFunction(database, "zoo").add("keep", [&](std::function<int(Animal&, CString const&)> f) { kept = f; });
-    auto const& keep = function("keep");
+    ExposeFunction(database, "farm::tools").add("keep", [&](std::function<int(Animal&, CString const&)> f) {
+        kept = f;
+    });
+    auto const& keep = tool("keep");
     CString error;
     database.setErrorHandler([&](Exception const& raised) { error = raised.message(); });
     call(keep, Reference<Function>(ur::make<Scripted>(&database, [&](Reader& reader, Writer& writer) {
@@ -284,19 +221,19 @@ TEST_F(Exposed, TurnsFunctionsIntoCallables) {
 }
 
 TEST_F(Exposed, WalksMapsThatChangeMeanwhile) {
-    duck->food = {{"bread", 1}, {"corn", 2}, {"fish", 3}};
-    Stack const begun = call(member("zoo::Animal", "food").function, duck);
+    duck->meals = {{"bread", 1}, {"corn", 2}, {"fish", 3}};
+    Stack const begun = call(member("farm::Animal", "meals").function, duck);
     auto& state = *static_cast<IteratorState*>(Reader(begun).readObject(ur::TypeInfo::of<IteratorState>()));
     std::string seen;
     for (; state.valid(); state.advance()) {
         Stack results;
-        member("zoo::Animal", "food").second->call(begun, results);
+        member("farm::Animal", "meals").second->call(begun, results);
         Reader reader(results);
         reader.startArray();
         std::string const key(reader.readText().view());
         seen += key + std::to_string(reader.readInt()) + " ";
-        duck->food.erase(CString(key));
-        if (key == "bread") duck->food["duckweed"] = 9;
+        duck->meals.erase(CString(key));
+        if (key == "bread") duck->meals["duckweed"] = 9;
     }
     EXPECT_EQ(seen, "bread1 corn2 duckweed9 fish3 ");
 }
