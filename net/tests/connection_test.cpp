@@ -57,15 +57,10 @@ TEST_P(ConnectionEnd, IsToldOnceWithTheDataFunctionReleasedBefore) {
     transfer->setConnected();
     transfer->arrive("block");
     end();
-    std::string const stopped = GetParam().status == Connection::Cancelled ? "1stop " : "";
-    EXPECT_EQ(log, "1?b" + stopped + std::to_string(GetParam().status) + "!");
-
     transfer->arrive("late");
-    transfer->setConnected();
-    EXPECT_EQ(transfer->getStatus(), Connection::Connected);
     transfer->setFailed(-3);
-    EXPECT_EQ(transfer->getStatus(), Connection::ConnectionFailed);
-    EXPECT_EQ(transfer->getError(), -3);
+    EXPECT_TRUE(transfer->getStatus() == Connection::ConnectionFailed && transfer->getError() == -3);
+    std::string const stopped = GetParam().status == Connection::Cancelled ? "1stop " : "";
     EXPECT_EQ(log, "1?b" + stopped + std::to_string(GetParam().status) + "!");
 }
 
