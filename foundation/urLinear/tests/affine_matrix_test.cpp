@@ -9,7 +9,6 @@ namespace urLinear {
 namespace {
 
 constexpr double quarter = std::numbers::pi / 2;
-Line const zAxisAtX1({1, 0, 0}, {0, 0, 1});
 
 TEST(AffineMatrix, KeepsTheConventions) {
     AffineMatrix matrix;
@@ -17,21 +16,11 @@ TEST(AffineMatrix, KeepsTheConventions) {
     EXPECT_EQ(matrix.axis(1), Vector(4, 5, 6)) << "groups of three";
     EXPECT_EQ(Point(1, 10, 100) * matrix, Point(751, 863, 975)) << "row vectors";
     EXPECT_EQ(Vector(1, 10, 100) * matrix, Vector(741, 852, 963)) << "which only points translate";
-
-    AffineMatrix const translation = AffineMatrix().translate({1, 0, 0});
-    AffineMatrix const scaling = AffineMatrix().scale(2, 3, 4);
-    AffineMatrix product = translation;
-    product *= scaling;
+    AffineMatrix product = AffineMatrix().translate({1, 0, 0});
+    product *= AffineMatrix().scale(2, 3, 4);
     EXPECT_EQ(Point() * product, Point(2, 0, 0)) << "a *= b is a, then b";
-    product = translation;
-    product.preMult(scaling);
-    EXPECT_EQ(Point() * product, Point(1, 0, 0)) << "a.preMult(b) is b, then a";
-
-    EXPECT_TRUE(equivalent(Point(2, 0, 5) * AffineMatrix().rotate(zAxisAtX1, quarter), Point(1, 1, 5)));
-    EXPECT_TRUE(equivalent(AffineMatrix(Quaternion({0, 0, 1}, quarter)).axis(0), Vector(0, 1, 0)));
-    Quaternion const aboutX({1, 0, 0}, quarter);
-    Quaternion const aboutZ({0, 0, 1}, quarter);
-    EXPECT_TRUE(equivalent((aboutX * aboutZ).rotate({0, 1, 0}), Vector(0, 0, 1))) << "a * b is a, then b";
+    product.preMult(AffineMatrix().translate({1, 0, 0}));
+    EXPECT_EQ(Point() * product, Point(4, 0, 0)) << "a.preMult(b) is b, then a";
 }
 
 TEST(AffineMatrix, MutatorsComposeAfterWhatIsThere) {
@@ -64,12 +53,8 @@ TEST(AffineMatrix, InverseUndoesItHoweverUnequalTheAxes) {
         AffineMatrix const scaling = AffineMatrix().scale(std::pow(10.0, exponent), 1, -2);
         Quaternion const q = draw.quaternion();
         AffineMatrix const back(q.conjugate());
-        AffineMatrix const scaledFirst = AffineMatrix(scaling).rotate(q);
-        AffineMatrix const scaledLast = AffineMatrix(q) * scaling;
-        EXPECT_TRUE(equivalent(scaledFirst.inverse() * scaling, back)) << exponent;
-        EXPECT_TRUE(equivalent(scaling * scaledLast.inverse(), back)) << exponent;
-    }
-    for (int i = 0; i < 200; ++i) {
+        EXPECT_TRUE(equivalent(AffineMatrix(scaling).rotate(q).inverse() * scaling, back)) << exponent;
+        EXPECT_TRUE(equivalent(scaling * (AffineMatrix(q) * scaling).inverse(), back)) << exponent;
         AffineMatrix const matrix = draw.matrix();
         EXPECT_TRUE(equivalent(matrix * matrix.inverse(), AffineMatrix()));
     }
@@ -77,14 +62,11 @@ TEST(AffineMatrix, InverseUndoesItHoweverUnequalTheAxes) {
 
 TEST(AffineMatrix, SingularOnesSayThatTheyHaveNoInverse) {
     Draw draw(3);
-    AffineMatrix const before(draw.quaternion());
-    AffineMatrix const after = AffineMatrix(draw.quaternion()).translate(draw.vector());
-    double const nan = std::nan("");
     AffineMatrix const singular[] = {
         AffineMatrix(0),
         AffineMatrix().scale(1, 1, 0),
-        before * AffineMatrix().scale(1, 0, 1) * after,
-        AffineMatrix().scale(nan, 1, 1),
+        AffineMatrix(draw.quaternion()).scale(1, 0, 1).rotate(draw.quaternion()).translate(draw.vector()),
+        AffineMatrix().scale(std::nan(""), 1, 1),
         AffineMatrix(1 / std::numeric_limits<double>::max()).translate({1e10, 0, 0}),
     };
     for (AffineMatrix const& matrix : singular) {
