@@ -27,24 +27,18 @@ Value readBack(Stack const& stack, Value value = {}) {
 
 TEST(ReflectedValues, AreArraysOfTheirComponents) {
     using namespace urLinear;
-    auto const check = [](auto const& value, std::vector<double> const& components) {
-        EXPECT_EQ(readBack<ur::vector<double>>(written(value)), components);
-        EXPECT_EQ(readBack<std::remove_cvref_t<decltype(value)>>(written(value)), value);
+    auto const check = []<class... Values>(std::vector<double> const& components, Values const&... values) {
+        for (auto const& read : {readBack<ur::vector<double>>(written(values))...}) EXPECT_EQ(read, components);
+        EXPECT_TRUE((... && (readBack<Values>(written(values)) == values)));
     };
-    check(Point(1, 2, 3), {1, 2, 3});
-    check(Vector(1, 2, 3), {1, 2, 3});
-    check(PointFlt(1, 2, 3.5F), {1, 2, 3.5});
-    check(VectorFlt(1, 2, 3), {1, 2, 3});
-    check(Point2(1, 2), {1, 2});
-    check(Vector2(1, 2), {1, 2});
-    check(Tuple2(1, 2), {1, 2});
-    check(Point2Flt(1, 2), {1, 2});
-    check(Normal(1, 0, 0), {1, 0, 0});
-    check(NormalFlt(0, 1, 0), {0, 1, 0});
-    check(Normal2(0, 1), {0, 1});
-    check(AffineMatrix2(2).translate({5, 6}), {2, 0, 0, 2, 5, 6});
-    check(urUtil::HSL(0.5F, 0.25F, 1), {0.5, 0.25, 1});
-    check(urUtil::Color(0.5F, 0.25F, 1, 0), {0.5, 0.25, 1, 0});
+    check({1, 2}, Point2(1, 2), Vector2(1, 2), Tuple2(1, 2), Point2Flt(1, 2));
+    check({1, 2, 3}, Point(1, 2, 3), Vector(1, 2, 3), VectorFlt(1, 2, 3));
+    check({1, 2, 3.5}, PointFlt(1, 2, 3.5F));
+    check({0, 1}, Normal2(0, 1));
+    check({0, 1, 0}, Normal(0, 1, 0), NormalFlt(0, 1, 0));
+    check({2, 0, 0, 2, 5, 6}, AffineMatrix2(2).translate({5, 6}));
+    check({0.5, 0.25, 1}, urUtil::HSL(0.5F, 0.25F, 1));
+    check({0.5, 0.25, 1, 0}, urUtil::Color(0.5F, 0.25F, 1, 0));
     EXPECT_EQ(readBack<Normal>(written(Point(0, 0, 5))), Normal(0, 0, 1));
     EXPECT_THROW(readBack<Point>(written(Point2(1, 2))), Exception);
 }

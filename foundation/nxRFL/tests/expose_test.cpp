@@ -179,44 +179,27 @@ TEST_F(Exposed, HandlesHoldObjectsAsTheirRecordSays) {
     EXPECT_EQ(Barn::alive, 1);
 }
 
-// What a script's function would do.
-class Scripted : public Function {
-public:
-    Scripted(Database* database, std::function<void(Reader&, Writer&)> body)
-        : Function(database, false), body_(std::move(body)) {}
-
-private:
-    void onCall(Stack const& arguments, Stack& results) const override {
-        Reader reader(arguments);
-        Writer writer(results);
-        body_(reader, writer);
-    }
-    std::function<void(Reader&, Writer&)> body_;
-};
-
 TEST_F(Exposed, TurnsFunctionsIntoCallables) {
     std::function<int(Animal&, CString const&)> kept;
     ExposeFunction(database, "farm::tools").add("keep", [&](std::function<int(Animal&, CString const&)> f) {
         kept = f;
     });
-    auto const& keep = tool("keep");
     CString error;
     database.setErrorHandler([&](Exception const& raised) { error = raised.message(); });
-    call(keep, Reference<Function>(ur::make<Scripted>(&database, [&](Reader& reader, Writer& writer) {
-             EXPECT_EQ(reader.readObject(ur::TypeInfo::of<Animal>()), static_cast<Animal*>(duck.get()));
-             if (reader.readText() == "fail") throw Exception("no such trick");
-             writer.writeInt(7);
-         })));
+    auto const keep = [&](auto function) { call(tool("keep"), Reference<Function>(makeFunction(database, function))); };
+    keep([&](Animal* self, CString const& trick) {
+        EXPECT_EQ(self, duck.get());
+        if (trick == "fail") throw Exception("no such trick");
+        return 7;
+    });
     EXPECT_EQ(kept(*duck, "jump"), 7);
     EXPECT_EQ(error, "");
     EXPECT_EQ(kept(*duck, "fail"), 0);
     EXPECT_EQ(error, "no such trick");
-
-    call(keep,
-         Reference<Function>(ur::make<Scripted>(&database, [](Reader&, Writer& writer) { writer.writeText("7"); })));
+    keep([](Animal*, CString const&) { return CString("7"); });
     EXPECT_EQ(kept(*duck, "jump"), 0);
     EXPECT_EQ(error, "item 1 must be number, but is string");
-    call(keep, Reference<Function>());
+    call(tool("keep"), Reference<Function>());
     EXPECT_FALSE(kept);
 }
 

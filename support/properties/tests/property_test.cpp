@@ -58,6 +58,15 @@ TEST(Property, TakesWhatValidatorsLeaveAndSaysWhetherTheyReplacedTheItem) {
     EXPECT_EQ(heard.take(), "late:start late:perform late:end");
 }
 
+TEST(Property, CallsPlainFunctionsForGood) {
+    static int told;
+    told = 0;
+    auto const p = Property::createUnTxd("p"), q = p->cloneUnTxd("q");
+    q->connect([](ur::Reference<Property const>, PropertyModType) { ++told; });
+    p->setValue(number(1));
+    EXPECT_EQ(told, 3);
+}
+
 TEST(Property, ListenersMayDoAnything) {
     struct Case {
         std::string what;
