@@ -16,23 +16,16 @@ using namespace nxPLST::test;
 class OwnFormat {
 public:
     std::string write(std::function<void(WriteInterface&)> const& fill) {
-        urOS::MemoryIOStream stream;
-        static_cast<void>(stream.open(urOS::openForWriting));
-        ioBufferedStreamOutput output;
-        static_cast<void>(output.openIOStream(stream));
-        ioSimplePacketRegistry registry(false);
-        ReadInterface::registerTypes(registry, nullptr);
-        registry.add("own");
-        auto const context = ioWriteContextAlloc(output, 1, registry);
-        WriteInterface items(*context);
-        context->startFile();
-        context->startPacket("own", this);
-        fill(items);
-        context->endPacket();
-        context->endFile();
-        EXPECT_EQ(context->getStatus(), 0);
-        static_cast<void>(output.close());
-        return std::string(stream.contents());
+        auto const packet = [&](ioWriteContext& context) {
+            WriteInterface items(context);
+            context.startPacket("own", this);
+            fill(items);
+            context.endPacket();
+        };
+        return ioTest::written(packet, 0, [](ioSimplePacketRegistry& types) {
+            ReadInterface::registerTypes(types, nullptr);
+            types.add("own");
+        });
     }
 
     int read(std::string const& bytes, std::function<void(ReadInterface&)> fill) {

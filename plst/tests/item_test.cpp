@@ -35,15 +35,6 @@ TEST(Dictionary, KeepsOneValuePerKeyInKeyOrder) {
     EXPECT_EQ(keys, "abc");
 }
 
-TEST(Array, InsertAppendsAndSlotsAreAssignable) {
-    auto array = arrayOf({number(1), number(2), number(3)});
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(asDouble(array->objectAt(i))->value(), i + 1);
-    (*array)[1] = text("two");
-    EXPECT_FALSE(asString(array->objectAt(1)).null());
-    array->clear();
-    EXPECT_TRUE(array->empty());
-}
-
 TEST(Clone, UnsharesEveryOccurrence) {
     auto const shared = text("a");
     auto const original = arrayOf({shared, shared, dictionaryOf({{"k", shared}})});

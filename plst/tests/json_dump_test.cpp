@@ -1,8 +1,4 @@
 // The readable dump: layout, tolerance, files, depth.
-#include <sys/stat.h>
-
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 
 #include "foundation/ur/tests/TemporaryFolder.h"

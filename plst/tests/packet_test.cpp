@@ -27,16 +27,20 @@ std::string bytesOf(Reference<Item const> item, int expectedStatus = 0) {
     return std::string(stream.contents());
 }
 
-bool readFrom(std::string_view bytes, Reference<Item>& item, PacketReport& report) {
-    ioTest::Trickle stream(std::string(bytes), 1000);
-    return read(stream, item, report);
-}
+/// What reading these bytes gives and reports.
+struct Reading : PacketReport {
+    explicit Reading(std::string bytes) {
+        ioTest::Trickle stream(std::move(bytes), 1000);
+        ok = read(stream, item, *this);
+    }
+    Reference<Item> item;
+    bool ok;
+};
 
 Reference<Item> readBack(std::string_view bytes) {
-    Reference<Item> item;
-    PacketReport report;
-    EXPECT_TRUE(readFrom(bytes, item, report)) << ioStatusText(report.status) << " at " << report.position;
-    return item;
+    Reading const reading{std::string(bytes)};
+    EXPECT_TRUE(reading.ok) << ioStatusText(reading.status) << " at " << reading.position;
+    return reading.item;
 }
 
 /// Holds every kind of item, a shared one and every form that a value has.
@@ -108,16 +112,11 @@ TEST(ItemPackets, AreAsTheDocumentationShows) {
 TEST(ItemPackets, NeverReadATruncatedFileAsWhole) {
     std::string const bytes = bytesOf(sample());
     for (std::size_t size = 0; size < bytes.size(); ++size) {
-        Reference<Item> item;
-        PacketReport report;
-        EXPECT_FALSE(readFrom(bytes.substr(0, size), item, report));
-        EXPECT_EQ(report.status, number(ioStatus::truncated)) << size;
-        EXPECT_EQ(report.position, size);
+        Reading const reading(bytes.substr(0, size));
+        EXPECT_TRUE(!reading.ok && reading.status == number(ioStatus::truncated)) << size;
+        EXPECT_EQ(reading.position, size);
     }
-    Reference<Item> item;
-    PacketReport report;
-    EXPECT_FALSE(readFrom(bytes.substr(0, bytes.size() - 1), item, report));
-    EXPECT_TRUE(same(item, sample())) << "the root was read whole";
+    EXPECT_TRUE(same(Reading(bytes.substr(0, bytes.size() - 1)).item, sample())) << "the root was read whole";
 }
 
 /// The start of a file that names these types of item packets, numbered from 0.
@@ -134,10 +133,9 @@ std::string fileWith(std::initializer_list<std::string_view> types) {
 
 /// Reading must end, and what it calls a success must be a tree.
 void expectSoundReading(std::string const& bytes) {
-    Reference<Item> item;
-    PacketReport report;
-    bool const isTree = readFrom(bytes, item, report) && item;
-    EXPECT_TRUE(!isTree || item->clone()->congruent(*item));
+    Reading const reading(bytes);
+    bool const isTree = reading.ok && reading.item;
+    EXPECT_TRUE(!isTree || reading.item->clone()->congruent(*reading.item));
 }
 
 TEST(ItemPackets, ReadEveryChangedByteAsAFaultOrAsATree) {
@@ -169,10 +167,8 @@ TEST(ItemPackets, SurviveRandomTokens) {
 TEST(ItemPackets, DoNotBelieveASizeBeforeTheElementsAreThere) {
     std::string const head = fileWith({"SimpleItem", "Array"}) + "\xA0\x81";
     for (char const* size : {"\x3F\xDF\xFF\xFF\xFF\x0F" /* 2^31 - 1 */, "\x21" /* -1 */}) {
-        Reference<Item> item;
-        PacketReport report;
-        EXPECT_FALSE(readFrom(head + size + "\xC0\xC0\xC0", item, report));
-        EXPECT_EQ(item, nullptr);
+        Reading const reading(head + size + "\xC0\xC0\xC0");
+        EXPECT_TRUE(!reading.ok && !reading.item);
     }
 }
 
@@ -189,15 +185,8 @@ TEST(ItemPackets, GoAMillionLevelsDeepOnASmallStack) {
 }
 
 TEST(ItemPackets, BegunInsideEachOtherWhereNoReferenceIsAreRefusedBeforeTheStackEnds) {
-    std::string const head = fileWith({"Array"});
-    ::test::onSmallStack(
-        [&] {
-            Reference<Item> item;
-            PacketReport report;
-            EXPECT_FALSE(readFrom(head + std::string(1000000, '\x80'), item, report));
-            EXPECT_EQ(report.status, number(ioStatus::tooDeep));
-        },
-        ::test::leastStack);
+    std::string const bytes = fileWith({"Array"}) + std::string(1000000, '\x80');
+    ::test::onSmallStack([&] { EXPECT_EQ(Reading(bytes).status, number(ioStatus::tooDeep)); }, ::test::leastStack);
 }
 
 /// What one hears of a writer that waits for an answer when it has written its file.

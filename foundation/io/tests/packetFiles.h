@@ -24,17 +24,20 @@ using Reading = std::function<void(ioReadContext&)>;
 
 inline int number(ioStatus status) { return static_cast<int>(status); }
 
-/// The bytes that `write` makes between the start and the end of a file; types "a", "b" and "c" are known.
-inline std::string written(Writing const& write, int expectedStatus = 0) {
+inline void addTypes(ioSimplePacketRegistry& types) {
+    for (char const* name : {"a", "b", "c"}) types.add(name);
+}
+
+/// The bytes that `write` makes between the start and the end of a file; types "a", "b" and "c" are known, or others.
+inline std::string written(Writing const& write, int expectedStatus = 0,
+                           void (*types)(ioSimplePacketRegistry&) = addTypes) {
     urOS::MemoryIOStream stream(100);
     static_cast<void>(stream.open(urOS::openForWriting));
     ioBufferedStreamOutput output;
     static_cast<void>(output.openIOStream(stream));
     ioSimplePacketRegistry registry(false);
     urRTB::SignalClient client;
-    registry.registrationSignal().addCallback(client, [](ioSimplePacketRegistry& types) {
-        for (char const* name : {"a", "b", "c"}) types.add(name);
-    });
+    registry.registrationSignal().addCallback(client, types);
     auto const context = ioWriteContextAlloc(output, 1, registry);
     context->startFile();
     write(*context);

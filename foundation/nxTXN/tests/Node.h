@@ -33,18 +33,9 @@ public:
     [[nodiscard]] double value() const { return value_; }
     [[nodiscard]] ur::Reference<Node> const& next() const { return next_; }
     [[nodiscard]] ur::vector<Node*> const& list() const { return list_; }
-    void setValue(double value) {
-        transact();
-        value_ = value;
-    }
-    void setNext(ur::Reference<Node> next) {
-        transact();
-        next_ = std::move(next);
-    }
-    void setList(ur::vector<Node*> list) {
-        transact();
-        list_ = std::move(list);
-    }
+    void setValue(double value) { set(value_, value); }
+    void setNext(ur::Reference<Node> next) { set(next_, std::move(next)); }
+    void setList(ur::vector<Node*> list) { set(list_, std::move(list)); }
 
     std::function<void(std::string const& hook)> onHook;  ///< called after each hook has been logged
     RestoreHook restoreHook = nullptr;
@@ -79,6 +70,12 @@ protected:
     }
 
 private:
+    template <class T>
+    void set(T& member, T value) {
+        transact();
+        member = std::move(value);
+    }
+
     double value_;
     ur::Reference<Node> next_;
     ur::vector<Node*> list_;

@@ -54,20 +54,6 @@ struct Lifetime : testing::Test {
     NodeReference make(char const* name, Log* log = nullptr) { return ur::make<Node>(manager, name, log); }
 };
 
-TEST_F(Lifetime, AnObjectThatOnlyTheHistoryNeedsLivesUntilTheHistoryLetsGo) {
-    edit(manager, [&] { root->setNext(make("a")); });
-    EXPECT_TRUE(root->next()->isTxnExtant());
-    edit(manager, [&] { root->setNext(nullptr); });
-    EXPECT_EQ(others(), 1);
-    manager.undo();
-    ASSERT_TRUE(root->next());
-    EXPECT_TRUE(root->next()->isTxnExtant());
-    manager.undo();
-    EXPECT_EQ(others(), 1);
-    edit(manager, [&] { root->setValue(1); });
-    EXPECT_EQ(others(), 0);
-}
-
 TEST_F(Lifetime, AnObjectThatNothingNeedsIsDeletedAtOnce) {
     manager.begin();
     for (int i = 0; i < 100; ++i) root->setNext(make("a"));
