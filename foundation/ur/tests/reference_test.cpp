@@ -109,20 +109,12 @@ TEST(Map, AsksForNothingButTheOrder) {
     EXPECT_EQ(map.count({18}), 0U);
 }
 
-TEST(Map, FindsOrInsertsAndWalksInOrder) {
-    ur::map<int, int> map;
+TEST(Map, AlignsItsValuesAndThrowsForKeysThatAreNotThere) {
+    ur::map<int, long double> map;
+    static_assert(sizeof map == sizeof(void*));
     for (int i = 0; i < 1000; ++i) map[i * 7919 % 1000] = i;
-    ASSERT_EQ(map.size(), 1000U);
-    int expected = 0;
-    for (auto const& [key, value] : map) {
-        EXPECT_EQ(key, expected++);
-        EXPECT_EQ(value * 7919 % 1000, key);
-    }
-    EXPECT_EQ(sizeof(map), sizeof(void*));
-    ur::map<int, long double> aligned;
-    for (auto const& [key, value] : map) aligned[key] = value;
-    EXPECT_EQ(aligned.at(7919 % 1000), 1);
-    EXPECT_THROW(static_cast<void>(aligned.at(1000)), std::out_of_range);
+    for (int i = 0; i < 1000; ++i) ASSERT_EQ(map.at(i * 7919 % 1000), i);
+    EXPECT_THROW(static_cast<void>(map.at(1000)), std::out_of_range);
 }
 
 TEST(HashFunction, GivesThePublishedValues) {
