@@ -45,6 +45,8 @@ TEST(Clone, UnsharesEveryOccurrence) {
     EXPECT_STREQ(asString(copy->objectAt(1))->value().c_str(), "a");
     EXPECT_STREQ(asString(asDictionary(copy->objectAt(2))->get("k"))->value().c_str(), "a");
     EXPECT_TRUE(copy->congruent(*original));
+    original->clear();
+    EXPECT_TRUE(original->empty() && shared->referenceCount() == 1);
 }
 
 TEST(Congruent, ComparesShapesAndNeverValues) {

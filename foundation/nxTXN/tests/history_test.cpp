@@ -152,6 +152,16 @@ TEST_F(History, ForgetsTheOldestStepsBeyondItsLimits) {
     EXPECT_EQ(names(), "S8 |");
     EXPECT_TRUE(manager.undo() && !manager.undo());
     EXPECT_EQ(node->value(), 7);
+
+    manager.setByteLimit(0);
+    manager.setStepLimit(150);  // in more than one block
+    for (int i = 1; i <= 1000; ++i) set(i);
+    EXPECT_EQ(manager.undoCount(), 150u);
+    for (int i = 999; i >= 850; --i) {
+        ASSERT_TRUE(manager.undo());
+        ASSERT_EQ(node->value(), i);
+    }
+    EXPECT_FALSE(manager.canUndo());
 }
 
 TEST_F(History, CountsTheBytesOfObjectsThatOnlyItKeeps) {

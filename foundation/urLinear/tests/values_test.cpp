@@ -46,6 +46,7 @@ TEST(Normal, SettingItAgainChangesNoBit) {
 }
 
 TEST(Normal, NormalizesUnlessPromisedAndIsZeroWithoutDirection) {
+    EXPECT_EQ(Normal().vector(), Vector(0, 0, 1));
     EXPECT_EQ(Normal2(0, -5).vector(), Vector2(0, -1));
     EXPECT_EQ(Normal(0, 2, 0, NormalPromise::unitLength).vector(), Vector(0, 2, 0));
     EXPECT_EQ(Normal(nan, 1, 0).vector(), Vector());
