@@ -127,9 +127,7 @@ TEST(ReadJson, IsYajlsReadingOfAnyText) {
         agree(text);
         for (std::size_t size = 0; size < text.size(); ++size) agree(text.substr(0, size));
     }
-    unsigned const seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    RandomTrees random(seed);
+    NewTrees random;
     int fast = 0;
     constexpr int texts = 300000;
     for (int i = 0; i < texts && !testing::Test::HasFailure(); ++i) fast += agree(mutated(random));
@@ -152,9 +150,7 @@ TEST(ReadJson, TakesOrdinaryTextsTheFastWay) {
 }
 
 TEST(ReadJson, OrdersKeysWhicheverCameBefore) {
-    unsigned const seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    RandomTrees random(seed);
+    NewTrees random;
     std::string text = "[";
     for (int i = 0; i < 20000; ++i) {
         unsigned const members = random.below(random.below(4) == 0 ? 30 : 5);

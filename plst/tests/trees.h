@@ -1,6 +1,8 @@
 // Trees and JSON texts for tests: made, random, compared to the bit.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -147,6 +149,13 @@ private:
 
     std::mt19937_64 random_;
     std::vector<Reference<Item>> made_;
+};
+
+/// Others each time; failures tell their seed.
+struct NewTrees : RandomTrees {
+    explicit NewTrees(unsigned seed = std::random_device()())
+        : RandomTrees(seed), trace(__FILE__, __LINE__, "seed " + std::to_string(seed)) {}
+    testing::ScopedTrace const trace;
 };
 
 /// Texts that between them touch everything that a reader of JSON has to decide.
