@@ -63,13 +63,14 @@ private:
 /// Entries with unique keys in ascending order, for maps of which nearly all are small.
 ///
 /// A map of up to 64 entries is one block, as long as needed when it was copied or reserved for, and growing by
-/// halves otherwise; a larger one is a list of such blocks. The map itself is one pointer. Looking up takes
-/// logarithmic time; inserting and erasing take that and the moving of some entries, which ends the validity of
-/// every iterator and reference into the map.
+/// halves otherwise; a larger one is a list of such blocks with a directory, which is such a map again and holds copies
+/// of some keys, perhaps of erased ones. The map itself is one pointer. Looking up takes logarithmic time; inserting
+/// and erasing take that and the moving of some entries, which ends the validity of every iterator and reference into
+/// the map.
 template <class Key, class Value, class Less>
 class BlockMap {
-    using Block = impl::MapBlock<Key, Value>;
-    using Directory = typename Block::Directory;
+    struct Directory;
+    using Block = impl::MapBlock<Key, Value, Directory>;
 
 public:
     using key_type = Key;
@@ -163,11 +164,11 @@ public:
     }
     std::pair<iterator, bool> insert(value_type const& entry) { return try_emplace(entry.first, entry.second); }
     std::pair<iterator, bool> insert(value_type&& entry) { return try_emplace(entry.first, std::move(entry.second)); }
-    /// Without a look-up when the key belongs right before `hint`.
+    /// Without a look-up when the key belongs right before `hint`, and not between two blocks.
     template <class... Arguments>
     iterator try_emplace(const_iterator hint, Key key, Arguments&&... arguments) {
-        bool const fits =
-            (hint == end() || Less()(key, hint->first)) && (hint == begin() || Less()(std::prev(hint)->first, key));
+        bool const fits = (hint == end() || Less()(key, hint->first)) &&
+                          (hint == begin() || (hint.index() > 0 && Less()(std::prev(hint)->first, key)));
         if (!fits) return try_emplace(std::move(key), std::forward<Arguments>(arguments)...).first;
         return insertAt(hint, std::move(key), Value(std::forward<Arguments>(arguments)...));
     }
@@ -210,13 +211,12 @@ public:
     /// The place behind the erased entry.
     iterator erase(const_iterator at) noexcept {
         Block* const block = at.block();
-        auto const position = first_->directory() ? positionOf(*block) : 0;
-        [[maybe_unused]] auto const erased = block->erase(at.index());  // goes when the map is whole again
+        auto const erased = block->erase(at.index());  // goes when the map is whole again
         if (Directory* const directory = first_->directory()) --directory->entries;
         iterator const next = onEntry({block, at.index()});
-        if (block->size > 0) return compacted(next, position);
+        if (block->size > 0) return compacted(next, *block);
         bool const wasLast = block == last();
-        remove(position);
+        remove(*block, erased.first);
         return wasLast ? end() : next;
     }
     iterator erase(iterator at) noexcept { return erase(const_iterator(at)); }
@@ -250,8 +250,26 @@ public:
     }
 
 private:
+    template <class OtherKey, class OtherValue, class OtherLess>
+    friend class BlockMap;
+
+    /// Leads to the blocks of a map that has several. Each is listed under a key that is behind all those of the block
+    /// before it, and not behind its own; only the very first one may have keys before that.
+    struct Directory {
+        using Map = BlockMap<Key, void*, Less>;
+
+        template <class K>
+        [[nodiscard]] Block* find(K const& key) const {
+            return static_cast<Block*>(blocks.floor(key)->second);
+        }
+
+        Map blocks;
+        size_type entries = 0;
+    };
+
     [[nodiscard]] Block* last() const noexcept {
-        return first_ && first_->directory() ? first_->directory()->blocks.back() : first_;
+        if (!first_ || !first_->directory()) return first_;
+        return static_cast<Block*>(std::prev(first_->directory()->blocks.end())->second);
     }
     [[nodiscard]] iterator behindLast() const noexcept { return {last(), first_ ? last()->size : 0}; }
 
@@ -259,11 +277,13 @@ private:
     template <class K>
     [[nodiscard]] Block* blockFor(K const& key) const {
         Directory const* const directory = first_ ? first_->directory() : nullptr;
-        if (!directory) return first_;
-        auto const& blocks = directory->blocks;
-        auto const after = std::partition_point(blocks.begin() + 1, blocks.end(),
-                                                [&](Block const* block) { return !Less()(key, (*block)[0].first); });
-        return after[-1];
+        return directory ? directory->find(key) : first_;
+    }
+    /// The last entry whose key is not behind `key`; the first one of its block if there is none. Requires: not empty.
+    template <class K>
+    [[nodiscard]] iterator floor(K const& key) const {
+        Block* const block = blockFor(key);
+        return {block, block->template floor<Less>(key)};
     }
     /// Where `key` is or would be put: perhaps behind the last entry of a block.
     template <class K>
@@ -298,12 +318,13 @@ private:
     iterator insertAt(const_iterator place, K&& key, V&& value) {
         Block* block = place.block();
         std::uint32_t index = place.index();
+        if (index == 0 && block && block->previous()) listUnder(key, *block);
         if (!block || block->isFull()) {
             if (!block || block->capacity < Block::full) {
                 grow(block ? block->capacity + block->capacity / 2 + 1 : 1);
                 block = first_;
             } else {
-                split(*block, index);
+                split(*block, index, key);
                 if (index > block->size || block->isFull()) {
                     index -= block->size;
                     block = block->next();
@@ -325,61 +346,63 @@ private:
         first_ = larger;
     }
 
-    /// Puts a block behind a full one, with half of its entries; with none if the next entry comes last of all.
-    void split(Block& block, std::uint32_t index) {
+    /// Puts a block behind a full one, with half of its entries; with none if `key`, which is to stand at `index`,
+    /// comes last of all.
+    void split(Block& block, std::uint32_t index, Key const& key) {
+        bool const isLast = !block.next() && index == Block::full;
         // All that can fail comes first: a map has a directory only together with a second block.
-        bool const isFirst = !first_->directory();
-        std::unique_ptr<Directory> made(isFirst ? new Directory{{first_}, first_->size} : nullptr);
-        auto& blocks = isFirst ? made->blocks : first_->directory()->blocks;
-        auto const position = isFirst ? 0 : static_cast<std::ptrdiff_t>(positionOf(block));
-        blocks.reserve(blocks.size() + 1);
-        Block* const added = Block::make(Block::full);
-        if (isFirst) first_->neighbours().directory = made.release();
-        blocks.insert(blocks.begin() + position + 1, added);
+        std::unique_ptr<Directory> made(first_->directory() ? nullptr : new Directory);
+        if (made) made->entries = first_->size;
+        Block* const added =
+            list(made ? *made : *first_->directory(), block, isLast ? key : block[Block::full / 2].first);
+        if (made) first_->neighbours().directory = made.release();
         added->neighbours().previous = &block;
         added->neighbours().next = block.next();
         if (block.next()) block.next()->neighbours().previous = added;
-        bool const isLast = !block.next() && index == Block::full;
         block.neighbours().next = added;
         if (!isLast) block.moveTail(Block::full / 2, *added);
     }
-
-    /// Requires: several blocks.
-    [[nodiscard]] size_type positionOf(Block const& block) const {
-        auto const& blocks = first_->directory()->blocks;
-        auto const at = std::partition_point(blocks.begin(), blocks.end(), [&](Block const* other) {
-            return Less()((*other)[0].first, block[0].first);
-        });
-        return static_cast<size_type>(at - blocks.begin());
+    /// A new block, listed behind `block` under the key that parts the two.
+    Block* list(Directory& directory, Block& block, Key const& parting) {
+        auto const destroy = [](Block* unlisted) { Block::destroy(unlisted); };
+        std::unique_ptr<Block, decltype(destroy)> added(Block::make(Block::full), destroy);
+        if (directory.blocks.empty()) directory.blocks.emplaceLast(block[0].first, &block);
+        auto const place = directory.blocks.floor(block[0].first);
+        directory.blocks.insertAt({place.block(), place.index() + 1}, Key(parting), added.get());
+        return added.release();
     }
 
-    /// Takes an empty block out.
-    void remove(size_type position) noexcept {
+    /// Before `key` becomes the first one of a block that is not the first.
+    void listUnder(Key const& key, Block& block) {
+        auto const place = first_->directory()->blocks.floor(block[0].first);
+        if (Less()(key, place->first)) const_cast<Key&>(place->first) = key;
+    }
+
+    /// Takes an empty block out, the last key of which was `key`.
+    void remove(Block& block, Key const& key) noexcept {
         Directory* const directory = first_->directory();
         if (!directory) return clear();
-        Block* const block = directory->blocks[position];
-        Block* const next = block->next();
-        Block* const previous = block->previous();
+        Block* const next = block.next();
+        Block* const previous = block.previous();
         if (next) next->neighbours().previous = previous;
         (previous ? previous->neighbours().next : first_) = next;
-        directory->blocks.erase(directory->blocks.begin() + static_cast<std::ptrdiff_t>(position));
         first_->neighbours().directory = directory;
-        Block::destroy(block);
+        directory->blocks.erase(directory->blocks.floor(key));
+        Block::destroy(&block);
         if (directory->blocks.size() > 1) return;
         first_->neighbours().directory = nullptr;
         delete directory;
     }
 
-    /// Joins a block of few entries with the next one, if that has few as well.
-    iterator compacted(iterator at, size_type position) noexcept {
-        Directory* const directory = first_->directory();
-        if (!directory || position + 1 == directory->blocks.size()) return at;
-        Block& block = *directory->blocks[position];
-        Block& next = *directory->blocks[position + 1];
-        if (block.size + next.size > Block::full / 2) return at;
+    /// Joins a block of few entries with the next one, if that has few as well. A block that heads one of the directory
+    /// stays, since keys before its own are looked for there.
+    iterator compacted(iterator at, Block& block) noexcept {
+        Block* const next = block.next();
+        if (!next || block.size + next->size > Block::full / 2) return at;
+        if (first_->directory()->blocks.floor((*next)[0].first).index() == 0) return at;
         std::uint32_t const former = block.size;
-        next.moveTail(0, block);
-        remove(position + 1);
+        next->moveTail(0, block);
+        remove(*next, block[former].first);
         return at.block() == &block ? at : iterator(&block, former + at.index());
     }
 

@@ -9,7 +9,6 @@
 #include <new>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 #include "foundation/ur/NodeHeap.h"
 
@@ -24,19 +23,15 @@ namespace ur::impl {
 
 /// Entries in ascending order, with room for some more behind them.
 ///
-/// A block grows up to `full`; from there on its map has several, which know their neighbours.
-template <class Key, class Value>
+/// A block grows up to `full`; from there on its map has several, which know their neighbours, and of which the first
+/// one leads to the map's directory.
+template <class Key, class Value, class Directory>
 class alignas(std::uint32_t) alignas(std::pair<Key const, Value>) MapBlock {
 public:
     using Entry = std::pair<Key const, Value>;
 
     static constexpr std::uint32_t full = 64;
 
-    /// The blocks of a map that has several, in order; known to the first one.
-    struct Directory {
-        std::vector<MapBlock*> blocks;
-        std::size_t entries = 0;
-    };
     struct Neighbours {
         MapBlock* previous = nullptr;
         MapBlock* next = nullptr;
@@ -75,18 +70,12 @@ public:
     /// The first entry whose key is not before `key`.
     template <class Less, class K>
     [[nodiscard]] std::uint32_t lowerBound(K const& key) const {
-        constexpr std::uint32_t few = 6;
-        Less const less;
-        std::uint32_t first = 0;
-        std::uint32_t count = size;
-        while (count > few) {
-            std::uint32_t const half = count / 2;
-            bool const before = less((*this)[first + half].first, key);
-            first = before ? first + half + 1 : first;
-            count = before ? count - half - 1 : half;
-        }
-        for (; count > 0 && less((*this)[first].first, key); --count) ++first;
-        return first;
+        return firstBut(0, [&, less = Less()](Entry const& entry) { return less(entry.first, key); });
+    }
+    /// The last entry whose key is not behind `key`, which that of the first one is taken to be.
+    template <class Less, class K>
+    [[nodiscard]] std::uint32_t floor(K const& key) const {
+        return firstBut(1, [&, less = Less()](Entry const& entry) { return !less(key, entry.first); }) - 1;
     }
     /// The entry with `key`, or `size`. Among few, asking for the equal one is cheaper than asking for the order, where
     /// the key's type promises that both agree.
@@ -145,6 +134,21 @@ private:
     static_assert(std::is_nothrow_move_constructible_v<Key> && std::is_nothrow_move_constructible_v<Value>);
 
     explicit MapBlock(std::uint32_t room) noexcept : capacity(room) {}
+
+    /// The first entry from `first` on that is not `before`.
+    template <class Before>
+    [[nodiscard]] std::uint32_t firstBut(std::uint32_t first, Before before) const {
+        constexpr std::uint32_t few = 6;
+        std::uint32_t count = size - first;
+        while (count > few) {
+            std::uint32_t const half = count / 2;
+            bool const behind = before((*this)[first + half]);
+            first = behind ? first + half + 1 : first;
+            count = behind ? count - half - 1 : half;
+        }
+        for (; count > 0 && before((*this)[first]); --count) ++first;
+        return first;
+    }
 
     [[nodiscard]] static std::size_t bytes(std::uint32_t capacity) noexcept {
         return sizeof(MapBlock) + capacity * sizeof(Entry) + (capacity == full ? sizeof(Neighbours) : 0);
