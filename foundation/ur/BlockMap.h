@@ -258,8 +258,9 @@ private:
     struct Directory {
         using Map = BlockMap<Key, void*, Less>;
 
+        /// Out of line, so that looking up in small maps stays short.
         template <class K>
-        [[nodiscard]] Block* find(K const& key) const {
+        [[nodiscard, gnu::noinline]] Block* find(K const& key) const {
             return static_cast<Block*>(blocks.floor(key)->second);
         }
 

@@ -70,12 +70,12 @@ public:
     /// The first entry whose key is not before `key`.
     template <class Less, class K>
     [[nodiscard]] std::uint32_t lowerBound(K const& key) const {
-        return firstBut(0, [&, less = Less()](Entry const& entry) { return less(entry.first, key); });
+        return firstBut<6>(0, [&, less = Less()](Entry const& entry) { return less(entry.first, key); });
     }
     /// The last entry whose key is not behind `key`, which that of the first one is taken to be.
     template <class Less, class K>
     [[nodiscard]] std::uint32_t floor(K const& key) const {
-        return firstBut(1, [&, less = Less()](Entry const& entry) { return !less(key, entry.first); }) - 1;
+        return firstBut<1>(1, [&, less = Less()](Entry const& entry) { return !less(key, entry.first); }) - 1;
     }
     /// The entry with `key`, or `size`. Among few, asking for the equal one is cheaper than asking for the order, where
     /// the key's type promises that both agree.
@@ -135,10 +135,9 @@ private:
 
     explicit MapBlock(std::uint32_t room) noexcept : capacity(room) {}
 
-    /// The first entry from `first` on that is not `before`.
-    template <class Before>
+    /// The first entry from `first` on that is not `before`. The last `few` are looked at one after the other.
+    template <std::uint32_t few, class Before>
     [[nodiscard]] std::uint32_t firstBut(std::uint32_t first, Before before) const {
-        constexpr std::uint32_t few = 6;
         std::uint32_t count = size - first;
         while (count > few) {
             std::uint32_t const half = count / 2;
