@@ -49,4 +49,16 @@ TEST(LinkedListNode, CircularListFollowsAPlainVector) {
     }
 }
 
+TEST(LinkedListNode, OpenListEndsWithNull) {
+    Page first, middle, last;
+    middle.insertAfter(first);
+    last.insertAfter(middle);
+    EXPECT_TRUE(first.next() == &middle && middle.next() == &last && !last.next());
+    first.unlink();
+    first.insertBefore(middle);
+    EXPECT_TRUE(!first.previous() && last.previous() == &middle && middle.previous() == &first);
+    last.unlink();
+    EXPECT_TRUE(!middle.next() && !last.previous());
+}
+
 }  // namespace
