@@ -58,15 +58,20 @@ private:
         if (draw(20) == 0) throw id;
     }
     void act() {
-        std::size_t const id = draw(entries_.size() + 1), what = draw(12);
-        if (id == entries_.size() || what > 7) return connect();
-        if (what == 0) return disconnectAll();
-        if (what < 3) return emit();
-        auto& [connection, connected, blocks] = entries_[id];
-        if (what == 3) return ++blocks, connection.block();
-        if (what < 6) return blocks -= blocks > 0 ? 1 : 0, connection.unblock();
-        connected = false;
-        connection.disconnect();
+        std::size_t const id = draw(entries_.size() + 1);
+        if (id == entries_.size()) return connect();
+        Entry& entry = entries_[id];
+        switch (draw(12)) {
+            case 0: return disconnectAll();
+            case 1:
+            case 2: return emit();
+            case 3: ++entry.blocks; return entry.connection.block();
+            case 4:
+            case 5: entry.blocks -= entry.blocks > 0 ? 1 : 0; return entry.connection.unblock();
+            case 6:
+            case 7: entry.connected = false; return entry.connection.disconnect();
+            default: return connect();
+        }
     }
     void connect() {
         entries_.push_back({signal_.addCallback([this, id = entries_.size(), token = token_] { called(id); })});
