@@ -24,29 +24,29 @@ using Text = std::shared_ptr<std::string const>;
 /// The trees outlive the clock: destroying them is measured elsewhere.
 Sides readers(Document const& document) {
     Text const text = std::make_shared<std::string>(document.text);
-    return {
-        {"nxPLST",
-         [=] {
-             ur::Reference<nxPLST::Item> tree;
-             return seconds([&] { nxPLST::convertFromJSON(tree, text->data(), static_cast<unsigned>(text->size())); });
-         }},
-        {rapidName,
-         [=] {
-             rapidjson::Document tree;
-             return seconds([&] {
-                 tree.Parse<rapidjson::kParseFullPrecisionFlag | rapidjson::kParseValidateEncodingFlag>(text->data(),
-                                                                                                        text->size());
-             });
-         }},
-        {boostName,
-         [=] {
-             boost::json::value tree;
-             return seconds([&] { tree = boost::json::parse(*text, {}, anyDepth); });
-         }},
-        {nlohmannName, [=] {
-             nlohmann::json tree;
-             return seconds([&] { tree = nlohmann::json::parse(*text); });
-         }}};
+    return {{"nxPLST",
+             [=] {
+                 ur::Reference<nxPLST::Item> tree;
+                 auto const bytes = static_cast<unsigned>(text->size());
+                 return seconds([&] { keep(nxPLST::convertFromJSON(tree, text->data(), bytes)); });
+             }},
+            {rapidName,
+             [=] {
+                 rapidjson::Document tree;
+                 return seconds([&] {
+                     tree.Parse<rapidjson::kParseFullPrecisionFlag | rapidjson::kParseValidateEncodingFlag>(
+                         text->data(), text->size());
+                 });
+             }},
+            {boostName,
+             [=] {
+                 boost::json::value tree;
+                 return seconds([&] { tree = boost::json::parse(*text, {}, anyDepth); });
+             }},
+            {nlohmannName, [=] {
+                 nlohmann::json tree;
+                 return seconds([&] { tree = nlohmann::json::parse(*text); });
+             }}};
 }
 
 /// Boost.JSON has no indented form: it writes the same values in fewer characters.
@@ -60,7 +60,7 @@ Sides writers(Document const& document) {
     return {{"nxPLST",
              [=] {
                  urString::CString out;
-                 return seconds([&] { nxPLST::convertToJSON(out, ours); });
+                 return seconds([&] { keep(nxPLST::convertToJSON(out, ours)); });
              }},
             {rapidName,
              [=] {
