@@ -10,6 +10,7 @@
 #include "plst/Bool.h"
 #include "plst/Double.h"
 #include "plst/String.h"
+#include "plst/impl/ChildWalk.h"
 #include "plst/impl/ItemSource.h"
 
 namespace nxPLST::impl {
@@ -87,37 +88,60 @@ private:
 
 // Comparing ----------------------------------------------------------------------------------------------------
 
-struct Pair {
-    Item const* a;
-    Item const* b;
+/// Asks each pair of children where it stands, so that what follows a difference is not looked at.
+class TreeComparison {
+public:
+    bool run(Item const& a, Item const& b) {
+        if (!agree(&a, &b)) return false;
+        while (!open_.empty())
+            if (!nextAgree()) return false;
+        return true;
+    }
+
+private:
+    /// What is still to come of two containers of one class and size: one child at least.
+    struct Pair {
+        ChildWalk a, b;
+    };
+
+    bool nextAgree() {
+        Pair& pair = open_.back();
+        if (pair.a.inDictionary() && pair.a.members.key() != pair.b.members.key()) return false;
+        Item const* const a = taken(pair.a);
+        Item const* const b = taken(pair.b);
+        if (pair.a.atEnd()) open_.pop_back();
+        return agree(a, b);
+    }
+    static Item const* taken(ChildWalk& walk) {
+        return walk.inDictionary() ? taken(walk.members) : taken(walk.elements);
+    }
+    template <class Walk>
+    static Item const* taken(Walk& walk) {
+        Item const* const item = walk.item();
+        walk.advance();
+        return item;
+    }
+
+    /// Two containers agree so far when their classes and sizes do; their children come next.
+    bool agree(Item const* a, Item const* b) {
+        if (!a || !b) return a == b;
+        if (!isContainer(*a)) return a->congruent(*b);
+        if (typeid(*a) != typeid(*b)) return false;
+        return a->type() == ArrayType ? entered(static_cast<Array const&>(*a), static_cast<Array const&>(*b))
+                                      : entered(static_cast<Dictionary const&>(*a), static_cast<Dictionary const&>(*b));
+    }
+    bool entered(Array const& a, Array const& b) { return entered(a, b, a.array().size() == b.array().size()); }
+    bool entered(Dictionary const& a, Dictionary const& b) {
+        return entered(a, b, a.dictionary().size() == b.dictionary().size());
+    }
+    template <class Container>
+    bool entered(Container const& a, Container const& b, bool sizesAgree) {
+        if (sizesAgree && !a.empty()) open_.push_back({ChildWalk(a), ChildWalk(b)});
+        return sizesAgree;
+    }
+
+    std::vector<Pair> open_;
 };
-
-/// Whether two children agree as far as they can be judged alone; two containers go onto `pending`.
-bool agree(Item const* a, Item const* b, std::vector<Pair>& pending) {
-    if (!a || !b) return a == b;
-    if (!isContainer(*a)) return a->congruent(*b);
-    if (typeid(*a) != typeid(*b)) return false;
-    pending.push_back({a, b});
-    return true;
-}
-
-bool childrenAgree(Array const& a, Array const& b, std::vector<Pair>& pending) {
-    if (a.array().size() != b.array().size()) return false;
-    for (std::size_t i = 0; i < a.array().size(); ++i) {
-        if (!agree(a.array()[i].get(), b.array()[i].get(), pending)) return false;
-    }
-    return true;
-}
-
-bool childrenAgree(Dictionary const& a, Dictionary const& b, std::vector<Pair>& pending) {
-    if (a.dictionary().size() != b.dictionary().size()) return false;
-    auto other = b.dictionary().begin();
-    for (auto const& [key, child] : a.dictionary()) {
-        if (key != other->first || !agree(child.get(), other->second.get(), pending)) return false;
-        ++other;
-    }
-    return true;
-}
 
 // Destroying ---------------------------------------------------------------------------------------------------
 
@@ -216,20 +240,7 @@ void dismantleAny(Children& children) noexcept {
 
 ur::Reference<Item> cloneTree(Item const& root) { return TreeCopy().run(root); }
 
-bool congruentTrees(Item const& a, Item const& b) {
-    std::vector<Pair> pending;
-    if (!agree(&a, &b, pending)) return false;
-    while (!pending.empty()) {
-        Pair const pair = pending.back();
-        pending.pop_back();
-        bool const same = pair.a->type() == ArrayType ? childrenAgree(static_cast<Array const&>(*pair.a),
-                                                                      static_cast<Array const&>(*pair.b), pending)
-                                                      : childrenAgree(static_cast<Dictionary const&>(*pair.a),
-                                                                      static_cast<Dictionary const&>(*pair.b), pending);
-        if (!same) return false;
-    }
-    return true;
-}
+bool congruentTrees(Item const& a, Item const& b) { return TreeComparison().run(a, b); }
 
 void dismantle(ur::vector<ur::Reference<Item>>& children) noexcept { dismantleAny(children); }
 void dismantle(Dictionary::Map& children) noexcept { dismantleAny(children); }
