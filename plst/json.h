@@ -13,7 +13,8 @@ namespace nxPLST {
 NX_API urString::CString asJSON(ur::Reference<Item const> item);
 
 /// Puts the text of `asJSON` into the file at `path`, for a null item just a line feed. False when the file cannot
-/// be opened or written; a file that was there before then stays as it is.
+/// be opened or written; a file that was there before then stays as it is. The file is replaced, or overwritten in
+/// place where replacing is impossible or would change more than the content (`urOS::AtomicFile` says when).
 [[nodiscard]] NX_API bool outputJSON(urString::IString const& path, ur::Reference<Item const> item);
 
 /// Appends strict JSON, indented, a null item or element as `null`. Numbers have up to twenty significant digits,

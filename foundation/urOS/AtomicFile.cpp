@@ -1,6 +1,7 @@
 // Replacing a file as a whole.
 #include "foundation/urOS/AtomicFile.h"
 
+#include <array>
 #include <cerrno>
 #include <string>
 #include <utility>
@@ -36,6 +37,17 @@ fs::path nameBeside(fs::path const& target) {
     return target.parent_path() / hidden.c_str();
 }
 
+urString::IString multibyte(fs::path const& path) { return {path.string(), urString::Encoding::multibyte}; }
+
+Error copy(File& from, File& to) {
+    std::array<char, std::size_t(32) * 1024> buffer;
+    for (;;) {
+        std::size_t done = 0;
+        if (Error error = from.read(buffer.data(), buffer.size(), &done); error.isError() || done == 0) return error;
+        if (Error error = to.write(buffer.data(), done); error.isError()) return error;
+    }
+}
+
 }  // namespace
 
 AtomicFile::~AtomicFile() { discard(); }
@@ -54,22 +66,37 @@ Error AtomicFile::create() {
     std::error_code unknown;
     fs::file_status const former = fs::status(target_, unknown);
     if (!fs::status_known(former)) return Error::fromSystem(unknown, target_.string());
-    if (fs::exists(former) && !fs::is_regular_file(former)) {
-        return file_.open(urString::IString(target_.string(), urString::Encoding::multibyte), openWrite);
+    bool const exists = fs::exists(former);
+    if (exists && !fs::is_regular_file(former)) {
+        way_ = Way::directly;
+        return file_.open(multibyte(target_), openWrite);
     }
-    if (fs::exists(former) && !impl::mayWrite(target_)) return Error::fromSystem(errno, target_.string());
+    if (exists && !impl::mayWrite(target_)) return Error::fromSystem(errno, target_.string());
     // Never wider open than the file to be replaced, not even before the permissions are set in full.
     constexpr int widest = 0666;
-    int const permissions = fs::exists(former) ? static_cast<int>(former.permissions()) & widest : widest;
+    way_ = Way::byReplacing;
+    if (createBeside(exists, exists ? static_cast<int>(former.permissions()) & widest : widest)) return {};
+    if (!exists) return Error::fromSystem(errno, target_.string());
+    way_ = Way::byOverwriting;
+    use(impl::openScratch());
+    return file_.isOpen() ? Error() : Error::fromSystem(errno, "temporary folder");
+}
+
+/// False, and `errno`, when no file can be made there that differs from an existing target in its content alone.
+bool AtomicFile::createBeside(bool exists, int permissions) {
     fs::path name = nameBeside(target_);
     bool isNamed = false;
     int const descriptor = impl::openNew(name, permissions, isNamed);
-    if (descriptor < 0) return Error::fromSystem(errno, target_.string());
+    if (descriptor < 0) return false;
     temporary_ = std::move(name);
     if (!isNamed) nameless_ = descriptor;
-    static_cast<void>(file_.attach(descriptor, File::Ownership::own));
-    return fs::exists(former) ? impl::resemble(descriptor, target_) : Error();
+    use(descriptor);
+    if (!exists || impl::resemble(descriptor, target_)) return true;
+    discard();
+    return false;
 }
+
+void AtomicFile::use(int descriptor) { static_cast<void>(file_.attach(descriptor, File::Ownership::own)); }
 
 Error AtomicFile::read(void* /*buffer*/, std::size_t /*count*/, std::size_t* done) {
     if (done) *done = 0;
@@ -84,20 +111,45 @@ Error AtomicFile::write(void const* buffer, std::size_t count, std::size_t* done
 
 Error AtomicFile::commit() {
     if (!file_.isOpen() && error_.ok()) return Error::fromSystem(EBADF, "no file to commit");
-    if (error_.ok() && nameless_ >= 0) {
-        if (!impl::giveName(nameless_, temporary_)) error_ = Error::fromSystem(errno, target_.string());
-        if (error_.ok()) nameless_ = -1;
-    }
+    if (error_.ok() && way_ == Way::byReplacing) error_ = replace();
+    if (error_.ok() && way_ == Way::byOverwriting) error_ = overwrite();
     Error const closed = file_.close();
     if (error_.ok()) error_ = closed;
-    if (error_.ok() && !temporary_.empty()) {
-        std::error_code unmoved;
-        fs::rename(temporary_, target_, unmoved);
-        if (unmoved) error_ = Error::fromSystem(unmoved, target_.string());
-        if (!unmoved) temporary_.clear();
-    }
     discard();
     return error_;
+}
+
+Error AtomicFile::replace() {
+    if (nameless_ >= 0 && !impl::giveName(nameless_, temporary_)) return Error::fromSystem(errno, target_.string());
+    nameless_ = -1;
+    if (Error error = file_.sync(); error.isError()) return error;
+    if (Error error = file_.close(); error.isError()) return error;  // an open file keeps its name on Windows
+    std::error_code unmoved;
+    fs::rename(temporary_, target_, unmoved);
+    if (unmoved == std::errc::device_or_resource_busy) {  // a mount point
+        way_ = Way::byOverwriting;
+        return file_.open(multibyte(temporary_), openRead);
+    }
+    if (unmoved) return Error::fromSystem(unmoved, target_.string());
+    temporary_.clear();
+    return impl::syncFolder(target_.parent_path());
+}
+
+/// Brings the content from the file that was written into the target.
+Error AtomicFile::overwrite() {
+    File target;
+    static_cast<void>(target.attach(impl::openDescriptor(target_, O_WRONLY, 0), File::Ownership::own));
+    if (!target.isOpen()) return Error::fromSystem(errno, target_.string());
+    std::uint64_t size = 0;
+    Error error = file_.size(size);
+    // A full disk is noticed while the old content is still there.
+    if (error.ok() && !impl::reserve(target.descriptor(), size)) error = Error::fromSystem(errno, target_.string());
+    if (error.ok()) error = file_.seek(0);
+    if (error.ok()) error = copy(file_, target);
+    if (error.ok() && !impl::resize(target.descriptor(), size)) error = Error::fromSystem(errno, target_.string());
+    if (error.ok()) error = target.sync();
+    Error const closed = target.close();
+    return error.ok() ? closed : error;
 }
 
 void AtomicFile::discard() noexcept {

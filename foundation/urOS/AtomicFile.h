@@ -9,12 +9,15 @@
 namespace urOS {
 
 /// Writes beside its target and takes the target's place when committed, so that an error, an exception or a crash
-/// leaves the old file as it was and nobody reads a half-written one.
+/// leaves the old file as it was and nobody reads a half-written one. File and folder are flushed to the disk.
 ///
-/// The new file has the permissions of the old one, and its owner where the process may set it; on Windows it has what
-/// its folder gives. A link is followed: the file it names is replaced, or made. A target that is no regular file (a
-/// pipe, a terminal) is written to directly, and a write-protected one is not replaced. What is not committed is
-/// dropped with the object.
+/// An existing file keeps its names, owner, permissions and extended attributes (access lists): where a new file could
+/// not take its place or would lose one of these, `commit` writes the content into the old one. That is so for a file
+/// with several names (hard links), of another owner or group that the process may not give files to, in a folder that
+/// may not be written, and for a mount point. docs/files.md tells what a crash then leaves.
+///
+/// A link is followed: the file it names is replaced, or made. A target that is no regular file (a pipe, a terminal) is
+/// written to directly; a write-protected one is an error. What is not committed is dropped with the object.
 class NX_API AtomicFile final : public IOStream {
 public:
     AtomicFile() = default;
@@ -24,7 +27,8 @@ public:
 
     /// Gets ready to replace the file at `path`; an earlier, uncommitted one is dropped.
     urUtil::Error open(urString::IString const& path);
-    /// Puts the new file in its place. When a write failed, that error comes back and the old file stays.
+    /// Puts the new file in its place, on the disk when this returns. When a write failed, that error comes back and
+    /// the old file stays. When only flushing the folder failed, the error comes back with the new file in place.
     urUtil::Error commit();
 
     /// Nothing is there to be read: an error.
@@ -32,12 +36,20 @@ public:
     urUtil::Error write(void const* buffer, std::size_t count, std::size_t* done = nullptr) override;
 
 private:
+    /// How the content reaches the target.
+    enum class Way { directly, byReplacing, byOverwriting };
+
     urUtil::Error create();
+    [[nodiscard]] bool createBeside(bool exists, int permissions);
+    void use(int descriptor);
+    urUtil::Error replace();
+    urUtil::Error overwrite();
     void discard() noexcept;
 
-    File file_;
+    File file_;  ///< what is written to
+    Way way_ = Way::directly;
     std::filesystem::path target_;
-    std::filesystem::path temporary_;  ///< what the open file is called beside the target; empty for a device
+    std::filesystem::path temporary_;  ///< what the open file is called beside the target
     int nameless_ = -1;                ///< the open file's descriptor as long as it does not have that name
     urUtil::Error error_;
 };

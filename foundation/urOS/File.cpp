@@ -63,6 +63,11 @@ Error File::close() {
     return ::close(descriptor) == 0 || errno == EINTR ? Error() : Error::fromSystem(errno, "close");
 }
 
+Error File::sync() {
+    bool const isOnDisk = uninterrupted([&] { return impl::flushToDisk(descriptor_); }) == 0;
+    return isOnDisk ? Error() : Error::fromSystem(errno, "flush to disk");
+}
+
 Error File::read(void* buffer, std::size_t count, std::size_t* done) {
     auto const got = uninterrupted([&] { return ::read(descriptor_, buffer, oneTransfer(count)); });
     if (done) *done = static_cast<std::size_t>(std::max<ssize_t>(got, 0));

@@ -27,6 +27,10 @@ public:
     [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
     /// Success when nothing was open.
     urUtil::Error close();
+    /// Returns once what was written is on the disk. Pipes and terminals have none: an error.
+    urUtil::Error sync();
+    /// As the system numbers open files; negative when nothing is open.
+    [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
 
     urUtil::Error read(void* buffer, std::size_t count, std::size_t* done = nullptr) override;
     urUtil::Error write(void const* buffer, std::size_t count, std::size_t* done = nullptr) override;

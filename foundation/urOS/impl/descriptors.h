@@ -9,6 +9,8 @@
 
 #if defined(_WIN32)
 #include <io.h>
+#else
+#include <unistd.h>
 #endif
 
 #include "foundation/urUtil/Error.h"
@@ -28,6 +30,15 @@ inline int openDescriptor(std::filesystem::path const& path, int flags, int perm
     return ::_wopen(path.c_str(), flags | _O_BINARY | _O_NOINHERIT, permissions);
 #else
     return ::open(path.c_str(), flags | O_CLOEXEC, permissions);
+#endif
+}
+
+/// Not 0, and `errno`, if what was written through the descriptor may not be on the disk.
+inline int flushToDisk(int descriptor) {
+#if defined(_WIN32)
+    return ::_commit(descriptor);
+#else
+    return ::fsync(descriptor);
 #endif
 }
 

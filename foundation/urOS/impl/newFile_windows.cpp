@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "foundation/urOS/Uuid.h"
 #include "foundation/urOS/impl/descriptors.h"
 #include "foundation/urOS/impl/newFile.h"
 
@@ -11,11 +12,31 @@ bool mayWrite(std::filesystem::path const& file) { return ::_waccess(file.c_str(
 
 int openNew(std::filesystem::path const& name, int permissions, bool& isNamed) {
     isNamed = true;
-    return openDescriptor(name, O_WRONLY | O_CREAT | O_EXCL, permissions & (S_IREAD | S_IWRITE));
+    return openDescriptor(name, O_RDWR | O_CREAT | O_EXCL, permissions & (S_IREAD | S_IWRITE));
 }
 
 bool giveName(int /*descriptor*/, std::filesystem::path const& /*name*/) { return false; }
 
-urUtil::Error resemble(int /*descriptor*/, std::filesystem::path const& /*former*/) { return {}; }
+int openScratch() {
+    Uuid id;
+    id.generate();
+    std::error_code none;
+    auto const name = std::filesystem::temp_directory_path(none) / id.asString().c_str();
+    return openDescriptor(name, O_RDWR | O_CREAT | O_EXCL | _O_TEMPORARY, S_IREAD | S_IWRITE);
+}
+
+bool resemble(int /*descriptor*/, std::filesystem::path const& former) {
+    std::error_code unknown;
+    return std::filesystem::hard_link_count(former, unknown) <= 1;
+}
+
+bool reserve(int /*descriptor*/, std::uint64_t /*bytes*/) { return true; }
+
+bool resize(int descriptor, std::uint64_t bytes) {
+    errno = ::_chsize_s(descriptor, static_cast<long long>(bytes));
+    return errno == 0;
+}
+
+urUtil::Error syncFolder(std::filesystem::path const& /*folder*/) { return {}; }
 
 }  // namespace urOS::impl

@@ -1,45 +1,11 @@
-// Files, and replacing them as a whole.
-#include <gtest/gtest.h>
-
-#if defined(__linux__)
-#include <unistd.h>
-#endif
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
-#include "foundation/ur/tests/TemporaryFolder.h"
-#include "foundation/urOS/AtomicFile.h"
+// Files as streams.
 #include "foundation/urOS/File.h"
+#include "foundation/urOS/AtomicFile.h"
 #include "foundation/urOS/OStream.h"
+#include "foundation/urOS/tests/FileTest.h"
 
 namespace urOS {
 namespace {
-
-namespace fs = std::filesystem;
-
-/// Each test in a folder of its own.
-class Files : public testing::Test {
-protected:
-    [[nodiscard]] std::string path(char const* name) const { return (folder_ / name).string(); }
-    [[nodiscard]] static urString::IString wide(std::string const& name) {
-        return {name, urString::Encoding::multibyte};
-    }
-    [[nodiscard]] static std::string textOf(fs::path const& name) {
-        std::ostringstream text;
-        text << std::ifstream(name, std::ios::binary).rdbuf();
-        return text.str();
-    }
-    static void put(fs::path const& name, std::string_view text) { std::ofstream(name, std::ios::binary) << text; }
-    [[nodiscard]] std::size_t fileCount() const {
-        return static_cast<std::size_t>(
-            std::distance(fs::directory_iterator(folder_.path()), fs::directory_iterator()));
-    }
-
-private:
-    ::test::TemporaryFolder const folder_;
-};
 
 TEST_F(Files, WriteFromTheStartReadSeekAndAppend) {
     constexpr bool namesAreBytes = sizeof(fs::path::value_type) == 1;  // then one that is no UTF-8 is a name, too
@@ -96,65 +62,9 @@ TEST_F(Files, TextPassesThroughTheBufferInOrder) {
     EXPECT_EQ(textOf(path("text")), expected);
 }
 
-TEST_F(Files, ACommittedFileTakesTheOldOnesPlace) {
-    put(path("target"), "old");
-    AtomicFile file;
-    ASSERT_TRUE(file.open(wide(path("target"))).ok());
-    ASSERT_TRUE(file.write("new", 3).ok());
-    EXPECT_EQ(textOf(path("target")), "old");
-    EXPECT_TRUE(file.commit().ok());
-    EXPECT_EQ(textOf(path("target")), "new");
-    EXPECT_EQ(fileCount(), 1U);
-    EXPECT_TRUE(file.commit().isError()) << "there is nothing left to commit";
-}
-
-TEST_F(Files, WhatIsNotCommittedOrFailsLeavesTheOldFileAndNothingElse) {
-    put(path("target"), "old");
-    {
-        AtomicFile file;
-        ASSERT_TRUE(file.open(wide(path("target"))).ok());
-        ASSERT_TRUE(file.write("new", 3).ok());
-    }
-    AtomicFile file;
-    ASSERT_TRUE(file.open(wide(path("target"))).ok());
-    ASSERT_TRUE(file.write("new", 3).ok());
-    fs::remove(path("target"));
-    fs::create_directories(path("target/in the way"));
-    EXPECT_TRUE(file.commit().isError());
-    EXPECT_TRUE(file.open(wide(path("no folder/target"))).isError());
-    EXPECT_TRUE(file.commit().isError());
-    EXPECT_EQ(fileCount(), 1U);
-}
-
 #if defined(__linux__)
 
-TEST_F(Files, PermissionsAndTheLinkToAFileOutliveIt) {
-    put(path("target"), "old");
-    fs::permissions(path("target"), static_cast<fs::perms>(0640));
-    fs::create_symlink(path("target"), path("link"));
-    AtomicFile file;
-    ASSERT_TRUE(file.open(wide(path("link"))).ok() && file.write("new", 3).ok() && file.commit().ok());
-    EXPECT_EQ(textOf(path("target")), "new");
-    EXPECT_EQ(fs::status(path("target")).permissions(), static_cast<fs::perms>(0640));
-    EXPECT_TRUE(fs::is_symlink(path("link")));
-}
-
-TEST_F(Files, ALinkToNothingLeadsToWhereTheFileIsMade) {
-    fs::create_symlink("new", path("link"));
-    fs::create_symlink("circle", path("circle"));
-    AtomicFile file;
-    ASSERT_TRUE(file.open(wide(path("link"))).ok());
-    EXPECT_TRUE(file.write("new", 3).ok());
-    EXPECT_EQ(fileCount(), 2U) << "a process that dies here leaves nothing";
-    EXPECT_TRUE(file.commit().ok());
-    EXPECT_EQ(textOf(path("new")), "new");
-    EXPECT_TRUE(fs::is_symlink(path("link")));
-    EXPECT_EQ(file.open(wide(path("circle"))).code(), ELOOP);
-    EXPECT_EQ(file.open({}).code(), ENOENT);
-    EXPECT_EQ(fileCount(), 3U);
-}
-
-TEST_F(Files, ADeviceIsWrittenToDirectlyAndItsFirstErrorStays) {
+TEST_F(Files, TheFirstErrorOfADeviceStays) {
     File device;
     ASSERT_TRUE(device.open("/dev/full", openWrite).ok());
     OStream full(device);
@@ -162,14 +72,6 @@ TEST_F(Files, ADeviceIsWrittenToDirectlyAndItsFirstErrorStays) {
     EXPECT_TRUE(full.error().ok());
     EXPECT_EQ(full.flush().code(), ENOSPC);
     EXPECT_EQ(full.flush().code(), ENOSPC);
-
-    AtomicFile file;
-    ASSERT_TRUE(file.open(urString::IString("/dev/full")).ok());
-    EXPECT_EQ(file.write("x", 1).code(), ENOSPC);
-    EXPECT_EQ(file.commit().code(), ENOSPC);
-    ASSERT_TRUE(file.open(urString::IString("/dev/null")).ok());
-    EXPECT_TRUE(file.write("x", 1).ok());
-    EXPECT_TRUE(file.commit().ok());
 }
 
 #endif
