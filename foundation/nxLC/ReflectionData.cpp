@@ -64,4 +64,6 @@ void ReflectionData::setLimits(Limits const& limits) noexcept { binding_.meter.s
 
 void ReflectionData::interrupt() noexcept { binding_.meter.interrupt(); }
 
+void ReflectionData::end() noexcept { binding_.meter.end(binding_.running); }
+
 }  // namespace nxLC

@@ -55,6 +55,9 @@ public:
     /// Ends the script that runs, if one does, with an error. Safe in signal handlers and on any thread, as long as the
     /// state is open.
     void interrupt() noexcept;
+    /// Ends the script that runs: called by a native function of its, nothing more of it runs but finalizers. All later
+    /// calls of its functions fail.
+    void end() noexcept;
 
 private:
     friend class impl::Binding;

@@ -42,11 +42,16 @@ void Meter::enter() noexcept {
     if (depth_++ > 0) return;
     instructions_ = 0;
     refused_ = false;
-    stopped_ = false;
+    stopped_ = ended_;
     interrupted_ = false;
     if (limits_.memory == 0 || unlimited - used_ <= limits_.memory) return;
     allowed_ = used_ + limits_.memory;
     collectAt_ = allowed_ - limits_.memory / 4;
+}
+
+void Meter::end(lua_State* running) noexcept {
+    ended_ = stopped_ = true;
+    lua_sethook(running, &onCount, LUA_MASKCOUNT, 1);
 }
 
 void Meter::leave() noexcept {
@@ -56,6 +61,7 @@ void Meter::leave() noexcept {
 
 char const* Meter::reason() const noexcept {
     if (!stopped_) return nullptr;
+    if (ended_) return "the script has ended";
     return interrupted_ ? "interrupted" : "instruction budget spent";
 }
 

@@ -38,7 +38,11 @@ public:
     /// Safe in signal handlers and on any thread.
     void interrupt() noexcept { interrupted_.store(true, std::memory_order_relaxed); }
 
-    /// The script is to end: its instructions are used up, or it was interrupted.
+    /// Ends the script that runs and has called native code from `running`, and every later one at its beginning.
+    void end(lua_State* running) noexcept;
+    [[nodiscard]] bool ended() const noexcept { return ended_; }
+
+    /// The script is to end: its instructions are used up, it was interrupted, or all have ended.
     [[nodiscard]] bool stopped() const noexcept { return stopped_; }
     /// Why, or null.
     [[nodiscard]] char const* reason() const noexcept;
@@ -64,6 +68,7 @@ private:
     int depth_ = 0;
     bool refused_ = false;
     bool stopped_ = false;
+    bool ended_ = false;
     std::atomic<bool> interrupted_ = false;
 };
 

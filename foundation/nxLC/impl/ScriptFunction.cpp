@@ -60,6 +60,7 @@ void ScriptFunction::onCall(Stack const& arguments, Stack& results) const {
         Stack& results;
     };
     if (!link_->binding) return;
+    if (link_->binding->meter.ended()) throw nxRFL::Exception("the script has ended");
     Held const self(const_cast<ScriptFunction*>(this));  // the script may drop the last reference
     Call call{*this, *link_->binding, arguments, results};
     call.binding.protectCall(

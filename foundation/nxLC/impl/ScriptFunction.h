@@ -13,7 +13,7 @@ public:
     ScriptFunction(Binding& binding, int place) noexcept;
     ~ScriptFunction() override;
 
-    [[nodiscard]] bool canRun() const noexcept override { return link_->binding != nullptr; }
+    [[nodiscard]] bool canRun() const noexcept override { return link_->binding && !link_->binding->meter.ended(); }
 
     /// Pushes the function itself, for the state that it comes from. Never raises.
     [[nodiscard]] bool push(Binding const& binding, lua_State* state) const noexcept;

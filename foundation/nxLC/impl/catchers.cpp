@@ -46,8 +46,8 @@ int callWithHandler(lua_State* state) {
     return finishCall(state, lua_pcall(state, 0, LUA_MULTRET, 1), 2);
 }
 
-/// Calls the original function in the second upvalue.
-int resume(lua_State* state) {
+/// Calls the original function in the second upvalue, which catches errors of what it calls.
+int callCatcher(lua_State* state) {
     int const results = callUpvalue(state);
     return isStopped(state) ? luaL_error(state, "%s", bindingOf(state)->meter.reason()) : results;
 }
@@ -78,8 +78,9 @@ void replaceCatchers(lua_State* state) {
     lua_pushvalue(state, LUA_GLOBALSINDEX);
     replace(state, anchor, "pcall", &callAndCatch);
     replace(state, anchor, "xpcall", &callWithHandler);
+    replace(state, anchor, "load", &callCatcher);
     pushField(state, LUA_COLIBNAME);
-    if (lua_istable(state, -1)) replace(state, anchor, "resume", &resume);
+    if (lua_istable(state, -1)) replace(state, anchor, "resume", &callCatcher);
     lua_settop(state, anchor);
 }
 

@@ -5,9 +5,9 @@
 
 namespace nxLC::impl {
 
-/// Puts pcall, xpcall and coroutine.resume into the places of Lua's own, as far as there are any. They do the same, but
-/// pass on the error of a script that is to end: otherwise each of many threads could go on for as long as its own hook
-/// does not strike. The anchor is on top. Raises.
+/// Puts pcall, xpcall, load and coroutine.resume into the places of Lua's own, as far as there are any. They do the
+/// same, but pass on the error of a script that is to end: otherwise each of many threads could go on for as long as
+/// its own hook does not strike. The anchor is on top. Raises.
 void replaceCatchers(lua_State* state);
 
 }  // namespace nxLC::impl

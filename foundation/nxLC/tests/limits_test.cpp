@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "foundation/nxLC/tests/Farm.h"
+#include "foundation/nxRFL/ExposeFunction.h"
 
 namespace {
 
@@ -74,6 +75,34 @@ TEST_F(Limits, InterruptsFromOtherThreadsEndTheScript) {
     interrupter.join();
     state->interrupt();  // nothing runs
     succeed("for i = 1, 100000 do end");
+}
+
+TEST_F(Limits, EndForGoodWhenNativeCodeSaysSo) {
+    nxRFL::ExposeFunction(database, "farm::tools").add("leave", [this] {
+        state->end();
+        throw nxRFL::Exception("the script leaves");
+    });
+    for (char const* const stubborn : {
+             "leave()",
+             "pcall(leave)",
+             "xpcall(leave, function() after = 1 end)",
+             "coroutine.resume(coroutine.create(function() leave() end))",
+             "pcall(coroutine.wrap(function() leave() end))",
+             "load(function() leave() end)",
+             "load(coroutine.wrap(function() leave() end))",
+             "pcall(farm.tools.apply, leave, {})",
+             "pcall(table.sort, {3, 1, 2}, function() leave() end)",
+             "pcall(string.gsub, 'a', 'a', function() leave() end)",
+             "getmetatable('').__index = function() leave() end pcall(function() return ('').x end)",
+         }) {
+        state = std::make_unique<nxLC::State>(database);
+        succeed("leave = farm.tools.leave");
+        EXPECT_NE(run(std::string(stubborn) + " after = 1"), "ok") << stubborn;
+        EXPECT_EQ(run("after = 1"), "the script has ended") << stubborn;
+        lua_getglobal(state->get(), "after");
+        EXPECT_TRUE(lua_isnil(state->get(), -1)) << stubborn;
+        lua_pop(state->get(), 1);
+    }
 }
 
 TEST_F(Limits, WorkInStatesOfTheHost) {
