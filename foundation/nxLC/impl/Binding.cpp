@@ -115,6 +115,7 @@ int Binding::setUp(lua_State* state) {
 
 std::exception_ptr Binding::callMeasured(Body body, void* context) {
     lua_State* const state = running;
+    if (!meter.active()) inner.reset();
     Metered const metered(meter);
     hasTrace = false;
     pushKept(state, tracer);

@@ -3,6 +3,7 @@
 
 #include <deque>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "foundation/nxLC/ReflectionData.h"
@@ -10,6 +11,7 @@
 #include "foundation/nxLC/impl/lua.h"
 #include "foundation/nxLC/protect.h"
 #include "foundation/nxRFL/Database.h"
+#include "foundation/nxRFL/Exception.h"
 #include "foundation/nxRFL/Stack.h"
 #include "foundation/ur/ReferenceCount.h"
 #include "foundation/ur/containers.h"
@@ -73,10 +75,11 @@ public:
     std::deque<ClassTables> classes;  ///< by the index of the class
     ur::vector<int> freeFunctions;    ///< unused places in the table of functions
     int functionPlaces = 0;
-    int objectCount = 0;              ///< userdata that stand for objects
-    bool closeWhenIdle = false;       ///< the owner has gone in the middle of a call
-    bool hasTrace = false;            ///< the last error left a trace
-    bool asksAssignmentHook = false;  ///< there is one, and it is not running
+    int objectCount = 0;                    ///< userdata that stand for objects
+    bool closeWhenIdle = false;             ///< the owner has gone in the middle of a call
+    bool hasTrace = false;                  ///< the last error left a trace
+    std::optional<nxRFL::Exception> inner;  ///< the last error of a script that native code passed on to its caller
+    bool asksAssignmentHook = false;        ///< there is one, and it is not running
 
     // References into the registry.
     int anchor = LUA_NOREF;          ///< the userdata by which functions find the binding

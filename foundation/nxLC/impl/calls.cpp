@@ -40,6 +40,20 @@ int fail(lua_State* state, ShortText& text, char const* message) noexcept {
     }
 }
 
+/// Passes on the error of a script that the native function has called: it names its place already.
+int passOn(Binding& binding, lua_State* state, ShortText& text, nxRFL::Exception const& error) noexcept {
+    try {
+        binding.inner = error;
+        protect(state, 0, 1, [&error](lua_State* inner) {
+            lua_pushlstring(inner, error.message().data(), error.message().size());
+            return 1;
+        });
+        return raisedOutcome;
+    } catch (...) {
+        return failShortly(text, "not enough memory");
+    }
+}
+
 /// Runs the native part of a function that Lua called; what it throws becomes the error.
 template <class Native>
 [[gnu::always_inline]] inline int runNative(Binding* binding, lua_State* state, ShortText& text,
@@ -48,6 +62,8 @@ template <class Native>
     try {
         NativeCall const call(*binding, state);
         return native();
+    } catch (nxRFL::Exception const& error) {
+        return error.trace().empty() ? fail(state, text, error.what()) : passOn(*binding, state, text, error);
     } catch (std::exception const& error) {
         return fail(state, text, error.what());
     } catch (...) {

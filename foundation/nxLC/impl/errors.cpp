@@ -1,6 +1,7 @@
 // Reading errors off the stack, and tracing them.
 #include "foundation/nxLC/impl/errors.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "foundation/nxLC/impl/Binding.h"
@@ -31,6 +32,17 @@ CString messageOf(lua_State* state) {
     CString text = CString::format("(error object is a %s value)", luaL_typename(state, -1));
     lua_pop(state, 1);
     return text;
+}
+
+/// The calls that led to an error and then those that it went on through. Both end with the same lines, as far as the
+/// same thread of the script made them.
+CString joined(CString const& inner, CString const& outer) {
+    std::string_view const first = inner.view();
+    std::string_view const second = outer.view().substr(std::min(outer.find('\n'), outer.size()));
+    auto const differing = std::mismatch(first.rbegin(), first.rend(), second.rbegin(), second.rend()).second;
+    std::size_t const shared = second.find('\n', static_cast<std::size_t>(second.rend() - differing));
+    std::size_t const kept = shared == second.npos ? first.size() : first.size() - (second.size() - shared);
+    return CString(first.substr(0, kept)).append(second);
 }
 
 void makeText(lua_State* state, int index) {
@@ -71,6 +83,7 @@ nxRFL::Exception takeTracedError(Binding& binding, lua_State* state) {
     // The empty message in front, and the function at the bottom that protects the call.
     if (trace.startsWith("\n")) trace.erase(0, 1);
     if (std::string_view const bottom = "\n\t[C]: ?"; trace.endsWith(bottom)) trace.erase(trace.size() - bottom.size());
+    if (binding.inner && binding.inner->message() == message) trace = joined(binding.inner->trace(), trace);
     return nxRFL::Exception(std::move(message), std::move(trace));
 }
 

@@ -35,7 +35,7 @@ TEST_F(Calls, NativeErrorsTellWhereTheScriptCalled) {
     EXPECT_EQ(run("farm.Animal.make('Rex'):fail('standard')"), "test:1: out of order");
     EXPECT_EQ(run("farm.Animal.make('Rex'):fail('other')"), "test:1: unknown exception");
     EXPECT_EQ(run("farm.Animal.make('Rex'):fail('long')"), "test:1: " + std::string(2000, 'x'));
-    EXPECT_EQ(run("farm.tools.apply(function(x) error('no ' .. x) end, {5})"), "test:1: test:1: no 5");
+    EXPECT_EQ(run("farm.tools.apply(function(x) error('no ' .. x) end, {5})"), "test:1: no 5");
     EXPECT_EQ(run("error({})"), "(error object is a table value)");
     EXPECT_EQ(run("error(setmetatable({}, {__tostring = function() return 'told' end}))"), "told");
     EXPECT_EQ(run("error(12, 0)"), "12");
@@ -57,6 +57,34 @@ TEST_F(Calls, ErrorsCarryTheScriptsStack) {
               "\ttest:2: in function 'outer'\n"
               "\ttest:3: in main chunk");
     EXPECT_EQ(state->run("(", "=test")->trace(), "");
+}
+
+TEST_F(Calls, NestedErrorsKeepTheirPlaceAndTheirStack) {
+    std::string const nested =
+        "local apply = farm.tools.apply\n"
+        "local function inner() local x x = x.field end\n"
+        "local function middle() apply(inner, {}) end\n";
+    std::string const calls =
+        "stack traceback:\n"
+        "\ttest:2: in function <test:2>\n"
+        "\t[C]: ?\n"
+        "\t[C]: in function 'apply'\n";
+    auto const error = [&](char const* script) { return *state->run(nested + script, "=test"); };
+    for (auto const& [script, rest] : std::initializer_list<std::pair<char const*, char const*>>{
+             {"apply(middle, {})",
+              "\ttest:3: in function <test:3>\n\t[C]: ?\n\t[C]: in function 'apply'\n\ttest:4: in main chunk"},
+             // Lua's own trace ends with the coroutine.
+             {"local _, e = coroutine.resume(coroutine.create(middle)) error(e, 0)",
+              "\ttest:3: in function <test:3>\n\t[C]: in function 'error'\n\ttest:4: in main chunk"},
+             {"local _, e = pcall(middle) error(e, 0)",
+              "\ttest:3: in function <test:3>\n\t[C]: in function 'pcall'\n\t[C]: in function 'error'\n"
+              "\ttest:4: in main chunk"},
+         }) {
+        EXPECT_EQ(error(script).message(), "test:2: attempt to index local 'x' (a nil value)") << script;
+        EXPECT_EQ(error(script).trace(), CString((calls + rest).c_str())) << script;
+    }
+    EXPECT_EQ(error("pcall(middle) error('another')").trace(),
+              "stack traceback:\n\t[C]: in function 'error'\n\ttest:4: in main chunk");
 }
 
 TEST_F(Calls, ErrorsAreTracedWhateverTheHostLeftOfTheLibraries) {
