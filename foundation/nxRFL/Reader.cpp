@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 #include "foundation/nxRFL/Database.h"
 #include "foundation/nxRFL/Writer.h"
@@ -139,22 +140,34 @@ CString Reader::nameOf(ur::TypeInfo type) const {
     return function_ ? function_->getDB()->nameOf(type) : CString(type.readableName());
 }
 
-/// Such as "argument 2.max[3]", for the item at `at` in the container with the head at `container`.
+CString Reader::outermostPlace(unsigned ordinal) const {
+    bool const isMethod = function_ && function_->isMethod();
+    if (isMethod && ordinal == 0) return "the object";
+    return CString::format(function_ ? "argument %u" : "item %u", ordinal + (isMethod ? 0 : 1));
+}
+
+/// Such as "argument 2.max[3]", for the item at `at` in the container with the head at `container`. Goes from the item
+/// outward: scripts nest containers as deep as they like.
 CString Reader::placeOf(std::size_t at, std::size_t container) const {
-    std::size_t item = container == nowhere ? 0 : container + 1;
-    std::size_t before = item;
-    unsigned ordinal = 0;
-    for (; item < at; item = behind(item), ++ordinal) before = item;
-    if (container == nowhere) {
-        bool const isMethod = function_ && function_->isMethod();
-        if (isMethod && ordinal == 0) return "the object";
-        return CString::format(function_ ? "argument %u" : "item %u", ordinal + (isMethod ? 0 : 1));
+    ur::vector<CString> steps;
+    for (;;) {
+        std::size_t item = container == nowhere ? 0 : container + 1;
+        std::size_t before = item;
+        unsigned ordinal = 0;
+        for (; item < at; item = behind(item), ++ordinal) before = item;
+        if (container == nowhere) {
+            CString place = outermostPlace(ordinal);
+            for (; !steps.empty(); steps.pop_back()) place.append(steps.back());
+            return place;
+        }
+        Container const& head = std::get<Container>(stack_.values_[container]);
+        if (head.kind == Container::Kind::array) {
+            steps.push_back(CString::format("[%u]", ordinal + 1));
+        } else if (ordinal % 2 == 1) {
+            steps.push_back(CString(".").append(std::get<CString>(stack_.values_[before])));
+        }
+        at = std::exchange(container, head.enclosing(container));
     }
-    Container const& head = std::get<Container>(stack_.values_[container]);
-    CString place = placeOf(container, head.enclosing(container));
-    if (head.kind == Container::Kind::array) return place.append(CString::format("[%u]", ordinal + 1));
-    auto const* const key = ordinal % 2 == 1 ? std::get_if<CString>(&stack_.values_[before]) : nullptr;
-    return key ? place.append(".").append(*key) : place;
 }
 
 }  // namespace nxRFL

@@ -100,6 +100,7 @@ private:
     [[nodiscard]] urString::CString nameOf(ur::TypeInfo type) const;
     [[nodiscard]] urString::CString found() const;
     [[nodiscard]] urString::CString placeOf(std::size_t at, std::size_t container) const;
+    [[nodiscard]] urString::CString outermostPlace(unsigned ordinal) const;
     [[noreturn]] void raise(urString::CString const& place, std::string_view complaint) const;
 
     Stack const& stack_;

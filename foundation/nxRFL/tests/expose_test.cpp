@@ -79,6 +79,13 @@ TEST_F(Exposed, NamesFunctionArgumentExpectedAndFound) {
     EXPECT_EQ(messageOf(feed, 5, "corn", 2), "farm::Animal.feed: the object must be farm::Animal, but is number");
     EXPECT_EQ(messageOf(member("farm::Duck", "quack").function, ur::make<Animal>("Rex"), 1),
               "farm::Duck.quack: the object must be farm::Duck, but is farm::Animal");
+    EXPECT_EQ(messageOf(member("farm::Duck", "quack").function, duck), "farm::Duck.quack takes 1 argument, but got 0");
+    EXPECT_EQ(messageOf(member("farm::Animal", "weight").second, duck, "heavy"),
+              "farm::Animal.weight: argument 1 must be number, but is string");
+    Stack const ducks = call(member("farm::Duck", "make").function, false);
+    Reader unnamed(ducks);  // of no function, so that nobody knows of what else the object is
+    EXPECT_THROW(unnamed.readObject(ur::TypeInfo::of<Animal>()), Exception);
+    EXPECT_NE(unnamed.readObject(ur::TypeInfo::of<Duck>()), nullptr);
     EXPECT_EQ(messageOf(first), "farm::tools.first takes 2 arguments, but got 0");
     EXPECT_EQ(messageOf(first, ur::vector<int>{1}, true),
               "farm::tools.first: argument 1[1] must be farm::Animal, but is number");
@@ -104,6 +111,18 @@ TEST_F(Exposed, TakesPlainValuesThatFitAndLeavesOthers) {
     for (double const count : {-1.0, 0.5, 1e10, std::nan("")}) EXPECT_FALSE(takes(quack, {self, plain(count)}));
     EXPECT_FALSE(takes(quack, {self}) || takes(quack, {self, self}) || takes(quack, {plain(1), plain(1)}));
     EXPECT_FALSE(member("farm::Animal", "friend").second->takesPlainValues());
+    std::string seen;
+    auto const mixed = makeFunction(database, [&](bool flag, CString const& text, signed char small, CString moved) {
+        seen += text.c_str() + std::to_string(small) + moved.c_str();
+        return !flag;
+    });
+    PlainValue const yes{PlainValue::Kind::boolean, true, {.number = 0}, {.pointer = nullptr}};
+    PlainValue const text{PlainValue::Kind::text, false, {.size = 2}, {.bytes = "abc"}};
+    EXPECT_TRUE(takes(mixed, {yes, text, plain(-128), text}));
+    EXPECT_TRUE(result.kind == PlainValue::Kind::boolean && !result.truth && seen == "ab-128ab");
+    EXPECT_FALSE(takes(mixed, {text, text, plain(1), text}) || takes(mixed, {yes, yes, plain(1), text}));
+    EXPECT_FALSE(takes(mixed, {yes, text, plain(128), text}) || takes(mixed, {yes, text, yes, text}));
+    EXPECT_EQ(seen, "ab-128ab");
     database.getClass("farm::Duck")->setAliveTest([](void const*) { return false; });
     EXPECT_FALSE(takes(quack, {self, plain(1)}));
 }
@@ -151,6 +170,27 @@ TEST_F(Exposed, KeepsTheFirstClassAndTheLastMembersOfAName) {
     EXPECT_EQ(first->bases().size(), 2U);
     EXPECT_EQ(Reader(call(member("farm::Duck", "quack").function, duck)).readInt(), 1);
     EXPECT_EQ(Reader(call(quack, duck, 1)).readText(), "quack");
+}
+
+TEST_F(Exposed, RefusesObjectsThatHaveGoneThoseOfDerivedClassesToo) {
+    struct Goose : Duck {
+        using Duck::Duck;
+    };
+    static Animal const* gone = nullptr;
+    database.getClass("farm::Animal")->setAliveTest([](void const* object) { return object != gone; });
+    ExposeClass<Goose>(database, "farm::Goose").addBase<Swimmer>();
+    EXPECT_TRUE(database.getClass("farm::Goose")->isAlive(duck.get())) << "no base has a test";
+    ExposeClass<Goose>(database, "farm::Goose").addBase<Animal>();
+    struct Gosling : Goose {
+        using Goose::Goose;
+    };
+    ExposeClass<Gosling>(database, "farm::Gosling").addBase<Goose>();
+    auto const goose = ur::make<Gosling>("Martin");
+    Object const handle(goose.get(), *database.getClass("farm::Gosling"));
+    auto const& weight = member("farm::Animal", "weight").function;
+    EXPECT_EQ(messageOf(weight, handle), "no error");
+    gone = goose.get();
+    EXPECT_EQ(messageOf(weight, handle), "farm::Animal.weight: the object must not be a farm::Gosling that has gone");
 }
 
 TEST_F(Exposed, HandlesHoldObjectsAsTheirRecordSays) {

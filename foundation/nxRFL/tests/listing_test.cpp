@@ -13,8 +13,15 @@ struct Base {
 struct Item : Base {
     ur::map<urString::CString, double> prices;
 };
+struct Sizes {};
+inline void read(nxRFL::Reader& reader, Sizes& /*sizes*/) { reader.skip(); }
 
 }  // namespace shop
+
+template <>
+struct nxRFL::TypeName<shop::Sizes> {
+    static constexpr char const* name = "number[3]";
+};
 
 namespace {
 
@@ -35,7 +42,11 @@ struct Listing : testing::Test {
             .addMapIterator(
                 "prices", [](Item & item) -> auto& { return item.prices; })
             .setHasHiddenSubclasses();
-        nxRFL::ExposeFunction(database, "shop::till").add("a\"b", [] { return 1; });
+        nxRFL::ExposeFunction(database, "shop::till")
+            .add("a\"b", [] { return 1; })
+            .add("c", [](shop::Sizes, nxRFL::Object const&,
+                         ur::vector<double> const&) { return ur::map<CString, double>(); })
+            .add("d", [] { return std::pair(1, 2); });
     }
     /// The listing of `format` behind what every database knows.
     [[nodiscard]] CString listed(ListingFormat format, char const* first) const {
@@ -56,7 +67,9 @@ TEST_F(Listing, ReadsWell) {
               "    static make(function)\n"
               "    prices(): iterator of object[2]\n"
               "table shop::till\n"
-              "    a\"b(): number\n");
+              "    a\"b(): number\n"
+              "    c(number[3], object, array): dictionary\n"
+              "    d(): object[2]\n");
 }
 
 TEST_F(Listing, IsJson) {
@@ -69,7 +82,9 @@ TEST_F(Listing, IsJson) {
         R"({"name":"make","kind":"static method","signature":["void","function"]},)"
         R"({"name":"prices","kind":"iterator","signature":["nxRFL::IteratorState","shop::Item"],)"
         R"("value":["object[2]","nxRFL::IteratorState"]}]}],)"
-        R"("tables":[{"name":"shop::till","functions":[{"name":"a\"b","kind":"function","signature":["number"]}]}]})"
+        R"("tables":[{"name":"shop::till","functions":[{"name":"a\"b","kind":"function","signature":["number"]},)"
+        R"({"name":"c","kind":"function","signature":["dictionary","number[3]","object","array"]},)"
+        R"({"name":"d","kind":"function","signature":["object[2]"]}]}]})"
         "\n");
 }
 
@@ -92,7 +107,14 @@ TEST_F(Listing, DeclaresForEditors) {
               "function shop.Item:prices() end\n"
               "shop.till = {}\n"
               "---@return number\n"
-              "function shop.till.a\"b() end\n");
+              "function shop.till.a\"b() end\n"
+              "---@param argument1 number[]\n"
+              "---@param argument2 any\n"
+              "---@param argument3 any[]\n"
+              "---@return table<string, any>\n"
+              "function shop.till.c(argument1, argument2, argument3) end\n"
+              "---@return any[]\n"
+              "function shop.till.d() end\n");
 }
 
 }  // namespace

@@ -21,6 +21,12 @@ std::string messageOf(std::function<void()> const& action) {
     return "no error";
 }
 
+struct Counting {
+    void ref() const { ++count; }
+    void unref() const { --count; }
+    mutable int count = 0;
+};
+
 template <class Write>
 Stack written(Write write) {
     Stack stack;
@@ -94,6 +100,10 @@ TEST(Stack, SkipsWhatIsLeftUnread) {
     Reader skipping(stack);
     skipping.skip();
     EXPECT_EQ(skipping.readInt(), 6);
+    skipping.skip();  // at the end
+    EXPECT_EQ(skipping.kind(), Kind::none);
+    Stack none;
+    EXPECT_EQ(messageOf([&] { skipping.readItem(none); }), "item 3 must be a value, but is missing");
 }
 
 TEST(Stack, CopiesSingleItemsWithAllThatTheyHold) {
@@ -136,6 +146,8 @@ TEST(Stack, HoldsAnyDepth) {
     int levels = 0;
     while (reader.kind() == Kind::array) levels += reader.startArray() <= 1 ? 1 : 2;
     EXPECT_EQ(levels, depth);
+    std::string const message = messageOf([&] { reader.readInt(); });
+    EXPECT_EQ(message.size(), std::string_view("item 1 must be number, but is missing").size() + 3 * depth);
     for (int i = 0; i < depth; ++i) reader.endArray();
     EXPECT_EQ(reader.kind(), Kind::none);
 }
@@ -155,10 +167,52 @@ TEST(Stack, StaysWellFormedWhateverIsWritten) {
         EXPECT_EQ(messageOf([&] { writer.endDictionary(); }), "the last entry of a dictionary has no value");
     }
     Writer(stack).writeInt(2);
+    {
+        Writer writer(stack);
+        writer.startArray(1);
+        writer.writeText("of an array, not of a dictionary");
+        writer.startDictionary(1);
+        writer.writeText("a key whose value an exception has kept from coming");
+    }
     Reader reader(stack);
     EXPECT_EQ(reader.startDictionary(), 1U);
     reader.endDictionary();
     EXPECT_EQ(reader.readInt(), 2);
+    EXPECT_EQ(reader.startArray(), 2U);
+    reader.readText();
+    EXPECT_EQ(reader.startDictionary(), 0U);
+    EXPECT_EQ(reader.kind(), Kind::none);
+}
+
+TEST(Reader, TakesNullForAnObjectOrAFunctionAndGoesOn) {
+    Stack const stack = written([](Writer& writer) {
+        for (int i = 0; i < 3; ++i) writer.writeNull();
+        writer.writeInt(1);
+    });
+    Reader reader(stack);
+    EXPECT_EQ(reader.readObjectOrNull(ur::TypeInfo::of<Stack>()), nullptr);
+    EXPECT_TRUE(reader.readAnyObject().null());
+    EXPECT_TRUE(reader.readFunction().null());
+    EXPECT_EQ(messageOf([&] { reader.readAnyObject(); }), "item 4 must be object, but is number");
+    EXPECT_EQ(reader.readInt(), 1);
+}
+
+TEST(Database, LetsAStackGoWithTheLastThatHoldsItIfItWasGiven) {
+    Database database;
+    Class const& stacks = *database.getClass("nxRFL::Stack");
+    Counting object;
+    Object const counted(&object, impl::defaultTypeUtil<Counting>());
+    Stack lent = written([&](Writer& writer) { writer.writeObject(counted); });
+    { Object const handle(&lent, stacks); }
+    EXPECT_EQ(object.count, 2);
+    {
+        Object const copy = [&] {
+            Object const given = Object::give(new Stack(lent), stacks);
+            return Object(given);
+        }();
+        EXPECT_EQ(object.count, 3);
+    }
+    EXPECT_EQ(object.count, 2);
 }
 
 TEST(Stack, TakesAnEmptyContainerForEitherKind) {
