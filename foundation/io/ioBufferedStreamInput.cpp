@@ -5,7 +5,7 @@
 
 urUtil::Error ioBufferedStreamInput::openIOStream(urOS::IOStream& stream) {
     stream_ = &stream;
-    if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(bufferBytes);
+    if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(bufferBytes_);
     cursor_ = end_ = buffer_.get();
     fetched_ = 0;
     atEnd_ = false;
@@ -31,7 +31,7 @@ bool ioBufferedStreamInput::fetch(std::size_t bytes) {
     std::memmove(buffer_.get(), cursor_, kept);
     while (kept < bytes && !atEnd_) {
         std::size_t done = 0;
-        error_ = stream_->read(buffer_.get() + kept, bufferBytes - kept, &done);
+        error_ = stream_->read(buffer_.get() + kept, bufferBytes_ - kept, &done);
         atEnd_ = error_.isError() || done == 0;
         kept += done;
         fetched_ += done;

@@ -14,10 +14,10 @@
 /// One thread at a time.
 class NX_API ioBufferedStreamInput {
 public:
-    /// What `ensure` can promise at once.
-    static constexpr std::size_t bufferBytes = 64 * 1024;
+    static constexpr std::size_t usualBytes = 64 * 1024;
 
-    ioBufferedStreamInput() = default;
+    /// Holds so many bytes at once. Requires: at least 256, which a token and the text in it take up.
+    explicit ioBufferedStreamInput(std::size_t bufferBytes = usualBytes) noexcept : bufferBytes_(bufferBytes) {}
     ioBufferedStreamInput(ioBufferedStreamInput const&) = delete;
     ioBufferedStreamInput& operator=(ioBufferedStreamInput const&) = delete;
 
@@ -27,7 +27,9 @@ public:
     urUtil::Error close();
     [[nodiscard]] urUtil::Error const& error() const noexcept { return error_; }
 
-    /// Whether the next `bytes` bytes are there, at most `bufferBytes` of them.
+    /// What `ensure` can promise at once.
+    [[nodiscard]] std::size_t bufferBytes() const noexcept { return bufferBytes_; }
+    /// Whether the next `bytes` bytes are there, at most `bufferBytes()` of them.
     [[nodiscard]] bool ensure(std::size_t bytes) { return available() >= bytes || fetch(bytes); }
     /// The number of bytes that are there without asking the stream.
     [[nodiscard]] std::size_t available() const noexcept { return static_cast<std::size_t>(end_ - cursor_); }
@@ -45,6 +47,7 @@ public:
 private:
     bool fetch(std::size_t bytes);
 
+    std::size_t bufferBytes_;
     urOS::IOStream* stream_ = nullptr;
     std::unique_ptr<char[]> buffer_;
     char const* cursor_ = nullptr;

@@ -3,12 +3,6 @@
 
 #include <utility>
 
-namespace {
-
-constexpr std::size_t bufferBytes = 64 * 1024;
-
-}  // namespace
-
 ioBufferedStreamOutput::~ioBufferedStreamOutput() {
     try {
         static_cast<void>(close());
@@ -19,9 +13,9 @@ ioBufferedStreamOutput::~ioBufferedStreamOutput() {
 urUtil::Error ioBufferedStreamOutput::openIOStream(urOS::IOStream& stream) {
     urUtil::Error former = close();
     stream_ = &stream;
-    buffer_ = std::make_unique_for_overwrite<char[]>(bufferBytes);
+    buffer_ = std::make_unique_for_overwrite<char[]>(bufferBytes_);
     cursor_ = buffer_.get();
-    end_ = cursor_ + bufferBytes;
+    end_ = cursor_ + bufferBytes_;
     passed_ = 0;
     error_ = urUtil::Error();
     return former;
@@ -50,6 +44,6 @@ void ioBufferedStreamOutput::pass() {
 
 void ioBufferedStreamOutput::writeAcross(std::string_view bytes) {
     pass();
-    if (bytes.size() > bufferBytes) return send(bytes);
+    if (bytes.size() > bufferBytes_) return send(bytes);
     write(bytes);
 }

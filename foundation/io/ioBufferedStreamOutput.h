@@ -16,7 +16,10 @@
 /// that worked calls `close` before. The first error stays: from then on bytes are dropped. One thread at a time.
 class NX_API ioBufferedStreamOutput {
 public:
-    ioBufferedStreamOutput() = default;
+    static constexpr std::size_t usualBytes = 64 * 1024;
+
+    /// Hands down so many bytes at once. Requires: at least 128.
+    explicit ioBufferedStreamOutput(std::size_t bufferBytes = usualBytes) noexcept : bufferBytes_(bufferBytes) {}
     ioBufferedStreamOutput(ioBufferedStreamOutput const&) = delete;
     ioBufferedStreamOutput& operator=(ioBufferedStreamOutput const&) = delete;
     ~ioBufferedStreamOutput();
@@ -52,6 +55,7 @@ private:
     void writeAcross(std::string_view bytes);
     void send(std::string_view bytes);
 
+    std::size_t bufferBytes_;
     urOS::IOStream* stream_ = nullptr;
     std::unique_ptr<char[]> buffer_;
     char* cursor_ = nullptr;

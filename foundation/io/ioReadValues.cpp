@@ -65,7 +65,7 @@ std::string_view ioReadContext::otherTextValue() {
     if (!comeToValue()) return {};
     if (ioFormat::kindOf(nextByte()) == ioFormat::name) return readName();
     if (!readNumber(ioFormat::text, size)) return {};
-    if (size > ioBufferedStreamInput::bufferBytes) return takeLongText(size);
+    if (size > input_.bufferBytes()) return takeLongText(size);
     return need(size) ? takeText(size) : std::string_view();
 }
 

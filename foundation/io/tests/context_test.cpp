@@ -72,30 +72,39 @@ TEST(Contexts, AreMadeOnlyForOpenStreamsAndReportTheirFailures) {
     EXPECT_EQ(output.close().code(), 28);
 }
 
-TEST(Contexts, KeepWorkingWhenPacketsEndWhereTheBufferEnds) {
-    // Objects of one byte less or more each time, so that an end meets every place around the buffer's end.
-    std::vector<int> objects(3000);
-    for (std::size_t shift = 0; shift < 8; ++shift) {
-        std::string const bytes = written([&](ioWriteContext& context) {
-            context.startPacket("a", nullptr);
-            context.writeStringValue(std::string(65480 + shift, 'x').c_str());
-            for (int& object : objects) {
-                context.startPacket("b", &object);
-                context.endPacket();
-                context.writeReference(&object, 0);
-            }
+TEST(Contexts, WriteAndReadTheSameThroughBuffersOfEverySize) {
+    std::vector<int> objects(300);
+    auto const write = [&](ioWriteContext& context) {
+        context.startPacket("a", nullptr);
+        for (int& object : objects) {
+            context.writeNameValue(std::string(static_cast<std::size_t>(&object - objects.data()) % 40, 'k'));
+            context.startPacket("b", &object);
+            context.writeDoubleValue(0.1);
             context.endPacket();
-        });
-        int read = 0;
+            context.writeReference(&object, 0);
+            context.writeTextValue(std::string(static_cast<std::size_t>(&object - objects.data()), 'x'));
+        }
+        context.endPacket();
+    };
+    std::string const bytes = written(write, 0, addTypes, ioBufferedStreamOutput::usualBytes);
+    for (std::size_t extra = 0; extra < 40; ++extra) {
+        EXPECT_EQ(written(write, 0, addTypes, leastOutput + extra), bytes);
+        std::size_t next = 0;
         Reader reader;
+        reader.buffer = leastInput + extra;
         reader.on("a", [&](ioReadContext& context) {
-            static_cast<void>(context.readStringValue());
-            for (std::size_t i = 0; i < objects.size(); ++i) read += context.readReference(0) == &objects[i];
+            for (std::size_t i = 0; i < objects.size(); ++i) {
+                ASSERT_EQ(context.readTextValue(), std::string(i % 40, 'k'));
+                ASSERT_EQ(context.readReference(0), &objects[i]);
+                ASSERT_EQ(context.readTextValue(), std::string(i, 'x'));
+            }
         });
-        int next = 0;
-        reader.on("b", [&](ioReadContext& context) { context.definePacketObject(&objects[next++]); });
+        reader.on("b", [&](ioReadContext& context) {
+            EXPECT_EQ(context.readDoubleValue(), 0.1);
+            context.definePacketObject(&objects[next++]);
+        });
         EXPECT_EQ(reader.read(bytes), 0);
-        EXPECT_EQ(read, 3000);
+        EXPECT_EQ(reader.log, "<aa>");
     }
 }
 

@@ -28,12 +28,16 @@ inline void addTypes(ioSimplePacketRegistry& types) {
     for (char const* name : {"a", "b", "c"}) types.add(name);
 }
 
+/// Small, so that everything happens at the ends of buffers.
+inline constexpr std::size_t leastOutput = 128;
+inline constexpr std::size_t leastInput = 256;
+
 /// The bytes that `write` makes between the start and the end of a file; types "a", "b" and "c" are known, or others.
 inline std::string written(Writing const& write, int expectedStatus = 0,
-                           void (*types)(ioSimplePacketRegistry&) = addTypes) {
+                           void (*types)(ioSimplePacketRegistry&) = addTypes, std::size_t buffer = leastOutput) {
     urOS::MemoryIOStream stream(100);
     static_cast<void>(stream.open(urOS::openForWriting));
-    ioBufferedStreamOutput output;
+    ioBufferedStreamOutput output(buffer);
     static_cast<void>(output.openIOStream(stream));
     ioSimplePacketRegistry registry(false);
     urRTB::SignalClient client;
@@ -106,7 +110,7 @@ public:
         return read(stream);
     }
     int read(urOS::IOStream& stream) {
-        ioBufferedStreamInput input;
+        ioBufferedStreamInput input(buffer);
         static_cast<void>(input.openIOStream(stream));
         ioSimplePacketRegistry registry(true);
         for (auto& type : types_) registry.supportedType(std::move(type));
@@ -120,6 +124,7 @@ public:
 
     std::string log;
     std::uint64_t position = 0;
+    std::size_t buffer = leastInput;
 
 private:
     std::vector<std::unique_ptr<FunctionType>> types_;

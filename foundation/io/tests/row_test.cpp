@@ -1,0 +1,197 @@
+// The quick ways to write and read rows of small packets, beside the plain ones.
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "foundation/io/tests/packetFiles.h"
+
+namespace {
+
+using namespace ioTest;
+using namespace std::string_view_literals;
+
+std::vector<double> const numbers{0.0, -0.0, 15, 16, -17, 0.5, 1e6, 2147483647.0, -2147483648.0, 2147483648.0};
+
+std::string nameOf(std::size_t i) { return std::string(i % 31, static_cast<char>('a' + i % 7)); }
+double numberOf(std::size_t i) { return numbers[i % numbers.size()]; }
+std::string textOf(std::size_t i) { return std::string(i % 31, 'x'); }
+constexpr std::size_t entries = 300;
+
+void writePlainly(ioWriteContext& context, ioPacketTypeId type, std::size_t i) {
+    context.writeNameValue(nameOf(i));
+    context.startNewPacket(type, nullptr);
+    context.writeIntValue(static_cast<int>(i));
+    context.writeReferredPacket(type, numberOf(i));
+    context.writeReferredPacket(type, i % 2 == 0);
+    context.writeReferredPacket(type, std::string_view(textOf(i)));
+    context.endReferredPacket();
+}
+
+/// False where there is no room.
+bool writeInRow(ioWriteContext& context, unsigned char first, std::size_t i) {
+    ioWriteContext::Row row(context);
+    if (!row.hasRoom()) return false;
+    row.name(nameOf(i));
+    row.enter(first, static_cast<int>(i));
+    for (int value = 0; value < 3; ++value) {
+        if (!row.hasRoom()) std::abort();  // the buffer of this test has it
+        if (value == 0) row.packet(first, numberOf(i));
+        if (value == 1) row.packet(first, i % 2 == 0);
+        if (value == 2) row.packet(first, std::string_view(textOf(i)));
+    }
+    row.leave();
+    return true;
+}
+
+std::string rows(bool areQuick) {
+    return written(
+        [&](ioWriteContext& context) {
+            context.startPacket("a", nullptr);
+            ioPacketTypeId const type = context.typeId("b");
+            EXPECT_EQ(context.firstByteOf(type), 0) << "the file has not named it";
+            EXPECT_EQ(context.firstByteOf(ioPacketTypeId::none), 0);
+            writePlainly(context, type, 0);
+            unsigned char const first = context.firstByteOf(type);
+            EXPECT_EQ(first, 0xA1);
+            std::size_t inRows = 0;
+            for (std::size_t i = 1; i < entries; ++i) {
+                if (areQuick && writeInRow(context, first, i)) {
+                    ++inRows;
+                } else {
+                    writePlainly(context, type, i);
+                }
+            }
+            EXPECT_EQ(inRows > 0, areQuick);
+            context.endPacket();
+        },
+        0, addTypes, areQuick ? std::size_t(64) * 1024 : leastOutput);
+}
+
+TEST(Rows, AreTheBytesThatTheContextWrites) { EXPECT_EQ(rows(true), rows(false)); }
+
+TEST(Rows, GiveNothingToAContextThatTakesNoValues) {
+    written(
+        [](ioWriteContext& context) {
+            EXPECT_FALSE(ioWriteContext::Row(context).hasRoom()) << "no packet is open";
+            context.endPacket();
+        },
+        number(ioStatus::misuse), addTypes, std::size_t(64) * 1024);
+}
+
+TEST(Rows, ReadWhatTheContextReads) {
+    for (std::size_t extra = 0; extra < 40; ++extra) {
+        std::size_t quick = 0;
+        Reader reader;
+        reader.buffer = leastInput + extra;
+        reader.on("a", [&](ioReadContext& context) {
+            for (std::size_t i = 0; i < entries; ++i) {
+                std::string name;
+                double value = 7;
+                bool isEven = false;
+                std::string text;
+                std::size_t size = 0;
+                auto const inRow = [&](auto read) {
+                    ioReadContext::Row row(context);
+                    bool const isRead = row.hasMore() && read(row);
+                    quick += isRead;
+                    return isRead;
+                };
+                std::string_view view;
+                if (inRow([&](auto& row) { return row.name(view); })) {
+                    name = view;
+                } else {
+                    name = context.readTextValue();
+                }
+                if (!inRow([&](auto& row) { return row.first() == 0xA1 && row.enter(size); })) {
+                    ASSERT_TRUE(context.openPacket());
+                    size = static_cast<std::size_t>(context.readIntValue());
+                }
+                auto const close = [&] { ASSERT_EQ(context.closePacket(), ioReadContext::Ending::referred); };
+                if (!inRow([&](auto& row) { return row.packet(value); })) {
+                    ASSERT_TRUE(context.openPacket());
+                    value = context.readDoubleValue();
+                    close();
+                }
+                if (!inRow([&](auto& row) { return row.packet(isEven); })) {
+                    ASSERT_TRUE(context.openPacket());
+                    isEven = context.readBoolValue();
+                    close();
+                }
+                if (inRow([&](auto& row) { return row.packet(view); })) {
+                    text = view;
+                } else {
+                    ASSERT_TRUE(context.openPacket());
+                    text = context.readTextValue();
+                    close();
+                }
+                if (!inRow([&](auto& row) { return row.leave(); })) close();
+                ASSERT_EQ(name, nameOf(i));
+                ASSERT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(numberOf(i)));
+                ASSERT_EQ(isEven, i % 2 == 0);
+                ASSERT_EQ(text, textOf(i));
+                ASSERT_EQ(size, i);
+            }
+        });
+        reader.on("b", [](ioReadContext&) { FAIL() << "its packets are opened here"; });
+        EXPECT_EQ(reader.read(rows(false)), 0);
+        EXPECT_GT(quick, entries);
+    }
+}
+
+TEST(Rows, LeaveWhatIsNotUsualWhereItIs) {
+    struct Case {
+        std::string_view bytes;
+        char what;  // name, bool, double, text, enter, leave
+    };
+    Case const cases[] = {
+        {"\xE0\x61k"sv, 'n'},                                     // given, not named before
+        {"\xE3"sv, 'n'},                                          // not given
+        {"\xFF\x80\x01"sv, 'n'},                                  // too long a number
+        {"\x61k"sv, 'n'},                                         // a text
+        {"\xA1\x02\x04"sv, 'b'},                                  // no truth value
+        {"\xA1\x01\x03"sv, 'b'},                                  // no reference
+        {"\xA1\x20\x04"sv, 'd'},                                  // an integer
+        {"\xA1\x5F\xE1\xFF\xFF\xFF\x0F\x04"sv, 'd'},              // beyond 32 bits
+        {"\xA1\x42\x03"sv, 'd'},                                  // no reference
+        {"\xA1\x02\x00\x00\x00\x00\x00\x00\xE0\x3F\x03"sv, 'd'},  // no reference
+        {"\xA1\x62x\x00\x04"sv, 't'},                             // a NUL
+        {"\xA1\x61x\x03"sv, 't'},                                 // no reference
+        {"\xA1\x7F\xFF\x7Fx"sv, 't'},                             // more than there is
+        {"\xA1\x22"sv, 't'},                                      // no text
+        {"\xA1\x21\x04"sv, 'e'},                                  // a negative size
+        {"\xA1\x3F\x01\x04"sv, 'e'},                              // a long number
+        {"\xA1\x42\x04"sv, 'e'},                                  // no integer
+        {"\x04"sv, 'l'},                                          // the outermost packet
+    };
+    for (Case const& c : cases) {
+        Reader reader;
+        reader.on("a", [&](ioReadContext& context) {
+            EXPECT_EQ(context.readTextValue(), "first");
+            ioReadContext::Row row(context);
+            ASSERT_TRUE(row.hasMore());
+            std::string_view text;
+            bool truth = false;
+            double value = 0;
+            std::size_t size = 0;
+            unsigned char const first = row.first();
+            switch (c.what) {
+                case 'n': EXPECT_FALSE(row.name(text)); break;
+                case 'b': EXPECT_FALSE(row.packet(truth)); break;
+                case 'd': EXPECT_FALSE(row.packet(value)); break;
+                case 't': EXPECT_FALSE(row.packet(text)); break;
+                case 'e': EXPECT_FALSE(row.enter(size)); break;
+                default: EXPECT_FALSE(row.leave());
+            }
+            EXPECT_EQ(row.first(), first);
+            EXPECT_EQ(first, static_cast<unsigned char>(c.bytes[0]));
+        });
+        static_cast<void>(
+            reader.read(file("\x05\x61\x61\x05\x61\x62\xA0\xE0\x65"
+                             "first" +
+                             std::string(c.bytes) + std::string(20, '\x20'))));
+    }
+}
+
+}  // namespace
