@@ -27,6 +27,9 @@ protected:
     ReferenceCount& operator=(ReferenceCount const& /*other*/) noexcept { return *this; }
     virtual ~ReferenceCount() = default;
 
+    /// Drops one holder and never deletes: for a constructor that has held its object while others might let go of it.
+    void unrefInConstructor() const noexcept { --count_; }
+
 private:
     mutable int count_ = 0;
 };

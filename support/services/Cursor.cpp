@@ -15,13 +15,14 @@ Cursor::Cursor(void const* client, urString::CString const& name, CursorSlot* sl
 Cursor::Cursor(void const* client, urString::CString const& name, CursorSlot* slot, ur::Reference<urImage::Image> image,
                urLinear::Point2 const& hotspot)
     : client_(client), name_(name), image_(std::move(image)), hotspot_(hotspot), link_(slot->link_) {
+    ref();  // a listener that holds the cursor for a while must not end it
     try {
         slot->add(client, *this);
     } catch (...) {
         if (link_->slot) link_->slot->forget(*this);
         throw;
     }
-    made_ = true;
+    unrefInConstructor();
 }
 
 Cursor::Cursor(Cursor const& other)
@@ -30,22 +31,16 @@ Cursor::Cursor(Cursor const& other)
       name_(other.name_),
       image_(other.image_),
       hotspot_(other.hotspot_),
-      link_(other.link_),
-      made_(true) {}
+      link_(other.link_) {}
 
 Cursor::~Cursor() {
-    if (!made_ || !slot()) return;
+    if (!slot()) return;
+    ref();  // as in the constructor
     try {
         slot()->removeDying(client_, *this);
     } catch (...) {
         urOS::reportException("nxSupport::Cursor", std::current_exception());
     }
-}
-
-void Cursor::operator delete(Cursor* cursor, std::destroying_delete_t) {
-    if (!cursor->made_) return;
-    cursor->~Cursor();
-    ::operator delete(cursor);
 }
 
 CursorSlot* Cursor::slot() const noexcept { return link_->slot; }

@@ -1,9 +1,6 @@
 // A request to show a mouse cursor.
 #pragma once
 
-#include <cstddef>
-#include <new>
-
 #include "foundation/ur/Export.h"
 #include "foundation/ur/Reference.h"
 #include "foundation/ur/ReferenceCount.h"
@@ -40,11 +37,6 @@ public:
     /// Changes what is shown, not who has precedence.
     void setImage(ur::Reference<urImage::Image> image, urLinear::Point2 const& hotspot);
 
-    static void* operator new(std::size_t bytes) { return ::operator new(bytes); }
-    /// Not before it has been made: a listener that hears of a new cursor may hold it before its maker does.
-    static void operator delete(Cursor* cursor, std::destroying_delete_t);
-    static void operator delete(void* memory) noexcept { ::operator delete(memory); }
-
 protected:
     /// Takes the request back. What a listener throws is printed on the application output.
     ~Cursor() override;
@@ -59,7 +51,6 @@ private:
     ur::Reference<urImage::Image> image_;
     urLinear::Point2 hotspot_;
     ur::Reference<impl::SlotLink> link_;
-    bool made_ = false;
 };
 
 }  // namespace nxSupport

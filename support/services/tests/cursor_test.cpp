@@ -100,6 +100,20 @@ TEST_F(CursorTest, CursorsAndCopiesOutliveTheirSlot) {
     a->setImage({}, {});
 }
 
+TEST_F(CursorTest, MayBeAnyPartOfAnObjectOfAnyAlignment) {
+    struct Widget {
+        virtual ~Widget() = default;
+        int state[5] = {};
+    };
+    struct alignas(64) ToolCursor final : Widget, Cursor {
+        explicit ToolCursor(CursorSlot* slot) : Cursor(this, "tool", slot) {}
+    };
+    ur::Reference<Cursor> const first = make<ToolCursor>(slot.get()), second = make<ToolCursor>(slot.get());
+    for (Cursor* const cursor : {first.get(), second.get()})
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(dynamic_cast<ToolCursor*>(cursor)) % 64, 0U);
+    EXPECT_EQ(winner(), "tool");
+}
+
 TEST_F(CursorTest, ListenersMayHoldACursorBeforeItsMakerDoesOrThrowOrDestroyTheSlot) {
     auto throwing = slot->cursorsChanged.addCallback([&] {
         ur::Reference<Cursor> const held(slot->cursorWithPrecedence());
@@ -112,6 +126,8 @@ TEST_F(CursorTest, ListenersMayHoldACursorBeforeItsMakerDoesOrThrowOrDestroyTheS
     auto a = cursor(tool, "arrow");
     EXPECT_EQ(a->referenceCount(), 1);
     throwing.unblock();
+    Cursor* const dying = a.get();
+    slot->cursorsChanged.addCallback([=] { ur::Reference<Cursor> const held(dying); });
     a.reset();
     EXPECT_EQ(printed(), "nxSupport::Cursor: listener\n");
 
