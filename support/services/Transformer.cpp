@@ -68,7 +68,7 @@ void Transformer::setRotate(double angle) {
 void Transformer::setScale(Vector const& factors) {
     set(previousScale_, scale_, unitScale, factors);
     bool const isUniform = scale_.x == scale_.y && scale_.y == scale_.z;
-    if (op_ != Op::none && !isUniform) op_ = Op::nonUniformScale;
+    if (!isUniform) op_ = Op::nonUniformScale;
     transformChanged.emit(this);
 }
 

@@ -38,7 +38,7 @@ public:
 
     void setTranslate(urLinear::Vector const& translation);
     void setRotate(double angle);
-    /// Factors along the axes of the start matrix. Unequal ones make the gesture a non-uniform scale for good.
+    /// Factors along the axes of the start matrix. Unequal ones make any gesture a non-uniform scale, until it ends.
     void setScale(urLinear::Vector const& factors);
     void setXForm(urLinear::AffineMatrix const& transform);
 

@@ -58,9 +58,27 @@ struct TransformerTest : testing::Test {
 
 TEST_F(TransformerTest, WithoutAGestureNothingHappensToTheObject) {
     transformer.setTranslate({1, 2, 3});
-    transformer.setScale({1, 2, 3});
+    transformer.setScale({2, 2, 2});
     EXPECT_EQ(transformer.getCurrentOp(), Op::none);
     EXPECT_TRUE(totalOf(transformer) == AffineMatrix() && deltaOf(transformer) == AffineMatrix());
+}
+
+TEST_F(TransformerTest, UnequalFactorsMakeAnythingANonUniformScale) {
+    auto const expectScale = [&] {
+        for (Vector const& factors : {Vector(1, 1, 3), Vector(1, 3, 3), Vector(2, 3, 2)}) {
+            transformer.setScale(factors);
+            EXPECT_EQ(transformer.getCurrentOp(), Op::nonUniformScale);
+            EXPECT_TRUE(equivalent(totalOf(transformer), AffineMatrix().scale(factors.x, factors.y, factors.z)));
+            transformer.setScale({2, 2, 2});
+            EXPECT_EQ(transformer.getCurrentOp(), Op::nonUniformScale);
+            transformer.finish();
+        }
+    };
+    expectScale();  // without a gesture
+    transformer.startRotate({}, {});
+    expectScale();
+    transformer.startXForm({});
+    expectScale();
 }
 
 TEST_F(TransformerTest, ListenersHearOfEachStepAndEveryGestureStartsAnew) {
@@ -144,6 +162,8 @@ TEST_F(TransformerTest, DeltasMakeTheTotal) {
             case 2: transformer.startScale(start, Point() + draw.vector()); break;
             default: transformer.startXForm(start);
         }
+        for (auto const& matrix : {totalOf(transformer), deltaOf(transformer)})
+            EXPECT_TRUE(equivalent(matrix, AffineMatrix(), 1e-9)) << "something is left of the gesture before";
         AffineMatrix sum, rawSum;
         Line line, deltaLine;
         double angle = 0, delta = 0, angles = 0;
