@@ -20,16 +20,14 @@ Recording::Index Recording::begin(Kind kind, std::uint32_t name, Clock::time_poi
 }
 
 void Recording::end(Index index, std::int64_t now) noexcept {
-    if (index < events.size()) events[index].duration = std::max<std::int64_t>(now - events[index].begin, 0);
+    if (index != notKept) events[index].duration = std::max<std::int64_t>(now - events[index].begin, 0);
 }
 
 std::int64_t Recording::sinceOrigin(Clock::time_point when) const noexcept {
     return std::max<std::int64_t>(std::chrono::nanoseconds(when - origin).count(), 0);
 }
 
-/// 0 when there is no room for the event itself.
 std::uint32_t Recording::nameOf(std::string_view text) {
-    if (isFull()) return 0;
     text = text.substr(0, longestName);
     if (auto const known = namePlaces.find(text); known != namePlaces.end()) return known->second;
     auto const place = static_cast<std::uint32_t>(names.size());
@@ -41,7 +39,6 @@ std::uint32_t Recording::nameOf(std::string_view text) {
 std::uint32_t Recording::nameOf(ur::TypeInfo keyClass) {
     auto const known = classNames.find(keyClass);
     if (known != classNames.end()) return known->second;
-    if (isFull()) return 0;
     return classNames[keyClass] = nameOf(keyClass.readableName());
 }
 
@@ -70,14 +67,13 @@ std::size_t Timeline::beginScriptCall(std::string_view name) noexcept {
     std::size_t const depth = open.size();
     recording_->attempt([&] {
         open.push_back(Recording::notKept);
-        open.back() = recording_->begin(Recording::Kind::script, recording_->nameOf(name));
+        open.back() = recording_->beginNamed(Recording::Kind::script, name);
     });
     return depth;
 }
 
 void Timeline::endScriptCalls(std::size_t depth) noexcept {
     auto& open = recording_->openScripts;
-    if (open.size() <= depth) return;
     std::int64_t const now = recording_->sinceOrigin(Recording::Clock::now());
     for (; open.size() > depth; open.pop_back()) recording_->end(open.back(), now);
 }
@@ -103,7 +99,7 @@ void Timeline::onBuildBegin(ur::TypeInfo keyClass) noexcept {
     recording_->attempt([&] {
         auto& open = recording_->openBuilds;
         open.push_back(Recording::notKept);
-        open.back() = recording_->begin(Recording::Kind::build, recording_->nameOf(keyClass));
+        open.back() = recording_->beginNamed(Recording::Kind::build, keyClass);
     });
 }
 
@@ -118,7 +114,7 @@ void Timeline::onBuildEnd(unsigned bytes) noexcept {
 
 void Timeline::onLeave(ur::TypeInfo keyClass, unsigned bytes, urKRCache::Leaving why) noexcept {
     recording_->attempt([&] {
-        Recording::Index const index = recording_->begin(Recording::Kind::drop, recording_->nameOf(keyClass));
+        Recording::Index const index = recording_->beginNamed(Recording::Kind::drop, keyClass);
         if (index == Recording::notKept) return;
         recording_->events[index].duration = 0;
         recording_->events[index].bytes = bytes;

@@ -49,6 +49,11 @@ struct Recording {
         }
     }
     Index begin(Kind kind, std::uint32_t name, Clock::time_point when = Clock::now());
+    /// What is not kept gets no name either.
+    template <class Named>
+    Index beginNamed(Kind kind, Named const& named) {
+        return begin(kind, isFull() ? 0 : nameOf(named));
+    }
     void end(Index index, std::int64_t now) noexcept;
     void end(Index index) noexcept { end(index, sinceOrigin(Clock::now())); }
     [[nodiscard]] std::int64_t sinceOrigin(Clock::time_point when) const noexcept;

@@ -23,6 +23,8 @@ TEST_F(DebugTest, CodesHaveNamesAndDescriptions) {
         EXPECT_EQ(debug.findCodeByName(name), code);
     }
     EXPECT_EQ(debug.findCodeByName("debug_fab"), NUM_CODES);
+    EXPECT_EQ(Debug::getActionDescription(DebugAction_CopyToITunes), "Copy To iTunes");
+    EXPECT_EQ(Debug::getActionDescription(static_cast<DebugAction>(1)), "Copy From iTunes");
     EXPECT_EQ(Debug::getActionDescription(static_cast<DebugAction>(2)), "~ unknown ~");
 }
 
@@ -121,6 +123,7 @@ TEST_F(DebugTest, ListsSwitchCodesFromLeftToRight) {
         {"Debug_Undoo,Undo", {}, "Debug_Undoo:Debug_Undo Undo:Debug_Undo "},
         {"resource,-hitest,49", {}, "resource:Debug_Resources hitest:Debug_HitTest 49:NUM_CODES "},
         {"99999999999999999999,7", {7}, "99999999999999999999:NUM_CODES "},
+        {"draw,callstack", {}, "draw:Debug_DMA callstack:Debug_CallStack1 "},
         {"debug_fab,--1,-,rubbish", {}, "debug_fab:Debug_Fab -1:NUM_CODES rubbish:NUM_CODES "},
     };
     for (auto const& [list, on, expected] : cases) {

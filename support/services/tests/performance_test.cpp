@@ -84,7 +84,11 @@ TEST_F(PerformanceTest, TimesArePrintedByLabelAndRatesAsReciprocals) {
     EXPECT_EQ(printed(),
               urString::CString::format("Update UI = %.03f\nTumble = %4.8f\npi = 3.14\n", spent, 1 / tumbled).view());
     EXPECT_FALSE(performance.getWatch(code(17)).isRunning());
-    for (int const none : {-1, 17, 18}) EXPECT_EQ(Performance::labelFormat(code(none)), "~ unknown ~");
+    for (int const none : {-1, 17, 18}) {
+        EXPECT_EQ(Performance::labelFormat(code(none)), "~ unknown ~");
+        EXPECT_FALSE(Performance::displayInverse(code(none)));
+    }
+    EXPECT_TRUE(Performance::displayInverse(Perf_Tumble) && !Performance::displayInverse(Perf_DrawTotal));
 }
 
 }  // namespace

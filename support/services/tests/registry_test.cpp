@@ -34,6 +34,19 @@ TEST(RegistryValue, IsEmptyForNothingUntilItsItemIsAskedFor) {
     }
 }
 
+TEST(RegistryValue, CrossesOverAsACopyAndNoneAsNull) {
+    Stack stack;
+    nxRFL::Writer writer(stack);
+    for (RegistryValue const& value : {valueOf(3.0), RegistryValue()}) write(writer, value);
+    Reader reader(stack);
+    RegistryValue first = valueOf(1.0), second = first;
+    read(reader, first);
+    EXPECT_EQ(numberIn(first), 3);
+    read(reader, second);
+    EXPECT_FALSE(second);
+    EXPECT_EQ(reader.kind(), nxRFL::Kind::none);
+}
+
 TEST(Registry, SharesValuesThatOutliveTheirKeysAndIsSeenThroughItsCopies) {
     auto registry = std::make_unique<Registry>();
     RegistryValue const one = valueOf(1.0);

@@ -12,6 +12,7 @@
 #include "support/messaging/tests/Host.h"
 #include "support/services/PerfScope.h"
 #include "support/services/Timeline.h"
+#include "support/services/impl/Recording.h"
 
 namespace nxSupport {
 namespace {
@@ -96,6 +97,42 @@ TEST(Timeline, ScriptCallsLeftByAnErrorEndTogether) {
         EXPECT_EQ(Trace(timeline).text(), "B outer\nB a\nB b\nX a\n");
     }
     EXPECT_EQ(Trace(timeline).text(), "X outer\nX a\nX b\nX a\n");
+}
+
+TEST(Timeline, KeepsTimesToTheNanosecondAndNoneBeforeItsOwnBeginning) {
+    using namespace std::chrono_literals;
+    Timeline timeline;
+    Host host;
+    auto const begin = ContextObserver::Clock::now() + 5s;
+    std::pair<std::chrono::nanoseconds, std::chrono::nanoseconds> const spans[] = {
+        {0s, 1500007ns}, {1500007ns, 0s}, {-1h, 1ns}};
+    for (auto const& [from, to] : spans) {
+        Context const context(&host, Context::Const);
+        timeline.onEnd(context, begin, {});  // begun unseen
+        timeline.onBegin(context, begin + from);
+        timeline.onEnd(context, begin + to, {});
+    }
+    Trace const trace(timeline);
+    EXPECT_EQ(trace.text(), "X Const\nX Const\nX Const\n");
+    EXPECT_GE(trace.number(0, "ts"), 5e6);
+    EXPECT_NEAR(trace.number(0, "dur"), 1500.007, 1e-6);
+    EXPECT_EQ(trace.number(1, "dur"), 0);
+    EXPECT_EQ(trace.number(2, "ts"), 0);
+}
+
+TEST(Timeline, IgnoresWhatIsNoActivityOrUnderWayAndCutsLongNames) {
+    ScriptCallScope const unrecorded("nowhere");
+    Timeline timeline;
+    for (int const none : {-1, 17, 18, 1 << 30}) {
+        timeline.beginPerformance(static_cast<PerformanceCode>(none));
+        timeline.endPerformance(static_cast<PerformanceCode>(none));
+    }
+    for (int i = 0; i < 2; ++i) timeline.beginPerformance(Perf_DrawInit);
+    timeline.beginScriptCall(std::string(1000, 'n'));
+    EXPECT_EQ(Trace(timeline).text(), "B Draw Init\nB " + std::string(impl::Recording::longestName, 'n') + "\n");
+    impl::Recording full(1);
+    for (char const* name : {"a", "b"}) full.beginNamed(impl::Recording::Kind::script, std::string_view(name));
+    EXPECT_TRUE(full.names.size() == 1 && full.dropped == 1);
 }
 
 TEST(Timeline, KeepsNoMoreThanItsLimitAndForgetsNothingOnTheWayOut) {
