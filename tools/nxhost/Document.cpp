@@ -17,24 +17,36 @@ using urString::CString;
 
 namespace {
 
-/// Whether it succeeded; `result` is then what it returned.
-bool call(nxRFL::Callback const& callback, CString const* name, ScriptValue const& value, ScriptValue* result) {
+void tell(nxRFL::Callback const& listener, CString const& name, ScriptValue const& value) {
     nxRFL::Stack arguments;
     nxRFL::Stack results;
     nxRFL::Writer writer(arguments);
-    if (name) writer.writeText(*name);
+    writer.writeText(name);
     write(writer, value);
-    nxSupport::ScriptCallScope const scope(name ? "listener" : "validator");
-    if (!callback.call(arguments, results)) return false;
-    if (!result) return true;
+    nxSupport::ScriptCallScope const scope("listener");
+    listener.call(arguments, results);
+}
+
+/// What the validator makes of the value. What it fails with fails the change.
+ScriptValue corrected(Function const& validator, CString const& name, ScriptValue const& value) {
+    nxRFL::Stack arguments;
+    nxRFL::Stack results;
+    nxRFL::Writer writer(arguments);
+    write(writer, value);
+    nxSupport::ScriptCallScope const scope("validator");
+    validator.call(arguments, results);
+    auto const refuse = [&name](char const* why) {
+        throw nxRFL::Exception(CString::format("the validator of \"%s\" %s", name.c_str(), why));
+    };
+    if (results.empty()) refuse("returns nothing");
+    ScriptValue result;
     try {
         nxRFL::Reader reader(results);
-        read(reader, *result);
+        read(reader, result);
     } catch (nxRFL::Exception const& error) {
-        callback.callHandler(error);
-        return false;
+        refuse(CString("returns no value: ").append(error.message()).c_str());
     }
-    return true;
+    return result;
 }
 
 }  // namespace
@@ -94,7 +106,7 @@ void Document::listen(CString const& name, Reference<Function> const& function) 
     listened.connections.push_back(
         listened.view->subscribe([name, callback = nxRFL::Callback(function)](Reference<Property const> const& property,
                                                                               nxSupport::PropertyModType stage) {
-            if (stage == nxSupport::ModifyEnd) call(callback, &name, {property->value()}, nullptr);
+            if (stage == nxSupport::ModifyEnd) tell(callback, name, {property->value()});
         }));
 }
 
@@ -102,9 +114,8 @@ void Document::validate(CString const& name, Reference<Function> const& function
     requireFunction(function != nullptr, "nxhost::Document.validate", 2);
     Entry& validated = entry(name);
     validated.connections.push_back(validated.property->subscribeValidation(
-        [callback = nxRFL::Callback(function)](Reference<Property const> const&, Property::ItemReference& candidate) {
-            ScriptValue corrected;
-            if (call(callback, nullptr, {candidate}, &corrected)) candidate = corrected.item;
+        [name, function](Reference<Property const> const&, Property::ItemReference& candidate) {
+            candidate = corrected(*function, name, {candidate}).item;
         }));
 }
 

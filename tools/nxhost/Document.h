@@ -34,7 +34,8 @@ public:
 
     /// Calls `function` with the name and the value after each change, undo and redo included.
     void listen(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
-    /// Calls `function` with each value that is to be set; what it returns is set instead.
+    /// Calls `function` with each value that is to be set; what it returns is set instead. When it fails or returns no
+    /// value, nothing is set and the change raises its error.
     void validate(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
 
     [[nodiscard]] nxTXN::Manager& history() const noexcept { return history_; }

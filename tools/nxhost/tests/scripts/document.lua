@@ -31,6 +31,16 @@ print "== validators"
 document:validate("strength", function(value) return math.max(0, math.min(1, value)) end)
 document:set("strength", 3)
 print(document:get("strength"))
+local undone = document.undoName
+for name, validator in pairs{strict = function(value) error(value .. " is not allowed", 0) end, empty = function() end,
+                             wrong = function() return print end} do
+    document:validate(name, validator)
+    print(name, (select(2, pcall(document.set, document, name, 1)):gsub("^.*lua:%d+: ", "")))
+    print(document:get(name), document.undoName == undone)
+end
+document:validate("removes", function() return nil end)
+document:set("removes", 1)
+print(document:get("removes"))
 
 print "== what is no value"
 for _, value in ipairs{print, document, {1, x = 2}, {host.network}} do
