@@ -36,7 +36,7 @@ constexpr char const* prelude = R"lua(
     arg = {[0] = script, select(3, ...)}
     if package then package.path = places .. package.path end
     local exit = host.exit
-    if os.exit then os.exit = function(code) exit(code or 0) end end
+    if os.exit then os.exit = function(code) exit(code == false and 1 or code ~= true and code or 0) end end
 )lua";
 
 /// Calls a script with its arguments. What it returns nobody wants, so it need not be a value that can cross.
@@ -246,7 +246,10 @@ bool Host::turn() {
 
 void Host::later(std::function<void()> function) {
     requireFunction(function != nullptr, "host.later", 1);
-    loop_.queue().add(ur::make<Later>(std::move(function)));
+    auto call = [this, function = std::move(function)] {
+        if (!isEnding()) function();
+    };
+    loop_.queue().add(ur::make<Later>(std::move(call)));
 }
 
 ur::Reference<nxSupport::DataSink> Host::fileSink(CString const& path) {
@@ -256,7 +259,7 @@ ur::Reference<nxSupport::DataSink> Host::fileSink(CString const& path) {
 
 void Host::exit(int code) {
     chosenCode_ = code & 0xFF;
-    state_->interrupt();  // scripts that catch the error end all the same
+    state_->end();  // scripts that catch the error end all the same
     throw nxRFL::Exception("the script ends");
 }
 

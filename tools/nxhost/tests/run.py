@@ -56,6 +56,8 @@ USAGE = [  # arguments, standard input, exit code, what is in the output
     (["-e", "return {1, x = 2}, coroutine.create(function() end)"], "", 0, ""),
     (["-e", "n = 1 print(...)", "-e", "print(n + 1) error('x')", "-e", "print(3)", "a"], "", 1, "a\n2\nnxhost: -e:1: x\n"),
     (["-e", "os.exit(300)", "-e", "print(1)"], "", 44, ""),
+    (["-e", "os.exit(false)"], "", 1, ""),
+    (["-e", "os.exit(true)"], "", 0, ""),
     (["-"], "#!/usr/bin/env nxhost\nprint(1) error('x')", 1, "1\nnxhost: stdin:2: x\nstack traceback:\n"),
     ([], "print(arg[0])", 0, "-\n"),
     (["-e", "nonsense here"], "", 1, "nxhost: -e:1: '=' expected near 'here'\n"),
