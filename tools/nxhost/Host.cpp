@@ -82,7 +82,9 @@ CString packagePath(std::string_view places) {
 // The order is that of the library's start-up: domain, broadcaster and cache exist; a context makes the call
 // information, into which the domain puts the services; the library subscribes; then the two messages.
 Host::Host(Options const& options)
-    : arguments_(options.arguments), loop_(options.network), diagnostics_(options, domain_, cache_, history_) {
+    : arguments_(options.arguments),
+      loop_(options.network, interrupt_),
+      diagnostics_(options, domain_, cache_, history_) {
     theCache = &cache_;
     urKRCache::setCacheManagerFunc([] { return theCache; });
     cache_.setMemoryLimit64(options.cacheLimit);

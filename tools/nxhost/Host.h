@@ -85,7 +85,8 @@ private:
     bool failed_ = false;
 
     // [members]
-    TemporaryFolder folder_;
+    Interrupt interrupt_;
+    TemporaryFolder folder_{interrupt_};
     Loop loop_;
     nxTXN::Manager history_;
     HostDomain domain_{loop_.queue(), history_};

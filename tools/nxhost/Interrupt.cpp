@@ -6,6 +6,8 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
+#include <ctime>
 
 #include "foundation/nxLC/State.h"
 
@@ -15,14 +17,34 @@ namespace {
 // What a handler may touch.
 std::atomic<nxLC::State*> watched = nullptr;
 std::atomic<int> caught = 0;
+std::atomic<std::int64_t> caughtAt = 0;  // milliseconds
+std::atomic<char const*> doomedFile = nullptr;
+std::atomic<char const*> doomedFolder = nullptr;
 int pipeEnds[2] = {-1, -1};  // a byte in it wakes whoever polls
-static_assert(std::atomic<nxLC::State*>::is_always_lock_free && std::atomic<int>::is_always_lock_free);
+static_assert(std::atomic<nxLC::State*>::is_always_lock_free && std::atomic<int>::is_always_lock_free &&
+              std::atomic<std::int64_t>::is_always_lock_free);
+
+constexpr std::int64_t patience = 1000;  // milliseconds in which further signals are the same request
+
+std::int64_t milliseconds() noexcept {
+    timespec now = {};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+}
+
+void dieOf(int number) noexcept {
+    if (char const* const file = doomedFile) unlink(file);
+    if (char const* const folder = doomedFolder) rmdir(folder);
+    std::signal(number, SIG_DFL);
+    raise(number);
+}
 
 extern "C" void onSignal(int number) {
     int const before = errno;
-    if (caught.exchange(number) != 0 && number != SIGPIPE) {
-        std::signal(number, SIG_DFL);
-        raise(number);
+    if (caught.exchange(number) == 0) {
+        caughtAt = milliseconds();
+    } else if (number != SIGPIPE && milliseconds() - caughtAt >= patience) {
+        dieOf(number);
     }
     if (nxLC::State* const state = watched) state->interrupt();
     if (write(pipeEnds[1], "!", 1) < 0) errno = 0;  // full: it is readable anyway
@@ -49,6 +71,11 @@ Interrupt::~Interrupt() {
 }
 
 void Interrupt::watch(nxLC::State* state) noexcept { watched = state; }
+
+void Interrupt::removeWhenKilled(char const* file, char const* folder) noexcept {
+    doomedFile = file;
+    doomedFolder = folder;
+}
 
 int Interrupt::pending() const noexcept { return caught; }
 

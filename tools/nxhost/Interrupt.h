@@ -12,9 +12,10 @@ namespace nxhost {
 
 /// Catches the signals INT, TERM, HUP and PIPE for as long as it lives; there is one at a time.
 ///
-/// The first one ends the script that runs and wakes the main loop, which then sees `pending`. A second one that comes
-/// before the first was dealt with ends the process in the system's way, without the shut-down: what the cache has
-/// paged out stays in the folder for temporary files. PIPE is no such second one: it comes with every write.
+/// The first one ends the script that runs and wakes the main loop, which then sees `pending`. One that comes a second
+/// or more after that and before the first was dealt with ends the process in the system's way, without the shut-down;
+/// earlier ones are taken for the same request, since many senders signal a process and then its group. PIPE is no such
+/// second one: it comes with every write.
 class Interrupt {
 public:
     Interrupt();
@@ -30,6 +31,9 @@ public:
     [[nodiscard]] bool isFinal() const noexcept { return pending() != 0 && pending() != SIGINT; }
     /// It has been dealt with.
     void clear() noexcept;
+    /// Is removed by a signal that ends the process in the system's way; null for nothing. The texts outlive this or
+    /// are taken away before.
+    void removeWhenKilled(char const* file, char const* folder) noexcept;
     /// Readable while a signal is pending.
     [[nodiscard]] int descriptor() const noexcept;
 

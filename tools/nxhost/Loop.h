@@ -13,7 +13,8 @@ struct Ended {};
 /// Runs what other threads hand over, moves the transfers on, and sleeps while neither has anything to do.
 class Loop {
 public:
-    explicit Loop(NetworkOptions const& options) : transfers_(options) {}
+    /// The interrupt outlives the loop.
+    Loop(NetworkOptions const& options, Interrupt& interrupt) : interrupt_(interrupt), transfers_(options) {}
     Loop(Loop const&) = delete;
     Loop& operator=(Loop const&) = delete;
 
@@ -44,7 +45,7 @@ private:
 
     bool work();
 
-    Interrupt interrupt_;
+    Interrupt& interrupt_;
     Transfers transfers_;
     Queue queue_{transfers_};
 };

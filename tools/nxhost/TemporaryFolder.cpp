@@ -1,24 +1,115 @@
-// Making and removing it.
+// Making and removing it, and what others have left.
 #include "tools/nxhost/TemporaryFolder.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <string_view>
 
 namespace nxhost {
 
 namespace fs = std::filesystem;
 
-TemporaryFolder::TemporaryFolder() {
+namespace {
+
+constexpr std::string_view namePattern = "nxhostXXXXXX";
+constexpr std::string_view nameStart = namePattern.substr(0, namePattern.find('X'));
+constexpr char const* pageFileName = "urKRCachePageFile.dat";
+
+/// An open file or folder, or none.
+class Handle {
+public:
+    explicit Handle(int descriptor) noexcept : descriptor_(descriptor) {}
+    Handle(Handle const&) = delete;
+    Handle& operator=(Handle const&) = delete;
+    ~Handle() {
+        if (isOpen()) close(descriptor_);
+    }
+    [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
+    [[nodiscard]] int get() const noexcept { return descriptor_; }
+
+private:
+    int const descriptor_;
+};
+
+int openFolder(char const* path) noexcept { return open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC); }
+
+bool lock(int descriptor) noexcept { return flock(descriptor, LOCK_EX | LOCK_NB) == 0; }
+
+bool isAt(int descriptor, char const* path) noexcept {
+    struct stat ours = {};
+    struct stat named = {};
+    return fstat(descriptor, &ours) == 0 && lstat(path, &named) == 0 && ours.st_dev == named.st_dev &&
+           ours.st_ino == named.st_ino;
+}
+
+/// The lock of its maker, or of the cache whose file is in it.
+bool isHeld(int folder) noexcept {
+    if (!lock(folder)) return true;
+    Handle const pageFile(openat(folder, pageFileName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    return pageFile.isOpen() ? !lock(pageFile.get()) : errno != ENOENT;
+}
+
+void removeUnlessHeld(char const* path) noexcept {
+    Handle const folder(openFolder(path));
+    struct stat facts = {};
+    if (!folder.isOpen() || fstat(folder.get(), &facts) != 0 || facts.st_uid != geteuid()) return;
+    if (isHeld(folder.get()) || !isAt(folder.get(), path)) return;
+    unlinkat(folder.get(), pageFileName, 0);
+    rmdir(path);  // stays when there is anything else in it
+}
+
+void removeAbandoned(fs::path const& parent) {
+    std::error_code error;
+    for (fs::directory_iterator entry(parent, error), end; !error && entry != end; entry.increment(error)) {
+        std::string const name = entry->path().filename().string();
+        if (name.size() == namePattern.size() && name.starts_with(nameStart)) removeUnlessHeld(entry->path().c_str());
+    }
+}
+
+}  // namespace
+
+TemporaryFolder::TemporaryFolder(Interrupt& interrupt) : interrupt_(interrupt) {
     std::error_code error;
     fs::path const parent = fs::temp_directory_path(error);
-    std::string name = (parent / "nxhostXXXXXX").string();
-    isOwn_ = !error && mkdtemp(name.data()) != nullptr;
-    path_ = isOwn_ ? name : parent.string();
+    path_ = parent.string();
+    if (error) return;
+    removeAbandoned(parent);
+    // Another process may take the new folder for an abandoned one before it is locked.
+    constexpr int mostAttempts = 10;
+    for (int i = 0; i < mostAttempts && !make((parent / namePattern).string()); ++i) continue;
+    if (lock_ < 0) return;
+    pageFile_ = path_ + "/" + pageFileName;
+    interrupt_.removeWhenKilled(pageFile_.c_str(), path_.c_str());
+}
+
+/// False when the new folder has gone at once.
+bool TemporaryFolder::make(std::string const& pattern) {
+    std::string name = pattern;
+    if (mkdtemp(name.data()) == nullptr) return true;
+    int const folder = openFolder(name.c_str());
+    // Where there are no locks nobody else can get one either.
+    bool const isLost = folder < 0 || (!lock(folder) && errno == EWOULDBLOCK) || !isAt(folder, name.c_str());
+    if (isLost) {
+        if (folder >= 0) close(folder);
+        return false;
+    }
+    lock_ = folder;
+    path_ = std::move(name);
+    return true;
 }
 
 TemporaryFolder::~TemporaryFolder() {
-    std::error_code ignored;
-    if (isOwn_) fs::remove_all(path_, ignored);
+    if (lock_ < 0) return;
+    unlink(pageFile_.c_str());
+    rmdir(path_.c_str());
+    interrupt_.removeWhenKilled(nullptr, nullptr);
+    close(lock_);
 }
 
 }  // namespace nxhost

@@ -91,9 +91,9 @@ def misused(nxhost):
 
 
 def left_behind(nxhost, folder):
-    """What runs leave in the folder for temporary files when the streams of the program are closed or it is hung up."""
+    """What runs leave in the folder for temporary files when the streams of the program are closed."""
     shell = ["bash", "-c", 'exec 2>&1; "$0" -e "while true do print(1) end" | head -n 1; "$0" <&-; "$0" -e "print(0)" >&-; '
-             'timeout -s HUP 0.5 "$0" -e "while true do end"; echo $? $(ls)', nxhost]
+             'echo $? $(ls)', nxhost]
     run = subprocess.run(shell, cwd=folder, env=environment([f"TMPDIR={folder}"]), timeout=SECONDS, capture_output=True, text=True)
     if run.stdout != LEFT_BEHIND:
         yield f"with streams closed printed: {run.stdout}"
@@ -102,10 +102,7 @@ def left_behind(nxhost, folder):
 LEFT_BEHIND = """1
 nxhost: standard input: read: Bad file descriptor
 nxhost: cannot write to standard output
-nxhost: -e:1: interrupted
-stack traceback:
-\t-e:1: in main chunk
-124
+2
 """
 
 

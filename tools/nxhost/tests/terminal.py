@@ -9,6 +9,7 @@ import socket
 import subprocess
 import sys
 import tempfile
+import time
 from pathlib import Path
 
 SECONDS = 60  # for what never comes
@@ -148,9 +149,10 @@ def terminates(folder):
         terminal.expect_exit(143)
 
 
-def signalled(code, number, expected_code, expected_text):
+def signalled(code, number, expected_code, expected_text, *options):
     """Runs a script and sends it a signal once it has said that it is there."""
-    with subprocess.Popen([nxhost, "-e", code], text=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as process:
+    with subprocess.Popen([nxhost, *options, "-e", code], text=True, stdout=subprocess.PIPE,
+                          stderr=subprocess.PIPE) as process:
         assert process.stdout.readline() == "there\n"
         process.send_signal(number)
         _, complaint = process.communicate(timeout=SECONDS)
@@ -177,15 +179,66 @@ def signals(_):
         signalled(silent + "while host.turn() do end", signal.SIGTERM, 143, "interrupted")
 
 
+def running(folder, code):
+    """nxhost with its temporary files in `folder`, once its script says that it is there."""
+    process = subprocess.Popen([nxhost, "-e", PAGED + code], env=os.environ | {"TMPDIR": folder}, text=True,
+                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+    assert process.stdout.readline() == "there\n"
+    return process
+
+
+# A text is in the page file.
+PAGED = """
+    host.cache.memoryLimit = 1000
+    for _, name in ipairs{'a', 'b'} do
+        local text = host.cache:resource(name, function() return name:rep(800) end)
+        text:keepOnDisk()
+        assert(#text.text == 800)
+    end
+    assert(host.cache.statistics.pagesOut == 1)
+    print 'there' io.stdout:flush() """
+BUSY = "while true do end"
+DEAF = "string.find(('a'):rep(60), ('a?'):rep(60) .. ('a'):rep(60))"  # one instruction, for years
+
+
 def leaves_nothing(_):
-    """Temporary folders go, however the program ends in order."""
+    """Temporary folders go with the program, or with a later one when it was killed."""
     with tempfile.TemporaryDirectory() as folder:
-        for code in ["host.cache:resource('a', function() return 'b' end):keepOnDisk()", "os.exit(1)", "error()"]:
-            subprocess.run([nxhost, "-e", code], env=os.environ | {"TMPDIR": folder}, stderr=subprocess.DEVNULL)
-        assert not list(Path(folder).iterdir())
+        for code in ["", "os.exit(1)", "error()"]:
+            running(folder, code).wait(SECONDS)
+            assert not list(Path(folder).iterdir()), code
+        for code, signals_sent, codes in [(BUSY, [signal.SIGHUP, signal.SIGHUP], [129, -1]),
+                                          (BUSY, [signal.SIGINT, signal.SIGTERM], [130, 143, -2, -15]),
+                                          (DEAF, [signal.SIGHUP, None, signal.SIGHUP], [-1])]:
+            process = running(folder, code)
+            for number in signals_sent:
+                process.send_signal(number) if number else time.sleep(1.1)
+            assert process.wait(SECONDS) in codes, (code, process.returncode)
+            assert not list(Path(folder).iterdir()), (code, signals_sent)
+
+
+def removes_what_is_left(_):
+    with tempfile.TemporaryDirectory() as folder:
+        others = [Path(folder, "nxhostFOREIGN"), Path(folder, "nxhostabcdef"), Path(folder, "nxhostlinked")]
+        others[0].mkdir()
+        others[1].mkdir()
+        Path(others[1], "mine.txt").touch()
+        others[2].symlink_to(others[0])
+        living = running(folder, BUSY)
+        kept = {*others, *Path(folder).iterdir()}
+        for process in [running(folder, BUSY) for _ in range(3)]:
+            process.kill()
+            process.wait(SECONDS)
+        assert len(list(Path(folder).iterdir())) == len(kept) + 3
+        starts = [running(folder, "") for _ in range(6)]  # at once
+        assert all(start.wait(SECONDS) == 0 for start in starts)
+        assert set(Path(folder).iterdir()) == kept
+        living.terminate()
+        living.wait(SECONDS)
+        assert set(Path(folder).iterdir()) == set(others) and Path(others[1], "mine.txt").exists()
 
 
 with tempfile.TemporaryDirectory() as folder:
-    for test in [evaluates, completes, remembers, stops, terminates, signals, leaves_nothing]:
+    for test in [evaluates, completes, remembers, stops, terminates, signals, leaves_nothing, removes_what_is_left]:
         test(folder)
 print("all as expected")
