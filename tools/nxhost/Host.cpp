@@ -255,8 +255,8 @@ void Host::later(std::function<void()> function) {
 }
 
 ur::Reference<nxSupport::DataSink> Host::fileSink(CString const& path) {
-    if (!loop_.transfers().options().mayUseFiles) throw nxRFL::Exception("files are not for the sandbox");
-    return ur::make<FileSink>(path);
+    if (loop_.transfers().options().sandboxed) throw nxRFL::Exception("files are not for the sandbox");
+    return ur::make<FileSink>(path, interrupt_);
 }
 
 void Host::exit(int code) {

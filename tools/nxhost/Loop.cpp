@@ -29,7 +29,7 @@ bool Loop::turnOrInput(int descriptor) {
 bool Loop::work() {
     if (interrupt_.pending() != 0) throw Ended();
     bool const ran = queue_.service() > 0;
-    return transfers_.advance() || ran;
+    return transfers_.advance(interrupt_) || ran;
 }
 
 }  // namespace nxhost

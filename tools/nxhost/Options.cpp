@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "foundation/urString/CString.h"
 #include "support/services/env.h"
 
 namespace nxhost {
@@ -66,16 +67,20 @@ constexpr Option options[] = {
     {"--sandbox", "", "no files, processes and loading for scripts",
      [](Options& o, std::string_view) {
          o.library = nxLC::Library::sandboxed;
-         o.network.mayUseFiles = false;
+         o.network.sandboxed = true;
      }},
-    {"--instructions", "COUNT", "stop a script after COUNT thousand instructions",
+    {"--instructions", "COUNT", "stop a script after COUNT instructions",
      [](Options& o, std::string_view value) { o.limits.instructions = countIn(value, "--instructions"); }},
     {"--memory", "SIZE", "refuse a script more than SIZE bytes",
      [](Options& o, std::string_view value) { o.limits.memory = sizeIn(value, "--memory"); }},
     {"--cache", "SIZE", "keep at most SIZE bytes of resources (256M; 0: all)",
      [](Options& o, std::string_view value) { o.cacheLimit = sizeIn(value, "--cache"); }},
-    {"--time", "SECONDS", "let a transfer take at most SECONDS",
+    {"--time", "SECONDS", "let a transfer take at most SECONDS (3600; 0: for ever)",
      [](Options& o, std::string_view value) { o.network.timeLimit = secondsIn(value, "--time"); }},
+    {"--body", "SIZE", "refuse answers of more than SIZE bytes (1G; 0: none)",
+     [](Options& o, std::string_view value) { o.network.bodyLimit = sizeIn(value, "--body"); }},
+    {"--private", "", "let the sandbox reach loopback, link-local and private addresses",
+     [](Options& o, std::string_view) { o.network.reachesPrivate = true; }},
     {"--allow", "SCHEME", "allow URLs of SCHEME beside http and https",
      [](Options& o, std::string_view value) { o.network.schemes.emplace_back(value); }},
     {"--authorities", "FILE", "trust the certificates in FILE instead of the system's",
@@ -127,6 +132,12 @@ void printHelp() {
     for (auto const& variable : variables) putLine(std::string(variable.name), variable.meaning);
     std::puts("\nexit codes:");
     for (auto const& exit : exitCodes) putLine(std::string(exit.code), exit.meaning);
+}
+
+/// libcurl takes a list, and "all".
+bool allowsFiles(std::string const& schemes) {
+    urString::CString const list = (urString::CString(",").append(schemes) += ',').toLowerCase();
+    return list.find(",file,") != list.npos || list.find(",all,") != list.npos;
 }
 
 /// Answers what asks about the program itself.
@@ -187,6 +198,8 @@ std::optional<Options> readOptions(int argc, char const* const* argv) {
         if (answered(argv[i])) return std::nullopt;
         readOption(result, argc, argv, i);
     }
+    if (result.network.sandboxed && std::ranges::any_of(result.network.schemes, &allowsFiles))
+        throw UsageError{"--allow file is not for the sandbox"};
     if (i < argc && result.code.empty()) result.script = argv[i++];
     result.arguments.assign(argv + i, argv + argc);
     bool const isAskedToRun = result.script || !result.code.empty() || result.prompt;

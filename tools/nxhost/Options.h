@@ -24,9 +24,11 @@ struct ExitCode {
 /// How transfers may run.
 struct NetworkOptions {
     std::vector<std::string> schemes{"http", "https"};
-    std::string authorities;  ///< a file of certificates to trust; empty: those of the system
-    double timeLimit = 0;     ///< of a transfer, in seconds; 0 for none
-    bool mayUseFiles = true;  ///< for uploads, and for sinks
+    std::string authorities;               ///< a file of certificates to trust; empty: those of the system
+    double timeLimit = 3600;               ///< of a transfer, in seconds; 0 for none
+    std::uint64_t bodyLimit = 1ULL << 30;  ///< of an answer's body, in bytes; 0 for none
+    bool sandboxed = false;                ///< no files, no proxies; scripts cannot raise the time limit
+    bool reachesPrivate = false;           ///< also in the sandbox
 };
 
 struct Options {

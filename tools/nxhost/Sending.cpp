@@ -25,6 +25,16 @@ bool isToken(std::string_view text) {
 
 bool hasLineBreakOrNul(std::string_view text) { return text.find_first_of(std::string_view("\r\n\0", 3)) != text.npos; }
 
+bool hasControl(std::string_view text) {
+    return std::ranges::any_of(text, [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; });
+}
+
+/// They say where a message ends, or turn it into another kind: only who writes the message knows.
+bool framesMessages(CString const& name) {
+    constexpr std::string_view names[] = {"content-length", "transfer-encoding", "trailer", "upgrade"};
+    return std::ranges::find(names, CString(name).toLowerCase().view()) != std::end(names);
+}
+
 /// libcurl has found no memory otherwise.
 void check(bool succeeded) {
     if (!succeeded) throw std::bad_alloc();
@@ -36,10 +46,11 @@ void checkRequest(Request const& request, NetworkOptions const& options) {
     if (!isToken(request.getHTTPMethod())) refuse("the method is no word");
     for (auto const& [name, value] : request.getHeaders()) {
         if (!isToken(name)) refuse("the name of a header is no word");
-        if (hasLineBreakOrNul(value)) refuse("a header has no line breaks and no NULs");
+        if (framesMessages(name)) refuse("a script does not say where a message ends");
+        if (hasControl(value)) refuse("a header has no control characters");
     }
     if (request.getFileForUpload().find('\0') != CString::npos) refuse("the name of a file has no NULs");
-    if (!request.getFileForUpload().empty() && !options.mayUseFiles) refuse("files are not for the sandbox");
+    if (!request.getFileForUpload().empty() && options.sandboxed) refuse("files are not for the sandbox");
 }
 
 std::string joined(std::vector<std::string> const& words) {
@@ -105,10 +116,8 @@ void Sending::setBody(Request const& request) {
 
 void Sending::setFile(Request const& request) {
     CString const& path = request.getFileForUpload();
-    if (auto const error = file_.open(urString::IString(path.c_str()), urOS::openRead); error.isError())
-        throw Failed{TransferError::fileUnreadable, CString(error.message())};
-    std::uint64_t bytes = 0;
-    curl_off_t const size = file_.size(bytes).ok() ? static_cast<curl_off_t>(bytes) : -1;  // a pipe
+    file_.emplace(path);
+    curl_off_t const size = file_->size().value_or(-1);
     if (!request.getPostData().empty()) return setForm(request.getPostData(), size, path);
     setOption(handle_, CURLOPT_READFUNCTION, &readFile);
     setOption(handle_, CURLOPT_READDATA, this);
@@ -154,15 +163,12 @@ CString Sending::encoded(Request::Fields const& fields) const {
 }
 
 std::size_t Sending::readFile(char* bytes, std::size_t /*one*/, std::size_t size, void* sending) {
-    std::size_t done = 0;
-    bool const failed = static_cast<Sending*>(sending)->file_.read(bytes, size, &done).isError();
-    return failed ? CURL_READFUNC_ABORT : done;
+    return static_cast<Sending*>(sending)->file_->read(bytes, size);
 }
 
 int Sending::seekFile(void* sending, curl_off_t offset, int origin) {
     if (origin != SEEK_SET || offset < 0) return CURL_SEEKFUNC_CANTSEEK;
-    auto& file = static_cast<Sending*>(sending)->file_;
-    return file.seek(static_cast<std::uint64_t>(offset)).ok() ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_FAIL;
+    return static_cast<Sending*>(sending)->file_->seek(offset) ? CURL_SEEKFUNC_OK : CURL_SEEKFUNC_FAIL;
 }
 
 }  // namespace nxhost

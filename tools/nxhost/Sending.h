@@ -4,10 +4,11 @@
 #include <curl/curl.h>
 
 #include <memory>
+#include <optional>
 
-#include "foundation/urOS/File.h"
 #include "net/Request.h"
 #include "tools/nxhost/Options.h"
+#include "tools/nxhost/UploadFile.h"
 
 namespace nxhost {
 
@@ -28,6 +29,9 @@ public:
     Sending(Sending const&) = delete;
     Sending& operator=(Sending const&) = delete;
 
+    /// The file that it sends; null for none.
+    [[nodiscard]] UploadFile const* file() const noexcept { return file_ ? &*file_ : nullptr; }
+
 private:
     void setAddress(urString::CString const& url, NetworkOptions const& options);
     void addHeader(std::string const& line);
@@ -42,7 +46,7 @@ private:
     static int seekFile(void* sending, curl_off_t offset, int origin);
 
     CURL* const handle_;
-    urOS::File file_;
+    std::optional<UploadFile> file_;
     std::unique_ptr<curl_slist, Release<&curl_slist_free_all>> headers_;
     std::unique_ptr<curl_mime, Release<&curl_mime_free>> form_;
 };

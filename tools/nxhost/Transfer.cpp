@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "tools/nxhost/addresses.h"
 #include "tools/nxhost/setOption.h"
 #include "tools/nxhost/trimmed.h"
 
@@ -62,8 +63,12 @@ struct Transfer::Callbacks {
     }
 
     static std::size_t receive(char* bytes, std::size_t, std::size_t size, void* transfer) {
-        return guarded<std::size_t>(0, [&] {
-            static_cast<Transfer*>(transfer)->news_.emplace_back(Received{ur::make<urThread::Buffer>(bytes, size)});
+        return guarded<std::size_t>(0, [&]() -> std::size_t {
+            auto& self = *static_cast<Transfer*>(transfer);
+            self.bodyBytes_ += size;
+            self.isTooLarge_ = self.options_.bodyLimit != 0 && self.bodyBytes_ > self.options_.bodyLimit;
+            if (self.isTooLarge_) return 0;
+            self.news_.emplace_back(Received{ur::make<urThread::Buffer>(bytes, size)});
             return size;
         });
     }
@@ -84,6 +89,14 @@ struct Transfer::Callbacks {
             return CURL_PREREQFUNC_OK;
         });
     }
+    /// Asked for each connection that is to be made, when names have been resolved.
+    static curl_socket_t openPublicSocket(void* transfer, curlsocktype, curl_sockaddr* address) {
+        if (!isPublic(&address->addr)) {
+            static_cast<Transfer*>(transfer)->isPrivate_ = true;
+            return CURL_SOCKET_BAD;
+        }
+        return socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+    }
     static int progress(void* transfer, curl_off_t toReceive, curl_off_t received, curl_off_t toSend, curl_off_t sent) {
         return guarded(1, [&] {
             static_cast<Transfer*>(transfer)->noteProgress({received, toReceive, sent, toSend});
@@ -92,10 +105,10 @@ struct Transfer::Callbacks {
     }
 };
 
-Transfer::Transfer(nxNet::Request const& request, NetworkOptions const& options, double timeLimit) {
+Transfer::Transfer(nxNet::Request const& request, NetworkOptions const& options, double timeLimit) : options_(options) {
     if (!handle_) throw std::bad_alloc();
     try {
-        setUp(options, timeLimit);
+        setUp(timeLimit);
         sending_ = std::make_unique<Sending>(handle_.get(), request, options);
     } catch (Failed& failure) {
         fail(std::move(failure));
@@ -113,10 +126,28 @@ void Transfer::end(CURLcode result) {
         news_.emplace_back(Completed{});
         return;
     }
+    fail(failure(result));
+}
+
+int Transfer::waitsFor() const noexcept {
+    UploadFile const* const file = sending_ ? sending_->file() : nullptr;
+    return file && file->waits() ? file->descriptor() : -1;
+}
+
+void Transfer::resume() noexcept {
+    if (waitsFor() >= 0 && sending_->file()->ready()) curl_easy_pause(handle_.get(), CURLPAUSE_CONT);
+}
+
+Failed Transfer::failure(CURLcode result) const {
+    if (isTooLarge_) return {TransferError::tooLarge, "the answer is larger than is allowed"};
+    if (isPrivate_ && result == CURLE_COULDNT_CONNECT)
+        return {TransferError::refused, "the sandbox reaches public addresses only"};
+    if (UploadFile const* const file = sending_ ? sending_->file() : nullptr; file && !file->errorText().empty())
+        return {TransferError::fileUnreadable, file->errorText()};
     // An answer without a status is reported like a scheme that is not supported.
     bool const isGibberish = result == CURLE_UNSUPPORTED_PROTOCOL && isReached_ && status() == 0;
     char const* const text = errorText_[0] == '\0' ? curl_easy_strerror(result) : errorText_;
-    fail({isGibberish ? TransferError::broken : errorFor(result), text});
+    return {isGibberish ? TransferError::broken : errorFor(result), text};
 }
 
 int Transfer::status() const {
@@ -125,7 +156,7 @@ int Transfer::status() const {
     return static_cast<int>(status);
 }
 
-void Transfer::setUp(NetworkOptions const& options, double timeLimit) {
+void Transfer::setUp(double timeLimit) {
     CURL* const handle = handle_.get();
     setOption(handle, CURLOPT_ERRORBUFFER, errorText_);
     setOption(handle, CURLOPT_QUICK_EXIT, 1L);  // cancelling does not wait for a name to be resolved
@@ -136,7 +167,8 @@ void Transfer::setUp(NetworkOptions const& options, double timeLimit) {
     constexpr double mostSeconds = 1e6;
     if (timeLimit > 0)
         setOption(handle, CURLOPT_TIMEOUT_MS, std::max(1L, static_cast<long>(std::min(timeLimit, mostSeconds) * 1000)));
-    if (!options.authorities.empty()) setOption(handle, CURLOPT_CAINFO, options.authorities.c_str());
+    if (!options_.authorities.empty()) setOption(handle, CURLOPT_CAINFO, options_.authorities.c_str());
+    if (options_.sandboxed && !options_.reachesPrivate) keepToPublicHosts();
     setOption(handle, CURLOPT_WRITEFUNCTION, &Callbacks::receive);
     setOption(handle, CURLOPT_WRITEDATA, this);
     setOption(handle, CURLOPT_HEADERFUNCTION, &Callbacks::receiveHeader);
@@ -146,6 +178,13 @@ void Transfer::setUp(NetworkOptions const& options, double timeLimit) {
     setOption(handle, CURLOPT_XFERINFOFUNCTION, &Callbacks::progress);
     setOption(handle, CURLOPT_XFERINFODATA, this);
     setOption(handle, CURLOPT_NOPROGRESS, 0L);
+}
+
+/// A proxy would resolve names itself, and reach what it likes.
+void Transfer::keepToPublicHosts() {
+    setOption(handle_.get(), CURLOPT_OPENSOCKETFUNCTION, &Callbacks::openPublicSocket);
+    setOption(handle_.get(), CURLOPT_OPENSOCKETDATA, this);
+    setOption(handle_.get(), CURLOPT_PROXY, "");
 }
 
 void Transfer::noteHeaderLine(std::string_view line) {

@@ -12,7 +12,7 @@
 namespace nxhost {
 
 /// A libcurl handle that sends one request and keeps what arrives as news, so that nobody is called from inside
-/// libcurl. Owned by `Transfers`.
+/// libcurl. Owned by `Transfers`, as are the options.
 class Transfer {
 public:
     /// One whose request cannot be sent has failed already: it has news of that. `timeLimit` is in seconds, 0 for none.
@@ -26,16 +26,24 @@ public:
     TransferNews takeNews();
     /// Nothing will come of it.
     void fail(Failed failure) { news_.emplace_back(std::move(failure)); }
+    /// The file that it sends has nothing yet: its descriptor is readable when it has. Otherwise negative.
+    [[nodiscard]] int waitsFor() const noexcept;
+    /// Goes on with a file that has something again.
+    void resume() noexcept;
     /// libcurl has ended it.
     void end(CURLcode result);
 
 private:
     struct Callbacks;
 
-    void setUp(NetworkOptions const& options, double timeLimit);
+    void setUp(double timeLimit);
+    void keepToPublicHosts();
+    [[nodiscard]] Failed failure(CURLcode result) const;
     [[nodiscard]] int status() const;
     void noteHeaderLine(std::string_view line);
     void noteProgress(Progressed const& progress);
+
+    NetworkOptions const& options_;
 
     // The handle goes first: it uses the others.
     char errorText_[CURL_ERROR_SIZE] = {};
@@ -44,7 +52,10 @@ private:
 
     Headers answerHeaders_;
     std::size_t headerBytes_ = 0;
+    std::uint64_t bodyBytes_ = 0;
     bool isReached_ = false;
+    bool isTooLarge_ = false;
+    bool isPrivate_ = false;  ///< it would have reached an address that is not public
     Progressed progress_;
     std::deque<TransferNews> news_;
 };

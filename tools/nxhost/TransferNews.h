@@ -21,6 +21,7 @@ enum class TransferError : int {
     tooManyHops = 7,     ///< redirected too often
     fileUnreadable = 8,  ///< the file for upload
     other = 9,
+    tooLarge = 10,  ///< an answer's body beyond the limit
 };
 
 /// Header fields of an answer by their names in small letters. Repeated ones are joined by ", ", cookies by line ends.

@@ -42,7 +42,8 @@ Transfers::~Transfers() {
 
 void Transfers::start(Connection& connection) {
     auto const request = connection.getRequest();
-    auto transfer = std::make_unique<Transfer>(request ? *request : nxNet::Request(), options_, connection.timeLimit());
+    auto transfer =
+        std::make_unique<Transfer>(request ? *request : nxNet::Request(), options_, limited(connection.timeLimit()));
     CURL* const handle = transfer->handle();
     curl_easy_setopt(handle, CURLOPT_PRIVATE, &connection);
     if (!transfer->hasNews() && curl_multi_add_handle(multi_, handle) != CURLM_OK)
@@ -55,10 +56,17 @@ void Transfers::stop(Connection& connection) noexcept {
     if (!job.empty()) curl_multi_remove_handle(multi_, job.mapped().transfer->handle());
 }
 
-bool Transfers::advance() {
+/// In the sandbox scripts may shorten the time limit only.
+double Transfers::limited(double seconds) const noexcept {
+    double const most = options_.timeLimit;
+    if (!options_.sandboxed || most == 0) return seconds;
+    return seconds > 0 && seconds < most ? seconds : most;
+}
+
+bool Transfers::advance(Interrupt const& interrupt) {
     collect();
     bool told = false;
-    while (Job* const job = nextWithNews()) {
+    while (Job* const job = interrupt.pending() == 0 ? nextWithNews() : nullptr) {
         tell(*job);
         told = true;
     }
@@ -68,11 +76,15 @@ bool Transfers::advance() {
 void Transfers::wait(std::span<int const> descriptors) {
     std::vector<curl_waitfd> others;
     for (int const descriptor : descriptors) others.push_back({descriptor, CURL_WAIT_POLLIN, 0});
+    for (auto const& [connection, job] : jobs_) {
+        if (int const file = job.transfer->waitsFor(); file >= 0) others.push_back({file, CURL_WAIT_POLLIN, 0});
+    }
     constexpr int mostMilliseconds = 60'000;
     curl_multi_poll(multi_, others.data(), static_cast<unsigned>(others.size()), mostMilliseconds, nullptr);
 }
 
 void Transfers::collect() {
+    for (auto const& [connection, job] : jobs_) job.transfer->resume();
     int count = 0;
     curl_multi_perform(multi_, &count);
     while (CURLMsg const* const message = curl_multi_info_read(multi_, &count)) {

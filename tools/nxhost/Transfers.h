@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 
+#include "tools/nxhost/Interrupt.h"
 #include "tools/nxhost/Transfer.h"
 
 namespace nxhost {
@@ -32,8 +33,8 @@ public:
     [[nodiscard]] bool running(Connection const& connection) const noexcept { return jobs_.contains(&connection); }
     [[nodiscard]] bool empty() const noexcept { return jobs_.empty(); }
 
-    /// False when there was nothing to tell.
-    bool advance();
+    /// False when there was nothing to tell. What is left when a signal comes waits for the next one.
+    bool advance(Interrupt const& interrupt);
     /// Sleeps until there may be something to advance, one of `descriptors` is readable or `wake` was called.
     void wait(std::span<int const> descriptors);
     /// Any thread.
@@ -47,6 +48,7 @@ private:
         std::unique_ptr<Transfer> transfer;
     };
 
+    [[nodiscard]] double limited(double seconds) const noexcept;
     void collect();
     [[nodiscard]] Job* nextWithNews();
     void tell(Job& job);

@@ -72,6 +72,10 @@ USAGE = [  # arguments, standard input, exit code, what is in the output
     (["--authorities", "/nowhere/ca.pem", "-e", "print(1)"], "", 2, "nxhost: /nowhere/ca.pem: No such file or directory"),
     (["--time", "-1"], "", 2, '--time takes a number of seconds, 0 for no limit, not "-1"'),
     (["--allow", "gopherr", "-e", ""], "", 2, 'nxhost: --allow takes a scheme that libcurl knows, not "gopherr"'),
+    (["--allow", "file", "--sandbox", "-e", ""], "", 2, "nxhost: --allow file is not for the sandbox"),
+    (["--sandbox", "--allow", "ftp,FILE", "-e", ""], "", 2, "nxhost: --allow file is not for the sandbox"),
+    (["--sandbox", "--allow", "all", "-e", ""], "", 2, "nxhost: --allow file is not for the sandbox"),
+    (["--sandbox", "--allow", "ftp", "-e", "print(1)"], "", 0, "1\n"),
     (["--version"], "", 0, "nxhost 0."),
     (["--help"], "", 0, "NX_UNDO_MEMORY_LIMIT"),
     (["--list"], "", 0, "\nclass nxhost::Connection: nxNet::Connection\n"),
@@ -104,6 +108,41 @@ nxhost: standard input: read: Bad file descriptor
 nxhost: cannot write to standard output
 2
 """
+
+
+WALLED = """ADDRESS/hello Complete 200 0
+ADDRESS/redirect?to=http://127.0.0.1:PORT/hello ConnectionFailed 302 1
+http://9.9.9.9/ ConnectionFailed 0 3
+http://100.128.0.1/ ConnectionFailed 0 3
+http://172.32.0.1/ ConnectionFailed 0 3
+http://192.169.0.1/ ConnectionFailed 0 3
+http://223.255.255.1/ ConnectionFailed 0 3
+http://[::ffff:9.9.9.9]/ ConnectionFailed 0 3
+http://[64:ff9b::909:909]/ ConnectionFailed 0 3
+http://[2002:909:909::]/ ConnectionFailed 0 3
+http://[2620:fe::fe]/ ConnectionFailed 0 3
+http://[2001:200::1]/ ConnectionFailed 0 3
+"""
+
+
+def walled(nxhost):
+    """What the sandbox does not reach though it may, or reaches though it may not. Needs a network of its own."""
+    network = ["unshare", "-rn", "sh", "-c", 'ip link set lo up && ip addr add 1.2.3.4/32 dev lo && exec "$@"', "sh"]
+    if subprocess.run([*network, "true"], capture_output=True).returncode != 0:
+        print("not tried: redirections out of the sandbox, for which `unshare -rn` and `ip` are needed")
+        return
+    inside = "import run, sys; run.print_walled(sys.argv[1])"
+    run = subprocess.run([*network, sys.executable, "-B", "-c", inside, nxhost], cwd=here, env=environment(),
+                         timeout=SECONDS, capture_output=True, text=True)
+    if run.stdout != WALLED:
+        yield f"the sandbox in a network of its own printed: {run.stdout}{run.stderr}"
+
+
+def print_walled(nxhost):
+    with Server(address="1.2.3.4") as public, Server() as private:
+        words = [nxhost, "--sandbox", here / "walled.lua", public.url, str(private.server_port)]
+        text = subprocess.run(words, timeout=SECONDS, capture_output=True, text=True).stdout
+        print(text.replace("\t", " ").replace(public.url, "ADDRESS").replace(words[-1], "PORT"), end="")
 
 
 TRACED = """
@@ -160,7 +199,7 @@ def untested(nxhost):
 
 
 def main(nxhost, names, update):
-    failures = [*untested(nxhost), *misused(nxhost)]
+    failures = [*untested(nxhost), *misused(nxhost), *walled(nxhost)]
     with tempfile.TemporaryDirectory() as folder:
         failures += left_behind(nxhost, folder)
         failures += undiagnosed(nxhost, folder)
@@ -173,7 +212,7 @@ def main(nxhost, names, update):
                 expected = script.with_suffix(".expected")
                 if update:
                     expected.write_text(got)
-                elif got != expected.read_text():
+                elif not expected.exists() or got != expected.read_text():
                     failures.append(f"{script.name} printed:\n{got}")
     print("\n".join(failures) or "all as expected")
     return 1 if failures else 0

@@ -141,8 +141,8 @@ class Server(http.server.ThreadingHTTPServer):
     daemon_threads = True
     request_queue_size = 128
 
-    def __init__(self, certificate=None):
-        super().__init__(("127.0.0.1", 0), Handler)
+    def __init__(self, certificate=None, address="127.0.0.1"):
+        super().__init__((address, 0), Handler)
         self.listen_again = threading.Event()
         scheme = "http"
         if certificate:
@@ -150,7 +150,7 @@ class Server(http.server.ThreadingHTTPServer):
             context.load_cert_chain(certificate)
             self.socket = context.wrap_socket(self.socket, server_side=True)
             scheme = "https"
-        self.url = f"{scheme}://127.0.0.1:{self.server_port}"
+        self.url = f"{scheme}://{address}:{self.server_port}"
 
     def handle_error(self, request, client_address):
         pass  # clients that go away are what the tests are about

@@ -179,6 +179,23 @@ def signals(_):
         signalled(silent + "while host.turn() do end", signal.SIGTERM, 143, "interrupted")
 
 
+def does_not_wait_for_pipes(folder):
+    os.mkfifo(pipe := f"{folder}/pipe")
+    reader = os.open(pipe, os.O_RDONLY | os.O_NONBLOCK)  # which never reads
+    writes = f"""
+        local connection, request = host.network:createConnection(), host.network:createRequest()
+        request.url = 'file://{nxhost}'
+        connection:setRequest(request)
+        local sink = host.fileSink('{pipe}')
+        connection:setDataFunc(function(buffer)
+            print 'there' io.stdout:flush()
+            while true do sink:processData(buffer) end
+        end)
+        connection:start() """
+    signalled(writes, signal.SIGTERM, 143, "interrupted", "--allow", "file")
+    os.close(reader)
+
+
 def running(folder, code):
     """nxhost with its temporary files in `folder`, once its script says that it is there."""
     process = subprocess.Popen([nxhost, "-e", PAGED + code], env=os.environ | {"TMPDIR": folder}, text=True,
@@ -239,6 +256,7 @@ def removes_what_is_left(_):
 
 
 with tempfile.TemporaryDirectory() as folder:
-    for test in [evaluates, completes, remembers, stops, terminates, signals, leaves_nothing, removes_what_is_left]:
+    for test in [evaluates, completes, remembers, stops, terminates, signals, does_not_wait_for_pipes,
+                 leaves_nothing, removes_what_is_left]:
         test(folder)
 print("all as expected")

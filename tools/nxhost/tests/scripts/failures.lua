@@ -22,6 +22,12 @@ fail("no URL at all", "http://[")
 fail("method", "/hello", function(request) request.httpMethod = "GET / HTTP/1.1\r\nX: y" end)
 fail("no method", "/hello", function(request) request.httpMethod = "" end)
 fail("header value", "/hello", function(request) request:addHeader("X", "a\r\nY: b") end)
+for _, name in ipairs{"Content-Length", "TRANSFER-ENCODING", "trailer", "Upgrade"} do
+    fail(name, "/hello", function(request) request:addHeader(name, "1") end)
+end
+for _, control in ipairs{"\1", "\t", "\127"} do
+    fail("header control", "/hello", function(request) request:addHeader("X", "a" .. control .. "b") end)
+end
 fail("header NUL", "/hello", function(request) request:addHeader("X", "a\0b") end)
 fail("header name", "/hello", function(request) request:addHeader("X: y\nZ", "b") end)
 fail("no file", "/hello", function(request) request.fileForUpload = net.folder .. "/absent" end)
@@ -33,7 +39,7 @@ end)
 local connection = host.network:createConnection()
 connection:setStatusFunc(function() print("no request", connection.status, connection.error) end)
 connection:start()
-print(connection.status)
+print(connection.status, connection.timeLimit)
 net.wait(connection)
 
 print "== on the way"

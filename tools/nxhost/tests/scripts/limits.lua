@@ -6,3 +6,4 @@ print(document.undoCount)
 for i = 1, 2 do document:set("long", ("x"):rep(700) .. i) end
 print(document.undoCount, document.historyBytes < 2000)
 print(pcall(require, "fetch"))
+print(host.network:createConnection().timeLimit)

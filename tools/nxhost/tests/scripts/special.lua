@@ -1,0 +1,60 @@
+-- Pipes, devices and files that the system makes up: nothing waits for good, and nothing is sent as nothing.
+local net = require "fetch"
+local pipe = net.folder .. "/pipe"
+os.execute("mkfifo " .. pipe)
+
+local function upload(title, path, set)
+    local connection, body = net.fetch("/echo", function(request, made)
+        request.httpMethod = "PUT"
+        request.fileForUpload = path
+        if set then set(request, made) end
+    end)
+    print(title, connection.status, connection.error, (connection.errorText:gsub("%d+", "N")))
+    return body
+end
+
+print "== pipes"
+upload("nobody writes", pipe, function(_, made) made.timeLimit = 0.2 end)
+upload("cancelled", pipe, function(_, made) host.later(function() made:cancel() end) end)
+for _, set in ipairs{function() end, function(request) request:addPostData("a", "b") end} do
+    os.execute("(sleep 0.1; echo first; sleep 0.1; echo second) > " .. pipe .. " &")
+    print(upload("written late", pipe, set):match("first\nsecond\n") ~= nil)
+end
+print "== sizes that tell nothing"
+print(upload("made up", "/proc/self/status"):match("^Name:%s*(%w+)"))
+print(#upload("empty device", "/dev/null"))
+local large = net.write("shrinks", ("x"):rep(50000000))
+upload("shorter than its size", large, function(_, made)
+    made:setProgressFunc(function() io.open(large, "w"):close() end)
+end)
+
+print "== sinks"
+local _, buffer = nil
+local connection = net.connection("/hello")
+connection:setDataFunc(function(arrived) buffer = arrived end)
+connection:start()
+net.wait(connection)
+print("nobody reads", (select(2, pcall(host.fileSink, pipe)):gsub(".*: ", "")))
+local copy = net.folder .. "/copy"
+os.execute("cat " .. pipe .. " > " .. copy .. " &")
+local there, sink
+repeat there, sink = pcall(host.fileSink, pipe) until there
+sink:processData(buffer)
+sink:close(true)
+local text
+repeat
+    local file = io.open(copy)
+    text = file and file:read("*a") or ""
+    if file then file:close() end
+until text ~= ""
+print("read", text)
+-- The reader goes; that is an error and does not end the program.
+os.execute("true < " .. pipe .. " &")
+repeat there, sink = pcall(host.fileSink, pipe) until there
+local goes
+repeat goes = select(2, pcall(sink.processData, sink, buffer)) until goes
+print("read no more", (goes:gsub(".*: ", "")))
+sink = host.fileSink("/dev/null")
+sink:processData(buffer)
+sink:close(true)
+os.remove(pipe)
