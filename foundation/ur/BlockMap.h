@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <initializer_list>
 #include <iterator>
 #include <memory>
@@ -10,67 +11,30 @@
 #include <utility>
 
 #include "foundation/ur/MapBlock.h"
+#include "foundation/ur/MapIterator.h"
+#include "foundation/ur/MapTree.h"
 
 namespace ur {
 
-/// Stands on an entry of a `BlockMap`, or behind the last one.
-template <class Block, class Type>
-class BlockMapIterator {
-public:
-    using iterator_category = std::bidirectional_iterator_tag;
-    using value_type = std::remove_const_t<Type>;
-    using difference_type = std::ptrdiff_t;
-    using pointer = Type*;
-    using reference = Type&;
+namespace impl {
 
-    BlockMapIterator() noexcept = default;
-    BlockMapIterator(Block* block, std::uint32_t index) noexcept : block_(block), index_(index) {}
-    template <class Other>
-    requires std::convertible_to<Other*, Type*> BlockMapIterator(BlockMapIterator<Block, Other> const& other)
-    noexcept : block_(other.block()), index_(other.index()) {}
+/// Checks the structure of a map, in tests.
+template <class Map>
+struct MapAudit;
 
-    [[nodiscard]] Block* block() const noexcept { return block_; }
-    [[nodiscard]] std::uint32_t index() const noexcept { return index_; }
-
-    [[nodiscard]] reference operator*() const noexcept { return (*block_)[index_]; }
-    [[nodiscard]] pointer operator->() const noexcept { return &(*block_)[index_]; }
-    BlockMapIterator& operator++() noexcept {
-        if (++index_ == block_->size && block_->next()) *this = {block_->next(), 0};
-        return *this;
-    }
-    BlockMapIterator& operator--() noexcept {
-        if (index_ == 0) *this = {block_->previous(), block_->previous()->size};
-        --index_;
-        return *this;
-    }
-    BlockMapIterator operator++(int) noexcept {
-        auto const before = *this;
-        ++*this;
-        return before;
-    }
-    BlockMapIterator operator--(int) noexcept {
-        auto const before = *this;
-        --*this;
-        return before;
-    }
-    friend bool operator==(BlockMapIterator const& a, BlockMapIterator const& b) noexcept = default;
-
-private:
-    Block* block_ = nullptr;
-    std::uint32_t index_ = 0;
-};
+}  // namespace impl
 
 /// Entries with unique keys in ascending order, for maps of which nearly all are small.
 ///
-/// A map of up to 64 entries is one block, as long as needed when it was copied or reserved for, and growing by
-/// halves otherwise; a larger one is a list of such blocks with a directory, which is such a map again and holds copies
-/// of some keys, perhaps of erased ones. The map itself is one pointer. Looking up takes logarithmic time; inserting
-/// and erasing take that and the moving of some entries, which ends the validity of every iterator and reference into
-/// the map.
-template <class Key, class Value, class Less>
+/// A map of up to `blockSize` entries is one block, as long as needed when it was copied or reserved for, and growing
+/// by halves otherwise. A larger one is a B+tree of such blocks, which holds copies of some keys, perhaps of erased
+/// ones. The map itself is one pointer. Looking up, inserting and erasing take logarithmic time. Inserting and erasing
+/// move entries, which ends the validity of every iterator and reference into the map. Erasing never throws and
+/// inserting does all or nothing, if `Less` does not throw.
+template <class Key, class Value, class Less, std::uint32_t blockSize = 64, std::uint32_t fanOut = 64>
 class BlockMap {
-    struct Directory;
-    using Block = impl::MapBlock<Key, Value, Directory>;
+    using Block = impl::MapBlock<Key, Value, blockSize, fanOut>;
+    using Tree = typename Block::Tree;
 
 public:
     using key_type = Key;
@@ -81,8 +45,8 @@ public:
     using difference_type = std::ptrdiff_t;
     using reference = value_type&;
     using const_reference = value_type const&;
-    using iterator = BlockMapIterator<Block, value_type>;
-    using const_iterator = BlockMapIterator<Block, value_type const>;
+    using iterator = MapIterator<Block, value_type>;
+    using const_iterator = MapIterator<Block, value_type const>;
 
     BlockMap() noexcept = default;
     BlockMap(std::initializer_list<value_type> entries) : BlockMap(entries.begin(), entries.end()) {}
@@ -103,7 +67,7 @@ public:
     [[nodiscard]] bool empty() const noexcept { return size() == 0; }
     [[nodiscard]] size_type size() const noexcept {
         if (!first_) return 0;
-        return first_->directory() ? first_->directory()->entries : first_->size;
+        return first_->tree() ? first_->tree()->entries : first_->size;
     }
     [[nodiscard]] iterator begin() noexcept { return {first_, 0}; }
     [[nodiscard]] iterator end() noexcept { return behindLast(); }
@@ -180,7 +144,7 @@ public:
     /// others. Requires: `key` is not part of this map.
     template <class K>
     Value& ascending(K const& key) {
-        if (!first_ || first_->isFull() || first_->directory()) return inOrder(key);
+        if (!first_ || first_->isFull() || first_->tree()) return inOrder(key);
         // The key is made where it stays; only if that is the wrong place, it has to be made again.
         Block& block = *first_;
         block.append(key, Value());
@@ -192,8 +156,8 @@ public:
     /// Requires: the key comes after all others, and neither argument is part of this map.
     template <class K, class V>
     iterator emplaceLast(K&& key, V&& value) {
-        if (!first_ || first_->isFull() || first_->directory()) [[unlikely]]
-            return insertAt(end(), Key(std::forward<K>(key)), Value(std::forward<V>(value)));
+        if (!first_ || first_->isFull() || first_->tree()) [[unlikely]]
+            return appendFar(std::forward<K>(key), std::forward<V>(value));
         first_->append(std::forward<K>(key), std::forward<V>(value));
         return {first_, first_->size - 1};
     }
@@ -211,13 +175,10 @@ public:
     /// The place behind the erased entry.
     iterator erase(const_iterator at) noexcept {
         Block* const block = at.block();
-        auto const erased = block->erase(at.index());  // goes when the map is whole again
-        if (Directory* const directory = first_->directory()) --directory->entries;
-        iterator const next = onEntry({block, at.index()});
-        if (block->size > 0) return compacted(next, *block);
-        bool const wasLast = block == last();
-        remove(*block, erased.first);
-        return wasLast ? end() : next;
+        [[maybe_unused]] auto const erased = block->erase(at.index());  // goes when the map is whole again
+        if (Tree* const tree = block->tree()) return refilled(*tree, at);
+        if (block->size == 0) clear();
+        return first_ ? iterator(block, at.index()) : iterator();
     }
     iterator erase(iterator at) noexcept { return erase(const_iterator(at)); }
     size_type erase(Key const& key) {
@@ -233,7 +194,7 @@ public:
     template <class Drop>
     void clear(Drop drop) noexcept {
         Block* block = std::exchange(first_, nullptr);
-        if (block) delete block->directory();
+        if (block) delete block->tree();
         while (block) Block::destroy(std::exchange(block, block->next()), drop);
     }
     void swap(BlockMap& other) noexcept { std::swap(first_, other.first_); }
@@ -250,41 +211,20 @@ public:
     }
 
 private:
-    template <class OtherKey, class OtherValue, class OtherLess>
-    friend class BlockMap;
-
-    /// Leads to the blocks of a map that has several. Each is listed under a key that is behind all those of the block
-    /// before it, and not behind its own; only the very first one may have keys before that.
-    struct Directory {
-        using Map = BlockMap<Key, void*, Less>;
-
-        /// Out of line, so that looking up in small maps stays short.
-        template <class K>
-        [[nodiscard, gnu::noinline]] Block* find(K const& key) const {
-            return static_cast<Block*>(blocks.floor(key)->second);
-        }
-
-        Map blocks;
-        size_type entries = 0;
-    };
+    template <class Map>
+    friend struct impl::MapAudit;
 
     [[nodiscard]] Block* last() const noexcept {
-        if (!first_ || !first_->directory()) return first_;
-        return static_cast<Block*>(std::prev(first_->directory()->blocks.end())->second);
+        Tree const* const tree = first_ ? first_->tree() : nullptr;
+        return tree ? tree->last() : first_;
     }
     [[nodiscard]] iterator behindLast() const noexcept { return {last(), first_ ? last()->size : 0}; }
 
     /// The block that has or would get `key`.
     template <class K>
     [[nodiscard]] Block* blockFor(K const& key) const {
-        Directory const* const directory = first_ ? first_->directory() : nullptr;
-        return directory ? directory->find(key) : first_;
-    }
-    /// The last entry whose key is not behind `key`; the first one of its block if there is none. Requires: not empty.
-    template <class K>
-    [[nodiscard]] iterator floor(K const& key) const {
-        Block* const block = blockFor(key);
-        return {block, block->template floor<Less>(key)};
+        Tree const* const tree = first_ ? first_->tree() : nullptr;
+        return tree ? tree->template find<Less>(key) : first_;
     }
     /// Where `key` is or would be put: perhaps behind the last entry of a block.
     template <class K>
@@ -315,26 +255,35 @@ private:
         return try_emplace(end(), Key(key))->second;
     }
 
+    /// Appends to a map whose only block has no room, or that has several.
     template <class K, class V>
-    iterator insertAt(const_iterator place, K&& key, V&& value) {
-        Block* block = place.block();
-        std::uint32_t index = place.index();
-        if (index == 0 && block && block->previous()) listUnder(key, *block);
+    [[gnu::noinline]] iterator appendFar(K&& key, V&& value) {
+        Block* const block = last();
         if (!block || block->isFull()) {
-            if (!block || block->capacity < Block::full) {
-                grow(block ? block->capacity + block->capacity / 2 + 1 : 1);
-                block = first_;
-            } else {
-                split(*block, index, key);
-                if (index > block->size || block->isFull()) {
-                    index -= block->size;
-                    block = block->next();
-                }
-            }
+            return insertAt(end(), Key(std::forward<K>(key)), Value(std::forward<V>(value)));
         }
-        block->insert(index, std::forward<K>(key), std::forward<V>(value));
-        if (Directory* const directory = first_->directory()) ++directory->entries;
+        block->append(std::forward<K>(key), std::forward<V>(value));
+        ++block->tree()->entries;
+        return {block, block->size - 1};
+    }
+    iterator insertAt(const_iterator place, Key&& key, Value&& value) {
+        auto const [block, index] = roomAt(place, key);
+        block->insert(index, std::move(key), std::move(value));
+        if (Tree* const tree = block->tree()) ++tree->entries;
         return {block, index};
+    }
+    [[nodiscard]] typename Tree::Place roomAt(const_iterator place, Key const& key) {
+        Block* const block = place.block();
+        if (block && !block->isFull()) return {block, place.index()};
+        if (block && block->capacity == Block::full) return splitAt(*block, place.index(), key);
+        grow(block ? block->capacity + block->capacity / 2 + 1 : 1);
+        return {first_, place.index()};
+    }
+    [[nodiscard]] static typename Tree::Place splitAt(Block& block, std::uint32_t index, Key const& key) {
+        std::unique_ptr<Tree> made(block.tree() ? nullptr : new Tree(block));
+        auto const place = block.tree()->split(block, index, key);
+        (void)made.release();  // a map of two blocks has a tree
+        return place;
     }
 
     /// Moves the only block, if there is one, into a larger one.
@@ -347,64 +296,12 @@ private:
         first_ = larger;
     }
 
-    /// Puts a block behind a full one, with half of its entries; with none if `key`, which is to stand at `index`,
-    /// comes last of all.
-    void split(Block& block, std::uint32_t index, Key const& key) {
-        bool const isLast = !block.next() && index == Block::full;
-        // All that can fail comes first: a map has a directory only together with a second block.
-        std::unique_ptr<Directory> made(first_->directory() ? nullptr : new Directory);
-        if (made) made->entries = first_->size;
-        Block* const added =
-            list(made ? *made : *first_->directory(), block, isLast ? key : block[Block::full / 2].first);
-        if (made) first_->neighbours().directory = made.release();
-        added->neighbours().previous = &block;
-        added->neighbours().next = block.next();
-        if (block.next()) block.next()->neighbours().previous = added;
-        block.neighbours().next = added;
-        if (!isLast) block.moveTail(Block::full / 2, *added);
-    }
-    /// A new block, listed behind `block` under the key that parts the two.
-    Block* list(Directory& directory, Block& block, Key const& parting) {
-        auto const destroy = [](Block* unlisted) { Block::destroy(unlisted); };
-        std::unique_ptr<Block, decltype(destroy)> added(Block::make(Block::full), destroy);
-        if (directory.blocks.empty()) directory.blocks.emplaceLast(block[0].first, &block);
-        auto const place = directory.blocks.floor(block[0].first);
-        directory.blocks.insertAt({place.block(), place.index() + 1}, Key(parting), added.get());
-        return added.release();
-    }
-
-    /// Before `key` becomes the first one of a block that is not the first.
-    void listUnder(Key const& key, Block& block) {
-        auto const place = first_->directory()->blocks.floor(block[0].first);
-        if (Less()(key, place->first)) const_cast<Key&>(place->first) = key;
-    }
-
-    /// Takes an empty block out, the last key of which was `key`.
-    void remove(Block& block, Key const& key) noexcept {
-        Directory* const directory = first_->directory();
-        if (!directory) return clear();
-        Block* const next = block.next();
-        Block* const previous = block.previous();
-        if (next) next->neighbours().previous = previous;
-        (previous ? previous->neighbours().next : first_) = next;
-        first_->neighbours().directory = directory;
-        directory->blocks.erase(directory->blocks.floor(key));
-        Block::destroy(&block);
-        if (directory->blocks.size() > 1) return;
-        first_->neighbours().directory = nullptr;
-        delete directory;
-    }
-
-    /// Joins a block of few entries with the next one, if that has few as well. A block that heads one of the directory
-    /// stays, since keys before its own are looked for there.
-    iterator compacted(iterator at, Block& block) noexcept {
-        Block* const next = block.next();
-        if (!next || block.size + next->size > Block::full / 2) return at;
-        if (first_->directory()->blocks.floor((*next)[0].first).index() == 0) return at;
-        std::uint32_t const former = block.size;
-        next->moveTail(0, block);
-        remove(*next, block[former].first);
-        return at.block() == &block ? at : iterator(&block, former + at.index());
+    /// After an entry has gone from a block of the tree: the place of the entry that followed it.
+    iterator refilled(Tree& tree, const_iterator at) noexcept {
+        --tree.entries;
+        auto const place = tree.refill(*at.block(), at.index());
+        if (tree.hasOneBlock()) delete &tree;
+        return onEntry({place.block, place.index});
     }
 
     Block* first_ = nullptr;

@@ -1,6 +1,7 @@
 // The blocks that an ordered map keeps its entries in.
 #pragma once
 
+#include <algorithm>
 #include <compare>
 #include <concepts>
 #include <cstddef>
@@ -11,6 +12,7 @@
 #include <utility>
 
 #include "foundation/ur/NodeHeap.h"
+#include "foundation/ur/mapSearch.h"
 
 namespace ur {
 
@@ -21,26 +23,37 @@ struct less;
 
 namespace ur::impl {
 
-/// Entries in ascending order, with room for some more behind them.
+template <class Key, class Value, std::uint32_t blockSize, std::uint32_t fanOut>
+class MapBranch;
+template <class Key, class Value, std::uint32_t blockSize, std::uint32_t fanOut>
+class MapTree;
+
+/// Entries in ascending order, with room for some more after them.
 ///
-/// A block grows up to `full`; from there on its map has several, which know their neighbours, and of which the first
-/// one leads to the map's directory.
-template <class Key, class Value, class Directory>
+/// A map of up to `full` entries is one block of any capacity. A larger one is a tree whose leaves are blocks of the
+/// capacity `full`, linked in both directions. Owned by its map.
+template <class Key, class Value, std::uint32_t blockSize, std::uint32_t fanOut>
 class alignas(std::uint32_t) alignas(std::pair<Key const, Value>) MapBlock {
 public:
     using Entry = std::pair<Key const, Value>;
+    using Branch = MapBranch<Key, Value, blockSize, fanOut>;
+    using Tree = MapTree<Key, Value, blockSize, fanOut>;
 
-    static constexpr std::uint32_t full = 64;
+    static constexpr std::uint32_t full = blockSize;
+    /// The least number of entries of a block in a tree, its last block excepted.
+    static constexpr std::uint32_t least = full / 2;
 
-    struct Neighbours {
+    /// Where a block stands in its tree; all null in a map of one block.
+    struct Links {
         MapBlock* previous = nullptr;
         MapBlock* next = nullptr;
-        Directory* directory = nullptr;
+        Branch* parent = nullptr;
+        Tree* tree = nullptr;
     };
 
     [[nodiscard]] static MapBlock* make(std::uint32_t capacity) {
         auto* block = new (allocateNode(bytes(capacity))) MapBlock(capacity);
-        if (capacity == full) new (&block->neighbours()) Neighbours;
+        if (capacity == full) new (&block->links()) Links;
         return block;
     }
     static void destroy(MapBlock* block) noexcept {
@@ -62,26 +75,25 @@ public:
     }
     [[nodiscard]] bool isFull() const noexcept { return size == capacity; }
 
-    [[nodiscard]] Neighbours& neighbours() noexcept { return *reinterpret_cast<Neighbours*>(entries() + full); }
-    [[nodiscard]] MapBlock* next() noexcept { return capacity == full ? neighbours().next : nullptr; }
-    [[nodiscard]] MapBlock* previous() noexcept { return capacity == full ? neighbours().previous : nullptr; }
-    [[nodiscard]] Directory* directory() noexcept { return capacity == full ? neighbours().directory : nullptr; }
+    /// Requires: the capacity `full`.
+    [[nodiscard]] Links& links() noexcept {
+        return *reinterpret_cast<Links*>(reinterpret_cast<std::byte*>(this) + linksOffset());
+    }
+    [[nodiscard]] MapBlock* next() noexcept { return capacity == full ? links().next : nullptr; }
+    [[nodiscard]] MapBlock* previous() noexcept { return capacity == full ? links().previous : nullptr; }
+    [[nodiscard]] Tree* tree() noexcept { return capacity == full ? links().tree : nullptr; }
 
     /// The first entry whose key is not before `key`.
     template <class Less, class K>
     [[nodiscard]] std::uint32_t lowerBound(K const& key) const {
-        return firstBut<6>(0, [&, less = Less()](Entry const& entry) { return less(entry.first, key); });
-    }
-    /// The last entry whose key is not behind `key`, which that of the first one is taken to be.
-    template <class Less, class K>
-    [[nodiscard]] std::uint32_t floor(K const& key) const {
-        return firstBut<1>(1, [&, less = Less()](Entry const& entry) { return !less(key, entry.first); }) - 1;
+        return countBefore<std::min(6U, full / 2)>(
+            size, [&, less = Less()](std::uint32_t i) { return less((*this)[i].first, key); });
     }
     /// The entry with `key`, or `size`. Among few, asking for the equal one is cheaper than asking for the order, where
     /// the key's type promises that both agree.
     template <class Less, class K>
     [[nodiscard]] std::uint32_t find(K const& key) const {
-        constexpr std::uint32_t few = 8;
+        constexpr std::uint32_t few = std::min(8U, full / 2);
         if constexpr (std::same_as<Less, ur::less<Key>> && std::three_way_comparable<Key, std::strong_ordering>) {
             if (size <= few) {
                 std::uint32_t index = 0;
@@ -100,24 +112,16 @@ public:
         ++size;
     }
     /// Requires: not full.
-    template <class... Arguments>
-    void insert(std::uint32_t index, Arguments&&... arguments) {
-        if (index == size) {
-            append(std::forward<Arguments>(arguments)...);
-        } else {
-            std::pair<Key, Value> entry(std::forward<Arguments>(arguments)...);  // may be made of what moves
-            for (std::uint32_t i = size; i > index; --i) relocate(entries()[i - 1], entries()[i]);
-            new (&entries()[index]) Entry(std::move(entry));
-            ++size;
-        }
+    void insert(std::uint32_t index, Key&& key, Value&& value) noexcept {
+        openGap(index, 1);
+        new (&entries()[index]) Entry(std::move(key), std::move(value));
     }
     /// Gives what was erased, whose destructors may come back to the map.
     std::pair<Key, Value> erase(std::uint32_t index) noexcept {
         Entry& entry = entries()[index];
         std::pair<Key, Value> erased(std::move(const_cast<Key&>(entry.first)), std::move(entry.second));
         std::destroy_at(&entry);
-        for (std::uint32_t i = index + 1; i < size; ++i) relocate(entries()[i], entries()[i - 1]);
-        --size;
+        closeGap(index, 1);
         return erased;
     }
     /// Appends the entries from `index` on to `other`, which has room for them.
@@ -125,34 +129,46 @@ public:
         for (std::uint32_t i = index; i < size; ++i) relocate(entries()[i], other.entries()[other.size++]);
         size = index;
     }
+    /// Moves entries between two neighbours until the first one has `count` of them.
+    static void share(MapBlock& first, MapBlock& second, std::uint32_t count) noexcept {
+        if (count < first.size) {
+            std::uint32_t const moved = first.size - count;
+            second.openGap(0, moved);
+            for (std::uint32_t i = 0; i < moved; ++i) relocate(first.entries()[count + i], second.entries()[i]);
+            first.size = count;
+        } else {
+            std::uint32_t const moved = count - first.size;
+            for (std::uint32_t i = 0; i < moved; ++i) relocate(second.entries()[i], first.entries()[first.size++]);
+            second.closeGap(0, moved);
+        }
+    }
 
     std::uint32_t size = 0;
     std::uint32_t const capacity;
 
 private:
+    static_assert(full >= 2);
     static_assert(alignof(Entry) <= alignof(std::max_align_t));
     static_assert(std::is_nothrow_move_constructible_v<Key> && std::is_nothrow_move_constructible_v<Value>);
 
     explicit MapBlock(std::uint32_t room) noexcept : capacity(room) {}
 
-    /// The first entry from `first` on that is not `before`. The last `few` are looked at one after the other.
-    template <std::uint32_t few, class Before>
-    [[nodiscard]] std::uint32_t firstBut(std::uint32_t first, Before before) const {
-        std::uint32_t count = size - first;
-        while (count > few) {
-            std::uint32_t const half = count / 2;
-            bool const behind = before((*this)[first + half]);
-            first = behind ? first + half + 1 : first;
-            count = behind ? count - half - 1 : half;
-        }
-        for (; count > 0 && before((*this)[first]); --count) ++first;
-        return first;
+    [[nodiscard]] static constexpr std::size_t linksOffset() noexcept {
+        std::size_t const entriesEnd = sizeof(MapBlock) + full * sizeof(Entry);
+        return (entriesEnd + alignof(Links) - 1) / alignof(Links) * alignof(Links);
     }
-
     [[nodiscard]] static std::size_t bytes(std::uint32_t capacity) noexcept {
-        return sizeof(MapBlock) + capacity * sizeof(Entry) + (capacity == full ? sizeof(Neighbours) : 0);
+        return capacity == full ? linksOffset() + sizeof(Links) : sizeof(MapBlock) + capacity * sizeof(Entry);
     }
     [[nodiscard]] Entry* entries() noexcept { return reinterpret_cast<Entry*>(this + 1); }
+    void openGap(std::uint32_t index, std::uint32_t count) noexcept {
+        for (std::uint32_t i = size; i-- > index;) relocate(entries()[i], entries()[i + count]);
+        size += count;
+    }
+    void closeGap(std::uint32_t index, std::uint32_t count) noexcept {
+        for (std::uint32_t i = index + count; i < size; ++i) relocate(entries()[i], entries()[i - count]);
+        size -= count;
+    }
     /// Moves the key as well, which is constant to users only.
     static void relocate(Entry& from, Entry& to) noexcept {
         new (&to) Entry(std::move(const_cast<Key&>(from.first)), std::move(from.second));

@@ -6,6 +6,8 @@
 #include "plst/packets.h"
 #include "tests/faults/survives.h"
 
+#include <array>
+
 namespace faults {
 namespace {
 
@@ -62,21 +64,21 @@ struct InsertIntoDictionary : TreeStory {
     Reference<Item> given = tree();
 };
 
-/// Grows a map beyond its first block, and takes it apart entry by entry where that fails.
+/// Grows a map by one entry, from one block to two or so that branches are split up to the root.
+template <int former>
 struct GrowMap {
     GrowMap() {
-        while (map.size() < 64) map[static_cast<int>(map.size())] = 0;
+        for (int i = 0; i < former; ++i) map[i];
     }
-    bool act() {
-        try {
-            return map.try_emplace(64, 0).second;
-        } catch (std::bad_alloc const&) {
-            while (!map.empty()) map.erase(map.begin());
-            throw;
+    bool act() { return map.try_emplace(former).second; }
+    std::string state() const {
+        std::string keys;
+        for (auto at = map.begin(); at != map.end(); ++at) {
+            if (map.find(at->first) == at) keys += std::to_string(at->first) + " ";
         }
+        return keys;
     }
-    std::string state() const { return map.contains(64) ? "grown" : ""; }
-    ur::map<int, int> map;
+    ur::BlockMap<int, std::array<char, 200>, ur::less<int>, 2, 3> map;  // entries of more than a small node's bytes
 };
 
 struct WriteJson {
@@ -149,7 +151,8 @@ TEST(WithoutMemory, TreesStayWhatTheyAreWhenWrittenOrCopied) {
     survives<WritePackets>();
     survives<CloneTree>();
     survives<InsertIntoDictionary>();
-    survives<GrowMap>();
+    survives<GrowMap<2>>();   // a second block and a tree
+    survives<GrowMap<14>>();  // branches on several levels, and a root
 }
 
 TEST(WithoutMemory, CallbacksAreConnectedOrNot) { survives<Connect>(); }

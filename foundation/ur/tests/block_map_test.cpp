@@ -1,156 +1,242 @@
-// The ordered map beside the standard's.
+// The ordered map: its structure in every state that few keys reach, and its entries beside the standard map's.
 #include "foundation/ur/BlockMap.h"
 
 #include <gtest/gtest.h>
 
-#include <map>
+#include <algorithm>
+#include <functional>
 #include <memory>
+#include <numeric>
 #include <random>
+#include <set>
+#include <stdexcept>
 #include <string>
 
 #include "foundation/ur/containers.h"
+#include "foundation/ur/tests/MapAudit.h"
+#include "foundation/ur/tests/MapPlay.h"
 
 namespace {
 
-using Map = ur::BlockMap<int, std::string, ur::less<int>>;
-using Model = std::map<int, std::string>;
+using ur::test::MapKey;
+using ur::test::MapPlay;
 
-bool same(Map const& map, Model const& model) {
-    if (map.size() != model.size() || map.empty() != model.empty()) return false;
-    auto forward = map.begin();
-    for (auto const& [key, value] : model) {
-        if (forward->first != key || forward->second != value) return false;
-        ++forward;
-    }
-    auto backward = map.end();
-    for (auto entry = model.rbegin(); entry != model.rend(); ++entry) {
-        if ((--backward)->first != entry->first) return false;
-    }
-    return forward == map.end() && backward == map.begin();
+template <std::uint32_t blockSize, std::uint32_t fanOut>
+using Small = ur::BlockMap<MapKey, int, ur::less<MapKey>, blockSize, fanOut>;
+
+template <class Map>
+std::string faults(Map const& map) {
+    return ur::impl::MapAudit<Map>::faults(map);
 }
 
-/// Applies the same random steps to both: more growing or more shrinking, in turns.
-class Pair {
+/// Every state that inserting and erasing `keys` different keys in any order leads to, found step by step. All orders
+/// of inserting and erasing them are paths through these states.
+template <class Map>
+class States {
 public:
-    Pair(unsigned seed, int keys) : random_(seed), keys_(keys) {}
-
-    void step() {
-        if (below(1500 + keys_) == 0) growing_ = !growing_;
-        int const key = below(keys_);
-        std::string const value = std::to_string(below(1000)) + " in a text of more than sixteen bytes";
-        int const kind = below(10);
-        if (kind < 2) return expectSameLookUps(key);
-        if (growing_ != (kind == 2)) return insert(key, value);
-        erase(key);
-    }
-
-    void expectSame() { ASSERT_TRUE(same(map_, model_)); }
-    void copyAndMove() {
-        Map copy(map_);
-        EXPECT_EQ(copy, map_);
-        std::size_t dropped = 0;
-        map_.clear([&](std::string const& value) { dropped += value.empty() ? 0 : 1; });
-        EXPECT_EQ(dropped, copy.size());
-        EXPECT_TRUE(map_.empty() && map_.begin() == map_.end());
-        map_ = std::move(copy);
-        map_.reserve(static_cast<std::size_t>(below(keys_)));
-    }
-
-private:
-    void insert(int key, std::string const& value) {
-        switch (below(6)) {
-            case 0: EXPECT_EQ(map_.try_emplace(key, value).second, model_.try_emplace(key, value).second); break;
-            case 1: EXPECT_EQ(map_.insert({key, value}).second, model_.insert({key, value}).second); break;
-            case 2: map_[key] = model_[key] = value; break;
-            case 4: map_.ascending(key) = model_[key] = value; break;
-            case 3:
-                EXPECT_EQ(map_.emplace_hint(map_.lower_bound(below(keys_)), key, value)->first, key);
-                model_.emplace(key, value);
-                break;
-            default: {
-                auto const entry = map_.insert_or_assign(key, value).first;
-                EXPECT_EQ(entry->second, value);
-                model_.insert_or_assign(key, value);
+    explicit States(int keys) : keys_(keys) {
+        expand({});
+        for (std::size_t i = 0; i < paths_.size() && !testing::Test::HasFailure(); ++i) {
+            for (int key = 0; key < keys_; ++key) {
+                std::vector<int> path = paths_[i];
+                path.push_back(key);
+                expand(path);
             }
         }
     }
-    void erase(int key) {
-        if (below(2) == 0) {
-            EXPECT_EQ(map_.erase(key), model_.erase(key));
-            return;
-        }
-        auto entry = map_.lower_bound(key);
-        auto expected = model_.lower_bound(key);
-        for (int run = below(20) == 0 ? below(200) : 1; run > 0 && expected != model_.end(); --run) {
-            entry = map_.erase(entry);
-            expected = model_.erase(expected);
-        }
-        expectAt(entry, expected);
-    }
-    void expectSameLookUps(int key) {
-        expectAt(map_.find(key), model_.find(key));
-        expectAt(map_.lower_bound(key), model_.lower_bound(key));
-        expectAt(map_.upper_bound(key), model_.upper_bound(key));
-        EXPECT_EQ(map_.contains(key), model_.contains(key));
-    }
-    void expectAt(Map::iterator entry, Model::iterator expected) {
-        ASSERT_EQ(entry == map_.end(), expected == model_.end());
-        if (expected == model_.end()) return;
-        EXPECT_EQ(entry->first, expected->first);
-    }
-    int below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
+    [[nodiscard]] std::uint32_t levels() const { return levels_; }
 
-    std::mt19937 random_;
+private:
+    /// Inserts each key of the path, or erases it where it is there.
+    void expand(std::vector<int> const& path) {
+        Map map;
+        for (int key : path) {
+            if (map.erase(key) == 0) map.try_emplace(key, key);
+        }
+        std::string const fault = faults(map);
+        ASSERT_EQ(fault, "") << testing::PrintToString(path);
+        levels_ = std::max(levels_, ur::impl::MapAudit<Map>::levels(map));
+        if (seen_.insert(ur::impl::MapAudit<Map>::structure(map)).second) paths_.push_back(path);
+    }
+
     int keys_;
-    bool growing_ = true;
-    Map map_;
-    Model model_;
+    std::uint32_t levels_ = 0;
+    std::vector<std::vector<int>> paths_;
+    std::set<std::string> seen_;
 };
+
+TEST(BlockMap, IsSoundInEveryStateThatFewKeysReach) {
+    EXPECT_EQ((States<Small<2, 3>>(9).levels()), 4U);
+    EXPECT_EQ((States<Small<3, 3>>(8).levels()), 3U);
+    EXPECT_EQ((States<Small<4, 4>>(9).levels()), 2U);
+}
+
+constexpr int manyKeys = 100;
+
+/// Orders of the keys from 0 to `manyKeys` - 1.
+std::vector<std::vector<int>> orders() {
+    std::vector<int> up(manyKeys);
+    std::iota(up.begin(), up.end(), 0);
+    std::vector<int> const down(up.rbegin(), up.rend());
+    std::vector<int> inwards;                                    // from both ends
+    std::vector<int> outwards;                                   // from the middle
+    std::vector<int> drifting;                                   // downwards, each few upwards
+    std::vector<int> high(up.begin() + manyKeys / 2, up.end());  // then all lower ones in no order
+    for (int i = 0; i < manyKeys / 2; ++i) {
+        inwards.insert(inwards.end(), {i, manyKeys - 1 - i});
+        outwards.insert(outwards.end(), {manyKeys / 2 + i, manyKeys / 2 - 1 - i});
+    }
+    for (int from = manyKeys; from > 0; from -= 5) drifting.insert(drifting.end(), &up[from - 5], &up[from - 5] + 5);
+    std::vector<int> clustered = up;  // by last digit
+    std::stable_sort(clustered.begin(), clustered.end(), [](int a, int b) { return a % 10 < b % 10; });
+    std::vector<int> mixed = up;
+    std::shuffle(mixed.begin(), mixed.end(), std::mt19937(5));
+    for (int key : mixed) {
+        if (key < manyKeys / 2) high.push_back(key);
+    }
+    return {up, down, inwards, outwards, drifting, high, clustered, mixed};
+}
+
+template <class Map>
+using Insert = std::function<void(Map&, int)>;
+
+template <class Map>
+std::vector<Insert<Map>> waysToInsert() {
+    return {[](Map& map, int key) { map.try_emplace(key, key); },
+            [](Map& map, int key) { map.try_emplace(map.lower_bound(key), key, key); },
+            [](Map& map, int key) { map.try_emplace(map.begin(), key, key); },
+            [](Map& map, int key) { map.try_emplace(map.lower_bound(key / 2), key, key); },
+            [](Map& map, int key) { map.ascending(key) = key; },
+            [](Map& map, int key) {
+                bool const isLast = map.empty() || std::prev(map.end())->first.value < key;
+                isLast ? void(map.emplaceLast(key, key)) : void(map[key] = key);
+            }};
+}
+
+/// Builds a map in one order and takes it apart in another; audits it after each step.
+template <class Map>
+void buildAndTakeApart(std::vector<int> const& in, std::vector<int> const& out, Insert<Map> const& insert) {
+    Map map;
+    for (int key : in) {
+        insert(map, key);
+        insert(map, key);
+        ASSERT_EQ(faults(map), "");
+    }
+    ASSERT_EQ(map.size(), manyKeys + 0U);
+    Map copy;
+    copy.copyWith(map, [](int value) { return value + 1; });
+    ASSERT_EQ(faults(copy), "");
+    for (int key : out) {
+        ASSERT_EQ(map.erase(key), 1U);
+        ASSERT_EQ(copy.find(key)->second, key + 1);
+        copy.erase(copy.find(key));
+        ASSERT_EQ(faults(map) + faults(copy), "");
+    }
+    EXPECT_TRUE(map.empty() && copy.empty());
+}
+
+template <class Map>
+void buildInAllWays() {
+    auto const runs = orders();
+    for (auto const& insert : waysToInsert<Map>()) {
+        for (std::size_t i = 0; i < runs.size(); ++i) {
+            SCOPED_TRACE(i);
+            for (std::size_t step : {1, 4}) buildAndTakeApart<Map>(runs[i], runs[(i + step) % runs.size()], insert);
+        }
+    }
+}
+
+TEST(BlockMap, StaysSoundHoweverKeysComeAndGo) {
+    buildInAllWays<Small<2, 3>>();
+    buildInAllWays<Small<3, 4>>();
+    buildInAllWays<Small<4, 5>>();
+    Small<2, 3> map;
+    for (int i = 0; i < manyKeys; ++i) map[i] = i;
+    EXPECT_GE((ur::impl::MapAudit<Small<2, 3>>::levels(map)), 4U);
+}
+
+/// With an audit every so many steps.
+template <std::uint32_t blockSize, std::uint32_t fanOut>
+void playRandomly(unsigned seed, unsigned keys, int steps, int auditEvery) {
+    SCOPED_TRACE("seed " + std::to_string(seed) + ", keys " + std::to_string(keys));
+    std::mt19937 random(seed);
+    MapPlay<blockSize, fanOut> both([&] { return static_cast<unsigned>(random()); }, keys);
+    for (int i = 1; i <= steps; ++i) {
+        ASSERT_EQ(both.step(), "") << i;
+        if (i % auditEvery == 0) {
+            ASSERT_EQ(both.audit(), "") << i;
+        }
+    }
+}
 
 TEST(BlockMap, DoesWhatTheStandardMapDoes) {
     unsigned const seed = std::random_device()();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    for (int keys : {3, 40, 200, 3000, 30000}) {
-        Pair pair(seed, keys);
-        for (int i = 0; i < 20000 + 5 * keys; ++i) {
-            pair.step();
-            if (i % 1000 == 0) pair.copyAndMove();
-            if (i % 500 == 0) pair.expectSame();
-        }
-        pair.expectSame();
-    }
+    playRandomly<2, 3>(seed, 40, 40000, 1);
+    playRandomly<3, 3>(seed, 60, 40000, 1);
+    playRandomly<4, 5>(seed, 100, 40000, 1);
+    playRandomly<2, 3>(seed, 2000, 200000, 997);
+    playRandomly<64, 64>(seed, 40, 20000, 1);
+    playRandomly<64, 64>(seed, 30000, 1000000, 49999);
 }
 
-TEST(BlockMap, HoldsManyEntriesHoweverTheyCome) {
+// At the sizes that programs have.
+TEST(BlockMap, FindsEveryOneOfManyEntries) {
     constexpr int many = 200000;
-    ur::BlockMap<int, int, ur::less<int>> up;
-    ur::BlockMap<int, int, ur::less<int>> down;
-    ur::BlockMap<int, int, ur::less<int>> ascending;
+    using Map = ur::map<int, int>;
+    Map up;
+    Map down;
+    Map lower;
+    for (int i = many; i < many + 65; ++i) lower[i] = i;
     for (int i = 0; i < many; ++i) {
         up.emplaceLast(i, i);
-        ascending.ascending(i) = i;
-        down.emplace(many - 1 - i, many - 1 - i);
+        down.try_emplace(many - 1 - i, many - 1 - i);
+        lower[static_cast<int>(i * 7919LL % many)] = i;
     }
     EXPECT_EQ(up, down);
-    EXPECT_EQ(up, ascending);
+    EXPECT_EQ(lower.size(), many + 65U);
+    EXPECT_EQ(faults(up) + faults(down) + faults(lower), "");
     for (int i = 0; i < many; i += 2) up.erase(i);
-    EXPECT_EQ(up.size(), many / 2U);
-    EXPECT_EQ(up.begin()->first, 1);
-    EXPECT_EQ(up.find(many - 1)->second, many - 1);
+    EXPECT_EQ(faults(up), "");
 }
 
-// Blocks are listed under keys of entries that may have gone: what comes in their place may be before those.
-TEST(BlockMap, FindsWhatReplacesWholeBlocks) {
-    constexpr int many = 20000;
-    constexpr int gap = 300;
-    ur::BlockMap<int, int, ur::less<int>> map;
-    for (int i = 0; i < many; ++i) map.emplaceLast(i, i);
-    for (int from = 0; from + gap <= many; from += gap / 5) {
-        for (int i = from; i < from + gap; ++i) ASSERT_EQ(map.erase(i), 1U);
-        for (int i = from + gap; i-- > from;) ASSERT_EQ(map.emplace_hint(map.lower_bound(i), i, i)->second, i);
+TEST(BlockMap, StaysWholeWhenTheCopyOfAKeyFails) {
+    using Map = Small<2, 3>;
+    for (int size = 0; size < 40; ++size) {
+        for (int at = -1; at < 2 * size; at += 2) {
+            for (int copies = 0;; ++copies) {
+                Map map;
+                for (int i = 0; i < size; ++i) map[2 * i] = i;
+                MapKey const key(at);
+                MapKey::copiesLeft = copies;
+                bool failed = false;
+                try {
+                    map[key] = at;
+                } catch (std::bad_alloc const&) {
+                    failed = true;
+                }
+                MapKey::copiesLeft = -1;
+                ASSERT_EQ(faults(map), "");
+                ASSERT_EQ(map.size() + failed, size + 1U);
+                if (!failed) break;
+            }
+        }
     }
-    for (int i = many; i-- > 0;) ASSERT_EQ(i % 8 == 0 ? map.count(i) : map.erase(i), 1U) << i;
-    for (int i = 0; i < many; ++i) ASSERT_EQ(map.count(i), i % 8 == 0 ? 1U : 0U) << i;
+}
+
+TEST(BlockMap, ErasesWithoutCopiesOfKeys) {
+    using Map = Small<4, 3>;
+    for (auto const& order : orders()) {
+        Map map;
+        for (int key : orders().back()) map[key] = key;
+        for (int key : order) {
+            auto const at = map.find(key);
+            MapKey::copiesLeft = 0;
+            map.erase(at);
+            MapKey::copiesLeft = -1;
+            ASSERT_EQ(ur::impl::MapAudit<Map>::faults(map, ur::impl::MapAudit<Map>::Fill::any), "");
+        }
+        EXPECT_TRUE(map.empty());
+    }
 }
 
 TEST(BlockMap, MovesWhatCannotBeCopied) {
@@ -173,6 +259,7 @@ TEST(BlockMap, LetsWhatIsErasedComeBackToIt) {
     map.erase(1);
     EXPECT_EQ(map.size(), 1U);
     EXPECT_TRUE(map.contains(3));
+    EXPECT_THROW((void)map.at(2), std::out_of_range);
 }
 
 }  // namespace

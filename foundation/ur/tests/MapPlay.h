@@ -1,0 +1,158 @@
+// Calls on an ordered map and on the standard's, drawn one after the other, with an audit.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <new>
+#include <ostream>
+#include <string>
+#include <tuple>
+#include <utility>
+
+#include "foundation/ur/containers.h"
+#include "foundation/ur/tests/MapAudit.h"
+
+namespace ur::test {
+
+/// A key whose copies can be made to fail; moved-from ones are told from all others.
+struct MapKey {
+    MapKey(int number) : value(number) {}  // NOLINT(google-explicit-constructor): written as a number
+    MapKey(MapKey const& other) : value(other.value) {
+        if (copiesLeft-- == 0) throw std::bad_alloc();
+    }
+    MapKey(MapKey&& other) noexcept : value(std::exchange(other.value, movedFrom)) {}
+    MapKey& operator=(MapKey other) noexcept {
+        value = other.value;
+        return *this;
+    }
+    ~MapKey() = default;
+
+    friend bool operator<(MapKey const& a, MapKey const& b) { return a.value < b.value; }
+    friend bool operator==(MapKey const& a, MapKey const& b) { return a.value == b.value; }
+    friend std::ostream& operator<<(std::ostream& out, MapKey const& key) { return out << key.value; }
+
+    static constexpr int movedFrom = -1000000;
+    /// How many copies succeed before one fails; negative for all.
+    static inline int copiesLeft = -1;
+
+    int value;
+};
+
+/// Plays on maps of `blockSize` entries a block and `fanOut` children a branch.
+template <std::uint32_t blockSize, std::uint32_t fanOut>
+class MapPlay {
+public:
+    using Map = BlockMap<MapKey, std::string, less<MapKey>, blockSize, fanOut>;
+    using Audit = impl::MapAudit<Map>;
+
+    /// Keys lie below `keys`.
+    MapPlay(std::function<unsigned()> draw, unsigned keys) : draw_(std::move(draw)), keys_(keys) {}
+
+    /// What differs after the next call; empty when nothing does. Not all of the map is looked at.
+    std::string step() {
+        int const key = below(keys_);
+        int const kind = below(32);
+        if (below(4 * keys_) == 0) growing_ = !growing_;
+        if (kind < 12) return growing_ ? insert(key) : erase(key);
+        if (kind < 17) return growing_ ? erase(key) : insert(key);
+        if (kind < 24) return compare(map_.find(key), model_.find(key));
+        if (kind < 27) return compare(map_.lower_bound(key), model_.lower_bound(key));
+        if (kind < 30) return compare(map_.upper_bound(key), model_.upper_bound(key));
+        return kind == 30 ? eraseRun(key) : replaceWhole();
+    }
+    /// What is wrong with the map; empty when nothing is.
+    std::string audit() const {
+        std::string faults = Audit::faults(map_);
+        if (!faults.empty()) return faults;
+        if (map_.size() != model_.size()) return "another number of entries";
+        auto at = map_.begin();
+        for (auto const& [key, value] : model_) {
+            if (at->first.value != key || at->second != value) return "another entry at " + std::to_string(key);
+            ++at;
+        }
+        return {};
+    }
+    [[nodiscard]] Map const& map() const { return map_; }
+
+private:
+    std::string insert(int key) {
+        std::string const value = "the text number " + std::to_string(++texts_) + ", which is long";
+        bool const isNew = !model_.contains(key);
+        bool keptOld = true;
+        bool saidNew = isNew;
+        typename Map::iterator at;
+        switch (below(9)) {
+            case 0: std::tie(at, saidNew) = map_.try_emplace(key, value); break;
+            case 1: std::tie(at, saidNew) = map_.insert({key, value}); break;
+            case 2: std::tie(at, saidNew) = map_.emplace(key, value); break;
+            case 3:
+                std::tie(at, saidNew) = map_.insert_or_assign(key, value);
+                keptOld = false;
+                break;
+            case 4: at = map_.emplace_hint(map_.lower_bound(key), key, value); break;
+            case 5: at = map_.emplace_hint(map_.lower_bound(below(keys_)), key, value); break;
+            case 6:
+                map_[key] = value;
+                keptOld = false;
+                break;
+            case 7:
+                map_.ascending(key) = value;
+                keptOld = false;
+                break;
+            default:
+                if (!model_.empty() && key <= model_.rbegin()->first) return {};
+                at = map_.emplaceLast(key, value);
+        }
+        if (isNew || !keptOld) model_[key] = value;
+        if (saidNew != isNew) return "told wrongly whether the key was new";
+        return at == typename Map::iterator() ? std::string() : compare(at, model_.find(key));
+    }
+    std::string erase(int key) {
+        if (map_.erase(key) != model_.erase(key)) return "erased something else";
+        return {};
+    }
+    std::string eraseRun(int key) {
+        auto at = map_.lower_bound(key);
+        auto expected = model_.lower_bound(key);
+        for (int left = below(2 * blockSize); left > 0 && expected != model_.end(); --left) {
+            at = map_.erase(at);
+            expected = model_.erase(expected);
+        }
+        return compare(at, expected);
+    }
+    std::string replaceWhole() {
+        switch (below(4)) {
+            case 0: map_ = Map(map_); break;
+            case 1: map_.reserve(below(2 * blockSize)); break;
+            case 2: {
+                Map taken(std::move(map_));
+                if (!map_.empty() || map_.begin() != map_.end()) return "something is left behind";
+                map_.swap(taken);
+                break;
+            }
+            default: {
+                std::size_t dropped = 0;
+                map_.clear([&](std::string const&) { ++dropped; });
+                if (dropped != model_.size()) return "dropped another number of values";
+                model_.clear();
+            }
+        }
+        return {};
+    }
+    std::string compare(typename Map::iterator at, std::map<int, std::string>::iterator expected) {
+        if ((at == map_.end()) != (expected == model_.end())) return "found where nothing is, or not found";
+        bool const same =
+            expected == model_.end() || (at->first.value == expected->first && at->second == expected->second);
+        return same ? std::string() : "found another entry";
+    }
+    int below(unsigned limit) { return static_cast<int>(draw_() % limit); }
+
+    std::function<unsigned()> draw_;
+    unsigned keys_;
+    bool growing_ = true;
+    int texts_ = 0;
+    Map map_;
+    std::map<int, std::string> model_;
+};
+
+}  // namespace ur::test
