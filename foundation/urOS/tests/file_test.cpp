@@ -46,6 +46,31 @@ TEST_F(Files, WhatCannotBeOpenedSaysWhy) {
     EXPECT_EQ(textOf(path("other")), "kept");
 }
 
+TEST_F(Files, KnowTheirPlaceAndCloseOnlyWhatIsTheirs) {
+    std::string const text(40000, 'x');  // more than is read at once
+    put(path("long"), text);
+    File file;
+    ASSERT_TRUE(file.open(wide(path("long")), openRead | openWrite).ok());
+    std::uint64_t position = 7;
+    EXPECT_TRUE(file.tell(position).ok());
+    EXPECT_EQ(position, 0U);
+    urString::CString all;
+    EXPECT_TRUE(file.readAll(all).ok());
+    EXPECT_EQ(all.view(), text);
+    EXPECT_TRUE(file.tell(position).ok());
+    EXPECT_EQ(position, text.size());
+    EXPECT_TRUE(file.sync().ok());
+    File borrower;
+    EXPECT_TRUE(borrower.attach(file.descriptor(), File::Ownership::borrowed).ok());
+    EXPECT_TRUE(borrower.isOpen() && borrower.close().ok() && !borrower.isOpen());
+    EXPECT_TRUE(file.seek(1).ok()) << "still open";
+    EXPECT_TRUE(borrower.attach(file.descriptor(), File::Ownership::own).ok() && borrower.close().ok());
+    for (urUtil::Error const& error : {file.seek(0), file.tell(position), file.size(position), file.sync()}) {
+        EXPECT_EQ(error.code(), EBADF) << "closed by the other";
+    }
+    EXPECT_EQ(file.close().code(), EBADF);
+}
+
 TEST_F(Files, TextPassesThroughTheBufferInOrder) {
     std::string expected;
     File file;

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -12,7 +13,9 @@
 #include "foundation/urOS/MemoryIOStream.h"
 #include "foundation/urOS/StopWatch.h"
 #include "foundation/urOS/Uuid.h"
+#include "foundation/urOS/reportException.h"
 #include "foundation/urOS/sysInfo.h"
+#include "foundation/urOS/tests/CapturedOutput.h"
 
 namespace urOS {
 namespace {
@@ -39,6 +42,27 @@ TEST(MemoryIOStream, KeepsItsContentsInBlocksAcrossClosing) {
     EXPECT_EQ(done, 0U);
     EXPECT_TRUE(stream.seek(10).isError());
     EXPECT_EQ(stream.contents(), "abcDEfghi");
+    EXPECT_TRUE(stream.seek(9).ok());
+    EXPECT_EQ(stream.tell(), 9U);
+    ASSERT_TRUE(stream.open(openRead).ok());
+    EXPECT_TRUE(stream.write("x", 1, &done).isError());
+    EXPECT_EQ(done, 0U);
+    ASSERT_TRUE(stream.open(openWrite | openAppend).ok());
+    EXPECT_TRUE(stream.write("jk", 2, &done).ok());
+    EXPECT_EQ(done, 2U);
+    EXPECT_TRUE(stream.read(text, 1, &done).isError());
+    EXPECT_EQ(done, 0U);
+    EXPECT_EQ(stream.contents(), "abcDEfghijk");
+    EXPECT_EQ(stream.size(), 11U);
+    ASSERT_TRUE(stream.open(openForWriting).ok());
+    EXPECT_EQ(stream.size() + stream.blockCount(), 0U);
+}
+
+TEST(ReportException, PrintsTheTextOfAnyException) {
+    CapturedOutput const output;
+    reportException("here", std::make_exception_ptr(std::runtime_error("broken")));
+    reportException("there", std::make_exception_ptr(7));
+    EXPECT_EQ(output.text(), "here: broken\nthere: unknown exception\n");
 }
 
 TEST(Filename, TakesPathsApartAndJoinsThem) {
