@@ -25,7 +25,8 @@ class NX_API Item : public ur::ReferenceCount {
 public:
     [[nodiscard]] Type type() const noexcept { return type_; }
 
-    /// A deep copy that shares no item with this tree; a child held twice is copied twice.
+    /// A deep copy that shares no item with this tree; a child held twice is copied twice. `expansionOf` tells how many
+    /// items that makes.
     [[nodiscard]] ur::Reference<Item> clone() const { return onClone(); }
 
     /// Whether both trees have the same structure: kinds, sizes and keys, whatever the numbers and texts in them.

@@ -1,6 +1,8 @@
 // The functions of the JSON bridge over its readers and writers.
 #include "plst/json.h"
 
+#include <utility>
+
 #include "foundation/urOS/AtomicFile.h"
 #include "foundation/urOS/MemoryIOStream.h"
 #include "plst/impl/JsonTextWriter.h"
@@ -11,11 +13,13 @@ namespace nxPLST {
 
 using urString::CString;
 
-CString asJSON(ur::Reference<Item const> item) {
+CString asJSON(ur::Reference<Item const> item) { return asJSON(std::move(item), mostExpandedText); }
+
+CString asJSON(ur::Reference<Item const> item, std::uint64_t mostExpandedBytes) {
     if (!item) return "{}";
     urOS::MemoryIOStream stream(4096);
     static_cast<void>(stream.open(urOS::openForWriting));
-    impl::JsonTextWriter(stream).write(item.get());
+    static_cast<void>(impl::JsonTextWriter(stream, mostExpandedBytes).write(item.get()));
     static_cast<void>(stream.close());
     return stream.contents();
 }
@@ -25,8 +29,10 @@ bool outputJSON(urString::IString const& path, ur::Reference<Item const> item) {
     return file.open(path).ok() && impl::JsonTextWriter(file).write(item.get()) && file.commit().ok();
 }
 
-bool convertToJSON(CString& text, ur::Reference<Item const> item) {
-    return impl::StrictJsonWriter(text).write(item.get());
+bool convertToJSON(CString& text, ur::Reference<Item const> item) { return convertToJSON(text, std::move(item), {}); }
+
+bool convertToJSON(CString& text, ur::Reference<Item const> item, JsonWriting const& how) {
+    return impl::StrictJsonWriter(text, how).write(item.get());
 }
 
 bool convertFromJSON(ur::Reference<Item>& out, CString const& text) {

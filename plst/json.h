@@ -3,24 +3,40 @@
 
 #include "foundation/urString/CString.h"
 #include "foundation/urString/IString.h"
+#include "plst/Expansion.h"
 #include "plst/Item.h"
 
 namespace nxPLST {
 
 /// The readable dump: members on lines of their own, arrays of plain values on one, numbers with six significant
 /// digits, texts between quotes as they are. For people and logs: it need not be valid JSON. "{}" for a null item.
-/// Lines are no longer indented where that would take more than 64 MiB and sixteen times the rest of the text.
+/// Lines are no longer indented where that would take more than 64 MiB and sixteen times the rest of the text. Of a
+/// tree that shares items and comes to strict JSON of more than `mostExpandedBytes`, a long dump ends early.
 NX_API urString::CString asJSON(ur::Reference<Item const> item);
+NX_API urString::CString asJSON(ur::Reference<Item const> item, std::uint64_t mostExpandedBytes);
 
-/// Puts the text of `asJSON` into the file at `path`, for a null item just a line feed. False when the file cannot
-/// be opened or written; a file that was there before then stays as it is. The file is replaced, or overwritten in
-/// place where replacing is impossible or would change more than the content (`urOS::AtomicFile` says when).
+/// Puts the text of `asJSON`, and all of it, into the file at `path`, for a null item just a line feed. False when the
+/// file cannot be opened or written; a file that was there before then stays as it is. The file is replaced, or
+/// overwritten in place where replacing is impossible or would change more than the content (`urOS::AtomicFile` says
+/// when).
 [[nodiscard]] NX_API bool outputJSON(urString::IString const& path, ur::Reference<Item const> item);
 
-/// Appends strict JSON, indented, a null item or element as `null`. Numbers have up to twenty significant digits,
-/// which give the same doubles back. False for a NaN, an infinity or more than 127 levels of nesting; what was
-/// written up to there then stays appended.
+/// How strict JSON is written.
+struct JsonWriting {
+    /// Writes what "%.20g" does not bring back in a form that reads as the same double: -0 as -0.0, and whole numbers
+    /// from 2^63 to below 10^20, of either sign, with the fewest digits and an exponent.
+    bool numbersReadBack = false;
+    /// The longest text for a tree that shares items, which are written out at each of their places.
+    std::uint64_t mostExpandedBytes = mostExpandedText;
+};
+
+/// Appends strict JSON, indented, a null item or element as `null`. Numbers are as "%.20g" has them: they give the same
+/// doubles back but for -0, which is read as 0, and whole numbers from 2^63 to below 10^20, which reading refuses.
+/// False for a NaN, an infinity, more than 127 levels of nesting or a text that is too long for what the tree shares;
+/// what was written up to there then stays appended.
 [[nodiscard]] NX_API bool convertToJSON(urString::CString& text, ur::Reference<Item const> item);
+[[nodiscard]] NX_API bool convertToJSON(urString::CString& text, ur::Reference<Item const> item,
+                                        JsonWriting const& how);
 
 /// Reads the one value that is all of `text`: JSON in UTF-8, comments allowed. `null` is no item: it is left out of
 /// arrays and dictionaries, and alone gives a null `out`. Of a repeated key, the last value stays. False when

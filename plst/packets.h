@@ -22,13 +22,15 @@ struct PacketReport {
 };
 
 /// Writes a file of packets that holds `item`, or no packet for null. Items with several holders are written once.
-/// False when the stream failed, or when an item is inside itself or of no known kind. Texts and keys are cut at their
-/// first NUL.
+/// Whether an item has several holders, in the tree or elsewhere, shows in the bytes: equal trees may give different
+/// ones. False when the stream failed, or when an item is inside itself or of no known kind. Texts and keys are cut at
+/// their first NUL.
 [[nodiscard]] NX_API bool write(urOS::IOStream& stream, ur::Reference<Item const> item);
 [[nodiscard]] NX_API bool write(urOS::IOStream& stream, ur::Reference<Item const> item, PacketReport& report);
 
 /// Reads what `write` has written. False when the stream failed or its bytes are no complete packet file; `item` is
-/// then what had been read whole, or null. May take what follows the file from the stream, but never waits for it.
+/// then what had been read whole, or null. A tree of unknown origin may share items so often that no copy of it fits
+/// into memory: plst/Expansion.h tells. May take what follows the file from the stream, but never waits for it.
 [[nodiscard]] NX_API bool read(urOS::IOStream& stream, ur::Reference<Item>& item);
 [[nodiscard]] NX_API bool read(urOS::IOStream& stream, ur::Reference<Item>& item, PacketReport& report);
 

@@ -11,10 +11,11 @@
 namespace nxPLST::impl {
 
 bool JsonTextWriter::write(Item const* root) {
+    guard_.watch(root);
     writeItem(root);
-    while (!stack_.empty()) writeNext(stack_.back());
+    while (!stack_.empty() && !stopped_) writeNext(stack_.back());
     put("\n");
-    return out_.flush().ok();
+    return out_.flush().ok() && !stopped_;
 }
 
 /// Writes the next child of the innermost container, or closes it. A child that is a container is only opened.
@@ -38,6 +39,8 @@ void JsonTextWriter::writeNext(ChildWalk& children) {
 
 void JsonTextWriter::writeItem(Item const* item) {
     if (!item) return endValue();
+    stopped_ = !guard_.allows(written_ + indented_);
+    if (stopped_) return;
     switch (item->type()) {
         case BoolType: put(static_cast<Bool const*>(item)->value() ? "true" : "false"); break;
         case DoubleType: {
@@ -111,7 +114,7 @@ void JsonTextWriter::put(std::string_view text) {
 void JsonTextWriter::startLine() {
     static constexpr std::string_view spaces = "                                                                ";
     put("\n");
-    if (indented_ + indentWidth_ > freeIndentation + indentationPerByte * written_) return;
+    if (indented_ + indentWidth_ > freeIndentation_ + indentationPerByte * written_) return;
     indented_ += indentWidth_;
     for (std::size_t left = indentWidth_; left > 0; left -= std::min(left, spaces.size())) {
         out_.write(spaces.substr(0, left));

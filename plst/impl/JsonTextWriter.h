@@ -6,6 +6,7 @@
 
 #include "foundation/urOS/OStream.h"
 #include "plst/impl/ChildWalk.h"
+#include "plst/impl/ExpansionGuard.h"
 
 namespace nxPLST::impl {
 
@@ -15,16 +16,20 @@ namespace nxPLST::impl {
 /// and a multiple of the rest.
 class JsonTextWriter {
 public:
-    explicit JsonTextWriter(urOS::IOStream& stream) : out_(stream) {}
+    static constexpr std::size_t usualFreeIndentation = std::size_t(64) << 20;
 
-    /// Writes the tree, for a null one nothing, and a line feed. False when the stream had an error.
-    bool write(Item const* root);
+    explicit JsonTextWriter(urOS::IOStream& stream, std::uint64_t mostExpandedBytes = mostExpandedText,
+                            std::size_t freeIndentation = usualFreeIndentation)
+        : out_(stream), freeIndentation_(freeIndentation), guard_(mostExpandedBytes) {}
+
+    /// Writes the tree, for a null one nothing, and a line feed. False when the stream had an error, or when the tree
+    /// shares so much that only a beginning was written. Call it once.
+    [[nodiscard]] bool write(Item const* root);
 
 private:
     enum class JsonToken { none, openObject, closeObject, openArray, closeArray, comma, colon };
 
     static constexpr std::size_t indentStep = 4;
-    static constexpr std::size_t freeIndentation = std::size_t(64) << 20;
     static constexpr std::size_t indentationPerByte = 16;
 
     void writeNext(ChildWalk& children);
@@ -41,6 +46,9 @@ private:
     std::size_t indented_ = 0;  // bytes of indentation so far
     std::size_t written_ = 0;   // all others
     ur::vector<ChildWalk> stack_;
+    std::size_t const freeIndentation_;
+    ExpansionGuard guard_;
+    bool stopped_ = false;
 };
 
 }  // namespace nxPLST::impl

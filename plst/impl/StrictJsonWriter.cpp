@@ -77,11 +77,12 @@ char* withoutSeparator(char* to) { return to[-2] == ',' ? to - 2 : to; }
 bool StrictJsonWriter::write(Item const* root) {
     int const kind = kindOf(root);
     if (!isKnown(kind)) return true;
+    guard_.watch(root);
     char* const to = putValue(sink_.room(itemRoom), root, kind, 0);
     if (!to) return false;
     *to = '\n';
     sink_.advanceTo(to + 1);
-    return true;
+    return guard_.allows(sink_.sizeAt(to + 1));
 }
 
 /// Makes room for an item and writes the spaces in front of it.
@@ -108,13 +109,24 @@ inline char* StrictJsonWriter::putText(char* to, urString::CString const& text) 
     return putAnyText(to, view);
 }
 
+inline char* StrictJsonWriter::putNumber(char* to, double value) const {
+    if (!std::isfinite(value)) return nullptr;
+    if (numbersReadBack_ && !exactNumberReadsBack(value)) [[unlikely]]
+        return writeReadableNumber(to, value);
+    return writeExactNumber(to, value);
+}
+
+/// Keys need no such look: there are no more of them than the containers that are looked at.
+inline char* StrictJsonWriter::putString(char* to, urString::CString const& text) {
+    if (text.size() > textBlock && !guard_.allows(sink_.sizeAt(to))) [[unlikely]]
+        return refuse(to);
+    return putText(to, text);
+}
+
 inline char* StrictJsonWriter::putValue(char* to, Item const* item, int kind, std::size_t indent) {
     switch (kind) {
-        case DoubleType: {
-            double const value = static_cast<Double const*>(item)->value();
-            return std::isfinite(value) ? writeExactNumber(to, value) : nullptr;
-        }
-        case StringType: return putText(to, static_cast<String const*>(item)->value());
+        case DoubleType: return putNumber(to, static_cast<Double const*>(item)->value());
+        case StringType: return putString(to, static_cast<String const*>(item)->value());
         case BoolType: return putWord(to, static_cast<Bool const*>(item)->value() ? "true" : "false");
         case ArrayType: return putContainer(to, {'[', ']'}, *static_cast<Array const*>(item), indent);
         case DictionaryType: return putContainer(to, {'{', '}'}, *static_cast<Dictionary const*>(item), indent);
@@ -124,7 +136,7 @@ inline char* StrictJsonWriter::putValue(char* to, Item const* item, int kind, st
 
 template <class Container>
 char* StrictJsonWriter::putContainer(char* to, Brackets brackets, Container const& container, std::size_t indent) {
-    if (indent == deepestIndent) return refuse(to);
+    if (indent == deepestIndent || !guard_.allows(sink_.sizeAt(to))) return refuse(to);
     *to++ = brackets.opening;
     *to++ = '\n';
     to = putChildren(to, container, indent + indentStep);

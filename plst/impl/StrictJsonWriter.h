@@ -6,18 +6,21 @@
 
 #include "plst/Array.h"
 #include "plst/Dictionary.h"
+#include "plst/impl/ExpansionGuard.h"
 #include "plst/impl/TextSink.h"
+#include "plst/json.h"
 
 namespace nxPLST::impl {
 
 /// Writes one tree, byte for byte and refusal for refusal as yajl's generator does with its beautify option set
-/// and numbers formatted with "%.20g".
+/// and numbers formatted with "%.20g", unless it is to write all numbers so that they read back.
 ///
 /// Each child is written with the comma and the line feed behind it; the closing bracket takes the last comma back.
 /// It recurses no deeper than the generator goes.
 class StrictJsonWriter {
 public:
-    explicit StrictJsonWriter(urString::CString& text) : sink_(text) {}
+    StrictJsonWriter(urString::CString& text, JsonWriting const& how)
+        : sink_(text), guard_(how.mostExpandedBytes), numbersReadBack_(how.numbersReadBack) {}
 
     /// Whether nothing in the tree was refused. What came before a refusal is written. Call it once.
     bool write(Item const* root);
@@ -40,12 +43,16 @@ private:
     char* putChildren(char* to, Dictionary const& dictionary, std::size_t indent);
     char* putMisplaced(char* to, Dictionary::Map::value_type const& member, std::size_t indent, bool& valueDue);
 
+    char* putNumber(char* to, double value) const;
     char* startLine(char* to, std::size_t indent);
+    char* putString(char* to, urString::CString const& text);
     char* putText(char* to, urString::CString const& text);
     char* putAnyText(char* to, std::string_view text);
     char* refuse(char* to);
 
     TextSink sink_;
+    ExpansionGuard guard_;
+    bool const numbersReadBack_;
 };
 
 }  // namespace nxPLST::impl

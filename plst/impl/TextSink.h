@@ -21,6 +21,8 @@ public:
     /// Where the text goes on: room for `bytes` bytes, of which those before `advanceTo` are the text's.
     [[nodiscard]] char* room(std::size_t bytes) { return room(at_, bytes); }
     void advanceTo(char* at) noexcept { at_ = at; }
+    /// How long the text is that has been written up to `at`.
+    [[nodiscard]] std::size_t sizeAt(char const* at) const noexcept { return static_cast<std::size_t>(at - begin_); }
     /// The same, where the text has been written up to `at` since.
     [[nodiscard]] char* room(char* at, std::size_t bytes) {
         if (bytes <= static_cast<std::size_t>(end_ - at)) [[likely]]
@@ -33,7 +35,7 @@ public:
 private:
     static constexpr std::size_t firstRoom = 240;
 
-    [[nodiscard]] std::size_t used() const { return static_cast<std::size_t>(at_ - text_.data()); }
+    [[nodiscard]] std::size_t used() const noexcept { return sizeAt(at_); }
 
     void grow(std::size_t bytes) {
         std::size_t const size = used();
@@ -43,11 +45,13 @@ private:
     void expose(std::size_t size, std::size_t capacity) {
         text_.reserve(capacity);
         text_.resizeAndOverwrite(text_.capacity(), [](char*, std::size_t bytes) { return bytes; });
-        at_ = text_.data() + size;
+        begin_ = text_.data();
+        at_ = begin_ + size;
         end_ = at_ + (text_.size() - size);
     }
 
     urString::CString& text_;
+    char* begin_ = nullptr;
     char* at_ = nullptr;
     char* end_ = nullptr;
 };

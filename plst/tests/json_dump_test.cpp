@@ -1,8 +1,11 @@
 // The readable dump: layout, tolerance, files, depth.
+#include <algorithm>
 #include <fstream>
 
 #include "foundation/ur/tests/TemporaryFolder.h"
 #include "foundation/ur/tests/smallStack.h"
+#include "foundation/urOS/MemoryIOStream.h"
+#include "plst/impl/JsonTextWriter.h"
 #include "plst/json.h"
 #include "plst/tests/plainYajl.h"
 
@@ -84,6 +87,32 @@ TEST(Dump, OfAnyDepthStaysInProportion) {
         EXPECT_TRUE(text.startsWith("{\n    \"k\": {\n        \"k\": {\n            \"k\""));
         EXPECT_TRUE(text.endsWith("\n}\n"));
     });
+}
+
+TEST(Dump, IndentsOnlyWhileThatIsFreeOrInProportion) {
+    Reference<Item> item = make<Double>(1);
+    for (int depth = 0; depth < 100; ++depth) item = dictionaryOf({{"k", item}});
+    auto const text = [&](std::size_t freeIndentation) {
+        urOS::MemoryIOStream stream;
+        static_cast<void>(stream.open(urOS::openForWriting));
+        EXPECT_TRUE(impl::JsonTextWriter(stream, mostExpandedText, freeIndentation).write(item.get()));
+        return std::string(stream.contents());
+    };
+    std::string const whole(asJSON(item));
+    EXPECT_EQ(text(4 * 100 * 101), whole);
+    std::string const cut = text(100);
+    std::string bare = whole;
+    std::erase(bare, ' ');
+    std::string bareCut = cut;
+    std::erase(bareCut, ' ');
+    EXPECT_EQ(bareCut, bare);
+    // The nth line has 4n spaces and stands behind 7n - 5 other bytes.
+    std::size_t const common = static_cast<std::size_t>(std::ranges::mismatch(cut, whole).in1 - cut.begin());
+    std::size_t spaces = 0;
+    std::size_t lines = 0;
+    for (std::size_t n = 1; spaces + 4 * n <= 100 + 16 * (7 * n - 5); ++n) spaces += 4 * (lines = n);
+    EXPECT_EQ(std::count(cut.begin(), cut.begin() + static_cast<std::ptrdiff_t>(common), '\n'),
+              static_cast<std::ptrdiff_t>(lines + 1));
 }
 
 TEST(Dump, IndentsSomeHundredLevelsInFull) {

@@ -106,17 +106,42 @@ TEST(JsonNumber, IsWhatPrintfPrints) {
     EXPECT_EQ(brief(-std::nan("")), "-nan");
 }
 
-TEST(JsonNumber, IsReadBackAsTheSameDouble) {
+TEST(JsonNumber, IsReadBackAsTheSameDoubleButForTheOnesNamed) {
     NewTrees random;
     auto numbers = make<Array>();
-    while (numbers->size() < 200000) {
-        double const value = random.number();
-        bool const returns = std::trunc(value) != value || (std::fabs(value) < 0x1p63 && !std::signbit(value));
-        if (returns) numbers->insert(make<Double>(value));
+    auto others = make<Array>();
+    auto const add = [&](double value) {
+        bool const isNamed =
+            (value == 0 && std::signbit(value)) || (std::fabs(value) >= 0x1p63 && std::fabs(value) < 1e20);
+        (isNamed ? others : numbers)->insert(make<Double>(value));
+    };
+    while (numbers->size() < 200000) add(random.number());
+    for (double const limit : {0.0, 0x1p63, 1e19, 1e20}) {
+        for (double const value : {limit, std::nextafter(limit, 0), std::nextafter(limit, HUGE_VAL)}) {
+            add(value);
+            add(-value);
+        }
     }
     Reference<Item> again;
-    ASSERT_TRUE(convertFromJSON(again, urString::CString(strict(numbers))));
+    std::string const plain = strict(numbers);
+    ASSERT_TRUE(convertFromJSON(again, urString::CString(plain)));
     EXPECT_TRUE(same(again.get(), numbers.get()));
+    for (auto const& other : others->array()) {
+        bool const isRead = convertFromJSON(again, urString::CString(strict(other)));
+        EXPECT_TRUE(!isRead || asDouble(other)->value() == 0);
+    }
+
+    JsonWriting const readable{.numbersReadBack = true};
+    urString::CString text;
+    ASSERT_TRUE(convertToJSON(text, numbers, readable));
+    EXPECT_EQ(text, plain) << "what can be read back stays as it is";
+    text.clear();
+    ASSERT_TRUE(convertToJSON(text, others, readable) && convertFromJSON(again, text));
+    EXPECT_TRUE(same(again.get(), others.get()));
+    text.clear();
+    EXPECT_TRUE(
+        convertToJSON(text, arrayOf({make<Double>(-0.0), make<Double>(-1e19), make<Double>(0x1p63)}), readable));
+    EXPECT_EQ(text, "[\n    -0.0,\n    -1e+19,\n    9.223372036854776e+18\n]\n");
 }
 
 TEST(JsonNumber, HasAPointInEveryLocale) {

@@ -9,6 +9,8 @@
 #include "foundation/io/tests/packetFiles.h"
 #include "foundation/ur/tests/smallStack.h"
 #include "foundation/urOS/MemoryIOStream.h"
+#include "plst/ReadInterface.h"
+#include "plst/WriteInterface.h"
 #include "plst/casts.h"
 #include "plst/packets.h"
 #include "plst/tests/trees.h"
@@ -63,6 +65,41 @@ TEST(ItemPackets, BringEveryTreeBack) {
     for (unsigned seed = 0; seed < 300; ++seed) {
         auto const tree = RandomTrees(seed).sharingTree(5);
         ASSERT_TRUE(same(readBack(bytesOf(tree)), tree)) << "seed " << seed;
+    }
+}
+
+/// What a format of its own makes of a tree, through the smallest buffers.
+Reference<Item> throughSmallBuffers(Reference<Item> const& tree, std::size_t extra) {
+    auto const types = [](ioSimplePacketRegistry& registry) {
+        ReadInterface::registerTypes(registry, nullptr);
+        registry.add("root");
+    };
+    std::string const bytes = ioTest::written(
+        [&](ioWriteContext& context) {
+            context.startPacket("root", nullptr);
+            WriteInterface(context).writeSeparateTree(tree);
+            context.endPacket();
+        },
+        0, types, ioTest::leastOutput + extra);
+    ioTest::Trickle stream(bytes, 100);
+    ioBufferedStreamInput input(ioTest::leastInput + extra);
+    static_cast<void>(input.openIOStream(stream));
+    ioSimplePacketRegistry registry(true);
+    auto const context = ioReadContextAlloc(input, registry);
+    ReadInterface reader(*context);
+    ReadInterface::registerTypes(registry, &reader);
+    Reference<Item> root;
+    registry.supportedType(
+        std::make_unique<ioTest::FunctionType>("root", [&](ioReadContext&) { root = reader.readItem(); }));
+    context->readFile(reader);
+    EXPECT_EQ(context->getStatus(), 0);
+    return root;
+}
+
+TEST(ItemPackets, PassThroughBuffersOfEverySize) {
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        auto const tree = RandomTrees(seed).sharingTree(5);
+        ASSERT_TRUE(same(throughSmallBuffers(tree, seed % 40), tree)) << "seed " << seed;
     }
 }
 

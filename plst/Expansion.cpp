@@ -1,0 +1,157 @@
+// Sizes of trees in which each shared item counts at every place, found in one walk over the items.
+#include "plst/Expansion.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "plst/Bool.h"
+#include "plst/Double.h"
+#include "plst/String.h"
+#include "plst/impl/ChildWalk.h"
+#include "plst/impl/ExpansionGuard.h"
+#include "plst/impl/JsonNumberWriter.h"
+
+namespace nxPLST {
+namespace {
+
+constexpr std::uint64_t unbounded = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t indentStep = 4;
+
+void grow(std::uint64_t& sum, std::uint64_t by) {
+    if (__builtin_add_overflow(sum, by, &sum)) sum = unbounded;
+}
+
+/// What an item comes to where it is not indented, and in how many lines indenting it one step adds spaces.
+struct Size {
+    std::uint64_t items = 0;
+    std::uint64_t bytes = 0;
+    std::uint64_t lines = 0;
+};
+
+std::uint64_t bytesOf(std::string_view text) {
+    std::uint64_t bytes = text.size() + 2;
+    for (char const c : text) {
+        if (c == '"' || c == '\\' || (c >= '\b' && c <= '\r' && c != '\v')) {
+            bytes += 1;
+        } else if (static_cast<unsigned char>(c) < 0x20) {
+            bytes += 5;
+        }
+    }
+    return bytes;
+}
+
+std::uint64_t bytesOf(double value) {
+    char text[impl::numberRoom];
+    return std::isfinite(value) ? static_cast<std::uint64_t>(impl::writeExactNumber(text, value) - text) : 0;
+}
+
+std::uint64_t scalarBytes(Item const& item) {
+    switch (item.type()) {
+        case BoolType: return static_cast<Bool const&>(item).value() ? 4 : 5;
+        case DoubleType: return bytesOf(static_cast<Double const&>(item).value());
+        case StringType: return bytesOf(static_cast<String const&>(item).value().view());
+        default: return 0;
+    }
+}
+
+/// Remembers the sizes of what may come again. Its stack is its own, so that the depth of a tree does not matter.
+class Expander {
+public:
+    Expansion run(Item const* root) {
+        visit(root);
+        while (!open_.empty()) step();
+        grow(total_.bytes, 1);
+        return {total_.items, total_.bytes, shares_};
+    }
+
+private:
+    struct Open {
+        Item const* item;
+        impl::ChildWalk children;
+        Size size;
+    };
+
+    void step() {
+        Open& innermost = open_.back();
+        impl::ChildWalk& children = innermost.children;
+        if (children.atEnd()) return close();
+        Item const* child = nullptr;
+        if (children.inDictionary()) {
+            grow(innermost.size.bytes, bytesOf(children.members.key().view()) + 2);
+            child = children.members.item();
+            children.members.advance();
+        } else {
+            child = children.elements.item();
+            children.elements.advance();
+        }
+        visit(child);
+    }
+
+    void visit(Item const* item) {
+        if (!item) return add({1, 4, 0});
+        if (item->referenceCount() > 1) {
+            auto const known = sizes_.find(item);
+            if (known != sizes_.end()) {
+                shares_ = true;
+                return add(known->second);
+            }
+        }
+        if (item->type() == ArrayType) return open(static_cast<Array const&>(*item));
+        if (item->type() == DictionaryType) return open(static_cast<Dictionary const&>(*item));
+        finish(*item, {1, scalarBytes(*item), 0});
+    }
+
+    /// Two brackets and two line feeds, the last of which takes the place of the last comma.
+    template <class Container>
+    void open(Container const& container) {
+        open_.push_back({&container, impl::ChildWalk(container), {1, container.empty() ? 4U : 2U, 1}});
+    }
+
+    void close() {
+        Open const closed = open_.back();
+        open_.pop_back();
+        finish(*closed.item, closed.size);
+    }
+
+    void finish(Item const& item, Size const& size) {
+        if (item.referenceCount() > 1) sizes_.emplace(&item, size);
+        add(size);
+    }
+
+    /// Adds a child, indented, with its comma and line feed, to its container.
+    void add(Size const& child) {
+        if (open_.empty()) {
+            total_ = child;
+            return;
+        }
+        Size& parent = open_.back().size;
+        grow(parent.items, child.items);
+        grow(parent.lines, child.lines);
+        grow(parent.lines, 1);
+        grow(parent.bytes, child.bytes);
+        grow(parent.bytes, 2 + indentStep);
+        for (std::uint64_t space = 0; space < indentStep; ++space) grow(parent.bytes, child.lines);
+    }
+
+    std::vector<Open> open_;
+    std::unordered_map<Item const*, Size> sizes_;
+    Size total_;
+    bool shares_ = false;
+};
+
+}  // namespace
+
+Expansion expansionOf(Item const* root) { return Expander().run(root); }
+
+bool impl::ExpansionGuard::check() {
+    Expansion const expansion = expansionOf(root_);
+    if (expansion.shares && expansion.textBytes > most_) return false;
+    unchecked_ = unbounded;
+    return true;
+}
+
+}  // namespace nxPLST

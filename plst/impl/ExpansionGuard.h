@@ -1,0 +1,32 @@
+// Keeps writers from writing out a tree that shares items without end.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+#include "plst/Expansion.h"
+
+namespace nxPLST::impl {
+
+/// Lets the text of one tree grow. One that gets long is measured, once; it ends there when it would exceed what a tree
+/// that shares items may come to.
+class ExpansionGuard {
+public:
+    explicit ExpansionGuard(std::uint64_t most) noexcept : most_(most), unchecked_(std::min(most, shortText)) {}
+
+    void watch(Item const* root) noexcept { root_ = root; }
+    /// Whether a text of so many bytes may go on.
+    [[nodiscard]] bool allows(std::size_t written) { return written <= unchecked_ || check(); }
+
+private:
+    /// Texts of up to this size are not worth a look at the tree.
+    static constexpr std::uint64_t shortText = std::uint64_t(16) << 20;
+
+    [[gnu::noinline]] bool check();
+
+    Item const* root_ = nullptr;
+    std::uint64_t most_;
+    std::uint64_t unchecked_;
+};
+
+}  // namespace nxPLST::impl
