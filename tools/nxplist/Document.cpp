@@ -13,6 +13,7 @@
 #include "foundation/urOS/MemoryIOStream.h"
 #include "plst/JsonReport.h"
 #include "plst/packets.h"
+#include "tools/nxplist/Losses.h"
 #include "tools/nxplist/Progress.h"
 
 namespace nxplist {
@@ -76,21 +77,6 @@ std::string excerpt(std::string_view text, nxPLST::JsonLocation const& location)
            "^";
 }
 
-std::string located(std::string const& name, nxPLST::JsonLocation const& location, std::string_view reason) {
-    return name + ":" + std::to_string(location.line) + ":" + std::to_string(location.column) + ": " +
-           std::string(reason);
-}
-
-void tellLosses(std::string const& name, nxPLST::JsonReport const& report) {
-    for (auto const& loss : report.losses) {
-        std::string const what = std::string(nxPLST::describe(loss.kind)) + " at " + std::string(loss.path.view());
-        std::fprintf(stderr, "%s\n", located(name, loss.location, what).c_str());
-    }
-    if (report.lossCount > report.losses.size()) {
-        std::fprintf(stderr, "%s: %zu more losses\n", name.c_str(), report.lossCount - report.losses.size());
-    }
-}
-
 void readJson(Document& document, urString::CString const& text, Losses losses) {
     nxPLST::JsonReport report;
     if (!nxPLST::convertFromJSON(document.root, text, report)) {
@@ -99,7 +85,9 @@ void readJson(Document& document, urString::CString const& text, Losses losses) 
         throw Failure{ExitCode::negative, message};
     }
     document.losses = report.lossCount;
-    if (losses == Losses::told) tellLosses(document.name, report);
+    document.hasComments = hasComments(text.view());
+    if (losses != Losses::quiet) tellLosses(document.name, report);
+    if (losses == Losses::refused && document.losses > 0) throw Failure{ExitCode::negative, ""};
 }
 
 void readPackets(Document& document, urString::CString const& bytes) {
@@ -113,7 +101,8 @@ void readPackets(Document& document, urString::CString const& bytes) {
                                           std::to_string(report.position) + ")"};
 }
 
-void storeInto(urOS::IOStream& stream, Document const& document, std::string const& name, Form form) {
+void storeInto(urOS::IOStream& stream, Document const& document, std::string const& name, Form form,
+               std::uint64_t limit) {
     if (form == Form::packets) {
         nxPLST::PacketReport report;
         if (!nxPLST::write(stream, document.root, report)) {
@@ -123,8 +112,9 @@ void storeInto(urOS::IOStream& stream, Document const& document, std::string con
         }
         return;
     }
+    if (form == Form::dump) requireWithin(document.root.get(), document.name, limit);
     urString::CString const text =
-        form == Form::dump ? nxPLST::asJSON(document.root) : strictJson(document.root, document.name);
+        form == Form::dump ? nxPLST::asJSON(document.root, limit) : strictJson(document.root, document, limit);
     check(stream.write(text.data(), text.size()), name);
 }
 
@@ -143,16 +133,16 @@ Document load(std::string const& path, std::optional<Form> form, Losses losses) 
     return document;
 }
 
-void store(Document const& document, std::string const& path, Form form) {
+void store(Document const& document, std::string const& path, Form form, std::uint64_t limit) {
     if (path == "-") {
         urOS::File out;
         check(out.attach(STDOUT_FILENO, urOS::File::Ownership::borrowed));
-        storeInto(out, document, outputName(path), form);
+        storeInto(out, document, outputName(path), form, limit);
         return;
     }
     urOS::AtomicFile out;
     check(out.open(urString::IString(path.c_str())));
-    storeInto(out, document, outputName(path), form);
+    storeInto(out, document, outputName(path), form, limit);
     check(out.commit());
 }
 
@@ -162,11 +152,25 @@ std::string printable(std::string_view text) {
     return result;
 }
 
-urString::CString strictJson(ur::Reference<nxPLST::Item const> const& item, std::string const& name) {
+void requireWithin(nxPLST::Item const* root, std::string const& name, std::uint64_t limit) {
+    nxPLST::Expansion const expansion = nxPLST::expansionOf(root);
+    if (!expansion.shares || expansion.textBytes <= limit) return;
+    throw Failure{ExitCode::negative, name + ": with every shared item in each of its places it is larger than " +
+                                          std::to_string(limit >> 20) + " MiB (--limit MIB allows more)"};
+}
+
+urString::CString strictJson(ur::Reference<nxPLST::Item const> const& item, Document const& document,
+                             std::uint64_t limit) {
+    std::string const refusal = document.name + ": no strict JSON holds it: ";
+    if (document.form == Form::packets) {  // what came as JSON shares nothing and is UTF-8
+        requireWithin(item.get(), document.name, limit);
+        std::string const broken = pathOfBrokenText(item.get());
+        if (!broken.empty()) throw Failure{ExitCode::negative, refusal + "bytes that are not UTF-8 at " + broken};
+    }
     urString::CString text;
-    if (nxPLST::convertToJSON(text, item)) return text;
-    throw Failure{ExitCode::negative,
-                  name + ": no strict JSON holds it: deeper than 127 levels, or a number that is not finite"};
+    nxPLST::JsonWriting const how{.numbersReadBack = true, .mostExpandedBytes = limit};
+    if (nxPLST::convertToJSON(text, item, how)) return text;
+    throw Failure{ExitCode::negative, refusal + "deeper than 127 levels, or a number that is not finite"};
 }
 
 void printText(urString::CString const& text) {

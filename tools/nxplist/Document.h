@@ -11,13 +11,15 @@
 
 namespace nxplist {
 
-/// A file that cannot be read or written, or input that is invalid: told in one line, with its exit code.
+/// A file that cannot be read or written, or input that is invalid: told in one line, with its exit code. The line is
+/// empty when losses have told why.
 struct Failure {
     int exitCode;
     std::string message;
 };
 
-enum class Losses { quiet, told };
+/// What becomes of the losses of reading: they are told on standard error, and may make the input invalid.
+enum class Losses { quiet, told, refused };
 
 /// A tree and where it came from.
 struct Document {
@@ -25,17 +27,23 @@ struct Document {
     Form form = Form::json;
     ur::Reference<nxPLST::Item> root;  ///< may be null: a JSON text of just `null`, an empty packet file
     std::uint64_t losses = 0;          ///< how many things reading dropped
+    bool hasComments = false;          ///< reading dropped those as well
 };
 
-/// Reads the file at `path`, or standard input for "-". Throws `Failure`. With `Losses::told`, what reading drops is
-/// told on standard error.
-Document load(std::string const& path, std::optional<Form> form, Losses losses = Losses::quiet);
+/// Reads the file at `path`, or standard input for "-". Throws `Failure`.
+Document load(std::string const& path, std::optional<Form> form, Losses losses);
 
-/// Writes `document` to the file at `path` as a whole or not at all, or to standard output for "-". Throws `Failure`.
-void store(Document const& document, std::string const& path, Form form);
+/// Writes `document` to the file at `path` as a whole or not at all, or to standard output for "-". Throws `Failure`,
+/// also when a text would be longer than `limit` bytes because of what the tree shares.
+void store(Document const& document, std::string const& path, Form form, std::uint64_t limit);
 
-/// The strict JSON of an item out of the document of that name. Throws `Failure` when there is none.
-urString::CString strictJson(ur::Reference<nxPLST::Item const> const& item, std::string const& name);
+/// The strict JSON of an item out of a document, whose numbers read back as they are. Throws `Failure` when there is
+/// none, or when it would be longer than `limit` bytes because of what the item shares.
+urString::CString strictJson(ur::Reference<nxPLST::Item const> const& item, Document const& document,
+                             std::uint64_t limit);
+
+/// Throws `Failure` when a tree out of the document of that name shares so much that its JSON would exceed the limit.
+void requireWithin(nxPLST::Item const* root, std::string const& name, std::uint64_t limit);
 
 /// `text`, such as the name of a file, as part of one line: without control characters.
 std::string printable(std::string_view text);

@@ -12,17 +12,18 @@ constexpr std::string_view summary = "work with property lists in JSON and packe
 constexpr std::string_view description =
     "Property lists are trees of truth values, numbers, texts, arrays and dictionaries. FILE is read as JSON (comments "
     "allowed) or as packets, whichever its content shows; without a FILE, or with \"-\", standard input is read. Files "
-    "are written whole or not at all.";
+    "are written whole or not at all. What a command drops (nulls, repeated keys, integers that a double cannot hold, "
+    "what follows a NUL in packets) is told on standard error; with --strict it counts as invalid input.";
 
 constexpr CommandText commands[] = {
     {"convert", "[FILE [OUTPUT]]", 0, 2, "write FILE in another form",
      "The form is that of --to, else the one that OUTPUT's ending names (.json, .nxp, .txt), else JSON for packets and "
      "packets for JSON. Without OUTPUT, or with \"-\", standard output is written. Packets hold texts and keys up to "
-     "their first NUL character only."},
-    {"check", "[FILE...]", 0, anyNumber, "tell whether each FILE can be read",
-     "Prints nothing for a good file. What reading drops (null members, repeated keys, integers that a double cannot "
-     "hold) is told on standard error; with --strict it counts as invalid."},
-    {"print", "[FILE]", 0, 1, "print FILE as indented JSON, or as --to says", ""},
+     "their first NUL character only. FILE itself is not replaced by less than it holds: with losses, without its "
+     "comments, or by a dump; --force does that."},
+    {"check", "[FILE...]", 0, anyNumber, "tell whether each FILE can be read", "Prints nothing for a good file."},
+    {"print", "[FILE]", 0, 1, "print FILE as indented JSON, or as --to says",
+     "Numbers are printed so that they read back as they are."},
     {"stat", "[FILE]", 0, 1, "print counts by kind, depth, bytes in memory and the largest subtrees",
      "An item in several places counts once, where it comes first."},
     {"get", "FILE PATH", 2, 2, "print the value at PATH, such as .countries[3].name",
@@ -38,7 +39,9 @@ constexpr OptionText options[] = {
     {"--to", "FORM", "json packets dump", "convert print", "write FORM: json, packets, or dump for people"},
     {"--raw", "", "", "get", "print a text as it is, without quotes"},
     {"--shape", "", "", "same", "compare kinds, sizes and keys only"},
-    {"--strict", "", "", "check", "count what reading drops as invalid"},
+    {"--strict", "", "", "convert check print stat get same diff", "count what is dropped as invalid"},
+    {"--force", "", "", "convert", "replace FILE even by less than it holds"},
+    {"--limit", "MIB", "", "convert print get same diff", "write shared items out to so many MiB of text (256)"},
     {"--help", "", "", "", "print this help"},
     {"--version", "", "", "", "print the version"},
 };

@@ -1,6 +1,7 @@
 // Reading the command line.
 #include "tools/nxplist/Options.h"
 
+#include <charconv>
 #include <cstdio>
 #include <string_view>
 
@@ -13,6 +14,17 @@ Form formNamed(std::string_view name, OptionText const& option) {
         throw UsageError{std::string(option.name) + " takes one of: " + std::string(option.values)};
     }
     return name == "json" ? Form::json : name == "packets" ? Form::packets : Form::dump;
+}
+
+std::uint64_t bytesFrom(std::string_view mebibytes, OptionText const& option) {
+    constexpr unsigned bits = 20;
+    std::uint64_t count = 0;
+    auto const [end, problem] = std::from_chars(mebibytes.data(), mebibytes.data() + mebibytes.size(), count);
+    bool const isCount = end == mebibytes.data() + mebibytes.size() && problem == std::errc();
+    if (!isCount || count > UINT64_MAX >> bits) {
+        throw UsageError{std::string(option.name) + " takes a number of MiB"};
+    }
+    return count << bits;
 }
 
 /// Answers what asks about the program itself.
@@ -37,6 +49,8 @@ void set(Options& options, OptionText const& option, std::string_view value) {
     if (option.name == "--raw") options.raw = true;
     if (option.name == "--shape") options.shape = true;
     if (option.name == "--strict") options.strict = true;
+    if (option.name == "--force") options.force = true;
+    if (option.name == "--limit") options.limit = bytesFrom(value, option);
 }
 
 void checkFileCount(CommandText const& command, std::size_t count) {

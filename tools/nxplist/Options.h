@@ -1,10 +1,12 @@
 // The command line, read.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "plst/Expansion.h"
 #include "tools/nxplist/Manual.h"
 
 namespace nxplist {
@@ -20,6 +22,8 @@ struct Options {
     bool raw = false;
     bool shape = false;
     bool strict = false;
+    bool force = false;
+    std::uint64_t limit = nxPLST::mostExpandedText;  ///< of the text of trees that share items, in bytes
 };
 
 /// Wrong usage; the text says what is wrong.

@@ -1,18 +1,25 @@
 // nxplist: property lists on the command line.
 #include <algorithm>
+#include <array>
 #include <cstdio>
+#include <filesystem>
 #include <iterator>
 #include <new>
 
 #include "plst/casts.h"
 #include "tools/nxplist/Comparison.h"
 #include "tools/nxplist/Document.h"
+#include "tools/nxplist/Losses.h"
 #include "tools/nxplist/Options.h"
 #include "tools/nxplist/Path.h"
 #include "tools/nxplist/Statistics.h"
 
 namespace nxplist {
 namespace {
+
+void tell(Failure const& failure) {
+    if (!failure.message.empty()) std::fprintf(stderr, "%s\n", failure.message.c_str());
+}
 
 /// A second reading of the standard input would find nothing.
 void requireOneStandardInput(Options const& options) {
@@ -31,21 +38,42 @@ Form formFor(Options const& options, std::string const& output, Form input) {
     return input == Form::json ? Form::packets : Form::json;
 }
 
+Losses lossesFor(Options const& options) { return options.strict ? Losses::refused : Losses::told; }
+
+Document loadFile(Options const& options, std::size_t index) {
+    return load(fileOr(options, index, "-"), options.from, lossesFor(options));
+}
+
+bool areSameFile(std::string const& input, std::string const& output) {
+    std::error_code none;
+    return output != "-" && std::filesystem::equivalent(input == "-" ? "/dev/stdin" : input, output, none);
+}
+
+/// Writes the document that was read from the first file.
+int put(Options const& options, Document const& document, std::string const& output, Form form) {
+    std::uint64_t const cut = form == Form::packets ? tellCutTexts(document.name, document.root.get()) : 0;
+    if (cut > 0 && options.strict) return ExitCode::negative;
+    bool const isLess = document.losses > 0 || cut > 0 || document.hasComments || form == Form::dump;
+    if (isLess && !options.force && areSameFile(fileOr(options, 0, "-"), output)) {
+        throw Failure{ExitCode::negative, printable(output) + ": not replaced by less than it holds (--force does)"};
+    }
+    store(document, output, form, options.limit);
+    return ExitCode::done;
+}
+
 int convert(Options const& options) {
     std::string const output = fileOr(options, 1, "-");
-    Document const document = load(fileOr(options, 0, "-"), options.from, Losses::told);
-    store(document, output, formFor(options, output, document.form));
-    return ExitCode::done;
+    Document const document = loadFile(options, 0);
+    return put(options, document, output, formFor(options, output, document.form));
 }
 
 int check(Options const& options) {
     int result = ExitCode::done;
     auto const checkOne = [&](std::string const& file) {
         try {
-            if (load(file, options.from, Losses::told).losses > 0 && options.strict)
-                result = std::max(result, ExitCode::negative);
+            load(file, options.from, lossesFor(options));
         } catch (Failure const& failure) {
-            std::fprintf(stderr, "%s\n", failure.message.c_str());
+            tell(failure);
             result = std::max(result, failure.exitCode);
         }
     };
@@ -55,15 +83,12 @@ int check(Options const& options) {
     return result;
 }
 
-int print(Options const& options) {
-    store(load(fileOr(options, 0, "-"), options.from), "-", options.to.value_or(Form::json));
-    return ExitCode::done;
-}
+int print(Options const& options) { return put(options, loadFile(options, 0), "-", options.to.value_or(Form::json)); }
 
 int stat(Options const& options) {
     constexpr char const* names[] = {"booleans", "numbers", "texts", "arrays", "dictionaries"};
     constexpr std::size_t largestShown = 5;
-    Document const document = load(fileOr(options, 0, "-"), options.from);
+    Document const document = loadFile(options, 0);
     Statistics const statistics = document.root ? statisticsOf(*document.root, largestShown) : Statistics();
     auto const number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
     std::printf("form          %s\n", document.form == Form::json ? "json" : "packets");
@@ -83,22 +108,30 @@ int get(Options const& options) {
     std::string error;
     auto const path = parsePath(options.files[1], error);
     if (!path) throw UsageError{error};
-    Document document = load(options.files[0], options.from);
+    Document const document = loadFile(options, 0);
     auto const value = follow(document.root, *path, error);
     if (!value) throw Failure{ExitCode::negative, document.name + ": " + error};
     auto const string = options.raw ? nxPLST::asString(value) : nullptr;
-    printText(string ? string->value() + "\n" : strictJson(value, document.name));
+    printText(string ? string->value() + "\n" : strictJson(value, document, options.limit));
     return ExitCode::done;
 }
 
-int same(Options const& options) {
+/// Both files, once it is sure that going through each place of a shared item comes to an end.
+std::array<Document, 2> loadPair(Options const& options, bool goesThroughEachPlace) {
     requireOneStandardInput(options);
-    auto const first = load(options.files[0], options.from).root;
-    auto const second = load(options.files[1], options.from).root;
-    if (!first || !second) return first == second ? ExitCode::done : ExitCode::negative;
-    if (options.shape) return first->congruent(*second) ? ExitCode::done : ExitCode::negative;
+    std::array<Document, 2> pair{loadFile(options, 0), loadFile(options, 1)};
+    for (Document const& document : pair) {
+        if (goesThroughEachPlace) requireWithin(document.root.get(), document.name, options.limit);
+    }
+    return pair;
+}
+
+int same(Options const& options) {
+    auto const [first, second] = loadPair(options, options.shape);
+    if (!first.root || !second.root) return first.root == second.root ? ExitCode::done : ExitCode::negative;
+    if (options.shape) return first.root->congruent(*second.root) ? ExitCode::done : ExitCode::negative;
     int result = ExitCode::done;
-    compareTrees(first.get(), second.get(), [&](std::string const&) {
+    compareTrees(first.root.get(), second.root.get(), [&](std::string const&) {
         result = ExitCode::negative;
         return false;
     });
@@ -106,11 +139,9 @@ int same(Options const& options) {
 }
 
 int diff(Options const& options) {
-    requireOneStandardInput(options);
-    auto const first = load(options.files[0], options.from).root;
-    auto const second = load(options.files[1], options.from).root;
+    auto const [first, second] = loadPair(options, true);
     int result = ExitCode::done;
-    compareTrees(first.get(), second.get(), [&](std::string const& line) {
+    compareTrees(first.root.get(), second.root.get(), [&](std::string const& line) {
         result = ExitCode::negative;
         std::printf("%s\n", line.c_str());
         return true;
@@ -150,7 +181,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "nxplist: %s (nxplist --help tells more)\n", printable(error.message).c_str());
         return ExitCode::unusable;
     } catch (Failure const& failure) {
-        std::fprintf(stderr, "%s\n", failure.message.c_str());
+        tell(failure);
         return failure.exitCode;
     } catch (std::bad_alloc const&) {
         std::fprintf(stderr, "nxplist: out of memory\n");
