@@ -28,6 +28,15 @@ public:
         } while (walk.advance());
     }
 
+    /// As `emit`, but also calls the callbacks that are connected meanwhile. Ends when no more are.
+    void emitOpenly(Passed<Args>... args) const {
+        if (idle()) return;
+        OpenWalk walk(*this);
+        do {
+            if (walk.callable()) static_cast<Function<Args...>&>(walk.function()).call(args...);
+        } while (walk.advance());
+    }
+
     /// Takes over a callback made with `new`. Null connects nothing.
     Connection addCallback(Function<Args...>* function) noexcept { return add(function); }
     /// Null connects nothing.

@@ -50,15 +50,14 @@ void SignalBase::disconnectAll() noexcept {
     while (item) std::exchange(item, item->next_)->end();
 }
 
-// Parts with all callbacks before any of their owners' code runs. Those that an emission stands on stay linked
-// to each other without the signal, for the emission to walk out on; the others are the result, a chain in order.
+// Parts with all callbacks before any of their owners' code runs. Those that an emission stands on keep their places,
+// for the emission to walk on; the others are the result, a chain in order.
 FunctionBase* SignalBase::takeEnded() noexcept {
     FunctionBase* chain = nullptr;
     FunctionBase** end = &chain;
     FunctionBase* const last = first_->previous_;
-    for (FunctionBase *item = std::exchange(first_, nullptr), *next = nullptr;; item = next) {
+    for (FunctionBase *item = first_, *next = nullptr;; item = next) {
         next = item->next_;
-        item->signal_ = nullptr;
         bool const wasConnected = item->connected();
         item->silence_ |= FunctionBase::removed;
         if (wasConnected && item->unlock()) {
@@ -70,6 +69,14 @@ FunctionBase* SignalBase::takeEnded() noexcept {
     }
     *end = nullptr;
     return chain;
+}
+
+// The end of one callback may make another connection here. Emissions under way walk out on what stays in the ring.
+void SignalBase::letGo() noexcept {
+    do disconnectAll();
+    while (hasConnections());
+    FunctionBase* const first = std::exchange(first_, nullptr);
+    for (FunctionBase* item = first; item && item->signal_; item = item->next_) item->signal_ = nullptr;
 }
 
 }  // namespace urRTB

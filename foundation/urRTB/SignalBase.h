@@ -32,7 +32,7 @@ protected:
     SignalBase(SignalBase const& /*other*/) noexcept {}
     SignalBase& operator=(SignalBase const&) noexcept { return *this; }  // NOLINT(bugprone-unhandled-self-assignment)
     ~SignalBase() {
-        while (first_) disconnectAll();  // again if the end of one callback made a connection here
+        if (first_) letGo();
     }
 
     /// Takes over `function`, which no signal owns yet. Null gives a handle without a connection.
@@ -77,10 +77,42 @@ protected:
         bool entered_ = false;
     };
 
+    /// The walk of one emission that reads the connections as it goes, to the end that they have by then.
+    ///
+    /// Holds the lock of the callback it stands on, which thus stays in the ring.
+    class OpenWalk {
+    public:
+        /// Requires: the signal is not idle.
+        explicit OpenWalk(SignalBase const& signal) noexcept : current_(signal.first_) { current_->lock(); }
+        OpenWalk(OpenWalk const&) = delete;
+        OpenWalk& operator=(OpenWalk const&) = delete;
+        ~OpenWalk() { moveTo(nullptr); }
+
+        [[nodiscard]] bool callable() const noexcept { return current_->callable(); }
+        [[nodiscard]] FunctionBase& function() const noexcept { return *current_; }
+        /// False after the newest connection, and when the signal has gone.
+        bool advance() noexcept {
+            SignalBase const* const signal = current_->signal_;
+            FunctionBase* const next = current_->next_;
+            moveTo(signal && next != signal->first_ ? next : nullptr);
+            return current_ != nullptr;
+        }
+
+    private:
+        void moveTo(FunctionBase* next) noexcept {
+            if (next) next->lock();
+            FunctionBase* const left = std::exchange(current_, next);
+            if (left && left->unlock()) left->leave();
+        }
+
+        FunctionBase* current_;
+    };
+
 private:
     friend class FunctionBase;
 
     FunctionBase* takeEnded() noexcept;
+    void letGo() noexcept;
 
     FunctionBase* first_ = nullptr;
 };

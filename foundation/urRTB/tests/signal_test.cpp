@@ -80,6 +80,8 @@ TEST_F(SignalTest, HandlesOutliveTheSignalButNotWhatTheCallbackCaptured) {
     EXPECT_FALSE(second.blocked());
     second.disconnect();
     Connection().disconnect();
+    Connection().block();
+    Connection().unblock();
 }
 
 TEST_F(SignalTest, ScopedOwnersEndWhatTheyOwnAndCopiedSignalsOwnNothing) {
