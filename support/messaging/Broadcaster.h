@@ -20,7 +20,8 @@ namespace nxSupport {
 /// The host creates one and stores it in its call information; modules find it through `ci()`. Subscribers of equal
 /// priority share one signal and run in the order in which they connected.
 /// Main thread only. A subscriber may connect, disconnect, broadcast or destroy the broadcaster while it runs; one
-/// connected meanwhile is called by the same broadcast only if its priority is still to come.
+/// connected meanwhile is called by the same broadcast if its priority is the running one's or still to come. So
+/// subscribers that connect another at their own priority each time never end the broadcast.
 class NX_API Broadcaster {
 public:
     using Priority = nxSupport::Priority;
@@ -158,7 +159,7 @@ template <class T>
 void Broadcaster::broadcast(T& message) {
     Delivery const delivery(*this);
     for (auto const& sig : channelOf<T>().sigs) {
-        static_cast<Sig<T>&>(*sig).signal.emit(message);
+        static_cast<Sig<T>&>(*sig).signal.emitOpenly(message);
         if (delivery.cancelled()) return;
     }
 }
