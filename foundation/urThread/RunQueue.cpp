@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <deque>
 #include <mutex>
+#include <thread>
 #include <utility>
 
 namespace urThread {
@@ -37,28 +38,49 @@ struct RunQueue::State {
     // The oldest runnable if it is older than the one numbered `end`, otherwise null.
     Work takeBefore(std::uint64_t end) {
         std::lock_guard const lock(mutex);
-        if (queued.empty() || firstNumber >= end) return nullptr;
+        if (closed || queued.empty() || firstNumber >= end) return nullptr;
         Work work = std::move(queued.front());
         queued.pop_front();
         ++firstNumber;
         return work;
     }
 
-    std::uint64_t nextNumber() {
+    // By the servicing thread: the number of the next runnable that is added.
+    std::uint64_t beginService() {
         std::lock_guard const lock(mutex);
+        home = std::this_thread::get_id();
         return firstNumber + queued.size();
+    }
+
+    // Whether this is the servicing thread, on which what is queued has to be dropped.
+    bool close() {
+        std::lock_guard const lock(mutex);
+        closed = true;
+        return home == std::this_thread::get_id();
+    }
+
+    void dropIfClosed() noexcept {
+        std::deque<Work> dropped;
+        std::lock_guard const lock(mutex);
+        if (!closed) return;
+        firstNumber += queued.size();
+        dropped.swap(queued);
     }
 
     std::mutex mutex;
     std::condition_variable changed;
     std::deque<Work> queued;
     std::uint64_t firstNumber = 0;  // of the first in `queued`; counted from the making of the queue
-    bool closed = false;
+    bool closed = false;            // nothing runs any more; what is queued waits for its end
+    std::thread::id home = std::this_thread::get_id();
 };
 
 RunQueue::RunQueue() : state_(std::make_shared<State>()) {}
 
-RunQueue::~RunQueue() { close(); }
+RunQueue::~RunQueue() {
+    close();
+    state_->dropIfClosed();
+}
 
 void RunQueue::onAdd() {}
 
@@ -68,32 +90,34 @@ void RunQueue::add(ur::Reference<Runnable> runnable) {
 
 std::size_t RunQueue::service() {
     auto const state = state_;
-    std::uint64_t const end = state->nextNumber();
+    std::uint64_t const end = state->beginService();
     std::size_t count = 0;
     for (; Work const work = state->takeBefore(end); ++count) work->run();
+    state->dropIfClosed();
     return count;
 }
 
 bool RunQueue::wait(std::chrono::nanoseconds limit) {
-    std::unique_lock lock(state_->mutex);
-    state_->changed.wait_until(lock, after(limit), [this] { return state_->closed || !state_->queued.empty(); });
-    return !state_->queued.empty();
+    auto const state = state_;
+    std::unique_lock lock(state->mutex);
+    state->home = std::this_thread::get_id();
+    state->changed.wait_until(lock, after(limit), [&] { return state->closed || !state->queued.empty(); });
+    bool const hasWork = !state->closed && !state->queued.empty();
+    lock.unlock();
+    state->dropIfClosed();
+    return hasWork;
 }
 
 void RunQueue::close() noexcept {
-    std::deque<Work> dropped;
-    {
-        std::lock_guard const lock(state_->mutex);
-        state_->closed = true;
-        state_->firstNumber += state_->queued.size();
-        dropped.swap(state_->queued);
-    }
-    state_->changed.notify_all();
+    auto const state = state_;
+    bool const atHome = state->close();
+    state->changed.notify_all();
+    if (atHome) state->dropIfClosed();
 }
 
 std::size_t RunQueue::size() const noexcept {
     std::lock_guard const lock(state_->mutex);
-    return state_->queued.size();
+    return state_->closed ? 0 : state_->queued.size();
 }
 
 }  // namespace urThread

@@ -15,7 +15,9 @@ namespace urThread {
 ///
 /// The host owns it and calls `service` in its loop; a host without a loop calls `wait` and then `service`, one
 /// with its own event loop overrides `onAdd` to post itself that call. It outlives the threads that add to it.
-/// What is still queued when it closes or goes is dropped, not run, since what it would work on may be gone.
+/// What is still queued when it closes or goes is dropped, not run, since what it would work on may be gone. Runnables
+/// may hold what belongs to the thread that services the queue, so that thread drops them: the one that last called
+/// `service` or `wait`, or else made the queue.
 class NX_API RunQueue {
 public:
     RunQueue();
@@ -33,7 +35,9 @@ public:
     std::size_t service();
     /// Waits for something to run, `limit` at most. False when there was nothing, at once when the queue has closed.
     bool wait(std::chrono::nanoseconds limit);
-    /// Any thread. Drops what is queued and whatever is added later, and ends a `wait`.
+    /// Any thread. Nothing that is queued or added later runs any more; ends a `wait`. What is queued is dropped at
+    /// once on the servicing thread, otherwise by its next `service` or `wait`; what is added later, by the adding
+    /// thread.
     void close() noexcept;
     /// Any thread: the number of runnables queued at some moment of the call.
     [[nodiscard]] std::size_t size() const noexcept;

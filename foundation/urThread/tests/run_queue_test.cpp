@@ -69,6 +69,31 @@ TEST_F(RunQueueTest, WhatIsQueuedAtTheEndIsDroppedAndNotRun) {
     EXPECT_EQ(log, "");
 }
 
+TEST_F(RunQueueTest, WhatIsQueuedIsDroppedByTheServicingThread) {
+    std::thread::id droppedBy;
+    auto const close = [&] {
+        add([atEnd = std::shared_ptr<void>(nullptr, [&](void*) { droppedBy = std::this_thread::get_id(); })] {});
+        std::thread([&] { queue->close(); }).join();
+        EXPECT_TRUE(droppedBy == std::thread::id() && queue->size() == 0);
+    };
+    std::function<void()> const ends[] = {[&] { EXPECT_EQ(queue->service(), 0U); },
+                                          [&] { EXPECT_FALSE(queue->wait(1h)); }, [&] { queue.reset(); }};
+    for (auto const& end : ends) {
+        queue = std::make_unique<RunQueue>();
+        close();
+        end();
+        EXPECT_EQ(std::exchange(droppedBy, {}), std::this_thread::get_id());
+    }
+    queue = std::make_unique<RunQueue>();
+    add([] {});
+    std::thread([&] {  // becomes the servicing one
+        queue->service();
+        add([&] {});
+        queue->close();
+    })
+        .join();
+}
+
 TEST_F(RunQueueTest, WaitingEndsWithTheLimitAnAdditionOrTheClose) {
     EXPECT_FALSE(queue->wait(-1s) || queue->wait(1ms));
     std::thread adder([this] { note("work"); });
