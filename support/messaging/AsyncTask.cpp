@@ -47,12 +47,15 @@ struct TaskImpl final : ur::ImplBase {
     bool started = false;
     urUtil::Error failure;  ///< as far as the thread has told it
     std::atomic<bool> waited = false;
-    std::atomic<bool> abandoned = false;  ///< elsewhere than at home: the count is still to drop
+    std::atomic<bool> abandoned = false;  ///< elsewhere than at home: the count is still to drop, by who clears this
 };
 
 AsyncTask::AsyncTask(Domain& domain) : impl_(std::make_unique<TaskImpl>(domain)) {
     impl_->thread.getSignal().addCallback(client_, this, &AsyncTask::threadFunc);
-    impl_->domainWatch = domain.destroying.addCallback([impl = impl_.get()](Domain*) { impl->domain = nullptr; });
+    impl_->domainWatch = domain.destroying.addCallback([this](Domain*) {
+        impl_->domain = nullptr;
+        if (impl_->abandoned.exchange(false)) unref();
+    });
     domain.setAsyncTask(this);
 }
 

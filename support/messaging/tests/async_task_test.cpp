@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <future>
 #include <optional>
 #include <random>
 #include <thread>
@@ -90,13 +91,43 @@ TEST_F(AsyncTasks, HaveCompletedWhenOnCompleteThrows) {
 }
 
 TEST_F(AsyncTasks, AndTheirDomainsMayGoInAnyOrder) {
+    auto latest = ur::make<Task>(*host, counts);
     task.reset();
+    EXPECT_TRUE(host->waitForAsyncTask());
+    latest.reset();
     EXPECT_FALSE(host->waitForAsyncTask());
     task = ur::make<Task>(*host, counts);
     host.reset();
     task->startThread();  // there is nowhere to complete
     task->wait();
     EXPECT_EQ(counts.executed, 0);
+}
+
+TEST_F(AsyncTasks, AreFreedWhenAnotherThreadClosesTheQueue) {
+    enum End { serviced, waited, domainGone, closedBefore };
+    for (End const end : {serviced, waited, domainGone, closedBefore}) {
+        SCOPED_TRACE(end);
+        host.emplace();
+        task = ur::make<Task>(*host, counts);
+        counts.destroyed = 0;
+        auto const close = [&] { std::thread([&] { host->queue.close(); }).join(); };
+        if (end == closedBefore) close();
+        std::promise<void> ended;
+        task->work = [&] { ended.set_value_at_thread_exit(); };
+        task->startThread();
+        ended.get_future().wait();
+        if (end != closedBefore) close();
+        task.reset();
+        if (end == serviced) {
+            host->queue.service();
+        } else if (end == waited) {
+            EXPECT_FALSE(host->queue.wait(10s));
+        } else {
+            host.reset();
+        }
+        EXPECT_EQ(counts.destroyed, 1);
+        EXPECT_EQ(counts.completed, 0);
+    }
 }
 
 TEST_F(AsyncTasks, FindTheirWorkersOutOfTheQueueWhichTheyMayDestroy) {
