@@ -51,10 +51,11 @@ void Domain::beginContext(Context const& context) { begin(context); }
 [[gnu::always_inline]] bool Domain::createCallInfo(DomainImpl& stacks, Context const& context) {
     stacks.makeCallInfo();
     if (!isTold(context)) return true;
+    CallInfo* const made = stacks.callInfo.get();
     try {
-        onCallInfoCreated(stacks.callInfo.get(), context.mode() == Context::AppOnly);
+        onCallInfoCreated(made, context.mode() == Context::AppOnly);
     } catch (...) {
-        if (context.domain()) stacks.dropCallInfo();
+        if (context.domain()) stacks.dropCallInfo(made);
         throw;
     }
     return context.domain() != nullptr;
@@ -87,9 +88,10 @@ bool Domain::tellObserver(Context const& context) {
 [[gnu::always_inline]] bool Domain::leaveMode(DomainImpl& stacks, Context const& context,
                                               impl::FirstError& errors) noexcept {
     if (stacks.callInfoDepth == static_cast<std::int32_t>(stacks.modeStack.size())) {
-        if (isTold(context)) errors.guard([&] { onCallInfoDestroyed(stacks.callInfo.get()); });
+        CallInfo* const ending = stacks.callInfo.get();
+        if (isTold(context)) errors.guard([&] { onCallInfoDestroyed(ending); });
         if (!context.domain()) return false;
-        stacks.dropCallInfo();
+        stacks.dropCallInfo(ending);
     }
     stacks.popMode(context);
     return true;

@@ -45,6 +45,14 @@ void DomainImpl::pushModeInMoreRoom(Context::Mode mode) { modeStack.push_back(mo
 void DomainImpl::makeSpare() { spare = std::make_unique<CallInfo>(); }
 void DomainImpl::dropSpare() noexcept { spare.reset(); }
 
+void DomainImpl::dropSuppressed(CallInfo const* ending) noexcept {
+    for (auto& [suppressed, depth] : suppressedCallInfos) {
+        if (suppressed.get() != ending) continue;
+        suppressed.reset();
+        depth = 0;
+    }
+}
+
 void DomainImpl::suppress() {
     suppressedCallInfos.emplace_back(nullptr, callInfoDepth);
     suppressedCallInfos.back().first = std::move(callInfo);
@@ -52,6 +60,7 @@ void DomainImpl::suppress() {
 }
 
 void DomainImpl::restore() noexcept {
+    if (callInfo) dropCallInfo(callInfo.get());  // of a context inside, whose hook may still look at it
     callInfo = std::move(suppressedCallInfos.back().first);
     callInfoDepth = suppressedCallInfos.back().second;
     suppressedCallInfos.pop_back();

@@ -51,7 +51,10 @@ struct DomainImpl final : ur::ImplBase {
         callInfo.swap(spare);
         callInfoDepth = static_cast<std::int32_t>(modeStack.size());
     }
-    void dropCallInfo() noexcept {
+    /// The hook that is told of the end may have suppressed it, or released another in its place.
+    void dropCallInfo(CallInfo const* ending) noexcept {
+        if (callInfo.get() != ending) [[unlikely]]
+            return dropSuppressed(ending);
         callInfo->clearInterfaces();
         if (spare) [[unlikely]]
             dropSpare();
@@ -84,6 +87,7 @@ private:
     void pushModeInMoreRoom(Context::Mode mode);
     void makeSpare();
     void dropSpare() noexcept;
+    void dropSuppressed(CallInfo const* ending) noexcept;
     /// For contexts that end out of order.
     void popModeBelow(Context const& context) noexcept;
     void popBelow(Context const& context) noexcept;

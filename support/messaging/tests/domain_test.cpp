@@ -92,14 +92,47 @@ TEST(CallInformation, IsMadeAnewWhileSuppressed) {
     EXPECT_TRUE(own->get<int>() == &first && !own->get<double>());
     host.takeLog();
     {
-        CallInfoControl control(host), nested(host);
+        CallInfoControl control(host);
         control.suppress();
-        nested.suppress();
-        { Context const inner(&host, Context::Const); }
-        nested.release();
+        {
+            CallInfoControl nested(host);
+            CallInfoControl const idle(host);
+            nested.suppress();
+            { Context const inner(&host, Context::Const); }
+            nested.release();
+        }
+        EXPECT_TRUE(control.isSuppressed());
     }
     EXPECT_EQ(host.takeLog(), "suppressed info +Const -Const ~info released ");
     EXPECT_EQ(&ci(), own);
+}
+
+TEST(CallInformation, MayBeSuppressedAndReleasedByTheHooksThatHearOfIt) {
+    Host host;
+    int service = 1;
+    host.provide = [&](CallInfo& info) { info.add(&service); };
+    CallInfoControl control(host);
+    auto const at = [&](char const* place, auto action) {
+        host.telling = [=](std::string const& what) {
+            if (what == place) action();
+        };
+    };
+    at("~info", [&] { control.suppress(); });
+    { Context const context(&host, Context::Const); }
+    at("~info", [&] { control.release(); });
+    { Context const context(&host, Context::Const); }
+    EXPECT_EQ(host.takeLog(), "info +Const -Const ~info suppressed emptied info +Const -Const ~info released emptied ");
+    at("info", [&] {
+        control.suppress();
+        throw std::logic_error("no services");
+    });
+    EXPECT_THROW(Context(&host, Context::Const), std::logic_error);
+    control.release();
+    at("~info", [&] { control.release(); });
+    Context const outer(&host, Context::Const);
+    control.suppress();
+    { Context const inner(&host, Context::Momentary); }
+    EXPECT_EQ(ci().get<int>(), &service);
 }
 
 TEST(Domain, IsReleasedWhenItIsNotLocked) {
@@ -113,6 +146,26 @@ TEST(Domain, IsReleasedWhenItIsNotLocked) {
         host->unlock();
     }
     EXPECT_TRUE(gone);
+}
+
+TEST(Domain, TellsWhatIsAliveActiveAndUnderWay) {
+    auto host = std::make_unique<Host>();
+    Domain const* const address = host.get();
+    host->destroying.addCallback([](Domain* domain) { EXPECT_FALSE(Domain::isAlive(domain)); });
+    EXPECT_TRUE(Domain::isAlive(address));
+    {
+        Context const outer(host.get(), Context::Const);
+        auto const inner = std::make_unique<Context const>(host.get(), Context::Bare);
+        EXPECT_TRUE(Context::isActive(&outer) && Context::isActive(inner.get()) && !Context::isActive(nullptr));
+    }
+    EXPECT_FALSE(host->runningAsyncOperation());
+    for (int i = 0; i < 2; ++i) Domain::declareAsyncOperationBegin();
+    for (bool const running : {true, false}) {
+        Domain::declareAsyncOperationEnd();
+        EXPECT_EQ(host->runningAsyncOperation(), running);
+    }
+    host.reset();
+    EXPECT_FALSE(Domain::isAlive(address));
 }
 
 TEST(ContextObserver, SeesWhatBeginsWhileItIsSet) {
