@@ -115,7 +115,11 @@ CString Resource::text() const {
     return static_cast<Text const&>(*built).text();
 }
 
-void exposeCache(nxRFL::Database& database) {
+void exposeCache(nxRFL::Database& database, std::uint64_t mostMemory) {
+    auto const setLimit = [mostMemory](Manager& manager, std::uint64_t bytes) {
+        bool const isTooMuch = mostMemory != 0 && (bytes == 0 || bytes > mostMemory);
+        manager.setMemoryLimit64(isTooMuch ? mostMemory : bytes);
+    };
     nxRFL::ExposeClass<Resource>(database, "nxhost::Resource")
         .addProperty("text", &Resource::text)
         .addProperty("inMemory", &Resource::inMemory)
@@ -129,7 +133,7 @@ void exposeCache(nxRFL::Database& database) {
         .addMethod("clear", &Manager::clear)
         .addMethod("startInteraction", &Manager::startInteraction)
         .addMethod("endInteraction", &Manager::endInteraction)
-        .addProperty("memoryLimit", &Manager::getMemoryLimit64, &Manager::setMemoryLimit64)
+        .addProperty("memoryLimit", &Manager::getMemoryLimit64, setLimit)
         .addProperty("statistics", &statistics);
 }
 

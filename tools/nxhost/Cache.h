@@ -31,7 +31,8 @@ private:
 };
 
 /// Registers the classes of the cache and of resources: `cache:resource(name, function)` for what `function()` builds,
-/// `cache:derived(name, source, function)` for what `function(text of the source)` builds from it.
-void exposeCache(nxRFL::Database& database);
+/// `cache:derived(name, source, function)` for what `function(text of the source)` builds from it. Scripts can set the
+/// memory limit to no more than `mostMemory`, in bytes; 0 lets them set any.
+void exposeCache(nxRFL::Database& database, std::uint64_t mostMemory);
 
 }  // namespace nxhost

@@ -128,7 +128,7 @@ void Host::startUp(Options const& options) {
 void Host::registerClasses(nxRFL::Database& database) {
     exposeNetwork(database);
     exposeDocument(database);
-    exposeCache(database);
+    exposeCache(database, loop_.transfers().options().sandboxed ? cache_.getMemoryLimit64() : 0);
     registerFunctions(database);
 }
 

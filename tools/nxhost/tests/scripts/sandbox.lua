@@ -24,6 +24,10 @@ for address in ([[127.0.0.1 localhost 2130706433 0x7f.1 0177.0.0.1 127.1 0.0.0.0
     if connection.error ~= 1 then print(address, connection.error) end
 end
 print(connection.status, connection.errorText)
+for _, limit in ipairs{0, 1e12, 1000} do
+    host.cache.memoryLimit = limit
+    print(host.cache.memoryLimit)
+end
 print(pcall(string.rep, "x", 30000000))
 host.later(function() print "before it goes on for ever" while true do end end)
 while host.turn() do end
