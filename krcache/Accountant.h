@@ -49,6 +49,7 @@ public:
     [[nodiscard]] unsigned maxWorkingSet() const noexcept;
 
 private:
+    friend struct CacheProbe;  // for the tests alone
     friend class ManagerImpl;
 
     void makeHot(Shim& shim);

@@ -6,6 +6,7 @@
 
 #include "krcache/debugChannel.h"
 #include "krcache/impl/ManagerImpl.h"
+#include "krcache/impl/Tuning.h"
 #include "krcache/impl/sizes.h"
 
 namespace urKRCache {
@@ -30,7 +31,10 @@ Manager& getKeyResourceManager() {
 
 ManagerObserver::~ManagerObserver() = default;
 
-Manager::Manager(urString::IString const& folder) : impl_(std::make_unique<ManagerImpl>(*this, folder)) {}
+Manager::Manager(urString::IString const& folder) : Manager(folder, Tuning()) {}
+
+Manager::Manager(urString::IString const& folder, Tuning const& tuning)
+    : impl_(std::make_unique<ManagerImpl>(*this, folder, tuning)) {}
 
 Manager::~Manager() { impl_->removeAll(); }
 
@@ -49,7 +53,7 @@ void Manager::lockResource(ur::Reference<Shim> shim) { impl_->lock(*shim); }
 void Manager::unlockResource(ur::Reference<Shim> shim) { impl_->unlock(*shim); }
 void Manager::clearResource(ur::Reference<Shim> shim) { impl_->clear(*shim); }
 void Manager::removeResource(ur::Reference<Shim> shim) { impl_->remove(*shim); }
-void Manager::onLastUnref(Shim* shim) { impl_->removeUnreferenced(*shim); }
+void Manager::onLastUnref(Shim* shim) { impl_->remove(*shim); }
 void Manager::clear() { impl_->clear(); }
 void Manager::setSerializable(ur::Reference<Shim> shim) { impl_->setSerializable(*shim); }
 
@@ -64,8 +68,8 @@ unsigned Manager::getMemoryUsed() const { return impl::saturated(impl_->used());
 std::uint64_t Manager::getMemoryUsed64() const { return impl_->used(); }
 void Manager::enforceMemoryLimit(unsigned incoming) { impl_->enforceMemoryLimit(incoming); }
 void Manager::setUseResidentSize() { impl_->setUseResidentSize(); }
-unsigned Manager::getResidentSize() const { return impl::saturated(ManagerImpl::residentSize()); }
-std::uint64_t Manager::getResidentSize64() const { return ManagerImpl::residentSize(); }
+unsigned Manager::getResidentSize() const { return impl::saturated(impl_->residentSize()); }
+std::uint64_t Manager::getResidentSize64() const { return impl_->residentSize(); }
 void Manager::allocatingExternalResource(unsigned bytes) { impl_->allocatingExternal(bytes); }
 void Manager::deletedExternalResource(unsigned bytes) { impl_->deletedExternal(bytes); }
 

@@ -19,6 +19,7 @@ namespace urKRCache {
 class ManagerImpl;
 class ManagerObserver;
 class TraceRecorder;
+struct Tuning;
 
 /// Keeps resources under a limit of bytes, rebuilds them on demand, and removes what is built from what is removed.
 ///
@@ -27,10 +28,15 @@ class TraceRecorder;
 /// their shim is serializable. Counts are 64 bits wide inside; 32-bit results stop at the largest value. Nothing
 /// fails towards callers; what is unusual is said on `debugChannel()`. One thread. Hooks of keys and resources may
 /// use the manager while it works, but not destroy it. A removed shim has no resource, and nothing changes that.
+///
+/// Removals and evictions that hooks cause take effect at once, 16 deep: deeper, removals wait for the hook to return,
+/// and hooks of evictions build nothing. No look-up finds a shim once its removal has begun.
 class NX_API Manager {
 public:
     /// `folder` is for the page file, which goes when the manager goes.
     explicit Manager(urString::IString const& folder);
+    /// With sizes of its own, which only tests need.
+    Manager(urString::IString const& folder, Tuning const& tuning);
     Manager(Manager const&) = delete;
     Manager& operator=(Manager const&) = delete;
     ~Manager();
@@ -41,8 +47,9 @@ public:
     [[nodiscard]] ur::Reference<Shim> findShim(ur::Reference<KeyData> key) const;
 
     /// Builds or reads back the resource if it is absent, and makes it the most recently used. Null when the key
-    /// builds nothing and when the resource did not fit and was dropped again; one that was paged out again at once
-    /// is there, without its payload.
+    /// builds nothing, when the resource did not fit and was dropped again, when the shim has been removed, while the
+    /// resource is being built, and when hooks of an eviction build without end. One that was paged out again at once
+    /// is there, without its payload: `isResourceAllocated` tells.
     ur::Reference<Resource> accessResource(ur::Reference<Shim> shim);
     /// Keeps the resource, when there is one, in memory until each lock has been undone.
     void lockResource(ur::Reference<Shim> shim);
@@ -68,7 +75,8 @@ public:
     void setMemoryLimit64(std::uint64_t bytes);
     [[nodiscard]] unsigned getMemoryLimit() const;
     [[nodiscard]] std::uint64_t getMemoryLimit64() const;
-    /// The bytes of all resources in memory.
+    /// The bytes of all resources in memory: their sizes when they came, less those when they left. A resource that
+    /// changed its size in between leaves the difference behind.
     [[nodiscard]] unsigned getMemoryUsed() const;
     [[nodiscard]] std::uint64_t getMemoryUsed64() const;
     /// Evicts until within the limit. `incoming`: bytes that are about to be used, 0 if unknown.
@@ -103,6 +111,8 @@ public:
     void setClearCheck(bool clearCheck);
 
 private:
+    friend struct CacheProbe;  // for the tests alone
+
     std::unique_ptr<ManagerImpl> impl_;
 };
 

@@ -27,6 +27,7 @@ public:
     [[nodiscard]] bool inUse() const noexcept { return inUse_; }
 
 private:
+    friend struct CacheProbe;  // for the tests alone
     friend class FileStream;
     friend class PageFile;
 

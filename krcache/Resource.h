@@ -32,10 +32,12 @@ public:
     [[nodiscard]] bool isProxy() const noexcept { return isProxy_; }
 
 protected:
-    /// The bytes in use. Asked when the resource has been built or read back, and counted until it goes.
+    /// The bytes in use. Asked when the resource has come into memory and again when it leaves. It should not change
+    /// in between: the cache makes no room for growth, and its count stays wrong by the difference.
     [[nodiscard]] virtual unsigned onGetSizeInBytes() const = 0;
-    /// Writes the payload, at most as many bytes as the last size told, and may then release it. The stream reports
-    /// no errors: what it does not take, it leaves out of its count, and the resource is dropped afterwards.
+    /// Writes the payload and may then release it: at most as many bytes as the size was when the resource came into
+    /// memory, so that one that has grown is dropped. The stream reports no errors: what it does not take, it leaves
+    /// out of its count, and the resource is dropped afterwards.
     virtual void onSerialize(urOS::IOStream& stream);
     /// Gets back what `onSerialize` wrote. The stream ends where that ended. A count that falls short of it tells
     /// that the payload is lost: return, the resource will be dropped.

@@ -66,6 +66,7 @@ public:
 
 private:
     friend class Accountant;
+    friend struct CacheProbe;  // for the tests alone
     friend class KeyTable;
     friend class ManagerImpl;
 

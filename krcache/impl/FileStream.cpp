@@ -17,9 +17,13 @@ FileStream::~FileStream() {
 }
 
 template <class Work>
-void FileStream::attempt(Work&& work) noexcept {
+void FileStream::attempt(Direction direction, Work&& work) noexcept {
     if (failed()) return;
     try {
+        if (direction != direction_) {
+            error_ = Error(EBADF, "the stream goes the other way");
+            return;
+        }
         work();
     } catch (...) {
         thrown_ = std::current_exception();
@@ -28,8 +32,7 @@ void FileStream::attempt(Work&& work) noexcept {
 
 Error FileStream::write(void const* buffer, std::size_t count, std::size_t* done) {
     std::size_t moved = 0;
-    attempt([&] {
-        if (direction_ == Direction::read) error_ = Error(EBADF, "the stream is for reading");
+    attempt(Direction::write, [&] {
         while (moved < count && error_.ok())
             moved += writeSome(static_cast<char const*>(buffer) + moved, count - moved);
     });
@@ -43,14 +46,14 @@ std::size_t FileStream::writeSome(char const* bytes, std::size_t count) {
         error_ = Error(EFBIG, "the resource writes more than its size");
         return 0;
     }
-    std::size_t const part = std::min({count, PageFile::blockSize - filled_, static_cast<std::size_t>(room)});
-    if (part == PageFile::blockSize) {
+    std::size_t const part = std::min({count, file_.blockSize() - filled_, static_cast<std::size_t>(room)});
+    if (part == file_.blockSize()) {
         writeBlock(bytes, part);
         return error_.ok() ? part : 0;
     }
     std::memcpy(block() + filled_, bytes, part);
     filled_ += part;
-    if (filled_ == PageFile::blockSize) writeBlock(block(), std::exchange(filled_, 0));
+    if (filled_ == file_.blockSize()) writeBlock(block(), std::exchange(filled_, 0));
     return part;
 }
 
@@ -63,20 +66,16 @@ void FileStream::writeBlock(char const* bytes, std::size_t count) {
 }
 
 void FileStream::finish() noexcept {
-    attempt([&] {
+    attempt(Direction::write, [&] {
         if (filled_ > 0) writeBlock(block(), std::exchange(filled_, 0));
     });
 }
 
 Error FileStream::read(void* buffer, std::size_t count, std::size_t* done) {
     std::size_t moved = 0;
-    attempt([&] {
-        if (direction_ == Direction::write) error_ = Error(EBADF, "the stream is for writing");
-        while (moved < count && error_.ok()) {
-            std::size_t const part = readSome(static_cast<char*>(buffer) + moved, count - moved);
-            if (part == 0) break;
-            moved += part;
-        }
+    attempt(Direction::read, [&] {
+        for (std::size_t part = 1; moved < count && part > 0; moved += part)
+            part = readSome(static_cast<char*>(buffer) + moved, count - moved);
     });
     if (done) *done = moved;
     return {};
@@ -86,7 +85,7 @@ Error FileStream::read(void* buffer, std::size_t count, std::size_t* done) {
 std::size_t FileStream::readSome(char* bytes, std::size_t count) {
     if (taken_ == filled_) {
         auto const next =
-            static_cast<std::size_t>(std::min<std::uint64_t>(PageFile::blockSize, entry_.written_ - transferred_));
+            static_cast<std::size_t>(std::min<std::uint64_t>(file_.blockSize(), entry_.written_ - transferred_));
         if (next == 0) return 0;
         if (count >= next) return readBlock(bytes, next) ? next : 0;
         if (!readBlock(block(), next)) return 0;
@@ -102,7 +101,7 @@ std::size_t FileStream::readSome(char* bytes, std::size_t count) {
 bool FileStream::readBlock(char* bytes, std::size_t count) {
     error_ = file_.file().readAt(entry_.offset_ + transferred_, bytes, count);
     if (error_.isError()) return false;
-    if (impl::checksum(bytes, count) != entry_.checks_[transferred_ / PageFile::blockSize]) {
+    if (impl::checksum(bytes, count) != entry_.checks_[transferred_ / file_.blockSize()]) {
         error_ = Error(EIO, "the file has been changed by someone else");
         return false;
     }

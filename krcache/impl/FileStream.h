@@ -40,7 +40,7 @@ public:
 
 private:
     template <class Work>
-    void attempt(Work&& work) noexcept;
+    void attempt(Direction direction, Work&& work) noexcept;
     std::size_t writeSome(char const* bytes, std::size_t count);
     std::size_t readSome(char* bytes, std::size_t count);
     void writeBlock(char const* bytes, std::size_t count);

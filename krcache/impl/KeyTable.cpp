@@ -1,6 +1,7 @@
 // Growing and shrinking the table of keys, and looking up while it changes.
 #include "krcache/impl/KeyTable.h"
 
+#include <bit>
 #include <utility>
 
 namespace urKRCache {
@@ -13,7 +14,7 @@ ur::Reference<Shim> KeyTable::findHeld(KeyData const& key, std::uint32_t hash) c
     }
     for (ur::Reference<Shim> const& candidate : candidates) {
         ur::Reference<KeyData> const other = candidate->key_;
-        if (other && key.compare(other.get()) == 0 && candidate->manager_) return candidate;
+        if (other && key.compare(other.get()) == 0 && candidate->removal_ == Shim::Removal::none) return candidate;
     }
     return {};
 }
@@ -24,7 +25,7 @@ Shim* KeyTable::findAmongAll(KeyData const& key, std::uint32_t hash) const {
     do {
         before = version_;
         ur::Reference<Shim> found = findHeld(key, hash);
-        if (!found || !found->manager_) continue;
+        if (!found || found->removal_ != Shim::Removal::none) continue;
         --found->strongCount_;  // the table has another; giving up this one must not remove what is asked for
         return found.release();
     } while (version_ != before);
@@ -47,10 +48,10 @@ void KeyTable::put(Slot slot) noexcept {
 
 void KeyTable::grow() {
     std::size_t const former = capacity_;
-    std::size_t const wanted = former == 0 ? 16 : former * 2;
+    std::size_t const wanted = former == 0 ? firstSlots_ : former * 2;
     auto const old = std::exchange(slots_, std::make_unique<Slot[]>(wanted));
     capacity_ = wanted;
-    shift_ = former == 0 ? 60 : shift_ - 1;
+    shift_ = static_cast<unsigned>(std::countl_zero(std::uint64_t{wanted - 1}));
     for (std::size_t i = 0; i < former; ++i) {
         if (old[i].shim) put(old[i]);
     }

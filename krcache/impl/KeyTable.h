@@ -9,14 +9,16 @@
 
 namespace urKRCache {
 
-/// Finds the shim of a key by its hash and by comparing; holds one reference to each shim.
+/// Finds the shim of a key by its hash and by comparing; holds one reference to each shim. Those that are being
+/// removed are still here, but not found.
 ///
 /// Open addressing: a slot has the hash beside the shim, so that a look-up reads a shim only when it is very
 /// likely the right one. Comparing runs code of the keys, which may change the table: then nothing that was read
 /// before counts any more.
 class KeyTable {
 public:
-    KeyTable() = default;
+    /// `slots`: how many there are at first; a power of two, 2 at least.
+    explicit KeyTable(std::size_t slots) noexcept : firstSlots_(slots) {}
     KeyTable(KeyTable const&) = delete;
     KeyTable& operator=(KeyTable const&) = delete;
 
@@ -66,6 +68,7 @@ private:
     void grow();
     void close(std::size_t hole) noexcept;
 
+    std::size_t firstSlots_;
     std::unique_ptr<Slot[]> slots_;
     std::size_t capacity_ = 0;  ///< a power of two, or 0 at first
     std::size_t size_ = 0;
@@ -84,7 +87,7 @@ inline Shim* KeyTable::find(KeyData const& key) const {
         bool const equal = key.compare(other.get()) == 0;
         if (version_ != before) [[unlikely]]
             return findAmongAll(key, hash);
-        if (equal) return shim;
+        if (equal && shim->removal_ == Shim::Removal::none) return shim;
     }
     return nullptr;
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <limits>
 #include <unordered_map>
 
 #include "krcache/Accountant.h"
@@ -13,6 +14,8 @@
 #include "krcache/impl/KeyTable.h"
 #include "krcache/impl/LruList.h"
 #include "krcache/impl/PageFile.h"
+#include "krcache/impl/ResourceBytes.h"
+#include "krcache/impl/Tuning.h"
 #include "krcache/impl/scopes.h"
 
 namespace urKRCache {
@@ -23,10 +26,11 @@ class FileStream;
 ///
 /// Each step leaves the cache whole before it calls a hook, and after a hook takes nothing for granted: the shim may
 /// have been cleared, paged, locked or removed meanwhile. Always so: a shim is in the list exactly when its resource
-/// is in memory and not locked; the counters are the sums of the sizes of the shims whose resource is in memory.
+/// is in memory and not locked; the counters are the sums of the sizes of the shims whose resource is in memory, but
+/// for what resources have grown or shrunk.
 class ManagerImpl {
 public:
-    ManagerImpl(Manager& manager, urString::IString const& folder);
+    ManagerImpl(Manager& manager, urString::IString const& folder, Tuning const& tuning);
     ManagerImpl(ManagerImpl const&) = delete;
     ManagerImpl& operator=(ManagerImpl const&) = delete;
     ~ManagerImpl() = default;
@@ -55,8 +59,7 @@ public:
     void enforceMemoryLimit(std::uint64_t incoming) {
         if (limit_ == 0) return;
         if (useResidentSize_) sampleResidentSize(incoming);
-        // Asked for by a hook that eviction has called: the eviction under way goes on until the limit is kept.
-        if (isOverLimit() && evicting_ == Evicting::no) evict();
+        if (isOverLimit()) evict();
     }
     void clear();
     void clear(Shim& shim) { clearOrPageOut(shim, Cause::request); }
@@ -66,15 +69,14 @@ public:
     void endInteraction();
     void setMemoryLimit(std::uint64_t bytes);
     void setUseResidentSize();
-    [[nodiscard]] static std::uint64_t residentSize();
+    [[nodiscard]] std::uint64_t residentSize() const { return tuning_.residentSize(); }
     void allocatingExternal(unsigned bytes);
     void deletedExternal(unsigned bytes);
     [[nodiscard]] std::uint64_t limit() const noexcept { return limit_; }
-    [[nodiscard]] std::uint64_t used() const noexcept { return used_ + reserved_; }
+    [[nodiscard]] std::uint64_t used() const noexcept { return used_.total + reserved_; }
 
     // Removal (removal.cpp)
     void remove(Shim& shim);
-    void removeUnreferenced(Shim& shim);
     /// Dependents before what they are built from; what still asks for shims meanwhile gets removed ones.
     void removeAll() noexcept;
 
@@ -92,9 +94,10 @@ public:
     void printDependenciesAsDot(urOS::OStream& out) const;
 
 private:
+    friend struct CacheProbe;  // for the tests alone
+
     using Cause = Leaving;
-    /// Whether hooks that eviction calls may build resources.
-    enum class Evicting { no, hooksMayBuild, hooksMayNotBuild };
+    static constexpr std::int64_t noBound = std::numeric_limits<std::int64_t>::max();
 
     // access.cpp
     class ObservedBuild;
@@ -103,14 +106,17 @@ private:
     void watch() noexcept { isWatched_ = accountant_.inInteraction_ || trace_; }
     bool createResource(Shim& shim);
     ur::Reference<Resource> buildObserved(KeyData const& key, ClassUsage& usage);
-    static ur::Reference<Resource> buildTimed(KeyData const& key, ClassUsage& usage);
+    ur::Reference<Resource> buildTimed(KeyData const& key, ClassUsage& usage) const;
     ur::Reference<Shim> createShim(ur::Reference<KeyData> const& key, Shim::KeyType type);
     void linkSources(Shim& shim, KeyData const& key);
     void withdraw(Shim& shim) noexcept;
-    ur::Reference<Shim> takeFromTable(Shim& shim) noexcept;
     ClassUsage& usageOf(KeyData const& key);
     [[nodiscard]] bool isAttached(Shim const& shim) const noexcept {
         return shim.manager_ && shim.removal_ == Shim::Removal::none;
+    }
+    /// Not in hooks of evictions that would not end otherwise.
+    [[nodiscard]] bool mayBuild() const noexcept {
+        return evictions_ == 0 || (evictions_ < tuning_.nestedHooks && clearsWithBuilds_ > 0);
     }
 
     // limits.cpp
@@ -122,15 +128,22 @@ private:
         if (shim.lockCount_ <= 0) lru_.remove(shim);
     }
     void addToUsed(Shim const& shim) noexcept;
-    void takeFromUsed(Shim& shim) noexcept;
+    /// The resource, which has that size now, leaves memory, and the shim the list.
+    void takeFromUsed(Shim& shim, unsigned size) noexcept {
+        used_.take(size, shim.size_);
+        if (shim.residential_) residentialUsed_.take(size, shim.size_);
+        accountant_.resourceCleared(&shim);
+        unlink(shim);
+    }
     void makeSpace(std::uint64_t bytes, bool residential);
     void sampleResidentSize(std::uint64_t incoming);
     void measureOtherResident();
-    [[nodiscard]] bool isOverLimit() const noexcept { return limit_ != 0 && used() + otherResident_ > limit_; }
+    [[nodiscard]] std::int64_t bounded() const noexcept { return static_cast<std::int64_t>(used()) + otherResident_; }
+    [[nodiscard]] bool isOverLimit() const noexcept { return bounded() > bound_; }
     void evict();
     void clearOrPageOut(Shim& shim, Cause cause);
     void leaveMemory(Shim& shim, Cause cause);
-    void clearAllocated(Shim& shim, Cause cause);
+    void clearAllocated(Shim& shim, unsigned size, Cause cause);
     ur::Reference<Resource> takeResource(Shim& shim, Cause cause);
     void dropResource(Shim& shim, Cause cause);
     void reportExcess() const;
@@ -138,7 +151,7 @@ private:
     void applyMemoryLimit(std::uint64_t bytes);
 
     // paging.cpp
-    void pageOut(Shim& shim);
+    void pageOut(Shim& shim, unsigned size);
     bool pageIn(Shim& shim);
     bool endPaging(Shim& shim, PageFileEntry& chunk, FileStream const& stream,
                    std::exception_ptr const& thrownByResource);
@@ -152,7 +165,11 @@ private:
     void removeEach(ur::vector<ur::Reference<Shim>> shims);
     void step(Shim& shim) noexcept;
     void clearForRemoval(Shim& shim);
+    [[nodiscard]] unsigned sizeForRemoval(Shim const& shim) noexcept;
     void finish(Shim& shim) noexcept;
+    void letGo(Shim& relative) noexcept;
+    template <class Work>
+    void callHooks(Shim& shim, Work&& work) noexcept;
     template <class Work>
     void shielded(Work&& work) noexcept;
 
@@ -176,24 +193,29 @@ private:
     }
 
     Manager& manager_;
+    Tuning const tuning_;
     LruList lru_;
     KeyTable table_;
     PageFile pageFile_;
     Accountant accountant_;
-    std::uint64_t used_ = 0;  ///< by the resources in memory
+    ResourceBytes used_;
+    ResourceBytes residentialUsed_;  ///< the part of what is used that shows in the resident size
     std::uint64_t limit_ = 0;
-    std::uint64_t reserved_ = 0;         ///< what room is being made for
-    std::uint64_t otherResident_ = 0;    ///< resident, but not ours, at the last sample
-    std::uint64_t residentialUsed_ = 0;  ///< the part of what is used that shows in the resident size
+    std::int64_t bound_ = noBound;  ///< the limit, when there is one
+    std::uint64_t reserved_ = 0;    ///< what room is being made for
     std::uint64_t residentialReserved_ = 0;
+    /// The resident size less what is ours of it, at the last sample. Negative where resources claim more than they
+    /// have touched.
+    std::int64_t otherResident_ = 0;
     std::uint64_t limitDebt_ = 0;  ///< external bytes that the limit was too small to give up
     std::uint64_t bytesSinceSample_ = 0;
     bool isWatched_ = false;  ///< someone wants to know of hits
     bool useResidentSize_ = false;
     bool clearCheck_ = false;
     bool dying_ = false;
-    bool pageFileTold_ = false;  ///< that there is no page file
-    Evicting evicting_ = Evicting::no;
+    bool pageFileTold_ = false;         ///< that there is no page file
+    unsigned evictions_ = 0;            ///< under way, each in a hook of the one before
+    std::size_t clearsWithBuilds_ = 0;  ///< how many more clears of theirs leave hooks free to build
     TraceRecorder* trace_ = nullptr;
     ManagerObserver* observer_ = nullptr;
     Statistics statistics_;                                                 ///< without what is computed on demand
@@ -202,7 +224,7 @@ private:
     ClassUsage* lastUsage_ = nullptr;
     std::uint32_t nextSerial_ = 0;
     Shim* removals_ = nullptr;  ///< the one to go on with, on top of those that wait for it; each is held
-    unsigned removalRuns_ = 0;
+    unsigned removalRuns_ = 0;  ///< under way, each in a hook of the one before
     std::exception_ptr removalFailure_;
 };
 

@@ -5,13 +5,9 @@
 #include <utility>
 
 namespace urKRCache {
-namespace {
 
-constexpr std::uint64_t smallestExtension = 1048576;
-
-}  // namespace
-
-PageFile::PageFile(urString::IString const& path) : openError_(file_.open(std::string(path.asMultibyte().view()))) {
+PageFile::PageFile(urString::IString const& path, std::uint64_t extension, std::size_t blockSize)
+    : extension_(extension), blockSize_(blockSize), openError_(file_.open(std::string(path.asMultibyte().view()))) {
     entries_.makeSentinel();
 }
 
@@ -49,7 +45,7 @@ bool PageFile::extend(std::uint64_t bytes) {
     std::uint64_t const end = last ? last->offset_ + last->size_ : 0;
     std::uint64_t const limit = ScratchFile::sizeLimit();
     std::uint64_t const room = limit > end ? limit - end : 0;
-    std::uint64_t const size = std::min(std::max(bytes, smallestExtension), room);
+    std::uint64_t const size = std::min(std::max(bytes, extension_), room);
     if (size < bytes || size == 0) return false;
 
     auto added = std::make_unique<PageFileEntry>();
@@ -86,7 +82,7 @@ void PageFile::merge(PageFileEntry* lower, PageFileEntry* upper) noexcept {
 }
 
 PageFile::Block PageFile::takeBlock() {
-    return spareBlock_ ? std::move(spareBlock_) : std::make_unique_for_overwrite<char[]>(blockSize);
+    return spareBlock_ ? std::move(spareBlock_) : std::make_unique_for_overwrite<char[]>(blockSize_);
 }
 
 PageFileEntry const* PageFile::first() const noexcept { return objectOf(entries_.next()); }

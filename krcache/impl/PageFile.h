@@ -19,11 +19,10 @@ namespace urKRCache {
 /// full: its manager drops what it would have paged out.
 class PageFile {
 public:
-    /// How much is written and checked at a time.
-    static constexpr std::size_t blockSize = 65536;
     using Block = std::unique_ptr<char[]>;
 
-    explicit PageFile(urString::IString const& path);
+    /// `extension`: by how many bytes the file grows at least. `blockSize`: how many are written and checked at a time.
+    PageFile(urString::IString const& path, std::uint64_t extension, std::size_t blockSize);
     PageFile(PageFile const&) = delete;
     PageFile& operator=(PageFile const&) = delete;
     ~PageFile();
@@ -37,6 +36,7 @@ public:
     /// Why there is no file; success when there is one.
     [[nodiscard]] urUtil::Error const& openError() const noexcept { return openError_; }
 
+    [[nodiscard]] std::size_t blockSize() const noexcept { return blockSize_; }
     /// A buffer for the stream that is open; streams inside streams get further ones.
     [[nodiscard]] Block takeBlock();
     void giveBlock(Block block) noexcept { spareBlock_ = std::move(block); }
@@ -48,6 +48,8 @@ public:
     [[nodiscard]] char const* fault(std::size_t chunksInUse) const;
 
 private:
+    friend struct CacheProbe;  // for the tests alone
+
     using Node = urUtil::LinkedListNode<PageFileEntry>;
     struct Smaller {
         using is_transparent = void;
@@ -65,6 +67,8 @@ private:
         return node == &entries_ ? nullptr : node->object();
     }
 
+    std::uint64_t extension_;
+    std::size_t blockSize_;
     ScratchFile file_;
     urUtil::Error openError_;
     Node entries_;

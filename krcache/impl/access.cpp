@@ -23,13 +23,13 @@ private:
     ur::vector<ur::Reference<Shim>>* shims_;
 };
 
-constexpr std::uint64_t timedBuilds = 16;       ///< at first, all of them
-constexpr std::uint64_t buildsPerSample = 256;  ///< then one of so many
-
 }  // namespace
 
-ManagerImpl::ManagerImpl(Manager& manager, urString::IString const& folder)
-    : manager_(manager), pageFile_(urOS::Filename::join(folder, "urKRCachePageFile.dat")) {}
+ManagerImpl::ManagerImpl(Manager& manager, urString::IString const& folder, Tuning const& tuning)
+    : manager_(manager),
+      tuning_(tuning),
+      table_(tuning.tableSlots),
+      pageFile_(urOS::Filename::join(folder, "urKRCachePageFile.dat"), tuning.pageExtension, tuning.pageBlock) {}
 
 ur::Reference<Shim> ManagerImpl::findOrCreateShim(ur::Reference<KeyData> const& key, Shim::KeyType type) {
     Shim* const shim = table_.find(*key);
@@ -84,12 +84,6 @@ void ManagerImpl::withdraw(Shim& shim) noexcept {
     }
 }
 
-ur::Reference<Shim> ManagerImpl::takeFromTable(Shim& shim) noexcept {
-    KeyData::Memo& memo = shim.key_->memo_;
-    if (memo.shim == &shim) memo.owner = nullptr;
-    return table_.take(shim);
-}
-
 ClassUsage& ManagerImpl::usageOf(KeyData const& key) {
     ur::TypeInfo const keyClass(typeid(key));
     if (!lastUsage_ || lastUsage_->keyClass != keyClass) {
@@ -119,7 +113,7 @@ void ManagerImpl::setTraceRecorder(TraceRecorder* recorder) noexcept {
 
 ur::Reference<Resource> ManagerImpl::accessAbsent(Shim& shim) {
     bool const isBusy = shim.building_ || shim.paging_;
-    if (!isAttached(shim) || isBusy || evicting_ == Evicting::hooksMayNotBuild) return {};
+    if (!isAttached(shim) || isBusy || !mayBuild()) return {};
     Scoped const building(shim.building_, true);
     bool const isReadBack = shim.pageEntry_ && pageIn(shim);
     if (!isReadBack && !createResource(shim)) return {};
@@ -128,14 +122,15 @@ ur::Reference<Resource> ManagerImpl::accessAbsent(Shim& shim) {
 }
 
 /// Looking at the clock takes as long as a small build: of many builds, a few stand for all.
-ur::Reference<Resource> ManagerImpl::buildTimed(KeyData const& key, ClassUsage& usage) {
+ur::Reference<Resource> ManagerImpl::buildTimed(KeyData const& key, ClassUsage& usage) const {
     std::uint64_t const build = usage.builds++;
-    bool const isSample = build % buildsPerSample == 0;
-    if (build >= timedBuilds && !isSample) return key.createResource();
+    bool const isEarly = build < tuning_.timedBuilds;
+    bool const isSample = (build & (tuning_.buildsPerSample - 1)) == 0;
+    if (!isEarly && !isSample) return key.createResource();
     urOS::StopWatch watch;
     watch.start();
     ur::Reference<Resource> built = key.createResource();
-    usage.buildSeconds += watch.elapsed() * static_cast<double>(build < timedBuilds ? 1 : buildsPerSample);
+    usage.buildSeconds += watch.elapsed() * static_cast<double>(isEarly ? 1 : tuning_.buildsPerSample);
     return built;
 }
 

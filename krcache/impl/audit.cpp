@@ -25,6 +25,7 @@ char const* ManagerImpl::faultOf(Shim const& shim) const {
     bool const isListed = shim.next() != nullptr;
     if (shim.manager_ != &manager_ || !shim.key_) return "is in the table without a manager or a key";
     if (!table_.reaches(shim)) return "is not found by its hash";
+    if (shim.removal_ != Shim::Removal::none) return "is still being removed";
     if (shim.pageEntry_ && !shim.resource_) return "has a page but no resource";
     if (shim.pageEntry_ && !shim.pageEntry_->inUse()) return "has a page that is free";
     if (shim.lockCount_ < 0) return "has been unlocked more often than locked";
@@ -64,7 +65,7 @@ char const* ManagerImpl::faultOfList() const {
         node = node->next();
         ++listed;
     } while (node != &lru_.sentinel() && listed <= lru_.count());
-    if (listed != lru_.count() + 1) return "the list of evictable resources is miscounted";
+    if (node != &lru_.sentinel() || listed != lru_.count() + 1) return "the list of evictable resources is miscounted";
     std::size_t evictable = 0;
     table_.forEach([&](Shim const& shim) { evictable += shim.next() ? 1 : 0; });
     return evictable == lru_.count() ? nullptr : "the list has shims that are not in the table";
@@ -82,11 +83,15 @@ char const* ManagerImpl::faultOfSums() const {
         locked += shim.isResourceLocked() ? size : 0;
         hot += shim.hot_ ? 1 : 0;
     });
-    if (used != used_) return "the memory used is not the sum of the resources";
-    if (residential != residentialUsed_) return "the residential bytes are not their sum";
+    auto const isSum = [](ResourceBytes const& bytes, std::uint64_t sum) {
+        return bytes.total + static_cast<std::uint64_t>(bytes.resized) == sum;
+    };
+    if (!isSum(used_, used)) return "the memory used is not the sum of the resources";
+    if (!isSum(residentialUsed_, residential)) return "the residential bytes are not their sum";
     if (locked != accountant_.lockedSize_) return "the locked bytes are not their sum";
     if (hot != accountant_.hotSet_.size()) return "the hot set has shims that are not in the table";
-    return statistics_.peakMemoryUsed >= used ? nullptr : "the peak is below the memory used";
+    if (isWatched_ != (accountant_.inInteraction_ || trace_)) return "hits are watched for nobody, or not at all";
+    return statistics_.peakMemoryUsed >= used_.total ? nullptr : "the peak is below the memory used";
 }
 
 std::size_t ManagerImpl::pagedOutCount() const {

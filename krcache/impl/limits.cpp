@@ -2,16 +2,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "foundation/urOS/sysInfo.h"
 #include "krcache/debugChannel.h"
 #include "krcache/impl/ManagerImpl.h"
 #include "krcache/impl/sizes.h"
 
 namespace urKRCache {
 namespace {
-
-constexpr std::uint64_t sampleInterval = 2097152;  ///< bytes requested between two samples of the resident size
-constexpr std::uint64_t unknownRequest = 209715;   ///< what a request without a size counts: a tenth of it
 
 constexpr unsigned sizeWorthAWarning = 524288;
 constexpr std::int32_t sizeTolerance = 1024;
@@ -34,7 +30,7 @@ void ManagerImpl::account(Shim& shim, KeyData const& key, unsigned size, TraceRe
     try {
         key.initializeResource(shim.resource_);
     } catch (...) {
-        if (shim.isResourceAllocated()) clearAllocated(shim, Cause::buildFailure);
+        if (shim.isResourceAllocated()) clearAllocated(shim, size, Cause::buildFailure);
         throw;
     }
     enforceMemoryLimit(size);
@@ -42,17 +38,9 @@ void ManagerImpl::account(Shim& shim, KeyData const& key, unsigned size, TraceRe
 
 /// The resource has come into memory.
 void ManagerImpl::addToUsed(Shim const& shim) noexcept {
-    used_ += shim.size_;
-    if (shim.residential_) residentialUsed_ += shim.size_;
-    statistics_.peakMemoryUsed = std::max(statistics_.peakMemoryUsed, used_);
-}
-
-/// The resource leaves memory, and the shim the list.
-void ManagerImpl::takeFromUsed(Shim& shim) noexcept {
-    used_ -= shim.size_;
-    if (shim.residential_) residentialUsed_ -= shim.size_;
-    accountant_.resourceCleared(&shim);
-    unlink(shim);
+    used_.add(shim.size_);
+    if (shim.residential_) residentialUsed_.add(shim.size_);
+    statistics_.peakMemoryUsed = std::max(statistics_.peakMemoryUsed, used_.total);
 }
 
 void ManagerImpl::makeSpace(std::uint64_t bytes, bool residential) {
@@ -63,25 +51,27 @@ void ManagerImpl::makeSpace(std::uint64_t bytes, bool residential) {
 }
 
 void ManagerImpl::sampleResidentSize(std::uint64_t incoming) {
-    bytesSinceSample_ += incoming == 0 ? unknownRequest : incoming;
-    if (bytesSinceSample_ <= sampleInterval) return;
+    bytesSinceSample_ += incoming == 0 ? tuning_.sampleInterval / 10 : incoming;
+    if (bytesSinceSample_ <= tuning_.sampleInterval) return;
     measureOtherResident();
     bytesSinceSample_ = 0;
 }
 
 void ManagerImpl::measureOtherResident() {
-    std::uint64_t const resident = residentSize();
-    // Bytes that resources have not touched yet are not resident.
-    otherResident_ = resident - std::min(resident, residentialUsed_ + residentialReserved_);
+    std::uint64_t const ours = residentialUsed_.total + residentialReserved_;
+    otherResident_ = static_cast<std::int64_t>(residentSize()) - static_cast<std::int64_t>(ours);
 }
 
-// Hooks may bring resources back as fast as they go. Once all that were there at first have gone, hooks may build
-// nothing more, so that this ends.
+// What hooks build gets its room at once, by an eviction inside this one. Hooks may bring resources back as fast as
+// they go: once as many have gone as there were at first, or so many evictions are under way, hooks build nothing more,
+// so that this ends and takes little of the stack. What hooks ask for beyond that is left to the evictions under way.
 void ManagerImpl::evict() {
+    if (evictions_ == tuning_.nestedHooks) return;
+    if (evictions_ == 0) clearsWithBuilds_ = lru_.count() + 1;
     {
-        Scoped const evicting(evicting_, Evicting::hooksMayBuild);
-        for (std::size_t left = lru_.count(); !lru_.empty() && isOverLimit(); --left) {
-            if (left == 0) evicting_ = Evicting::hooksMayNotBuild;
+        Scoped const oneMore(evictions_, evictions_ + 1);
+        while (!lru_.empty() && isOverLimit()) {
+            if (clearsWithBuilds_ > 0) --clearsWithBuilds_;
             ur::Reference<Shim> const head(&lru_.head());
             leaveMemory(*head, Cause::limit);
         }
@@ -90,8 +80,8 @@ void ManagerImpl::evict() {
 }
 
 void ManagerImpl::reportExcess() const {
-    debugChannel().print("Locked resources exceed memory limit by (%.02fMB)\n",
-                         impl::megabytes(used() + otherResident_ - limit_));
+    auto const excess = static_cast<std::uint64_t>(bounded() - bound_);
+    debugChannel().print("Locked resources exceed memory limit by (%.02fMB)\n", impl::megabytes(excess));
     logUsageByType();
 }
 
@@ -100,15 +90,18 @@ void ManagerImpl::clearOrPageOut(Shim& shim, Cause cause) {
 }
 
 void ManagerImpl::leaveMemory(Shim& shim, Cause cause) {
+    ur::Reference<Resource> const resource = shim.resource_;
+    unsigned const size = resource->getSizeInBytes();
+    if (!shim.isResourceAllocated() || shim.isResourceLocked()) return;
     if (shim.serializable_) {
-        pageOut(shim);
+        pageOut(shim, size);
     } else {
-        clearAllocated(shim, cause);
+        clearAllocated(shim, size, cause);
     }
 }
 
-void ManagerImpl::clearAllocated(Shim& shim, Cause cause) {
-    takeFromUsed(shim);
+void ManagerImpl::clearAllocated(Shim& shim, unsigned size, Cause cause) {
+    takeFromUsed(shim, size);
     dropResource(shim, cause);
 }
 
@@ -174,6 +167,7 @@ void ManagerImpl::setMemoryLimit(std::uint64_t bytes) {
 void ManagerImpl::applyMemoryLimit(std::uint64_t bytes) {
     debugChannel().print("Memory limit set to %.02fMB\n", impl::megabytes(bytes));
     limit_ = bytes;
+    bound_ = bytes == 0 ? noBound : static_cast<std::int64_t>(std::min<std::uint64_t>(bytes, noBound));
     enforceMemoryLimit(0);
 }
 
@@ -181,8 +175,6 @@ void ManagerImpl::setUseResidentSize() {
     useResidentSize_ = true;
     measureOtherResident();
 }
-
-std::uint64_t ManagerImpl::residentSize() { return urOS::sysInfo().processResidentMemory() << 10; }
 
 // What the limit cannot give up without becoming 0, which means no limit, it owes until deletions pay it back.
 void ManagerImpl::allocatingExternal(unsigned bytes) {

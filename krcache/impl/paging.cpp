@@ -20,14 +20,15 @@ std::exception_ptr thrownBy(Work&& work) noexcept {
 
 }  // namespace
 
-void ManagerImpl::pageOut(Shim& shim) {
+/// `size`: what the resource takes now. Its chunk has the size that it had when it came.
+void ManagerImpl::pageOut(Shim& shim, unsigned size) {
     PageFileEntry* const chunk = pageFile_.allocate(shim.size_);
     if (!chunk) {
         reportLoss(shim,
                    pageFile_.openError().isError() ? pageFile_.openError() : urUtil::Error(0, "the file is full"));
-        return clearAllocated(shim, Cause::pageFailure);
+        return clearAllocated(shim, size, Cause::pageFailure);
     }
-    takeFromUsed(shim);
+    takeFromUsed(shim, size);
     shim.pageEntry_ = chunk;
 
     FileStream stream(pageFile_, *chunk, FileStream::Direction::write);

@@ -8,23 +8,21 @@
 namespace urKRCache {
 
 // Removals take no memory: they are on a stack of their own, which leads through the shims, so that a chain of
-// dependents of any length needs no more of the thread's.
+// dependents of any length needs no more of the thread's. What a hook removes is gone when the hook goes on; but where
+// hooks would nest without end, as do the destructors of keys in a long chain, it waits for the hook to return.
 void ManagerImpl::remove(Shim& shim) {
     Shim const* const below = removals_;
     push(shim);
-    run(below);
+    if (removalRuns_ < tuning_.nestedHooks) run(below);
 }
 
-// A reference that is dropped inside a removal asks for its own turn: it must not go deeper with each dependent.
-void ManagerImpl::removeUnreferenced(Shim& shim) {
-    push(shim);
-    if (removalRuns_ == 0) run(nullptr);
-}
-
+/// Begins a removal. From here on no look-up finds the shim.
 void ManagerImpl::push(Shim& shim) noexcept {
     if (!isAttached(shim)) return;
     shim.ref();
     shim.removal_ = Shim::Removal::clear;
+    KeyData::Memo& memo = shim.key_->memo_;
+    if (memo.shim == &shim) memo.owner = nullptr;
     shim.below_ = std::exchange(removals_, &shim);
 }
 
@@ -45,14 +43,26 @@ void ManagerImpl::shielded(Work&& work) noexcept {
     }
 }
 
-// A hook that runs here may begin other removals: they are on top then and end first. So do those of former relatives
-// that are let go of one at a time, since each may be the last that counts.
+/// Runs hooks for the shim on top of the stack. Of the removals that had to wait, those begun first go first.
+template <class Work>
+void ManagerImpl::callHooks(Shim& shim, Work&& work) noexcept {
+    shielded(work);
+    Shim* waiting = std::exchange(removals_, &shim);
+    while (waiting != &shim) {
+        Shim* const next = waiting->below_;
+        waiting->below_ = std::exchange(removals_, waiting);
+        waiting = next;
+    }
+}
+
+// Former relatives are let go of one at a time, since each may be the last that counts: its removal, on top then, ends
+// first.
 void ManagerImpl::step(Shim& shim) noexcept {
     using Removal = Shim::Removal;
     switch (shim.removal_) {
         case Removal::none: return;
         case Removal::clear:
-            shielded([&] { clearForRemoval(shim); });
+            callHooks(shim, [&] { clearForRemoval(shim); });
             shim.cutLinks();
             shim.removal_ = Removal::dependents;
             return;
@@ -61,7 +71,7 @@ void ManagerImpl::step(Shim& shim) noexcept {
             shim.removal_ = Removal::release;
             return;
         case Removal::release:
-            if (Shim* const relative = shim.takeFormerRelative()) return relative->unref();
+            if (Shim* const relative = shim.takeFormerRelative()) return letGo(*relative);
             shim.removal_ = Removal::finish;
             return;
         case Removal::finish: shim.removal_ = Removal::done; return finish(shim);
@@ -71,28 +81,45 @@ void ManagerImpl::step(Shim& shim) noexcept {
 
 void ManagerImpl::clearForRemoval(Shim& shim) {
     if (!shim.resource_) return;
-    ur::Reference<KeyData> const key = shim.key_;
+    unsigned const size = sizeForRemoval(shim);
+    if (!shim.resource_) return;
     if (shim.pageEntry_) {
         cleanUpPaging(shim);
     } else {
-        takeFromUsed(shim);
+        takeFromUsed(shim, size);
     }
     ur::Reference<Resource> resource = takeResource(shim, Cause::removal);
     bool const isHeldElsewhere = resource->referenceCount() > 1;
     if (isHeldElsewhere && shim.hasParents()) shim.relatives_->resource.swap(resource);
     resource.reset();
-    key->resourceCleared();
+    shim.key_->resourceCleared();
+}
+
+/// Where the resource does not tell, what it told when it came.
+unsigned ManagerImpl::sizeForRemoval(Shim const& shim) noexcept {
+    unsigned size = shim.size_;
+    if (shim.pageEntry_) return size;
+    ur::Reference<Resource> const resource = shim.resource_;
+    shielded([&] { size = resource->getSizeInBytes(); });
+    return size;
 }
 
 void ManagerImpl::finish(Shim& shim) noexcept {
-    ur::Reference<KeyData> const key = shim.key_;
-    ur::Reference<Shim> const held = takeFromTable(shim);
-    shielded([&] { key->keyRemoved(); });
+    table_.take(shim).reset();
+    callHooks(shim, [&] { shim.key_->keyRemoved(); });
     record(TraceRecorder::Event::remove, shim);
     if (shim.hot_) accountant_.cool(shim);
     shim.manager_ = nullptr;
-    shim.key_.reset();
-    shim.relatives_.reset();
+    callHooks(shim, [&] {
+        shim.relatives_.reset();
+        shim.key_.reset();
+    });
+}
+
+/// Gives up one reference. Where it is the last that counts, the removal waits on top of the stack.
+void ManagerImpl::letGo(Shim& relative) noexcept {
+    if (relative.strongCount_ - 1 == relative.weakCount_) push(relative);
+    relative.unref();
 }
 
 void ManagerImpl::removeReporting(Shim& shim) noexcept {

@@ -31,7 +31,7 @@ Statistics ManagerImpl::statistics() const {
     result.clearedByRemoval = cleared(Cause::removal);
     result.clearedByPageFailure = cleared(Cause::pageFailure);
     result.clearedByBuildFailure = cleared(Cause::buildFailure);
-    result.memoryUsed = used_;
+    result.memoryUsed = used_.total;
     std::unordered_map<ur::TypeInfo, ClassUsage> usages = usages_;
     table_.forEach([&](Shim const& shim) {
         if (!shim.isResourceAllocated()) return;

@@ -26,7 +26,8 @@ struct PlainCache {
         bool exists = false, isWeak = false, isSerializable = false, isHot = false, isRemoving = false;
         State state = State::absent;
         int locks = 0, builds = 0, held = 0, references = 0;
-        unsigned size = 0;
+        unsigned size = 0;   ///< as told last
+        unsigned bytes = 0;  ///< of the resource, now
         std::vector<int> children, parents;
     };
 
@@ -53,7 +54,7 @@ struct PlainCache {
             if (entry.locks == 0) lru.remove(key), lru.push_back(key);
         } else {
             makeSpace(entry.size);
-            unsigned const size = entry.state == State::paged ? entry.size : sizeOf(key, ++entry.builds);
+            unsigned const size = entry.state == State::paged ? entry.bytes : sizeOf(key, ++entry.builds);
             if (size == Key::none) return false;
             put(key, size);
         }
@@ -113,7 +114,7 @@ struct PlainCache {
             clear(head);
             unref(head);
         }
-        if (isOver()) say("Locked resources exceed memory limit by (%.02fMB)\n", used - limit), sayUsage();
+        if (isOver()) say("Locked resources exceed memory limit by (%.02fMB)\n", used + reserved - limit), sayUsage();
     }
     void setLimit(std::int64_t bytes) {
         say("Memory limit set to %.02fMB\n", bytes);
@@ -144,17 +145,17 @@ struct PlainCache {
 
     std::array<Entry, count> entries;
     std::list<int> lru;
-    std::int64_t used = 0, limit = 0, debt = 0, external = 0, locked = 0, maxLocked = 0, hot = 0, maxHot = 0,
-                 maxWorkingSet = 0;
+    std::int64_t used = 0, reserved = 0, limit = 0, debt = 0, external = 0, locked = 0, maxLocked = 0, hot = 0,
+                 maxHot = 0, maxWorkingSet = 0;
     bool inInteraction = false;
     std::string said;
 
 private:
-    [[nodiscard]] bool isOver() const { return limit > 0 && used > limit; }
+    [[nodiscard]] bool isOver() const { return limit > 0 && used + reserved > limit; }
     void makeSpace(std::int64_t bytes) {
-        used += bytes;
+        reserved = bytes;
         if (bytes > 0) enforce();
-        used -= bytes;
+        reserved = 0;
     }
     void put(int key, unsigned size) {
         Entry& entry = entries[key];
@@ -163,14 +164,14 @@ private:
         used += size;
         auto const difference = std::abs(std::int64_t{size} - entry.size);
         if (size > 524288 && difference >= 1024) say("Unanticipated %.02fMB resource!\n", size);
-        entry.size = size;
+        entry.size = entry.bytes = size;
         if (entry.locks > 0) addLocked(size);
         enforce();
     }
     void leave(int key) {
         Entry& entry = entries[key];
         entry.state = State::absent;
-        used -= entry.size;
+        used -= std::min<std::int64_t>(entry.bytes, used);
         if (entry.locks > 0) locked -= entry.size;
         if (entry.isHot && inInteraction) hot -= entry.size;
         entry.isHot = false;
@@ -191,11 +192,11 @@ private:
         say(what + " is %.02fMB", bytes), say(" (%.02f external)\n", external);
     }
     void sayUsage() {
-        say("\nTotal resource memory: %0.02f MB\n", used);
+        say("\nTotal resource memory: %0.02f MB\n", used + reserved);
         std::map<ur::TypeInfo, std::int64_t> bytes;
         for (int key = 0; key < count; ++key) {
             if (entries[key].state != State::memory) continue;
-            bytes[key % 2 ? ur::TypeInfo::of<ElsewhereKey>() : ur::TypeInfo::of<Key>()] += entries[key].size;
+            bytes[key % 2 ? ur::TypeInfo::of<ElsewhereKey>() : ur::TypeInfo::of<Key>()] += entries[key].bytes;
         }
         for (auto const& [type, sum] : bytes) say(std::string("Resource type ") + type.name() + ": %0.02f MB\n", sum);
     }
@@ -227,15 +228,16 @@ private:
         if (what == 2) return interaction();
         if (what == 3) return clearAll();
         if (what == 4) return model_.enforce(), manager.enforceMemoryLimit(draw_());
+        if (what == 5 && held_[key]) return resize(key);
         if (!held_[key]) return get(key);
         ur::Reference<Shim> const& shim = held_[key];
-        if (what == 5) return model_.entries[key].held = 0, model_.dropped(key), held_[key].reset();
+        if (what == 14) return model_.entries[key].held = 0, model_.dropped(key), held_[key].reset();
         if (what == 6) model_.remove(key), manager.removeResource(shim);
         if (what == 7) model_.entries[key].isSerializable = true, manager.setSerializable(shim);
         if (what == 8) model_.clear(key), manager.clearResource(shim);
         if (what == 9 || what == 10) model_.lock(key), manager.lockResource(shim);
         if (what >= 11 && what <= 13) model_.unlock(key), manager.unlockResource(shim);
-        if (what > 13) access(key);
+        if (what > 14) access(key);
         model_.dropped(key);  // the argument
     }
     void limit() {
@@ -275,9 +277,10 @@ private:
         auto const key = number % 2 ? ur::Reference<Key>(new ElsewhereKey(number)) : ur::make<Key>(number);
         key->hash = static_cast<unsigned>(number % 7) << 20;
         key->expected = PlainCache::expectedSize(number);
-        key->make = [key = key.get()] {
+        key->make = [this, key = key.get()] {
             unsigned const size = PlainCache::sizeOf(key->number, key->builds);
-            return ur::Reference<Resource>(size == Key::none ? nullptr : new Blob(size, payload(*key)));
+            Blob* const blob = size == Key::none ? nullptr : new Blob(size, payload(*key));
+            return blobs_[key->number] = blob, ur::Reference<Resource>(blob);
         };
         bool const isWeak = draw_() % 3 == 0;
         if (!model_.entries[number].exists) {
@@ -294,6 +297,10 @@ private:
         model_.entries[number].held = 1;
         held_[number] = cache_.manager.getShim(key, isWeak ? Shim::WeakCounted : Shim::Retained);
         key->onVisit = [](KeyVisitor& /*visitor*/) {};
+    }
+    void resize(int key) {
+        if (model_.entries[key].state == State::absent) return;
+        blobs_[key]->size = model_.entries[key].bytes = draw_() % 6000;
     }
     static std::string payload(Key const& key) {
         std::string text = std::to_string(key.number) + ":" + std::to_string(key.builds);
@@ -329,9 +336,10 @@ private:
 
     std::function<unsigned()> draw_;
     Messages messages_;
-    Cache cache_;
+    Cache cache_{{.tableSlots = 2, .pageExtension = 9000, .pageBlock = 5}};
     PlainCache model_;
     std::array<ur::Reference<Shim>, PlainCache::count> held_;
+    std::array<Blob*, PlainCache::count> blobs_;  ///< the last that each key has built
     std::vector<unsigned> externals_;
     std::string wrong_;
 };

@@ -12,6 +12,7 @@
 #include "foundation/urOS/OStream.h"
 #include "krcache/Manager.h"
 #include "krcache/debugChannel.h"
+#include "krcache/impl/Tuning.h"
 
 namespace urKRCache::test {
 
@@ -21,7 +22,7 @@ using Hook = std::function<void()>;
 struct Blob : Resource {
     explicit Blob(unsigned bytes, std::string text = "payload") : size(bytes), payload(std::move(text)) {}
 
-    unsigned onGetSizeInBytes() const override { return size; }
+    unsigned onGetSizeInBytes() const override { return onSize(), size; }
     void onSerialize(urOS::IOStream& stream) override {
         static_cast<void>(stream.write(payload.data(), payload.size()));
         length = payload.size();
@@ -39,7 +40,7 @@ struct Blob : Resource {
     unsigned size;
     std::string payload;
     std::size_t length = 0;
-    Hook onPage = [] {};
+    Hook onPage = [] {}, onSize = [] {};
 };
 
 /// Equal by number. Builds a blob of `size` bytes; what else it does is up to its hooks.
@@ -107,12 +108,14 @@ inline urString::IString nameOf(std::filesystem::path const& path) {
 
 /// A manager in a folder of its own.
 struct Cache {
+    explicit Cache(Tuning const& tuning = {}) : manager(nameOf(folder.path()), tuning) {}
+
     ur::Reference<Shim> shim(ur::Reference<Key> const& key) { return manager.getShim(key, Shim::Retained); }
     ur::Reference<Resource> access(ur::Reference<Shim> const& shim) { return manager.accessResource(shim); }
 
     ::test::TemporaryFolder const folder;
     std::filesystem::path const pageFile = folder / "urKRCachePageFile.dat";
-    Manager manager{nameOf(folder.path())};
+    Manager manager;
 };
 
 inline Key& keyOf(ur::Reference<Shim> const& shim) { return static_cast<Key&>(*shim->keyData()); }

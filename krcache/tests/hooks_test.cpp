@@ -54,6 +54,74 @@ TEST_F(HooksTest, ResourcesMayComeBackWhileTheyAreCleared) {
     EXPECT_LT(keyOf(a).builds + keyOf(b).builds + keyOf(c).builds, 40);
 }
 
+TEST_F(HooksTest, RoomIsMadeAtOnceForWhatHooksOfAnEvictionBuild) {
+    auto const expected = make<Key>(4);
+    expected->expected = 1000;
+    auto const d = shim(expected), e = shim(make<Key>(5));
+    for (auto const& shim : {a, b, c}) access(shim);
+    keyOf(d).onBuild = [&] { EXPECT_EQ(manager.getMemoryUsed(), 1000); };
+    keyOf(a).onCleared = [&] {
+        EXPECT_TRUE(access(d) && access(e) && d->isResourceAllocated());
+        EXPECT_EQ(manager.getMemoryUsed(), 2000);
+    };
+    manager.setMemoryLimit(2500);
+    EXPECT_TRUE(e->isResourceAllocated() && manager.statistics().clearedForLimit == 3);
+}
+
+TEST(NestedHooks, OfEvictionsAndRemovalsGoSoDeepAndNoDeeper) {
+    for (unsigned const deepest : {1U, 3U}) {
+        Cache cache({.nestedHooks = deepest});
+        std::vector<Reference<Shim>> shims;
+        unsigned depth = 0, reached = 0;
+        for (int number = 0; number < 40; ++number) {
+            auto const key = make<Key>(number);
+            key->expected = 1000;
+            key->onCleared = [&, number] {
+                reached = std::max(++depth, reached);
+                for (int const other : {number, 39 - number}) cache.access(shims[static_cast<std::size_t>(other)]);
+                cache.manager.enforceMemoryLimit(0);
+                --depth;
+            };
+            key->onRemoved = [&, number] {
+                reached = std::max(++depth, reached);
+                cache.manager.removeResource(shims[(number + 1) % 40]);
+                --depth;
+            };
+            shims.push_back(cache.shim(key));
+            cache.access(shims.back());
+        }
+        cache.manager.setMemoryLimit(1500);
+        EXPECT_EQ(reached, deepest);
+        EXPECT_LE(cache.manager.getMemoryUsed(), 1500);
+        EXPECT_EQ(cache.manager.audit(), "");
+        reached = 0;
+        cache.manager.removeResource(shims[0]);
+        EXPECT_TRUE(reached == deepest && cache.manager.numKeys() == 0);
+    }
+}
+
+TEST_F(HooksTest, AskingForTheSizeMayThrowOrTakeTheResourceAway) {
+    auto const add = [&](Reference<Shim> const& shim, Hook onSize) {
+        keyOf(shim).make = [onSize] {
+            auto const blob = make<Blob>(1000);
+            blob->onSize = [onSize, isFirst = true]() mutable { isFirst ? void(isFirst = false) : onSize(); };
+            return blob;
+        };
+        access(shim);
+    };
+    add(a, [] { throw std::runtime_error("no"); });
+    EXPECT_THROW(manager.clearResource(a), std::runtime_error);
+    EXPECT_TRUE(a->isResourceAllocated() && manager.audit() == "");
+    EXPECT_THROW(manager.removeResource(a), std::runtime_error);
+    EXPECT_TRUE(!a->manager() && manager.getMemoryUsed() == 0);
+    add(b, [&] { manager.lockResource(b); });
+    manager.clearResource(b);
+    EXPECT_TRUE(b->isResourceAllocated());
+    add(c, [&] { c->isResourceAllocated() && c->manager() ? manager.removeResource(c) : void(); });
+    manager.clearResource(c);
+    EXPECT_EQ(manager.numKeys(), 1);
+}
+
 /// Every hook of every key and resource does something drawn at random with the cache, and hooks of that do too.
 struct Meddlers {
     explicit Meddlers(unsigned seed) : random(seed) {}
@@ -92,7 +160,7 @@ struct Meddlers {
         key->onBuild = key->onInitialize = key->onCleared = key->onRemoved = key->onComparing = hook;
         key->make = [this, hook] {
             auto const blob = make<Blob>(draw(2000));
-            blob->onPage = hook;
+            blob->onPage = blob->onSize = hook;
             return blob;
         };
         for (unsigned left = draw(3); left > 0; --left) key->sources.push_back(any());

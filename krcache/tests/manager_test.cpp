@@ -108,6 +108,33 @@ TEST_F(ManagerTest, ResidentSizeModeBoundsTheWholeProcess) {
     EXPECT_NE(access(a), nullptr);
 }
 
+std::uint64_t resident;
+int samples;
+
+TEST(ResidentSize, IsSampledNowAndThenAndLessThanResourcesClaim) {
+    Cache cache({.sampleInterval = 100, .residentSize = [] { return ++samples, resident; }});
+    struct Elsewhere : Key {
+        using Key::Key;
+        bool isResidential() const override { return false; }
+    };
+    auto const elsewhere = cache.shim(Reference<Key>(new Elsewhere(1, 3000))),
+               claims = cache.shim(make<Key>(2, 10'000));
+    resident = 1000;
+    cache.manager.setUseResidentSize();
+    cache.manager.setMemoryLimit(5000);
+    cache.access(elsewhere), cache.access(claims);
+    EXPECT_TRUE(elsewhere->isResourceAllocated() && claims->isResourceAllocated());
+    EXPECT_EQ(samples, 3);
+    resident = 2500;
+    for (int request = 1; request < 11; ++request) cache.manager.enforceMemoryLimit(0);
+    EXPECT_TRUE(elsewhere->isResourceAllocated() && samples == 3);
+    cache.manager.enforceMemoryLimit(0);
+    EXPECT_TRUE(!elsewhere->isResourceAllocated() && claims->isResourceAllocated() && samples == 4);
+    cache.manager.clear();
+    resident = 1500, cache.access(elsewhere), cache.access(claims);  // room for the claim takes none from others
+    EXPECT_TRUE(elsewhere->isResourceAllocated() && claims->isResourceAllocated());
+}
+
 TEST(CacheManagerFunction, MissingIsALogicError) {
     Cache cache;
     static Manager* known = &cache.manager;

@@ -11,6 +11,7 @@
 
 #include <fstream>
 #include <random>
+#include <stdexcept>
 
 #include "krcache/impl/FileStream.h"
 #include "krcache/tests/TestKeys.h"
@@ -38,7 +39,7 @@ struct PageFileTest : testing::Test {
     }
 
     ::test::TemporaryFolder const folder;
-    PageFile file{nameOf(folder / "page")};
+    PageFile file{nameOf(folder / "page"), megabyte, 65536};
 };
 
 TEST_F(PageFileTest, CutsTheSmallestChunkThatFitsAndJoinsWhatIsFree) {
@@ -56,14 +57,19 @@ TEST_F(PageFileTest, CutsTheSmallestChunkThatFitsAndJoinsWhatIsFree) {
     EXPECT_THAT(chunks(4), ElementsAre(-100, 1, 400, -100, 1, -1000, 1, -3144125));
     file.release(middle);
     EXPECT_THAT(chunks(3), ElementsAre(-100, 1, -500, 1, -1000, 1, -3144125));
+    PageFileEntry* const exact = file.allocate(500);
+    EXPECT_THAT(chunks(4), ElementsAre(-100, 1, 500, 1, -1000, 1, -3144125));
+    file.release(file.allocate(0)), file.release(exact);
 }
 
-TEST_F(PageFileTest, StreamsKeepToTheirChunksInPiecesOfAnySizeAndAtAnyOffset) {
+TEST(PageFileStreams, KeepToTheirChunksInPiecesOfAnySizeAndAtAnyOffset) {
+    ::test::TemporaryFolder const folder;
     std::mt19937 random(3);
     std::string content(300'001, '\0'), back(300'100, '\0');
     for (char& byte : content) byte = static_cast<char>(random());
-    file.allocate(5'000'000'000);
-    for (std::size_t const most : {7UL, 70'000UL, 400'000UL}) {
+    for (auto const& [blockSize, most] : {std::pair(65536UL, 7UL), {65536, 70'000}, {65536, 400'000}, {5, 12}}) {
+        PageFile file(nameOf(folder / "page"), megabyte, blockSize);
+        file.allocate(5'000'000'000);
         PageFileEntry* const chunk = file.allocate(content.size());
         FileStream out(file, *chunk, FileStream::Direction::write), in(file, *chunk, FileStream::Direction::read);
         for (std::size_t done = 0, part = 0; done < content.size(); done += part) {
@@ -98,6 +104,20 @@ struct PagingTest : testing::Test, Cache {
     Messages messages;
 };
 
+TEST_F(PageFileTest, OnlyWhatIsReadIsChecked) {
+    PageFile small(nameOf(folder / "small"), 10, 4);
+    PageFileEntry* const chunk = small.allocate(10);
+    FileStream out(small, *chunk, FileStream::Direction::write);
+    static_cast<void>(out.write("0123456789", 10)), out.finish();
+    std::fstream(folder / "small", std::ios::in | std::ios::out).seekp(5).put('!');
+    for (auto const& [step, isWhole] : {std::pair(4UL, true), {1, true}, {5, false}}) {
+        FileStream in(small, *chunk, FileStream::Direction::read);
+        char back[10];
+        for (std::size_t done = 0; done < (isWhole ? 4 : 10); done += step) static_cast<void>(in.read(back, step));
+        EXPECT_EQ(in.failed(), !isWhole);
+    }
+}
+
 TEST_F(PagingTest, PayloadsComeBackAndAreInitialisedAgain) {
     auto const a = serializable(1, "first"), greedy = serializable(2, "much more", 3);
     int initialised = 0, cleared = 0;
@@ -112,6 +132,29 @@ TEST_F(PagingTest, PayloadsComeBackAndAreInitialisedAgain) {
     EXPECT_TRUE(initialised == 1 && cleared == 0 && keyOf(a).builds == 1);
     manager.clearResource(a), manager.lockResource(a), manager.removeResource(a);
     EXPECT_EQ(cleared, 1);
+}
+
+TEST_F(PagingTest, WhatAResourceThrowsReachesTheCallerAndLosesThePayload) {
+    auto const a = serializable(1, "first");
+    auto const setHook = [&](Hook hook) { static_cast<Blob&>(*access(a)).onPage = std::move(hook); };
+    setHook([] { throw std::runtime_error("no"); });
+    EXPECT_THROW(manager.clearResource(a), std::runtime_error);
+    EXPECT_TRUE(!a->isResourceSerialized() && !a->isResourceAllocated() && payload(a) == "first");
+    setHook([isFirst = true]() mutable { isFirst ? void(isFirst = false) : throw std::runtime_error("no"); });
+    manager.clearResource(a);
+    EXPECT_TRUE(a->isResourceSerialized());
+    EXPECT_THROW(access(a), std::runtime_error);
+    EXPECT_EQ(manager.audit(), "");
+    EXPECT_TRUE(payload(a) == "first" && keyOf(a).builds == 3);
+    EXPECT_EQ(messages.take(), "");
+}
+
+TEST_F(PagingTest, AResourceThatHasGrownIsDropped) {
+    auto const a = serializable(1, "12345", 5);
+    static_cast<Blob&>(*access(a)).payload = "123456", static_cast<Blob&>(*access(a)).size = 6;
+    manager.clearResource(a);
+    EXPECT_THAT(messages.take(), HasSubstr("instead of paging it: the resource writes more than its size"));
+    EXPECT_TRUE(!a->isResourceAllocated() && payload(a) == "12345");
 }
 
 // Where other programs can harm an open file, and files have limits.

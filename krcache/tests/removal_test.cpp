@@ -31,6 +31,18 @@ struct RemovalTest : testing::Test {
         return shim;
     }
 
+    /// A shim that is removed, together with its only dependent, when the client gives it up.
+    Reference<Shim> addLoose(int number, std::vector<Reference<Shim>> held = {}) {
+        auto const key = make<Key>(number), dependent = make<Key>(-number);
+        key->onRemoved = [this, number] { log += " r" + std::to_string(number); };
+        key->make = [held] { return make<Blob>(10); };
+        if (number > 9) key->hash = dependent->hash = static_cast<unsigned>(number);
+        auto shim = manager->getShim(key, Shim::WeakCounted);
+        dependent->onVisit = [&](KeyVisitor& visitor) { visitor.visit(shim.get()); };
+        cache->shim(dependent), dependent->onVisit = [](KeyVisitor& /*visitor*/) {};
+        return shim;
+    }
+
     std::string log;
     std::unique_ptr<Cache> cache = std::make_unique<Cache>();
     Manager* manager = &cache->manager;
@@ -46,6 +58,38 @@ TEST_F(RemovalTest, TakesAllThatIsBuiltFromTheSourceAndKeepsWhatItIsBuiltFrom) {
     manager->lockResource(top), manager->unlockResource(source), manager->clearResource(top);
     manager->removeResource(top);
     EXPECT_TRUE(!top->manager() && !top->keyData() && !cache->access(top) && !top->isResourceLocked());
+}
+
+TEST_F(RemovalTest, WhatAHookGivesUpIsGoneWhenTheHookGoesOnAndIsNeverFoundAgain) {
+    for (unsigned const deepest : {16U, 1U}) {
+        cache = std::make_unique<Cache>(Tuning{.nestedHooks = deepest}), manager = &cache->manager, log.clear();
+        auto const outer = add(1);
+        auto loose = addLoose(2);
+        auto const key = loose->keyData();
+        Shim const* const former = loose.get();
+        Reference<Shim> again;
+        keyOf(outer).onRemoved = [&] {
+            loose.reset();
+            EXPECT_EQ(log, deepest == 1 ? " d1" : " d1 r2");
+            EXPECT_EQ(manager->findShim(make<Key>(2)), nullptr);
+            again = manager->getShim(key, Shim::Retained);
+            EXPECT_TRUE(again != former && cache->access(again));
+        };
+        keyOf(outer).onCleared = [&] { EXPECT_NE(cache->shim(make<Key>(1)), outer); };
+        manager->removeResource(outer);
+        EXPECT_TRUE(cache->access(again) && manager->findShim(key) == again && manager->numKeys() == 2);
+        EXPECT_EQ(manager->audit(), "");
+    }
+}
+
+TEST_F(RemovalTest, WhatOneKeyHoldsGoesInOrderEachWithWhatItHoldsItself) {
+    for (unsigned const deepest : {16U, 2U, 1U}) {
+        cache = std::make_unique<Cache>(Tuning{.nestedHooks = deepest}), manager = &cache->manager, log.clear();
+        auto outer = addLoose(1, {addLoose(2, {addLoose(3), addLoose(4)}), addLoose(5), addLoose(6, {addLoose(7)})});
+        outer.reset();
+        EXPECT_EQ(log, " r1 r2 r3 r4 r5 r6 r7") << deepest;
+        EXPECT_EQ(manager->numKeys(), 0);
+    }
 }
 
 TEST_F(RemovalTest, DestroyingTheManagerRemovesDependentsFirst) {
@@ -103,6 +147,11 @@ TEST_F(RemovalTest, AChainOfAHundredThousandNeedsNoStack) {
         EXPECT_EQ(manager->numKeys(), 0);
         build(Shim::WeakCounted);
         EXPECT_EQ(manager->audit(), "");
+        int const others = manager->numKeys();
+        Reference<Shim> last;
+        for (int number = 200'000; number < 230'000; ++number) last = addLoose(number, {std::move(last)});
+        last.reset();  // each key's destructor gives up the next shim
+        EXPECT_EQ(manager->numKeys(), others);
         cache.reset();
     };
     ::test::onSmallStack(work, 256 * 1024);

@@ -1,6 +1,9 @@
 // What the cache tells about itself: counts, dependencies, traces, and observers.
 #include <gmock/gmock.h>
 
+#include <chrono>
+#include <thread>
+
 #include "krcache/ManagerObserver.h"
 #include "krcache/TraceRecorder.h"
 #include "krcache/tests/TestKeys.h"
@@ -34,15 +37,23 @@ TEST_F(TellingTest, StatisticsCountWhatHappenedAndTracesKeepIt) {
     manager.removeResource(b);
     manager.setTraceRecorder(nullptr);
     access(patch);
+    manager.setSerializable(a);
+    keyOf(a).size = Key::none, access(a);
+    keyOf(a).size = 3, access(a), manager.clearResource(a);
+    keyOf(a).onInitialize = [] { throw 1; };
+    EXPECT_THROW(access(a), int);
 
-    Statistics const counts = manager.statistics();
-    EXPECT_TRUE(counts.hits == 2 && counts.builds == 4 && counts.pagesOut == 1 && counts.pagesInBytes == 7);
-    EXPECT_TRUE(counts.clearedForLimit == 1 && counts.clearedOnRequest == 1 && counts.clearedByRemoval == 1);
-    EXPECT_TRUE(counts.memoryUsed == 70 && counts.peakMemoryUsed == 1570 && counts.classes.size() == 2);
-    for (ClassUsage const& usage : counts.classes) {
+    Statistics const s = manager.statistics();
+    EXPECT_THAT((std::vector{s.hits, s.builds, s.buildsWithout, s.clearedForLimit, s.clearedOnRequest,
+                             s.clearedByRemoval, s.clearedByPageFailure, s.clearedByBuildFailure}),
+                testing::ElementsAre(2, 6, 1, 1, 1, 1, 1, 1));
+    EXPECT_THAT((std::vector{s.pagesOut, s.pagesOutBytes, s.pagesIn, s.pagesInBytes, s.memoryUsed, s.peakMemoryUsed}),
+                testing::ElementsAre(1, 7, 1, 7, 70, 1570));
+    ASSERT_EQ(s.classes.size(), 2);
+    for (ClassUsage const& usage : s.classes) {
         bool const isPatch = usage.keyClass == ur::TypeInfo::of<PatchKey>();
         EXPECT_TRUE(usage.resources == (isPatch ? 1 : 0) && usage.bytes == (isPatch ? 70 : 0));
-        EXPECT_TRUE(usage.builds == (isPatch ? 1 : 3) && usage.buildSeconds >= 0);
+        EXPECT_TRUE(usage.builds == (isPatch ? 1 : 6) && usage.buildSeconds >= 0);
     }
 
     EXPECT_THAT(
@@ -61,6 +72,17 @@ TEST_F(TellingTest, StatisticsCountWhatHappenedAndTracesKeepIt) {
         static_cast<void>(memory.open(urOS::openRead));
         EXPECT_TRUE(copy.read(memory).isError() && copy.entries() == recorder.entries()) << text;
     }
+}
+
+TEST(BuildTimes, OfSomeBuildsStandForAll) {
+    Cache cache({.timedBuilds = 1, .buildsPerSample = 2});
+    auto const shim = cache.shim(make<Key>(1));
+    for (int build = 0; build < 3; ++build) {
+        if (build == 2) keyOf(shim).onBuild = [] { std::this_thread::sleep_for(std::chrono::milliseconds(3)); };
+        cache.access(shim), cache.manager.clear();
+    }
+    ASSERT_EQ(cache.manager.statistics().classes.size(), 1);
+    EXPECT_GE(cache.manager.statistics().classes[0].buildSeconds, 0.006);
 }
 
 TEST_F(TellingTest, DependenciesAsTextAndAsAGraph) {
