@@ -44,7 +44,7 @@ struct Values : Resource {
 // [resource]
 
 // [file]
-/// The bytes of a file.
+/// The bytes of a file; null if it is not a picture.
 struct FileKey : KeyData {
     explicit FileKey(std::string where) : path(std::move(where)) {}
 
@@ -55,7 +55,8 @@ struct FileKey : KeyData {
     Reference<Resource> onCreateResource() const override {
         std::ifstream file(path, std::ios::binary);
         using Bytes = std::istreambuf_iterator<char>;
-        return ur::make<Values<char>>(std::vector<char>(Bytes(file), Bytes()));
+        std::vector<char> bytes{Bytes(file), Bytes()};
+        return bytes.size() == width * height ? ur::make<Values<char>>(std::move(bytes)) : nullptr;
     }
 
     std::string path;
@@ -76,10 +77,11 @@ struct DerivedKey : KeyData {
         return getTypeHash() ^ static_cast<unsigned>(std::hash<Shim const*>()(source.get()));
     }
 
+    /// For as long as `held` has the source. Null when there is none: then nothing can be built, either.
     template <class T>
-    std::vector<T> const& sourceValues(Reference<Resource>& held) const {
+    std::vector<T> const* sourceValues(Reference<Resource>& held) const {
         held = getKeyResourceManager().accessResource(source);
-        return static_cast<Values<T>&>(*held).values;
+        return held ? &static_cast<Values<T>&>(*held).values : nullptr;
     }
 
     Reference<Shim> source;
@@ -90,9 +92,10 @@ struct PictureKey : DerivedKey {
     using DerivedKey::DerivedKey;
     Reference<Resource> onCreateResource() const override {
         Reference<Resource> held;
+        std::vector<char> const* const bytes = sourceValues<char>(held);
+        if (!bytes) return {};
         std::vector<float> pixels;
-        for (char const byte : sourceValues<char>(held))
-            pixels.push_back(static_cast<float>(static_cast<unsigned char>(byte)) / 255.0F);
+        for (char const byte : *bytes) pixels.push_back(static_cast<float>(static_cast<unsigned char>(byte)) / 255.0F);
         return ur::make<Values<float>>(std::move(pixels));
     }
 };
@@ -105,12 +108,13 @@ struct ThumbnailKey : DerivedKey {
     unsigned getPredeterminedSize() const override { return width / scale * (height / scale); }
     Reference<Resource> onCreateResource() const override {
         Reference<Resource> held;
-        std::vector<float> const& pixels = sourceValues<float>(held);
+        std::vector<float> const* const pixels = sourceValues<float>(held);
+        if (!pixels) return {};
         std::vector<unsigned char> small;
         for (unsigned y = 0; y < height; y += scale) {
             for (unsigned x = 0; x < width; x += scale) {
                 float sum = 0;
-                for (unsigned i = 0; i < scale * scale; ++i) sum += pixels[(y + i / scale) * width + x + i % scale];
+                for (unsigned i = 0; i < scale * scale; ++i) sum += (*pixels)[(y + i / scale) * width + x + i % scale];
                 small.push_back(static_cast<unsigned char>(sum / (scale * scale) * 255));
             }
         }
@@ -137,18 +141,23 @@ Reference<Shim> thumbnailOf(std::string const& path) {
 // [draw]
 void draw(Reference<Shim> const& thumbnail) {
     Manager& cache = getKeyResourceManager();
-    auto const resource = cache.accessResource(thumbnail);
     cache.lockResource(thumbnail);
-    auto const& pixels = static_cast<Values<unsigned char>&>(*resource).values;
-    std::printf("%zu pixels, the last is %d\n", pixels.size(), pixels.back());
+    if (auto const resource = cache.accessResource(thumbnail)) {
+        auto const& pixels = static_cast<Values<unsigned char>&>(*resource).values;
+        std::printf("%zu pixels, the last is %d\n", pixels.size(), pixels.back());
+    } else {
+        std::puts("no thumbnail");
+    }
     cache.unlockResource(thumbnail);
 }
 // [draw]
 
 Manager* theCache = nullptr;
 
-int main() {
+/// The first argument is the limit of the cache in bytes.
+int main(int argc, char** argv) {
     std::setbuf(stdout, nullptr);
+    unsigned const limit = argc > 1 ? static_cast<unsigned>(std::strtoul(argv[1], nullptr, 10)) : 3 * 1048576;
     std::string name = (std::filesystem::temp_directory_path() / "thumbnailsXXXXXX").string();
     std::filesystem::path const folder = ::mkdtemp(name.data());
     std::vector<std::string> paths;
@@ -162,7 +171,7 @@ int main() {
         theCache = &cache;
         urKRCache::setCacheManagerFunc([] { return theCache; });
         urKRCache::debugChannel().enable();
-        cache.setMemoryLimit(3 * 1048576);
+        cache.setMemoryLimit(limit);
         // [host]
 
         std::puts("--- three thumbnails");
