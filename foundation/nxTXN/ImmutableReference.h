@@ -18,7 +18,7 @@ template <class T>
 class ImmutableReference final : public RefCountedObject {
 public:
     ImmutableReference(Manager& manager, ur::Reference<T> value)
-        : RefCountedObject(manager), value_(std::move(value)) {}
+        : RefCountedObject(manager, Role::value), value_(std::move(value)) {}
 
     [[nodiscard]] ur::Reference<T> const& value() const noexcept { return value_; }
 

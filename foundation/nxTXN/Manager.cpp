@@ -10,7 +10,8 @@ urString::CString const noName;
 
 }  // namespace
 
-Manager::Manager() : core_(std::make_unique<impl::Core>(*this)) {}
+Manager::Manager() : Manager(impl::Sizes{}) {}
+Manager::Manager(impl::Sizes const& sizes) : core_(std::make_unique<impl::Core>(*this, sizes)) {}
 Manager::~Manager() = default;
 
 void Manager::begin(urString::CString const& name, TransactionKind kind) { core_->begin(name, kind, nullptr); }

@@ -14,7 +14,8 @@ class Object;
 
 namespace impl {
 class Core;
-}
+struct Sizes;
+}  // namespace impl
 
 /// What becomes of the changes made in a transaction. The values are those of the contexts' transaction types, of which
 /// the undecided one is no kind: no transaction is begun for it.
@@ -36,6 +37,8 @@ enum class TransactionKind {
 class NX_API Manager {
 public:
     Manager();
+    /// With other sizes of the blocks in which it takes memory, for tests.
+    explicit Manager(impl::Sizes const& sizes);
     Manager(Manager const&) = delete;
     Manager& operator=(Manager const&) = delete;
     /// Lets go of the history, then takes apart and deletes all objects that the manager owns.

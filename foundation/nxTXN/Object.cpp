@@ -8,7 +8,8 @@ namespace nxTXN {
 
 Object::Object(Manager& manager) : Object(manager, Counting::none) {}
 Object::Object(Manager& manager, Counting counting)
-    : core_(manager.core_.get()), index_(core_->enter(*this, counting == Counting::references)) {}
+    : core_(manager.core_.get()),
+      index_(core_->enter(*this, counting != Counting::none, counting != Counting::referencesOfValue)) {}
 
 Object::~Object() {
     if (core_) core_->lifetimes().leave(*this);
@@ -41,11 +42,7 @@ void RefCountedObject::onTxnGetSize(ObjectSize& size) const {
 // References to const objects count as well, and the last of them may be what keeps the object.
 void RefCountedObject::lastReferenceGone() const noexcept {
     auto& self = const_cast<RefCountedObject&>(*this);
-    if (core_) {
-        core_->lifetimes().lastReferenceGone(self);
-    } else {
-        self.txnDelete();
-    }
+    core_ ? core_->lifetimes().lastReferenceGone(self) : impl::Lifetimes::removeOrphan(self);
 }
 
 Serializer::~Serializer() = default;

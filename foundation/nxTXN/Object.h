@@ -74,12 +74,12 @@ private:
     friend class impl::Core;
     friend class impl::Lifetimes;
     friend class RefCountedObject;
-    enum class Counting : bool { none, references };
+    enum class Counting : std::uint8_t { none, references, referencesOfValue };
 
     Object(Manager& manager, Counting counting);
 
     impl::Core* core_;         // null once the manager has gone
-    std::uint32_t index_ = 0;  // the object's place among those of its manager
+    std::uint32_t index_ = 0;  // the object's place among those of its manager; after that, the records that need it
 };
 
 }  // namespace nxTXN

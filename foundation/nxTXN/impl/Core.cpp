@@ -2,6 +2,7 @@
 #include "foundation/nxTXN/impl/Core.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 #include "foundation/nxTXN/impl/diagnostics.h"
@@ -20,9 +21,10 @@ Core::~Core() {
     for (Core* other : acquaintances_) std::erase(other->acquaintances_, this);
 }
 
-std::uint32_t Core::enter(Object& object, bool counted) {
+std::uint32_t Core::enter(Object& object, bool counted, bool makingIsChange) {
     if (lifetimes_.roster().worthCompacting() && !busy_ && !lifetimes_.busy()) compact();
-    return lifetimes_.enter(object, counted, !levels_.empty() && levels_.back().keeps && !busy_);
+    bool const recorded = !levels_.empty() && levels_.back().keeps && !busy_;
+    return lifetimes_.enter(object, counted, makingIsChange && recorded);
 }
 
 void Core::compact() {
@@ -34,9 +36,11 @@ void Core::compact() {
     lifetimes_.compact(bounds);
 }
 
-void Core::pinForeign(Object& object) {
+void Core::refuseRecord() { throw std::length_error("the fields of an object are too large for a record"); }
+
+bool Core::pinForeign(Object& object) {
     if (object.core_) meet(*object.core_);
-    Lifetimes::pin(object);
+    return Lifetimes::pin(object);
 }
 
 void Core::meet(Core& other) {
@@ -44,6 +48,16 @@ void Core::meet(Core& other) {
     other.acquaintances_.reserve(other.acquaintances_.size() + 1);
     acquaintances_.push_back(&other);
     other.acquaintances_.push_back(this);
+    if (lifetimes_.restoring()) other.lifetimes_.setRestoring(true);
+}
+
+bool Core::nearIsBusy() const noexcept {
+    return std::any_of(acquaintances_.begin(), acquaintances_.end(), [](Core const* other) { return other->busy_; });
+}
+
+void Core::setRestoring(bool restoring) noexcept {
+    lifetimes_.setRestoring(restoring);
+    for (Core* other : acquaintances_) other->lifetimes_.setRestoring(restoring);
 }
 
 void Core::forgetEverywhere(Object const& object) noexcept {
@@ -95,6 +109,7 @@ void Core::begin(urString::CString const& name, TransactionKind kind, void const
     bool const keeps = (kind == TransactionKind::recorded || kind == TransactionKind::transient) && !busy_;
     ur::Reference<SharedName> stepName;
     if (keeps && kind == TransactionKind::recorded && levels_.empty()) {
+        lifetimes_.forgetDropped();
         steps_.makeRoom();
         stepName = shared(name);
     }
@@ -113,7 +128,7 @@ bool Core::commit() {
     if (!level.keeps) return true;
     bool const recorded = level.kind == TransactionKind::recorded;
     if (recorded && levels_.empty()) {
-        if (changedAnything(level)) addStep(level);
+        changedAnything(level) ? addStep(level) : drop(level);
     } else if (recorded && levels_.back().keeps) {
         Lifetimes::Deferral const deferral(lifetimes_);
         levels_.back().records += merge(level, levels_.back().stamp);
@@ -151,8 +166,31 @@ void Core::restoreStamps(Level const& level) {
     });
 }
 
+// Whoever records is about to change, and looking costs time: what is recorded is compared only where a step that
+// changes nothing would do harm or is likely.
 bool Core::changedAnything(Level const& level) noexcept {
-    return level.records > 0 || lifetimes_.anyBorn(level.birthsBegin);
+    Lifetimes::Made const made = lifetimes_.made(level.birthsBegin);
+    if (made == Lifetimes::Made::lasting) return true;
+    if (level.records == 0) return false;
+    if (redoCount() == 0 && made == Lifetimes::Made::nothing && !lifetimes_.droppedUnborn()) return true;
+    Busy const busy(*this);
+    bool const changed = records_.any(level.begin, level.records, [&](Record& r) { return isDifferent(r, level); });
+    writer_.clear();
+    return changed;
+}
+
+// What was made and has gone again does not count, since undo would bring back nothing of it.
+bool Core::isDifferent(Record& record, Level const& level) noexcept {
+    if (!record.subject) return false;
+    if (lifetimes_.isPassing(*record.subject, level.birthsBegin)) return false;
+    try {
+        writer_.clear();
+        save(*record.subject);
+    } catch (...) {
+        return true;  // the record shows it if it matters
+    }
+    Content const before = record.content();
+    return !std::ranges::equal(before.data, writer_.data()) || !std::ranges::equal(before.words, writer_.words());
 }
 
 void Core::addStep(Level& level) {

@@ -9,6 +9,7 @@
 #include "foundation/nxTXN/Serializer.h"
 #include "foundation/nxTXN/impl/Lifetimes.h"
 #include "foundation/nxTXN/impl/RecordStore.h"
+#include "foundation/nxTXN/impl/Sizes.h"
 #include "foundation/nxTXN/impl/Steps.h"
 #include "foundation/nxTXN/impl/passes.h"
 #include "foundation/ur/Reference.h"
@@ -35,20 +36,30 @@ struct Level {
 /// memory.
 class Core {
 public:
-    Core(Manager& manager) : manager_(manager) {}
+    Core(Manager& manager, Sizes const& sizes) noexcept
+        : manager_(manager), sizes_(sizes), lifetimes_(sizes.mostPins), records_(*this, sizes), steps_(sizes) {}
     Core(Core const&) = delete;
     Core& operator=(Core const&) = delete;
     ~Core();
 
     [[nodiscard]] Manager& manager() noexcept { return manager_; }
     [[nodiscard]] Lifetimes& lifetimes() noexcept { return lifetimes_; }
+    /// Throws when the fields of an object are too large for a record.
+    void expectStorable(std::size_t dataBytes, std::size_t words) const {
+        if (Content::bytes(dataBytes, words) > sizes_.mostRecordBytes) refuseRecord();
+    }
 
-    std::uint32_t enter(Object& object, bool counted);
+    std::uint32_t enter(Object& object, bool counted, bool makingIsChange);
     void transact(Object& object);
     /// Takes the object out of all records that may name it.
     static void forgetEverywhere(Object const& object) noexcept;
-    /// A record of this manager keeps the object, which may be another manager's: then it may throw, and does not.
-    void pin(Object& object) { object.core_ == this ? lifetimes_.addPin(object) : pinForeign(object); }
+    /// A record of this manager keeps the object, which may be another manager's. Throws, and does not, for want of
+    /// memory. False when nothing can keep it.
+    [[nodiscard]] bool pin(Object& object) {
+        if (object.core_ != this) return pinForeign(object);
+        lifetimes_.addPin(object);
+        return true;
+    }
     /// Has the object read its fields.
     void putBack(Object& object, Content const& content) {
         RestoringPass pass(content.reader());
@@ -62,7 +73,9 @@ public:
 
     bool undo() { return undoCount() > 0 && replay(present_ - 1, Lifetimes::Birth::undone); }
     bool redo() { return redoCount() > 0 && replay(present_, Lifetimes::Birth::done); }
-    [[nodiscard]] bool ready() const noexcept { return levels_.empty() && !busy_ && !lifetimes_.busy(); }
+    [[nodiscard]] bool ready() const noexcept {
+        return levels_.empty() && !busy_ && !lifetimes_.busy() && (acquaintances_.empty() || !nearIsBusy());
+    }
     [[nodiscard]] std::size_t undoCount() const noexcept { return present_; }
     [[nodiscard]] std::size_t redoCount() const noexcept { return steps_.size() - present_; }
     /// Requires: there are more steps than that.
@@ -90,6 +103,19 @@ private:
         bool before_;
     };
 
+    /// While one lives, fields are being put back: objects, also those of acquaintances, come and go without being
+    /// destroyed.
+    class Restoring {
+    public:
+        explicit Restoring(Core& core) noexcept : core_(core) { core_.setRestoring(true); }
+        Restoring(Restoring const&) = delete;
+        Restoring& operator=(Restoring const&) = delete;
+        ~Restoring() { core_.setRestoring(false); }
+
+    private:
+        Core& core_;
+    };
+
     /// A record on its way back into its object, and where in the writer lies what the object is now.
     struct Restoration {
         Record* record;
@@ -101,8 +127,12 @@ private:
         std::byte* elsewhere;  // room for it, if it does not fit into the record
     };
 
-    void pinForeign(Object& object);
+    [[noreturn]] static void refuseRecord();
+    [[nodiscard]] bool pinForeign(Object& object);
     void meet(Core& other);
+    void setRestoring(bool restoring) noexcept;
+    void settle(Failures& failures) noexcept;
+    [[nodiscard]] Core* borrowed(Lifetimes::Settling stage) const noexcept;
     [[nodiscard]] ur::Reference<SharedName> shared(urString::CString const& name) const;
     void compact();
     void record(Object& object, Entry const& entry);
@@ -117,6 +147,8 @@ private:
 
     [[nodiscard]] bool mayEnd() const noexcept;
     [[nodiscard]] bool changedAnything(Level const& level) noexcept;
+    [[nodiscard]] bool isDifferent(Record& record, Level const& level) noexcept;
+    [[nodiscard]] bool nearIsBusy() const noexcept;
     void addStep(Level& level);
     void discardUndone();
     void discardOldest();
@@ -134,7 +166,7 @@ private:
     void turnPlain(Record& record, Failures& failures);
     void swap(Record& record, Serializer& pass);
     void visitRestoring(Object& object, Serializer& pass) {
-        Lifetimes::Restoring const restoring(lifetimes_);
+        Restoring const restoring(*this);
         object.onTransact(pass);
     }
     [[nodiscard]] Record* onlyPlainRecord(Step const& step) noexcept;
@@ -156,8 +188,9 @@ private:
     void takeBack(Level const& level, Failures& failures) noexcept;
 
     Manager& manager_;
+    Sizes const sizes_;
     Lifetimes lifetimes_;
-    RecordStore records_{*this};
+    RecordStore records_;
     Steps steps_;
     std::size_t present_ = 0;                       // the steps before it are done
     ur::vector<Level> levels_;                      // innermost last
@@ -165,6 +198,7 @@ private:
     ur::vector<Restoration> work_;                  // of the replay under way; has room for aborting what is open
     ur::vector<RecordStore::Elsewhere> elsewhere_;  // owns the room that it asked for
     ur::vector<Core*> acquaintances_;               // managers whose records and objects are mixed with ours
+    Core* settledBy_ = nullptr;                     // the one among them whose undo, redo or abort settles our objects
     std::uint32_t stamp_ = 0;                       // of the newest transaction
     void const* coalesceKey_ = nullptr;             // of the newest step
     bool sealed_ = false;                           // the newest step takes no more

@@ -22,6 +22,9 @@ void runReporting(char const* name, Hook&& hook) noexcept {
     }
 }
 
+// An object without a manager counts the records that need it in place of its index, if it is one that counts.
+constexpr std::uint32_t uncounted = ~0U;
+
 // An object that is being destroyed may be referred to once more, by its own destructor, without dying again.
 constexpr std::uint32_t referencesOfTheDeleted = 1U << 30;
 
@@ -41,24 +44,41 @@ void Lifetimes::leave(Object& object) noexcept {
     if (entry.dead) bytes_ -= entry.stamp;
     roster_.remove(object.index_);
     object.core_ = nullptr;
+    object.index_ = entry.counted ? 0 : uncounted;
 }
 
 void Lifetimes::compact(std::span<std::uint32_t* const> bounds) {
     roster_.compact(bounds, [](Object& object, std::uint32_t index) { object.index_ = index; });
 }
 
-void Lifetimes::pin(Object& object) noexcept {
-    if (object.core_) object.core_->lifetimes().addPin(object);
+bool Lifetimes::pin(Object& object) noexcept {
+    if (object.core_) {
+        object.core_->lifetimes().addPin(object);
+    } else if (object.index_ != uncounted) {
+        ++object.index_;
+    } else {
+        return false;
+    }
+    return true;
 }
 
 void Lifetimes::unpin(Object& object) noexcept {
-    if (!object.core_) return;
+    if (!object.core_) {
+        --object.index_;
+        return removeOrphan(static_cast<RefCountedObject&>(object));
+    }
     Lifetimes& lifetimes = object.core_->lifetimes();
     Entry& entry = lifetimes.entryOf(object);
-    if (entry.pins != Entry::mostPins) --entry.pins;
+    if (entry.pins != lifetimes.mostPins_) --entry.pins;
     if (entry.pins > 0 || !entry.dead) return;
     auto& counted = static_cast<RefCountedObject&>(object);
     if (counted.references_ == 0) lifetimes.wait(counted);
+}
+
+void Lifetimes::removeOrphan(RefCountedObject& object) noexcept {
+    if (object.index_ > 0 || object.references_ > 0) return;
+    object.references_ = referencesOfTheDeleted;
+    object.txnDelete();
 }
 
 void Lifetimes::lastReferenceGone(RefCountedObject& object) noexcept {
@@ -89,6 +109,7 @@ void Lifetimes::takeDownWaiting() noexcept {
 void Lifetimes::takeDown(RefCountedObject& object) noexcept {
     if (object.references_ == 0 && entryOf(object).exists()) cease(object);
     if (object.references_ == 0) {
+        if (entryOf(object).unborn) droppedUnborn_ = true;
         die(entryOf(object));
         if (!needed(object)) tellDestroyed(object);
         if (!needed(object)) clearFields(object);
@@ -166,6 +187,7 @@ void Lifetimes::abandonUnborn(std::uint32_t begin, std::uint32_t end) noexcept {
 // Everything is told first, while all of it is still in place; then references between objects go, and with them
 // what only those kept.
 void Lifetimes::close() noexcept {
+    abandonSettling();
     closing_ = true;
     forEachOwned([this](RefCountedObject& object) { tellDestroyed(object); });
     forEachOwned([this](RefCountedObject& object) {

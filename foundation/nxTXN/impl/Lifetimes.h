@@ -20,6 +20,8 @@ namespace nxTXN::impl {
 /// it also happens where there is nobody to tell that there is none.
 class Lifetimes {
 public:
+    explicit Lifetimes(std::uint32_t mostPins) noexcept : mostPins_(mostPins) {}
+
     enum class Birth : bool { done, undone };
 
     std::uint32_t enter(Object& object, bool counted, bool born);
@@ -30,16 +32,19 @@ public:
     /// Requires: not busy.
     void compact(std::span<std::uint32_t* const> bounds);
 
-    /// A record needs the object, or needs it no longer.
-    static void pin(Object& object) noexcept;
+    /// A record needs the object, or needs it no longer. An object whose manager has gone counts for itself; false for
+    /// one that then nobody can be told of when it goes.
+    [[nodiscard]] static bool pin(Object& object) noexcept;
     /// The same for an object of this manager.
     void addPin(Object const& object) noexcept {
         Entry& entry = entryOf(object);
-        if (entry.pins != Entry::mostPins) ++entry.pins;
+        if (entry.pins != mostPins_) ++entry.pins;
     }
     static void unpin(Object& object) noexcept;
 
     void lastReferenceGone(RefCountedObject& object) noexcept;
+    /// Deletes an object whose manager has gone unless something needs it.
+    static void removeOrphan(RefCountedObject& object) noexcept;
 
     /// While one lives, objects are not taken down; the end of the outermost one makes up for it.
     class Deferral {
@@ -55,44 +60,56 @@ public:
     private:
         Lifetimes& lifetimes_;
     };
-    [[nodiscard]] bool busy() const noexcept { return deferrals_ > 0; }
+    [[nodiscard]] bool busy() const noexcept { return deferrals_ > 0 || !changed_.empty(); }
 
-    /// While one lives, fields are being put back: objects come and go without being destroyed.
-    class Restoring {
-    public:
-        explicit Restoring(Lifetimes& lifetimes) noexcept : lifetimes_(lifetimes) { lifetimes_.restoring_ = true; }
-        Restoring(Restoring const&) = delete;
-        Restoring& operator=(Restoring const&) = delete;
-        ~Restoring() { lifetimes_.restoring_ = false; }
-
-    private:
-        Lifetimes& lifetimes_;
-    };
+    /// While it is so, fields are being put back: objects come and go without being destroyed. Not while others are
+    /// being settled.
+    void setRestoring(bool restoring) noexcept { restoring_ = restoring && settling_ == Settling::none; }
+    [[nodiscard]] bool restoring() const noexcept { return restoring_; }
     /// A record gave the object back to a field.
     static void returned(Object& object) noexcept;
     /// Does or undoes the making of the objects from `begin` to `end`.
     void setBirths(std::uint32_t begin, std::uint32_t end, Birth birth) noexcept;
-    /// Decides which of the objects touched since the last time exist, and tells those for which it changed.
-    void settle(Failures& failures) {
-        if (!changed_.empty()) tellChanges(failures);
+    /// Settling decides which of the objects touched since the last time exist, and tells those for which it changed.
+    /// Objects are not taken down meanwhile.
+    enum class Settling : std::uint8_t { none, begun, telling, told };
+    [[nodiscard]] Settling settling() const noexcept { return settling_; }
+    void beginSettling() noexcept;
+    void tellChanges(Failures& failures) noexcept;
+    void endSettling() noexcept;
+    void settle(Failures& failures) noexcept {
+        if (changed_.empty()) return;
+        beginSettling();
+        tellChanges(failures);
+        endSettling();
     }
 
     /// The undone making of the objects from `begin` to `end` is final.
     void abandonUnborn(std::uint32_t begin, std::uint32_t end) noexcept;
     /// The objects from `begin` on were made in a transaction that is not recorded.
     void forgetBirths(std::uint32_t begin) noexcept;
-    /// Whether any object made in a recorded transaction is left from `begin` on.
-    [[nodiscard]] bool anyBorn(std::uint32_t begin) noexcept;
+    /// What has become of the objects made in recorded transactions from `begin` on.
+    enum class Made : std::uint8_t { nothing, passing, lasting };
+    [[nodiscard]] Made made(std::uint32_t begin) noexcept;
+    /// Whether the object was one of those, and exists no longer.
+    [[nodiscard]] bool isPassing(Object const& object, std::uint32_t begin) noexcept {
+        Entry const& entry = entryOf(object);
+        return object.index_ >= begin && entry.born && !entry.exists();
+    }
     /// Deletes what the manager owns, or lets go of it when references are left.
     void close() noexcept;
+
+    /// Whether an object has gone whose making was undone, since the last call of `forgetDropped`.
+    [[nodiscard]] bool droppedUnborn() const noexcept { return droppedUnborn_; }
+    void forgetDropped() noexcept { droppedUnborn_ = false; }
 
     /// The bytes of the objects that only records keep.
     [[nodiscard]] std::size_t bytes() const noexcept { return bytes_; }
 
 private:
     void note(Object& object) noexcept;
-    void tellChanges(Failures& failures);
     void keepOrDrop(Object& object) noexcept;
+    void abandonSettling() noexcept;
     void takeDownWaiting() noexcept;
     void takeDown(RefCountedObject& object) noexcept;
     void cease(RefCountedObject& object) noexcept;
@@ -107,11 +124,14 @@ private:
     template <class Visit>
     void forEachOwned(Visit visit) noexcept;
 
+    std::uint32_t const mostPins_;
     Roster roster_;
     EntryQueue<&Entry::nextWaiting> waiting_{roster_};  // counted ones, to be taken down
     EntryQueue<&Entry::nextChanged> changed_{roster_};  // touched since the last settling
     std::size_t bytes_ = 0;
     unsigned deferrals_ = 0;
+    Settling settling_ = Settling::none;
+    bool droppedUnborn_ = false;
     bool restoring_ = false;
     bool closing_ = false;
 };

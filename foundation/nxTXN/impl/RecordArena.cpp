@@ -6,12 +6,6 @@
 #include <utility>
 
 namespace nxTXN::impl {
-namespace {
-
-constexpr std::size_t smallestBlock = 1024;
-constexpr std::size_t largestBlock = 64 * 1024;
-
-}  // namespace
 
 std::byte* RecordArena::allocate(std::size_t bytes) {
     makeRoom(bytes);
@@ -25,7 +19,7 @@ void RecordArena::addBlock(std::size_t bytes) {
         return;
     }
     std::size_t const doubled = blocks_.empty() ? 0 : 2 * std::size_t(blocks_.back().size);
-    std::size_t const size = std::max(std::clamp(doubled, smallestBlock, largestBlock), bytes);
+    std::size_t const size = std::max(std::clamp(doubled, smallestBlock_, largestBlock_), bytes);
     blocks_.push_back({std::make_unique_for_overwrite<std::byte[]>(size), static_cast<std::uint32_t>(size), 0});
 }
 
@@ -45,7 +39,7 @@ std::byte* RecordArena::inNextBlock(Place& place) noexcept {
 
 void RecordArena::truncate(Place place) noexcept {
     while (!blocks_.empty() && (end() - 1 > place.block || (end() - 1 == place.block && place.offset == 0))) {
-        if (blocks_.back().size > spare_.size && blocks_.back().size <= largestBlock) {
+        if (blocks_.back().size > spare_.size && blocks_.back().size <= largestBlock_) {
             spare_ = std::move(blocks_.back());
             spare_.used = 0;
         }

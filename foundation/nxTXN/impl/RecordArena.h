@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <memory>
 
+#include "foundation/nxTXN/impl/Sizes.h"
 #include "foundation/ur/containers.h"
 
 namespace nxTXN::impl {
@@ -15,6 +16,9 @@ namespace nxTXN::impl {
 /// sizes are multiples of eight.
 class RecordArena {
 public:
+    explicit RecordArena(Sizes const& sizes) noexcept
+        : smallestBlock_(sizes.smallestBlock), largestBlock_(sizes.largestBlock) {}
+
     /// A place between two pieces.
     struct Place {
         std::uint32_t block = 0;
@@ -58,6 +62,8 @@ private:
     void addBlock(std::size_t bytes);
     [[nodiscard]] std::uint32_t end() const noexcept { return first_ + static_cast<std::uint32_t>(blocks_.size()); }
 
+    std::size_t const smallestBlock_;
+    std::size_t const largestBlock_;
     ur::vector<Block> blocks_;  // those that were trimmed have no bytes, until there are too many of them
     std::uint32_t first_ = 0;   // the number of the first of these
     Place bottom_;

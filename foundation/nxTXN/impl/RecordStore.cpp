@@ -19,10 +19,17 @@ void store(Record& record, std::byte* place, Content const& content) noexcept {
               reinterpret_cast<std::uintptr_t*>(place + Content::bytes(content.data.size(), 0)));
 }
 
+// The pointer to a transaction object becomes null.
+void letGo(std::uintptr_t* word) noexcept {
+    bool const pair = markOf(word[0]) == Mark::keeper;
+    word[0] = marked(nullptr, pair ? Mark::held : Mark::address);
+    if (pair) word[1] = 0;
+}
+
 }  // namespace
 
 void RecordStore::push(Object& subject, Content const& content, Hook hook, std::uint32_t formerStamp) {
-    Content::expectStorable(content.data.size(), content.words.size());
+    core_.expectStorable(content.data.size(), content.words.size());
     // At least enough for the address of a content elsewhere.
     std::size_t const room = std::max(content.bytes(), sizeof(std::byte*));
     arena_.makeRoom(sizeof(Record) + room);
@@ -34,7 +41,7 @@ void RecordStore::push(Object& subject, Content const& content, Hook hook, std::
     record->formerStamp = formerStamp;
     bytes_ += record->bytes();
     store(*record, record->behind(), content);
-    core_.pin(subject);
+    static_cast<void>(core_.pin(subject));  // one of this manager
 }
 
 void RecordStore::replaceUnlike(Record& record, Content const& content, std::byte* elsewhere) noexcept {
@@ -62,9 +69,9 @@ void RecordStore::release(Record& record) noexcept {
 
 void RecordStore::keep(std::span<std::uintptr_t> words) {
     std::uintptr_t const* reached = words.data();
-    auto const pin = [this, &reached](Object& object, std::uintptr_t const* word) {
+    auto const pin = [this, &reached](Object& object, std::uintptr_t* word) {
         reached = word;
-        core_.pin(object);
+        if (!core_.pin(object)) letGo(word);
     };
     try {
         visitKept(words, pin, [](void const* object, Holding const& how) { how.hold(object); });
@@ -113,10 +120,7 @@ void RecordStore::forget(Object const& gone) noexcept {
 
 void RecordStore::forget(Object const& gone, std::span<std::uintptr_t> words) noexcept {
     auto const forgetWord = [&gone](Object& object, std::uintptr_t* word) {
-        if (&object != &gone) return;
-        bool const pair = markOf(word[0]) == Mark::keeper;
-        word[0] = marked(nullptr, pair ? Mark::held : Mark::address);
-        if (pair) word[1] = 0;
+        if (&object == &gone) letGo(word);
     };
     visitKept(words, forgetWord, [](void const* /*object*/, Holding const& /*how*/) {});
 }

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <memory>
 #include <span>
-#include <stdexcept>
 
 #include "foundation/nxTXN/Object.h"
 #include "foundation/nxTXN/Reader.h"
@@ -38,13 +37,6 @@ struct Content {
     [[nodiscard]] static std::size_t bytes(std::size_t data, std::size_t words) noexcept {
         return (data + 7) / 8 * 8 + words * sizeof(std::uintptr_t);
     }
-    /// Throws when it is too large for a record.
-    static void expectStorable(std::size_t data, std::size_t words) {
-        if (bytes(data, words) > mostBytes) throw std::length_error("a record of more than two gigabytes");
-    }
-
-private:
-    static constexpr std::size_t mostBytes = (std::size_t(1) << 31) - 8;
 };
 
 /// What one object was or, when its step is undone, what it is to be again.
@@ -84,7 +76,7 @@ public:
     /// Memory for a content that does not fit into its record.
     using Elsewhere = std::unique_ptr<std::byte[]>;
 
-    explicit RecordStore(Core& core) noexcept : core_(core) {}
+    RecordStore(Core& core, Sizes const& sizes) noexcept : core_(core), arena_(sizes) {}
 
     enum class Hook : bool { none, given };
 
@@ -115,6 +107,16 @@ public:
             visit(*record);
         }
         return place;
+    }
+
+    /// Whether `holds(Record&)` for any of them.
+    template <class Holds>
+    bool any(Place place, std::uint32_t count, Holds holds) {
+        for (bool found = false; count-- > 0;) {
+            place = visit(place, 1, [&](Record& record) { found = holds(record); });
+            if (found) return true;
+        }
+        return false;
     }
 
     /// Lets go of the `count` records from `place` on, which are the topmost, or of the `count` lowest ones.

@@ -14,7 +14,7 @@ namespace nxTXN::impl {
 struct Entry {
     Object* object;  // null once it has gone
 
-    std::uint32_t pins : 25;    // records that need it; the largest value stays for good
+    std::uint32_t pins : 25;    // records that need it
     std::uint32_t counted : 1;  // it is a RefCountedObject, deleted by the manager
     std::uint32_t born : 1;     // made in a transaction whose undoing unmakes it
     std::uint32_t unborn : 1;   // its making is undone
@@ -29,7 +29,6 @@ struct Entry {
     std::uint32_t nextWaiting;  // the index of the next object in the queue of that name, or none
     std::uint32_t nextChanged;
 
-    static constexpr std::uint32_t mostPins = (1U << 25) - 1;
     static constexpr std::uint32_t none = ~0U;
 
     [[nodiscard]] bool exists() const noexcept { return !unborn && !dead; }

@@ -1,7 +1,6 @@
 // The steps of a history.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -35,6 +34,8 @@ struct Step {
 /// long row grows without being copied.
 class Steps {
 public:
+    explicit Steps(Sizes const& sizes) noexcept : blockBits_(sizes.stepBlockBits) {}
+
     [[nodiscard]] std::size_t size() const noexcept { return end_ - begin_; }
     [[nodiscard]] bool empty() const noexcept { return end_ == begin_; }
     [[nodiscard]] Step& operator[](std::size_t i) noexcept { return slot(begin_ + i); }
@@ -43,7 +44,7 @@ public:
 
     /// The next `push` takes no memory.
     void makeRoom() {
-        if (end_ == blocks_.size() * blockSize) blocks_.push_back(std::make_unique<Block>());
+        if (end_ == blocks_.size() * blockSize()) blocks_.push_back(std::make_unique<Step[]>(blockSize()));
     }
     void push(Step step) {
         makeRoom();
@@ -51,26 +52,25 @@ public:
     }
     Step popBack() noexcept {
         Step step = std::move(slot(--end_));
-        if (end_ + 2 * blockSize <= blocks_.size() * blockSize) blocks_.pop_back();  // one stays in reserve
+        if (end_ + 2 * blockSize() <= blocks_.size() * blockSize()) blocks_.pop_back();  // one stays in reserve
         return step;
     }
     Step popFront() noexcept {
         Step step = std::move(slot(begin_++));
-        if (begin_ == blockSize) {
+        if (begin_ == blockSize()) {
             blocks_.erase(blocks_.begin());
             begin_ = 0;
-            end_ -= blockSize;
+            end_ -= blockSize();
         }
         return step;
     }
 
 private:
-    static constexpr std::size_t blockSize = 128;
-    using Block = std::array<Step, blockSize>;
+    [[nodiscard]] std::size_t blockSize() const noexcept { return std::size_t(1) << blockBits_; }
+    [[nodiscard]] Step& slot(std::size_t i) const noexcept { return blocks_[i >> blockBits_][i & (blockSize() - 1)]; }
 
-    [[nodiscard]] Step& slot(std::size_t i) const noexcept { return (*blocks_[i / blockSize])[i % blockSize]; }
-
-    ur::vector<std::unique_ptr<Block>> blocks_;
+    unsigned const blockBits_;
+    ur::vector<std::unique_ptr<Step[]>> blocks_;
     std::size_t begin_ = 0;  // in the first block
     std::size_t end_ = 0;
 };

@@ -62,7 +62,7 @@ void Core::turn(std::size_t step, Lifetimes::Birth birth, Failures& failures) {
     }
     present_ = birth == Lifetimes::Birth::undone ? step : step + 1;
     lifetimes_.setBirths(steps_[step].birthsBegin, steps_[step].birthsEnd, birth);
-    lifetimes_.settle(failures);
+    settle(failures);
     tellModified(failures);
     exchange();
 }
@@ -107,7 +107,7 @@ Record* Core::onlyPlainRecord(Step const& step) noexcept {
 }
 
 void Core::giveUp(std::size_t keptWords, Failures& failures) {
-    lifetimes_.settle(failures);
+    settle(failures);
     RecordStore::release(writer_.mutableWords().first(keptWords));
     writer_.clear();
     throw HookError(failures.first(), HookError::Outcome::unchanged);
@@ -134,7 +134,7 @@ void Core::capture(Record& record) {
 void Core::plan(Record& record, RestoreHook hook, std::size_t dataBegin, std::size_t wordsBegin) {
     std::size_t const dataBytes = writer_.data().size() - dataBegin;
     std::size_t const words = writer_.words().size() - wordsBegin;
-    Content::expectStorable(dataBytes, words);
+    expectStorable(dataBytes, words);
     Restoration item{
         &record, hook, dataBegin, wordsBegin, static_cast<std::uint32_t>(dataBytes), static_cast<std::uint32_t>(words),
         nullptr};
@@ -236,7 +236,7 @@ void Core::takeBack(Level const& level, Failures& failures) noexcept {
     for (Restoration const& item : work_) restore(item, item.record->content(), failures);
     std::uint32_t const birthsEnd = lifetimes_.roster().size();
     lifetimes_.setBirths(level.birthsBegin, birthsEnd, Lifetimes::Birth::undone);
-    lifetimes_.settle(failures);
+    settle(failures);
     restoreStamps(level);
     tellModified(failures);
     lifetimes_.abandonUnborn(level.birthsBegin, birthsEnd);

@@ -1,5 +1,9 @@
 // Steps: making them, walking over them, taking back and forgetting them.
+#include <stdexcept>
+
+#include "foundation/nxTXN/HookError.h"
 #include "foundation/nxTXN/Transaction.h"
+#include "foundation/nxTXN/impl/Sizes.h"
 #include "foundation/nxTXN/tests/Node.h"
 #include "foundation/urOS/AppOutput.h"
 #include "foundation/urOS/MemoryIOStream.h"
@@ -182,6 +186,32 @@ TEST_F(History, CountsTheBytesOfObjectsThatOnlyItKeeps) {
     edit(manager, addBig);
     manager.undo();  // now it is the history that keeps it
     EXPECT_EQ(names(), "| edit");
+}
+
+TEST(HistorySizes, RefuseFieldsThatAreTooLargeAndKeepForGoodWhatTooManyRecordsNeed) {
+    {
+        Manager manager(impl::Sizes{.mostPins = 2});
+        auto const root = ur::make<Node>(manager, "root");
+        root->setNext(ur::make<Node>(manager, "needed"));
+        for (int i = 1; i <= 4; ++i) edit(manager, [&] { root->setValue(i); });
+        root->setNext(nullptr);
+        manager.clear();
+        EXPECT_EQ(Node::alive, 2);
+    }
+    EXPECT_EQ(Node::alive, 0);
+
+    Manager manager(impl::Sizes{.mostRecordBytes = 48});  // enough for a list of three
+    auto const node = ur::make<Node>(manager, "n");
+    for (unsigned count : {3U, 4U}) edit(manager, [&] { node->setList(ur::vector<Node*>(count, node.get())); });
+    manager.begin();
+    EXPECT_THROW(node->setValue(1), std::length_error);
+    EXPECT_EQ(node->value(), 0);
+    manager.commit();
+    EXPECT_THROW(manager.undo(), HookError);
+    EXPECT_EQ(node->list().size(), 4U);
+    node->setList({});
+    EXPECT_TRUE(manager.undo());
+    EXPECT_EQ(node->list().size(), 3U);
 }
 
 #ifndef NDEBUG

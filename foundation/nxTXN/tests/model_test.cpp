@@ -2,6 +2,7 @@
 #include <deque>
 #include <random>
 
+#include "foundation/nxTXN/impl/Sizes.h"
 #include "foundation/nxTXN/tests/Node.h"
 
 namespace nxTXN::test {
@@ -9,9 +10,10 @@ namespace {
 
 constexpr unsigned rootCount = 4;
 constexpr unsigned chainLength = 6;
+constexpr impl::Sizes small{.smallestBlock = 64, .largestBlock = 512, .stepBlockBits = 1};
 
-/// The values on the way from each root; objects that cannot be reached do not count.
-using State = std::vector<std::vector<double>>;
+/// The objects on the way from each root, with their values; objects that cannot be reached do not count.
+using State = std::vector<std::vector<std::pair<Node const*, double>>>;
 
 class Play {
 public:
@@ -28,7 +30,7 @@ public:
             case 4: return turn(&Manager::redo, future_, past_, &Step::after);
             case 5:
             case 6: return change([&] { relink(node()); });
-            default: return change([&] { node().setValue(pick(1000)); });
+            default: return change([&] { node().setValue(++newest_); });
         }
     }
 
@@ -47,7 +49,6 @@ private:
     struct Level {
         State before;
         void const* key;
-        bool changed;
     };
     struct Step {
         State before;
@@ -63,10 +64,10 @@ private:
     [[nodiscard]] State state() const {
         State result;
         for (Node const* node : {roots_[0].get(), roots_[1].get(), roots_[2].get(), roots_[3].get()}) {
-            auto& values = result.emplace_back();
-            for (; node && values.size() < chainLength; node = node->next().get()) {
+            auto& way = result.emplace_back();
+            for (; node; node = node->next().get()) {
                 EXPECT_TRUE(node->isTxnExtant());
-                values.push_back(node->value());
+                way.emplace_back(node, node->value());
             }
         }
         return result;
@@ -74,34 +75,32 @@ private:
 
     template <class Change>
     void change(Change change) {
-        if (levels_.empty()) return;  // the model knows nothing of unrecorded changes
-        change();
-        levels_.back().changed = true;
+        if (!levels_.empty()) change();  // the model knows nothing of unrecorded changes
     }
     void relink(Node& from) {
         NodeReference target;
         unsigned const kind = pick(3);
-        if (kind == 1) target = ur::make<Node>(manager_, "made", nullptr, pick(1000));
+        if (kind == 1) target = ur::make<Node>(manager_, "made", nullptr, ++newest_);
         if (kind == 2) target.reset(&node());
         for (Node const* way = target.get(); way; way = way->next().get()) {
             if (way == &from) target.reset();  // circles would live as long as the manager does
         }
         from.setNext(target);
+        from.setValue(++newest_);  // what is recorded does change
     }
 
     void begin() {
         if (levels_.size() == 4) return;
         void const* const key = pick(2) == 0 ? this : nullptr;
         manager_.beginCoalescing("step", key);
-        levels_.push_back({state(), key, false});
+        levels_.push_back({state(), key});
     }
     void commit() {
         EXPECT_EQ(manager_.commit(), !levels_.empty());
         if (levels_.empty()) return;
         Level const level = std::move(levels_.back());
         levels_.pop_back();
-        if (!levels_.empty()) levels_.back().changed |= level.changed;
-        if (!levels_.empty() || !level.changed) return;
+        if (!levels_.empty() || level.before == state()) return;
         bool const joins = level.key && level.key == key_ && !past_.empty();
         if (!joins) past_.push_back({level.before, {}});
         past_.back().after = state();
@@ -136,13 +135,14 @@ private:
     }
 
     std::mt19937 random_;
-    Manager manager_;
+    Manager manager_{small};
     std::vector<NodeReference> roots_;
     std::vector<Level> levels_;
     std::deque<Step> past_;
     std::deque<Step> future_;
     void const* key_ = nullptr;
     unsigned limit_ = 0;
+    int newest_ = 0;
 };
 
 TEST(HistoryModel, StaysWithTheModelOverRandomTransactions) {

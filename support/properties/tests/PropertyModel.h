@@ -68,8 +68,9 @@ public:
     void begin() { isOpen = true; }
     void commit() {
         isOpen = false;
-        if (present_.records.empty()) return;
-        past.push_back(std::exchange(present_, {}));
+        Step step = std::exchange(present_, {});
+        if (!changedAnything(step) && (!future.empty() || step.records.empty() || hasPassing(step))) return;
+        past.push_back(std::move(step));
         future.clear();
     }
     void abort() {
@@ -92,6 +93,7 @@ public:
         Ids members;   // and the rest of a data object
         int value = 0;
         int link = 0;
+        bool operator==(State const&) const = default;
     };
     struct Step {
         std::vector<std::pair<int, State>> records;
@@ -112,6 +114,20 @@ private:
     [[nodiscard]] int dataOf(int property, Kind kind) const {
         int const data = states_.at(property).data;
         return isTransacted(data) == kind ? data : twinOf(data);
+    }
+    [[nodiscard]] bool isReferredTo(int data) const {
+        auto const refers = [data](auto const& entry) { return entry.second.data == data; };
+        return std::any_of(states_.begin(), states_.end(), refers);
+    }
+    [[nodiscard]] bool remains(int made) const { return states_.at(made).data || isReferredTo(made); }
+    [[nodiscard]] bool hasPassing(Step const& step) const {
+        return std::any_of(step.births.begin(), step.births.end(), [this](int made) { return !remains(made); });
+    }
+    [[nodiscard]] bool changedAnything(Step const& step) const {
+        return std::any_of(step.births.begin(), step.births.end(), [this](int made) { return remains(made); }) ||
+               std::any_of(step.records.begin(), step.records.end(), [&](auto const& record) {
+                   return step.births.count(record.first) == 0 && states_.at(record.first) != record.second;
+               });
     }
     [[nodiscard]] Ids members(int property, Kind kind) const {
         int const data = dataOf(property, kind);
@@ -183,8 +199,7 @@ private:
         record(former);
         Ids& left = states_[former].members;
         left.erase(std::find(left.begin(), left.end(), property));
-        auto const refers = [former](auto const& entry) { return entry.second.data == former; };
-        if (std::none_of(states_.begin(), states_.end(), refers)) sever(std::exchange(states_[former].link, 0));
+        if (!isReferredTo(former)) sever(std::exchange(states_[former].link, 0));
         record(data);
         states_[data].members.push_back(property);
         tell(property, ModifyPerform);
