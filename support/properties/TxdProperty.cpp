@@ -38,9 +38,7 @@ void TxdProperty::attachData(ur::Reference<TxdPropertyData> const& data) {
     send(ModifyStart);
     if (!isTxnExtant()) return;  // a listener has taken back its making, or the manager away
     prepareAttaching(*data);
-    data_->members().remove(*this);
-    data_ = data;
-    data_->members().add(*this);
+    moveTo(data);
     send(ModifyPerform);
     send(ModifyEnd);
 }
@@ -82,9 +80,23 @@ void TxdProperty::onTxnExtant() {
     }
 }
 
-// The list may not be part of the step that brought this property back or moved it, if it left or came unrecorded.
+// The list may not be part of the step that brought this property back or moved it, if it left or came unrecorded. The
+// data may be what another manager has undone, or what has gone with it: then a copy takes its place.
 void TxdProperty::takeSeat() {
-    if (data_ && !data_->members().contains(*this)) data_->members().add(*this);
+    if (!data_ || !data_->isTxnExtant()) {
+        auto const copy = ur::make<TxdPropertyData>(*txnManager());
+        copy->storeValue(value(), TxdPropertyData::Propagate::no);
+        moveTo(copy);
+    } else if (!data_->members().contains(*this)) {
+        data_->members().add(*this);
+    }
+}
+
+void TxdProperty::moveTo(ur::Reference<TxdPropertyData> const& data) {
+    data->members().makeRoom(1);
+    if (data_) data_->members().remove(*this);
+    data_ = data;
+    data_->members().add(*this);
 }
 
 }  // namespace nxSupport

@@ -11,8 +11,9 @@ namespace nxSupport {
 
 /// A property whose value, and whose membership in a joined set, are part of its manager's history.
 ///
-/// Owned by the manager, held by reference. A reference that outlives the manager has no value any more. A property
-/// that is not part of the present state (`isTxnExtant`) is not told of changes and does not join.
+/// Owned by the manager, held by reference. A reference that outlives the manager has no value any more; a property
+/// that shares the value of another manager keeps that value when the other one goes. A property that is not part of
+/// the present state (`isTxnExtant`) is not told of changes, does not join, and its clones do not share its value.
 class NX_API TxdProperty final : public Property, public nxTXN::RefCountedObject {
 public:
     TxdProperty(nxTXN::Manager& manager, urString::CString const& name);
@@ -28,7 +29,7 @@ public:
     void unref() const noexcept override { RefCountedObject::unref(); }
     [[nodiscard]] TxnModifiedSignal* txnModifiedSignal() override { return &txnModified_; }
 
-    /// The shared value; null only when the manager has gone.
+    /// The shared value, which exists if this property does; null only when the manager has gone.
     [[nodiscard]] ur::Reference<TxdPropertyData> const& data() const noexcept { return data_; }
     /// Whether it shares the value whose members these are.
     [[nodiscard]] bool isIn(MemberList<TxdProperty> const& members) const noexcept {
@@ -55,6 +56,7 @@ private:
     static nxTXN::FieldHandlers const dataHandlers;
 
     void takeSeat();
+    void moveTo(ur::Reference<TxdPropertyData> const& data);
 
     ur::Reference<MemberSeat<TxdProperty>> const seat_ = ur::make<MemberSeat<TxdProperty>>(*this);
     ur::Reference<TxdPropertyData> data_;

@@ -90,9 +90,10 @@ void TxdPropertyData::onTransact(nxTXN::Serializer& serializer) {
 
 void TxdPropertyData::onRestore(nxTXN::Object* object, nxTXN::Restorer& restorer) {
     auto& data = static_cast<TxdPropertyData&>(*object);
-    ItemReference const before = data.value();
+    data.formerValue_ = data.value();
+    data.formerTwin_ = data.twin_;
     restorer.restore(object);
-    if (data.untxdTwin() && data.value() != before) data.mirrorRestored();
+    if (data.untxdTwin() && data.value() != data.formerValue_) data.mirrorRestored();
 }
 
 // Whatever listeners throw, both sides have the same value afterwards.
@@ -119,6 +120,8 @@ void TxdPropertyData::mirrorRestored() {
 
 void TxdPropertyData::onTxnModified() {
     RefCountedObject::onTxnModified();
+    formerValue_.reset();
+    formerTwin_.reset();
     properties_.tidy([this](TxdProperty const& member, bool named) {
         return member.isIn(properties_) && (named || member.isTxnExtant());
     });
@@ -131,8 +134,30 @@ void TxdPropertyData::onTxnModified() {
 void TxdPropertyData::onTxnDestroyed() {
     RefCountedObject::onTxnDestroyed();
     transact();
+    passOn(Heirs::ofOtherManagers, value(), twin_);
     if (twin_) twin_->sever();
     twin_.reset();
+}
+
+void TxdPropertyData::onTxnExtant() {
+    RefCountedObject::onTxnExtant();
+    if (!isTxnExtant()) passOn(Heirs::all, std::move(formerValue_), formerTwin_);
+    formerTwin_.reset();
+}
+
+// Members that came unrecorded outlive the step that made this object, and those of other managers outlive its manager:
+// they go on sharing the value that they had, and the link if it lasts.
+void TxdPropertyData::passOn(Heirs which, ItemReference value, ur::Reference<TxdPropertyTwin> const& twin) {
+    ur::vector<TxdProperty*> heirs;
+    properties_.forEach([&](TxdProperty& member) {
+        if (!member.isIn(properties_) || !member.isTxnExtant()) return;
+        if (which == Heirs::all || member.txnManager() != txnManager()) heirs.push_back(&member);
+    });
+    if (heirs.empty()) return;
+    auto const successor = ur::make<TxdPropertyData>(*heirs.front()->txnManager());
+    successor->storeValue(std::move(value), Propagate::no);
+    for (TxdProperty* const member : heirs) member->moveTo(successor);
+    if (UnTxdPropertyData* const untransacted = twin ? twin->untxdData() : nullptr) successor->setTwin(*untransacted);
 }
 
 }  // namespace nxSupport

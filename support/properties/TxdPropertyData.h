@@ -35,21 +35,27 @@ public:
 
     /// The twin; null when there is none.
     [[nodiscard]] UnTxdPropertyData* untxdTwin() const noexcept { return twin_ ? twin_->untxdData() : nullptr; }
-    /// Makes the two store each other's values from now on. Requires: `untxdData` has no transacted twin.
+    [[nodiscard]] bool isLinkedBy(TxdPropertyTwin const& twin) const noexcept { return twin_ == &twin; }
+    /// Makes the two store each other's values from now on, and no other twin of `untxdData`.
     void setTwin(UnTxdPropertyData& untxdData);
 
 protected:
     void onTransact(nxTXN::Serializer& serializer) override;
     void onTxnModified() override;
     void onTxnDestroyed() override;
+    void onTxnExtant() override;
 
 private:
     static void onRestore(nxTXN::Object* object, nxTXN::Restorer& restorer);
     void mirrorRestored();
+    enum class Heirs : bool { all, ofOtherManagers };
+    void passOn(Heirs which, ItemReference value, ur::Reference<TxdPropertyTwin> const& twin);
 
     MemberList<TxdProperty> properties_;
     ur::Reference<nxTXN::ImmutableReference<nxPLST::Item const>> value_;
     ur::Reference<TxdPropertyTwin> twin_;
+    ItemReference formerValue_;                  ///< while it is put back: what the members had before
+    ur::Reference<TxdPropertyTwin> formerTwin_;  ///< likewise
 };
 
 }  // namespace nxSupport

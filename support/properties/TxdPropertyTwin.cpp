@@ -9,6 +9,7 @@ namespace nxSupport {
 
 TxdPropertyTwin::TxdPropertyTwin(nxTXN::Manager& manager, TxdPropertyData& txdData, UnTxdPropertyData& untxdData)
     : RefCountedObject(manager), txdData_(&txdData), untxdData_(&untxdData) {
+    if (untxdData.link_) untxdData.link_->sever();
     untxdData.link_ = this;
 }
 

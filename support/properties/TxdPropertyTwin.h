@@ -13,7 +13,7 @@ class UnTxdPropertyData;
 /// Its ends are not recorded: once the link has ended, undo and redo bring back an object that leads nowhere.
 class NX_API TxdPropertyTwin final : public nxTXN::RefCountedObject {
 public:
-    /// Requires: `untxdData` has no transacted twin.
+    /// Ends the link that `untxdData` has, if any.
     TxdPropertyTwin(nxTXN::Manager& manager, TxdPropertyData& txdData, UnTxdPropertyData& untxdData);
 
     [[nodiscard]] TxdPropertyData* txdData() const noexcept { return txdData_; }

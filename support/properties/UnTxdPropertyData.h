@@ -26,8 +26,11 @@ public:
     /// Nothing when it is no member.
     void remove(UnTxdProperty& property) noexcept;
 
-    /// The transacted twin; null when there is none.
-    [[nodiscard]] TxdPropertyData* txdData() const noexcept { return link_ ? link_->txdData() : nullptr; }
+    /// The transacted twin; null when there is none, and as soon as undo has put the other side back to a state without
+    /// the link.
+    [[nodiscard]] TxdPropertyData* txdData() const noexcept {
+        return link_ && link_->txdData()->isLinkedBy(*link_) ? link_->txdData() : nullptr;
+    }
 
 private:
     friend class TxdPropertyTwin;

@@ -41,8 +41,10 @@ ur::Reference<Property> Property::createUnTxd(urString::CString const& name, Ite
 
 ur::Reference<Property> Property::cloneTxd(nxTXN::Manager& manager, urString::CString const& name) const {
     JoinedData const shared(*this);
-    if (shared.txd) return ur::make<TxdProperty>(manager, name, ur::Reference<TxdPropertyData>(shared.txd));
-    if (!shared.untxd) return nullptr;
+    if (shared.txd && shared.txd->isTxnExtant()) {
+        return ur::make<TxdProperty>(manager, name, ur::Reference<TxdPropertyData>(shared.txd));
+    }
+    if (!shared.untxd) return shared.txd ? createTxd(manager, name, value()) : nullptr;
     auto const data = ur::make<TxdPropertyData>(manager);
     data->storeValue(value(), Propagate::no);
     auto clone = ur::make<TxdProperty>(manager, name, data);
