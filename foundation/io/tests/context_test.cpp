@@ -22,6 +22,12 @@ TEST(WriteContext, SaysWhatWasWrongAndWritesNoEndMark) {
         {ioStatus::misuse, [](auto& c) { c.writeIntValue(1); }},
         {ioStatus::misuse, [](auto& c) { c.endPacket(); }},
         {ioStatus::misuse, [](auto& c) { c.startFile(); }},
+        {ioStatus::misuse, [](auto& c) { c.writeReferredPacket(c.typeId("a"), true); }},
+        {ioStatus::misuse,
+         [](auto& c) {
+             c.startPacket("a", nullptr);
+             c.endReferredPacket();  // there is no packet around it
+         }},
         {ioStatus::misuse, [](auto& c) { c.startPacket("a", nullptr); }},  // left open
         {ioStatus::unresolvedReference,
          [&](auto& c) {
