@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 
 #include "foundation/nxRFL/Function.h"
 #include "foundation/nxRFL/TypeUtil.h"
+#include "foundation/ur/Account.h"
 
 namespace nxRFL {
 
@@ -77,6 +79,14 @@ public:
         return !testedBase_ || testedBase_->isAlive(castToBase(const_cast<void*>(object), testedBase_->type_));
     }
 
+    /// For objects that own memory which scripts cause: `charge` has an object charged on the account, once, for as
+    /// long as it lives. Called when a script meets the object; throws `ur::BudgetSpent` to keep it from that.
+    using ChargeAction = void (*)(void* object, std::shared_ptr<ur::Account> const& account);
+    void setCharge(ChargeAction action) noexcept { charge_ = action; }
+    void charge(void* object, std::shared_ptr<ur::Account> const& account) const {
+        if (charge_) charge_(object, account);
+    }
+
     [[nodiscard]] ur::vector<Base> const& bases() const noexcept { return bases_; }
     [[nodiscard]] MemberList const& members() const noexcept { return members_; }
     /// A member of this class or else of its bases, the first base first. Null when there is none.
@@ -100,6 +110,7 @@ private:
     std::size_t index_ = 0;
     bool hasHiddenSubclasses_ = false;
     AliveTest aliveTest_ = nullptr;
+    ChargeAction charge_ = nullptr;
     Class const* testedBase_ = nullptr;  ///< the first whose objects have a test
     ur::vector<Base> bases_;
     ur::vector<Class*> derived_;

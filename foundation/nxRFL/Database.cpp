@@ -10,32 +10,15 @@ namespace nxRFL {
 
 Database::Database() {
     addClass(std::make_unique<Class>("nxRFL::Class", impl::borrowedType<Class>));
-    addClass(std::make_unique<Class>("nxRFL::Stack", stackType()));
-    addClass(std::make_unique<Class>("nxRFL::IteratorState", impl::ownableType<IteratorState>))
-        .setHasHiddenSubclasses();
+    addClass(std::make_unique<Class>("nxRFL::Stack", Stack::stackType()));
+    Class& walks = addClass(std::make_unique<Class>("nxRFL::IteratorState", impl::ownableType<IteratorState>));
+    walks.setHasHiddenSubclasses();
+    walks.setCharge([](void* walk, std::shared_ptr<ur::Account> const& account) {
+        static_cast<IteratorState*>(walk)->chargeTo(account);
+    });
 }
 
 Database::~Database() = default;
-
-/// Stacks are values that native code owns, but a script may store one that it was given, and then let go of it.
-impl::TypeUtil Database::stackType() noexcept {
-    impl::TypeUtil::Action const ref = [](void* object) { ++static_cast<Stack*>(object)->holders_.count; };
-    impl::TypeUtil::Action const own = [](void* object) {
-        impl::Holders& holders = static_cast<Stack*>(object)->holders_;
-        holders.isGiven = true;
-        ++holders.count;
-    };
-    impl::TypeUtil::Action const unref = [](void* object) {
-        auto* const stack = static_cast<Stack*>(object);
-        if (--stack->holders_.count == 0 && stack->holders_.isGiven) delete stack;
-    };
-    return {.ref = ref,
-            .unref = unref,
-            .own = own,
-            .disown = unref,
-            .staticType = &ur::TypeInfo::of<Stack>,
-            .dynamicType = &impl::dynamicType<Stack>};
-}
 
 Class* Database::getClass(urString::CString const& name) const noexcept {
     auto const found = classesByName_.find(name);

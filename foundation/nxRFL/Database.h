@@ -7,6 +7,7 @@
 #include "foundation/nxRFL/Class.h"
 #include "foundation/nxRFL/Exception.h"
 #include "foundation/nxRFL/Object.h"
+#include "foundation/ur/Account.h"
 
 namespace nxRFL {
 
@@ -53,6 +54,9 @@ public:
     /// The name of a class in signatures: the registered one, or else as it reads in source.
     [[nodiscard]] urString::CString nameOf(ur::TypeInfo type) const;
 
+    /// On which the script states that are bound to the database, and what scripts make, count their memory.
+    [[nodiscard]] std::shared_ptr<ur::Account> const& account() const noexcept { return account_; }
+
     /// Is told of errors in script functions that native code called. The default prints them on the standard error.
     void setErrorHandler(std::function<void(Exception const&)> handler);
     void reportError(Exception const& error) const;
@@ -60,7 +64,6 @@ public:
 private:
     friend class ExposeClassBase;
 
-    [[nodiscard]] static impl::TypeUtil stackType() noexcept;
     [[nodiscard]] static Resolved nearest(Class const& declared, void* object, Class const* exact);
     void forgetSeenTypes() noexcept;
 
@@ -69,6 +72,7 @@ private:
     ur::map<urString::CString, Class*> classesByName_;
     ur::map<ur::TypeInfo, Class*> classesByType_;
     std::function<void(Exception const&)> errorHandler_;
+    std::shared_ptr<ur::Account> account_ = std::make_shared<ur::Account>();
 };
 
 }  // namespace nxRFL

@@ -6,6 +6,12 @@
 
 namespace nxRFL {
 
+/// A class whose objects can be charged with what they own; see `Class::setCharge`.
+template <class T>
+concept Charged = requires(T& object, std::shared_ptr<ur::Account> const& account) {
+    object.chargeTo(account);
+};
+
 /// Enters T in a database. Whatever can be called with a T& or T* first is a method: a member function, also of a base
 /// of T, a plain function or a lambda. Each call gives the same object back, so that they can be chained.
 ///
@@ -17,7 +23,13 @@ class ExposeClass : public ExposeClassBase {
 public:
     ExposeClass(Database& database, urString::CString const& name,
                 impl::TypeUtil const& util = impl::defaultTypeUtil<T>())
-        : ExposeClassBase(database, std::make_unique<Class>(name, util)) {}
+        : ExposeClassBase(database, std::make_unique<Class>(name, util)) {
+        if constexpr (Charged<T>) {
+            getClass().setCharge([](void* object, std::shared_ptr<ur::Account> const& account) {
+                static_cast<T*>(object)->chargeTo(account);
+            });
+        }
+    }
 
     /// Requires: Base is registered.
     template <class Base>

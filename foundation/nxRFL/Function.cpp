@@ -13,6 +13,8 @@ Exception::~Exception() = default;
 Function::~Function() = default;
 IteratorState::~IteratorState() = default;
 
+void IteratorState::chargeTo(std::shared_ptr<ur::Account> const& /*account*/) {}
+
 bool Function::onCallPlain(std::span<PlainValue const> /*arguments*/, PlainResult& /*result*/) const { return false; }
 
 bool Function::givesSeveral() const noexcept { return !signature_.empty() && signature_.front().startsWith("object["); }

@@ -68,6 +68,7 @@ public:
     [[nodiscard]] impl::TypeUtil const& typeUtil() const noexcept { return *util_; }
     [[nodiscard]] bool isExact() const noexcept { return known_ == Known::exact; }
     [[nodiscard]] bool isGiven() const noexcept { return hold_ == Hold::owned; }
+    [[nodiscard]] bool isBorrowed() const noexcept { return hold_ == Hold::borrowed; }
     /// Somebody else has taken over the object together with what the handle holds of it.
     void passOn() const noexcept { hold_ = Hold::borrowed; }
 

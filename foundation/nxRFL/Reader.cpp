@@ -99,6 +99,7 @@ ur::Reference<Function> const& Reader::readFunction() {
 
 void Reader::readItem(Stack& out) {
     if (at_ >= end()) fail("a value");
+    if (stack_.charge_) out.chargeTo(stack_.charge_.account());
     Writer(out).writeItemAt(stack_, at_);
     skip();
 }

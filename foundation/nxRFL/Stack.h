@@ -3,10 +3,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <span>
 #include <variant>
 
 #include "foundation/nxRFL/Function.h"
 #include "foundation/nxRFL/Object.h"
+#include "foundation/ur/Account.h"
 
 namespace nxRFL {
 
@@ -47,25 +50,58 @@ using Value = std::variant<std::monostate, bool, double, urString::CString, Cont
 /// `Writer` appends items, `Reader` reads them from the first on; what is written is well formed at any time. A value:
 /// a copy shares objects and functions, nothing else. Functions and objects are counted as they themselves count. A
 /// stack is itself an object to scripts: one that was given to them goes with the last that holds it.
+///
+/// A stack that scripts fill is charged for what it holds, and so are stacks to which its items are copied: writing
+/// then throws `ur::BudgetSpent` when too much is there.
 class NX_API Stack {
 public:
+    Stack() noexcept = default;
+    Stack(Stack const&) = default;
+    Stack(Stack&& other) noexcept;
+    Stack& operator=(Stack other) noexcept;
+    ~Stack() { dismantle(); }
+
+    /// Charges what is written from now on. The first account stays.
+    void chargeTo(std::shared_ptr<ur::Account> const& account) {
+        if (!charge_) charge_ = ur::Charge(account, 0);
+    }
     /// The number of items; what containers hold does not count.
     [[nodiscard]] unsigned size() const noexcept { return items_; }
     [[nodiscard]] bool empty() const noexcept { return items_ == 0; }
-    /// Keeps its storage for items to come.
-    void clear() noexcept {
-        values_.clear();
-        items_ = 0;
-    }
+    /// The number of values, heads of containers and what they hold included.
+    [[nodiscard]] std::size_t length() const noexcept { return values_.size(); }
+    /// Keeps some storage for items to come.
+    void clear() noexcept;
 
 private:
     friend class Database;
     friend class Reader;
     friend class Writer;
 
+    /// How scripts and values hold stacks.
+    [[nodiscard]] static impl::TypeUtil const& stackType() noexcept;
+    static void letGo(void* stack);
+    /// The last holder of a stack that was given away has gone.
+    [[nodiscard]] bool dropHolder() noexcept;
+
+    /// The bytes of a text on the heap.
+    [[nodiscard]] static std::size_t ownedBytes(urString::CString const& text) noexcept {
+        constexpr std::size_t inlineSize = 15;
+        return text.size() > inlineSize ? text.size() : 0;
+    }
+    [[nodiscard]] static std::size_t bytesOf(impl::Value const& value) noexcept;
+    /// Before one more value is written that owns so many bytes of text. Requires: there is an account.
+    void chargeValue(std::size_t textBytes);
+    /// Before copies of these are written, for which `capacity` is reserved.
+    void chargeValues(std::span<impl::Value const> values, std::size_t capacity);
+    void dismantle() noexcept;
+    void takeApart(Stack*& chain) noexcept;
+
     ur::vector<impl::Value> values_;
     unsigned items_ = 0;
     impl::Holders holders_;
+    Stack* next_ = nullptr;  ///< while a chain of stacks that hold each other is deleted
+    ur::Charge charge_;
 };
 
 inline void Function::validateArity(Stack const& arguments, unsigned count) const {

@@ -39,7 +39,10 @@ void Writer::writeItemAt(Stack const& stack, std::size_t from) {
     std::size_t const length = container ? container->length : 1;
     std::size_t const at = values.size();
     if (open_ != nowhere) checkKey(std::holds_alternative<urString::CString>(stack.values_[from]));
-    if (values.capacity() - at < length) values.reserve(std::max(at + length, 2 * values.capacity()));
+    std::size_t const capacity =
+        values.capacity() - at < length ? std::max(at + length, 2 * values.capacity()) : values.capacity();
+    stack_.chargeValues({stack.values_.data() + from, length}, capacity);
+    values.reserve(capacity);
     try {
         // By index, and in the storage just made: the source may be this very stack.
         for (std::size_t i = 0; i < length; ++i) values.push_back(stack.values_[from + i]);

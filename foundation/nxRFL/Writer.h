@@ -51,7 +51,15 @@ private:
 
     template <class T, class... Parts>
     void append(T&& value, Parts&&... parts) {
-        if (open_ != impl::nowhere) checkKey(std::is_same_v<std::decay_t<T>, urString::CString>);
+        constexpr bool isText = std::is_same_v<std::decay_t<T>, urString::CString>;
+        if (open_ != impl::nowhere) checkKey(isText);
+        if (stack_.charge_) {
+            if constexpr (isText) {
+                stack_.chargeValue(Stack::ownedBytes(value));
+            } else {
+                stack_.chargeValue(0);
+            }
+        }
         stack_.values_.emplace_back(std::forward<T>(value), std::forward<Parts>(parts)...);
         count();
     }

@@ -308,4 +308,56 @@ TEST(Reader, ReadsDictionariesByKeyHandlers) {
     EXPECT_EQ(readSample(written([](Writer& writer) { writer.startArray(0); }), 2), 0);
 }
 
+TEST(Stack, IsChargedWithItsCopies) {
+    auto const account = std::make_shared<ur::Account>();
+    CString const page(100'000, 'x');
+    Stack stack;
+    stack.chargeTo(account);
+    {
+        Writer writer(stack);
+        writer.startArray(0);
+        for (int i = 0; i < 3; ++i) writer.writeText(page);
+        writer.endArray();
+    }
+    std::size_t const one = account->native();
+    EXPECT_GE(one, 300'000U);
+    Stack copy = stack;
+    Stack item;
+    Reader(stack).readItem(item);
+    EXPECT_GE(account->native(), 3 * 300'000U);
+    account->setBounds({.allowed = account->used() + 200'000});
+    EXPECT_THROW(Writer(copy).writeItem(stack), ur::BudgetSpent);
+    EXPECT_EQ(copy.size(), 1U);
+    EXPECT_THROW(Stack{stack}, ur::BudgetSpent);
+    copy.clear();
+    item = std::move(stack);
+    EXPECT_GE(account->native(), one);
+    item = {};
+    EXPECT_LT(account->native(), 1000U);
+    for (int i = 0; i < 2000; ++i) Writer(copy).writeNull();
+    copy.clear();
+    EXPECT_LT(account->native(), 1000U);  // without the storage of 2000 values
+}
+
+TEST(Stack, ChainsOfStacksThatHoldEachOtherGoInALoop) {
+    nxRFL::Database database;
+    nxRFL::Class const& stacks = *database.getClass("nxRFL::Stack");
+    auto const account = std::make_shared<ur::Account>();
+    nxRFL::Object last;
+    for (int i = 0; i < 200'000; ++i) {
+        auto stack = std::make_unique<Stack>();
+        stack->chargeTo(account);
+        Writer(*stack).writeObject(last);
+        Writer(*stack).writeObject(last);
+        Writer(*stack).writeText("x");
+        last = nxRFL::Object::give(stack.release(), stacks);
+    }
+    EXPECT_GT(account->native(), 200'000 * sizeof(Stack));
+    nxRFL::Object kept = last;
+    last = {};
+    EXPECT_GT(account->native(), 0U);
+    kept = {};
+    EXPECT_EQ(account->native(), 0U);
+}
+
 }  // namespace
