@@ -33,6 +33,21 @@ private:
 
 using studio::Brush;
 
+// [charge]
+/// Its bytes count with those of the scripts.
+class Canvas : public ur::ReferenceCount {
+public:
+    explicit Canvas(std::size_t bytes) : pixels_(bytes) {}
+    void chargeTo(std::shared_ptr<ur::Account> const& account) {
+        if (!charge_) charge_ = ur::Charge(account, pixels_.size());
+    }
+
+private:
+    ur::vector<char> pixels_;
+    ur::Charge charge_;
+};
+// [charge]
+
 // [register]
 void registerStudio(nxRFL::Database& database) {
     nxRFL::ExposeClass<Brush>(database, "studio::Brush")
@@ -89,6 +104,12 @@ int main() {
     show(state.run("studio.area(-1)", "=line"));
     show(state.run("while true do end", "=loop"));
     // [errors]
+
+    nxRFL::ExposeClass<Canvas>(database, "studio::Canvas").addStaticMethod("make", [](unsigned bytes) {
+        return ur::make<Canvas>(bytes);
+    });
+    state.reflection().publish();
+    show(state.run("studio.Canvas.make(20e6)", "=canvas"));
 
     CString const text = nxRFL::listing(database, nxRFL::ListingFormat::text);
     std::printf("%s", text.substr(text.find("class studio")).c_str());

@@ -1,6 +1,9 @@
 // Telling arrays from dictionaries, and bounding what hostile tables cost.
 #include "foundation/nxLC/walkValue.h"
 
+#include <utility>
+
+#include "foundation/nxLC/impl/Binding.h"
 #include "foundation/nxLC/impl/lua.h"
 #include "foundation/nxLC/protect.h"
 
@@ -17,6 +20,9 @@ public:
     void value(int index);
 
 private:
+    /// Fails when so many values are too many.
+    void spend(std::size_t values);
+    void text(int index);
     void table(int index);
     void array(int index);
     void arrayOutOfOrder(int index, int known);
@@ -26,31 +32,45 @@ private:
 
     lua_State* state_;
     ValueSink& sink_;
-    std::size_t budget_;  ///< values still to be told
+    std::size_t budget_;  ///< in values, which the rest may take
+    bool isRepeating_ = false;
 };
+
+constexpr std::size_t bytesOfValue = 16;
 
 [[noreturn]] void fail(char const* complaint) { throw nxRFL::Exception(complaint); }
 
 constexpr char const* wrongKeys = "is a table whose keys are neither 1 to n nor all strings";
 
 Walk::Walk(lua_State* state, ValueSink& sink) noexcept : state_(state), sink_(sink) {
-    // A value of a table takes 16 bytes or more. What exceeds all memory of the state is told more than once.
-    constexpr std::size_t leastBytes = 16;
-    constexpr std::size_t always = 1U << 16U;
-    budget_ = static_cast<std::size_t>(lua_gc(state, LUA_GCCOUNT, 0)) * 1024 / leastBytes + always;
+    // What is told once fits into the memory of the state, of which a value takes 16 bytes or more.
+    budget_ = static_cast<std::size_t>(lua_gc(state, LUA_GCCOUNT, 0)) * 1024 / bytesOfValue;
+}
+
+void Walk::spend(std::size_t values) {
+    if (values > budget_ && !std::exchange(isRepeating_, true)) {
+        // Shared parts are told again each time, which must end before they are out of all proportion.
+        impl::Binding const* const binding = impl::Binding::find(state_);
+        budget_ += binding ? binding->meter.limits().repeatedValues : Limits().repeatedValues;
+    }
+    if (values > budget_) fail("is a table with itself in it, or with parts that it holds too often");
+    budget_ -= values;
+}
+
+void Walk::text(int index) {
+    std::size_t size = 0;
+    char const* const text = lua_tolstring(state_, index, &size);
+    spend(size / bytesOfValue);
+    sink_.onText(text, size);
 }
 
 void Walk::value(int index) {
-    if (budget_-- == 0) fail("is a table with itself in it, or with parts that it holds too often");
+    spend(1);
     switch (lua_type(state_, index)) {
         case LUA_TNIL: return sink_.onNil();
         case LUA_TBOOLEAN: return sink_.onBoolean(lua_toboolean(state_, index) != 0);
         case LUA_TNUMBER: return sink_.onNumber(lua_tonumber(state_, index));
-        case LUA_TSTRING: {
-            std::size_t size = 0;
-            char const* const text = lua_tolstring(state_, index, &size);
-            return sink_.onText(text, size);
-        }
+        case LUA_TSTRING: return text(index);
         case LUA_TTABLE:
             if (!sink_.onOther(state_, index)) table(index);
             return;
@@ -124,9 +144,7 @@ void Walk::dictionary(int index) {
     sink_.startDictionary();
     do {
         if (lua_type(state_, -2) != LUA_TSTRING) fail(wrongKeys);
-        std::size_t size = 0;
-        char const* const key = lua_tolstring(state_, -2, &size);
-        sink_.onText(key, size);
+        text(-2);
         topAndPop();
     } while (lua_next(state_, index));
     sink_.endDictionary();

@@ -74,6 +74,7 @@ Binding::Binding(lua_State* state, nxRFL::Database& boundDatabase)
       data(*this),
       main(state),
       running(state),
+      meter(boundDatabase.account(), running),
       link(ur::make<Link>(this)) {}
 
 Binding::~Binding() {

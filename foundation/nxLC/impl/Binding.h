@@ -127,10 +127,13 @@ public:
     explicit UsedStacks(Binding& binding) : binding_(binding) {
         if (binding.callDepth == binding.stacks.size()) binding.stacks.push_back(std::make_unique<CallStacks>());
         stacks_ = binding.stacks[binding.callDepth++].get();
+        stacks_->arguments.chargeTo(binding.database.account());
+        stacks_->results.chargeTo(binding.database.account());
     }
     UsedStacks(UsedStacks const&) = delete;
     UsedStacks& operator=(UsedStacks const&) = delete;
     ~UsedStacks() {
+        binding_.meter.spend(stacks_->arguments.length() + stacks_->results.length());
         stacks_->arguments.clear();
         stacks_->results.clear();
         --binding_.callDepth;

@@ -2,10 +2,13 @@
 #include "foundation/nxLC/impl/Meter.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "foundation/nxLC/impl/Binding.h"
 
 namespace nxLC::impl {
+
+using ur::Account;
 
 namespace {
 
@@ -13,29 +16,63 @@ void onCount(lua_State* state, lua_Debug* /*event*/) {
     if (Binding* const binding = Binding::find(state)) binding->meter.tick(state);
 }
 
+int collectAll(lua_State* state) {
+    lua_gc(state, LUA_GCCOLLECT, 0);
+    return 0;
+}
+
+/// The sum, or the largest number.
+std::size_t sum(std::size_t a, std::size_t b) noexcept {
+    return b > Account::unlimited - a ? Account::unlimited : a + b;
+}
+
 }  // namespace
 
 void Meter::attach(lua_State* state) noexcept {
-    used_ = static_cast<std::size_t>(lua_gc(state, LUA_GCCOUNT, 0)) * 1024 +
+    size_ = static_cast<std::size_t>(lua_gc(state, LUA_GCCOUNT, 0)) * 1024 +
             static_cast<std::size_t>(lua_gc(state, LUA_GCCOUNTB, 0));
+    account_->changeScript(size_);
     allocator_ = lua_getallocf(state, &allocatorData_);
     lua_setallocf(state, &Meter::allocate, this);
     lua_sethook(state, &onCount, LUA_MASKCOUNT, period);
 }
 
 void Meter::detach(lua_State* state) noexcept {
-    if (allocator_) lua_setallocf(state, allocator_, allocatorData_);
+    if (!allocator_) return;
+    lua_setallocf(state, allocator_, allocatorData_);
+    account_->changeScript(0 - size_);
 }
 
 void* Meter::allocate(void* meter, void* block, std::size_t oldSize, std::size_t newSize) {
     auto& self = *static_cast<Meter*>(meter);
-    if (newSize > oldSize && newSize - oldSize > self.allowed_ - std::min(self.used_, self.allowed_)) {
+    if (newSize > oldSize && !self.account_->allows(newSize - oldSize)) {
         self.refused_ = true;
         return nullptr;
     }
     void* const result = self.allocator_(self.allocatorData_, block, oldSize, newSize);
-    if (result || newSize == 0) self.used_ += newSize - oldSize;
+    if (result || newSize == 0) {
+        self.size_ += newSize - oldSize;
+        self.account_->changeScript(newSize - oldSize);
+    }
     return result;
+}
+
+/// What holds inside a call from where `bounds` do.
+Account::Bounds Meter::bounded(Account::Bounds bounds) noexcept {
+    bounds.collector = this;
+    std::size_t const used = account_->used();
+    auto const tighten = [&](std::size_t allowed, std::size_t collectAt, std::size_t limit) {
+        bounds.allowed = std::min(bounds.allowed, allowed);
+        bounds.collectAt = std::min(bounds.collectAt, collectAt);
+        bounds.step = std::min(bounds.step, limit / 16);
+    };
+    if (std::size_t const limit = limits_.memory) tighten(sum(used, limit), sum(used, limit - limit / 4), limit);
+    if (std::size_t const limit = limits_.totalMemory) {
+        // Not at every call, when nearly everything is in use all the time.
+        collected_ = std::min(collected_, sum(used, limit / 16));
+        tighten(limit, std::max(limit - limit / 4, collected_), limit);
+    }
+    return bounds;
 }
 
 void Meter::enter() noexcept {
@@ -44,9 +81,9 @@ void Meter::enter() noexcept {
     refused_ = false;
     stopped_ = ended_;
     interrupted_ = false;
-    if (limits_.memory == 0 || unlimited - used_ <= limits_.memory) return;
-    allowed_ = used_ + limits_.memory;
-    collectAt_ = allowed_ - limits_.memory / 4;
+    outer_ = account_->bounds();
+    account_->setBounds(bounded(outer_));
+    relieve(running_);  // what is left of earlier calls
 }
 
 void Meter::end(lua_State* running) noexcept {
@@ -56,7 +93,8 @@ void Meter::end(lua_State* running) noexcept {
 
 void Meter::leave() noexcept {
     if (--depth_ > 0) return;
-    allowed_ = collectAt_ = unlimited;
+    collected_ = account_->bounds().collectAt;
+    account_->setBounds(outer_);
 }
 
 char const* Meter::reason() const noexcept {
@@ -66,29 +104,47 @@ char const* Meter::reason() const noexcept {
 }
 
 void Meter::tick(lua_State* state) {
-    bool const everyInstruction = lua_gethookcount(state) == 1;
+    int const ran = lua_gethookcount(state);
     if (!active()) {
         // Left from a call that was stopped.
-        if (everyInstruction) lua_sethook(state, &onCount, LUA_MASKCOUNT, period);
+        if (ran == 1) lua_sethook(state, &onCount, LUA_MASKCOUNT, period);
         return;
     }
-    if (!everyInstruction) instructions_ += period;
-    stopped_ = stopped_ || interrupted_ || (limits_.instructions != 0 && instructions_ > limits_.instructions);
-    if (stopped_) {
-        lua_sethook(state, &onCount, LUA_MASKCOUNT, 1);
-        luaL_where(state, 0);  // the hook is no function of its own
-        lua_pushstring(state, reason());
-        lua_concat(state, 2);
-        lua_error(state);
-    }
-    if (everyInstruction) lua_sethook(state, &onCount, LUA_MASKCOUNT, period);
-    if (used_ > collectAt_) relieve(state);
+    count(state, state, ran == 1 ? period : std::min(2 * ran, period));
+    relieve(state);
 }
 
-/// Lua collects by its own pace and fails at once when memory is refused: what is garbage goes before that.
-void Meter::relieve(lua_State* state) {
-    lua_gc(state, LUA_GCCOLLECT, 0);
-    collectAt_ = std::max(used_, allowed_ - limits_.memory / 4) + limits_.memory / 16;
+void Meter::begin(lua_State* state, lua_State* coroutine) {
+    if (active()) count(state, coroutine, firstPeriod);
+}
+
+/// Counts what `thread` may run until its hook strikes.
+void Meter::count(lua_State* state, lua_State* thread, int instructions) {
+    instructions_ += static_cast<std::uint64_t>(instructions);
+    if (mustStop()) stop(state);
+    lua_sethook(thread, &onCount, LUA_MASKCOUNT, instructions);
+}
+
+void Meter::stop(lua_State* state) {
+    lua_sethook(state, &onCount, LUA_MASKCOUNT, 1);
+    luaL_where(state, 0);  // the hook is no function of its own
+    lua_pushstring(state, reason());
+    lua_concat(state, 2);
+    lua_error(state);
+    std::abort();  // not reached
+}
+
+/// Lua collects by its own pace and fails at once when memory is refused: what is garbage goes before that. An error is
+/// that of a finalizer of the host's; then some garbage stays.
+void Meter::collect(lua_State* state) noexcept {
+    if (collecting_ || !active()) return;
+    collecting_ = true;
+    Account::Bounds const bounds = account_->bounds();
+    account_->setBounds({});  // collecting takes a little memory itself
+    if (lua_cpcall(state, &collectAll, nullptr) != 0) lua_pop(state, 1);
+    account_->setBounds(bounds);
+    account_->noteCollection();
+    collecting_ = false;
 }
 
 }  // namespace nxLC::impl

@@ -14,10 +14,23 @@ using Held = ur::Reference<Function>;
 
 namespace {
 
+/// What native code needs for keeping a function, such as a callable around it and its place in a list.
+constexpr std::size_t bytesOfKeeper = 256;
+
 /// Room for every place to become free, so that giving one up needs no memory.
 void reserveFreePlaces(Binding& binding) {
     auto const places = static_cast<std::size_t>(binding.functionPlaces) + 1;
     if (binding.freeFunctions.capacity() < places) binding.freeFunctions.reserve(2 * places);
+}
+
+/// The place stays in the table, so that nothing is allocated here.
+void freePlace(Binding& binding, int place) noexcept {
+    lua_State* const state = binding.running;
+    Binding::pushKept(state, binding.functions);
+    lua_pushboolean(state, 0);
+    lua_rawseti(state, -2, place);
+    lua_pop(state, 1);
+    binding.freeFunctions.push_back(place);  // room was made with the place
 }
 
 /// Calls the native function in the userdata that is the second upvalue.
@@ -29,19 +42,15 @@ int callHeld(lua_State* state) {
 
 }  // namespace
 
-ScriptFunction::ScriptFunction(Binding& binding, int place) noexcept
-    : Function(&binding.database, false), link_(binding.link), place_(place) {}
+ScriptFunction::ScriptFunction(Binding& binding, int place)
+    : Function(&binding.database, false),
+      link_(binding.link),
+      place_(place),
+      charge_(binding.database.account(), sizeof(ScriptFunction) + bytesOfKeeper) {}
 
 ScriptFunction::~ScriptFunction() {
     Binding* const binding = link_->binding;
-    if (!binding) return;
-    // The place stays in the table, so that nothing is allocated here.
-    lua_State* const state = binding->running;
-    Binding::pushKept(state, binding->functions);
-    lua_pushboolean(state, 0);
-    lua_rawseti(state, -2, place_);
-    lua_pop(state, 1);
-    binding->freeFunctions.push_back(place_);  // room was made with the place
+    if (binding) freePlace(*binding, place_);
 }
 
 bool ScriptFunction::push(Binding const& binding, lua_State* state) const noexcept {
@@ -63,16 +72,19 @@ void ScriptFunction::onCall(Stack const& arguments, Stack& results) const {
     if (link_->binding->meter.ended()) throw nxRFL::Exception("the script has ended");
     Held const self(const_cast<ScriptFunction*>(this));  // the script may drop the last reference
     Call call{*this, *link_->binding, arguments, results};
-    call.binding.protectCall(
-        [](lua_State* state, void* context) {
-            Call const& called = *static_cast<Call*>(context);
-            if (!called.function.push(called.binding, state)) return 0;
-            int const count = pushItems(called.binding, state, called.arguments);
-            lua_call(state, count, LUA_MULTRET);
-            readValues(called.binding, state, 1, called.results);
-            return 0;
-        },
-        &call);
+    Body const body = [](lua_State* state, void* context) {
+        Call const& called = *static_cast<Call*>(context);
+        if (!called.function.push(called.binding, state)) return 0;
+        int const count = pushItems(called.binding, state, called.arguments);
+        lua_call(state, count, LUA_MULTRET);
+        readValues(called.binding, state, 1, called.results);
+        return 0;
+    };
+    try {
+        call.binding.protectCall(body, &call);
+    } catch (ur::BudgetSpent const& error) {
+        throw nxRFL::Exception(error.what());
+    }
 }
 
 int keepFunction(Binding& binding, lua_State* state, int index) {
@@ -91,7 +103,14 @@ int keepFunction(Binding& binding, lua_State* state, int index) {
     return place;
 }
 
-Held functionAt(Binding& binding, int place) { return Held(new ScriptFunction(binding, place)); }
+Held functionAt(Binding& binding, int place) {
+    try {
+        return Held(new ScriptFunction(binding, place));
+    } catch (...) {
+        freePlace(binding, place);
+        throw;
+    }
+}
 
 void pushScriptFunction(Binding& binding, lua_State* state, Held const& function) {
     if (!function) return lua_pushnil(state);

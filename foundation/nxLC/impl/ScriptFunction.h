@@ -9,8 +9,8 @@ namespace nxLC::impl {
 /// A function of a script. It stays alive in its state as long as this does, and does nothing once the state is closed.
 class ScriptFunction final : public nxRFL::Function {
 public:
-    /// Takes over a place in the table of functions.
-    ScriptFunction(Binding& binding, int place) noexcept;
+    /// Takes over a place in the table of functions, when it does not throw.
+    ScriptFunction(Binding& binding, int place);
     ~ScriptFunction() override;
 
     [[nodiscard]] bool canRun() const noexcept override { return link_->binding && !link_->binding->meter.ended(); }
@@ -23,6 +23,7 @@ private:
 
     ur::Reference<Link> link_;
     int place_;
+    ur::Charge charge_;
 };
 
 /// Keeps the function at `index`, which is positive. Raises.

@@ -59,6 +59,8 @@ template <class Native>
 [[gnu::always_inline]] inline int runNative(Binding* binding, lua_State* state, ShortText& text,
                                             Native const& native) noexcept {
     if (!binding) return failShortly(text, "the state is closing");
+    if (binding->meter.mustStop()) return failShortly(text, binding->meter.reason());
+    binding->meter.relieve(state);
     try {
         NativeCall const call(*binding, state);
         return native();

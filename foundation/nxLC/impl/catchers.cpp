@@ -46,6 +46,27 @@ int callWithHandler(lua_State* state) {
     return finishCall(state, lua_pcall(state, 0, LUA_MULTRET, 1), 2);
 }
 
+/// The function in the second upvalue made a coroutine, which now counts for itself.
+void count(lua_State* state, lua_State* coroutine) {
+    Binding* const binding = bindingOf(state);
+    if (coroutine && binding) binding->meter.begin(state, coroutine);
+}
+
+int create(lua_State* state) {
+    int const results = callUpvalue(state);
+    count(state, lua_tothread(state, -1));
+    return results;
+}
+
+/// The original function gives one that has the coroutine as its only upvalue.
+int wrap(lua_State* state) {
+    int const results = callUpvalue(state);
+    if (!lua_getupvalue(state, -1, 1)) return results;
+    count(state, lua_tothread(state, -1));
+    lua_pop(state, 1);
+    return results;
+}
+
 /// Calls the original function in the second upvalue, which catches errors of what it calls.
 int callCatcher(lua_State* state) {
     int const results = callUpvalue(state);
@@ -80,7 +101,11 @@ void replaceCatchers(lua_State* state) {
     replace(state, anchor, "xpcall", &callWithHandler);
     replace(state, anchor, "load", &callCatcher);
     pushField(state, LUA_COLIBNAME);
-    if (lua_istable(state, -1)) replace(state, anchor, "resume", &callCatcher);
+    if (lua_istable(state, -1)) {
+        replace(state, anchor, "resume", &callCatcher);
+        replace(state, anchor, "create", &create);
+        replace(state, anchor, "wrap", &wrap);
+    }
     lua_settop(state, anchor);
 }
 

@@ -105,6 +105,7 @@ void pushNew(Binding& binding, lua_State* state, Object const& object) {
     ClassTables const& tables = tablesOf(binding, state, *resolved.objectClass);
     if (pushFound(state, tables, resolved, object)) return;
     luaL_checkstack(state, 5, "too many values");
+    resolved.objectClass->charge(resolved.pointer, binding.database.account());
     auto* const box = static_cast<Box*>(lua_newuserdata(state, sizeof(Box)));
     *box = {nullptr, resolved.objectClass, false};
     Binding::pushKept(state, tables.metatable);

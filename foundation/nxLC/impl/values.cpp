@@ -159,6 +159,7 @@ void readArguments(Binding& binding, lua_State* state, Function const& function,
 }
 
 void readValues(Binding& binding, lua_State* state, int first, Stack& stack) {
+    stack.chargeTo(binding.database.account());
     Writer writer(stack);
     int const count = lua_gettop(state);
     for (int i = first; i <= count; ++i) {

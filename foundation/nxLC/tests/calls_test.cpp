@@ -147,16 +147,17 @@ TEST_F(Calls, FailAtAnyAllocationWithoutHarm) {
     bool succeeded = false;
     for (std::size_t memory = 16; memory < 60000 && !succeeded; memory += memory < 4000 ? 24 : 240) {
         state = std::make_unique<nxLC::State>(database);
+        succeed("collectgarbage()");
         state->setLimits({.memory = memory});
         std::string const message = run(script);
         succeeded = message == "ok";
-        failures += message == "memory budget spent" ? 1 : 0;
+        failures += message.ends_with("memory budget spent") ? 1 : 0;
         state.reset();
         ASSERT_EQ(Animal::alive, 0) << memory;
         ASSERT_EQ(farm::Token::alive, 0) << memory;
     }
     EXPECT_TRUE(succeeded);
-    EXPECT_GT(failures, 50);
+    EXPECT_GT(failures, 20);
 }
 
 TEST_F(Calls, CallbacksKeepTheirFunctionsUntilTheyAreDropped) {

@@ -1,4 +1,4 @@
-// Scripts that will not end, and what a sandbox has.
+// Scripts that will not end or that take too much, and what a sandbox has.
 #include <csignal>
 #include <thread>
 
@@ -27,6 +27,14 @@ TEST_F(Limits, EndScriptsThatLoop) {
              "table.sort({3, 1, 2}, function() while true do end end)",
              "string.gsub('aaa', 'a', function() while true do end end)",
              "setmetatable(_G, {__index = function() while true do end end}) local x = y",
+             "while true do coroutine.resume(coroutine.create(function() end)) end",
+             "while true do coroutine.wrap(function() for i = 1, 20 do end end)() end",
+             // A tree: each thread ends long before its own hook strikes.
+             "local function grow(n) if n == 0 then return end for i = 1, 30 do "
+             "coroutine.resume(coroutine.create(grow), n - 1) end end grow(20)",
+             "local function grow(n) if n == 0 then return end for i = 1, 30 do "
+             "coroutine.wrap(grow)(n - 1) end end pcall(grow, 20)",
+             "local t = {} for i = 1, 100000 do t[i] = i end while true do pcall(farm.tools.echo, t) end",
          }) {
         std::string const message = run(endless);
         EXPECT_TRUE(message.ends_with(spent)) << endless << ": " << message;
@@ -42,6 +50,10 @@ TEST_F(Limits, CountEachCallAnew) {
     state->setLimits({.instructions = 100000});
     for (int i = 0; i < 5; ++i) succeed("for i = 1, 60000 do end");
     EXPECT_NE(run("for i = 1, 200000 do end"), "ok");
+    // A coroutine costs what it runs, and little more.
+    succeed("for i = 1, 1000 do coroutine.wrap(function() for j = 1, 20 do end end)() end");
+    succeed("coroutine.wrap(function() for j = 1, 80000 do end end)()");
+    EXPECT_NE(run("for i = 1, 10 do coroutine.wrap(function() for j = 1, 12000 do end end)() end"), "ok");
     state->setLimits({});
     succeed("for i = 1, 1000000 do end");
 }
@@ -119,6 +131,91 @@ TEST_F(Limits, WorkInStatesOfTheHost) {
     lua_close(L);
 }
 
+/// Owns as many bytes as it is told.
+class Sack : public ur::ReferenceCount {
+public:
+    void chargeTo(std::shared_ptr<ur::Account> const& account) {
+        if (!charge_) charge_ = ur::Charge(account, 0);
+    }
+    void fill(double bytes) { charge_.add(static_cast<std::size_t>(bytes)); }
+    ur::Reference<Sack> held;
+
+private:
+    ur::Charge charge_;
+    farm::Token token_;
+};
+
+struct NativeMemory : Farm {
+    NativeMemory() {
+        nxRFL::ExposeClass<Sack>(database, "farm::Sack")
+            .addMethod("fill", &Sack::fill)
+            .addMethod("hold", [](Sack& self, ur::Reference<Sack> const& other) { self.held = other; })
+            .addStaticMethod("make", [] { return ur::make<Sack>(); });
+        state->reflection().publish();
+    }
+    std::size_t native() const { return database.account()->native(); }
+};
+
+TEST_F(NativeMemory, CountsWithTheScriptsOwn) {
+    state->setLimits({.memory = 4'000'000});
+    EXPECT_EQ(run("s = farm.Sack.make() s:fill(5000000)"), "test:1: memory budget spent");
+    EXPECT_EQ(run("s:fill(3000000) string.rep('x', 2000000)"), "memory budget spent");
+    succeed("local caught = select(2, pcall(s.fill, s, 9000000)) assert(caught:find('budget spent'), caught)");
+    succeed("s:fill(3900000)");  // each call may add as much
+    state->setLimits({.memory = 4'000'000, .totalMemory = 8'000'000});
+    EXPECT_EQ(run("s:fill(2000000)"), "test:1: memory budget spent");
+    EXPECT_EQ(run("string.rep('x', 1000000)"), "memory budget spent");
+    succeed("s:hold(farm.Sack.make()) s:hold(nil) s = nil collectgarbage()");
+    succeed("s = farm.Sack.make() s:fill(3900000)");
+    state.reset();
+    EXPECT_EQ(native(), 0U);
+    EXPECT_EQ(database.account()->used(), 0U);
+}
+
+TEST_F(NativeMemory, GarbageGoesBeforeAnythingIsRefused) {
+    for (nxLC::Limits const limits : {nxLC::Limits{.memory = 5'000'000}, nxLC::Limits{.totalMemory = 6'000'000}}) {
+        state->setLimits(limits);
+        succeed("for i = 1, 2000 do farm.Sack.make():fill(2000000) end");
+        succeed("for i = 1, 20000 do local s = farm.Sack.make() s:fill(100000) end");
+        // Held only through another that is garbage; and most of the room in use all the time.
+        succeed(
+            "kept = farm.Sack.make() kept:fill(4000000) "
+            "for i = 1, 2000 do local s, t = farm.Sack.make(), farm.Sack.make() s:fill(100000) s:hold(t) end");
+        succeed("for i = 1, 100 do coroutine.wrap(function() farm.Sack.make():fill(900000) end)() end kept = nil");
+    }
+}
+
+TEST_F(NativeMemory, PacesTheCollectorWithoutAnyLimit) {
+    succeed("for i = 1, 3000 do farm.Sack.make():fill(1000000) end");
+    EXPECT_LT(native(), 4'000'000U);
+    succeed(
+        "local kept = {} for i = 1, 300 do kept[i] = farm.Sack.make() kept[i]:fill(1000000) end "
+        "for i = 1, 3000 do farm.Sack.make():fill(1000000) end");
+    EXPECT_LT(native(), 700'000'000U);
+}
+
+TEST_F(NativeMemory, IsChargedForTablesAndFunctionsThatNativeCodeKeeps) {
+    state->setLimits({.totalMemory = 3'000'000});
+    auto const animal = giveAnimal("rex");
+    EXPECT_EQ(run("local t, s = {}, ('x'):rep(100000) for i = 1, 1000 do t[i] = s end farm.tools.echo(t)"),
+              "test:1: memory budget spent");
+    nxRFL::Stack results;
+    auto const error =
+        state->run("local t, s = {}, ('x'):rep(100000) for i = 1, 1000 do t[i] = s end return t", "=test", {}, results);
+    EXPECT_EQ(error ? error->message() : "ok", "memory budget spent");
+    results.clear();
+    ur::vector<ur::Reference<nxRFL::Function>> kept;
+    nxRFL::ExposeFunction(database, "farm::tools").add("keep", [&](ur::Reference<nxRFL::Function> const& function) {
+        kept.push_back(function);
+    });
+    state->reflection().publish();
+    EXPECT_TRUE(run("local f = function() end while true do farm.tools.keep(f) end").ends_with("memory budget spent"));
+    EXPECT_GT(kept.size(), 3000U);
+    kept.clear();
+    succeed("for i = 1, 1000 do farm.tools.keep(print) end");
+    kept.clear();
+}
+
 struct Sandbox : Farm {
     Sandbox() : Farm(nxLC::Library::sandboxed) {}
 };
@@ -145,6 +242,27 @@ TEST_F(Sandbox, BoundsPatterns) {
     EXPECT_EQ(run("string.gsub('a', string.rep('a?', 200000), 'b', 1)"), "test:1: the pattern is too long");
     succeed("assert(string.find(string.rep('a', 40000), string.rep('a', 20000), 1, true) == 1)");
     succeed("assert(string.find(string.rep('a', 5000), string.rep('a?', 4999)))");
+}
+
+TEST_F(Sandbox, RefusesAtOnceWhatLibrariesWouldTakeForEver) {
+    for (std::string const refused :
+         {"unpack({}, 0, 2^31 - 1)", "unpack({}, -2^31, 2^31 - 1)", "unpack({}, -2^31 + 1)", "unpack({}, 1, 1e300)",
+          "unpack({}, 1, 0/0)", "unpack({}, 1, 100000)", "string.rep('', 2^31 - 1)", "string.rep('xy', 2^30)",
+          "string.rep('x', 1/0)", "table.insert({}, 2^31, 1)", "table.insert({}, -2^31, 1)",
+          "table.insert({}, -1, 1)"}) {
+        EXPECT_NE(run(refused), "ok") << refused;
+        succeed("assert(not pcall(function() " + refused + " end))");
+    }
+    succeed(R"(
+        assert(select("#", unpack({}, 1, 5000)) == 5000 and select("#", unpack({1, 2, 3})) == 3 and unpack({1, 2}, 2) == 2)
+        assert(select("#", unpack({}, 2)) == 0 and select("#", unpack({}, 5, -2^31)) == 0)
+        assert(string.rep("ab", 3) == "ababab" and string.rep("ab", -1) == "" and ("x"):rep("2") == "xx")
+        local t = {1, 2}
+        table.insert(t, 3) table.insert(t, 1, 0) table.insert(t, 7, 7)
+        assert(table.concat(t, ",", 1, 4) == "0,1,2,3" and t[7] == 7))");
+    EXPECT_EQ(run("table.insert(1, 2)"), "test:1: bad argument #1 to 'insert' (table expected, got number)");
+    nxLC::State everything(database);
+    EXPECT_TRUE(everything.run("unpack({}, 0, 2^31 - 1)", "=test"));
 }
 
 }  // namespace

@@ -61,6 +61,7 @@ TEST_F(Values, OddTablesAreRefused) {
 
 TEST_F(Values, TablesWithoutEndCostLittle) {
     std::string const inItself = "is a table with itself in it";
+    state->setLimits({.repeatedValues = 10000});
     for (char const* const build :
          {"t[1] = t", "t.x = {t}", "for i = 1, 1000 do t[i] = i end t[1001] = t", "for i = 1, 60 do t = {t, t} end",
           "for i = 1, 100000 do t = {t} end", "for i = 1, 60 do t = {a = t, b = t} end"}) {
@@ -69,6 +70,10 @@ TEST_F(Values, TablesWithoutEndCostLittle) {
     }
     succeed("local t = {} for i = 1, 1000 do t = {t} end farm.tools.echo(t)");
     succeed("local t = {} for i = 1, 300000 do t[i] = {i} end farm.tools.echo(t)");
+    state->setLimits({});
+    succeed(
+        "local t, part = {}, {} for i = 1, 1000 do part[i] = i end for i = 1, 1000 do t[i] = part end "
+        "farm.tools.echo(t)");
 }
 
 TEST_F(Values, NativeItemsOfAnyDepthReachLuaOrFail) {
