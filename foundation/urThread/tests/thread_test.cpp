@@ -78,4 +78,45 @@ TEST(Buffer, HoldsAnyBytesAndJoins) {
     EXPECT_EQ(mergeBuffers(nullptr, nullptr)->size(), 0U);
 }
 
+TEST(Buffer, MergesBlockAfterBlockAtTheCostOfTheBody) {
+    auto const account = std::make_shared<ur::Account>();
+    auto const block = ur::make<Buffer>(std::string(1000, 'x'));
+    ur::Reference<Buffer> body, half;
+    std::size_t most = 0;
+    for (int i = 0; i < 10000; ++i) {
+        body = mergeBuffers(body, block);
+        if (i == 0) body->chargeTo(account);
+        if (i == 4999) half = body;
+        most = std::max(most, account->native());
+    }
+    EXPECT_EQ(body->size(), 10'000'000U);
+    EXPECT_LE(most, 25'000'000U + 7'500'000U);  // the last two of growing storages, and the half that is kept
+    // What grew out of a buffer is not seen in it, nor in what else grows out of it.
+    auto const other = mergeBuffers(half, ur::make<Buffer>("y"));
+    EXPECT_EQ(half->size(), 5'000'000U);
+    EXPECT_EQ(other->data()[5'000'000], 'y');
+    EXPECT_EQ(body->data()[5'000'000], 'x');
+    account->setBounds({.allowed = account->used() + 1'000'000});
+    EXPECT_THROW(static_cast<void>(mergeBuffers(block, other)), ur::BudgetSpent);
+    body = half = nullptr;
+    EXPECT_LT(account->native(), 8'000'000U);
+}
+
+TEST(Buffer, ThreadsMayMergeIntoOneBuffer) {
+    auto const begin = mergeBuffers(ur::make<Buffer>(std::string(1000, 'x')), ur::make<Buffer>("y"));
+    auto const run = [&begin](char letter, bool& isRight) {
+        std::string const mine(100, letter);
+        isRight = true;
+        for (int i = 0; i < 300; ++i) {
+            auto const merged = mergeBuffers(begin, ur::make<Buffer>(mine));
+            isRight = isRight && std::string_view(merged->data() + 1001, 100) == mine;
+        }
+    };
+    bool areRight[2];
+    std::thread second([&] { run('b', areRight[1]); });
+    run('a', areRight[0]);
+    second.join();
+    EXPECT_TRUE(areRight[0] && areRight[1]);
+}
+
 }  // namespace
