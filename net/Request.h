@@ -1,6 +1,7 @@
 // What a transfer sends, and where.
 #pragma once
 
+#include "foundation/ur/Account.h"
 #include "foundation/ur/Export.h"
 #include "foundation/ur/Reference.h"
 #include "foundation/ur/ReferenceCount.h"
@@ -24,15 +25,15 @@ public:
     ~Request() override;
 
     [[nodiscard]] urString::CString const& getUrl() const noexcept { return url_; }
-    void setUrl(urString::CString const& url) { url_ = url; }
+    void setUrl(urString::CString const& url) { set(url_, url); }
 
     /// "GET" to begin with.
     [[nodiscard]] urString::CString const& getHTTPMethod() const noexcept { return httpMethod_; }
-    void setHTTPMethod(urString::CString const& method) { httpMethod_ = method; }
+    void setHTTPMethod(urString::CString const& method) { set(httpMethod_, method); }
 
     /// The path of the file whose contents are sent; empty for none.
     [[nodiscard]] urString::CString const& getFileForUpload() const noexcept { return fileForUpload_; }
-    void setFileForUpload(urString::CString const& path) { fileForUpload_ = path; }
+    void setFileForUpload(urString::CString const& path) { set(fileForUpload_, path); }
 
     /// A second value for a name takes the place of the first.
     void addHeader(urString::CString const& name, urString::CString const& value) { put(headers_, name, value); }
@@ -42,14 +43,20 @@ public:
     void addPostData(urString::CString const& name, urString::CString const& value) { put(postData_, name, value); }
     [[nodiscard]] Fields const& getPostData() const noexcept { return postData_; }
 
+    /// Charges what the request owns, now and later, for as long as it lives: filling it in then throws
+    /// `ur::BudgetSpent`. The first account stays.
+    void chargeTo(std::shared_ptr<ur::Account> const& account);
+
 private:
-    static void put(Fields& fields, urString::CString const& name, urString::CString const& value);
+    void set(urString::CString& field, urString::CString const& value);
+    void put(Fields& fields, urString::CString const& name, urString::CString const& value);
 
     urString::CString url_;
     urString::CString httpMethod_ = "GET";
     urString::CString fileForUpload_;
     Fields postData_;
     Fields headers_;
+    ur::Charge charge_;
 };
 
 }  // namespace nxNet

@@ -23,6 +23,30 @@ TEST(Request, KeepsOneValueForEachNameInTheOrderOfNames) {
     EXPECT_EQ(text.substr(0, 33), "GET=b b=GET m=GET x000=GET x001=G");
 }
 
+TEST(Request, IsChargedForWhatItHolds) {
+    auto const account = std::make_shared<ur::Account>();
+    auto request = ur::make<Request>();
+    urString::CString const page(100'000, 'x');
+    request->addHeader("h", page);
+    request->chargeTo(account);
+    std::size_t const before = account->native();
+    EXPECT_GE(before, 100'000U);
+    request->setUrl(page);
+    request->setHTTPMethod(page);
+    request->setFileForUpload(page);
+    request->addPostData(page, page);
+    EXPECT_GE(account->native(), before + 500'000 - 3);
+    account->setBounds({.allowed = account->used() + 50'000});
+    for (int i = 0; i < 3; ++i) request->addHeader("h", page);
+    EXPECT_THROW(request->addHeader("i", page), ur::BudgetSpent);
+    request->setUrl("");
+    request->addHeader("i", page);
+    ur::Reference<Request> const copy = ur::make<Request>();
+    EXPECT_THROW(*copy = *request, ur::BudgetSpent);
+    request = nullptr;
+    EXPECT_EQ(account->native(), 0U);
+}
+
 struct End {
     char const* name;
     Connection::Status status;

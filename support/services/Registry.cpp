@@ -8,9 +8,17 @@
 
 namespace nxSupport {
 
+namespace {
+
+/// Of the table, and of the handle to the value.
+constexpr std::size_t bytesOfEntry = 128;
+
+}  // namespace
+
 class RegistryImpl : public ur::ImplBase {
 public:
     ur::map<urString::CString, RegistryValue, urString::less> values;
+    ur::Charge charge;  ///< for the keys
 };
 
 Registry::Registry() : impl_(new RegistryImpl), ownsImpl_(true) {}
@@ -24,7 +32,12 @@ Registry::~Registry() {
 void Registry::setKey(urString::CString const& key, RegistryValue const& value) {
     // The former value goes last, from outside the table: what it holds may use the registry when it is destroyed.
     RegistryValue next = value;
+    if (!hasKey(key)) impl_->charge.add(key.size() + bytesOfEntry);
     std::swap(impl_->values[key], next);
+}
+
+void Registry::chargeTo(std::shared_ptr<ur::Account> const& account) {
+    if (!impl_->charge) impl_->charge = ur::Charge(account, 0);
 }
 
 bool Registry::hasKey(urString::CString const& key) const { return impl_->values.contains(key); }

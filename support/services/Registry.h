@@ -22,6 +22,8 @@ public:
 
     /// A key may be set to no value: it exists all the same.
     void setKey(urString::CString const& key, RegistryValue const& value);
+    /// Charges the keys that are set from now on; values are charged by the stacks that hold them.
+    void chargeTo(std::shared_ptr<ur::Account> const& account);
     [[nodiscard]] bool hasKey(urString::CString const& key) const;
     /// Shares the stored item, which stays when the key is set anew. No value when there is no such key.
     [[nodiscard]] RegistryValue getKey(urString::CString const& key) const;
