@@ -122,7 +122,12 @@ private:
     }
     std::string replaceWhole() {
         switch (below(4)) {
-            case 0: map_ = Map(map_); break;
+            case 0: {
+                Map const copy(map_);
+                map_.clear();
+                map_ = copy;
+                break;
+            }
             case 1: map_.reserve(below(2 * blockSize)); break;
             case 2: {
                 Map taken(std::move(map_));
