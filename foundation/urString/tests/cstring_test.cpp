@@ -185,7 +185,8 @@ TEST(CString, FindsReplacesAndChangesCase) {
     CString growing = "aXa";
     EXPECT_EQ(growing.replace("a", growing), 2u);
     EXPECT_EQ(growing, "aXaXaXa");
-    EXPECT_EQ(CString("\xc3\xa4Z").toLowerCase(), "\xc3\xa4z");
+    EXPECT_EQ(CString("\xc3\xa4@AZ[").toLowerCase(), "\xc3\xa4@az[");
+    EXPECT_EQ(CString("\xc3\xa4`az{").toUpperCase(), "\xc3\xa4`AZ{");
 }
 
 TEST(CString, TakesPositionsBeyondTheEndForTheEnd) {
