@@ -97,6 +97,23 @@ TEST(Packets, RememberShortNamesAndForgetTheOldest) {
     }
 }
 
+TEST(Packets, TellLongNamesApartAndNameEachOnce) {
+    std::vector<std::string> const names{"12345678-A-12345678", "12345678-B-12345678"};  // with equal ends
+    auto const bytes = [&](int times) {
+        return written([&](ioWriteContext& context) {
+            context.startPacket("a", nullptr);
+            for (int i = 0; i < times; ++i) context.writeNameValue(names[static_cast<std::size_t>(i) / 3 % 2]);
+            context.endPacket();
+        });
+    };
+    EXPECT_EQ(bytes(3).size(), bytes(1).size() + 2);
+    Reader reader;
+    reader.on("a", [&](ioReadContext& context) {
+        for (std::size_t i = 0; i < 12; ++i) ASSERT_EQ(context.readTextValue(), names[i / 3 % 2]);
+    });
+    EXPECT_EQ(reader.read(bytes(12)), 0);
+}
+
 TEST(Packets, ResolveReferencesToOneObjectAndFollowTheWritersQuestions) {
     std::vector<int> objects(1000);
     std::string const bytes = written([&](ioWriteContext& context) {

@@ -79,6 +79,24 @@ TEST(Packets, RefuseWhatMakesNoSense) {
     }
 }
 
+TEST(Packets, GiveNothingAfterAFault) {
+    std::string const bytes = file("\x05\x61\x61\xA0\x22\x22\x22\x22\x03\x06");  // a packet of four integers
+    Reader reader;
+    reader.on("a", [](ioReadContext& context) {
+        EXPECT_EQ(context.readIntValue(), 1);
+        EXPECT_FALSE(context.readBoolValue());
+        for (int again = 0; again < 2; ++again) {
+            EXPECT_EQ(context.readIntValue(), 0);
+            EXPECT_EQ(context.readDoubleValue(), 0);
+            EXPECT_EQ(context.readTextValue(), "");
+            EXPECT_EQ(context.readReference(0), nullptr);
+            EXPECT_FALSE(context.readBoolValue());
+        }
+    });
+    EXPECT_EQ(reader.read(bytes), number(ioStatus::malformed));
+    EXPECT_EQ(reader.position, 13U);
+}
+
 TEST(Packets, RefuseReferencesToWhatIsNotThere) {
     using namespace std::string_literals;
     for (std::string const& tokens : {
