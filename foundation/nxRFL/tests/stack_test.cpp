@@ -103,6 +103,10 @@ TEST(Stack, SkipsWhatIsLeftUnread) {
     skipping.skip();  // at the end
     EXPECT_EQ(skipping.kind(), Kind::none);
     Stack none;
+    Reader last(stack);
+    last.skip();
+    last.readItem(none);
+    EXPECT_EQ(Reader(none).readInt(), 6);
     EXPECT_EQ(messageOf([&] { skipping.readItem(none); }), "item 3 must be a value, but is missing");
 }
 

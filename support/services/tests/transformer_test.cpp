@@ -79,6 +79,9 @@ TEST_F(TransformerTest, UnequalFactorsMakeAnythingANonUniformScale) {
     expectScale();
     transformer.startXForm({});
     expectScale();
+    transformer.startXForm({});
+    transformer.setScale({3, 3, 3});
+    EXPECT_EQ(transformer.getScaleDelta(), Vector(3, 3, 3)) << "counted from the neutral value";
 }
 
 TEST_F(TransformerTest, ListenersHearOfEachStepAndEveryGestureStartsAnew) {
