@@ -169,10 +169,16 @@ void Core::restoreStamps(Level const& level) {
 // Whoever records is about to change, and looking costs time: what is recorded is compared only where a step that
 // changes nothing would do harm or is likely.
 bool Core::changedAnything(Level const& level) noexcept {
+    bool const harmless = redoCount() == 0 && !lifetimes_.droppedUnborn();
+    if (harmless && level.records > 0 && lifetimes_.roster().size() == level.birthsBegin)
+        return true;  // the usual edit
     Lifetimes::Made const made = lifetimes_.made(level.birthsBegin);
     if (made == Lifetimes::Made::lasting) return true;
     if (level.records == 0) return false;
-    if (redoCount() == 0 && made == Lifetimes::Made::nothing && !lifetimes_.droppedUnborn()) return true;
+    return (harmless && made == Lifetimes::Made::nothing) || anyIsDifferent(level);
+}
+
+bool Core::anyIsDifferent(Level const& level) noexcept {
     Busy const busy(*this);
     bool const changed = records_.any(level.begin, level.records, [&](Record& r) { return isDifferent(r, level); });
     writer_.clear();

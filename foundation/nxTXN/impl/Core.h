@@ -147,6 +147,7 @@ private:
 
     [[nodiscard]] bool mayEnd() const noexcept;
     [[nodiscard]] bool changedAnything(Level const& level) noexcept;
+    [[nodiscard, gnu::noinline]] bool anyIsDifferent(Level const& level) noexcept;
     [[nodiscard]] bool isDifferent(Record& record, Level const& level) noexcept;
     [[nodiscard]] bool nearIsBusy() const noexcept;
     void addStep(Level& level);
