@@ -49,6 +49,21 @@ void pushTraceback(lua_State* state) {
     lua_pop(state, 1);
 }
 
+/// A call into a script. What was passed on to that script goes with it.
+class Nesting {
+public:
+    explicit Nesting(Binding& binding) noexcept : binding_(binding) { ++binding.depth; }
+    Nesting(Nesting const&) = delete;
+    Nesting& operator=(Nesting const&) = delete;
+    ~Nesting() {
+        if (binding_.passedOn && binding_.passedOn->depth == binding_.depth) binding_.passedOn.reset();
+        --binding_.depth;
+    }
+
+private:
+    Binding& binding_;
+};
+
 }  // namespace
 
 Binding* Binding::find(lua_State* state) noexcept {
@@ -116,7 +131,7 @@ int Binding::setUp(lua_State* state) {
 
 std::exception_ptr Binding::callMeasured(Body body, void* context) {
     lua_State* const state = running;
-    if (!meter.active()) inner.reset();
+    Nesting const nesting(*this);
     Metered const metered(meter);
     hasTrace = false;
     pushKept(state, tracer);

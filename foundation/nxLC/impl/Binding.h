@@ -39,6 +39,13 @@ struct CallStacks {
     nxRFL::Stack results;
 };
 
+/// The error of a script that native code has passed on to the script that called it.
+struct PassedOn {
+    nxRFL::Exception error;
+    int depth;            ///< of the calling script
+    bool caught = false;  ///< and so comes again only if the script raises it anew
+};
+
 /// Everything that belongs to the binding of one state. Deleted when the state closes.
 ///
 /// An error of plain Lua jumps over destructors, so that code here is of two kinds. Functions that Lua calls, and
@@ -75,11 +82,12 @@ public:
     std::deque<ClassTables> classes;  ///< by the index of the class
     ur::vector<int> freeFunctions;    ///< unused places in the table of functions
     int functionPlaces = 0;
-    int objectCount = 0;                    ///< userdata that stand for objects
-    bool closeWhenIdle = false;             ///< the owner has gone in the middle of a call
-    bool hasTrace = false;                  ///< the last error left a trace
-    std::optional<nxRFL::Exception> inner;  ///< the last error of a script that native code passed on to its caller
-    bool asksAssignmentHook = false;        ///< there is one, and it is not running
+    int objectCount = 0;               ///< userdata that stand for objects
+    bool closeWhenIdle = false;        ///< the owner has gone in the middle of a call
+    bool hasTrace = false;             ///< the last error left a trace
+    int depth = 0;                     ///< calls into scripts that are under way inside each other
+    std::optional<PassedOn> passedOn;  ///< the last one, until the call into the calling script ends
+    bool asksAssignmentHook = false;   ///< there is one, and it is not running
 
     // References into the registry.
     int anchor = LUA_NOREF;          ///< the userdata by which functions find the binding

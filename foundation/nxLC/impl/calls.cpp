@@ -5,6 +5,7 @@
 #include <array>
 #include <cstring>
 
+#include "foundation/nxLC/impl/errors.h"
 #include "foundation/nxLC/impl/objects.h"
 #include "foundation/nxRFL/IteratorState.h"
 #include "foundation/nxRFL/Reader.h"
@@ -43,7 +44,8 @@ int fail(lua_State* state, ShortText& text, char const* message) noexcept {
 /// Passes on the error of a script that the native function has called: it names its place already.
 int passOn(Binding& binding, lua_State* state, ShortText& text, nxRFL::Exception const& error) noexcept {
     try {
-        binding.inner = error;
+        // A script may make a text of any size, which would be kept here uncounted.
+        if (error.message().size() <= mostTraceBytes) binding.passedOn = PassedOn{error, binding.depth};
         protect(state, 0, 1, [&error](lua_State* inner) {
             lua_pushlstring(inner, error.message().data(), error.message().size());
             return 1;

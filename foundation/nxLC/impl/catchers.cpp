@@ -12,9 +12,16 @@ bool isStopped(lua_State* state) noexcept {
     return binding && binding->meter.stopped();
 }
 
+/// An error that was on its way has come to its end.
+void noteCatch(lua_State* state) noexcept {
+    Binding* const binding = bindingOf(state);
+    if (binding && binding->passedOn) binding->passedOn->caught = true;
+}
+
 /// What pcall and xpcall return: everything from `first` on, behind whether the call succeeded.
 int finishCall(lua_State* state, int status, int first) {
     if (status != 0 && isStopped(state)) return lua_error(state);
+    noteCatch(state);
     lua_pushboolean(state, status == 0);
     lua_insert(state, first);
     return lua_gettop(state) - first + 1;
@@ -70,6 +77,7 @@ int wrap(lua_State* state) {
 /// Calls the original function in the second upvalue, which catches errors of what it calls.
 int callCatcher(lua_State* state) {
     int const results = callUpvalue(state);
+    noteCatch(state);
     return isStopped(state) ? luaL_error(state, "%s", bindingOf(state)->meter.reason()) : results;
 }
 

@@ -13,10 +13,15 @@ using urString::CString;
 namespace {
 
 /// Requires: a text is on top.
-CString takeText(lua_State* state) {
+std::string_view textOf(lua_State* state) {
     std::size_t size = 0;
     char const* const text = lua_tolstring(state, -1, &size);
-    CString result(text, size);
+    return {text, size};
+}
+
+/// Requires likewise.
+CString takeText(lua_State* state) {
+    CString result(textOf(state));
     lua_pop(state, 1);
     return result;
 }
@@ -43,6 +48,32 @@ CString joined(CString const& inner, CString const& outer) {
     std::size_t const shared = second.find('\n', static_cast<std::size_t>(second.rend() - differing));
     std::size_t const kept = shared == second.npos ? first.size() : first.size() - (second.size() - shared);
     return CString(first.substr(0, kept)).append(second);
+}
+
+/// Leaves out lines in the middle of a trace that is too long.
+CString bounded(std::string_view trace) {
+    if (trace.size() <= mostTraceBytes) return CString(trace);
+    std::string_view first = trace.substr(0, mostTraceBytes / 2);
+    first = first.substr(0, first.rfind('\n'));
+    std::string_view last = trace.substr(trace.size() - mostTraceBytes / 2);
+    last = last.substr(std::min(last.find('\n'), last.size()));
+    return CString(first).append("\n\t(the trace is too long, lines are left out here)").append(last);
+}
+
+/// The traced error, which has the same text, is the one passed on: still on its way, or caught and raised again.
+bool isThatOf(std::string_view trace, PassedOn const& passedOn) {
+    return !passedOn.caught || trace.starts_with("stack traceback:\n\t[C]: in function 'error'\n");
+}
+
+/// What Lua made of the calls, without the empty message in front and the function at the bottom that protects the
+/// call.
+CString takeTrace(lua_State* state) {
+    std::string_view trace = textOf(state);
+    if (trace.starts_with('\n')) trace.remove_prefix(1);
+    if (std::string_view const bottom = "\n\t[C]: ?"; trace.ends_with(bottom)) trace.remove_suffix(bottom.size());
+    CString result = bounded(trace);
+    lua_pop(state, 1);
+    return result;
 }
 
 void makeText(lua_State* state, int index) {
@@ -79,11 +110,11 @@ nxRFL::Exception takeTracedError(Binding& binding, lua_State* state) {
     CString message = messageOf(state);
     if (!std::exchange(binding.hasTrace, false)) return nxRFL::Exception(std::move(message));
     Binding::pushKept(state, binding.trace);
-    CString trace = takeText(state);
-    // The empty message in front, and the function at the bottom that protects the call.
-    if (trace.startsWith("\n")) trace.erase(0, 1);
-    if (std::string_view const bottom = "\n\t[C]: ?"; trace.endsWith(bottom)) trace.erase(trace.size() - bottom.size());
-    if (binding.inner && binding.inner->message() == message) trace = joined(binding.inner->trace(), trace);
+    CString trace = takeTrace(state);
+    std::optional<PassedOn> const& inner = binding.passedOn;
+    // Another depth is another script, and its error another one with the same text.
+    if (inner && inner->depth == binding.depth && inner->error.message() == message && isThatOf(trace.view(), *inner))
+        trace = bounded(joined(inner->error.trace(), trace).view());
     return nxRFL::Exception(std::move(message), std::move(trace));
 }
 

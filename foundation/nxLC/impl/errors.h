@@ -1,12 +1,17 @@
 // Errors of Lua as exceptions, with the calls that led to them.
 #pragma once
 
+#include <cstddef>
+
 #include "foundation/nxLC/impl/lua.h"
 #include "foundation/nxRFL/Exception.h"
 
 namespace nxLC::impl {
 
 class Binding;
+
+/// Of one trace, about. A script has names of functions as long as it likes, and nests calls as it likes.
+constexpr std::size_t mostTraceBytes = 16384;
 
 /// What the error on top of the stack says; takes it off.
 [[nodiscard]] nxRFL::Exception takeError(lua_State* state);

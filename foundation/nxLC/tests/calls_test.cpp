@@ -87,6 +87,43 @@ TEST_F(Calls, NestedErrorsKeepTheirPlaceAndTheirStack) {
               "stack traceback:\n\t[C]: in function 'error'\n\ttest:4: in main chunk");
 }
 
+/// Equal messages do not make two errors one, and no round makes a trace longer than the one before.
+TEST_F(Calls, ATraceBelongsToOneErrorAndIsBounded) {
+    std::string const functions =
+        "local apply = farm.tools.apply\n"
+        "local function fail() error('same', 0) end\n"
+        "local function once() apply(fail, {}) end\n"
+        "local function twice() apply(once, {}) end\n"
+        "local function anew() local _, e = pcall(twice) error(e, 0) end\n"
+        "local function index() local x x = x.field end\n";
+    for (auto const& [round, last] : std::initializer_list<std::pair<char const*, char const*>>{
+             {"pcall(once) pcall(twice)", "twice()"},
+             {"pcall(twice) xpcall(once, type) coroutine.resume(coroutine.create(twice))", "once()"},
+             {"pcall(anew) pcall(apply, anew, {}) pcall(error, 'same', 0)", "apply(anew, {})"},
+             {"pcall(apply, function() pcall(anew) error('same', 0) end, {})", "anew()"},
+             {"pcall(apply, index, {})", "index()"},
+             {"apply(function() pcall(twice) end, {})", "error('same', 0)"},
+         }) {
+        auto const traceAfter = [&](int rounds) {
+            std::string const loop = "for i = 1, " + std::to_string(rounds) + " do " + round + " end\n";
+            return state->run(functions + loop + last, "=test")->trace();
+        };
+        CString const expected = traceAfter(0);
+        EXPECT_FALSE(expected.empty());
+        for (int const rounds : {1, 2, 100}) EXPECT_EQ(traceAfter(rounds), expected) << round;
+    }
+    auto const error = *state->run(
+        "local function deep(n) if n == 0 then error('same', 0) end farm.tools.apply(deep, {n - 1}) end\n"
+        "local name = ('n'):rep(20000)\n"
+        "_G[name] = function() deep(100) end\n"
+        "assert(loadstring(name .. '()'))()",
+        "=test");
+    std::string_view const trace = error.trace().view();
+    EXPECT_LT(trace.size(), 17'000);
+    EXPECT_THAT(trace, testing::HasSubstr("\n\t(the trace is too long, lines are left out here)\n\t"));
+    EXPECT_TRUE(trace.ends_with("in main chunk")) << trace;
+}
+
 TEST_F(Calls, ErrorsAreTracedWhateverTheHostLeftOfTheLibraries) {
     CString told;
     ExposeFunction(database, "farm::tools").add("later", [](std::function<void()> const& call) { call(); });
