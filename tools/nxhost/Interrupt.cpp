@@ -41,11 +41,13 @@ void dieOf(int number) noexcept {
 
 extern "C" void onSignal(int number) {
     int const before = errno;
-    if (caught.exchange(number) == 0) {
-        caughtAt = milliseconds();
-    } else if (number != SIGPIPE && milliseconds() - caughtAt >= patience) {
+    std::int64_t const now = milliseconds();
+    if (caught == 0) {
+        caughtAt = now;  // before `caught`: another thread that sees the one compares with the other
+    } else if (number != SIGPIPE && now - caughtAt >= patience) {
         dieOf(number);
     }
+    caught = number;
     if (nxLC::State* const state = watched) state->interrupt();
     if (write(pipeEnds[1], "!", 1) < 0) errno = 0;  // full: it is readable anyway
     errno = before;
@@ -57,6 +59,8 @@ Interrupt::Interrupt() {
     if (pipe2(pipeEnds, O_CLOEXEC | O_NONBLOCK) != 0) pipeEnds[0] = pipeEnds[1] = -1;
     struct sigaction action = {};
     action.sa_handler = &onSignal;
+    sigemptyset(&action.sa_mask);
+    for (int const signal : signals) sigaddset(&action.sa_mask, signal);
     for (std::size_t i = 0; i < std::size(signals); ++i) sigaction(signals[i], &action, &before_[i]);
 }
 
