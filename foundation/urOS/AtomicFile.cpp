@@ -52,22 +52,23 @@ Error copy(File& from, File& to) {
 
 AtomicFile::~AtomicFile() { discard(); }
 
-Error AtomicFile::open(urString::IString const& path) {
+Error AtomicFile::open(urString::IString const& path, Special special) {
     discard();
     std::string const name(path.asMultibyte());
     error_ = impl::faultOfName(name);
     if (error_.isError()) return error_;
     target_ = behindLinks(name);
-    error_ = create();
+    error_ = create(special);
     return error_;
 }
 
-Error AtomicFile::create() {
+Error AtomicFile::create(Special special) {
     std::error_code unknown;
     fs::file_status const former = fs::status(target_, unknown);
     if (!fs::status_known(former)) return Error::fromSystem(unknown, target_.string());
     bool const exists = fs::exists(former);
     if (exists && !fs::is_regular_file(former)) {
+        if (special == Special::refused) return Error::fromSystem(EINVAL, target_.string());
         way_ = Way::directly;
         return file_.open(multibyte(target_), openWrite);
     }
@@ -138,7 +139,8 @@ Error AtomicFile::replace() {
 /// Brings the content from the file that was written into the target.
 Error AtomicFile::overwrite() {
     File target;
-    static_cast<void>(target.attach(impl::openDescriptor(target_, O_WRONLY, 0), File::Ownership::own));
+    static_cast<void>(
+        target.attach(impl::openDescriptor(target_, O_WRONLY | impl::withoutWaiting, 0), File::Ownership::own));
     if (!target.isOpen()) return Error::fromSystem(errno, target_.string());
     std::uint64_t size = 0;
     Error error = file_.size(size);

@@ -17,16 +17,20 @@ namespace urOS {
 /// may not be written, and for a mount point. docs/files.md tells what a crash then leaves.
 ///
 /// A link is followed: the file it names is replaced, or made. A target that is no regular file (a pipe, a terminal) is
-/// written to directly; a write-protected one is an error. What is not committed is dropped with the object.
+/// written to directly unless it is refused; a write-protected one is an error. What is not committed is dropped with
+/// the object.
 class NX_API AtomicFile final : public IOStream {
 public:
+    /// What becomes of a target that is no regular file.
+    enum class Special { written, refused };
+
     AtomicFile() = default;
     AtomicFile(AtomicFile const&) = delete;
     AtomicFile& operator=(AtomicFile const&) = delete;
     ~AtomicFile() override;
 
     /// Gets ready to replace the file at `path`; an earlier, uncommitted one is dropped.
-    urUtil::Error open(urString::IString const& path);
+    urUtil::Error open(urString::IString const& path, Special special = Special::written);
     /// Puts the new file in its place, on the disk when this returns. When a write failed, that error comes back and
     /// the old file stays. When only flushing the folder failed, the error comes back with the new file in place.
     urUtil::Error commit();
@@ -39,7 +43,7 @@ private:
     /// How the content reaches the target.
     enum class Way { directly, byReplacing, byOverwriting };
 
-    urUtil::Error create();
+    urUtil::Error create(Special special);
     [[nodiscard]] bool createBeside(bool exists, int permissions);
     void use(int descriptor);
     urUtil::Error replace();

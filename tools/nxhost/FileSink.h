@@ -1,21 +1,25 @@
 // A file that scripts pour data into.
 #pragma once
 
+#include <memory>
+
 #include "foundation/urOS/AtomicFile.h"
 #include "support/messaging/DataSink.h"
-#include "tools/nxhost/Interrupt.h"
+#include "tools/nxhost/PipeWriter.h"
+#include "tools/nxhost/Transfers.h"
 
 namespace nxhost {
 
-/// Writes a file beside its target, which it takes the place of when the sink is closed as completed. A pipe or another
-/// device is written as the data come. Errors are raised toward the script.
+/// Writes a file beside its target, which it takes the place of when the sink is closed as completed. Errors are raised
+/// toward the script.
 ///
-/// Nothing keeps the main loop waiting for good: a pipe without a reader is refused, and a reader that does not read
-/// is waited for until `interrupt` is pending or the time is up.
+/// A pipe or another device is written as the data come. Nothing waits for its reader: the main loop writes what it
+/// does not take at once, and the transfer that the data come from pauses until then. A pipe without a reader is
+/// refused.
 class FileSink final : public nxSupport::DataSink {
 public:
-    /// The interrupt outlives this.
-    FileSink(urString::CString const& path, Interrupt const& interrupt);
+    /// The transfers outlive this.
+    FileSink(urString::CString const& path, Transfers& transfers);
     ~FileSink() override;
 
 protected:
@@ -23,13 +27,11 @@ protected:
 
 private:
     void onClose() override;
-    void writeDevice(char const* bytes, std::size_t size) const;
-    void waitForDevice() const;
-    void closeDevice() noexcept;
+    [[nodiscard]] bool openDevice(urString::CString const& path);
 
-    Interrupt const& interrupt_;
+    Transfers& transfers_;
     urOS::AtomicFile file_;
-    int device_ = -1;  ///< negative when the target is a regular file
+    std::shared_ptr<PipeWriter> device_;  ///< null when the target is a regular file
 };
 
 }  // namespace nxhost

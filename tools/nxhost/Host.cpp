@@ -91,6 +91,7 @@ Host::Host(Options const& options)
     history_.setStepLimit(options.undoSteps);
     history_.setByteLimit(options.undoMemory);
     database_.setErrorHandler([this](nxRFL::Exception const& error) { onCallbackError(error); });
+    loop_.transfers().setPipeErrorHandler([this](nxRFL::Exception const& error) { onCallbackError(error); });
 
     domain_.offer(&broadcaster_);
     domain_.offer(&cache_);
@@ -102,6 +103,7 @@ Host::Host(Options const& options)
 }
 
 Host::~Host() {
+    if (loop_.transfers().owesData()) std::fprintf(stderr, "nxhost: data that wait for a pipe are lost\n");
     loop_.interrupt().watch(nullptr);
     loop_.queue().close();
     state_.reset();
@@ -256,7 +258,7 @@ void Host::later(std::function<void()> function) {
 
 ur::Reference<nxSupport::DataSink> Host::fileSink(CString const& path) {
     if (loop_.transfers().options().sandboxed) throw nxRFL::Exception("files are not for the sandbox");
-    return ur::make<FileSink>(path, interrupt_);
+    return ur::make<FileSink>(path, loop_.transfers());
 }
 
 void Host::exit(int code) {

@@ -65,6 +65,8 @@ struct Transfer::Callbacks {
     static std::size_t receive(char* bytes, std::size_t, std::size_t size, void* transfer) {
         return guarded<std::size_t>(0, [&]() -> std::size_t {
             auto& self = *static_cast<Transfer*>(transfer);
+            self.isPaused_ = self.isHeld_;
+            if (self.isPaused_) return CURL_WRITEFUNC_PAUSE;
             self.bodyBytes_ += size;
             self.isTooLarge_ = self.options_.bodyLimit != 0 && self.bodyBytes_ > self.options_.bodyLimit;
             if (self.isTooLarge_) return 0;
@@ -122,6 +124,7 @@ TransferNews Transfer::takeNews() {
 }
 
 void Transfer::end(CURLcode result) {
+    hasEnded_ = true;
     if (result == CURLE_OK) {
         news_.emplace_back(Completed{});
         return;
@@ -134,8 +137,11 @@ int Transfer::waitsFor() const noexcept {
     return file && file->waits() ? file->descriptor() : -1;
 }
 
-void Transfer::resume() noexcept {
-    if (waitsFor() >= 0 && sending_->file()->ready()) curl_easy_pause(handle_.get(), CURLPAUSE_CONT);
+void Transfer::resume() {
+    bool const goesOn = (isPaused_ && !isHeld_) || (waitsFor() >= 0 && sending_->file()->ready());
+    if (!goesOn || hasEnded_) return;
+    // What libcurl has kept arrives now.
+    if (CURLcode const result = curl_easy_pause(handle_.get(), CURLPAUSE_CONT); result != CURLE_OK) end(result);
 }
 
 Failed Transfer::failure(CURLcode result) const {

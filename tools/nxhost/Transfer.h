@@ -24,12 +24,17 @@ public:
     [[nodiscard]] bool hasNews() const noexcept { return !news_.empty(); }
     /// Requires: there are some.
     TransferNews takeNews();
+    /// What is not told yet never will be.
+    void dropNews() noexcept { news_.clear(); }
     /// Nothing will come of it.
     void fail(Failed failure) { news_.emplace_back(std::move(failure)); }
     /// The file that it sends has nothing yet: its descriptor is readable when it has. Otherwise negative.
     [[nodiscard]] int waitsFor() const noexcept;
-    /// Goes on with a file that has something again.
-    void resume() noexcept;
+    /// From now on, until it is released, libcurl keeps what arrives.
+    void hold() noexcept { isHeld_ = true; }
+    void release() noexcept { isHeld_ = false; }
+    /// Goes on after `release`, or with a file that has something again.
+    void resume();
     /// libcurl has ended it.
     void end(CURLcode result);
 
@@ -54,6 +59,9 @@ private:
     std::size_t headerBytes_ = 0;
     std::uint64_t bodyBytes_ = 0;
     bool isReached_ = false;
+    bool isHeld_ = false;
+    bool isPaused_ = false;  ///< libcurl keeps something
+    bool hasEnded_ = false;
     bool isTooLarge_ = false;
     bool isPrivate_ = false;  ///< it would have reached an address that is not public
     Progressed progress_;

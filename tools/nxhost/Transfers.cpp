@@ -1,7 +1,9 @@
 // libcurl's multi interface, and who is told what.
 #include "tools/nxhost/Transfers.h"
 
+#include <algorithm>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "tools/nxhost/Connection.h"
@@ -24,6 +26,20 @@ void checkSchemes(std::vector<std::string> const& schemes) {
     }
 }
 
+/// Sets a value for as long as this lives.
+template <class T>
+class Temporarily {
+public:
+    Temporarily(T& place, T value) : place_(place), before_(std::exchange(place, value)) {}
+    Temporarily(Temporarily const&) = delete;
+    Temporarily& operator=(Temporarily const&) = delete;
+    ~Temporarily() { place_ = before_; }
+
+private:
+    T& place_;
+    T before_;
+};
+
 }  // namespace
 
 Transfers::Transfers(NetworkOptions const& options) : options_(options) {
@@ -42,13 +58,14 @@ Transfers::~Transfers() {
 
 void Transfers::start(Connection& connection) {
     auto const request = connection.getRequest();
-    auto transfer =
-        std::make_unique<Transfer>(request ? *request : nxNet::Request(), options_, limited(connection.timeLimit()));
+    double const timeLimit = limited(connection.timeLimit());
+    auto transfer = std::make_unique<Transfer>(request ? *request : nxNet::Request(), options_, timeLimit);
     CURL* const handle = transfer->handle();
     curl_easy_setopt(handle, CURLOPT_PRIVATE, &connection);
     if (!transfer->hasNews() && curl_multi_add_handle(multi_, handle) != CURLM_OK)
         transfer->fail({TransferError::other, "no transfer can be added"});
-    jobs_.emplace(&connection, Job{ur::Reference<Connection>(&connection), std::move(transfer)});
+    jobs_.emplace(&connection,
+                  Job{ur::Reference<Connection>(&connection), std::move(transfer), deadlineAfter(timeLimit)});
 }
 
 void Transfers::stop(Connection& connection) noexcept {
@@ -61,6 +78,52 @@ double Transfers::limited(double seconds) const noexcept {
     double const most = options_.timeLimit;
     if (!options_.sandboxed || most == 0) return seconds;
     return seconds > 0 && seconds < most ? seconds : most;
+}
+
+/// libcurl has the same one, but has finished early with what is still to be written.
+Transfers::Clock::time_point Transfers::deadlineAfter(double seconds) const {
+    constexpr double mostSeconds = 1e6;
+    if (seconds <= 0) return Clock::time_point::max();
+    return Clock::now() +
+           std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(std::min(seconds, mostSeconds)));
+}
+
+void Transfers::waitFor(std::shared_ptr<PipeWriter> const& pipe) {
+    auto const add = [&pipe](Pipes& pipes) {
+        if (std::ranges::find(pipes, pipe) == pipes.end()) pipes.push_back(pipe);
+    };
+    add(pipes_);
+    auto const job = jobs_.find(told_);
+    if (job == jobs_.end()) return;
+    add(job->second.pipes);
+    job->second.transfer->hold();
+}
+
+bool Transfers::owesData() const noexcept {
+    return std::ranges::any_of(pipes_, [](auto const& pipe) { return pipe->waits(); });
+}
+
+/// Releases the transfers whose data are written.
+void Transfers::advancePipes() {
+    for (auto const& pipe : Pipes(pipes_)) {
+        if (!pipe->advance() && onPipeError_) onPipeError_(nxRFL::Exception(pipe->errorText()));
+    }
+    auto const removeWritten = [](Pipes& pipes) {
+        std::erase_if(pipes, [](auto const& pipe) { return !pipe->waits(); });
+    };
+    removeWritten(pipes_);
+    for (auto& [connection, job] : jobs_) {
+        removeWritten(job.pipes);
+        if (job.pipes.empty()) job.transfer->release();
+    }
+}
+
+/// What is held is lost.
+void Transfers::giveUp(Job& job) {
+    if (job.pipes.empty()) return;
+    for (auto const& pipe : job.pipes) pipe->abandon("the time limit of the transfer has passed");
+    job.pipes.clear();
+    job.transfer->dropNews();
 }
 
 bool Transfers::advance(Interrupt const& interrupt) {
@@ -79,11 +142,24 @@ void Transfers::wait(std::span<int const> descriptors) {
     for (auto const& [connection, job] : jobs_) {
         if (int const file = job.transfer->waitsFor(); file >= 0) others.push_back({file, CURL_WAIT_POLLIN, 0});
     }
-    constexpr int mostMilliseconds = 60'000;
-    curl_multi_poll(multi_, others.data(), static_cast<unsigned>(others.size()), mostMilliseconds, nullptr);
+    for (auto const& pipe : pipes_) others.push_back({pipe->descriptor(), CURL_WAIT_POLLOUT, 0});
+    curl_multi_poll(multi_, others.data(), static_cast<unsigned>(others.size()), mostMilliseconds(), nullptr);
+}
+
+/// Until a pipe or a transfer that is held is given up. libcurl knows about the others.
+int Transfers::mostMilliseconds() const {
+    using std::chrono::milliseconds;
+    Clock::time_point const now = Clock::now();
+    Clock::time_point end = now + std::chrono::minutes(1);
+    for (auto const& pipe : pipes_) end = std::min(end, pipe->deadline());
+    for (auto const& [connection, job] : jobs_) {
+        if (!job.pipes.empty()) end = std::min(end, job.deadline);
+    }
+    return static_cast<int>(std::chrono::ceil<milliseconds>(std::max(end - now, Clock::duration::zero())).count());
 }
 
 void Transfers::collect() {
+    advancePipes();
     for (auto const& [connection, job] : jobs_) job.transfer->resume();
     int count = 0;
     curl_multi_perform(multi_, &count);
@@ -91,17 +167,23 @@ void Transfers::collect() {
         if (message->msg != CURLMSG_DONE) continue;
         Connection const* connection = nullptr;
         curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &connection);
-        jobs_.at(connection).transfer->end(message->data.result);
+        Job& job = jobs_.at(connection);
+        if (message->data.result == CURLE_OPERATION_TIMEDOUT) giveUp(job);
+        job.transfer->end(message->data.result);
     }
-    for (auto const& [connection, job] : jobs_) {
-        if (job.transfer->hasNews()) withNews_.push_back(connection);
+    for (auto& [connection, job] : jobs_) {
+        if (!job.pipes.empty() && Clock::now() >= job.deadline) {
+            giveUp(job);
+            job.transfer->fail({TransferError::tooSlow, "the reader of a pipe is too slow for the time limit"});
+        }
+        if (job.hasNews()) withNews_.push_back(connection);
     }
 }
 
 Transfers::Job* Transfers::nextWithNews() {
     for (; !withNews_.empty(); withNews_.pop_front()) {
         auto const job = jobs_.find(withNews_.front());
-        if (job != jobs_.end() && job->second.transfer->hasNews()) return &job->second;
+        if (job != jobs_.end() && job->second.hasNews()) return &job->second;
     }
     return nullptr;
 }
@@ -113,6 +195,7 @@ void Transfers::tell(Job& job) {
     TransferNews news = job.transfer->takeNews();
     bool const ends = std::holds_alternative<Completed>(news) || std::holds_alternative<Failed>(news);
     if (ends) stop(*connection);
+    Temporarily const noted(told_, static_cast<Connection const*>(connection.get()));
     connection->tell(std::move(news));
 }
 // [tell]

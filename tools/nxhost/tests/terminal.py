@@ -188,11 +188,18 @@ def does_not_wait_for_pipes(folder):
         connection:setRequest(request)
         local sink = host.fileSink('{pipe}')
         connection:setDataFunc(function(buffer)
-            print 'there' io.stdout:flush()
-            while true do sink:processData(buffer) end
+            host.later(function() print 'there' io.stdout:flush() end)
+            for i = 1, 9 do sink:processData(buffer) end
         end)
-        connection:start() """
+        connection:start()
+        while host.turn() do end
+        print(connection.status, pcall(sink.close, sink, true)) """
     signalled(writes, signal.SIGTERM, 143, "interrupted", "--allow", "file")
+    signalled(writes, signal.SIGINT, 130, "nxhost: data that wait for a pipe are lost\n", "--allow", "file")
+    started = time.monotonic()
+    run = subprocess.run([nxhost, "--allow", "file", "--time", "0.3", "-e", writes], stdout=subprocess.PIPE, text=True)
+    assert run.stdout == "there\nConnectionFailed\tfalse\tthe time limit of the transfer has passed\n", run.stdout
+    assert time.monotonic() - started < 20
     os.close(reader)
 
 

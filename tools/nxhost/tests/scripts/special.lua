@@ -48,6 +48,36 @@ repeat
     if file then file:close() end
 until text ~= ""
 print("read", text)
+-- A slow reader holds its own transfer only, and has everything in the end, also what waits when the sink is closed.
+os.execute("(sleep 1; cat) < " .. pipe .. " > " .. copy .. " &")
+repeat there, sink = pcall(host.fileSink, pipe) until there
+local slow = net.connection("/huge?size=3000000")
+local parts = {}
+slow:setDataFunc(function(arrived)
+    parts[#parts + 1] = arrived.data
+    sink:processData(arrived)
+end)
+slow:start()
+print("another", #select(2, net.fetch("/huge?size=3000000")), slow.status)
+net.wait(slow)
+local rest
+connection = net.connection("/huge?size=1000000")
+connection:setDataFunc(function(arrived) rest = rest and urThread.mergeBuffers(rest, arrived) or arrived end)
+connection:start()
+net.wait(connection)
+sink:processData(rest)
+sink:close(true)
+while host.turn() do end
+os.execute("sleep 0.2")
+local file = io.open(copy)
+print("slowly", slow.status, file:read("*a") == table.concat(parts) .. rest.data, file:close())
+-- More than may wait.
+os.execute("sleep 3 < " .. pipe .. " &")
+repeat there, sink = pcall(host.fileSink, pipe) until there
+local refused
+repeat refused = select(2, pcall(sink.processData, sink, rest)) until refused
+print("too much", (refused:gsub(".*: ", "")))
+sink:close(false)
 -- The reader goes; that is an error and does not end the program.
 os.execute("true < " .. pipe .. " &")
 repeat there, sink = pcall(host.fileSink, pipe) until there
