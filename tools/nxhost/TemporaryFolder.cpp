@@ -11,13 +11,16 @@
 #include <filesystem>
 #include <string_view>
 
+#include "foundation/nxRFL/Exception.h"
+#include "foundation/urUtil/Error.h"
+
 namespace nxhost {
 
 namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::string_view namePattern = "nxhostXXXXXX";
+constexpr std::string_view namePattern = "nxhost-pages-XXXXXX";
 constexpr std::string_view nameStart = namePattern.substr(0, namePattern.find('X'));
 constexpr char const* pageFileName = "urKRCachePageFile.dat";
 
@@ -75,17 +78,23 @@ void removeAbandoned(fs::path const& parent) {
 }  // namespace
 
 TemporaryFolder::TemporaryFolder(Interrupt& interrupt) : interrupt_(interrupt) {
-    std::error_code error;
-    fs::path const parent = fs::temp_directory_path(error);
-    path_ = parent.string();
-    if (error) return;
+    std::error_code unusable;
+    fs::path const parent = fs::temp_directory_path(unusable);
+    if ((unusable || !makeIn(parent)) && !makeIn("/tmp")) {
+        urUtil::Error const error = urUtil::Error::fromSystem(errno, "no folder for temporary files: /tmp");
+        throw nxRFL::Exception(urString::CString(error.message()));
+    }
+    pageFile_ = path_ + "/" + pageFileName;
+    interrupt_.removeWhenKilled(pageFile_.c_str(), path_.c_str());
+}
+
+/// False, and `errno`, when there can be none.
+bool TemporaryFolder::makeIn(fs::path const& parent) {
     removeAbandoned(parent);
     // Another process may take the new folder for an abandoned one before it is locked.
     constexpr int mostAttempts = 10;
     for (int i = 0; i < mostAttempts && !make((parent / namePattern).string()); ++i) continue;
-    if (lock_ < 0) return;
-    pageFile_ = path_ + "/" + pageFileName;
-    interrupt_.removeWhenKilled(pageFile_.c_str(), path_.c_str());
+    return lock_ >= 0;
 }
 
 /// False when the new folder has gone at once.
@@ -105,7 +114,6 @@ bool TemporaryFolder::make(std::string const& pattern) {
 }
 
 TemporaryFolder::~TemporaryFolder() {
-    if (lock_ < 0) return;
     unlink(pageFile_.c_str());
     rmdir(path_.c_str());
     interrupt_.removeWhenKilled(nullptr, nullptr);

@@ -96,8 +96,16 @@ def misused(nxhost):
 
 def left_behind(nxhost, folder):
     """What runs leave in the folder for temporary files when the streams of the program are closed."""
+    page = """host.cache.memoryLimit = 1000
+              for _, name in ipairs{'a', 'b'} do
+                  local text = host.cache:resource(name, function() return name:rep(800) end)
+                  text:keepOnDisk()
+                  assert(#text.text == 800)
+              end
+              print(host.cache.statistics.pagesOut)
+              os.execute('ls')"""
     shell = ["bash", "-c", 'exec 2>&1; "$0" -e "while true do print(1) end" | head -n 1; "$0" <&-; "$0" -e "print(0)" >&-; '
-             'echo $? $(ls)', nxhost]
+             'echo $? $(ls); TMPDIR=/nowhere "$0" -e "$1"', nxhost, page]
     run = subprocess.run(shell, cwd=folder, env=environment([f"TMPDIR={folder}"]), timeout=SECONDS, capture_output=True, text=True)
     if run.stdout != LEFT_BEHIND:
         yield f"with streams closed printed: {run.stdout}"
@@ -107,10 +115,12 @@ LEFT_BEHIND = """1
 nxhost: standard input: read: Bad file descriptor
 nxhost: cannot write to standard output
 2
+1
 """
 
 
-WALLED = """ADDRESS/hello Complete 200 0
+WALLED = """outside the sandbox the proxy has 1 requests
+ADDRESS/hello Complete 200 0
 ADDRESS/redirect?to=http://127.0.0.1:PORT/hello ConnectionFailed 302 1
 http://9.9.9.9/ ConnectionFailed 0 3
 http://100.128.0.1/ ConnectionFailed 0 3

@@ -243,7 +243,7 @@ def leaves_nothing(_):
 
 def removes_what_is_left(_):
     with tempfile.TemporaryDirectory() as folder:
-        others = [Path(folder, "nxhostFOREIGN"), Path(folder, "nxhostabcdef"), Path(folder, "nxhostlinked")]
+        others = [Path(folder, "nxhostconfig"), Path(folder, "nxhost-pages-abcdef"), Path(folder, "nxhost-pages-linked")]
         others[0].mkdir()
         others[1].mkdir()
         Path(others[1], "mine.txt").touch()
