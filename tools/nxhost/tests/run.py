@@ -132,15 +132,17 @@ http://[64:ff9b::909:909]/ ConnectionFailed 0 3
 http://[2002:909:909::]/ ConnectionFailed 0 3
 http://[2620:fe::fe]/ ConnectionFailed 0 3
 http://[2001:200::1]/ ConnectionFailed 0 3
+the proxy has 0 more
+without any folder for temporary files: 2 nxhost: no folder for temporary files: /tmp: Read-only file system
 """
 
 
 def walled(nxhost):
     """What the sandbox does not reach though it may, or reaches though it may not. Needs a network of its own."""
-    network = ["unshare", "-rn", "sh", "-c", 'ip link set lo up && ip addr add 1.2.3.4/32 dev lo && exec "$@"', "sh"]
-    if subprocess.run([*network, "true"], capture_output=True).returncode != 0:
-        print("not tried: redirections out of the sandbox, for which `unshare -rn` and `ip` are needed")
+    if os.environ.get("NX_SKIP_WALLED"):
+        print("not tried, as NX_SKIP_WALLED demands: redirections and proxies out of the sandbox")
         return
+    network = ["unshare", "-rnm", "sh", "-c", 'ip link set lo up && ip addr add 1.2.3.4/32 dev lo && exec "$@"', "sh"]
     inside = "import run, sys; run.print_walled(sys.argv[1])"
     run = subprocess.run([*network, sys.executable, "-B", "-c", inside, nxhost], cwd=here, env=environment(),
                          timeout=SECONDS, capture_output=True, text=True)
@@ -149,10 +151,19 @@ def walled(nxhost):
 
 
 def print_walled(nxhost):
-    with Server(address="1.2.3.4") as public, Server() as private:
-        words = [nxhost, "--sandbox", here / "walled.lua", public.url, str(private.server_port)]
-        text = subprocess.run(words, timeout=SECONDS, capture_output=True, text=True).stdout
+    with Server(address="1.2.3.4") as public, Server(address="1.2.3.4") as proxy, Server() as private:
+        variables = os.environ | {"http_proxy": proxy.url, "all_proxy": proxy.url}
+        words = [here / "walled.lua", public.url, str(private.server_port)]
+        subprocess.run([nxhost, *words, "once"], env=variables, timeout=SECONDS, capture_output=True)
+        print(f"outside the sandbox the proxy has {proxy.requests} requests")
+        proxy.requests = 0
+        text = subprocess.run([nxhost, "--sandbox", *words], env=variables, timeout=SECONDS, capture_output=True, text=True).stdout
         print(text.replace("\t", " ").replace(public.url, "ADDRESS").replace(words[-1], "PORT"), end="")
+        print(f"the proxy has {proxy.requests} more")
+    subprocess.run(["mount", "--bind", "/tmp", "/tmp"], check=True)
+    subprocess.run(["mount", "-o", "remount,bind,ro,nosuid,nodev", "/tmp"], check=True)
+    run = subprocess.run([nxhost, "-e", ""], env=os.environ | {"TMPDIR": "/nowhere"}, stderr=subprocess.PIPE, text=True)
+    print(f"without any folder for temporary files: {run.returncode} {run.stderr}", end="")
 
 
 TRACED = """

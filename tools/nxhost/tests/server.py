@@ -19,6 +19,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
         pass
 
     def answer(self):
+        self.server.requests += 1
         url = urlsplit(self.path)
         self.query = {name: values[0] for name, values in parse_qs(url.query).items()}
         getattr(self, "on_" + url.path.strip("/"), self.on_unknown)()
@@ -143,6 +144,7 @@ class Server(http.server.ThreadingHTTPServer):
 
     def __init__(self, certificate=None, address="127.0.0.1"):
         super().__init__((address, 0), Handler)
+        self.requests = 0
         self.listen_again = threading.Event()
         scheme = "http"
         if certificate:

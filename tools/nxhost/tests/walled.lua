@@ -8,6 +8,7 @@ local function fetch(url)
     print(url, connection.status, connection.responseStatus, connection.error)
 end
 fetch(arg[1] .. "/hello")
+if arg[3] then return end
 fetch(arg[1] .. "/redirect?to=http://127.0.0.1:" .. arg[2] .. "/hello")
 -- Public, but not there.
 for _, address in ipairs{"9.9.9.9", "100.128.0.1", "172.32.0.1", "192.169.0.1", "223.255.255.1", "[::ffff:9.9.9.9]",

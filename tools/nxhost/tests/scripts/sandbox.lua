@@ -1,5 +1,4 @@
--- options: --sandbox --instructions 1000 --memory 20M
--- environment: http_proxy=http://192.0.2.1:1
+-- options: --sandbox --instructions 5000 --memory 20M
 -- A sandboxed script reaches no files, not even by uploads, and is stopped when it uses too much.
 print(io, os and os.execute, require, dofile, loadstring, debug)
 local request = host.network:createRequest()
