@@ -20,7 +20,8 @@ public:
     UploadFile& operator=(UploadFile const&) = delete;
     ~UploadFile();
 
-    /// In bytes. Nothing when only reading tells, as for pipes, devices and files that the system makes up.
+    /// In bytes. Nothing if the size is unknown before the end, as for pipes, devices and files that the system makes
+    /// up.
     [[nodiscard]] std::optional<std::int64_t> size() const noexcept { return size_; }
     /// Reading would not wait.
     [[nodiscard]] bool ready() const noexcept;
