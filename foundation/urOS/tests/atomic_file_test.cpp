@@ -112,6 +112,18 @@ struct Facts {
     struct stat facts = {};
 };
 
+TEST_F(AtomicFiles, DoNotWaitForAPipeThatTakesThePlaceOfTheTarget) {
+    AtomicFile file;
+    ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+    EXPECT_TRUE(file.open(wide(path("pipe")), AtomicFile::Special::refused).isError());
+    fs::create_hard_link(target(), path("another name"));  // so that it is overwritten
+    ASSERT_TRUE(file.open(wide(target()), AtomicFile::Special::refused).ok());
+    ASSERT_TRUE(file.write("new", 3).ok());
+    fs::remove(target());
+    ASSERT_EQ(mkfifo(target().c_str(), 0600), 0);
+    EXPECT_TRUE(file.commit().isError());
+}
+
 /// Nobody's rights for as long as it lives, where the test has all rights.
 class Unprivileged {
 public:
