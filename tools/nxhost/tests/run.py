@@ -147,7 +147,7 @@ def walled(nxhost):
     run = subprocess.run([*network, sys.executable, "-B", "-c", inside, nxhost], cwd=here, env=environment(),
                          timeout=SECONDS, capture_output=True, text=True)
     if run.stdout != WALLED:
-        yield f"the sandbox in a network of its own printed: {run.stdout}{run.stderr}"
+        yield f"the sandbox in a network of its own, which NX_SKIP_WALLED=1 leaves out, printed: {run.stdout}{run.stderr}"
 
 
 def print_walled(nxhost):
