@@ -61,6 +61,20 @@ TEST_F(LuaItems, AreMadeOfPlainValuesAndTables) {
     }
 }
 
+TEST_F(LuaItems, MayBeSharedButNotBeyondMeasure) {
+    ASSERT_EQ(luaL_dostring(L,
+                            "local part = {} for i = 1, 1000 do part[i] = i end "
+                            "t = {} for i = 1, 300 do t[i] = part end u = {} for i = 1, 40 do u = {u, u} end"),
+              0);
+    lua_getglobal(L, "t");
+    auto const item = nxPLST::asArray(popPListItem(L, lua_gettop(L)));
+    ASSERT_TRUE(item);
+    EXPECT_EQ(item->size(), 300);
+    EXPECT_EQ(nxPLST::asArray(item->array().back())->size(), 1000);
+    EXPECT_EQ(pop("u"), "none");
+    lua_pop(L, 1);
+}
+
 TEST_F(LuaItems, BecomeValuesAndTables) {
     Reference<Item> item;
     std::string const text = R"({"a":[1,true,"x",[],[]],"b":{"c":-2.5}})";

@@ -23,3 +23,12 @@ end)
 request.url = "once"
 request.url = "again"
 print(seen, request.url)
+
+-- Stacks that hold each other go one after the other, however many there are.
+local chain
+for _ = 1, 200000 do chain = nx.createLCStack(chain, 1) end
+local objects = nx.getObjectTableSize()
+chain = nil
+collectgarbage()
+collectgarbage()
+print(nx.getObjectTableSize() < objects)
