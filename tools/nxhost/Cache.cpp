@@ -2,6 +2,9 @@
 #include "tools/nxhost/Cache.h"
 
 #include <limits>
+#include <memory>
+#include <optional>
+#include <utility>
 
 #include "foundation/nxRFL/ExposeClass.h"
 #include "foundation/ur/hashfunction.h"
@@ -21,7 +24,8 @@ namespace {
 
 class Text final : public urKRCache::Resource {
 public:
-    explicit Text(CString text) : text_(std::move(text)), size_(text_.size()) {}
+    Text(CString text, std::shared_ptr<ur::Account> account)
+        : text_(std::move(text)), size_(text_.size()), charge_(std::move(account), size_) {}
     [[nodiscard]] CString const& text() const noexcept { return text_; }
 
 protected:
@@ -30,22 +34,35 @@ protected:
         // A failure is the stream's: the cache sees it too, and drops the text.
         static_cast<void>(stream.write(text_.data(), size_));
         text_ = CString();
+        charge_.set(0);
     }
     void onDeserialize(urOS::IOStream& stream) override {
         text_.resize(size_);
         static_cast<void>(stream.read(text_.data(), size_));
+        charge_.set(size_);
     }
 
 private:
     CString text_;
     std::size_t size_;
+    ur::Charge charge_;
 };
+
+/// What the cache and a script's handle need for one key.
+constexpr std::size_t bytesOfKey = 768;
 
 /// Names one text and knows the function that builds it. Keys are equal when their names are.
 class TextKey final : public urKRCache::KeyData {
 public:
     TextKey(CString name, Reference<Shim> source, Reference<Function> build)
-        : name_(std::move(name)), source_(std::move(source)), build_(std::move(build)) {}
+        : name_(std::move(name)),
+          source_(std::move(source)),
+          build_(std::move(build)),
+          charge_(build_->getDB()->account(), name_.size() + bytesOfKey) {}
+
+    [[nodiscard]] Reference<Shim> const& source() const noexcept { return source_; }
+    /// The text of the source, when it is known already.
+    void setSourceText(std::optional<CString> text) noexcept { sourceText_ = std::move(text); }
 
 protected:
     void onVisitSubKeys(urKRCache::KeyVisitor& visitor) const override {
@@ -60,20 +77,22 @@ protected:
         nxRFL::Stack results;
         if (source_) {
             nxRFL::Writer writer(arguments);
-            writer.writeText(Resource(*source_->manager(), source_).text());
+            writer.writeText(sourceText_ ? *sourceText_ : Resource(*source_->manager(), source_).text());
         }
         nxSupport::ScriptCallScope const call(name_);
         build_->call(arguments, results);
         nxRFL::Reader reader(results);
         CString const& text = reader.readText();
         if (text.size() > std::numeric_limits<unsigned>::max()) throw nxRFL::Exception("a text of 4 GiB or more");
-        return ur::make<Text>(text);
+        return ur::make<Text>(text, build_->getDB()->account());
     }
 
 private:
     CString name_;
     Reference<Shim> source_;
     Reference<Function> build_;
+    std::optional<CString> sourceText_;
+    ur::Charge charge_;
 };
 
 Reference<Resource> makeResource(Manager& manager, CString const& name, Reference<Shim> source,
@@ -108,11 +127,56 @@ ur::map<CString, double> statistics(Manager& manager) {
 
 }  // namespace
 
+namespace {
+
+Reference<urKRCache::Resource> access(Manager& manager, Reference<Shim> const& shim) {
+    if (!shim->manager()) throw nxRFL::Exception("the resource has been removed");
+    auto built = manager.accessResource(shim);
+    if (!built || !shim->isResourceAllocated()) throw nxRFL::Exception("the cache has no room for the resource");
+    return built;
+}
+
+/// Hands the text of the source to a key, for the time in which that builds its own.
+class Handed {
+public:
+    Handed(Shim const& shim, std::optional<CString> text) : key_(shim.keyData()) {
+        if (key_) static_cast<TextKey&>(*key_).setSourceText(std::move(text));
+    }
+    Handed(Handed const&) = delete;
+    Handed& operator=(Handed const&) = delete;
+    ~Handed() {
+        if (key_) static_cast<TextKey&>(*key_).setSourceText(std::nullopt);
+    }
+
+private:
+    Reference<urKRCache::KeyData> key_;
+};
+
+/// What the text is derived from and what is not there, nearest first.
+ur::vector<Reference<Shim>> missingSources(Shim const& shim) {
+    ur::vector<Reference<Shim>> result;
+    for (auto key = shim.keyData(); key; key = result.back()->keyData()) {
+        Reference<Shim> const& source = static_cast<TextKey const&>(*key).source();
+        if (!source || source->isResourceAllocated() || source->isResourceSerialized()) break;
+        result.push_back(source);
+    }
+    return result;
+}
+
+}  // namespace
+
+/// Sources of sources may be many: they are built from the farthest on, and each is handed to what is built from it.
 CString Resource::text() const {
-    if (!shim_->manager()) throw nxRFL::Exception("the resource has been removed");
-    auto const built = manager_.accessResource(shim_);
-    if (!built || !shim_->isResourceAllocated()) throw nxRFL::Exception("the cache has no room for the resource");
-    return static_cast<Text const&>(*built).text();
+    bool const isThere = shim_->isResourceAllocated() || shim_->isResourceSerialized();
+    auto missing = isThere ? ur::vector<Reference<Shim>>() : missingSources(*shim_);
+    std::optional<CString> text;
+    auto const build = [this, &text](Shim& shim) {
+        Handed const handed(shim, std::exchange(text, std::nullopt));
+        text = static_cast<Text const&>(*access(manager_, Reference<Shim>(&shim))).text();
+    };
+    for (; !missing.empty(); missing.pop_back()) build(*missing.back());
+    build(*shim_);
+    return std::move(*text);
 }
 
 void exposeCache(nxRFL::Database& database, std::uint64_t mostMemory) {

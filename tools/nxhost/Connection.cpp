@@ -8,9 +8,20 @@ namespace nxhost {
 
 using urString::CString;
 
+namespace {
+
+/// What libcurl needs while a transfer runs, with its buffers.
+constexpr std::size_t bytesOfTransfer = std::size_t(64) << 10U;
+
+}  // namespace
+
 CString Connection::responseHeader(CString const& name) const {
     auto const found = responseHeaders_.find(CString(name).toLowerCase());
     return found == responseHeaders_.end() ? CString() : found->second;
+}
+
+void Connection::chargeTo(std::shared_ptr<ur::Account> const& account) {
+    if (!charge_) charge_ = ur::Charge(account, sizeof(Connection));
 }
 
 void Connection::tell(TransferNews news) {
@@ -20,6 +31,7 @@ void Connection::tell(TransferNews news) {
 
 void Connection::onStart() {
     if (transfers_.running(*this)) return;
+    transferCharge_ = ur::Charge(charge_.account(), charge_ ? bytesOfTransfer : 0);
     responseStatus_ = 0;
     responseHeaders_.clear();
     progress_ = {};
@@ -29,6 +41,7 @@ void Connection::onStart() {
 
 void Connection::onCancel() {
     transfers_.stop(*this);
+    transferCharge_ = {};
     progressFunc_.set(nullptr);
 }
 
@@ -43,11 +56,13 @@ void Connection::on(Progressed const& news) {
 }
 
 void Connection::on(Completed const& /*news*/) {
+    transferCharge_ = {};
     progressFunc_.set(nullptr);
     setComplete();
 }
 
 void Connection::on(Failed& news) {
+    transferCharge_ = {};
     errorText_ = std::move(news.text);
     progressFunc_.set(nullptr);
     setFailed(static_cast<int>(news.error));

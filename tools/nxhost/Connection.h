@@ -33,6 +33,9 @@ public:
     /// Is called when `progress` has changed, until the transfer ends.
     void setProgressFunc(std::function<void()> function) { progressFunc_.set(std::move(function)); }
 
+    /// Charges the connection and what it holds from now on, as long as it lives.
+    void chargeTo(std::shared_ptr<ur::Account> const& account);
+
     /// For the transfer: something has happened.
     void tell(TransferNews news);
 
@@ -55,6 +58,8 @@ private:
     Progressed progress_;
     urString::CString errorText_;
     nxNet::CallbackSlot<> progressFunc_;
+    ur::Charge charge_;
+    ur::Charge transferCharge_;  ///< while a transfer runs
 };
 
 /// The host's maker of connections.

@@ -17,6 +17,11 @@ using urString::CString;
 
 namespace {
 
+constexpr std::size_t longestName = 256;
+constexpr std::size_t bytesOfEntry = 2048;    // a name with its property
+constexpr std::size_t bytesOfCallable = 512;  // a listener or a validator
+constexpr std::size_t bytesOfStep = 256;      // what the history does not count: the names of steps
+
 void tell(nxRFL::Callback const& listener, CString const& name, ScriptValue const& value) {
     nxRFL::Stack arguments;
     nxRFL::Stack results;
@@ -59,9 +64,11 @@ ScriptValue Document::get(CString const& name) const {
 void Document::set(CString const& name, ScriptValue const& value) {
     if (domain_.isConst()) throw nxRFL::Exception("nothing can be changed in a Const context");
     Reference<Property> const property = entry(name).property;
+    kept_.add(value.item);
     nxTXN::Transaction transaction(history_, CString("Set ").append(name));
     property->setValue(value.item);
     transaction.commit();
+    settleHistory();
 }
 
 ur::vector<CString> Document::names() const {
@@ -76,11 +83,13 @@ void Document::edit(CString const& name, Reference<Function> const& function) {
     requireFunction(function != nullptr, "nxhost::Document.edit", 2);
     nxSupport::PerfScope time;
     time.charge(nxSupport::Perf_UpdateDoc);
+    if (name.size() > longestName) throw nxRFL::Exception("the name of a step has at most 256 bytes");
     nxSupport::ScriptCallScope const call(name);
     nxTXN::Transaction transaction(history_, name);
     nxRFL::Stack results;
     function->call({}, results);
     transaction.commit();
+    settleHistory();
 }
 
 bool Document::undo() {
@@ -98,6 +107,7 @@ bool Document::redo() {
 void Document::listen(CString const& name, Reference<Function> const& function) {
     requireFunction(function != nullptr, "nxhost::Document.listen", 2);
     Entry& listened = entry(name);
+    chargeCallable(name);
     if (!listened.view) {
         nxTXN::Transaction quiet(history_, {}, nxTXN::TransactionKind::none);
         listened.view = listened.property->cloneUnTxd();
@@ -113,20 +123,41 @@ void Document::listen(CString const& name, Reference<Function> const& function) 
 void Document::validate(CString const& name, Reference<Function> const& function) {
     requireFunction(function != nullptr, "nxhost::Document.validate", 2);
     Entry& validated = entry(name);
+    chargeCallable(name);
     validated.connections.push_back(validated.property->subscribeValidation(
-        [name, function](Reference<Property const> const&, Property::ItemReference& candidate) {
-            candidate = corrected(*function, name, {candidate}).item;
+        [this, name, function](Reference<Property const> const&, Property::ItemReference& candidate) {
+            ScriptValue const accepted = corrected(*function, name, {candidate});
+            kept_.add(accepted.item);
+            candidate = accepted.item;
         }));
 }
 
 /// That of a name seen for the first time is made outside the history: undo takes values back, not properties.
 Document::Entry& Document::entry(CString const& name) {
+    auto const known = entries_.find(name);
+    if (known != entries_.end() && known->second.property) return known->second;
+    if (name.size() > longestName) throw nxRFL::Exception("the name of a value has at most 256 bytes");
+    entriesCharge_.add(bytesOfEntry);
     Entry& result = entries_[name];
-    if (result.property) return result;
     nxTXN::Transaction quiet(history_, {}, nxTXN::TransactionKind::none);
     result.property = Property::createTxd(history_, name);
     quiet.commit();
     return result;
+}
+
+void Document::chargeTo(std::shared_ptr<ur::Account> const& account) {
+    if (entriesCharge_) return;
+    kept_.chargeTo(account);
+    entriesCharge_ = ur::Charge(account, 0);
+    historyCharge_ = ur::Charge(account, 0);
+}
+
+void Document::chargeCallable(CString const& name) { entriesCharge_.add(bytesOfCallable + name.size()); }
+
+/// The records are there already.
+void Document::settleHistory() noexcept {
+    auto const steps = static_cast<std::size_t>(history_.undoCount() + history_.redoCount());
+    historyCharge_.set(history_.historyBytes() + steps * bytesOfStep);
 }
 
 void exposeDocument(nxRFL::Database& database) {

@@ -7,6 +7,7 @@
 #include "foundation/nxTXN/Manager.h"
 #include "support/messaging/Domain.h"
 #include "support/properties/Property.h"
+#include "tools/nxhost/KeptValues.h"
 #include "tools/nxhost/ScriptValue.h"
 
 namespace nxhost {
@@ -40,6 +41,9 @@ public:
 
     [[nodiscard]] nxTXN::Manager& history() const noexcept { return history_; }
 
+    /// Charges the values that are set from now on, for as long as the document or its history has them.
+    void chargeTo(std::shared_ptr<ur::Account> const& account);
+
 private:
     using Property = nxSupport::Property;
     struct Entry {
@@ -49,10 +53,16 @@ private:
     };
 
     Entry& entry(urString::CString const& name);
+    /// For a listener or a validator of that name.
+    void chargeCallable(urString::CString const& name);
+    void settleHistory() noexcept;
 
     nxTXN::Manager& history_;
     nxSupport::Domain& domain_;
     std::map<urString::CString, Entry> entries_;
+    KeptValues kept_;
+    ur::Charge entriesCharge_;
+    ur::Charge historyCharge_;
 };
 
 /// Registers the document's class.

@@ -22,6 +22,10 @@ public:
     FileSink(urString::CString const& path, Transfers& transfers);
     ~FileSink() override;
 
+    void chargeTo(std::shared_ptr<ur::Account> const& account) {
+        if (!charge_) charge_ = ur::Charge(account, bytesOfFile);
+    }
+
 protected:
     void onData(ur::Reference<urThread::Buffer> data) override;
 
@@ -29,9 +33,12 @@ private:
     void onClose() override;
     [[nodiscard]] bool openDevice(urString::CString const& path);
 
+    static constexpr std::size_t bytesOfFile = 4096;
+
     Transfers& transfers_;
     urOS::AtomicFile file_;
     std::shared_ptr<PipeWriter> device_;  ///< null when the target is a regular file
+    ur::Charge charge_;
 };
 
 }  // namespace nxhost

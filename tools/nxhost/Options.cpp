@@ -71,8 +71,8 @@ constexpr Option options[] = {
      }},
     {"--instructions", "COUNT", "stop a script after COUNT instructions",
      [](Options& o, std::string_view value) { o.limits.instructions = countIn(value, "--instructions"); }},
-    {"--memory", "SIZE", "refuse a script more than SIZE bytes",
-     [](Options& o, std::string_view value) { o.limits.memory = sizeIn(value, "--memory"); }},
+    {"--memory", "SIZE", "refuse scripts more than SIZE bytes in total",
+     [](Options& o, std::string_view value) { o.limits.totalMemory = sizeIn(value, "--memory"); }},
     {"--cache", "SIZE", "keep at most SIZE bytes of resources (256M; 0: all)",
      [](Options& o, std::string_view value) { o.cacheLimit = sizeIn(value, "--cache"); }},
     {"--time", "SECONDS", "let a transfer take at most SECONDS (3600; 0: for ever)",
@@ -200,6 +200,9 @@ std::optional<Options> readOptions(int argc, char const* const* argv) {
     }
     if (result.network.sandboxed && std::ranges::any_of(result.network.schemes, &allowsFiles))
         throw UsageError{"--allow file is not for the sandbox"};
+    // Otherwise the cache would keep what scripts could use.
+    if (result.limits.totalMemory != 0 && result.cacheLimit == Options().cacheLimit)
+        result.cacheLimit = std::min<std::uint64_t>(result.cacheLimit, result.limits.totalMemory / 4);
     if (i < argc && result.code.empty()) result.script = argv[i++];
     result.arguments.assign(argv + i, argv + argc);
     bool const isAskedToRun = result.script || !result.code.empty() || result.prompt;

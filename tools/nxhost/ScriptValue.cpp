@@ -68,6 +68,20 @@ void writeTree(nxRFL::Writer& writer, Reference<nxPLST::Item const> const& item)
 
 }  // namespace
 
+std::size_t bytesOf(nxPLST::Item const& item) {
+    constexpr std::size_t bytesOfItem = 64;
+    std::size_t bytes = bytesOfItem;
+    Reference<nxPLST::Item const> const held(&item);
+    if (auto const text = asString(held)) bytes += text->value().size();
+    if (auto const array = asArray(held)) {
+        for (auto const& element : array->array()) bytes += bytesOf(*element);
+    }
+    if (auto const dictionary = asDictionary(held)) {
+        for (auto const& [key, value] : dictionary->dictionary()) bytes += bytesOf(*value) + key.size();
+    }
+    return bytes;
+}
+
 void read(nxRFL::Reader& reader, ScriptValue& value) {
     value.item = nullptr;
     if (reader.isNull()) return reader.readNull();

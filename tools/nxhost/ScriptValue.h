@@ -16,6 +16,9 @@ struct ScriptValue {
     ur::Reference<nxPLST::Item const> item;
 };
 
+/// About what a value occupies.
+[[nodiscard]] std::size_t bytesOf(nxPLST::Item const& item);
+
 /// Raises for what has no item form: objects, functions, nil inside a table, and what is nested too deeply.
 void read(nxRFL::Reader& reader, ScriptValue& value);
 void write(nxRFL::Writer& writer, ScriptValue const& value);

@@ -81,6 +81,11 @@ USAGE = [  # arguments, standard input, exit code, what is in the output
     (["--list"], "", 0, "\nclass nxhost::Connection: nxNet::Connection\n"),
     (["--trace", "/nowhere/trace.json", "-e", ""], "", 2, "nxhost: /nowhere/trace.json: No such file or directory"),
     (["--list"], "", 0, "\nvalue nxhost::Document host.document\n"),
+    *((["--memory", "8M", "-e", f"for i = 1, 1e9 do {grow} end"], "", 1, "memory budget spent") for grow in (
+        "host.registry:setKey('key' .. i, nil)", "host.document:set('name' .. i, nil)",
+        "host.document:set('name' .. i % 10, {i, ('x'):rep(10000)})", "host.document:validate('name', print)",
+        "host.later(function() end)", "host.document:edit(('n'):rep(200) .. i, function() host.document:set('a', i) end)",
+        "host.cache:resource('name' .. i, print)")),
     (["--list", "script.lua"], "", 2, "nxhost: a listing takes neither a script nor -e or -i"),
     (["--list", "--stubs"], "", 0, "\n---@class nxhost.Connection : nxNet.Connection\n"),
 ]
