@@ -80,7 +80,13 @@ Error AtomicFile::create(Special special) {
     if (!exists) return Error::fromSystem(errno, target_.string());
     way_ = Way::byOverwriting;
     use(impl::openScratch());
-    return file_.isOpen() ? Error() : Error::fromSystem(errno, "temporary folder");
+    return file_.isOpen() ? openFormer() : Error::fromSystem(errno, "temporary folder");
+}
+
+/// From here on, what others put under the target's name changes nothing.
+Error AtomicFile::openFormer() {
+    static_cast<void>(former_.attach(impl::openRegular(target_), File::Ownership::own));
+    return former_.isOpen() ? Error() : Error::fromSystem(errno, target_.string());
 }
 
 /// False, and `errno`, when no file can be made there that differs from an existing target in its content alone.
@@ -129,7 +135,8 @@ Error AtomicFile::replace() {
     fs::rename(temporary_, target_, unmoved);
     if (unmoved == std::errc::device_or_resource_busy) {  // a mount point
         way_ = Way::byOverwriting;
-        return file_.open(multibyte(temporary_), openRead);
+        Error const opened = openFormer();
+        return opened.ok() ? file_.open(multibyte(temporary_), openRead) : opened;
     }
     if (unmoved) return Error::fromSystem(unmoved, target_.string());
     temporary_.clear();
@@ -138,24 +145,21 @@ Error AtomicFile::replace() {
 
 /// Brings the content from the file that was written into the target.
 Error AtomicFile::overwrite() {
-    File target;
-    static_cast<void>(
-        target.attach(impl::openDescriptor(target_, O_WRONLY | impl::withoutWaiting, 0), File::Ownership::own));
-    if (!target.isOpen()) return Error::fromSystem(errno, target_.string());
     std::uint64_t size = 0;
     Error error = file_.size(size);
     // A full disk is noticed while the old content is still there.
-    if (error.ok() && !impl::reserve(target.descriptor(), size)) error = Error::fromSystem(errno, target_.string());
+    if (error.ok() && !impl::reserve(former_.descriptor(), size)) error = Error::fromSystem(errno, target_.string());
     if (error.ok()) error = file_.seek(0);
-    if (error.ok()) error = copy(file_, target);
-    if (error.ok() && !impl::resize(target.descriptor(), size)) error = Error::fromSystem(errno, target_.string());
-    if (error.ok()) error = target.sync();
-    Error const closed = target.close();
+    if (error.ok()) error = copy(file_, former_);
+    if (error.ok() && !impl::resize(former_.descriptor(), size)) error = Error::fromSystem(errno, target_.string());
+    if (error.ok()) error = former_.sync();
+    Error const closed = former_.close();
     return error.ok() ? closed : error;
 }
 
 void AtomicFile::discard() noexcept {
     static_cast<void>(file_.close());
+    static_cast<void>(former_.close());
     std::error_code ignored;
     if (!temporary_.empty() && nameless_ < 0) fs::remove(temporary_, ignored);
     temporary_.clear();

@@ -8,13 +8,14 @@
 
 namespace urOS {
 
-/// Writes beside its target and takes the target's place when committed, so that an error, an exception or a crash
-/// leaves the old file as it was and nobody reads a half-written one. File and folder are flushed to the disk.
+/// Writes beside its target and takes the target's place when committed. An error, an exception or a crash before that
+/// leaves the old file as it was, and nobody reads a half-written one. File and folder are flushed to the disk.
 ///
 /// An existing file keeps its names, owner, permissions and extended attributes (access lists): where a new file could
-/// not take its place or would lose one of these, `commit` writes the content into the old one. That is so for a file
+/// not take its place or would lose one of these, `commit` overwrites the content of the old one. That is so for a file
 /// with several names (hard links), of another owner or group that the process may not give files to, in a folder that
-/// may not be written, and for a mount point. docs/files.md tells what a crash then leaves.
+/// may not be written, and for a mount point. An error or a crash while overwriting can leave a mixture of both
+/// contents: docs/files.md says when.
 ///
 /// A link is followed: the file it names is replaced, or made. A target that is no regular file (a pipe, a terminal) is
 /// written to directly unless it is refused; a write-protected one is an error. What is not committed is dropped with
@@ -31,8 +32,8 @@ public:
 
     /// Gets ready to replace the file at `path`; an earlier, uncommitted one is dropped.
     urUtil::Error open(urString::IString const& path, Special special = Special::written);
-    /// Puts the new file in its place, on the disk when this returns. When a write failed, that error comes back and
-    /// the old file stays. When only flushing the folder failed, the error comes back with the new file in place.
+    /// Puts the new file in its place, on the disk when this returns. Returns the error of an earlier write, and the
+    /// old file stays. When only flushing the folder fails, returns that error with the new file in place.
     urUtil::Error commit();
 
     /// Nothing is there to be read: an error.
@@ -46,11 +47,13 @@ private:
     urUtil::Error create(Special special);
     [[nodiscard]] bool createBeside(bool exists, int permissions);
     void use(int descriptor);
+    urUtil::Error openFormer();
     urUtil::Error replace();
     urUtil::Error overwrite();
     void discard() noexcept;
 
-    File file_;  ///< what is written to
+    File file_;    ///< what is written to
+    File former_;  ///< the target, where its content is to be overwritten
     Way way_ = Way::directly;
     std::filesystem::path target_;
     std::filesystem::path temporary_;  ///< what the open file is called beside the target

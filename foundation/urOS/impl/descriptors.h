@@ -24,13 +24,6 @@ inline urUtil::Error faultOfName(std::string_view name) {
     return end == std::string_view::npos ? urUtil::Error() : urUtil::Error::fromSystem(EINVAL, name.substr(0, end));
 }
 
-/// A flag with which opening a pipe does not wait for its other end.
-#if defined(_WIN32)
-constexpr int withoutWaiting = 0;
-#else
-constexpr int withoutWaiting = O_NONBLOCK;
-#endif
-
 /// A descriptor through which bytes go unchanged and which no child process gets; -1, and `errno`, if there is none.
 inline int openDescriptor(std::filesystem::path const& path, int flags, int permissions) {
 #if defined(_WIN32)

@@ -19,6 +19,8 @@ namespace urOS::impl {
 [[nodiscard]] bool giveName(int descriptor, std::filesystem::path const& name);
 /// Opens a new file in the folder for temporary files, which is gone when it is closed.
 [[nodiscard]] int openScratch();
+/// Opens an existing file for writing. Fails for links, and waits for nothing.
+[[nodiscard]] int openRegular(std::filesystem::path const& file);
 
 /// Makes a new file like the one that it is to replace: owner, permissions, extended attributes. False when something
 /// of that cannot be had, or when the former file has other names, which would go on naming it.

@@ -94,6 +94,15 @@ int openScratch() {
     return descriptor;
 }
 
+int openRegular(fs::path const& file) {
+    int const descriptor = openDescriptor(file, O_WRONLY | O_NOFOLLOW | O_NONBLOCK, 0);
+    struct stat facts = {};
+    if (descriptor < 0 || (::fstat(descriptor, &facts) == 0 && S_ISREG(facts.st_mode))) return descriptor;
+    static_cast<void>(::close(descriptor));
+    errno = EINVAL;
+    return -1;
+}
+
 bool resemble(int descriptor, fs::path const& former) {
     struct stat old = {};
     struct stat now = {};

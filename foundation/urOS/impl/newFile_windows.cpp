@@ -25,6 +25,8 @@ int openScratch() {
     return openDescriptor(name, O_RDWR | O_CREAT | O_EXCL | _O_TEMPORARY, S_IREAD | S_IWRITE);
 }
 
+int openRegular(std::filesystem::path const& file) { return openDescriptor(file, O_WRONLY, 0); }
+
 bool resemble(int /*descriptor*/, std::filesystem::path const& former) {
     std::error_code unknown;
     return std::filesystem::hard_link_count(former, unknown) <= 1;
