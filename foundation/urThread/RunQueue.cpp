@@ -38,11 +38,7 @@ struct RunQueue::State {
     // The oldest runnable if it is older than the one numbered `end`, otherwise null.
     Work takeBefore(std::uint64_t end) {
         std::lock_guard const lock(mutex);
-        if (closed || queued.empty() || firstNumber >= end) return nullptr;
-        Work work = std::move(queued.front());
-        queued.pop_front();
-        ++firstNumber;
-        return work;
+        return !closed && firstNumber < end ? takeFirst() : nullptr;
     }
 
     // By the servicing thread: the number of the next runnable that is added.
@@ -60,11 +56,21 @@ struct RunQueue::State {
     }
 
     void dropIfClosed() noexcept {
-        std::deque<Work> dropped;
+        while (Work const dropped = takeClosed()) {
+        }
+    }
+
+    Work takeClosed() noexcept {
         std::lock_guard const lock(mutex);
-        if (!closed) return;
-        firstNumber += queued.size();
-        dropped.swap(queued);
+        return closed ? takeFirst() : nullptr;
+    }
+
+    Work takeFirst() noexcept {
+        if (queued.empty()) return nullptr;
+        Work work = std::move(queued.front());
+        queued.pop_front();
+        ++firstNumber;
+        return work;
     }
 
     std::mutex mutex;

@@ -20,9 +20,10 @@ struct TaskImpl;
 /// completed. The count is plain, so `execute` must leave references to the task alone, as it must leave alone the
 /// domain and all else that it does not own. An exception from it ends the work, not the process, and the task never
 /// completes: a `wait` says what was thrown, frees the task and has its domain forget it.
-/// When the queue drops the completion unrun, `onComplete` is not called, but the task is freed all the same: when the
-/// main thread drops it from a closed queue. One whose queue had closed before the work ended, like one that threw,
-/// is freed by a `wait` or when its domain goes.
+/// When the queue drops the completion unrun, `onComplete` is not called, but the task is freed: at once when the main
+/// thread drops it from a closed queue. A task whose queue had closed before its work ended, like one that threw, is
+/// freed by a `wait`, or when its domain goes after the end of the work. A host that closes the queue and destroys the
+/// domain while tasks work keeps references to them, and waits.
 /// All but `execute` belongs to the main thread, which services the queue.
 class NX_API AsyncTask : public ur::ReferenceCount {
 public:

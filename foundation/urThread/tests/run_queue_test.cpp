@@ -71,8 +71,11 @@ TEST_F(RunQueueTest, WhatIsQueuedAtTheEndIsDroppedAndNotRun) {
 
 TEST_F(RunQueueTest, WhatIsQueuedIsDroppedByTheServicingThread) {
     std::thread::id droppedBy;
-    auto const close = [&] {
+    auto const addWatched = [&] {
         add([atEnd = std::shared_ptr<void>(nullptr, [&](void*) { droppedBy = std::this_thread::get_id(); })] {});
+    };
+    auto const close = [&] {
+        addWatched();
         std::thread([&] { queue->close(); }).join();
         EXPECT_TRUE(droppedBy == std::thread::id() && queue->size() == 0);
     };
@@ -85,13 +88,14 @@ TEST_F(RunQueueTest, WhatIsQueuedIsDroppedByTheServicingThread) {
         EXPECT_EQ(std::exchange(droppedBy, {}), std::this_thread::get_id());
     }
     queue = std::make_unique<RunQueue>();
-    add([] {});
-    std::thread([&] {  // becomes the servicing one
+    std::thread::id servicing;
+    std::thread([&] {
+        servicing = std::this_thread::get_id();
         queue->service();
-        add([&] {});
+        addWatched();
         queue->close();
-    })
-        .join();
+    }).join();
+    EXPECT_EQ(droppedBy, servicing);
 }
 
 TEST_F(RunQueueTest, WaitingEndsWithTheLimitAnAdditionOrTheClose) {
