@@ -1,6 +1,8 @@
 // Scanning onto the tape.
 #include "plst/JsonTape.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <limits>
 
@@ -45,10 +47,13 @@ public:
         entry.size = static_cast<std::uint32_t>(text.size());
         entry.isUnescaped = std::less<>()(text.data(), first) || std::less<>()(first + tape_.text_.size(), text.data());
         entry.place = entry.isUnescaped ? tape_.unescaped_.size() : static_cast<std::size_t>(text.data() - first);
-        if (entry.isUnescaped) tape_.unescaped_.append(text);
+        if (!entry.isUnescaped) return;
+        tape_.charge_.add(text.size());
+        tape_.unescaped_.append(text);
     }
     void open(Inside inside) {
         add(inside == Inside::dictionary ? Kind::dictionary : Kind::array);
+        chargeGrowth(open_);
         open_.push_back(tape_.entries_.size() - 1);
     }
     void close() { open_.pop_back(); }
@@ -57,7 +62,13 @@ private:
     void count() noexcept {
         if (!open_.empty()) ++tape_.entries_[open_.back()].size;
     }
+    template <class T>
+    void chargeGrowth(ur::vector<T> const& full) {
+        if (full.size() < full.capacity()) return;
+        tape_.charge_.add(std::max<std::size_t>(full.capacity(), 1) * sizeof(T));
+    }
     Entry& append(Kind kind) {
+        chargeGrowth(tape_.entries_);
         Entry& entry = tape_.entries_.emplace_back();
         entry.kind = kind;
         return entry;

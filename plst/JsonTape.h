@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "foundation/ur/Account.h"
 #include "foundation/ur/Export.h"
 #include "foundation/ur/containers.h"
 
@@ -30,6 +33,10 @@ public:
         };
     };
 
+    JsonTape() = default;
+    /// Charges what the tape takes: reading throws `ur::BudgetSpent` when that is too much. No account is null.
+    explicit JsonTape(std::shared_ptr<ur::Account> account) : charge_(std::move(account), 0) {}
+
     /// Takes apart the one value that is all of `text`, which lives as long as the texts of entries are asked for.
     /// False for what `convertFromJSON` refuses, and from 4 GiB on; then there are no entries.
     bool read(std::string_view text);
@@ -46,6 +53,7 @@ private:
     std::string_view text_;
     ur::vector<Entry> entries_;
     std::string unescaped_;
+    ur::Charge charge_;
 };
 
 }  // namespace nxPLST

@@ -32,7 +32,7 @@ Stack& Stack::operator=(Stack other) noexcept {
 void Stack::clear() noexcept {
     dismantle();
     if (values_.capacity() > mostKeptValues) ur::vector<Value>().swap(values_);
-    charge_.set(values_.capacity() * sizeof(Value));
+    charge_.set(sizeof(Stack) + values_.capacity() * sizeof(Value));
 }
 
 std::size_t Stack::bytesOf(Value const& value) noexcept {

@@ -63,7 +63,7 @@ public:
 
     /// Charges what is written from now on. The first account stays.
     void chargeTo(std::shared_ptr<ur::Account> const& account) {
-        if (!charge_) charge_ = ur::Charge(account, 0);
+        if (!charge_) charge_ = ur::Charge(account, sizeof(Stack));
     }
     /// The number of items; what containers hold does not count.
     [[nodiscard]] unsigned size() const noexcept { return items_; }

@@ -20,8 +20,8 @@ struct NX_API BudgetSpent : std::bad_alloc {
 
 /// The bytes that the objects of one reflection database own together with the script states that are bound to it.
 ///
-/// Native objects hold a `Charge` for what they own; the allocators of the states count what scripts allocate. Whoever
-/// runs a script sets the limit for that time, and a collector that frees what scripts no longer use. Charges may be
+/// Native objects hold a `Charge` for what they own; the allocators of the states count what scripts allocate. A call
+/// of a script sets the limit for that time, and a collector that frees what scripts no longer use. Charges may be
 /// given back on any thread; everything else belongs to the thread of the scripts.
 class NX_API Account {
 public:
@@ -42,7 +42,7 @@ public:
     };
 
     static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
-    /// Native bytes that may come to be without a collection, whatever there is.
+    /// So many native bytes are always allocated before the next collection.
     static constexpr std::size_t leastPace = std::size_t(1) << 20U;
 
     Account() = default;

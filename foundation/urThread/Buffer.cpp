@@ -8,7 +8,8 @@
 
 namespace urThread {
 
-/// Bytes with room behind them. What buffers see of it never changes; the rest is for whoever claims it first.
+/// Bytes with room behind them. What buffers see of it never changes; the rest belongs to the first buffer that claims
+/// it.
 class Buffer::Storage {
 public:
     explicit Storage(ur::vector<char>&& bytes) noexcept

@@ -48,8 +48,8 @@ private:
 };
 
 /// A new buffer with the bytes of `a` and then those of `b`; null counts as empty. Merging one block after the other
-/// into the last result copies each byte a few times at most, however many blocks there are. Throws `ur::BudgetSpent`
-/// when one of the two is charged and there is no room.
+/// into the last result copies each byte a few times at most, however many blocks there are. Charged buffers are merged
+/// on the thread of their account only; throws `ur::BudgetSpent` when that has no room.
 [[nodiscard]] NX_API ur::Reference<Buffer> mergeBuffers(ur::Reference<Buffer> const& a, ur::Reference<Buffer> const& b);
 
 }  // namespace urThread

@@ -3,7 +3,10 @@
 
 #include <exception>
 
+#include "foundation/nxLC/ReflectionData.h"
 #include "foundation/nxLC/protect.h"
+#include "foundation/nxRFL/Database.h"
+#include "foundation/ur/Account.h"
 #include "plst/JsonTape.h"
 #include "script/impl/makeRoom.h"
 
@@ -63,16 +66,21 @@ private:
     JsonTape::Entry const* next_;
 };
 
-/// The number of results: the value, or none.
+constexpr int budgetSpent = -1;
+
+/// The number of results: the value, or none; or `budgetSpent`.
 int decode(lua_State* state, char const* text) {
     try {
-        JsonTape tape;
+        auto* const reflection = nxLC::ReflectionData::find(state);
+        JsonTape tape(reflection ? reflection->getDB()->account() : nullptr);
         if (!tape.read(text)) return 0;
         nxLC::protect(state, 0, 1, [&tape](lua_State* inner) {
             TapePusher(inner, tape).pushNext();
             return 1;
         });
         return 1;
+    } catch (ur::BudgetSpent const&) {
+        return budgetSpent;
     } catch (std::exception const&) {
         return 0;
     }
@@ -83,7 +91,8 @@ int decode(lua_State* state, char const* text) {
 int decodeJson(lua_State* state) {
     if (lua_gettop(state) != 1 || !lua_isstring(state, 1)) return 0;
     // Up to the first NUL. Of a number this makes a text, and may raise: nothing has been made yet.
-    return decode(state, lua_tostring(state, 1));
+    int const results = decode(state, lua_tostring(state, 1));
+    return results == budgetSpent ? luaL_error(state, "%s", ur::BudgetSpent().what()) : results;
 }
 
 }  // namespace nxSupport::impl

@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <initializer_list>
+
+#include "foundation/nxLC/impl/Binding.h"
 
 namespace nxLC::impl {
 
@@ -39,13 +42,18 @@ int matchBounded(lua_State* state) {
     return callOriginal(state);
 }
 
-/// Refuses ranges whose length no whole number can hold: Lua's own check overflows. Longer ones than fit on its stack
-/// it refuses itself.
+/// Whether Lua's own conversion to `int` keeps the number.
+bool fits(double number) { return number > INT_MIN && number < INT_MAX; }
+
+constexpr double mostUnpacked = 1e6;
+
+/// Refuses ranges whose ends or length no `int` holds: Lua's own check overflows. Of the others, it refuses those that
+/// do not fit on its stack.
 int unpackBounded(lua_State* state) {
     double const first = luaL_optnumber(state, 2, 1);
     double const last = luaL_optnumber(state, 3, static_cast<double>(lua_objlen(state, 1)));
-    constexpr double mostResults = 1e6;
-    if (!(last - first < mostResults && first > INT_MIN && last < INT_MAX))
+    if (last < first - 1) return 0;
+    if (!(fits(first) && fits(last) && last - first < mostUnpacked))
         return luaL_error(state, "too many results to unpack");
     return callOriginal(state);
 }
@@ -60,13 +68,24 @@ int repeatBounded(lua_State* state) {
     return callOriginal(state);
 }
 
-/// Refuses positions from which Lua would move elements that are not there.
-int insertBounded(lua_State* state) {
-    bool const isPlaced = lua_gettop(state) == 3 && lua_isnumber(state, 2);
-    if (isPlaced && !(lua_tonumber(state, 2) >= 0 && lua_tonumber(state, 2) <= INT_MAX))
-        return luaL_error(state, "the position is out of bounds");
+constexpr double mostMoved = 1 << 24;
+
+/// For `insert` and `remove`, which move all elements from the position in the second argument on. The length that a
+/// table claims may be far beyond what is in it. Each move counts as an instruction.
+int moveBounded(lua_State* state) {
+    if (lua_type(state, 1) != LUA_TTABLE || !lua_isnumber(state, 2)) return callOriginal(state);
+    double const position = lua_tonumber(state, 2);
+    if (!(position >= 0 && fits(position))) return luaL_error(state, "the position is out of bounds");
+    double const moved = static_cast<double>(lua_objlen(state, 1)) - position;
+    if (moved > mostMoved) return luaL_error(state, "too many elements to move");
+    Binding* const binding = moved > 0 ? Binding::find(state) : nullptr;
+    if (binding) binding->meter.spend(static_cast<std::uint64_t>(moved));
+    if (binding && binding->meter.mustStop()) return luaL_error(state, "%s", binding->meter.reason());
     return callOriginal(state);
 }
+
+/// `insert` with two arguments appends the second, which may be a number.
+int insertBounded(lua_State* state) { return lua_gettop(state) == 3 ? moveBounded(state) : callOriginal(state); }
 
 /// Puts `bounded` in front of functions of the table that is the global `table`.
 void bound(lua_State* state, char const* table, std::initializer_list<char const*> names, lua_CFunction bounded) {
@@ -85,21 +104,22 @@ void bound(lua_State* state, char const* table, std::initializer_list<char const
 void openLibraries(lua_State* state, Library library) {
     if (library == Library::everything) {
         luaL_openlibs(state);
-        return bound(state, "_G", {"unpack"}, &unpackBounded);
+    } else {
+        open(state, "", &luaopen_base);
+        open(state, LUA_TABLIBNAME, &luaopen_table);
+        open(state, LUA_STRLIBNAME, &luaopen_string);
+        open(state, LUA_MATHLIBNAME, &luaopen_math);
+        open(state, LUA_OSLIBNAME, &luaopen_os);
+        // Compiled code can break the machine, and finalizers run where no instructions are counted.
+        remove(state, "_G", {"dofile", "loadfile", "load", "loadstring", "newproxy"});
+        remove(state, LUA_OSLIBNAME, {"execute", "exit", "getenv", "remove", "rename", "setlocale", "tmpname"});
+        remove(state, LUA_STRLIBNAME, {"dump", "gfind"});
+        bound(state, LUA_STRLIBNAME, {"find", "match", "gmatch", "gsub"}, &matchBounded);
     }
-    open(state, "", &luaopen_base);
-    open(state, LUA_TABLIBNAME, &luaopen_table);
-    open(state, LUA_STRLIBNAME, &luaopen_string);
-    open(state, LUA_MATHLIBNAME, &luaopen_math);
-    open(state, LUA_OSLIBNAME, &luaopen_os);
-    // Compiled code can break the machine, and finalizers run where no instructions are counted.
-    remove(state, "_G", {"dofile", "loadfile", "load", "loadstring", "newproxy"});
-    remove(state, LUA_OSLIBNAME, {"execute", "exit", "getenv", "remove", "rename", "setlocale", "tmpname"});
-    remove(state, LUA_STRLIBNAME, {"dump", "gfind"});
     bound(state, "_G", {"unpack"}, &unpackBounded);
-    bound(state, LUA_STRLIBNAME, {"find", "match", "gmatch", "gsub"}, &matchBounded);
     bound(state, LUA_STRLIBNAME, {"rep"}, &repeatBounded);
     bound(state, LUA_TABLIBNAME, {"insert"}, &insertBounded);
+    bound(state, LUA_TABLIBNAME, {"remove"}, &moveBounded);
 }
 
 }  // namespace nxLC::impl
