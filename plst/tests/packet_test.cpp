@@ -103,6 +103,29 @@ TEST(ItemPackets, PassThroughBuffersOfEverySize) {
     }
 }
 
+TEST(ItemPackets, MayHaveTheKeysOfALargeDictionaryInAnyOrder) {
+    constexpr int count = 6000;
+    auto const key = [](int i) { return "key" + std::to_string(10000 + i); };
+    auto ascending = make<Dictionary>();
+    for (int i = 0; i < count; ++i) ascending->insert(key(i).c_str(), make<Double>(i));
+    std::string descending = bytesOf(ascending);
+    std::size_t at = 0;
+    for (int i = 0; i < count; ++i, at += key(i).size()) {
+        at = descending.find(key(i), at);
+        ASSERT_NE(at, std::string::npos);
+        descending.replace(at, key(i).size(), key(count - 1 - i));
+    }
+    auto const item = readBack(descending);
+    auto const read = asDictionary(item);
+    ASSERT_TRUE(read && read->dictionary().size() == count);
+    for (int i = 0; i < count; ++i) {
+        auto const found = read->dictionary().find(key(i).c_str());
+        ASSERT_TRUE(found != read->dictionary().end()) << i;
+        ASSERT_TRUE(same(found->second, make<Double>(count - 1 - i))) << i;
+    }
+    EXPECT_TRUE(same(readBack(bytesOf(item)), item));
+}
+
 TEST(ItemPackets, CutTextsAndKeysAtTheirFirstNul) {
     auto dictionary = make<Dictionary>();
     dictionary->insert(urString::CString("k\0x", 3), make<String>(urString::CString("v\0y", 3)));

@@ -157,7 +157,8 @@ private:
                     "tostring(last):rep(9) .. ' '"});
     }
     std::string number() {
-        return one({"0", "1", "-1", "0.5", "3", "200", "2^31", "-2^31", "2^32 + 1", "-4e9", "2^53", "1e308", "0/0", "1/0", "70000"});
+        return one({"0", "1", "-1", "0.5", "3", "200", "2^31", "-2^31", "2^32 + 1", "-4e9", "2^53", "1e308", "0/0",
+                    "1/0", "70000"});
     }
     std::string callable(int depth) {
         if (depth >= 2) return one({"print", "error", "host.turn", "coroutine.yield", "tostring"});
