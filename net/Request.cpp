@@ -28,21 +28,20 @@ void Request::chargeTo(std::shared_ptr<ur::Account> const& account) {
                                       bytesOf(headers_) + bytesOf(postData_));
 }
 
-void Request::set(CString& field, CString const& value) {
+void Request::set(CString& field, CString value) {
     if (value.size() > field.size()) charge_.add(value.size() - field.size());
-    std::size_t const before = std::exchange(field, value).size();
-    if (before > field.size()) charge_.set(charge_.bytes() - (before - field.size()));
+    std::size_t const after = value.size();
+    std::size_t const before = std::exchange(field, std::move(value)).size();
+    if (before > after) charge_.set(charge_.bytes() - (before - after));
 }
 
-void Request::put(Fields& fields, CString const& name, CString const& value) {
-    // Copies, since what is added may be a text of the same fields, and these move.
-    CString const key(name);
-    CString next(value);
-    if (!fields.contains(key)) {
-        charge_.add(key.size() + bytesOfField);
-        fields[key];
+void Request::put(Fields& fields, CString name, CString value) {
+    auto found = fields.find(name);
+    if (found == fields.end()) {
+        charge_.add(name.size() + bytesOfField);
+        found = fields.try_emplace(std::move(name)).first;
     }
-    set(fields[key], next);
+    set(found->second, std::move(value));
 }
 
 }  // namespace nxNet

@@ -48,8 +48,9 @@ public:
     void chargeTo(std::shared_ptr<ur::Account> const& account);
 
 private:
-    void set(urString::CString& field, urString::CString const& value);
-    void put(Fields& fields, urString::CString const& name, urString::CString const& value);
+    void set(urString::CString& field, urString::CString value);
+    /// By value, since what is added may be a text of the same fields, and these move.
+    void put(Fields& fields, urString::CString name, urString::CString value);
 
     urString::CString url_;
     urString::CString httpMethod_ = "GET";
