@@ -127,8 +127,9 @@ TEST_F(CursorTest, ListenersMayHoldACursorBeforeItsMakerDoesOrThrowOrDestroyTheS
     EXPECT_EQ(a->referenceCount(), 1);
     throwing.unblock();
     Cursor* const dying = a.get();
-    slot->cursorsChanged.addCallback([=] { ur::Reference<Cursor> const held(dying); });
+    auto holding = slot->cursorsChanged.addCallback([=] { ur::Reference<Cursor> const held(dying); });
     a.reset();
+    holding.disconnect();
     EXPECT_EQ(printed(), "nxSupport::Cursor: listener\n");
 
     throwing.disconnect();
