@@ -7,7 +7,7 @@
 
 namespace nxPLST {
 
-/// What a tree comes to when every item that it shares is written out at each of its places, as JSON does and `clone`.
+/// The size of a tree when each shared item is written out at every place that refers to it, as JSON and `clone` do.
 ///
 /// A packet file of some hundred bytes can hold a tree that comes to more than any memory: each array holds the next
 /// one twice. Ask before copying a tree of unknown origin. Numbers stop at the largest.
@@ -17,7 +17,7 @@ struct Expansion {
     bool shares = false;          ///< an item has several places in the tree
 };
 
-/// The longest text that the JSON writers make of a tree that shares items, unless they are told another one.
+/// The default limit of the JSON writers for the text of a tree that shares items, in bytes.
 inline constexpr std::uint64_t mostExpandedText = std::uint64_t(256) << 20;
 
 /// Takes time and memory in proportion to the tree as it is. Nothing for null but its text.

@@ -84,6 +84,12 @@ int moveBounded(lua_State* state) {
     return callOriginal(state);
 }
 
+/// Positions below the first move nothing.
+int removeBounded(lua_State* state) {
+    double const position = lua_tonumber(state, 2);
+    return fits(position) && position < 1 ? callOriginal(state) : moveBounded(state);
+}
+
 /// `insert` with two arguments appends the second, which may be a number.
 int insertBounded(lua_State* state) { return lua_gettop(state) == 3 ? moveBounded(state) : callOriginal(state); }
 
@@ -119,7 +125,7 @@ void openLibraries(lua_State* state, Library library) {
     bound(state, "_G", {"unpack"}, &unpackBounded);
     bound(state, LUA_STRLIBNAME, {"rep"}, &repeatBounded);
     bound(state, LUA_TABLIBNAME, {"insert"}, &insertBounded);
-    bound(state, LUA_TABLIBNAME, {"remove"}, &moveBounded);
+    bound(state, LUA_TABLIBNAME, {"remove"}, &removeBounded);
 }
 
 }  // namespace nxLC::impl
