@@ -64,13 +64,14 @@ struct InsertIntoDictionary : TreeStory {
     Reference<Item> given = tree();
 };
 
-/// Grows a map by one entry, from one block to two or so that branches are split up to the root.
-template <int former>
+/// Grows a map of the even keys below 2 * `former` by one, from one block to two or so that branches are split up to
+/// the root.
+template <int former, int added = 2 * former>
 struct GrowMap {
     GrowMap() {
-        for (int i = 0; i < former; ++i) map[i];
+        for (int i = 0; i < former; ++i) map[2 * i];
     }
-    bool act() { return map.try_emplace(former).second; }
+    bool act() { return map.try_emplace(added).second; }
     std::string state() const {
         std::string keys;
         for (auto at = map.begin(); at != map.end(); ++at) {
@@ -153,6 +154,9 @@ TEST(WithoutMemory, TreesStayWhatTheyAreWhenWrittenOrCopied) {
     survives<InsertIntoDictionary>();
     survives<GrowMap<2>>();   // a second block and a tree
     survives<GrowMap<14>>();  // branches on several levels, and a root
+    survives<GrowMap<14, -1>>();
+    survives<GrowMap<14, 13>>();
+    survives<GrowMap<14, 25>>();
 }
 
 TEST(WithoutMemory, CallbacksAreConnectedOrNot) { survives<Connect>(); }

@@ -69,6 +69,10 @@ TEST_F(Files, KnowTheirPlaceAndCloseOnlyWhatIsTheirs) {
         EXPECT_EQ(error.code(), EBADF) << "closed by the other";
     }
     EXPECT_EQ(file.close().code(), EBADF);
+    ASSERT_TRUE(borrower.open(wide(path("long")), openRead).ok()) << "its own, after a borrowed one";
+    int const descriptor = borrower.descriptor();
+    EXPECT_TRUE(borrower.close().ok());
+    EXPECT_EQ(::fcntl(descriptor, F_GETFD), -1);
 }
 
 TEST_F(Files, TextPassesThroughTheBufferInOrder) {
