@@ -72,7 +72,8 @@ TEST_F(Files, KnowTheirPlaceAndCloseOnlyWhatIsTheirs) {
     ASSERT_TRUE(borrower.open(wide(path("long")), openRead).ok()) << "its own, after a borrowed one";
     int const descriptor = borrower.descriptor();
     EXPECT_TRUE(borrower.close().ok());
-    EXPECT_EQ(::fcntl(descriptor, F_GETFD), -1);
+    EXPECT_TRUE(borrower.attach(descriptor, File::Ownership::borrowed).ok());
+    EXPECT_EQ(borrower.seek(0).code(), EBADF) << "closed";
 }
 
 TEST_F(Files, TextPassesThroughTheBufferInOrder) {
