@@ -7,7 +7,7 @@ export DESTDIR
 
 preset = cmake --preset $(1) $(2) && cmake --build --preset $(1)
 
-.PHONY: run test bench asan tsan clang windows valgrind fuzz soak coverage docs reference ratios install debian try-debian abi format tidy clean packages
+.PHONY: run test check bench asan tsan clang windows valgrind fuzz soak coverage docs reference ratios install debian try-debian abi format clean packages
 .DEFAULT_GOAL := run
 
 packages:
@@ -20,6 +20,12 @@ run: packages
 test: packages
 	$(call preset,dev)
 	ctest --preset dev
+
+# Lint, format, layers, headers, pages, the reference and an outside user of the installed library.
+check: packages
+	@packaging/install-packages check
+	$(call preset,dev)
+	ctest --preset check
 
 # QUICK=1: smaller inputs, under a minute.
 bench: packages
@@ -68,16 +74,16 @@ fuzz: packages
 # Writes the current listings, outputs and tables into the pages, then checks them.
 docs: packages
 	$(call preset,dev)
-	cmake/check_docs --update --path build/dev/bin
+	scripts/check_docs --update --path build/dev/bin
 
 # Reference of the public names, in build/reference/html.
 reference: packages
-	@packaging/install-packages reference
-	cmake/build_reference
+	@packaging/install-packages check
+	mkdir -p build/reference && doxygen docs/Doxyfile
 
 # The tables of README.md and docs/performance.md, from what `make bench` measured.
 ratios:
-	cmake/write_ratios
+	scripts/write_ratios
 
 install: packages
 	$(call preset,release,-DCMAKE_INSTALL_PREFIX="$(PREFIX)")
@@ -95,14 +101,11 @@ try-debian: debian
 # The interface beside that of the last tag.
 abi: packages
 	@packaging/install-packages abi
-	cmake/check_abi
+	scripts/check_abi
 
-format: packages
-	cmake/check_format --fix
-
-tidy: packages
-	$(call preset,dev)
-	cmake/check_tidy build/dev
+format:
+	@packaging/install-packages check
+	git ls-files -z -- '*.h' '*.cpp' | xargs -0 clang-format -i
 
 clean:
 	rm -rf build

@@ -11,9 +11,13 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 if(NOT CMAKE_BUILD_TYPE)
   set(CMAKE_BUILD_TYPE Release CACHE STRING "Dev or Release" FORCE)
 endif()
-# Dev: quick to build, assertions on, fast enough for the large tests.
-set(CMAKE_CXX_FLAGS_DEV "-O1 -g1 -D_GLIBCXX_ASSERTIONS")
-set(CMAKE_C_FLAGS_DEV "-O1 -g1")
+# Dev: quick to build, assertions on. Sanitizers need some optimisation to be fast enough for the large tests.
+set(optimisation 0)
+if(NX_SANITIZE)
+  set(optimisation 1)
+endif()
+set(CMAKE_CXX_FLAGS_DEV "-O${optimisation} -g1 -D_GLIBCXX_ASSERTIONS")
+set(CMAKE_C_FLAGS_DEV "-O${optimisation} -g1")
 set(CMAKE_CXX_FLAGS_RELEASE "-O3 -DNDEBUG -fno-semantic-interposition")
 
 option(NX_WARNINGS_ARE_ERRORS "Stop at warnings; off for compilers and flags that the tree is not tried with" ON)

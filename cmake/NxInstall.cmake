@@ -2,14 +2,9 @@
 # and the two descriptions by which programs outside this tree find them.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS Support EXPORT nxSupport LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-
-get_property(headers GLOBAL PROPERTY NX_PUBLIC_HEADERS)
-foreach(header ${headers})
-  file(RELATIVE_PATH path ${PROJECT_SOURCE_DIR} ${header})
-  get_filename_component(folder ${path} DIRECTORY)
-  install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/nxSupport/${folder})
-endforeach()
+install(TARGETS Support EXPORT nxSupport
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/nxSupport)
 
 set(folder ${CMAKE_INSTALL_LIBDIR}/cmake/nxSupport)
 install(EXPORT nxSupport NAMESPACE nxSupport:: FILE nxSupportTargets.cmake DESTINATION ${folder})

@@ -2,7 +2,7 @@
 #
 #   nx_module(NAME urString USES ur PACKAGES utf8cpp SOURCES CString.cpp)
 #
-# USES names the modules whose headers this one may include (cmake/check_layers holds it to that);
+# USES names the modules whose headers this one may include (scripts/check_layers checks it);
 # PACKAGES are link targets that only this module's sources need; PUBLIC_PACKAGES those that its
 # headers need as well; TEST_USES and TEST_PACKAGES those of its tests alone. Headers in the folder itself are
 # public and installed, those in impl/ are not.
@@ -90,7 +90,7 @@ function(nx_shared_library)
   endif()
   set_target_properties(Support PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${NX_SOVERSION}
                                            LINK_DEPENDS ${map})
-  target_include_directories(Support INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>
-                                               $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/nxSupport>)
+  get_property(headers GLOBAL PROPERTY NX_PUBLIC_HEADERS)
+  target_sources(Support PUBLIC FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR} FILES ${headers})
   target_compile_features(Support INTERFACE cxx_std_20)
 endfunction()
