@@ -14,7 +14,6 @@ namespace nxSupport {
 class NX_API AppInitMsg : public Broadcaster::Message {
 public:
     explicit AppInitMsg(ur::Reference<nxPLST::Dictionary> parameters) noexcept : parameters_(std::move(parameters)) {}
-    ~AppInitMsg() override;
 
     [[nodiscard]] ur::Reference<nxPLST::Dictionary> parameters() const noexcept { return parameters_; }
 

@@ -1,4 +1,4 @@
-// What of the broadcaster does not depend on the message.
+// The parts of Broadcaster that are not templates.
 #include "support/messaging/Broadcaster.h"
 
 #include <algorithm>

@@ -12,12 +12,12 @@ namespace nxSupport {
 /// The service interfaces that the code of a context can use, each under the identity of its class.
 ///
 /// A domain makes one for its outermost context with a mode, and its owner fills it in `onCallInfoCreated`. The
-/// interfaces themselves belong to whoever added them. Main thread only.
+/// interfaces are not owned. Main thread only.
 class NX_API CallInfo {
 public:
     using Interfaces = ur::vector<std::pair<ur::TypeInfo, void*>>;
 
-    CallInfo();
+    CallInfo() = default;
     CallInfo(CallInfo const&) = delete;
     CallInfo& operator=(CallInfo const&) = delete;
 
@@ -37,11 +37,7 @@ public:
     }
 
     /// Appends an interface, which look-ups by that identity find from now on unless an earlier one has it.
-    void add(ur::TypeInfo type, void* interface) {
-        if (interfaces_.size() == interfaces_.capacity()) [[unlikely]]
-            return addInMoreRoom(type, interface);
-        interfaces_.emplace_back(type, interface);
-    }
+    void add(ur::TypeInfo type, void* interface) { interfaces_.emplace_back(type, interface); }
     /// Adds `interface` under T itself, whatever its dynamic class is.
     template <class T>
     void add(T* interface) {
@@ -53,8 +49,6 @@ public:
     [[nodiscard]] Interfaces const& interfaces() const noexcept { return interfaces_; }
 
 private:
-    void addInMoreRoom(ur::TypeInfo type, void* interface);
-
     Interfaces interfaces_;
 };
 

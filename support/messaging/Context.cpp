@@ -1,10 +1,13 @@
-// The table of modes, and what a context can be asked at any time.
+// The scope of an operation, its post functions, and the table of modes.
 #include "support/messaging/Context.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
+#include "support/messaging/Domain.h"
 #include "support/messaging/impl/DomainImpl.h"
+#include "support/messaging/impl/FirstError.h"
 
 namespace nxSupport {
 
@@ -35,15 +38,31 @@ std::array<ModeName, 12> const& modeNames() {
 
 }  // namespace
 
-void Context::addPostFunction(PostFunction function) const {
-    if (!postFunctions_) postFunctions_ = std::make_unique<ur::vector<PostFunction>>();
-    postFunctions_->push_back(std::move(function));
+Context::Context(Domain* domain, Mode mode) : mode_(mode), domain_(domain) { domain->beginContext(*this); }
+
+Context::~Context() noexcept(false) {
+    impl::FirstError errors("nxSupport::Context: while it ended");
+    if (domain_) domain_->impl_->end(*this, errors);
+    errors.guard([this] { runPostFunctions(); });
+    domain_ = nullptr;
+    errors.leaveDestructor();
 }
 
+void Context::runPostFunctions() {
+    if (!domain_ || postFunctions_.empty()) return;
+    urRTB::ScopedConnection const watch(domain_->destroying.addCallback([this](Domain*) { domain_ = nullptr; }));
+    while (!postFunctions_.empty()) {
+        for (PostFunction const& function : std::exchange(postFunctions_, {})) {
+            if (!domain_) return;
+            function(domain_);
+        }
+    }
+}
+
+void Context::addPostFunction(PostFunction function) const { postFunctions_.push_back(std::move(function)); }
+
 bool Context::isActive(Context const* context) noexcept {
-    Context const* active = DomainImpl::latest;
-    while (active && active != context) active = active->before_;
-    return active != nullptr;
+    return std::ranges::find(DomainImpl::active(), context) != DomainImpl::active().end();
 }
 
 urString::CString const& Context::modeToString(Mode mode) noexcept {

@@ -4,7 +4,6 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <memory>
 
 #include "foundation/ur/Export.h"
 #include "foundation/ur/containers.h"
@@ -87,12 +86,8 @@ private:
 
     Mode const mode_;
     mutable Domain* domain_;
-    mutable std::unique_ptr<ur::vector<PostFunction>> postFunctions_;  ///< in most contexts none, and null
-    // What the domain notes when the context begins.
-    mutable Context const* outer_;                         ///< around it, in the domain
-    mutable Context const* before_;                        ///< begun before it, in the process
-    mutable std::unique_ptr<CallInfo> const* callInfo_;    ///< the domain's, at any time
-    mutable std::chrono::steady_clock::time_point begun_;  ///< if an observer saw that
+    mutable ur::vector<PostFunction> postFunctions_;
+    mutable std::chrono::steady_clock::time_point begun_;  ///< if an observer was called then
 };
 
 /// `TxnUndecided` for a value that is no mode.

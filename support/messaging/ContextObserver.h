@@ -9,15 +9,15 @@ namespace nxSupport {
 
 class Context;
 
-/// Is told by a domain when each of its contexts begins and ends, Bare and Bootstrap ones included.
+/// Called by a domain when each of its contexts begins and ends, Bare and Bootstrap ones included.
 ///
-/// Owned by whoever sets it on the domain, which must unset it first. A context that began unobserved ends
+/// Not owned by the domain: its owner unsets it before it goes. A context that began unobserved ends
 /// unobserved. May do what the domain owner's hooks may, throw and destroy the domain included. Main thread only.
 class NX_API ContextObserver {
 public:
     using Clock = std::chrono::steady_clock;
 
-    virtual ~ContextObserver();
+    virtual ~ContextObserver() = default;
 
     /// `context` begins, before any hook has been told.
     virtual void onBegin(Context const& context, Clock::time_point when) = 0;

@@ -1,19 +1,15 @@
-// What a domain can be asked, and its call information and tasks.
+// The domain of a host: its contexts, call information and tasks.
 #include "support/messaging/Domain.h"
 
 #include <algorithm>
 
 #include "support/messaging/AsyncTask.h"
-#include "support/messaging/CallInfo.h"
-#include "support/messaging/ContextObserver.h"
 #include "support/messaging/impl/DomainImpl.h"
 #include "support/messaging/impl/FirstError.h"
 
 namespace nxSupport {
 
 namespace {
-
-using Clock = ContextObserver::Clock;
 
 // Of the whole process, main thread only.
 std::int32_t asyncOperationCount = 0;
@@ -26,9 +22,7 @@ ur::vector<Domain const*>& domains() {
 
 }  // namespace
 
-Domain::Domain(Domain* parent) : impl_(std::make_unique<DomainImpl>(parent ? parent : this)) {
-    domains().push_back(this);
-}
+Domain::Domain(Domain* parent) : impl_(std::make_unique<DomainImpl>(*this, parent)) { domains().push_back(this); }
 
 Domain::~Domain() {
     std::erase(domains(), this);
@@ -41,12 +35,24 @@ Domain* Domain::getPrimary() const noexcept { return impl_->primary; }
 
 ur::vector<Context::Mode> const& Domain::contextStack() const noexcept { return impl_->modeStack; }
 
-Context const* Domain::getCurrentContext() const noexcept { return impl_->innermost; }
+void Domain::beginContext(Context const& context) { impl_->begin(context); }
+
+void Domain::endContext(Context const& context) {
+    impl::FirstError errors("nxSupport::Domain::endContext");
+    impl_->end(context, errors);
+    errors.rethrow();
+}
+
+Context const* Domain::getCurrentContext() const noexcept {
+    auto const& active = DomainImpl::active();
+    auto const place = std::find_if(active.rbegin(), active.rend(), [this](auto* c) { return impl_->owns(c); });
+    return place == active.rend() ? nullptr : *place;
+}
 
 Context const* Domain::getRootContext() const noexcept {
-    Context const* root = impl_->innermost;
-    while (root && root->outer_) root = root->outer_;
-    return root;
+    auto const& active = DomainImpl::active();
+    auto const place = std::ranges::find_if(active, [this](auto* context) { return impl_->owns(context); });
+    return place == active.end() ? nullptr : *place;
 }
 
 bool Domain::isAlive(Domain const* domain) noexcept { return std::ranges::find(domains(), domain) != domains().end(); }
@@ -88,13 +94,13 @@ void Domain::release() {
 void Domain::onRelease() { delete this; }
 
 void Domain::callInfoSuppress() {
-    impl_->suppress();
+    impl_->suppressCallInfo();
     if (impl_->suppressedCallInfos.size() == 1) callInfoSuppressionChanged.emit(1);
 }
 
 void Domain::callInfoRelease() {
     if (!callInfoSuppressed()) return;
-    impl_->restore();
+    impl_->restoreCallInfo();
     if (!callInfoSuppressed()) callInfoSuppressionChanged.emit(0);
 }
 
@@ -102,8 +108,9 @@ bool Domain::callInfoSuppressed() const noexcept { return !impl_->suppressedCall
 
 CallInfo const& Domain::callInfoFunc() {
     static CallInfo const& empty = *new CallInfo;  // never destroyed: code that runs at exit may ask for it
-    Context const* const latest = DomainImpl::latest;
-    return latest && *latest->callInfo_ ? **latest->callInfo_ : empty;
+    if (DomainImpl::active().empty()) return empty;
+    auto const& callInfo = DomainImpl::active().back()->domain_->impl_->callInfo;
+    return callInfo ? *callInfo : empty;
 }
 
 void Domain::setAsyncTask(AsyncTask* task) noexcept { impl_->asyncTask = task; }
@@ -120,8 +127,9 @@ bool Domain::runningAsyncOperation() const noexcept { return asyncOperationCount
 
 void Domain::setContextObserver(ContextObserver* observer) noexcept {
     impl_->observer = observer;
-    for (Context const* context = impl_->innermost; context; context = context->outer_)
-        context->begun_ = Clock::time_point();
+    for (Context const* context : DomainImpl::active()) {
+        if (impl_->owns(context)) context->begun_ = {};
+    }
 }
 
 }  // namespace nxSupport

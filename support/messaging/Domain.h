@@ -19,9 +19,6 @@ class AsyncTask;
 class CallInfo;
 class ContextObserver;
 struct DomainImpl;
-namespace impl {
-class FirstError;
-}
 
 /// Keeps the active contexts and their modes, and the call information of the outermost one.
 ///
@@ -106,6 +103,7 @@ private:
     friend class CallInfo;
     friend class CallInfoControl;
     friend class Context;
+    friend struct DomainImpl;
     friend struct DomainProbe;  // for the tests alone
 
     /// Released and not locked. Deletes the domain unless overridden.
@@ -116,17 +114,6 @@ private:
     void callInfoSuppress();
     void callInfoRelease();
     static CallInfo const& callInfoFunc();
-
-    // Parts of beginning and ending, as they follow each other; the common road is one piece of code, in
-    // contextLife.cpp. Results are false when the domain is gone.
-    inline void begin(Context const& context);
-    [[nodiscard]] bool tellObserver(Context const& context);
-    [[nodiscard]] inline bool createCallInfo(DomainImpl& stacks, Context const& context);
-    void rollBack(Context const& context) noexcept;
-    inline void end(Context const& context, impl::FirstError& errors) noexcept;
-    [[nodiscard]] inline bool leaveMode(DomainImpl& stacks, Context const& context, impl::FirstError& errors) noexcept;
-    inline void leave(DomainImpl& stacks, Context const& context, impl::FirstError& errors) noexcept;
-    [[nodiscard]] bool tellObserverOfEnd(Context const& context, impl::FirstError& errors) noexcept;
 
     std::unique_ptr<DomainImpl> impl_;
     bool locked_ = false;

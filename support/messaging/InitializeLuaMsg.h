@@ -17,7 +17,6 @@ public:
     enum Type : std::int32_t { Application = 0 };
 
     InitializeLuaMsg(Type type, lua_State* state) noexcept : type_(type), state_(state) {}
-    ~InitializeLuaMsg() override;
 
     [[nodiscard]] Type getType() const noexcept { return type_; }
     [[nodiscard]] lua_State* getState() const noexcept { return state_; }

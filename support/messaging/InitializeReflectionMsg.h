@@ -14,7 +14,6 @@ namespace nxSupport {
 class NX_API InitializeReflectionMsg : public Broadcaster::Message {
 public:
     explicit InitializeReflectionMsg(nxRFL::Database* database) noexcept : database_(database) {}
-    ~InitializeReflectionMsg() override;
 
     [[nodiscard]] nxRFL::Database* getDB() const noexcept { return database_; }
 

@@ -10,7 +10,6 @@ namespace nxSupport {
 class NX_API PreClearResourcesMsg : public Broadcaster::Message {
 public:
     PreClearResourcesMsg() noexcept = default;
-    ~PreClearResourcesMsg() override;
 };
 
 }  // namespace nxSupport
