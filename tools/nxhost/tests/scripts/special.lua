@@ -79,11 +79,12 @@ repeat refused = select(2, pcall(sink.processData, sink, rest)) until refused
 print("too much", (refused:gsub(".*: ", "")))
 sink:close(false)
 -- The reader goes; that is an error and does not end the program.
-os.execute("true < " .. pipe .. " &")
+pipe = net.folder .. "/unread"
+os.execute("mkfifo " .. pipe)
+os.execute("(true < " .. pipe .. "; touch " .. pipe .. ".gone) &")
 repeat there, sink = pcall(host.fileSink, pipe) until there
-local goes
-repeat goes = select(2, pcall(sink.processData, sink, buffer)) until goes
-print("read no more", (goes:gsub(".*: ", "")))
+repeat local gone = io.open(pipe .. ".gone") until gone
+print("read no more", (select(2, pcall(sink.processData, sink, buffer)):gsub(".*: ", "")))
 sink = host.fileSink("/dev/null")
 sink:processData(buffer)
 sink:close(true)
