@@ -1,4 +1,4 @@
-// What the cache has done and holds.
+// Counts of what a manager has done and holds.
 #pragma once
 
 #include <cstdint>
@@ -35,5 +35,33 @@ struct Statistics {
     std::uint64_t peakMemoryUsed = 0;
     ur::vector<ClassUsage> classes;  ///< in the platform's order of type identities
 };
+
+/// One count, for reports and scripts.
+struct StatisticsRow {
+    char const* name;
+    char const* unit;  ///< empty for plain counts
+    std::uint64_t Statistics::*value;
+};
+
+/// Every count of `Statistics`, once.
+inline constexpr StatisticsRow statisticsRows[] = {
+    {"hits", "", &Statistics::hits},
+    {"builds", "", &Statistics::builds},
+    {"buildsWithout", "", &Statistics::buildsWithout},
+    {"evictions", "", &Statistics::clearedForLimit},
+    {"clearedOnRequest", "", &Statistics::clearedOnRequest},
+    {"clearedByRemoval", "", &Statistics::clearedByRemoval},
+    {"clearedByPageFailure", "", &Statistics::clearedByPageFailure},
+    {"clearedByBuildFailure", "", &Statistics::clearedByBuildFailure},
+    {"pagesOut", "", &Statistics::pagesOut},
+    {"pagesOutBytes", "bytes", &Statistics::pagesOutBytes},
+    {"pagesIn", "", &Statistics::pagesIn},
+    {"pagesInBytes", "bytes", &Statistics::pagesInBytes},
+    {"memoryUsed", "bytes", &Statistics::memoryUsed},
+    {"peakMemoryUsed", "bytes", &Statistics::peakMemoryUsed},
+};
+static_assert(sizeof(Statistics) ==
+                  sizeof statisticsRows / sizeof *statisticsRows * sizeof(std::uint64_t) + sizeof Statistics::classes,
+              "each count has a row");
 
 }  // namespace urKRCache

@@ -114,20 +114,10 @@ Reference<Resource> derived(Manager& manager, CString const& name, Resource& sou
 
 ur::map<CString, double> statistics(Manager& manager) {
     urKRCache::Statistics const counts = manager.statistics();
-    auto const number = [](std::uint64_t count) { return static_cast<double>(count); };
-    return {{"hits", number(counts.hits)},
-            {"builds", number(counts.builds)},
-            {"evictions", number(counts.clearedForLimit)},
-            {"pagesOut", number(counts.pagesOut)},
-            {"pagesIn", number(counts.pagesIn)},
-            {"memoryUsed", number(counts.memoryUsed)},
-            {"peakMemoryUsed", number(counts.peakMemoryUsed)},
-            {"keys", manager.numKeys()}};
+    ur::map<CString, double> result{{"keys", manager.numKeys()}};
+    for (auto const& row : urKRCache::statisticsRows) result[row.name] = static_cast<double>(counts.*row.value);
+    return result;
 }
-
-}  // namespace
-
-namespace {
 
 Reference<urKRCache::Resource> access(Manager& manager, Reference<Shim> const& shim) {
     if (!shim->manager()) throw nxRFL::Exception("the resource has been removed");

@@ -50,12 +50,11 @@ CString Diagnostics::statistics() const {
     urKRCache::Statistics const counts = cache_.statistics();
     auto const number = [](auto count) { return static_cast<unsigned long long>(count); };
     CString text = times();
-    text +=
-        CString::format("cache    %llu bytes in memory, %llu at most, of %llu; %d keys\n", number(counts.memoryUsed),
-                        number(counts.peakMemoryUsed), number(cache_.getMemoryLimit64()), cache_.numKeys());
-    text += CString::format("         %llu hits, %llu builds, %llu evictions, %llu pages out, %llu pages in\n",
-                            number(counts.hits), number(counts.builds), number(counts.clearedForLimit),
-                            number(counts.pagesOut), number(counts.pagesIn));
+    text += CString::format("cache    limit %llu bytes, keys %d", number(cache_.getMemoryLimit64()), cache_.numKeys());
+    for (auto const& row : urKRCache::statisticsRows) {
+        text += CString::format(", %s %llu%s%s", row.name, number(counts.*row.value), *row.unit ? " " : "", row.unit);
+    }
+    text += "\n";
     text += CString::format("history  %llu steps to undo, %llu to redo, %llu bytes\n", number(history_.undoCount()),
                             number(history_.redoCount()), number(history_.historyBytes()));
     return text;
