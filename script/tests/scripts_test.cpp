@@ -1,9 +1,13 @@
-// Runs every script in scripts/ and compares what it prints with the .expected file beside it, addresses aside.
+// Runs every script in scripts/ and compares what it prints with the .expected file beside it. There, addresses are
+// left out and the text of a line stands in place of its number.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <regex>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "foundation/urOS/tests/CapturedOutput.h"
 #include "script/tests/Host.h"
@@ -28,14 +32,31 @@ std::string withoutAddresses(std::string text) {
     return text;
 }
 
+std::string withLinesForNumbers(std::string const& text, std::string const& script) {
+    std::vector<std::string> lines;
+    std::istringstream source(script);
+    for (std::string line; std::getline(source, line);)
+        lines.push_back(line.substr(std::min(line.find_first_not_of(' '), line.size())));
+    static std::regex const place("test:(\\d+)");
+    std::string result;
+    auto rest = text.cbegin();
+    for (std::sregex_iterator at(text.begin(), text.end(), place), end; at != end; ++at) {
+        result.append(rest, (*at)[0].first).append("test:[" + lines.at(std::stoul((*at)[1]) - 1) + "]");
+        rest = (*at)[0].second;
+    }
+    return result.append(rest, text.cend());
+}
+
 TEST(Scripts, PrintWhatIsExpected) {
     for (auto const& entry : fs::directory_iterator(NX_SCRIPTS)) {
         if (entry.path().extension() != ".lua") continue;
         SCOPED_TRACE(entry.path().stem());
         urOS::CapturedOutput const output;
         nxSupport::ScriptHost host;
-        EXPECT_EQ(host.run(contents(entry.path())), "ok");
-        EXPECT_EQ(withoutAddresses(output.text()), contents(fs::path(entry.path()).replace_extension(".expected")));
+        std::string const script = contents(entry.path());
+        EXPECT_EQ(host.run(script), "ok");
+        EXPECT_EQ(withLinesForNumbers(withoutAddresses(output.text()), script),
+                  contents(fs::path(entry.path()).replace_extension(".expected")));
     }
 }
 

@@ -2,9 +2,10 @@
 """Runs every script in scripts/ with nxhost and compares what it prints, what it complains of and how it ends.
 
 run.py [--update] NXHOST [NAME...]. A line `-- options: …` in a script gives nxhost's options, `-- environment: …` what it
-finds in its environment. The scripts' arguments are the URLs of an HTTP and an HTTPS server and a folder. --update
-writes what they print now.
+finds in its environment. The scripts' arguments are the URLs of an HTTP and an HTTPS server and a folder. In the expected
+output the text of a line of the script stands in place of its number. --update writes what they print now.
 """
+import difflib
 import json
 import os
 import re
@@ -48,6 +49,8 @@ def outcome(nxhost, script, arguments, certificate):
     text = re.sub(r"0x[0-9a-f]+", "ADDRESS", run.stdout)
     if run.stderr:
         text += "--- standard error\n" + run.stderr.replace(str(here), ".")
+    lines = script.read_text().splitlines()
+    text = re.sub(rf"\b{re.escape(script.name)}:(\d+)", lambda match: f"{script.name}:[{lines[int(match[1]) - 1].strip()}]", text)
     return text if run.returncode == 0 else text + f"--- exit {run.returncode}\n"
 
 
@@ -91,6 +94,11 @@ USAGE = [  # arguments, standard input, exit code, what is in the output
 ]
 
 
+def difference(expected, got):
+    lines = difflib.unified_diff(expected.splitlines(), got.splitlines(), "expected", "printed", lineterm="")
+    return "\n".join(lines)
+
+
 def misused(nxhost):
     for arguments, text, code, expected in USAGE:
         run = subprocess.run([nxhost, *arguments], input=text, env=environment(), timeout=SECONDS, text=True,
@@ -113,7 +121,7 @@ def left_behind(nxhost, folder):
              'echo $? $(ls); TMPDIR=/nowhere "$0" -e "$1"', nxhost, page]
     run = subprocess.run(shell, cwd=folder, env=environment([f"TMPDIR={folder}"]), timeout=SECONDS, capture_output=True, text=True)
     if run.stdout != LEFT_BEHIND:
-        yield f"with streams closed printed: {run.stdout}"
+        yield f"with streams closed:\n{difference(LEFT_BEHIND, run.stdout)}"
 
 
 LEFT_BEHIND = """1
@@ -152,7 +160,8 @@ def walled(nxhost):
     run = subprocess.run([*network, sys.executable, "-B", "-c", inside, nxhost], cwd=here, env=environment(),
                          timeout=SECONDS, capture_output=True, text=True)
     if run.stdout != WALLED:
-        yield f"the sandbox in a network of its own, which NX_SKIP_WALLED=1 leaves out, printed: {run.stdout}{run.stderr}"
+        yield ("the sandbox in a network of its own, which NX_SKIP_WALLED=1 leaves out:\n"
+               f"{difference(WALLED, run.stdout)}\n{run.stderr}")
 
 
 def print_walled(nxhost):
@@ -187,8 +196,7 @@ EVENTS = {("context", "Undecided"), ("context", "Const"), ("script", "-e"), ("sc
 COUNTS = r"""nxhost: NX_DEBUG: there is no Debug_Undoo; do you mean Debug_Undo\?
 TASK Execute \.\.\. = 0\.\d+
 Update Doc = 0\.\d+
-cache    0 bytes in memory, 4 at most, of 268435456; 1 keys
-         0 hits, 1 builds, 0 evictions, 0 pages out, 0 pages in
+cache    limit 268435456 bytes, keys 1(, \w+ \d+( bytes)?)+, peakMemoryUsed 4 bytes
 history  0 steps to undo, 1 to redo, \d+ bytes
 """
 
@@ -238,8 +246,8 @@ def main(nxhost, names, update):
                 expected = script.with_suffix(".expected")
                 if update:
                     expected.write_text(got)
-                elif not expected.exists() or got != expected.read_text():
-                    failures.append(f"{script.name} printed:\n{got}")
+                elif got != expected.read_text():
+                    failures.append(f"{script.name}:\n{difference(expected.read_text(), got)}")
     print("\n".join(failures) or "all as expected")
     return 1 if failures else 0
 

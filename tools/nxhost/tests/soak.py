@@ -19,5 +19,5 @@ script, options, amount = "soak.lua", [], words.count
 if words.seconds:
     script, options, amount = "churn.lua", ["--cache", "256K"], words.seconds
 with Server() as server:
-    sys.exit(subprocess.run([words.nxhost, *options, here / script, server.url, "", "", amount, words.growth],
+    sys.exit(subprocess.run([Path(words.nxhost).absolute(), *options, here / script, server.url, "", "", amount, words.growth],
                             env=environment()).returncode)
