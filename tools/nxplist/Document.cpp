@@ -146,6 +146,10 @@ void store(Document const& document, std::string const& path, Form form, std::ui
     check(out.commit());
 }
 
+void report(Failure const& failure) {
+    if (!failure.message.empty()) std::fprintf(stderr, "%s\n", failure.message.c_str());
+}
+
 std::string printable(std::string_view text) {
     std::string result(text);
     std::ranges::replace_if(result, isControl, '?');

@@ -11,12 +11,13 @@
 
 namespace nxplist {
 
-/// A file that cannot be read or written, or input that is invalid: told in one line, with its exit code. The line is
-/// empty when losses have told why.
+/// A file that cannot be read or written, or input that is invalid: one line for standard error, and the exit code. The
+/// line is empty when reported losses have already given the reason.
 struct Failure {
     int exitCode;
     std::string message;
 };
+void report(Failure const& failure);
 
 /// What becomes of the losses of reading: they are told on standard error, and may make the input invalid.
 enum class Losses { quiet, told, refused };

@@ -1,4 +1,4 @@
-// The description of the program, and its three forms.
+// Help, manual page and completion.
 #include "tools/nxplist/Manual.h"
 
 #include <algorithm>
@@ -14,25 +14,6 @@ constexpr std::string_view description =
     "allowed) or as packets, whichever its content shows; without a FILE, or with \"-\", standard input is read. Files "
     "are written whole or not at all. What a command drops (nulls, repeated keys, integers that a double cannot hold, "
     "what follows a NUL in packets) is told on standard error; with --strict it counts as invalid input.";
-
-constexpr CommandText commands[] = {
-    {"convert", "[FILE [OUTPUT]]", 0, 2, "write FILE in another form",
-     "The form is that of --to, else the one that OUTPUT's ending names (.json, .nxp, .txt), else JSON for packets and "
-     "packets for JSON. Without OUTPUT, or with \"-\", standard output is written. Packets hold texts and keys up to "
-     "their first NUL character only. FILE itself is not replaced by less than it holds: with losses, without its "
-     "comments, or by a dump; --force does that."},
-    {"check", "[FILE...]", 0, anyNumber, "tell whether each FILE can be read", "Prints nothing for a good file."},
-    {"print", "[FILE]", 0, 1, "print FILE as indented JSON, or as --to says",
-     "Numbers are printed so that they read back as they are."},
-    {"stat", "[FILE]", 0, 1, "print counts by kind, depth, bytes in memory and the largest subtrees",
-     "An item in several places counts once, where it comes first."},
-    {"get", "FILE PATH", 2, 2, "print the value at PATH, such as .countries[3].name",
-     "A key that is not made of letters, digits, \"_\" and \"-\" is written in double quotes: .\"two words\"[0]. "
-     "The path \".\" is the whole tree; [-1] is the last element."},
-    {"same", "FILE FILE", 2, 2, "tell by the exit code whether two files hold the same tree",
-     "With --shape only kinds, sizes and keys are compared."},
-    {"diff", "FILE FILE", 2, 2, "print every path at which two files differ", ""},
-};
 
 constexpr OptionText options[] = {
     {"--from", "FORM", "json packets", "convert check print stat get same diff", "read FORM: json or packets"},
@@ -102,17 +83,12 @@ void putRoffEntry(std::FILE* out, std::string const& label, std::string_view tex
 
 }  // namespace
 
-CommandText const* findCommand(std::string_view name) {
-    auto const* const found = std::ranges::find(commands, name, &CommandText::name);
-    return found == std::end(commands) ? nullptr : found;
-}
-
 OptionText const* findOption(std::string_view name) {
     auto const* const found = std::ranges::find(options, name, &OptionText::name);
     return found == std::end(options) ? nullptr : found;
 }
 
-bool takes(CommandText const& command, OptionText const& option) {
+bool takes(Command const& command, OptionText const& option) {
     std::string const list = " " + std::string(option.commands) + " ";
     return list.find(" " + std::string(command.name) + " ") != std::string::npos;
 }
@@ -123,7 +99,7 @@ void printHelp(std::FILE* out) {
     put(out, "\n\nusage: nxplist COMMAND [OPTION...] [FILE...]\n\n");
     putFolded(out, description);
     put(out, "\ncommands:\n");
-    for (auto const& command : commands) putPadded(out, joined(command.name, command.arguments), command.summary);
+    for (Command const& command : commands()) putPadded(out, joined(command.name, command.arguments), command.summary);
     put(out, "\noptions:\n");
     for (auto const& option : options) putPadded(out, joined(option.name, option.argument), option.summary);
     put(out, "\nexit codes:\n");
@@ -136,7 +112,7 @@ void printManPage(std::FILE* out) {
     put(out, "\n.SH SYNOPSIS\n.B nxplist\n.I COMMAND\n[\\fIOPTION\\fR...] [\\fIFILE\\fR...]\n.SH DESCRIPTION\n");
     putRoff(out, description);
     put(out, "\n.SH COMMANDS\n");
-    for (auto const& command : commands) {
+    for (Command const& command : commands()) {
         putRoffEntry(out, joined(command.name, command.arguments), command.summary, command.details);
     }
     put(out, ".SH OPTIONS\n");
@@ -155,11 +131,11 @@ void printCompletion(std::FILE* out) {
                      std::string(option.name).c_str(), std::string(option.values).c_str());
     }
     put(out, "    esac\n    if [[ $COMP_CWORD -eq 1 ]]; then\n        COMPREPLY=($(compgen -W '");
-    for (auto const& command : commands) put(out, std::string(command.name) + " ");
+    for (Command const& command : commands()) put(out, std::string(command.name) + " ");
     put(out,
         "--help --version' -- \"$word\"))\n        return\n    fi\n    [[ $word == -* ]] || return\n"
         "    case ${COMP_WORDS[1]} in\n");
-    for (auto const& command : commands) {
+    for (Command const& command : commands()) {
         std::fprintf(out, "    %s) COMPREPLY=($(compgen -W '", std::string(command.name).c_str());
         for (auto const& option : options) {
             if (takes(command, option)) put(out, std::string(option.name) + " ");

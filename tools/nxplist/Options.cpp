@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <string_view>
 
+#include "tools/nxplist/Manual.h"
+
 namespace nxplist {
 namespace {
 
@@ -53,7 +55,7 @@ void set(Options& options, OptionText const& option, std::string_view value) {
     if (option.name == "--limit") options.limit = bytesFrom(value, option);
 }
 
-void checkFileCount(CommandText const& command, std::size_t count) {
+void checkFileCount(Command const& command, std::size_t count) {
     if (count >= command.least && count <= command.most) return;
     throw UsageError{std::string(command.name) + " takes " + std::string(command.arguments) + ", not " +
                      std::to_string(count) + (count == 1 ? " argument" : " arguments")};
@@ -65,7 +67,7 @@ Options readOptions(int argc, char const* const* argv) {
     Options options;
     if (argc < 2) throw UsageError{"a command is missing"};
     if (answered(argv[1])) return options;
-    CommandText const* const command = findCommand(argv[1]);
+    Command const* const command = findCommand(argv[1]);
     if (!command) throw UsageError{"no command " + std::string(argv[1])};
     bool optionsEnded = false;
     for (int i = 2; i < argc; ++i) {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "plst/Expansion.h"
-#include "tools/nxplist/Manual.h"
+#include "tools/nxplist/commands.h"
 
 namespace nxplist {
 
@@ -15,7 +15,7 @@ namespace nxplist {
 enum class Form { json, packets, dump };
 
 struct Options {
-    CommandText const* command = nullptr;
+    Command const* command = nullptr;
     std::vector<std::string> files;
     std::optional<Form> from;
     std::optional<Form> to;

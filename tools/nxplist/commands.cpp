@@ -1,0 +1,178 @@
+// What each command does, and how the manual describes it.
+#include "tools/nxplist/commands.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <iterator>
+
+#include "plst/casts.h"
+#include "tools/nxplist/Comparison.h"
+#include "tools/nxplist/Document.h"
+#include "tools/nxplist/Losses.h"
+#include "tools/nxplist/Options.h"
+#include "tools/nxplist/Path.h"
+#include "tools/nxplist/Statistics.h"
+
+namespace nxplist {
+namespace {
+
+/// A second reading of the standard input would find nothing.
+void requireOneStandardInput(Options const& options) {
+    if (std::ranges::count(options.files, "-") > 1) throw UsageError{"standard input can be read only once"};
+}
+
+std::string fileOr(Options const& options, std::size_t index, char const* otherwise) {
+    return index < options.files.size() ? options.files[index] : otherwise;
+}
+
+Form formFor(Options const& options, std::string const& output, Form input) {
+    if (options.to) return *options.to;
+    if (output.ends_with(".json")) return Form::json;
+    if (output.ends_with(".nxp")) return Form::packets;
+    if (output.ends_with(".txt")) return Form::dump;
+    return input == Form::json ? Form::packets : Form::json;
+}
+
+Losses lossesFor(Options const& options) { return options.strict ? Losses::refused : Losses::told; }
+
+Document loadFile(Options const& options, std::size_t index) {
+    return load(fileOr(options, index, "-"), options.from, lossesFor(options));
+}
+
+bool areSameFile(std::string const& input, std::string const& output) {
+    std::error_code none;
+    return output != "-" && std::filesystem::equivalent(input == "-" ? "/dev/stdin" : input, output, none);
+}
+
+/// Writes the document that was read from the first file.
+int put(Options const& options, Document const& document, std::string const& output, Form form) {
+    std::uint64_t const cut = form == Form::packets ? tellCutTexts(document.name, document.root.get()) : 0;
+    if (cut > 0 && options.strict) return ExitCode::negative;
+    bool const isLess = document.losses > 0 || cut > 0 || document.hasComments || form == Form::dump;
+    if (isLess && !options.force && areSameFile(fileOr(options, 0, "-"), output)) {
+        throw Failure{ExitCode::negative, printable(output) + ": not replaced by less than it holds (--force does)"};
+    }
+    store(document, output, form, options.limit);
+    return ExitCode::done;
+}
+
+int convert(Options const& options) {
+    std::string const output = fileOr(options, 1, "-");
+    Document const document = loadFile(options, 0);
+    return put(options, document, output, formFor(options, output, document.form));
+}
+
+int check(Options const& options) {
+    int result = ExitCode::done;
+    auto const checkOne = [&](std::string const& file) {
+        try {
+            load(file, options.from, lossesFor(options));
+        } catch (Failure const& failure) {
+            report(failure);
+            result = std::max(result, failure.exitCode);
+        }
+    };
+    requireOneStandardInput(options);
+    if (options.files.empty()) checkOne("-");
+    for (auto const& file : options.files) checkOne(file);
+    return result;
+}
+
+int print(Options const& options) { return put(options, loadFile(options, 0), "-", options.to.value_or(Form::json)); }
+
+int stat(Options const& options) {
+    constexpr char const* names[] = {"booleans", "numbers", "texts", "arrays", "dictionaries"};
+    constexpr std::size_t largestShown = 5;
+    Document const document = loadFile(options, 0);
+    Statistics const statistics = document.root ? statisticsOf(*document.root, largestShown) : Statistics();
+    auto const number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
+    std::printf("form          %s\n", document.form == Form::json ? "json" : "packets");
+    for (std::size_t type = 0; type < std::size(names); ++type)
+        std::printf("%-13s %llu\n", names[type], number(statistics.countByType[type]));
+    std::printf("keys          %llu\ndepth         %llu\nbytes         %llu\n", number(statistics.keys),
+                number(statistics.depth), number(statistics.bytes));
+    if (!statistics.largest.empty()) std::puts("largest subtrees:");
+    for (auto const& subtree : statistics.largest) {
+        std::printf("  %12llu bytes %9llu items  %s\n", number(subtree.bytes), number(subtree.items),
+                    subtree.path.c_str());
+    }
+    return ExitCode::done;
+}
+
+int get(Options const& options) {
+    std::string error;
+    auto const path = parsePath(options.files[1], error);
+    if (!path) throw UsageError{error};
+    Document const document = loadFile(options, 0);
+    auto const value = follow(document.root, *path, error);
+    if (!value) throw Failure{ExitCode::negative, document.name + ": " + error};
+    auto const string = options.raw ? nxPLST::asString(value) : nullptr;
+    printText(string ? string->value() + "\n" : strictJson(value, document, options.limit));
+    return ExitCode::done;
+}
+
+/// Both files, once it is sure that going through each place of a shared item comes to an end.
+std::array<Document, 2> loadPair(Options const& options, bool goesThroughEachPlace) {
+    requireOneStandardInput(options);
+    std::array<Document, 2> pair{loadFile(options, 0), loadFile(options, 1)};
+    for (Document const& document : pair) {
+        if (goesThroughEachPlace) requireWithin(document.root.get(), document.name, options.limit);
+    }
+    return pair;
+}
+
+int same(Options const& options) {
+    auto const [first, second] = loadPair(options, options.shape);
+    if (!first.root || !second.root) return first.root == second.root ? ExitCode::done : ExitCode::negative;
+    if (options.shape) return first.root->congruent(*second.root) ? ExitCode::done : ExitCode::negative;
+    int result = ExitCode::done;
+    compareTrees(first.root.get(), second.root.get(), [&](std::string const&) {
+        result = ExitCode::negative;
+        return false;
+    });
+    return result;
+}
+
+int diff(Options const& options) {
+    auto const [first, second] = loadPair(options, true);
+    int result = ExitCode::done;
+    compareTrees(first.root.get(), second.root.get(), [&](std::string const& line) {
+        result = ExitCode::negative;
+        std::printf("%s\n", line.c_str());
+        return true;
+    });
+    return result;
+}
+
+constexpr Command table[] = {
+    {"convert", convert, "[FILE [OUTPUT]]", 0, 2, "write FILE in another form",
+     "The form is that of --to, else the one that OUTPUT's ending names (.json, .nxp, .txt), else JSON for packets and "
+     "packets for JSON. Without OUTPUT, or with \"-\", standard output is written. Packets hold texts and keys up to "
+     "their first NUL character only. FILE itself is not replaced by less than it holds: with losses, without its "
+     "comments, or by a dump; --force does that."},
+    {"check", check, "[FILE...]", 0, anyNumber, "tell whether each FILE can be read",
+     "Prints nothing for a good file."},
+    {"print", print, "[FILE]", 0, 1, "print FILE as indented JSON, or as --to says",
+     "Numbers are printed so that they read back as they are."},
+    {"stat", stat, "[FILE]", 0, 1, "print counts by kind, depth, bytes in memory and the largest subtrees",
+     "An item in several places counts once, where it comes first."},
+    {"get", get, "FILE PATH", 2, 2, "print the value at PATH, such as .countries[3].name",
+     "A key that is not made of letters, digits, \"_\" and \"-\" is written in double quotes: .\"two words\"[0]. "
+     "The path \".\" is the whole tree; [-1] is the last element."},
+    {"same", same, "FILE FILE", 2, 2, "tell by the exit code whether two files hold the same tree",
+     "With --shape only kinds, sizes and keys are compared."},
+    {"diff", diff, "FILE FILE", 2, 2, "print every path at which two files differ", ""},
+};
+
+}  // namespace
+
+std::span<Command const> commands() { return table; }
+
+Command const* findCommand(std::string_view name) {
+    auto const* const found = std::ranges::find(table, name, &Command::name);
+    return found == std::end(table) ? nullptr : found;
+}
+
+}  // namespace nxplist
