@@ -1,45 +1,11 @@
-// Reading and writing the forms.
+// Reading and writing planes and ranges.
 #include "script/reflectedValues.h"
-
-#include "foundation/nxRFL/values.h"
 
 namespace nxRFL {
 
 using urString::CString;
 
 namespace {
-
-/// Calls `component(i)` for each component, which reads or writes one number.
-template <int count, class Component>
-void readNumbers(Reader& reader, Component component) {
-    reader.startArray();
-    for (int i = 0; i < count; ++i) component(i);
-    reader.endArray();
-}
-
-template <int count, class Component>
-void writeNumbers(Writer& writer, Component component) {
-    writer.startArray(count);
-    for (int i = 0; i < count; ++i) write(writer, component(i));
-    writer.endArray();
-}
-
-template <int count, class Value>
-void readComponents(Reader& reader, Value& value) {
-    readNumbers<count>(reader, [&](int i) { read(reader, value[i]); });
-}
-
-template <int count, class Value>
-void writeComponents(Writer& writer, Value const& value) {
-    writeNumbers<count>(writer, [&](int i) { return value[i]; });
-}
-
-template <class T, int count>
-void readNormal(Reader& reader, urLinear::BasicNormal<T, count>& value) {
-    urLinear::BasicVector<T, count> direction;
-    readComponents<count>(reader, direction);
-    value.set(direction);
-}
 
 /// Reads a dictionary of up to two entries, in any order.
 template <class First, class Second>
@@ -69,40 +35,6 @@ void writeEntries(Writer& writer, char const* firstKey, First const& first, char
 }
 
 }  // namespace
-
-void read(Reader& reader, urLinear::Tuple2& value) { readComponents<2>(reader, value); }
-void read(Reader& reader, urLinear::Point2& value) { readComponents<2>(reader, value); }
-void read(Reader& reader, urLinear::Point2Flt& value) { readComponents<2>(reader, value); }
-void read(Reader& reader, urLinear::Vector2& value) { readComponents<2>(reader, value); }
-void read(Reader& reader, urLinear::Point& value) { readComponents<3>(reader, value); }
-void read(Reader& reader, urLinear::PointFlt& value) { readComponents<3>(reader, value); }
-void read(Reader& reader, urLinear::Vector& value) { readComponents<3>(reader, value); }
-void read(Reader& reader, urLinear::VectorFlt& value) { readComponents<3>(reader, value); }
-void read(Reader& reader, urUtil::HSL& value) { readComponents<3>(reader, value); }
-void read(Reader& reader, urUtil::Color& value) { readComponents<4>(reader, value); }
-void read(Reader& reader, urLinear::Normal2& value) { readNormal(reader, value); }
-void read(Reader& reader, urLinear::Normal& value) { readNormal(reader, value); }
-void read(Reader& reader, urLinear::NormalFlt& value) { readNormal(reader, value); }
-void read(Reader& reader, urLinear::AffineMatrix2& value) {
-    readNumbers<urLinear::AffineMatrix2::size>(reader, [&](int i) { read(reader, value.coefficient(i)); });
-}
-
-void write(Writer& writer, urLinear::Tuple2 const& value) { writeComponents<2>(writer, value); }
-void write(Writer& writer, urLinear::Point2 const& value) { writeComponents<2>(writer, value); }
-void write(Writer& writer, urLinear::Point2Flt const& value) { writeComponents<2>(writer, value); }
-void write(Writer& writer, urLinear::Vector2 const& value) { writeComponents<2>(writer, value); }
-void write(Writer& writer, urLinear::Point const& value) { writeComponents<3>(writer, value); }
-void write(Writer& writer, urLinear::PointFlt const& value) { writeComponents<3>(writer, value); }
-void write(Writer& writer, urLinear::Vector const& value) { writeComponents<3>(writer, value); }
-void write(Writer& writer, urLinear::VectorFlt const& value) { writeComponents<3>(writer, value); }
-void write(Writer& writer, urUtil::HSL const& value) { writeComponents<3>(writer, value); }
-void write(Writer& writer, urUtil::Color const& value) { writeComponents<4>(writer, value); }
-void write(Writer& writer, urLinear::Normal2 const& value) { writeComponents<2>(writer, value); }
-void write(Writer& writer, urLinear::Normal const& value) { writeComponents<3>(writer, value); }
-void write(Writer& writer, urLinear::NormalFlt const& value) { writeComponents<3>(writer, value); }
-void write(Writer& writer, urLinear::AffineMatrix2 const& value) {
-    writeNumbers<urLinear::AffineMatrix2::size>(writer, [&](int i) { return value.coefficient(i); });
-}
 
 void read(Reader& reader, urLinear::Plane& value) {
     readEntries(reader, "plane", "point", value.point, "normal", value.normal);

@@ -1,7 +1,8 @@
-// How points, matrices, colours and their kin look in scripts.
+// The forms of points, matrices, colours and similar values in scripts.
 #pragma once
 
 #include "foundation/nxRFL/typeName.h"
+#include "foundation/nxRFL/values.h"
 #include "foundation/ur/Export.h"
 #include "foundation/urLinear/AffineMatrix.h"
 #include "foundation/urLinear/Plane.h"
@@ -12,40 +13,83 @@
 
 namespace nxRFL {
 
-class Reader;
-class Writer;
+/// How many numbers a value is in scripts: an array of its components in storage order. 0 for types of other forms. One
+/// line here is all that a type of this form needs.
+template <class T>
+inline constexpr int componentCount = 0;
+template <>
+inline constexpr int componentCount<urLinear::Tuple2> = 2;
+template <>
+inline constexpr int componentCount<urLinear::Point2> = 2;
+template <>
+inline constexpr int componentCount<urLinear::Point2Flt> = 2;
+template <>
+inline constexpr int componentCount<urLinear::Vector2> = 2;
+template <>
+inline constexpr int componentCount<urLinear::Normal2> = 2;
+template <>
+inline constexpr int componentCount<urLinear::Point> = 3;
+template <>
+inline constexpr int componentCount<urLinear::PointFlt> = 3;
+template <>
+inline constexpr int componentCount<urLinear::Vector> = 3;
+template <>
+inline constexpr int componentCount<urLinear::VectorFlt> = 3;
+template <>
+inline constexpr int componentCount<urLinear::Normal> = 3;
+template <>
+inline constexpr int componentCount<urLinear::NormalFlt> = 3;
+template <>
+inline constexpr int componentCount<urUtil::HSL> = 3;
+template <>
+inline constexpr int componentCount<urUtil::Color> = 4;
+template <>
+inline constexpr int componentCount<urLinear::AffineMatrix2> = urLinear::AffineMatrix2::size;
 
-// Arrays of the components in storage order.
+template <class T>
+concept Components = (componentCount<T> > 0);
 
-NX_API void read(Reader& reader, urLinear::Tuple2& value);
-NX_API void read(Reader& reader, urLinear::Point2& value);
-NX_API void read(Reader& reader, urLinear::Point2Flt& value);
-NX_API void read(Reader& reader, urLinear::Vector2& value);
-NX_API void read(Reader& reader, urLinear::Normal2& value);
-NX_API void read(Reader& reader, urLinear::Point& value);
-NX_API void read(Reader& reader, urLinear::PointFlt& value);
-NX_API void read(Reader& reader, urLinear::Vector& value);
-NX_API void read(Reader& reader, urLinear::VectorFlt& value);
-NX_API void read(Reader& reader, urLinear::Normal& value);
-NX_API void read(Reader& reader, urLinear::NormalFlt& value);
-NX_API void read(Reader& reader, urLinear::AffineMatrix2& value);
-NX_API void read(Reader& reader, urUtil::HSL& value);
-NX_API void read(Reader& reader, urUtil::Color& value);
+namespace impl {
 
-NX_API void write(Writer& writer, urLinear::Tuple2 const& value);
-NX_API void write(Writer& writer, urLinear::Point2 const& value);
-NX_API void write(Writer& writer, urLinear::Point2Flt const& value);
-NX_API void write(Writer& writer, urLinear::Vector2 const& value);
-NX_API void write(Writer& writer, urLinear::Normal2 const& value);
-NX_API void write(Writer& writer, urLinear::Point const& value);
-NX_API void write(Writer& writer, urLinear::PointFlt const& value);
-NX_API void write(Writer& writer, urLinear::Vector const& value);
-NX_API void write(Writer& writer, urLinear::VectorFlt const& value);
-NX_API void write(Writer& writer, urLinear::Normal const& value);
-NX_API void write(Writer& writer, urLinear::NormalFlt const& value);
-NX_API void write(Writer& writer, urLinear::AffineMatrix2 const& value);
-NX_API void write(Writer& writer, urUtil::HSL const& value);
-NX_API void write(Writer& writer, urUtil::Color const& value);
+template <class T>
+decltype(auto) component(T& value, int index) {
+    if constexpr (requires { value.coefficient(index); }) {
+        return value.coefficient(index);
+    } else {
+        return value[index];
+    }
+}
+
+}  // namespace impl
+
+template <Components T>
+void read(Reader& reader, T& value) {
+    reader.startArray();
+    for (int i = 0; i < componentCount<T>; ++i) read(reader, impl::component(value, i));
+    reader.endArray();
+}
+/// A normal is set from its direction.
+template <class T, int count>
+    requires Components<urLinear::BasicNormal<T, count>>
+void read(Reader& reader, urLinear::BasicNormal<T, count>& value) {
+    urLinear::BasicVector<T, count> direction;
+    reader.startArray();
+    for (int i = 0; i < count; ++i) read(reader, direction[i]);
+    reader.endArray();
+    value.set(direction);
+}
+template <Components T>
+void write(Writer& writer, T const& value) {
+    writer.startArray(componentCount<T>);
+    for (int i = 0; i < componentCount<T>; ++i) write(writer, impl::component(value, i));
+    writer.endArray();
+}
+
+template <Components T>
+struct TypeName<T> {
+    static_assert(componentCount<T> < 10);
+    static constexpr char name[] = {'n', 'u', 'm', 'b', 'e', 'r', '[', '0' + componentCount<T>, ']', '\0'};
+};
 
 // Dictionaries: of a plane "point" and "normal", of a range "min" and "max". What is missing stays as it is in a plane,
 // and is 0 or the origin in a range.
@@ -58,45 +102,6 @@ NX_API void write(Writer& writer, urLinear::Plane const& value);
 NX_API void write(Writer& writer, urLinear::Range1d const& value);
 NX_API void write(Writer& writer, urLinear::Range3d const& value);
 
-namespace impl {
-
-/// The name of an array of so many numbers.
-template <int count>
-struct NumbersName {
-    static_assert(count >= 2 && count <= 9);
-    static constexpr char name[] = {'n', 'u', 'm', 'b', 'e', 'r', '[', '0' + count, ']', '\0'};
-};
-
-}  // namespace impl
-
-template <>
-struct TypeName<urLinear::Tuple2> : impl::NumbersName<2> {};
-template <>
-struct TypeName<urLinear::Point2> : impl::NumbersName<2> {};
-template <>
-struct TypeName<urLinear::Point2Flt> : impl::NumbersName<2> {};
-template <>
-struct TypeName<urLinear::Vector2> : impl::NumbersName<2> {};
-template <>
-struct TypeName<urLinear::Normal2> : impl::NumbersName<2> {};
-template <>
-struct TypeName<urLinear::Point> : impl::NumbersName<3> {};
-template <>
-struct TypeName<urLinear::PointFlt> : impl::NumbersName<3> {};
-template <>
-struct TypeName<urLinear::Vector> : impl::NumbersName<3> {};
-template <>
-struct TypeName<urLinear::VectorFlt> : impl::NumbersName<3> {};
-template <>
-struct TypeName<urLinear::Normal> : impl::NumbersName<3> {};
-template <>
-struct TypeName<urLinear::NormalFlt> : impl::NumbersName<3> {};
-template <>
-struct TypeName<urLinear::AffineMatrix2> : impl::NumbersName<6> {};
-template <>
-struct TypeName<urUtil::HSL> : impl::NumbersName<3> {};
-template <>
-struct TypeName<urUtil::Color> : impl::NumbersName<4> {};
 template <>
 struct TypeName<urLinear::Plane> {
     static constexpr char const* name = "plane";
