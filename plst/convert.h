@@ -15,18 +15,32 @@
 
 namespace nxPLST {
 
-// To an item. `out` becomes a new item of the type's one shape and lets its former item go:
-//
-//   int, float, double                 a number
-//   bool                               a truth value
-//   char const*, CString, IString      a text; an IString in UTF-8, a null pointer as the empty text
-//   Point2                             [x, y]
-//   Point, Vector, Normal              [x, y, z]
-//   Quaternion                         [x, y, z, w]
-//   AffineMatrix                       its twelve coefficients
-//   Color, Color8                      [r, g, b, a]; a Color8 as 0 to 255
-//   BoundedDouble, BoundedInt          [value, minimum, maximum]
-//   an item                            a private deep copy; null stays null
+/// How many numbers are in the array that is the item of a T; 0 for types whose item is no array of numbers.
+template <class T>
+inline constexpr int arrayLength = 0;
+template <>
+inline constexpr int arrayLength<urLinear::Point2> = 2;
+template <>
+inline constexpr int arrayLength<urLinear::Point> = 3;
+template <>
+inline constexpr int arrayLength<urLinear::Vector> = 3;
+template <>
+inline constexpr int arrayLength<urLinear::Normal> = 3;
+template <>
+inline constexpr int arrayLength<urLinear::Quaternion> = 4;  // x, y, z, w
+template <>
+inline constexpr int arrayLength<urLinear::AffineMatrix> = 12;  // its coefficients
+template <>
+inline constexpr int arrayLength<urUtil::Color> = 4;  // r, g, b, a
+template <>
+inline constexpr int arrayLength<urUtil::Color8> = 4;  // the same, 0 to 255
+template <>
+inline constexpr int arrayLength<nxSupport::BoundedDouble> = 3;  // value, minimum, maximum
+template <>
+inline constexpr int arrayLength<nxSupport::BoundedInt> = 3;
+
+// To an item. `out` becomes a new item of the type's one shape and lets its former item go. An IString becomes a text
+// in UTF-8, a null pointer the empty text, an item a private deep copy; null stays null.
 
 NX_API void convert(ur::Reference<Item>& out, int value);
 NX_API void convert(ur::Reference<Item>& out, float value);

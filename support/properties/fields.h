@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <tuple>
+#include <type_traits>
 
 #include "foundation/nxTXN/fields.h"
 #include "foundation/ur/Export.h"
@@ -26,58 +28,86 @@ namespace nxTXN {
 // Multi-byte values are saved in the machine's own order: records live in memory only. `read` takes exactly what
 // `write` gave. Where there is a `clear` for a value type, it has nothing to do.
 
-// The bytes of the value.
-NX_API void write(Writer& writer, urLinear::AffineMatrix const& value);
-NX_API void write(Writer& writer, urLinear::Point const& value);
-NX_API void write(Writer& writer, urLinear::Vector const& value);
-NX_API void write(Writer& writer, urLinear::Point2 const& value);
-NX_API void write(Writer& writer, urLinear::Point2Flt const& value);
-NX_API void write(Writer& writer, urLinear::PointFlt const& value);
-NX_API void write(Writer& writer, urGeom::BoundingBox const& value);
-NX_API void write(Writer& writer, urGeom::MeshCoord const& value);
-NX_API void write(Writer& writer, urOS::Uuid const& value);
-NX_API void write(Writer& writer, urUtil::Color const& value);
-NX_API void read(Reader& reader, urLinear::AffineMatrix& value);
-NX_API void read(Reader& reader, urLinear::Point& value);
-NX_API void read(Reader& reader, urLinear::Vector& value);
-NX_API void read(Reader& reader, urLinear::Point2& value);
-NX_API void read(Reader& reader, urLinear::Point2Flt& value);
-NX_API void read(Reader& reader, urLinear::PointFlt& value);
-NX_API void read(Reader& reader, urGeom::BoundingBox& value);
-NX_API void read(Reader& reader, urGeom::MeshCoord& value);
-NX_API void read(Reader& reader, urOS::Uuid& value);
-NX_API void read(Reader& reader, urUtil::Color& value);
-NX_API void clear(Clear& cleared, urLinear::AffineMatrix& value);
-NX_API void clear(Clear& cleared, urLinear::Point& value);
-NX_API void clear(Clear& cleared, urLinear::Vector& value);
-NX_API void clear(Clear& cleared, urLinear::Point2& value);
-NX_API void clear(Clear& cleared, urLinear::Point2Flt& value);
-NX_API void clear(Clear& cleared, urLinear::PointFlt& value);
+/// Whether a type is saved as its bytes. One line here is all that a type of this form needs.
+template <class T>
+inline constexpr bool savedAsBytes = false;
+template <>
+inline constexpr bool savedAsBytes<urLinear::AffineMatrix> = true;
+template <>
+inline constexpr bool savedAsBytes<urLinear::Point> = true;
+template <>
+inline constexpr bool savedAsBytes<urLinear::Vector> = true;
+template <>
+inline constexpr bool savedAsBytes<urLinear::Point2> = true;
+template <>
+inline constexpr bool savedAsBytes<urLinear::Point2Flt> = true;
+template <>
+inline constexpr bool savedAsBytes<urLinear::PointFlt> = true;
+template <>
+inline constexpr bool savedAsBytes<urGeom::BoundingBox> = true;
+template <>
+inline constexpr bool savedAsBytes<urUtil::Color> = true;
 
-// The parts, one after the other. Normals are read through `Normal::set`, whose rule for lengths applies.
+template <class T>
+concept SavedAsBytes = savedAsBytes<T> && std::is_trivially_copyable_v<T>;
+
+template <SavedAsBytes T>
+void write(Writer& writer, T const& value) {
+    writer.writeData(&value, sizeof value);
+}
+template <SavedAsBytes T>
+void read(Reader& reader, T& value) {
+    reader.readData(&value, sizeof value);
+}
+template <SavedAsBytes T>
+void clear(Clear& /*cleared*/, T& /*value*/) {}
+
+// Without the padding at the end.
+NX_API void write(Writer& writer, urGeom::MeshCoord const& value);
+NX_API void read(Reader& reader, urGeom::MeshCoord& value);
+NX_API void write(Writer& writer, urOS::Uuid const& value);
+NX_API void read(Reader& reader, urOS::Uuid& value);
+// Read through `Normal::set`, whose rule for lengths applies.
 NX_API void write(Writer& writer, urLinear::Normal const& value);
-NX_API void write(Writer& writer, urLinear::Line const& value);
-NX_API void write(Writer& writer, urLinear::Plane const& value);
-NX_API void write(Writer& writer, urLinear::ParamLine const& value);
-NX_API void write(Writer& writer, urLinear::ParamPlane const& value);
-NX_API void write(Writer& writer, urLinear::Range3d const& value);
-NX_API void write(Writer& writer, urLinear::Quaternion const& value);
-NX_API void write(Writer& writer, urGeom::OrientedBox const& value);
 NX_API void read(Reader& reader, urLinear::Normal& value);
-NX_API void read(Reader& reader, urLinear::Line& value);
-NX_API void read(Reader& reader, urLinear::Plane& value);
-NX_API void read(Reader& reader, urLinear::ParamLine& value);
-NX_API void read(Reader& reader, urLinear::ParamPlane& value);
-NX_API void read(Reader& reader, urLinear::Range3d& value);
-NX_API void read(Reader& reader, urLinear::Quaternion& value);
-NX_API void read(Reader& reader, urGeom::OrientedBox& value);
 NX_API void clear(Clear& cleared, urLinear::Normal& value);
-NX_API void clear(Clear& cleared, urLinear::Line& value);
-NX_API void clear(Clear& cleared, urLinear::Plane& value);
-NX_API void clear(Clear& cleared, urLinear::ParamLine& value);
-NX_API void clear(Clear& cleared, urLinear::ParamPlane& value);
-NX_API void clear(Clear& cleared, urLinear::Range3d& value);
-NX_API void clear(Clear& cleared, urLinear::Quaternion& value);
+
+namespace impl {
+
+// The parts of a type that is saved part by part. One function here is all that a type of this form needs.
+template <class Value, class T>
+concept Is = std::is_same_v<std::remove_const_t<Value>, T>;
+
+auto partsOf(Is<urLinear::Line> auto& value) { return std::tie(value.point, value.direction); }
+auto partsOf(Is<urLinear::Plane> auto& value) { return std::tie(value.point, value.normal); }
+auto partsOf(Is<urLinear::ParamLine> auto& value) { return std::tie(value.start, value.end); }
+auto partsOf(Is<urLinear::ParamPlane> auto& value) {
+    return std::tie(value.origin, value.normal, value.uPoint, value.vPoint);
+}
+auto partsOf(Is<urLinear::Range3d> auto& value) { return std::tie(value.min, value.max); }
+auto partsOf(Is<urLinear::Quaternion> auto& value) { return std::tie(value.x, value.y, value.z, value.w); }
+auto partsOf(Is<urGeom::OrientedBox> auto& value) {
+    return std::tie(value.center, value.axes[0], value.axes[1], value.axes[2], value.halfExtents[0],
+                    value.halfExtents[1], value.halfExtents[2]);
+}
+
+}  // namespace impl
+
+template <class T>
+concept SavedInParts = requires(T& value) {
+    impl::partsOf(value);
+};
+
+template <SavedInParts T>
+void write(Writer& writer, T const& value) {
+    std::apply([&](auto const&... parts) { (write(writer, parts), ...); }, impl::partsOf(value));
+}
+template <SavedInParts T>
+void read(Reader& reader, T& value) {
+    std::apply([&](auto&... parts) { (read(reader, parts), ...); }, impl::partsOf(value));
+}
+template <SavedInParts T>
+void clear(Clear& /*cleared*/, T& /*value*/) {}
 
 // A length of four bytes, then the bytes; an IString in UTF-8, whose NUL counts.
 NX_API void write(Writer& writer, urString::CString const& value);

@@ -3,17 +3,10 @@
 
 #include <utility>
 
-#include "foundation/urLinear/AffineMatrix.h"
-#include "foundation/urLinear/Normal.h"
-#include "foundation/urLinear/Point.h"
-#include "foundation/urLinear/Quaternion.h"
-#include "foundation/urLinear/Vector.h"
 #include "foundation/urString/CString.h"
 #include "foundation/urString/IString.h"
-#include "foundation/urUtil/Color.h"
 #include "plst/Parser.h"
-#include "support/values/BoundedDouble.h"
-#include "support/values/BoundedInt.h"
+#include "plst/convert.h"
 
 namespace nxSupport {
 
@@ -43,26 +36,9 @@ template <>
 struct ValueShape<urString::CString> : SingleShape<&nxPLST::Parser::parseString> {};
 template <>
 struct ValueShape<urString::IString> : SingleShape<&nxPLST::Parser::parseString> {};
-template <>
-struct ValueShape<urLinear::Point2> : NumbersShape<2> {};
-template <>
-struct ValueShape<urLinear::Point> : NumbersShape<3> {};
-template <>
-struct ValueShape<urLinear::Vector> : NumbersShape<3> {};
-template <>
-struct ValueShape<urLinear::Normal> : NumbersShape<3> {};
-template <>
-struct ValueShape<BoundedDouble> : NumbersShape<3> {};
-template <>
-struct ValueShape<BoundedInt> : NumbersShape<3> {};
-template <>
-struct ValueShape<urLinear::Quaternion> : NumbersShape<4> {};
-template <>
-struct ValueShape<urUtil::Color> : NumbersShape<4> {};
-template <>
-struct ValueShape<urUtil::Color8> : NumbersShape<4> {};
-template <>
-struct ValueShape<urLinear::AffineMatrix> : NumbersShape<12> {};
+template <class T>
+requires(nxPLST::arrayLength<T> > 0) struct ValueShape<T> : NumbersShape<nxPLST::arrayLength<T>> {
+};
 
 }  // namespace impl
 

@@ -1,10 +1,11 @@
-// The saved forms of texts, properties and handles, and the sizes of large fields.
+// The saved forms that are neither the bytes nor the parts of a value, and the sizes of large fields.
+#include "support/properties/fields.h"
+
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <limits>
 #include <typeinfo>
-
-#include "support/properties/fields.h"
 
 namespace nxTXN {
 namespace {
@@ -53,6 +54,30 @@ void readHandle(Reader& reader, Handle& handle) {
 }
 
 }  // namespace
+
+void write(Writer& writer, urOS::Uuid const& value) { writer.writeData(&value, sizeof value); }
+void read(Reader& reader, urOS::Uuid& value) {
+    std::array<std::uint32_t, 4> words{};
+    reader.readData(words.data(), sizeof words);
+    value = urOS::Uuid(words[0], words[1], words[2], words[3]);
+}
+
+void write(Writer& writer, urGeom::MeshCoord const& value) {
+    writer.writeData(&value.weights, sizeof value.weights);
+    writer.writeData(&value.triangle, sizeof value.triangle);
+}
+void read(Reader& reader, urGeom::MeshCoord& value) {
+    reader.readData(&value.weights, sizeof value.weights);
+    reader.readData(&value.triangle, sizeof value.triangle);
+}
+
+void write(Writer& writer, urLinear::Normal const& value) { writer.writeData(&value, sizeof value); }
+void read(Reader& reader, urLinear::Normal& value) {
+    urLinear::Vector direction;
+    reader.readData(&direction, sizeof direction);
+    value.set(direction, urLinear::NormalPromise::none);
+}
+void clear(Clear& /*cleared*/, urLinear::Normal& /*value*/) {}
 
 void write(Writer& writer, urString::CString const& value) { writeText(writer, value.c_str(), value.length()); }
 void read(Reader& reader, urString::CString& value) { value = readText(reader); }
