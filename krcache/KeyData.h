@@ -20,7 +20,7 @@ class ManagerImpl;
 ///
 /// The manager keeps the first of several equal keys and asks that one. What compares and hashes must not change
 /// while the key is in use. Every hook may use the cache, also for the key's own shim: a resource that is being
-/// built or paged is then absent. An exception from a hook reaches whoever caused the call and leaves the cache
+/// built or paged is then absent. An exception from a hook reaches the caller of the cache and leaves the cache
 /// whole; a hook must not destroy the manager. The same thread as its manager.
 class NX_API KeyData : public ur::ReferenceCount {
 public:

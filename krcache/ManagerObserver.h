@@ -11,9 +11,9 @@ namespace urKRCache {
 /// Why a resource is gone: dropped, but for `pageOut`, which has written it to the page file.
 enum class Leaving : std::uint8_t { limit, request, removal, pageFailure, buildFailure, pageOut };
 
-/// Is told by a manager of each build and of each resource that is dropped or paged out, with its key's class.
+/// Called by a manager for each build and each resource that is dropped or paged out, with the class of its key.
 ///
-/// Owned by whoever sets it on the manager, which must unset it first. It must not use the manager. The manager's
+/// Not owned by the manager: its owner unsets it before it goes. It must not use the manager. The manager's
 /// thread.
 class NX_API ManagerObserver {
 public:

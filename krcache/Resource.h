@@ -13,10 +13,10 @@ class IOStream;
 
 namespace urKRCache {
 
-/// Base of what keys build: it tells its size, and may put its payload into a file and get it back.
+/// Base class of what keys build. Reports its size, and may write its payload to a file and read it back.
 ///
-/// Shared by reference: whoever holds a resource keeps it alive, also after the cache has dropped it, but only a
-/// lock keeps its payload in memory. A proxy stands for data that is counted elsewhere and counts nothing itself.
+/// Shared by reference: a reference keeps a resource alive even after the cache has dropped it, but only a lock
+/// keeps its payload in memory. A proxy stands for data that is counted elsewhere and counts nothing itself.
 /// The same thread as its manager.
 class NX_API Resource : public ur::ReferenceCount {
 public:

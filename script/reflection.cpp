@@ -74,7 +74,7 @@ void registerTransactions(Database& database) {
 }
 
 void registerSupport(Database& database) {
-    // Contexts end when their scope does, whoever still knows them.
+    // A context ends with its scope, even if scripts still refer to it.
     ExposeClass<Context>(database, "nxSupport::Context")
         .setAliveTest([](void const* context) { return Context::isActive(static_cast<Context const*>(context)); })
         .addStaticMethod("exec", &exec)

@@ -11,10 +11,10 @@
 #include "foundation/ur/Export.h"
 #include "foundation/urRTB/Signal.h"
 
-/// Emits its registration signal once, when the first file starts; whoever knows packet types connects to it and
-/// adds them then.
+/// Emits its registration signal once, when the first file starts. Modules with packet types connect to it and add
+/// them then.
 ///
-/// A registry for writing needs only the names and drops the types themselves. Owned by whoever makes the context,
+/// A registry for writing needs only the names and drops the types themselves. Owned by the maker of the context,
 /// and outlives it. One thread at a time.
 class NX_API ioSimplePacketRegistry final : public ioPacketRegistry {
 public:

@@ -27,7 +27,7 @@ ioWriteContext::ioWriteContext(ioBufferedStreamOutput& output, ioPacketRegistry&
 ioWriteContext::~ioWriteContext() = default;
 
 void ioWriteContext::fail(ioStatus status) noexcept {
-    // Whoever stops because the stream failed leaves a file that is wrong in other ways as well.
+    // A caller that stops because the stream failed leaves a file that is wrong in other ways as well.
     if (status_ == ioStatus::ok) status_ = output_.error().isError() ? ioStatus::streamFailed : status;
     phase_ = Phase::after;
     takesValues_ = false;

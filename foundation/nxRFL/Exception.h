@@ -9,7 +9,7 @@
 
 namespace nxRFL {
 
-/// What went wrong in a reflected call, told to whoever wrote the script. A value: copies share nothing.
+/// Tells a script's author what went wrong in a reflected call. A value: copies share nothing.
 ///
 /// A native function throws it to fail the script that called it; an error of a script reaches native callers as
 /// one, together with the script's stack.

@@ -31,8 +31,8 @@ struct ObjectSize {
 /// An object whose changes its manager records, undoes and redoes.
 ///
 /// Call `transact()` before each change. The manager then asks for the fields through `onTransact`, once per
-/// transaction, and asks the same way when it puts them back. The object belongs to whoever made it (classes that
-/// the manager owns derive from `RefCountedObject`); one that goes while the history knows it is forgotten there.
+/// transaction, and asks the same way when it puts them back. The program owns the object (classes that the
+/// manager owns derive from `RefCountedObject`); one that goes while the history knows it is forgotten there.
 /// The hooks are the manager's to call; overrides call the hook of their base first. `docs/undo.md` states when
 /// each of them runs. Used on the thread that uses the manager.
 class NX_API Object {

@@ -4,8 +4,8 @@
 // free in one of them at a time. A node given back by the heap's own thread goes onto its region's free list. A node
 // given back by another thread goes onto the heap's `returned` stack, which the owner empties before it looks for
 // another region. When a thread ends, its
-// heap waits, with all its regions, for the next thread that needs one; until then whoever returns nodes to it
-// empties the stack now and then under the pool's lock. So heaps never outnumber the threads that ever ran at
+// heap waits, with all its regions, for the next thread that needs one; until then threads that return nodes to it
+// empty the stack now and then under the pool's lock. So heaps never outnumber the threads that ever ran at
 // one time, and nothing that was given back stays out of reach.
 #include "foundation/ur/NodeHeap.h"
 

@@ -17,8 +17,8 @@ struct SlotLink;
 
 /// Asks a slot to show a cursor for as long as this lives: by name, or by an image with a hot spot.
 ///
-/// Held by reference by whoever wants it shown. It may outlive its slot and then does nothing. A copy has the same
-/// client, name, image and slot, but is no request. Main thread only.
+/// Held by reference by the code that wants it shown. It may outlive its slot and then does nothing. A copy has the
+/// same client, name, image and slot, but is no request. Main thread only.
 class NX_API Cursor : public ur::ReferenceCount {
 public:
     /// Adds itself to `slot`, without an image and with the hot spot (0, 0). `client` only tells requests apart.

@@ -15,7 +15,7 @@ struct NX_API UnknownDebugCode {
     urString::CString entry;  ///< as it stands in the list, without the `-` and the blanks around it
     DebugCode nearest;        ///< the code that was probably meant, `NUM_CODES` when no name is like the entry
 
-    /// For whoever wrote the list, such as "there is no Debug_Undoo; do you mean Debug_Undo?".
+    /// One line for the user, such as "there is no Debug_Undoo; do you mean Debug_Undo?".
     [[nodiscard]] urString::CString message() const;
 };
 

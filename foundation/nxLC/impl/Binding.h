@@ -18,7 +18,7 @@
 
 namespace nxLC::impl {
 
-/// What outlives a state: whoever keeps one of its functions looks here whether the state still is.
+/// Outlives a state: a function of the state that is still held checks here whether the state is open.
 struct Link final : ur::ReferenceCount {
     explicit Link(Binding* open) noexcept : binding(open) {}
     Binding* binding;  ///< null once the state has closed

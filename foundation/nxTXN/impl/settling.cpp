@@ -19,7 +19,7 @@ void Lifetimes::returned(Object& object) noexcept {
     Lifetimes& lifetimes = object.core_->lifetimes();
     Entry& entry = lifetimes.entryOf(object);
     if (!entry.dead || !lifetimes.restoring_) return;
-    // Even if the field does not count as a reference, whoever holds it must hear when the object goes.
+    // The owner of a field that does not count as a reference is notified as well when the object goes.
     entry.told = false;
     lifetimes.note(object);
 }
