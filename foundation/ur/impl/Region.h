@@ -42,6 +42,8 @@ public:
     /// Memory for one region, with only its `chunk` set. Throws `std::bad_alloc`.
     [[nodiscard]] Region* take();
     void put(Region* region) noexcept;
+    /// How many chunks it holds, of which at most one is empty.
+    [[nodiscard]] std::size_t chunkCount() noexcept;
 
 private:
     void link(Chunk* chunk) noexcept;
@@ -51,6 +53,7 @@ private:
     Chunk* withRoom_ = nullptr;
     // Kept, so that a tree made and dropped in turn does not go to the system each time.
     Chunk* empty_ = nullptr;
+    std::size_t chunks_ = 0;
 };
 
 }  // namespace ur::impl

@@ -37,7 +37,10 @@ RegionSource& RegionSource::instance() {
 
 Region* RegionSource::take() {
     std::lock_guard lock(mutex_);
-    if (!withRoom_) link(makeChunk());
+    if (!withRoom_) {
+        link(makeChunk());
+        ++chunks_;
+    }
     Chunk* chunk = withRoom_;
     if (chunk == empty_) empty_ = nullptr;
     auto const index = static_cast<std::size_t>(std::countr_zero(chunk->freeRegions));
@@ -60,8 +63,14 @@ void RegionSource::put(Region* region) noexcept {
         return;
     }
     unlink(chunk);
+    --chunks_;
     ::operator delete(chunk->memory, regionAlignment);
     delete chunk;
+}
+
+std::size_t RegionSource::chunkCount() noexcept {
+    std::lock_guard lock(mutex_);
+    return chunks_;
 }
 
 void RegionSource::link(Chunk* chunk) noexcept {

@@ -14,18 +14,19 @@
 
 namespace ur::test {
 
-/// A key whose copies can be made to fail; moved-from ones are told from all others.
+/// A key that is counted and whose copies can be made to fail. Moved-from keys differ from all others.
 struct MapKey {
-    MapKey(int number) : value(number) {}  // NOLINT(google-explicit-constructor): written as a number
+    MapKey(int number) : value(number) { ++alive; }  // NOLINT(google-explicit-constructor): written as a number
     MapKey(MapKey const& other) : value(other.value) {
         if (copiesLeft-- == 0) throw std::bad_alloc();
+        ++alive;
     }
-    MapKey(MapKey&& other) noexcept : value(std::exchange(other.value, movedFrom)) {}
+    MapKey(MapKey&& other) noexcept : value(std::exchange(other.value, movedFrom)) { ++alive; }
     MapKey& operator=(MapKey other) noexcept {
         value = other.value;
         return *this;
     }
-    ~MapKey() = default;
+    ~MapKey() { --alive; }
 
     friend bool operator<(MapKey const& a, MapKey const& b) { return a.value < b.value; }
     friend bool operator==(MapKey const& a, MapKey const& b) { return a.value == b.value; }
@@ -34,6 +35,7 @@ struct MapKey {
     static constexpr int movedFrom = -1000000;
     /// How many copies succeed before one fails; negative for all.
     static inline int copiesLeft = -1;
+    static inline long alive = 0;
 
     int value;
 };

@@ -69,6 +69,7 @@ TEST(BlockMap, IsSoundInEveryStateThatFewKeysReach) {
     EXPECT_EQ((States<Small<2, 3>>(9).levels()), 4U);
     EXPECT_EQ((States<Small<3, 3>>(8).levels()), 3U);
     EXPECT_EQ((States<Small<4, 5>>(9).levels()), 2U);
+    EXPECT_EQ(MapKey::alive, 0) << "in maps that have gone";
 }
 
 constexpr int manyKeys = 100;

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <fstream>
+#include <latch>
+#include <map>
 #include <random>
 #include <set>
 #include <thread>
@@ -15,6 +17,7 @@
 #include "foundation/ur/BlockAllocator.h"
 #include "foundation/ur/NodeHeap.h"
 #include "foundation/ur/NodeSource.h"
+#include "foundation/ur/impl/Region.h"
 
 namespace {
 
@@ -127,6 +130,79 @@ TEST(NodeSource, SharesItsNodesWithTheHeapAndGetsThemBackFromBatches) {
     }
 }
 
+using ur::impl::Region;
+using ur::impl::RegionSource;
+
+TEST(RegionSource, FillsItsChunksAndKeepsOneEmptyOne) {
+    static auto& source = *new RegionSource;
+    std::mt19937 random(5);
+    std::vector<Region*> held;
+    std::map<ur::impl::Chunk*, std::size_t> used;
+    std::size_t fullChunk = 0;
+    for (int step = 0; step < 20000; ++step) {
+        std::size_t const chunks = source.chunkCount();
+        if (held.empty() || random() % 100 < (step / 1000 % 2 ? 40U : 60U)) {
+            held.push_back(source.take());
+            fullChunk = std::max(fullChunk, ++used[held.back()->chunk]);
+            bool const isNewChunk = source.chunkCount() > chunks && chunks > 0;
+            ASSERT_TRUE(!isNewChunk || held.size() == chunks * fullChunk + 1) << "there was room in the others";
+        } else {
+            std::swap(held[random() % held.size()], held.back());
+            auto const place = used.find(held.back()->chunk);
+            if (--place->second == 0) used.erase(place);
+            source.put(held.back());
+            held.pop_back();
+        }
+        ASSERT_LE(source.chunkCount() - used.size(), 1U);
+    }
+    EXPECT_EQ(std::set<Region*>(held.begin(), held.end()).size(), held.size());
+    for (Region* const region : held) source.put(region);
+    EXPECT_EQ(source.chunkCount(), 1U);
+}
+
+TEST(NodeHeap, FillsTheGapsOfItsRegionsBeforeItTakesMore) {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "each node is an allocation of its own";
+#endif
+    std::vector<void*> nodes = take(40000, 40);
+    std::vector<void*> kept;
+    for (std::size_t i = 0; i < nodes.size(); ++i) i % 2 ? kept.push_back(nodes[i]) : ur::deallocateNode(nodes[i], 40);
+    std::size_t const chunks = RegionSource::instance().chunkCount();
+    nodes = take(20000, 40);
+    EXPECT_EQ(RegionSource::instance().chunkCount(), chunks);
+    giveBack(nodes, 40);
+    giveBack(kept, 40);
+    // Threads that end at one time leave a heap each, for those that come after them.
+    for (int round = 0; round < 40; ++round) {
+        std::latch both(2);
+        auto const work = [&both] {
+            giveBack(take(100, 40), 40);
+            both.arrive_and_wait();
+        };
+        std::thread other(work);
+        std::thread(work).join();
+        other.join();
+    }
+    EXPECT_LE(RegionSource::instance().chunkCount(), chunks);
+}
+
+TEST(NodeBatch, GivesBackNoMoreThanItsNodes) {
+    std::vector<void*> nodes = take(20000, 40);
+    std::sort(nodes.begin(), nodes.end());
+    std::vector<void*> const kept(nodes.begin() + 10000, nodes.end());
+    nodes.resize(10000);
+    {
+        ur::NodeBatch batch;
+        for (void* node : nodes) batch.add(node);
+    }
+    nodes = take(40000, 40);
+    std::set<void*> distinct(nodes.begin(), nodes.end());
+    distinct.insert(kept.begin(), kept.end());
+    EXPECT_EQ(distinct.size(), 50000U);
+    giveBack(nodes, 40);
+    giveBack(kept, 40);
+}
+
 TEST(BlockAllocator, HandsOutDistinctNodesInOrderAndReusesWhatCameBack) {
     ur::BlockAllocator nodes(24, 10);
     std::vector<void*> taken;
@@ -136,6 +212,8 @@ TEST(BlockAllocator, HandsOutDistinctNodesInOrderAndReusesWhatCameBack) {
     nodes.deallocate(taken[3]);
     EXPECT_EQ(nodes.allocate(), taken[3]);
     EXPECT_EQ(nodes.size(), 25U);
+    ur::BlockAllocator one(24, 0);
+    EXPECT_NE(one.allocate(), one.allocate());
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "foundation/ur/containers.h"
 #include "foundation/ur/functionName.h"
 #include "foundation/ur/hashfunction.h"
+#include "foundation/ur/keepAlive.h"
 
 namespace {
 
@@ -42,6 +43,11 @@ TEST(Reference, CountsHoldersAndDeletesWithTheLast) {
     first = new Derived(&alive);
     first = new Derived(&alive);
     EXPECT_EQ(alive, 1);
+    EXPECT_TRUE(first != nullptr);
+    EXPECT_TRUE(moved == nullptr);
+    Counted onStack(&alive);
+    EXPECT_TRUE(ur::keepAlive(onStack).null());
+    EXPECT_EQ(ur::keepAlive(*first), first);
 }
 
 TEST(Reference, ACopiedObjectStartsUnshared) {
