@@ -12,27 +12,26 @@
 
 namespace nxSupport {
 
-/// What lists hold in place of a member: one that goes while a list still names it leaves its seat empty. Undo may
-/// bring back a list that does, when members were moved by changes that are not recorded. Shared by the member, which
-/// is its only occupant, and the lists.
+/// Stands for a member in lists. It outlives the member and is then empty, since undo may bring back a list that names
+/// a member that has gone. Shared by the member and the lists.
 template <class Member>
-class MemberSeat {
+class MemberEntry {
 public:
-    explicit MemberSeat(Member& occupant) noexcept : occupant_(&occupant) {}
+    explicit MemberEntry(Member& member) noexcept : member_(&member) {}
     void ref() const noexcept { ++holders_; }
     void unref() const noexcept {
         if (--holders_ == 0) delete this;
     }
     static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
-    static void operator delete(void* seat, std::size_t bytes) noexcept { ur::deallocateNode(seat, bytes); }
+    static void operator delete(void* entry, std::size_t bytes) noexcept { ur::deallocateNode(entry, bytes); }
 
-    [[nodiscard]] Member* occupant() const noexcept { return occupant_; }
-    void vacate() noexcept { occupant_ = nullptr; }
+    [[nodiscard]] Member* member() const noexcept { return member_; }
+    void detach() noexcept { member_ = nullptr; }
 
     std::uint32_t slot = 0;  ///< in the list that it was added to last
 
 private:
-    Member* occupant_;
+    Member* member_;
     mutable std::uint32_t holders_ = 0;
 };
 
@@ -45,7 +44,7 @@ class MemberList {
 public:
     void add(Member& member) {
         if (untidy_) remove(member);
-        add(*member.seat_);
+        add(*member.entry_);
     }
     /// The first occurrence; nothing when there is none.
     void remove(Member& member) noexcept {
@@ -68,7 +67,7 @@ public:
         if (slots_.capacity() < former + count) slots_.reserve(2 * (former + count));
         absent_ = untidy_ = true;
         for (; count > 0; --count) {
-            if (Member* const member = next()) slots_.push_back(member->seat_);
+            if (Member* const member = next()) slots_.push_back(member->entry_);
         }
         walks_ > 0 ? replaceWalked(former, stays) : replace(former, stays);
     }
@@ -98,7 +97,7 @@ public:
     [[nodiscard]] bool contains(Member const& member) const noexcept { return find(member) != slots_.size(); }
     [[nodiscard]] std::size_t size() const noexcept {
         return static_cast<std::size_t>(
-            std::count_if(slots_.begin(), slots_.end(), [](auto const& seat) { return seat && seat->occupant(); }));
+            std::count_if(slots_.begin(), slots_.end(), [](auto const& entry) { return entry && entry->member(); }));
     }
     [[nodiscard]] std::size_t slotCount() const noexcept { return slots_.size(); }
     /// A member may cease to exist without being removed.
@@ -107,12 +106,12 @@ public:
     [[nodiscard]] bool mayNameAbsent() const noexcept { return absent_; }
     /// Null where a member was removed, and beyond the last slot.
     [[nodiscard]] Member* at(std::size_t slot) const noexcept {
-        return slot < slots_.size() && slots_[slot] ? slots_[slot]->occupant() : nullptr;
+        return slot < slots_.size() && slots_[slot] ? slots_[slot]->member() : nullptr;
     }
     template <class Visit>
     void forEach(Visit visit) const {
-        for (auto const& seat : slots_) {
-            if (seat && seat->occupant()) visit(*seat->occupant());
+        for (auto const& entry : slots_) {
+            if (entry && entry->member()) visit(*entry->member());
         }
     }
 
@@ -122,28 +121,28 @@ public:
     }
 
 private:
-    using Seat = MemberSeat<Member>;
+    using Entry = MemberEntry<Member>;
 
-    void add(Seat& seat) {
-        slots_.emplace_back(&seat);
-        seat.slot = static_cast<std::uint32_t>(slots_.size() - 1);
+    void add(Entry& entry) {
+        slots_.emplace_back(&entry);
+        entry.slot = static_cast<std::uint32_t>(slots_.size() - 1);
     }
     void empty(std::size_t slot) noexcept {
         if (!slots_[slot]) return;
         slots_[slot].reset();
         ++gone_;
     }
-    // The seat knows where it is, unless undo has brought back a list that it was in before.
+    // The entry knows where it is, unless undo has brought back a list that it was in before.
     [[nodiscard]] std::size_t find(Member const& member) const noexcept {
-        if (at(member.seat_->slot) == &member) return member.seat_->slot;
-        return static_cast<std::size_t>(std::find(slots_.begin(), slots_.end(), member.seat_) - slots_.begin());
+        if (at(member.entry_->slot) == &member) return member.entry_->slot;
+        return static_cast<std::size_t>(std::find(slots_.begin(), slots_.end(), member.entry_) - slots_.begin());
     }
     // Both: the first `former` slots give way to those behind them.
     template <class Stays>
     void replace(std::size_t former, Stays stays) {
         std::rotate(slots_.begin(), slots_.begin() + static_cast<std::ptrdiff_t>(former), slots_.end());
         name(0, slots_.size() - former);
-        auto const goes = [&](auto const& seat) { return !seat || !staysUnnamed(*seat, 0, stays); };
+        auto const goes = [&](auto const& entry) { return !entry || !staysUnnamed(*entry, 0, stays); };
         auto const unnamed = slots_.begin() + static_cast<std::ptrdiff_t>(named_);
         slots_.erase(std::remove_if(unnamed, slots_.end(), goes), slots_.end());
         gone_ = 0;
@@ -152,8 +151,8 @@ private:
     void replaceWalked(std::size_t former, Stays stays) {
         name(former, slots_.size());
         for (std::size_t slot = 0; slot < former; ++slot) {
-            auto const seat = slots_[slot];
-            if (seat && staysUnnamed(*seat, former, stays)) slots_.push_back(seat);
+            auto const entry = slots_[slot];
+            if (entry && staysUnnamed(*entry, former, stays)) slots_.push_back(entry);
             empty(slot);
         }
     }
@@ -162,9 +161,9 @@ private:
         named_ = end;
     }
     template <class Stays>
-    [[nodiscard]] bool staysUnnamed(Seat const& seat, std::size_t firstNamed, Stays& stays) const {
-        Member* const member = seat.occupant();
-        bool const isNamed = firstNamed <= seat.slot && seat.slot < named_ && at(seat.slot) == member;
+    [[nodiscard]] bool staysUnnamed(Entry const& entry, std::size_t firstNamed, Stays& stays) const {
+        Member* const member = entry.member();
+        bool const isNamed = firstNamed <= entry.slot && entry.slot < named_ && at(entry.slot) == member;
         return member && !isNamed && stays(*member);
     }
     void closeGaps() noexcept {
@@ -179,7 +178,7 @@ private:
         for (std::size_t i = 0; i < slots_.size(); ++i) slots_[i]->slot = static_cast<std::uint32_t>(i);
     }
 
-    ur::vector<ur::Reference<Seat>> slots_;
+    ur::vector<ur::Reference<Entry>> slots_;
     std::size_t gone_ = 0;   ///< empty slots
     std::size_t named_ = 0;  ///< the slots that the last `assign` filled with those it named
     unsigned walks_ = 0;

@@ -21,7 +21,7 @@ TxdProperty::TxdProperty(nxTXN::Manager& manager, urString::CString const& name,
     data_->add(*this);
 }
 
-TxdProperty::~TxdProperty() { seat_->vacate(); }
+TxdProperty::~TxdProperty() { entry_->detach(); }
 
 // What there may be no memory for comes before the change: a property is always in the list of its data.
 void TxdProperty::prepareAttaching(TxdPropertyData& data) {
@@ -62,7 +62,7 @@ void TxdProperty::onTransact(nxTXN::Serializer& serializer) {
 
 void TxdProperty::onTxnModified() {
     RefCountedObject::onTxnModified();
-    takeSeat();
+    rejoinList();
     txnModified_.emit(ur::Reference<Property>(this));
 }
 
@@ -74,7 +74,7 @@ void TxdProperty::onTxnDestroyed() {
 void TxdProperty::onTxnExtant() {
     RefCountedObject::onTxnExtant();
     if (isTxnExtant()) {
-        takeSeat();
+        rejoinList();
     } else if (data_) {
         data_->members().expectAbsent();
     }
@@ -82,7 +82,7 @@ void TxdProperty::onTxnExtant() {
 
 // The list may not be part of the step that brought this property back or moved it, if it left or came unrecorded. The
 // data may be what another manager has undone, or what has gone with it: then a copy takes its place.
-void TxdProperty::takeSeat() {
+void TxdProperty::rejoinList() {
     if (!data_ || !data_->isTxnExtant()) {
         auto const copy = ur::make<TxdPropertyData>(*txnManager());
         copy->storeValue(value(), TxdPropertyData::Propagate::no);

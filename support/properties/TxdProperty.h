@@ -55,10 +55,10 @@ private:
 
     static nxTXN::FieldHandlers const dataHandlers;
 
-    void takeSeat();
+    void rejoinList();
     void moveTo(ur::Reference<TxdPropertyData> const& data);
 
-    ur::Reference<MemberSeat<TxdProperty>> const seat_ = ur::make<MemberSeat<TxdProperty>>(*this);
+    ur::Reference<MemberEntry<TxdProperty>> const entry_ = ur::make<MemberEntry<TxdProperty>>(*this);
     ur::Reference<TxdPropertyData> data_;
     TxnModifiedSignal txnModified_;
 };

@@ -19,7 +19,7 @@ UnTxdProperty::UnTxdProperty(urString::CString const& name, ur::Reference<UnTxdP
 
 UnTxdProperty::~UnTxdProperty() {
     data_->remove(*this);
-    seat_->vacate();
+    entry_->detach();
 }
 
 void UnTxdProperty::attachData(ur::Reference<UnTxdPropertyData> const& data) {

@@ -39,7 +39,7 @@ private:
     ~UnTxdProperty() override;
 
     mutable std::int32_t refCount_ = 0;
-    ur::Reference<MemberSeat<UnTxdProperty>> const seat_ = ur::make<MemberSeat<UnTxdProperty>>(*this);
+    ur::Reference<MemberEntry<UnTxdProperty>> const entry_ = ur::make<MemberEntry<UnTxdProperty>>(*this);
     ur::Reference<UnTxdPropertyData> data_;
 };
 

@@ -11,21 +11,19 @@ namespace nxTXN {
 namespace {
 
 void writeText(Writer& writer, char const* text, std::size_t size) {
-    write(writer, static_cast<std::int32_t>(size));
+    write(writer, static_cast<std::uint32_t>(size));
     writer.writeData(text, size);
 }
 
 /// Empty when nothing was written.
 urString::CString readText(Reader& reader) {
-    std::int32_t size = 0;
+    std::uint32_t size = 0;
     read(reader, size);
     urString::CString text;
-    if (size <= 0) return text;
-    text.resizeAndOverwrite(std::min(static_cast<std::size_t>(size), reader.remaining()),
-                            [&reader](char* bytes, std::size_t count) {
-                                reader.readData(bytes, count);
-                                return count;
-                            });
+    text.resizeAndOverwrite(std::min<std::size_t>(size, reader.remaining()), [&reader](char* bytes, std::size_t count) {
+        reader.readData(bytes, count);
+        return count;
+    });
     return text;
 }
 

@@ -1,4 +1,4 @@
-// What a property is, and what it shares with its joined set.
+// The two data objects of a joined set.
 #pragma once
 
 #include "support/properties/TxdProperty.h"
@@ -28,33 +28,6 @@ struct JoinedData {
 
     TxdPropertyData* txd = nullptr;
     UnTxdPropertyData* untxd = nullptr;
-};
-
-/// A reference to a property for the time of an emission, counted without virtual calls where its class is known.
-class PropertyHold {
-public:
-    explicit PropertyHold(Property const& property) noexcept
-        : reference_(ur::Reference<Property const>::adopt(&property)) {
-        count(property, [](auto const& known) { known.ref(); });
-    }
-    PropertyHold(PropertyHold const&) = delete;
-    PropertyHold& operator=(PropertyHold const&) = delete;
-    ~PropertyHold() {
-        count(*reference_.release(), [](auto const& known) { known.unref(); });
-    }
-
-    [[nodiscard]] Property const& property() const noexcept { return *reference_; }
-    [[nodiscard]] ur::Reference<Property const> const& reference() const noexcept { return reference_; }
-
-private:
-    template <class Count>
-    static void count(Property const& property, Count count) noexcept {
-        if (UnTxdProperty const* const untransacted = JoinedData::asUnTxd(property)) return count(*untransacted);
-        if (TxdProperty const* const transacted = JoinedData::asTxd(property)) return count(*transacted);
-        count(property);
-    }
-
-    ur::Reference<Property const> reference_;
 };
 
 }  // namespace nxSupport::impl

@@ -3,6 +3,7 @@
 
 #include "support/properties/impl/JoinedData.h"
 #include "support/properties/impl/MemberWalk.h"
+#include "support/properties/impl/PropertyHold.h"
 
 namespace nxSupport::impl {
 

@@ -49,6 +49,8 @@ TEST(Crossing, APropertyOutlivesTheManagerOfTheValueThatItShares) {
             EXPECT_EQ(numberOf(*c), undoneBefore ? 1 : -1);  // a value is kept by its record in its own manager only
         }
         EXPECT_FALSE(t->value());
+        PropertyReference const late = t->cloneTxd(*second, "late");
+        EXPECT_FALSE(late && late->value());
         c->setValue(number(3));
         EXPECT_EQ(numberOf(*c), 3);
         EXPECT_EQ(numberOf(*o), 2);

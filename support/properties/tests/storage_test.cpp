@@ -2,6 +2,7 @@
 // that throw, changes that are not recorded.
 #include <memory>
 #include <stdexcept>
+#include <vector>
 
 #include "foundation/nxTXN/HookError.h"
 #include "support/properties/TxdProperty.h"
@@ -94,6 +95,21 @@ TEST_F(Storage, UndoKeepsMembersThatCameUnrecordedAndDropsThoseThatLeftUnrecorde
     manager.redo();
     q.reset();
     EXPECT_TRUE(share(late, p));
+}
+
+TEST_F(Storage, ListsOfMembersStayShortWhateverLeaves) {
+    auto& members = txd(p).data()->members();
+    std::vector<PropertyReference> clones;
+    for (int round = 0; round < 20; ++round) {
+        while (clones.size() < 100) clones.push_back(p->cloneTxd(manager, "clone"));
+        // The first ones leave gaps behind, the others go from the end.
+        for (std::size_t left = 100; left > 1; --left) {
+            clones.erase(left > 20 ? clones.begin() : clones.end() - 1);
+            ASSERT_EQ(members.size(), left);
+            ASSERT_LE(members.slotCount(), 2 * left + 1);
+        }
+    }
+    EXPECT_TRUE(members.contains(txd(p)));
 }
 
 TEST_F(Storage, PropertiesSurviveTheirManagerAsEmptyShells) {

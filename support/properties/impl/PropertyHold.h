@@ -1,0 +1,35 @@
+// A reference to a property for the time of an emission.
+#pragma once
+
+#include "support/properties/impl/JoinedData.h"
+
+namespace nxSupport::impl {
+
+/// Keeps a property alive during an emission. Counts without virtual calls where the class is known.
+class PropertyHold {
+public:
+    explicit PropertyHold(Property const& property) noexcept
+        : reference_(ur::Reference<Property const>::adopt(&property)) {
+        count(property, [](auto const& known) { known.ref(); });
+    }
+    PropertyHold(PropertyHold const&) = delete;
+    PropertyHold& operator=(PropertyHold const&) = delete;
+    ~PropertyHold() {
+        count(*reference_.release(), [](auto const& known) { known.unref(); });
+    }
+
+    [[nodiscard]] Property const& property() const noexcept { return *reference_; }
+    [[nodiscard]] ur::Reference<Property const> const& reference() const noexcept { return reference_; }
+
+private:
+    template <class Count>
+    static void count(Property const& property, Count count) noexcept {
+        if (UnTxdProperty const* const untransacted = JoinedData::asUnTxd(property)) return count(*untransacted);
+        if (TxdProperty const* const transacted = JoinedData::asTxd(property)) return count(*transacted);
+        count(property);
+    }
+
+    ur::Reference<Property const> reference_;
+};
+
+}  // namespace nxSupport::impl
