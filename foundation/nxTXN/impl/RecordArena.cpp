@@ -68,4 +68,10 @@ void RecordArena::trim(Place place) noexcept {
     first_ = place.block;
 }
 
+std::size_t RecordArena::heldBytes() const noexcept {
+    std::size_t bytes = blocks_.size() * sizeof(Block);
+    for (Block const& block : blocks_) bytes += block.bytes ? block.size : 0;
+    return bytes;
+}
+
 }  // namespace nxTXN::impl

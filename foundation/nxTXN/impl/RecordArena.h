@@ -48,6 +48,9 @@ public:
     void truncate(Place place) noexcept;
     void trim(Place place) noexcept;
 
+    /// What is taken from the system, without the block in reserve.
+    [[nodiscard]] std::size_t heldBytes() const noexcept;
+
     /// Moves a piece down to `to`, at or below where it is, and `to` behind it. What lay between is lost.
     void slide(Place& to, std::byte const* piece, std::size_t bytes) noexcept;
 

@@ -15,6 +15,11 @@ struct History : testing::Test {
     Manager manager;
     NodeReference node = ur::make<Node>(manager, "n");
 
+    ~History() override {
+        manager.clear();
+        EXPECT_EQ(manager.historyBytes(), 0U);
+    }
+
     void set(double value, char const* name = "Set") {
         edit(
             manager, [&] { node->setValue(value); }, name);
@@ -94,7 +99,7 @@ TEST_F(History, RecordsOnlyRecordedTransactions) {
         manager.begin("unrecorded", kind);
         node->setValue(4);
         edit(manager, [&] { node->setValue(5); });
-        manager.commit();
+        EXPECT_TRUE(manager.commit());
         EXPECT_EQ(node->value(), 5);
         EXPECT_EQ(names(), "Set |");
         set(1);
@@ -139,6 +144,21 @@ TEST_F(History, CoalescesADragIntoOneStepOfTheBytesOfOne) {
     EXPECT_EQ(node->value(), 1);
     manager.redo();
     EXPECT_EQ(node->value(), 50);
+    manager.clear();
+    drag(1, &firstKey);
+    manager.beginCoalescing("Drag", &firstKey);
+    NodeReference const made = ur::make<Node>(manager, "made");
+    node->setList({made.get(), made.get(), made.get()});
+    manager.commit();
+    EXPECT_EQ(names(), "Drag |");
+    for (int i = 0; i < 2; ++i) {
+        manager.undo();
+        EXPECT_FALSE(made->isTxnExtant());
+        EXPECT_TRUE(node->list().empty());
+        manager.redo();
+        EXPECT_TRUE(made->isTxnExtant());
+        EXPECT_EQ(node->list().size(), 3U);
+    }
 }
 
 TEST_F(History, ForgetsTheOldestStepsBeyondItsLimits) {
@@ -175,6 +195,15 @@ TEST_F(History, CountsTheBytesOfObjectsThatOnlyItKeeps) {
     };
     addBig();
     set(1);
+    EXPECT_LT(manager.historyBytes(), 1000u);
+    {
+        std::size_t const before = manager.historyBytes();
+        auto const passing = ur::make<Node>(manager, "passing");
+        manager.begin();
+        passing->setValue(1);
+        manager.abort();
+        EXPECT_EQ(manager.historyBytes(), before);
+    }
     EXPECT_LT(manager.historyBytes(), 1000u);
     manager.setByteLimit(500000);
     edit(manager, [&] { node->setNext(nullptr); });

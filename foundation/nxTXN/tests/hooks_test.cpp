@@ -218,6 +218,14 @@ TEST_F(Hooks, AFieldThatCannotBeSavedOrReadLeavesTheStepUndone) {
     other->set(5);
     manager.abort();
     EXPECT_EQ(state(), "22-");
+
+    manager.undo();  // so that the end of the next transaction looks whether anything has changed
+    manager.begin();
+    fragile->set(fragile->value);
+    Fragile::failWriteIn = 0;
+    EXPECT_TRUE(manager.commit());
+    Fragile::failWriteIn = -1;
+    EXPECT_FALSE(manager.canRedo()) << "what cannot be compared counts as a change";
 }
 
 TEST_F(Hooks, MayEditMakeAndDropObjectsWithoutEnteringTheHistory) {
@@ -250,6 +258,24 @@ TEST_F(Hooks, MayEditMakeAndDropObjectsWithoutEnteringTheHistory) {
     manager.redo();
     EXPECT_EQ(b->value(), 50);
     EXPECT_TRUE(made->isTxnExtant());
+}
+
+TEST_F(Hooks, OfAnotherManagersObjectsDoNotMoveItsHistory) {
+    Manager other;
+    auto const foreign = ur::make<Node>(other, "foreign");
+    edit(other, [&] { foreign->setValue(1); });
+    NodeReference leaf = ur::make<Node>(other, "leaf");
+    int calls = 0;
+    leaf->onHook = [&](std::string const& hook) {
+        if (hook != "gone" && hook != "extant") return;
+        ++calls;
+        EXPECT_FALSE(other.undo());
+    };
+    edit(manager, [&] { root->setNext(std::move(leaf)); });
+    EXPECT_TRUE(manager.undo() && manager.redo());
+    EXPECT_EQ(calls, 2);
+    EXPECT_TRUE(other.undo());
+    root->next()->onHook = nullptr;
 }
 
 TEST_F(Hooks, MayRecordWhatAnObjectTakesWithIt) {
