@@ -17,6 +17,7 @@ struct Completions : farm::Farm {
 
 TEST_F(Completions, FollowTablesObjectsAndTypesOfProperties) {
     succeed("rex, box = farm.Animal.make('Rex'), {lid = 1, ['no name'] = 2, open = print, 3}");
+    succeed("azAZ_09 = {azAZ_09 = 1, ['`'] = 1, ['{'] = 1, ['@'] = 1, ['['] = 1, ['0a'] = 1, ['/'] = 1, [':'] = 1}");
     for (auto const& [line, proposed] : std::initializer_list<std::pair<char const*, char const*>>{
              {"fa", "|farm"},
              {"print(farm.A", "print(farm.|Animal"},
@@ -28,6 +29,7 @@ TEST_F(Completions, FollowTablesObjectsAndTypesOfProperties) {
              {"rex.friend.friend:m", "rex.friend.friend:|meals"},
              {"box.", "box.|lid|open"},
              {"box:", "box:|open"},
+             {"azAZ_09.", "azAZ_09.|azAZ_09"},
              {"rex.name.", "rex.name."},
              {"rex.meals.x", "rex.meals."},
              {"no.such.thing", "no.such."},

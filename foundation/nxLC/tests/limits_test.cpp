@@ -71,6 +71,7 @@ TEST_F(Limits, EndScriptsThatAllocate) {
          {"local t = {} for i = 1, 1e9 do t[i] = {i} end", "local s = 'x' while true do s = s .. s end",
           "string.rep('x', 1e8)", "local t = {} for i = 1, 1e9 do t[i] = coroutine.create(function() end) end"}) {
         EXPECT_EQ(run(greedy), "memory budget spent") << greedy;
+        EXPECT_EQ(run("error('not enough memory', 0)"), "not enough memory") << greedy;
         EXPECT_EQ(run("collectgarbage() for i = 1, 100 do local s = string.rep('x', i) end"), "ok") << greedy;
     }
     // Garbage does not count, however much of it there is.
@@ -273,6 +274,7 @@ TEST_F(Sandbox, RefusesAtOnceWhatLibrariesWouldTakeForEver) {
 TEST_F(Sandbox, CountsTheElementsThatLibrariesMove) {
     state->setLimits({.instructions = 2'000'000});
     succeed("long = {} for i = 1, 100000 do long[i] = i end table.remove(long, 1)");
+    succeed("for i = 1, 10 do table.insert(long, 1, i) end");
     EXPECT_EQ(run("for i = 1, 100 do table.insert(long, 1, i) end"), "test:1: instruction budget spent");
 }
 

@@ -110,6 +110,21 @@ TEST_F(Values, HostsReadAndWriteStacks) {
     lua_close(other);
 }
 
+TEST_F(Values, NativeFunctionsGoWithTheLastScriptValue) {
+    struct Counted : Function, farm::Counted<Counted> {
+        using Function::Function;
+        void onCall(Stack const& /*arguments*/, Stack& results) const override { Writer(results).writeInt(5); }
+    };
+    ExposeFunction(database, "farm::tools")
+        .add("five", [this] { return ur::Reference<Function>(ur::make<Counted>(&database, false)); })
+        .add("none", [] { return ur::Reference<Function>(); });
+    state->reflection().publish();
+    succeed("local five = farm.tools.five() assert(five() == 5 and five() == 5 and farm.tools.none() == nil)");
+    EXPECT_EQ(Counted::alive, 1);
+    succeed("collectgarbage()");
+    EXPECT_EQ(Counted::alive, 0);
+}
+
 TEST_F(Values, FunctionsWorkInOtherStates) {
     nxLC::State second(database);
     Stack function;

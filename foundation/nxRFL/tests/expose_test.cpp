@@ -158,6 +158,10 @@ TEST(Resolving, FindsTheClassOfAnObjectAndConvertsPointersOnTheWay) {
     EXPECT_TRUE(hidden.objectClass == ducks && hidden.pointer == static_cast<Duck*>(secret.get()));
     EXPECT_EQ(resolve(static_cast<Animal*>(beast.get())).objectClass, animals);
     EXPECT_THROW(resolve(beast.get()), Exception);
+    ExposeClass<Beast> beasts(database, "Beast");
+    EXPECT_EQ(resolve(static_cast<Animal*>(beast.get())).objectClass, animals);
+    beasts.addBase<Animal>();
+    EXPECT_EQ(resolve(static_cast<Animal*>(beast.get())).objectClass, database.getClass("Beast"));
 }
 
 TEST_F(Exposed, KeepsTheFirstClassAndTheLastMembersOfAName) {

@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 
+#include "foundation/nxRFL/Callback.h"
 #include "foundation/nxRFL/values.h"
 
 namespace {
@@ -64,14 +65,19 @@ void expectSample(Reader& reader) {
 }
 
 TEST(Stack, GivesBackWhatWasWritten) {
-    Stack const stack = written([](Writer& writer) {
+    Stack stack = written([](Writer& writer) {
         writer.writeNull();
         writeSample(writer);
         writer.writeBool(true);
         writer.writeUnsigned(4000000000U);
+        writer.writeUnsigned(0);
+        nxRFL::write(writer, ur::map<CString, int>{{"a", 1}, {"b", 2}});
     });
-    EXPECT_EQ(stack.size(), 4U);
-    Reader reader(stack);
+    EXPECT_EQ(stack.size(), 6U);
+    Stack const moved(std::move(stack));
+    EXPECT_EQ(stack.size(), 0U);
+    EXPECT_EQ(moved.size(), 6U);
+    Reader reader(moved);
     EXPECT_TRUE(reader.isNull());
     reader.readNull();
     EXPECT_EQ(reader.kind(), Kind::dictionary);
@@ -79,7 +85,16 @@ TEST(Stack, GivesBackWhatWasWritten) {
     EXPECT_EQ(reader.kind(), Kind::boolean);
     EXPECT_TRUE(reader.readBool());
     EXPECT_EQ(reader.readUnsigned(), 4000000000U);
+    EXPECT_EQ(reader.readUnsigned(), 0U);
+    EXPECT_EQ(reader.startDictionary(), 2U);
+    EXPECT_EQ(reader.readText(), "a");
+    EXPECT_EQ(reader.readInt(), 1);
+    reader.endDictionary();
     EXPECT_EQ(reader.kind(), Kind::none);
+    stack = moved;
+    stack.clear();
+    EXPECT_TRUE(stack.empty());
+    EXPECT_EQ(Reader(stack).kind(), Kind::none);
 }
 
 TEST(Stack, SkipsWhatIsLeftUnread) {
@@ -199,6 +214,29 @@ TEST(Reader, TakesNullForAnObjectOrAFunctionAndGoesOn) {
     EXPECT_TRUE(reader.readFunction().null());
     EXPECT_EQ(messageOf([&] { reader.readAnyObject(); }), "item 4 must be object, but is number");
     EXPECT_EQ(reader.readInt(), 1);
+}
+
+TEST(Callback, GivesNoResultsOfAFunctionThatFails) {
+    struct Failing : Function {
+        using Function::Function;
+        void onCall(Stack const& arguments, Stack& results) const override {
+            Writer(results).writeInt(1);
+            if (!arguments.empty()) throw Exception("no arguments are taken");
+        }
+    };
+    Database database;
+    std::string reported;
+    database.setErrorHandler([&](Exception const& error) { reported += error.what(); });
+    Callback const callback(ur::make<Failing>(&database, false));
+    Stack results;
+    EXPECT_TRUE(callback.call({}, results));
+    EXPECT_EQ(results.size(), 1U);
+    Stack const one = written([](Writer& writer) { writer.writeInt(1); });
+    results.clear();
+    EXPECT_FALSE(callback.call(one, results));
+    EXPECT_TRUE(results.empty());
+    EXPECT_EQ(reported, "no arguments are taken");
+    EXPECT_FALSE(Callback(nullptr).call(one, results));
 }
 
 TEST(Database, LetsAStackGoWithTheLastThatHoldsItIfItWasGiven) {
@@ -339,6 +377,7 @@ TEST(Stack, IsChargedWithItsCopies) {
     item = {};
     EXPECT_LT(account->native(), 1000U);
     for (int i = 0; i < 2000; ++i) Writer(copy).writeNull();
+    EXPECT_GE(account->native(), 2000 * sizeof(double));
     copy.clear();
     EXPECT_LT(account->native(), 1000U);  // without the storage of 2000 values
 }
@@ -347,6 +386,16 @@ TEST(Stack, ChainsOfStacksThatHoldEachOtherGoInALoop) {
     nxRFL::Database database;
     nxRFL::Class const& stacks = *database.getClass("nxRFL::Stack");
     auto const account = std::make_shared<ur::Account>();
+    {
+        Stack both;  // which go together
+        for (int i = 0; i < 2; ++i) {
+            auto held = std::make_unique<Stack>();
+            held->chargeTo(account);
+            Writer(both).writeObject(nxRFL::Object::give(held.release(), stacks));
+        }
+        EXPECT_EQ(account->native(), 2 * sizeof(Stack));
+    }
+    EXPECT_EQ(account->native(), 0U);
     nxRFL::Object last;
     for (int i = 0; i < 200'000; ++i) {
         auto stack = std::make_unique<Stack>();
