@@ -14,6 +14,7 @@
 #include <stdexcept>
 
 #include "krcache/impl/FileStream.h"
+#include "krcache/impl/checksum.h"
 #include "krcache/tests/TestKeys.h"
 
 namespace urKRCache::test {
@@ -85,6 +86,19 @@ TEST(PageFileStreams, KeepToTheirChunksInPiecesOfAnySizeAndAtAnyOffset) {
         for (FileStream* const stream : {&out, &in}) {
             std::size_t done = 9;
             EXPECT_TRUE(stream->write("x", 1, &done).ok() && done == 0 && stream->error().isError());
+        }
+    }
+}
+
+TEST(Checksum, NoticesEveryByteAndTheLength) {
+    std::string bytes(300, 'x');
+    for (std::size_t size : {1UL, 127UL, 128UL, 129UL, 300UL}) {
+        std::uint64_t const sum = impl::checksum(bytes.data(), size);
+        EXPECT_NE(impl::checksum(bytes.data(), size - 1), sum);
+        for (std::size_t i = 0; i < size; ++i) {
+            bytes[i] ^= 1;
+            EXPECT_NE(impl::checksum(bytes.data(), size), sum) << i << " of " << size;
+            bytes[i] ^= 1;
         }
     }
 }

@@ -88,6 +88,9 @@ TEST(Convert, ReadsNumbers) {
     EXPECT_EQ(readInto(true, written(0.0)), false);
     EXPECT_EQ(readInto(false, written(nan)), true);
     EXPECT_EQ(readInto(nxSupport::BoundedInt(), array({5.9, -0.9, 10})).minValue(), 0);
+    for (auto const& item : {array({nan, 1, 9}), array({5, nan, 9}), array({5, 1, nan})}) {
+        EXPECT_EQ(readInto(nxSupport::BoundedInt(3, 2, 4), item).value(), 3);
+    }
 }
 
 TEST(Convert, KeepsTheLowBitsOfColourChannels) {

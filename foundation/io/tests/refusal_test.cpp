@@ -39,6 +39,40 @@ TEST(Packets, OfUnknownTypesAndValuesThatNobodyAsksForArePassedOver) {
     EXPECT_EQ(reader.log, "<aa>");
 }
 
+TEST(Packets, CutAnywhereGiveWhatIsThereAndEndAtTheCut) {
+    std::string const longest(ioFormat::longestTypeName, 'n');
+    static std::string const& longestName = longest;
+    std::string const whole = written(
+        [](ioWriteContext& context) {
+            context.startPacket(longestName.c_str(), nullptr);
+            context.writeDoubleValue(0.25);
+            context.writeIntValue(100000);
+            context.writeTextValue("text");
+            context.writeTextValue(std::string(300, 'x'));  // what is not read is passed over
+            context.writeBoolValue(true);
+            context.endPacket();
+        },
+        0, [](ioSimplePacketRegistry& types) { types.add(longestName.c_str()); });
+    for (bool const isKnown : {true, false}) {
+        for (std::size_t size = 0; size <= whole.size(); ++size) {
+            Trickle stream(whole.substr(0, size), 1);
+            Reader reader;
+            if (isKnown) {
+                reader.on(longest.c_str(), [&](ioReadContext& context) {
+                    bool isWhole = context.readDoubleValue() == 0.25;
+                    isWhole = context.readIntValue() == 100000 && isWhole;
+                    isWhole = context.readTextValue() == "text" && isWhole;
+                    EXPECT_EQ(isWhole, context.getStatus() == 0) << size;
+                    EXPECT_EQ(isWhole ? 0 : context.readIntValue(), 0);
+                });
+            }
+            bool const isCut = size < whole.size();
+            EXPECT_EQ(reader.read(stream), isCut ? number(ioStatus::truncated) : 0) << size;
+            EXPECT_EQ(reader.position, isCut ? size : 0);
+        }
+    }
+}
+
 TEST(Packets, RefuseWhatMakesNoSense) {
     using namespace std::string_view_literals;
     struct Case {

@@ -144,8 +144,10 @@ TEST_F(History, CoalescesADragIntoOneStepOfTheBytesOfOne) {
     EXPECT_EQ(node->value(), 1);
     manager.redo();
     EXPECT_EQ(node->value(), 50);
+    drag(90, &firstKey);
     manager.clear();
     drag(1, &firstKey);
+    EXPECT_EQ(names(), "Drag |");
     manager.beginCoalescing("Drag", &firstKey);
     NodeReference const made = ur::make<Node>(manager, "made");
     node->setList({made.get(), made.get(), made.get()});

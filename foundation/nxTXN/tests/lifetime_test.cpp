@@ -164,6 +164,8 @@ TEST_F(Lifetime, ForgetsAnObjectThatItsOwnerDestroys) {
     }
     EXPECT_TRUE(manager.undo());
     EXPECT_EQ(root->value(), 0);
+    manager.clear();
+    EXPECT_EQ(manager.historyBytes(), 0U);
 }
 
 TEST_F(Lifetime, TheManagerTakesCyclesApartWhenItGoes) {

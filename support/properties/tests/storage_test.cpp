@@ -97,25 +97,47 @@ TEST_F(Storage, UndoKeepsMembersThatCameUnrecordedAndDropsThoseThatLeftUnrecorde
     EXPECT_TRUE(share(late, p));
 }
 
-TEST_F(Storage, ListsOfMembersStayShortWhateverLeaves) {
-    auto& members = txd(p).data()->members();
-    std::vector<PropertyReference> clones;
-    for (int round = 0; round < 20; ++round) {
-        while (clones.size() < 100) clones.push_back(p->cloneTxd(manager, "clone"));
-        // The first ones leave gaps behind, the others go from the end.
-        for (std::size_t left = 100; left > 1; --left) {
-            clones.erase(left > 20 ? clones.begin() : clones.end() - 1);
-            ASSERT_EQ(members.size(), left);
-            ASSERT_LE(members.slotCount(), 2 * left + 1);
-        }
+/// What a list of members needs to know of one.
+struct Member {
+    ur::Reference<MemberEntry<Member>> const entry_ = ur::make<MemberEntry<Member>>(*this);
+};
+
+TEST(MemberList, KeepsSlotsUntilMoreThanHalfOfThemAreEmpty) {
+    std::vector<Member> all(100);
+    MemberList<Member> list;
+    auto const remove = [&](int from, int to) {
+        for (int i = from; i < to; ++i) list.remove(all[static_cast<std::size_t>(i)]);
+    };
+    for (int round = 0; round < 3; ++round) {
+        for (Member& member : all) list.add(member);
+        remove(0, 20);
+        remove(70, 100);
+        EXPECT_EQ(list.slotCount(), 70U);
+        EXPECT_EQ(list.at(60), &all[60]);
+        remove(20, 35);
+        EXPECT_EQ(list.at(60), &all[60]);
+        remove(35, 36);
+        EXPECT_EQ(list.slotCount(), 34U);
+        EXPECT_EQ(list.at(0), &all[36]);
+        remove(36, 40);
+        EXPECT_EQ(list.at(24), &all[60]);
+        list.beginWalk();
+        remove(40, 69);
+        EXPECT_EQ(list.at(33), &all[69]);
+        list.endWalk();
+        EXPECT_EQ(list.slotCount(), 1U);
+        EXPECT_EQ(list.at(0), &all[69]);
+        EXPECT_TRUE(list.contains(all[69]));
+        round == 1 ? list.clear() : remove(69, 70);
+        EXPECT_EQ(list.slotCount() + list.size(), 0U);
     }
-    EXPECT_TRUE(members.contains(txd(p)));
 }
 
 TEST_F(Storage, PropertiesSurviveTheirManagerAsEmptyShells) {
     auto own = std::make_unique<nxTXN::Manager>();
     auto const shell = Property::createTxd(*own, "shell", number(1));
     auto const u = shell->cloneUnTxd("u");
+    auto const data = txd(shell).data();
     auto const listener = shell->subscribe([&own](auto const&, PropertyModType) { own.reset(); });
     shell->join(Property::createUnTxd("other"));
     EXPECT_TRUE(shell->setValue(number(2)));
@@ -125,6 +147,8 @@ TEST_F(Storage, PropertiesSurviveTheirManagerAsEmptyShells) {
     u->join(nullptr);
     EXPECT_TRUE(u->setValue(number(3)));
     EXPECT_EQ(numberOf(*u), 3);
+    data->setTwin(*dynamic_cast<UnTxdProperty&>(*u).data());
+    EXPECT_FALSE(data->untxdTwin());
 }
 
 TEST_F(Storage, BothSidesAgreeWhateverListenersThrowOrDropDuringUndo) {
