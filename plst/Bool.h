@@ -16,7 +16,7 @@ public:
     void set(bool value) noexcept { value_ = value; }
 
 private:
-    [[nodiscard]] ur::Reference<Item> onClone() const override;
+    [[nodiscard]] ur::Reference<Item> onClone() const override { return ur::make<Bool>(value_); }
 
     bool value_;
 };

@@ -16,7 +16,7 @@ public:
     void set(double value) noexcept { value_ = value; }
 
 private:
-    [[nodiscard]] ur::Reference<Item> onClone() const override;
+    [[nodiscard]] ur::Reference<Item> onClone() const override { return ur::make<Double>(value_); }
 
     double value_;
 };

@@ -13,7 +13,7 @@
 #include "plst/String.h"
 #include "plst/impl/ChildWalk.h"
 #include "plst/impl/ExpansionGuard.h"
-#include "plst/impl/JsonNumberWriter.h"
+#include "plst/impl/json/JsonNumberWriter.h"
 
 namespace nxPLST {
 namespace {

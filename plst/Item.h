@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <typeinfo>
 
 #include "foundation/ur/Export.h"
 #include "foundation/ur/NodeHeap.h"
@@ -44,7 +45,7 @@ protected:
 
 private:
     [[nodiscard]] virtual ur::Reference<Item> onClone() const = 0;
-    [[nodiscard]] virtual bool onCongruent(Item const& other) const;
+    [[nodiscard]] virtual bool onCongruent(Item const& other) const { return typeid(*this) == typeid(other); }
 
     Type const type_;
 };

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <utility>
 
-#include "plst/impl/JsonInspector.h"
-#include "plst/impl/readJson.h"
+#include "plst/impl/json/JsonInspector.h"
+#include "plst/impl/json/readJson.h"
 
 namespace nxPLST {
 

@@ -6,8 +6,8 @@
 #include <functional>
 #include <limits>
 
-#include "plst/impl/FastJsonScan.h"
-#include "plst/impl/YajlScan.h"
+#include "plst/impl/json/FastJsonScan.h"
+#include "plst/impl/json/YajlScan.h"
 
 namespace nxPLST {
 

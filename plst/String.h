@@ -24,7 +24,7 @@ public:
     void set(urString::CString const& value) { value_ = value; }
 
 private:
-    [[nodiscard]] ur::Reference<Item> onClone() const override;
+    [[nodiscard]] ur::Reference<Item> onClone() const override { return ur::make<String>(value_); }
 
     urString::CString value_;
 };

@@ -5,9 +5,9 @@
 
 #include "foundation/urOS/AtomicFile.h"
 #include "foundation/urOS/MemoryIOStream.h"
-#include "plst/impl/JsonTextWriter.h"
-#include "plst/impl/StrictJsonWriter.h"
-#include "plst/impl/readJson.h"
+#include "plst/impl/json/JsonTextWriter.h"
+#include "plst/impl/json/StrictJsonWriter.h"
+#include "plst/impl/json/readJson.h"
 
 namespace nxPLST {
 

@@ -5,7 +5,7 @@
 #include "foundation/ur/tests/TemporaryFolder.h"
 #include "foundation/ur/tests/smallStack.h"
 #include "foundation/urOS/MemoryIOStream.h"
-#include "plst/impl/JsonTextWriter.h"
+#include "plst/impl/json/JsonTextWriter.h"
 #include "plst/json.h"
 #include "plst/tests/plainYajl.h"
 

@@ -3,8 +3,7 @@
 
 #include "foundation/ur/tests/smallStack.h"
 #include "plst/JsonTape.h"
-#include "plst/impl/FastJsonReader.h"
-#include "plst/impl/YajlReader.h"
+#include "plst/impl/json/readJson.h"
 #include "plst/json.h"
 #include "plst/tests/plainYajl.h"
 

@@ -2,7 +2,7 @@
 #include <limits>
 
 #include "foundation/urString/tests/CommaLocale.h"
-#include "plst/impl/JsonNumberWriter.h"
+#include "plst/impl/json/JsonNumberWriter.h"
 #include "plst/json.h"
 #include "plst/tests/plainYajl.h"
 

@@ -1,5 +1,5 @@
 // Strict JSON straight into the text, without the generator whose output it repeats.
-#include "plst/impl/StrictJsonWriter.h"
+#include "plst/impl/json/StrictJsonWriter.h"
 
 #include <cmath>
 #include <cstring>
@@ -7,8 +7,8 @@
 #include "plst/Bool.h"
 #include "plst/Double.h"
 #include "plst/String.h"
-#include "plst/impl/JsonNumberWriter.h"
-#include "plst/impl/textScan.h"
+#include "plst/impl/json/JsonNumberWriter.h"
+#include "plst/impl/json/JsonText.h"
 
 namespace nxPLST::impl {
 namespace {

@@ -1,14 +1,13 @@
 // Passing the tokens of JSON.
-#include "plst/impl/JsonScanner.h"
+#include "plst/impl/json/JsonScanner.h"
 
-#include "plst/impl/JsonNumberReader.h"
+#include "plst/impl/json/JsonNumberReader.h"
+#include "plst/impl/json/JsonText.h"
 
 namespace nxPLST::impl {
 namespace {
 
 bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
 }  // namespace
 
@@ -72,7 +71,7 @@ bool JsonScanner::passEscape() noexcept {
     for (int i = 0; i < 4; ++i) {
         ++at;
         if (atEnd()) return fail("the text ends inside a string");
-        if (!isHexDigit(*at)) return fail("expected four hexadecimal digits");
+        if (hexDigit(*at) < 0) return fail("expected four hexadecimal digits");
     }
     return true;
 }

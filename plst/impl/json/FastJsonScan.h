@@ -5,9 +5,8 @@
 #include <string_view>
 
 #include "foundation/urString/CString.h"
-#include "plst/impl/JsonNumberReader.h"
-#include "plst/impl/JsonText.h"
-#include "plst/impl/textScan.h"
+#include "plst/impl/json/JsonNumberReader.h"
+#include "plst/impl/json/JsonText.h"
 
 namespace nxPLST::impl {
 

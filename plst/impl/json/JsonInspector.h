@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "plst/JsonReport.h"
-#include "plst/impl/JsonScanner.h"
+#include "plst/impl/json/JsonScanner.h"
 
 namespace nxPLST::impl {
 

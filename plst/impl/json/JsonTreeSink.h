@@ -9,10 +9,10 @@
 #include "plst/Dictionary.h"
 #include "plst/Double.h"
 #include "plst/String.h"
-#include "plst/impl/FastJsonScan.h"
 #include "plst/impl/ItemSource.h"
-#include "plst/impl/KeyOrders.h"
 #include "plst/impl/ScratchStack.h"
+#include "plst/impl/json/FastJsonScan.h"
+#include "plst/impl/json/KeyOrders.h"
 
 namespace nxPLST::impl {
 

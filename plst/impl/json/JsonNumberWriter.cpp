@@ -3,7 +3,7 @@
 // A double is m/2^b with whole m. Multiplied by a power of ten so that twelve digits stand before the point, the
 // values that people usually write fit 128 bits; the standard library does the rest. In that range no double lies
 // so close below a power of ten that rounding the twentieth digit would carry into one digit more.
-#include "plst/impl/JsonNumberWriter.h"
+#include "plst/impl/json/JsonNumberWriter.h"
 
 #include <algorithm>
 #include <array>
@@ -13,8 +13,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "plst/impl/decimal.h"
-#include "plst/impl/digits.h"
+#include "plst/impl/json/decimal.h"
 
 namespace nxPLST::impl {
 namespace {

@@ -1,15 +1,27 @@
-// Looking through the bytes of a text, many at a time, for those that cannot stand for themselves in JSON.
+// The text between the quotes of JSON: UTF-8, escapes, and runs of bytes that stand for themselves.
 #pragma once
 
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <string>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
 namespace nxPLST::impl {
+
+/// The length of the UTF-8 sequence that begins at `at`, or 0 when none does. As yajl does, it lets longer forms
+/// than needed pass, and surrogates. Requires: at least one byte before `end`.
+[[nodiscard]] int utf8Length(char const* at, char const* end) noexcept;
+
+/// Appends what the escape sequence at `at` means and gives its end. Null when it is none, or half of a surrogate
+/// pair. Requires: a backslash at `at`.
+char const* readEscape(char const* at, char const* end, std::string& text);
+
+/// The value of a hexadecimal digit; negative for other characters.
+[[nodiscard]] int hexDigit(char c) noexcept;
 
 /// What ends a run of bytes that are copied as they are.
 enum class Stop {

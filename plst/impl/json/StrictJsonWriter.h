@@ -7,7 +7,7 @@
 #include "plst/Array.h"
 #include "plst/Dictionary.h"
 #include "plst/impl/ExpansionGuard.h"
-#include "plst/impl/TextSink.h"
+#include "plst/impl/json/TextSink.h"
 #include "plst/json.h"
 
 namespace nxPLST::impl {

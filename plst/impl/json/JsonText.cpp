@@ -1,5 +1,5 @@
 // UTF-8 and escape sequences in JSON texts.
-#include "plst/impl/JsonText.h"
+#include "plst/impl/json/JsonText.h"
 
 #include <string_view>
 
@@ -22,12 +22,6 @@ void appendUtf8(std::string& text, unsigned code) {
         putSixBits(6);
     }
     putSixBits(0);
-}
-
-int hexDigit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    char const letter = static_cast<char>(c | 0x20);
-    return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
 }
 
 /// The code unit of the escape \uXXXX at `at`; negative when there is none.
@@ -57,6 +51,12 @@ char const* readUnicodeEscape(char const* at, char const* end, std::string& text
 }
 
 }  // namespace
+
+int hexDigit(char c) noexcept {
+    if (c >= '0' && c <= '9') return c - '0';
+    char const letter = static_cast<char>(c | 0x20);
+    return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
+}
 
 int utf8Length(char const* at, char const* end) noexcept {
     auto const lead = static_cast<unsigned char>(*at);

@@ -1,5 +1,5 @@
-// The blocks that yajl has, linked in a ring.
-#include "plst/impl/YajlMemory.h"
+// The memory of yajl: its blocks are linked in a ring.
+#include "plst/impl/json/YajlScan.h"
 
 #include <cstdlib>
 #include <new>

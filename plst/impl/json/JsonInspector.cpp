@@ -1,12 +1,12 @@
 // The grammar of JSON, with comments, for reports.
-#include "plst/impl/JsonInspector.h"
+#include "plst/impl/json/JsonInspector.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <utility>
 
-#include "plst/impl/JsonText.h"
+#include "plst/impl/json/JsonText.h"
 
 namespace nxPLST::impl {
 namespace {

@@ -1,12 +1,12 @@
 // The layout of the readable dump.
-#include "plst/impl/JsonTextWriter.h"
+#include "plst/impl/json/JsonTextWriter.h"
 
 #include <algorithm>
 
 #include "plst/Bool.h"
 #include "plst/Double.h"
 #include "plst/String.h"
-#include "plst/impl/JsonNumberWriter.h"
+#include "plst/impl/json/JsonNumberWriter.h"
 
 namespace nxPLST::impl {
 

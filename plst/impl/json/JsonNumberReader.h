@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "plst/impl/decimal.h"
+#include "plst/impl/json/decimal.h"
 
 namespace nxPLST::impl {
 

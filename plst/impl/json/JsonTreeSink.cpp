@@ -1,5 +1,5 @@
 // Giving containers their children.
-#include "plst/impl/JsonTreeSink.h"
+#include "plst/impl/json/JsonTreeSink.h"
 
 #include <algorithm>
 #include <iterator>

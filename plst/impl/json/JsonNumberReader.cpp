@@ -1,5 +1,5 @@
 // The numbers that need more than the digits of an integer.
-#include "plst/impl/JsonNumberReader.h"
+#include "plst/impl/json/JsonNumberReader.h"
 
 #include <algorithm>
 #include <charconv>
