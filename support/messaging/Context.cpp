@@ -5,9 +5,9 @@
 #include <array>
 #include <utility>
 
+#include "foundation/urOS/FirstError.h"
 #include "support/messaging/Domain.h"
 #include "support/messaging/impl/DomainImpl.h"
-#include "support/messaging/impl/FirstError.h"
 
 namespace nxSupport {
 
@@ -41,7 +41,7 @@ std::array<ModeName, 12> const& modeNames() {
 Context::Context(Domain* domain, Mode mode) : mode_(mode), domain_(domain) { domain->beginContext(*this); }
 
 Context::~Context() noexcept(false) {
-    impl::FirstError errors("nxSupport::Context: while it ended");
+    urOS::FirstError errors("nxSupport::Context: while it ended");
     if (domain_) domain_->impl_->end(*this, errors);
     errors.guard([this] { runPostFunctions(); });
     domain_ = nullptr;

@@ -3,9 +3,9 @@
 
 #include <algorithm>
 
+#include "foundation/urOS/FirstError.h"
 #include "support/messaging/AsyncTask.h"
 #include "support/messaging/impl/DomainImpl.h"
-#include "support/messaging/impl/FirstError.h"
 
 namespace nxSupport {
 
@@ -26,7 +26,7 @@ Domain::Domain(Domain* parent) : impl_(std::make_unique<DomainImpl>(*this, paren
 
 Domain::~Domain() {
     std::erase(domains(), this);
-    impl::FirstError errors("nxSupport::Domain::destroying");
+    urOS::FirstError errors("nxSupport::Domain::destroying");
     errors.guard([this] { destroying.emit(this); });
     errors.print();
 }
@@ -38,7 +38,7 @@ ur::vector<Context::Mode> const& Domain::contextStack() const noexcept { return 
 void Domain::beginContext(Context const& context) { impl_->begin(context); }
 
 void Domain::endContext(Context const& context) {
-    impl::FirstError errors("nxSupport::Domain::endContext");
+    urOS::FirstError errors("nxSupport::Domain::endContext");
     impl_->end(context, errors);
     errors.rethrow();
 }

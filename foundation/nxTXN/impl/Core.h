@@ -131,7 +131,7 @@ private:
     [[nodiscard]] bool pinForeign(Object& object);
     void meet(Core& other);
     void setRestoring(bool restoring) noexcept;
-    void settle(Failures& failures) noexcept;
+    void settle(urOS::FirstError& errors) noexcept;
     [[nodiscard]] Core* borrowed(Lifetimes::Settling stage) const noexcept;
     [[nodiscard]] ur::Reference<SharedName> shared(urString::CString const& name) const;
     void compact();
@@ -162,16 +162,16 @@ private:
     [[nodiscard]] bool overLimit() const noexcept;
 
     bool replay(std::size_t step, Lifetimes::Birth birth);
-    void turn(std::size_t step, Lifetimes::Birth birth, Failures& failures);
-    void turnHooked(Step const& step, Lifetimes::Birth birth, Failures& failures);
-    void turnPlain(Record& record, Failures& failures);
+    void turn(std::size_t step, Lifetimes::Birth birth, urOS::FirstError& errors);
+    void turnHooked(Step const& step, Lifetimes::Birth birth, urOS::FirstError& errors);
+    void turnPlain(Record& record, urOS::FirstError& errors);
     void swap(Record& record, Serializer& pass);
     void visitRestoring(Object& object, Serializer& pass) {
         Restoring const restoring(*this);
         object.onTransact(pass);
     }
     [[nodiscard]] Record* onlyPlainRecord(Step const& step) noexcept;
-    [[noreturn]] void giveUp(std::size_t keptWords, Failures& failures);
+    [[noreturn]] void giveUp(std::size_t keptWords, urOS::FirstError& errors);
     void beginCapture() noexcept;
     void capture(Step const& step);
     void capture(Record& record);
@@ -179,14 +179,14 @@ private:
     void findRoom(Restoration& item);
     [[nodiscard]] Content captured(Restoration const& item) noexcept;
     void exchange() noexcept;
-    bool restoreAll(Failures& failures);
+    bool restoreAll(urOS::FirstError& errors);
     void turnBack(std::size_t restored) noexcept;
-    bool restore(Restoration const& item, Content const& content, Failures& failures);
-    bool restoreHooked(Restoration const& item, Content const& content, Failures& failures);
-    void tellModified(Failures& failures) noexcept;
+    bool restore(Restoration const& item, Content const& content, urOS::FirstError& errors);
+    bool restoreHooked(Restoration const& item, Content const& content, urOS::FirstError& errors);
+    void tellModified(urOS::FirstError& errors) noexcept;
 
-    void collect(Level const& level, Failures& failures) noexcept;
-    void takeBack(Level const& level, Failures& failures) noexcept;
+    void collect(Level const& level, urOS::FirstError& errors) noexcept;
+    void takeBack(Level const& level, urOS::FirstError& errors) noexcept;
 
     Manager& manager_;
     Sizes const sizes_;

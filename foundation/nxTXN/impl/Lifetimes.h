@@ -7,8 +7,8 @@
 
 #include "foundation/nxTXN/RefCountedObject.h"
 #include "foundation/nxTXN/impl/EntryQueue.h"
-#include "foundation/nxTXN/impl/Failures.h"
 #include "foundation/nxTXN/impl/Roster.h"
+#include "foundation/urOS/FirstError.h"
 
 namespace nxTXN::impl {
 
@@ -75,12 +75,12 @@ public:
     enum class Settling : std::uint8_t { none, begun, telling, told };
     [[nodiscard]] Settling settling() const noexcept { return settling_; }
     void beginSettling() noexcept;
-    void tellChanges(Failures& failures) noexcept;
+    void tellChanges(urOS::FirstError& errors) noexcept;
     void endSettling() noexcept;
-    void settle(Failures& failures) noexcept {
+    void settle(urOS::FirstError& errors) noexcept {
         if (changed_.empty()) return;
         beginSettling();
-        tellChanges(failures);
+        tellChanges(errors);
         endSettling();
     }
 

@@ -41,43 +41,43 @@ private:
 
 bool Core::replay(std::size_t step, Lifetimes::Birth birth) {
     if (!ready()) return false;
-    Failures failures;
+    urOS::FirstError errors;
     {
         Lifetimes::Deferral const deferral(lifetimes_);
         Busy const busy(*this);
-        turn(step, birth, failures);
+        turn(step, birth, errors);
     }
     sealed_ = true;
     enforceLimits();
     changed_.emit();
-    if (failures.any()) throw HookError(failures.first(), HookError::Outcome::completed);
+    if (errors.get()) throw HookError(errors.get(), HookError::Outcome::completed);
     return true;
 }
 
-void Core::turn(std::size_t step, Lifetimes::Birth birth, Failures& failures) {
+void Core::turn(std::size_t step, Lifetimes::Birth birth, urOS::FirstError& errors) {
     if (Record* const only = onlyPlainRecord(steps_[step])) {
-        turnPlain(*only, failures);
+        turnPlain(*only, errors);
     } else {
-        turnHooked(steps_[step], birth, failures);
+        turnHooked(steps_[step], birth, errors);
     }
     present_ = birth == Lifetimes::Birth::undone ? step : step + 1;
     lifetimes_.setBirths(steps_[step].birthsBegin, steps_[step].birthsEnd, birth);
-    settle(failures);
-    tellModified(failures);
+    settle(errors);
+    tellModified(errors);
     exchange();
 }
 
 // What can fail for want of memory comes first. From the first restored field on the step either gets through,
 // whatever hooks throw, or is turned back because a field could not be read.
-void Core::turnHooked(Step const& step, Lifetimes::Birth birth, Failures& failures) {
+void Core::turnHooked(Step const& step, Lifetimes::Birth birth, urOS::FirstError& errors) {
     beginCapture();
-    if (!failures.run([&] { capture(step); })) giveUp(0, failures);
+    if (!errors.guard([&] { capture(step); })) giveUp(0, errors);
     if (birth == Lifetimes::Birth::undone) std::reverse(work_.begin(), work_.end());
-    if (!restoreAll(failures)) giveUp(writer_.words().size(), failures);
+    if (!restoreAll(errors)) giveUp(writer_.words().size(), errors);
 }
 
 // The usual step: one object without a hook, so that no other code runs between saving a field and putting it back.
-void Core::turnPlain(Record& record, Failures& failures) {
+void Core::turnPlain(Record& record, urOS::FirstError& errors) {
     beginCapture();
     std::size_t kept = 0;
     SwappingPass pass(writer_, record.content().reader(), [this, &kept] {
@@ -85,13 +85,13 @@ void Core::turnPlain(Record& record, Failures& failures) {
         if (words > kept) records_.keep(writer_.mutableWords().subspan(kept));
         kept = words;
     });
-    if (!failures.run([&] { swap(record, pass); })) {
+    if (!errors.guard([&] { swap(record, pass); })) {
         RestoringPass back(Reader(writer_), pass.saved());
-        Failures ignored;
-        ignored.run([&] { visitRestoring(*record.subject, back); });
-        giveUp(kept, failures);
+        urOS::FirstError ignored;
+        ignored.guard([&] { visitRestoring(*record.subject, back); });
+        giveUp(kept, errors);
     }
-    failures.run([&] { record.subject->onTxnRestored(); });
+    errors.guard([&] { record.subject->onTxnRestored(); });
 }
 
 void Core::swap(Record& record, Serializer& pass) {
@@ -106,11 +106,11 @@ Record* Core::onlyPlainRecord(Step const& step) noexcept {
     return only->subject && !only->hooked ? only : nullptr;
 }
 
-void Core::giveUp(std::size_t keptWords, Failures& failures) {
-    settle(failures);
+void Core::giveUp(std::size_t keptWords, urOS::FirstError& errors) {
+    settle(errors);
     RecordStore::release(writer_.mutableWords().first(keptWords));
     writer_.clear();
-    throw HookError(failures.first(), HookError::Outcome::unchanged);
+    throw HookError(errors.get(), HookError::Outcome::unchanged);
 }
 
 void Core::beginCapture() noexcept {
@@ -162,9 +162,9 @@ void Core::exchange() noexcept {
 }
 
 // False when a field could not be read: then all is back as it was.
-bool Core::restoreAll(Failures& failures) {
+bool Core::restoreAll(urOS::FirstError& errors) {
     for (Restoration const& item : work_) {
-        if (restore(item, item.record->content(), failures)) continue;
+        if (restore(item, item.record->content(), errors)) continue;
         turnBack(static_cast<std::size_t>(&item - work_.data()) + 1);
         return false;
     }
@@ -172,73 +172,73 @@ bool Core::restoreAll(Failures& failures) {
 }
 
 void Core::turnBack(std::size_t restored) noexcept {
-    Failures ignored;
+    urOS::FirstError ignored;
     while (restored-- > 0) restore(work_[restored], captured(work_[restored]), ignored);
 }
 
 // The record may lose its subject while a hook runs.
-bool Core::restore(Restoration const& item, Content const& content, Failures& failures) {
+bool Core::restore(Restoration const& item, Content const& content, urOS::FirstError& errors) {
     Record const& record = *item.record;
     if (!record.subject) return true;
     if (item.hook) {
-        if (!restoreHooked(item, content, failures)) return false;
-    } else if (!failures.run([&] { putBack(*record.subject, content); })) {
+        if (!restoreHooked(item, content, errors)) return false;
+    } else if (!errors.guard([&] { putBack(*record.subject, content); })) {
         return false;
     }
-    if (record.subject) failures.run([&] { record.subject->onTxnRestored(); });
+    if (record.subject) errors.guard([&] { record.subject->onTxnRestored(); });
     return true;
 }
 
-bool Core::restoreHooked(Restoration const& item, Content const& content, Failures& failures) {
+bool Core::restoreHooked(Restoration const& item, Content const& content, urOS::FirstError& errors) {
     Record const& record = *item.record;
     ContentRestorer restorer(*this, record.subject, content);
-    failures.run([&] { item.hook(record.subject, restorer); });
-    failures.run([&] { restorer.restore(record.subject); });
-    if (restorer.failure()) failures.add(restorer.failure());  // the hook may have kept it to itself
+    errors.guard([&] { item.hook(record.subject, restorer); });
+    errors.guard([&] { restorer.restore(record.subject); });
+    if (restorer.failure()) errors.add(restorer.failure());  // the hook may have kept it to itself
     return !restorer.failure();
 }
 
-void Core::tellModified(Failures& failures) noexcept {
+void Core::tellModified(urOS::FirstError& errors) noexcept {
     for (Restoration const& item : work_) {
         Object* const subject = item.record->subject;
-        if (subject && lifetimes_.entryOf(*subject).exists()) failures.run([subject] { subject->onTxnModified(); });
+        if (subject && lifetimes_.entryOf(*subject).exists()) errors.guard([subject] { subject->onTxnModified(); });
     }
 }
 
 bool Core::abort() {
     if (!mayEnd()) return false;
-    Failures failures;
+    urOS::FirstError errors;
     {
         Busy const busy(*this);  // also while what the abort leaves behind is taken down
         Lifetimes::Deferral const deferral(lifetimes_);
         Level const level = std::move(levels_.back());
         levels_.pop_back();
-        if (level.keeps) takeBack(level, failures);
+        if (level.keeps) takeBack(level, errors);
     }
-    if (failures.any()) throw HookError(failures.first(), HookError::Outcome::completed);
+    if (errors.get()) throw HookError(errors.get(), HookError::Outcome::completed);
     return true;
 }
 
 // The room for this was made when the records were.
-void Core::collect(Level const& level, Failures& failures) noexcept {
+void Core::collect(Level const& level, urOS::FirstError& errors) noexcept {
     work_.clear();
     records_.visit(level.begin, level.records, [&](Record& record) {
         HookPass pass;
-        if (record.subject && record.hooked) failures.run([&] { record.subject->onTransact(pass); });
+        if (record.subject && record.hooked) errors.guard([&] { record.subject->onTransact(pass); });
         work_.push_back({&record, pass.restoreHook(), 0, 0, 0, 0, nullptr});
     });
     std::reverse(work_.begin(), work_.end());
 }
 
 // Goes on whatever fails: an abort must end with as much restored as can be.
-void Core::takeBack(Level const& level, Failures& failures) noexcept {
-    collect(level, failures);
-    for (Restoration const& item : work_) restore(item, item.record->content(), failures);
+void Core::takeBack(Level const& level, urOS::FirstError& errors) noexcept {
+    collect(level, errors);
+    for (Restoration const& item : work_) restore(item, item.record->content(), errors);
     std::uint32_t const birthsEnd = lifetimes_.roster().size();
     lifetimes_.setBirths(level.birthsBegin, birthsEnd, Lifetimes::Birth::undone);
-    settle(failures);
+    settle(errors);
     restoreStamps(level);
-    tellModified(failures);
+    tellModified(errors);
     lifetimes_.abandonUnborn(level.birthsBegin, birthsEnd);
     records_.pop(level.begin, level.records);
 }

@@ -59,11 +59,11 @@ void Lifetimes::beginSettling() noexcept {
 }
 
 // Nothing is noted while hooks run, since nothing is restored then.
-void Lifetimes::tellChanges(Failures& failures) noexcept {
+void Lifetimes::tellChanges(urOS::FirstError& errors) noexcept {
     settling_ = Settling::telling;
-    changed_.forEach([this, &failures](Object& object) {
+    changed_.forEach([this, &errors](Object& object) {
         Entry const& entry = entryOf(object);
-        if (entry.exists() != entry.existed) failures.run([&object] { object.onTxnExtant(); });
+        if (entry.exists() != entry.existed) errors.guard([&object] { object.onTxnExtant(); });
     });
     settling_ = Settling::told;
 }
@@ -88,8 +88,8 @@ void Lifetimes::abandonSettling() noexcept {
 
 // Records of several managers may name the objects of one: all of them are settled together, with no history of theirs
 // moving meanwhile. A hook may take a manager away.
-void Core::settle(Failures& failures) noexcept {
-    if (acquaintances_.empty()) return lifetimes_.settle(failures);
+void Core::settle(urOS::FirstError& errors) noexcept {
+    if (acquaintances_.empty()) return lifetimes_.settle(errors);
     lifetimes_.beginSettling();
     for (Core* other : acquaintances_) {
         if (other->busy_ || !other->lifetimes_.busy()) continue;
@@ -97,8 +97,8 @@ void Core::settle(Failures& failures) noexcept {
         other->settledBy_ = this;
         other->lifetimes_.beginSettling();
     }
-    lifetimes_.tellChanges(failures);
-    while (Core* other = borrowed(Lifetimes::Settling::begun)) other->lifetimes_.tellChanges(failures);
+    lifetimes_.tellChanges(errors);
+    while (Core* other = borrowed(Lifetimes::Settling::begun)) other->lifetimes_.tellChanges(errors);
     lifetimes_.endSettling();
     while (Core* other = borrowed(Lifetimes::Settling::told)) {
         other->lifetimes_.endSettling();

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <iterator>
 
+#include "foundation/urOS/FirstError.h"
 #include "support/messaging/ContextObserver.h"
 #include "support/messaging/Domain.h"
-#include "support/messaging/impl/FirstError.h"
 #include "support/messaging/impl/misuse.h"
 
 namespace nxSupport {
@@ -44,7 +44,7 @@ void DomainImpl::begin(Context const& context) {
         if (callsHooks(context)) domain.onBeginContext(context);
     } catch (...) {
         if (context.domain()) {
-            impl::FirstError errors("nxSupport::Context: while it failed to begin");
+            urOS::FirstError errors("nxSupport::Context: while it failed to begin");
             if (!hasMode(context) || leaveMode(context, errors)) leave(context, errors);
             errors.print();
         }
@@ -52,7 +52,7 @@ void DomainImpl::begin(Context const& context) {
     }
 }
 
-void DomainImpl::end(Context const& context, impl::FirstError& errors) noexcept {
+void DomainImpl::end(Context const& context, urOS::FirstError& errors) noexcept {
     if (hasMode(context)) {
         if (callsHooks(context)) {
             errors.guard([&] { domain.onEndContext(context); });
@@ -87,7 +87,7 @@ bool DomainImpl::createCallInfo(Context const& context) {
     return context.domain() != nullptr;
 }
 
-bool DomainImpl::dropCallInfo(Context const& context, impl::FirstError& errors) noexcept {
+bool DomainImpl::dropCallInfo(Context const& context, urOS::FirstError& errors) noexcept {
     auto const ending = callInfo;
     if (callsHooks(context)) errors.guard([&] { domain.onCallInfoDestroyed(ending.get()); });
     if (!context.domain()) return false;
@@ -95,13 +95,13 @@ bool DomainImpl::dropCallInfo(Context const& context, impl::FirstError& errors) 
     return true;
 }
 
-bool DomainImpl::leaveMode(Context const& context, impl::FirstError& errors) noexcept {
+bool DomainImpl::leaveMode(Context const& context, urOS::FirstError& errors) noexcept {
     if (callInfoDepth == modeStack.size() && !dropCallInfo(context, errors)) return false;
     popMode(context);
     return true;
 }
 
-void DomainImpl::leave(Context const& context, impl::FirstError& errors) noexcept {
+void DomainImpl::leave(Context const& context, urOS::FirstError& errors) noexcept {
     if (observer && context.begun_ != Clock::time_point()) {
         Clock::time_point const now = Clock::now();
         errors.guard([&] { observer->onEnd(context, now, now - context.begun_); });

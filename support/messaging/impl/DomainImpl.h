@@ -7,6 +7,7 @@
 
 #include "foundation/ur/ImplBase.h"
 #include "foundation/ur/containers.h"
+#include "foundation/urOS/FirstError.h"
 #include "support/messaging/CallInfo.h"
 #include "support/messaging/Context.h"
 
@@ -14,9 +15,6 @@ namespace nxSupport {
 
 class AsyncTask;
 class ContextObserver;
-namespace impl {
-class FirstError;
-}
 
 /// Begins and ends the contexts of a domain, and keeps their modes and call information.
 ///
@@ -31,7 +29,7 @@ struct DomainImpl final : ur::ImplBase {
 
     /// If it throws, the context has not begun.
     void begin(Context const& context);
-    void end(Context const& context, impl::FirstError& errors) noexcept;
+    void end(Context const& context, urOS::FirstError& errors) noexcept;
     void suppressCallInfo();
     void restoreCallInfo() noexcept;
 
@@ -52,9 +50,9 @@ private:
     // Steps of the two. Results are false when the domain is gone.
     [[nodiscard]] bool reportBegin(Context const& context);
     [[nodiscard]] bool createCallInfo(Context const& context);
-    [[nodiscard]] bool dropCallInfo(Context const& context, impl::FirstError& errors) noexcept;
-    [[nodiscard]] bool leaveMode(Context const& context, impl::FirstError& errors) noexcept;
-    void leave(Context const& context, impl::FirstError& errors) noexcept;
+    [[nodiscard]] bool dropCallInfo(Context const& context, urOS::FirstError& errors) noexcept;
+    [[nodiscard]] bool leaveMode(Context const& context, urOS::FirstError& errors) noexcept;
+    void leave(Context const& context, urOS::FirstError& errors) noexcept;
 
     void push(Context const& context);
     void popMode(Context const& context) noexcept;
