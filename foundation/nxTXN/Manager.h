@@ -13,7 +13,7 @@ namespace nxTXN {
 class Object;
 
 namespace impl {
-class Core;
+class History;
 struct Sizes;
 }  // namespace impl
 
@@ -90,7 +90,7 @@ public:
 private:
     friend class Object;
 
-    std::unique_ptr<impl::Core> core_;
+    std::unique_ptr<impl::History> history_;
 };
 
 }  // namespace nxTXN

@@ -12,7 +12,8 @@ class Manager;
 class Serializer;
 
 namespace impl {
-class Core;
+class History;
+class Replay;
 class Lifetimes;
 }  // namespace impl
 
@@ -71,14 +72,15 @@ protected:
     explicit Object(Manager& manager);
 
 private:
-    friend class impl::Core;
+    friend class impl::History;
+    friend class impl::Replay;
     friend class impl::Lifetimes;
     friend class RefCountedObject;
     enum class Counting : std::uint8_t { none, references, referencesOfValue };
 
     Object(Manager& manager, Counting counting);
 
-    impl::Core* core_;         // null once the manager has gone
+    impl::History* history_;   // null once the manager has gone
     std::uint32_t index_ = 0;  // the object's place among those of its manager; after that, the records that need it
 };
 

@@ -37,7 +37,8 @@ public:
     [[nodiscard]] std::uint32_t referenceCount() const noexcept { return references_; }
 
 private:
-    friend class impl::Core;
+    friend class impl::History;
+    friend class impl::Replay;
     friend class impl::Lifetimes;
 
     void lastReferenceGone() const noexcept;

@@ -25,7 +25,8 @@ concept Counted = requires(T const& object) {
 
 namespace impl {
 
-class Core;
+class History;
+class Replay;
 
 /// How to hold an object that counts its holders, and how to let go of it.
 struct Holding {
@@ -78,7 +79,8 @@ public:
     [[nodiscard]] std::span<std::uintptr_t const> words() const noexcept { return {words_.items.get(), words_.size}; }
 
 private:
-    friend class impl::Core;
+    friend class impl::History;
+    friend class impl::Replay;
 
     template <class T>
     struct Buffer {

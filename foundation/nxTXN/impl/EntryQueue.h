@@ -3,28 +3,28 @@
 
 #include <cstdint>
 
-#include "foundation/nxTXN/impl/Roster.h"
+#include "foundation/nxTXN/impl/ObjectTable.h"
 
 namespace nxTXN::impl {
 
 /// Objects of one manager in the order in which they were pushed; those that have gone since are passed over.
 ///
 /// Pushing takes no memory and cannot fail, as it must be where destructors run. Each object is in the queue once at
-/// most. Requires: the roster is not compacted while the queue holds anything.
+/// most. Requires: the table is not compacted while the queue holds anything.
 template <std::uint32_t Entry::*next>
 class EntryQueue {
 public:
-    explicit EntryQueue(Roster& roster) noexcept : roster_(roster) {}
+    explicit EntryQueue(ObjectTable& objects) noexcept : objects_(objects) {}
 
     [[nodiscard]] bool empty() const noexcept { return first_ == Entry::none; }
     void push(std::uint32_t index) noexcept {
-        roster_[index].*next = Entry::none;
-        (empty() ? first_ : roster_[last_].*next) = index;
+        objects_[index].*next = Entry::none;
+        (empty() ? first_ : objects_[last_].*next) = index;
         last_ = index;
     }
     /// Null when the first object has gone.
     [[nodiscard]] Object* pop() noexcept {
-        Entry const& entry = roster_[first_];
+        Entry const& entry = objects_[first_];
         first_ = entry.*next;
         return entry.object;
     }
@@ -33,13 +33,13 @@ public:
     /// Calls `visit(Object&)` for each. Objects may come and go meanwhile, but none be pushed.
     template <class Visit>
     void forEach(Visit visit) const {
-        for (std::uint32_t i = first_; i != Entry::none; i = roster_[i].*next) {
-            if (Object* const object = roster_[i].object) visit(*object);
+        for (std::uint32_t i = first_; i != Entry::none; i = objects_[i].*next) {
+            if (Object* const object = objects_[i].object) visit(*object);
         }
     }
 
 private:
-    Roster& roster_;
+    ObjectTable& objects_;
     std::uint32_t first_ = Entry::none;
     std::uint32_t last_ = Entry::none;
 };

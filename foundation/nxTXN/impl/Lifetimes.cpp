@@ -5,7 +5,7 @@
 #include <limits>
 #include <utility>
 
-#include "foundation/nxTXN/impl/Core.h"
+#include "foundation/nxTXN/impl/History.h"
 #include "foundation/nxTXN/impl/passes.h"
 #include "foundation/urOS/reportException.h"
 
@@ -35,25 +35,25 @@ std::uint32_t Lifetimes::enter(Object& object, bool counted, bool born) {
     entry.object = &object;
     entry.counted = counted;
     entry.born = born;
-    return roster_.add(entry);
+    return objects_.add(entry);
 }
 
 void Lifetimes::leave(Object& object) noexcept {
-    if (entryOf(object).pins > 0) Core::forgetEverywhere(object);
+    if (entryOf(object).pins > 0) History::forgetEverywhere(object);
     Entry const& entry = entryOf(object);
     if (entry.dead) bytes_ -= entry.stamp;
-    roster_.remove(object.index_);
-    object.core_ = nullptr;
+    objects_.remove(object.index_);
+    object.history_ = nullptr;
     object.index_ = entry.counted ? 0 : uncounted;
 }
 
 void Lifetimes::compact(std::span<std::uint32_t* const> bounds) {
-    roster_.compact(bounds, [](Object& object, std::uint32_t index) { object.index_ = index; });
+    objects_.compact(bounds, [](Object& object, std::uint32_t index) { object.index_ = index; });
 }
 
 bool Lifetimes::pin(Object& object) noexcept {
-    if (object.core_) {
-        object.core_->lifetimes().addPin(object);
+    if (object.history_) {
+        object.history_->lifetimes().addPin(object);
     } else if (object.index_ != uncounted) {
         ++object.index_;
     } else {
@@ -63,11 +63,11 @@ bool Lifetimes::pin(Object& object) noexcept {
 }
 
 void Lifetimes::unpin(Object& object) noexcept {
-    if (!object.core_) {
+    if (!object.history_) {
         --object.index_;
         return removeOrphan(static_cast<RefCountedObject&>(object));
     }
-    Lifetimes& lifetimes = object.core_->lifetimes();
+    Lifetimes& lifetimes = object.history_->lifetimes();
     Entry& entry = lifetimes.entryOf(object);
     if (entry.pins != lifetimes.mostPins_) --entry.pins;
     if (entry.pins > 0 || !entry.dead) return;
@@ -96,22 +96,22 @@ void Lifetimes::wait(RefCountedObject& object) noexcept {
     entry.queued = true;
     if (deferrals_ > 0) return waiting_.push(object.index_);
     Deferral const deferral(*this);
-    takeDown(object);
+    retire(object);
 }
 
-void Lifetimes::takeDownWaiting() noexcept {
+void Lifetimes::retireWaiting() noexcept {
     while (!waiting_.empty()) {
-        if (Object* const object = waiting_.pop()) takeDown(static_cast<RefCountedObject&>(*object));
+        if (Object* const object = waiting_.pop()) retire(static_cast<RefCountedObject&>(*object));
     }
 }
 
 // Entries may move while hooks run, which may make new objects: none is held across one.
-void Lifetimes::takeDown(RefCountedObject& object) noexcept {
+void Lifetimes::retire(RefCountedObject& object) noexcept {
     if (object.references_ == 0 && entryOf(object).exists()) cease(object);
     if (object.references_ == 0) {
         if (entryOf(object).unborn) droppedUnborn_ = true;
         die(entryOf(object));
-        if (!needed(object)) tellDestroyed(object);
+        if (!needed(object)) notifyDestroyed(object);
         if (!needed(object)) clearFields(object);
         if (!needed(object)) return remove(object);
         measure(object);
@@ -120,14 +120,14 @@ void Lifetimes::takeDown(RefCountedObject& object) noexcept {
 }
 
 void Lifetimes::cease(RefCountedObject& object) noexcept {
-    tellDestroyed(object);
+    notifyDestroyed(object);
     die(entryOf(object));
     runReporting("onTxnExtant", [&] { object.onTxnExtant(); });
 }
 
-void Lifetimes::tellDestroyed(RefCountedObject& object) noexcept {
-    if (entryOf(object).told) return;
-    entryOf(object).told = true;
+void Lifetimes::notifyDestroyed(RefCountedObject& object) noexcept {
+    if (entryOf(object).notified) return;
+    entryOf(object).notified = true;
     runReporting("onTxnDestroyed", [&] { object.onTxnDestroyed(); });
 }
 
@@ -166,14 +166,14 @@ void Lifetimes::die(Entry& entry) noexcept {
 void Lifetimes::revive(Entry& entry) noexcept {
     bytes_ -= entry.stamp;
     entry.dead = false;
-    entry.told = false;
+    entry.notified = false;
     entry.stamp = 0;
 }
 
 void Lifetimes::abandonUnborn(std::uint32_t begin, std::uint32_t end) noexcept {
     Deferral const deferral(*this);
     for (std::uint32_t i = begin; i < end; ++i) {
-        Entry& entry = roster_[i];
+        Entry& entry = objects_[i];
         if (!entry.object || !entry.unborn) continue;
         entry.born = false;  // no step around this one may do its making again
         if (!entry.counted) continue;
@@ -184,12 +184,100 @@ void Lifetimes::abandonUnborn(std::uint32_t begin, std::uint32_t end) noexcept {
     }
 }
 
-// Everything is told first, while all of it is still in place; then references between objects go, and with them
+void Lifetimes::note(Object& object) noexcept {
+    Entry& entry = entryOf(object);
+    if (entry.queued) return;
+    entry.queued = true;
+    entry.existed = entry.exists();
+    changed_.push(object.index_);
+}
+
+void Lifetimes::returned(Object& object) noexcept {
+    if (!object.history_) return;
+    Lifetimes& lifetimes = object.history_->lifetimes();
+    Entry& entry = lifetimes.entryOf(object);
+    if (!entry.dead || !lifetimes.restoring_) return;
+    // The owner of a field that does not count as a reference is notified as well when the object goes.
+    entry.notified = false;
+    lifetimes.note(object);
+}
+
+void Lifetimes::setBirths(std::uint32_t begin, std::uint32_t end, Birth birth) noexcept {
+    for (std::uint32_t i = begin; i < end; ++i) {
+        Entry& entry = objects_[i];
+        if (!entry.object || !entry.born) continue;
+        note(*entry.object);
+        entry.unborn = birth == Birth::undone;
+    }
+}
+
+void Lifetimes::forgetBirths(std::uint32_t begin) noexcept {
+    for (std::uint32_t i = begin; i < objects_.size(); ++i) objects_[i].born = false;
+}
+
+Lifetimes::Made Lifetimes::made(std::uint32_t begin) noexcept {
+    Made made = Made::nothing;
+    for (std::uint32_t i = begin; i < objects_.size(); ++i) {
+        if (!objects_[i].born) continue;
+        if (objects_[i].extant()) return Made::lasting;
+        made = Made::passing;
+    }
+    return made;
+}
+
+void Lifetimes::beginSettling() noexcept {
+    ++deferrals_;
+    settling_ = Settling::begun;
+    changed_.forEach([this](Object& object) {
+        Entry& entry = entryOf(object);
+        if (entry.dead && static_cast<RefCountedObject&>(object).references_ > 0) revive(entry);
+        entry.queued = false;  // what the hooks bring about may queue it again
+        addPin(object);
+    });
+}
+
+// Nothing is noted while hooks run, since nothing is restored then.
+void Lifetimes::notifyChanges(urOS::FirstError& errors) noexcept {
+    settling_ = Settling::notifying;
+    changed_.forEach([this, &errors](Object& object) {
+        Entry const& entry = entryOf(object);
+        if (entry.exists() != entry.existed) errors.guard([&object] { object.onTxnExtant(); });
+    });
+    settling_ = Settling::notified;
+}
+
+void Lifetimes::endSettling() noexcept {
+    {
+        Deferral const deferral(*this);
+        --deferrals_;
+        changed_.forEach([this](Object& object) { keepOrDrop(object); });
+        changed_.clear();
+        settling_ = Settling::none;
+    }
+}
+
+// The manager goes while another one has touched its objects.
+void Lifetimes::abandonSettling() noexcept {
+    changed_.forEach([this](Object& object) { entryOf(object).queued = false; });
+    changed_.clear();
+    settling_ = Settling::none;
+    deferrals_ = 0;
+}
+
+void Lifetimes::keepOrDrop(Object& object) noexcept {
+    unpin(object);
+    Entry const& entry = entryOf(object);
+    if (!entry.dead || entry.pins == 0) return;
+    auto const& counted = static_cast<RefCountedObject const&>(object);
+    if (counted.references_ == 0) measure(counted);
+}
+
+// All objects are notified first, while everything is still in place; then references between objects go, and with them
 // what only those kept.
 void Lifetimes::close() noexcept {
     abandonSettling();
     closing_ = true;
-    forEachOwned([this](RefCountedObject& object) { tellDestroyed(object); });
+    forEachOwned([this](RefCountedObject& object) { notifyDestroyed(object); });
     forEachOwned([this](RefCountedObject& object) {
         die(entryOf(object));
         clearFields(object);
@@ -198,20 +286,20 @@ void Lifetimes::close() noexcept {
     {
         Deferral const deferral(*this);
         forEachOwned([this](RefCountedObject& object) {
-            if (entryOf(object).pins > 0) Core::forgetEverywhere(object);  // records of other managers
+            if (entryOf(object).pins > 0) History::forgetEverywhere(object);  // records of other managers
             entryOf(object).pins = 0;
             if (object.references_ == 0) wait(object);
         });
     }
-    for (std::uint32_t i = 0; i < roster_.size(); ++i) {
-        if (roster_[i].object) leave(*roster_[i].object);
+    for (std::uint32_t i = 0; i < objects_.size(); ++i) {
+        if (objects_[i].object) leave(*objects_[i].object);
     }
 }
 
 template <class Visit>
 void Lifetimes::forEachOwned(Visit visit) noexcept {
-    for (std::uint32_t i = 0; i < roster_.size(); ++i) {
-        if (roster_[i].object && roster_[i].counted) visit(static_cast<RefCountedObject&>(*roster_[i].object));
+    for (std::uint32_t i = 0; i < objects_.size(); ++i) {
+        if (objects_[i].object && objects_[i].counted) visit(static_cast<RefCountedObject&>(*objects_[i].object));
     }
 }
 

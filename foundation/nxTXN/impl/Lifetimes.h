@@ -7,7 +7,7 @@
 
 #include "foundation/nxTXN/RefCountedObject.h"
 #include "foundation/nxTXN/impl/EntryQueue.h"
-#include "foundation/nxTXN/impl/Roster.h"
+#include "foundation/nxTXN/impl/ObjectTable.h"
 #include "foundation/urOS/FirstError.h"
 
 namespace nxTXN::impl {
@@ -15,9 +15,9 @@ namespace nxTXN::impl {
 /// Follows the objects of one manager from their making to their deletion.
 ///
 /// An object is *dead* when its last reference has gone and *unborn* when its making is undone; it exists when it is
-/// neither. A dead object is deleted when no record pins it. Objects are taken down one at a time: what loses its
+/// neither. A dead object is deleted when no record pins it. Objects are retired one at a time: what loses its
 /// last reference meanwhile waits for its turn, so that long chains need no stack. All of this works without memory:
-/// it also happens where there is nobody to tell that there is none.
+/// it also happens where a lack of memory could not be reported.
 class Lifetimes {
 public:
     explicit Lifetimes(std::uint32_t mostPins) noexcept : mostPins_(mostPins) {}
@@ -27,13 +27,13 @@ public:
     std::uint32_t enter(Object& object, bool counted, bool born);
     /// The object is being destroyed.
     void leave(Object& object) noexcept;
-    [[nodiscard]] Entry& entryOf(Object const& object) noexcept { return roster_[object.index_]; }
-    [[nodiscard]] Roster& roster() noexcept { return roster_; }
+    [[nodiscard]] Entry& entryOf(Object const& object) noexcept { return objects_[object.index_]; }
+    [[nodiscard]] ObjectTable& objects() noexcept { return objects_; }
     /// Requires: not busy.
     void compact(std::span<std::uint32_t* const> bounds);
 
     /// A record needs the object, or needs it no longer. An object whose manager has gone counts for itself; false for
-    /// one that then nobody can be told of when it goes.
+    /// one that could go then without any record being notified.
     [[nodiscard]] static bool pin(Object& object) noexcept;
     /// The same for an object of this manager.
     void addPin(Object const& object) noexcept {
@@ -46,14 +46,14 @@ public:
     /// Deletes an object whose manager has gone unless something needs it.
     static void removeOrphan(RefCountedObject& object) noexcept;
 
-    /// While one lives, objects are not taken down; the end of the outermost one makes up for it.
+    /// While one lives, objects are not retired; the end of the outermost one makes up for it.
     class Deferral {
     public:
         explicit Deferral(Lifetimes& lifetimes) noexcept : lifetimes_(lifetimes) { ++lifetimes_.deferrals_; }
         Deferral(Deferral const&) = delete;
         Deferral& operator=(Deferral const&) = delete;
         ~Deferral() {
-            if (lifetimes_.deferrals_ == 1 && !lifetimes_.waiting_.empty()) lifetimes_.takeDownWaiting();
+            if (lifetimes_.deferrals_ == 1 && !lifetimes_.waiting_.empty()) lifetimes_.retireWaiting();
             --lifetimes_.deferrals_;
         }
 
@@ -70,17 +70,17 @@ public:
     static void returned(Object& object) noexcept;
     /// Does or undoes the making of the objects from `begin` to `end`.
     void setBirths(std::uint32_t begin, std::uint32_t end, Birth birth) noexcept;
-    /// Settling decides which of the objects touched since the last time exist, and tells those for which it changed.
-    /// Objects are not taken down meanwhile.
-    enum class Settling : std::uint8_t { none, begun, telling, told };
+    /// Settling decides which of the objects touched since the last time exist, and notifies those for which that
+    /// changed. Objects are not retired meanwhile.
+    enum class Settling : std::uint8_t { none, begun, notifying, notified };
     [[nodiscard]] Settling settling() const noexcept { return settling_; }
     void beginSettling() noexcept;
-    void tellChanges(urOS::FirstError& errors) noexcept;
+    void notifyChanges(urOS::FirstError& errors) noexcept;
     void endSettling() noexcept;
     void settle(urOS::FirstError& errors) noexcept {
         if (changed_.empty()) return;
         beginSettling();
-        tellChanges(errors);
+        notifyChanges(errors);
         endSettling();
     }
 
@@ -110,10 +110,10 @@ private:
     void note(Object& object) noexcept;
     void keepOrDrop(Object& object) noexcept;
     void abandonSettling() noexcept;
-    void takeDownWaiting() noexcept;
-    void takeDown(RefCountedObject& object) noexcept;
+    void retireWaiting() noexcept;
+    void retire(RefCountedObject& object) noexcept;
     void cease(RefCountedObject& object) noexcept;
-    void tellDestroyed(RefCountedObject& object) noexcept;
+    void notifyDestroyed(RefCountedObject& object) noexcept;
     void clearFields(RefCountedObject& object) noexcept;
     [[nodiscard]] bool needed(RefCountedObject const& object) noexcept;
     void remove(RefCountedObject& object) noexcept;
@@ -125,9 +125,9 @@ private:
     void forEachOwned(Visit visit) noexcept;
 
     std::uint32_t const mostPins_;
-    Roster roster_;
-    EntryQueue<&Entry::nextWaiting> waiting_{roster_};  // counted ones, to be taken down
-    EntryQueue<&Entry::nextChanged> changed_{roster_};  // touched since the last settling
+    ObjectTable objects_;
+    EntryQueue<&Entry::nextWaiting> waiting_{objects_};  // counted ones, to be retired
+    EntryQueue<&Entry::nextChanged> changed_{objects_};  // touched since the last settling
     std::size_t bytes_ = 0;
     unsigned deferrals_ = 0;
     Settling settling_ = Settling::none;

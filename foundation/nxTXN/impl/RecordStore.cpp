@@ -5,7 +5,7 @@
 #include <new>
 #include <utility>
 
-#include "foundation/nxTXN/impl/Core.h"
+#include "foundation/nxTXN/impl/History.h"
 #include "foundation/nxTXN/impl/words.h"
 
 namespace nxTXN::impl {
@@ -29,7 +29,7 @@ void letGo(std::uintptr_t* word) noexcept {
 }  // namespace
 
 void RecordStore::push(Object& subject, Content const& content, Hook hook, std::uint32_t formerStamp) {
-    core_.expectStorable(content.data.size(), content.words.size());
+    history_.expectStorable(content.data.size(), content.words.size());
     // At least enough for the address of a content elsewhere.
     std::size_t const room = std::max(content.bytes(), sizeof(std::byte*));
     arena_.makeRoom(sizeof(Record) + room);
@@ -41,7 +41,7 @@ void RecordStore::push(Object& subject, Content const& content, Hook hook, std::
     record->formerStamp = formerStamp;
     bytes_ += record->bytes();
     store(*record, record->behind(), content);
-    static_cast<void>(core_.pin(subject));  // one of this manager
+    static_cast<void>(history_.pin(subject));  // one of this manager
 }
 
 void RecordStore::replaceUnlike(Record& record, Content const& content, std::byte* elsewhere) noexcept {
@@ -71,7 +71,7 @@ void RecordStore::keep(std::span<std::uintptr_t> words) {
     std::uintptr_t const* reached = words.data();
     auto const pin = [this, &reached](Object& object, std::uintptr_t* word) {
         reached = word;
-        if (!core_.pin(object)) letGo(word);
+        if (!history_.pin(object)) letGo(word);
     };
     try {
         visitKept(words, pin, [](void const* object, Holding const& how) { how.hold(object); });

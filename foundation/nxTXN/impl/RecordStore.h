@@ -15,7 +15,7 @@
 
 namespace nxTXN::impl {
 
-class Core;
+class History;
 
 /// Copies without a call what most contents are: one number.
 inline void copyBytes(std::byte* to, std::byte const* from, std::size_t count) noexcept {
@@ -76,7 +76,7 @@ public:
     /// Memory for a content that does not fit into its record.
     using Elsewhere = std::unique_ptr<std::byte[]>;
 
-    RecordStore(Core& core, Sizes const& sizes) noexcept : core_(core), arena_(sizes) {}
+    RecordStore(History& history, Sizes const& sizes) noexcept : history_(history), arena_(sizes) {}
 
     enum class Hook : bool { none, given };
 
@@ -143,7 +143,7 @@ private:
     template <class Visit>
     void visitAll(Visit visit);
 
-    Core& core_;
+    History& history_;
     RecordArena arena_;
     std::size_t bytes_ = 0;
 };

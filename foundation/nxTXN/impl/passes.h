@@ -54,7 +54,7 @@ private:
     std::size_t fields_;
 };
 
-/// Saves each field and puts it back at once. `Keep` is told after each field that is saved, before it is lost.
+/// Saves each field and puts it back at once. Calls `keep` after each field that is saved, before the field is lost.
 template <class Keep>
 class SwappingPass final : public Serializer {
 public:

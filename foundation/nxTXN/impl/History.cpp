@@ -1,16 +1,17 @@
-// Recording, and the steps that committed transactions become.
-#include "foundation/nxTXN/impl/Core.h"
+// Transactions, and the steps that they become.
+#include "foundation/nxTXN/impl/History.h"
 
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
 
+#include "foundation/nxTXN/HookError.h"
 #include "foundation/nxTXN/impl/diagnostics.h"
 #include "foundation/nxTXN/impl/passes.h"
 
 namespace nxTXN::impl {
 
-Core::~Core() {
+History::~History() {
     {
         Lifetimes::Deferral const deferral(lifetimes_);
         Busy const busy(*this);
@@ -18,16 +19,16 @@ Core::~Core() {
     }
     busy_ = true;
     lifetimes_.close();
-    for (Core* other : acquaintances_) std::erase(other->acquaintances_, this);
+    for (History* other : peers_) std::erase(other->peers_, this);
 }
 
-std::uint32_t Core::enter(Object& object, bool counted, bool makingIsChange) {
-    if (lifetimes_.roster().worthCompacting() && !busy_ && !lifetimes_.busy()) compact();
+std::uint32_t History::enter(Object& object, bool counted, bool makingIsChange) {
+    if (lifetimes_.objects().worthCompacting() && !busy_ && !lifetimes_.busy()) compact();
     bool const recorded = !levels_.empty() && levels_.back().keeps && !busy_;
     return lifetimes_.enter(object, counted, makingIsChange && recorded);
 }
 
-void Core::compact() {
+void History::compact() {
     ur::vector<std::uint32_t*> bounds;
     for (std::size_t i = 0; i < steps_.size(); ++i) {
         bounds.insert(bounds.end(), {&steps_[i].birthsBegin, &steps_[i].birthsEnd});
@@ -36,53 +37,54 @@ void Core::compact() {
     lifetimes_.compact(bounds);
 }
 
-void Core::refuseRecord() { throw std::length_error("the fields of an object are too large for a record"); }
+void History::refuseRecord() { throw std::length_error("the fields of an object are too large for a record"); }
 
-bool Core::pinForeign(Object& object) {
-    if (object.core_) meet(*object.core_);
+bool History::pinForeign(Object& object) {
+    if (object.history_) addPeer(*object.history_);
     return Lifetimes::pin(object);
 }
 
-void Core::meet(Core& other) {
-    if (std::find(acquaintances_.begin(), acquaintances_.end(), &other) != acquaintances_.end()) return;
-    other.acquaintances_.reserve(other.acquaintances_.size() + 1);
-    acquaintances_.push_back(&other);
-    other.acquaintances_.push_back(this);
+void History::addPeer(History& other) {
+    if (std::find(peers_.begin(), peers_.end(), &other) != peers_.end()) return;
+    other.peers_.reserve(other.peers_.size() + 1);
+    peers_.push_back(&other);
+    other.peers_.push_back(this);
     if (lifetimes_.restoring()) other.lifetimes_.setRestoring(true);
 }
 
-bool Core::nearIsBusy() const noexcept {
-    return std::any_of(acquaintances_.begin(), acquaintances_.end(), [](Core const* other) { return other->busy_; });
+bool History::peerIsBusy() const noexcept {
+    return std::any_of(peers_.begin(), peers_.end(), [](History const* other) { return other->busy_; });
 }
 
-void Core::setRestoring(bool restoring) noexcept {
+void History::setRestoring(bool restoring) noexcept {
     lifetimes_.setRestoring(restoring);
-    for (Core* other : acquaintances_) other->lifetimes_.setRestoring(restoring);
+    for (History* other : peers_) other->lifetimes_.setRestoring(restoring);
 }
 
-void Core::forgetEverywhere(Object const& object) noexcept {
-    auto const forget = [&object](Core& core) {
-        core.records_.forget(object);
-        RecordStore::forget(object, core.writer_.mutableWords());
+void History::forgetEverywhere(Object const& object) noexcept {
+    auto const forget = [&object](History& history) {
+        history.records_.forget(object);
+        RecordStore::forget(object, history.writer_.mutableWords());
+        history.replay_.forget(object);
     };
-    forget(*object.core_);
-    for (Core* other : object.core_->acquaintances_) forget(*other);
+    forget(*object.history_);
+    for (History* other : object.history_->peers_) forget(*other);
 }
 
-void Core::transact(Object& object) {
+void History::transact(Object& object) {
     Entry const& entry = lifetimes_.entryOf(object);
     if (levels_.empty() || !levels_.back().keeps || busy_ || !entry.exists()) return missed(object);
     if (entry.stamp != levels_.back().stamp) record(object, entry);
 }
 
-void Core::record(Object& object, Entry const& entry) {
+void History::record(Object& object, Entry const& entry) {
     std::uint32_t const formerStamp = entry.stamp;
     makeRoomForAbort();
     RecordStore::Hook hook;
     {
         Busy const busy(*this);
         writer_.clear();
-        hook = save(object) ? RecordStore::Hook::given : RecordStore::Hook::none;
+        hook = Replay::save(object, writer_) ? RecordStore::Hook::given : RecordStore::Hook::none;
     }
     records_.push(object, {writer_.data(), writer_.mutableWords()}, hook, formerStamp);
     writer_.clear();
@@ -91,12 +93,11 @@ void Core::record(Object& object, Entry const& entry) {
     lifetimes_.entryOf(object).stamp = level.stamp;
 }
 
-void Core::makeRoomForAbort() {
-    std::size_t const records = std::size_t(levels_.back().outerRecords) + levels_.back().records + 1;
-    if (records > work_.capacity()) work_.reserve(2 * records);
+void History::makeRoomForAbort() {
+    replay_.reserve(std::size_t(levels_.back().outerRecords) + levels_.back().records + 1);
 }
 
-void Core::missed(Object const& object) {
+void History::missed(Object const& object) {
     if (busy_ || lifetimes_.busy()) return;
     if (levels_.empty()) {
         reportUnrecorded(object, Unrecorded::outside);
@@ -105,7 +106,7 @@ void Core::missed(Object const& object) {
     }
 }
 
-void Core::begin(urString::CString const& name, TransactionKind kind, void const* coalesceKey) {
+void History::begin(urString::CString const& name, TransactionKind kind, void const* coalesceKey) {
     bool const keeps = (kind == TransactionKind::recorded || kind == TransactionKind::transient) && !busy_;
     ur::Reference<SharedName> stepName;
     if (keeps && kind == TransactionKind::recorded && levels_.empty()) {
@@ -115,13 +116,13 @@ void Core::begin(urString::CString const& name, TransactionKind kind, void const
     }
     std::uint32_t const outerRecords = levels_.empty() ? 0 : levels_.back().outerRecords + levels_.back().records;
     levels_.push_back({std::move(stepName), coalesceKey, records_.top(), 0, outerRecords, ++stamp_,
-                       lifetimes_.roster().size(), kind, keeps});
+                       lifetimes_.objects().size(), kind, keeps});
 }
 
 // Hooks end only transactions that they began themselves.
-bool Core::mayEnd() const noexcept { return !levels_.empty() && !(busy_ && levels_.back().keeps); }
+bool History::mayEnd() const noexcept { return !levels_.empty() && !(busy_ && levels_.back().keeps); }
 
-bool Core::commit() {
+bool History::commit() {
     if (!mayEnd()) return false;
     Level level = std::move(levels_.back());
     levels_.pop_back();
@@ -140,7 +141,7 @@ bool Core::commit() {
 
 // The outer transaction, or an earlier step, keeps what it has recorded itself: that is older. Hooks must wait until
 // the records that stay are counted.
-std::uint32_t Core::merge(Level const& level, std::uint32_t stamp) {
+std::uint32_t History::merge(Level const& level, std::uint32_t stamp) {
     Busy const busy(*this);
     return records_.filterTop(level.begin, level.records, [this, stamp](Record const& record) {
         if (!record.subject) return false;
@@ -150,7 +151,7 @@ std::uint32_t Core::merge(Level const& level, std::uint32_t stamp) {
     });
 }
 
-void Core::drop(Level const& level) {
+void History::drop(Level const& level) {
     Lifetimes::Deferral const deferral(lifetimes_);
     Busy const busy(*this);
     restoreStamps(level);
@@ -158,7 +159,7 @@ void Core::drop(Level const& level) {
     records_.pop(level.begin, level.records);
 }
 
-void Core::restoreStamps(Level const& level) {
+void History::restoreStamps(Level const& level) {
     records_.visit(level.begin, level.records, [this](Record const& record) {
         if (!record.subject) return;
         Entry& entry = lifetimes_.entryOf(*record.subject);
@@ -168,9 +169,9 @@ void Core::restoreStamps(Level const& level) {
 
 // Whoever records is about to change, and looking costs time: what is recorded is compared only where a step that
 // changes nothing would do harm or is likely.
-bool Core::changedAnything(Level const& level) noexcept {
+bool History::changedAnything(Level const& level) noexcept {
     bool const harmless = redoCount() == 0 && !lifetimes_.droppedUnborn();
-    if (harmless && level.records > 0 && lifetimes_.roster().size() == level.birthsBegin)
+    if (harmless && level.records > 0 && lifetimes_.objects().size() == level.birthsBegin)
         return true;  // the usual edit
     Lifetimes::Made const made = lifetimes_.made(level.birthsBegin);
     if (made == Lifetimes::Made::lasting) return true;
@@ -178,7 +179,7 @@ bool Core::changedAnything(Level const& level) noexcept {
     return (harmless && made == Lifetimes::Made::nothing) || anyIsDifferent(level);
 }
 
-bool Core::anyIsDifferent(Level const& level) noexcept {
+bool History::anyIsDifferent(Level const& level) noexcept {
     Busy const busy(*this);
     bool const changed = records_.any(level.begin, level.records, [&](Record& r) { return isDifferent(r, level); });
     writer_.clear();
@@ -186,12 +187,12 @@ bool Core::anyIsDifferent(Level const& level) noexcept {
 }
 
 // What was made and has gone again does not count, since undo would bring back nothing of it.
-bool Core::isDifferent(Record& record, Level const& level) noexcept {
+bool History::isDifferent(Record& record, Level const& level) noexcept {
     if (!record.subject) return false;
     if (lifetimes_.isPassing(*record.subject, level.birthsBegin)) return false;
     try {
         writer_.clear();
-        save(*record.subject);
+        Replay::save(*record.subject, writer_);
     } catch (...) {
         return true;  // the record shows it if it matters
     }
@@ -199,8 +200,8 @@ bool Core::isDifferent(Record& record, Level const& level) noexcept {
     return !std::ranges::equal(before.data, writer_.data()) || !std::ranges::equal(before.words, writer_.words());
 }
 
-void Core::addStep(Level& level) {
-    std::uint32_t const birthsEnd = lifetimes_.roster().size();
+void History::addStep(Level& level) {
+    std::uint32_t const birthsEnd = lifetimes_.objects().size();
     {
         Lifetimes::Deferral const deferral(lifetimes_);
         if (joinsNewestStep(level)) {
@@ -219,18 +220,18 @@ void Core::addStep(Level& level) {
 }
 
 // Most steps of a session share their name with the one before.
-ur::Reference<SharedName> Core::shared(urString::CString const& name) const {
+ur::Reference<SharedName> History::shared(urString::CString const& name) const {
     if (present_ > 0 && nameOf(present_ - 1) == name) return steps_[present_ - 1].name;
     return ur::Reference<SharedName>(new SharedName(name));
 }
 
 // Undo and redo seal the newest step, so that nothing is undone when it is joined.
-bool Core::joinsNewestStep(Level const& level) const noexcept {
+bool History::joinsNewestStep(Level const& level) const noexcept {
     return level.coalesceKey && level.coalesceKey == coalesceKey_ && !sealed_ && present_ > 0;
 }
 
 // The newest step is the new present; its records slide down into the place of those that go.
-void Core::discardUndone() {
+void History::discardUndone() {
     if (present_ + 1 == steps_.size()) {
         ++present_;
         return;
@@ -253,7 +254,7 @@ void Core::discardUndone() {
 }
 
 // What a step made that is done stays.
-void Core::discardOldest() {
+void History::discardOldest() {
     Lifetimes::Deferral const deferral(lifetimes_);
     Busy const busy(*this);
     Step const step = steps_.popFront();
@@ -261,7 +262,7 @@ void Core::discardOldest() {
     records_.popBottom(step.records);
 }
 
-void Core::discardFarthest() {
+void History::discardFarthest() {
     Lifetimes::Deferral const deferral(lifetimes_);
     Busy const busy(*this);
     Step const step = steps_.popBack();
@@ -269,16 +270,16 @@ void Core::discardFarthest() {
     records_.pop(step.begin, step.records);
 }
 
-bool Core::overLimit() const noexcept {
+bool History::overLimit() const noexcept {
     std::size_t const steps = steps_.size();
     return steps > 1 && ((stepLimit_ > 0 && steps > stepLimit_) || (byteLimit_ > 0 && bytes() > byteLimit_));
 }
 
-void Core::enforceLimits() {
+void History::enforceLimits() {
     while (overLimit()) present_ > 0 ? discardOldest() : discardFarthest();
 }
 
-void Core::setLimits(std::size_t steps, std::size_t bytes) {
+void History::setLimits(std::size_t steps, std::size_t bytes) {
     stepLimit_ = steps;
     byteLimit_ = bytes;
     if (!ready() || !overLimit()) return;
@@ -286,7 +287,7 @@ void Core::setLimits(std::size_t steps, std::size_t bytes) {
     changed_.emit();
 }
 
-bool Core::clear() {
+bool History::clear() {
     if (!ready()) return false;
     if (steps_.empty()) return true;
     while (redoCount() > 0) discardFarthest();
@@ -295,7 +296,90 @@ bool Core::clear() {
     return true;
 }
 
-std::size_t Core::bytes() const noexcept {
+bool History::turn(std::size_t step, Lifetimes::Birth birth) {
+    if (!ready()) return false;
+    urOS::FirstError errors;
+    {
+        Lifetimes::Deferral const deferral(lifetimes_);
+        Busy const busy(*this);
+        putBack(step, birth, errors);
+    }
+    sealed_ = true;
+    enforceLimits();
+    changed_.emit();
+    if (errors.get()) throw HookError(errors.get(), HookError::Outcome::completed);
+    return true;
+}
+
+void History::putBack(std::size_t index, Lifetimes::Birth birth, urOS::FirstError& errors) {
+    bool const isUndo = birth == Lifetimes::Birth::undone;
+    Step const& step = steps_[index];
+    if (!replay_.restore(step, isUndo ? Replay::Order::backwards : Replay::Order::forwards, errors)) {
+        settle(errors);
+        replay_.discard();
+        throw HookError(errors.get(), HookError::Outcome::unchanged);
+    }
+    present_ = isUndo ? index : index + 1;
+    lifetimes_.setBirths(step.birthsBegin, step.birthsEnd, birth);
+    settle(errors);
+    replay_.notifyModified(errors);
+    replay_.exchange();
+}
+
+bool History::abort() {
+    if (!mayEnd()) return false;
+    urOS::FirstError errors;
+    {
+        Busy const busy(*this);  // also while what the abort leaves behind is retired
+        Lifetimes::Deferral const deferral(lifetimes_);
+        Level const level = std::move(levels_.back());
+        levels_.pop_back();
+        if (level.keeps) takeBack(level, errors);
+    }
+    if (errors.get()) throw HookError(errors.get(), HookError::Outcome::completed);
+    return true;
+}
+
+void History::takeBack(Level const& level, urOS::FirstError& errors) noexcept {
+    replay_.takeBack(level.begin, level.records, errors);
+    std::uint32_t const birthsEnd = lifetimes_.objects().size();
+    lifetimes_.setBirths(level.birthsBegin, birthsEnd, Lifetimes::Birth::undone);
+    settle(errors);
+    restoreStamps(level);
+    replay_.notifyModified(errors);
+    lifetimes_.abandonUnborn(level.birthsBegin, birthsEnd);
+    records_.pop(level.begin, level.records);
+}
+
+// Records of several managers may name the objects of one: all of them are settled together, with no history of theirs
+// moving meanwhile. A hook may take a manager away.
+void History::settle(urOS::FirstError& errors) noexcept {
+    if (peers_.empty()) return lifetimes_.settle(errors);
+    lifetimes_.beginSettling();
+    for (History* other : peers_) {
+        if (other->busy_ || !other->lifetimes_.busy()) continue;
+        other->busy_ = true;
+        other->settledBy_ = this;
+        other->lifetimes_.beginSettling();
+    }
+    lifetimes_.notifyChanges(errors);
+    while (History* other = borrowed(Lifetimes::Settling::begun)) other->lifetimes_.notifyChanges(errors);
+    lifetimes_.endSettling();
+    while (History* other = borrowed(Lifetimes::Settling::notified)) {
+        other->lifetimes_.endSettling();
+        other->settledBy_ = nullptr;
+        other->busy_ = false;
+    }
+}
+
+History* History::borrowed(Lifetimes::Settling stage) const noexcept {
+    auto const found = std::find_if(peers_.begin(), peers_.end(), [&](History* other) {
+        return other->settledBy_ == this && other->lifetimes_.settling() == stage;
+    });
+    return found == peers_.end() ? nullptr : *found;
+}
+
+std::size_t History::bytes() const noexcept {
     return steps_.size() * sizeof(Step) + records_.bytes() + lifetimes_.bytes();
 }
 

@@ -14,14 +14,14 @@ namespace nxTXN::impl {
 struct Entry {
     Object* object;  // null once it has gone
 
-    std::uint32_t pins : 25;    // records that need it
-    std::uint32_t counted : 1;  // it is a RefCountedObject, deleted by the manager
-    std::uint32_t born : 1;     // made in a transaction whose undoing unmakes it
-    std::uint32_t unborn : 1;   // its making is undone
-    std::uint32_t dead : 1;     // its last reference has gone
-    std::uint32_t told : 1;     // it knows that it is destroyed
-    std::uint32_t queued : 1;   // it is in one of the queues of its Lifetimes
-    std::uint32_t existed : 1;  // while it is among the changes: what it was before
+    std::uint32_t pins : 25;     // records that need it
+    std::uint32_t counted : 1;   // it is a RefCountedObject, deleted by the manager
+    std::uint32_t born : 1;      // made in a transaction whose undoing unmakes it
+    std::uint32_t unborn : 1;    // its making is undone
+    std::uint32_t dead : 1;      // its last reference has gone
+    std::uint32_t notified : 1;  // `onTxnDestroyed` was called
+    std::uint32_t queued : 1;    // it is in one of the queues of its Lifetimes
+    std::uint32_t existed : 1;   // while it is among the changes: what it was before
 
     /// While it lives: the transaction that recorded it last. When dead: its bytes that count as history.
     std::uint32_t stamp;
@@ -37,7 +37,7 @@ struct Entry {
 static_assert(sizeof(Entry) == 24);
 
 /// All objects in the order in which they were made. An object knows its index.
-class Roster {
+class ObjectTable {
 public:
     /// The index of the new entry.
     std::uint32_t add(Entry const& entry);
@@ -62,7 +62,7 @@ private:
 };
 
 template <class Moved>
-void Roster::compact(std::span<std::uint32_t* const> bounds, Moved moved) {
+void ObjectTable::compact(std::span<std::uint32_t* const> bounds, Moved moved) {
     std::uint32_t kept = 0;
     auto bound = bounds.begin();
     for (std::uint32_t i = 0; i < size(); ++i) {
