@@ -259,7 +259,6 @@ void Lifetimes::endSettling() noexcept {
 // The manager goes while another one has touched its objects.
 void Lifetimes::abandonSettling() noexcept {
     changed_.forEach([this](Object& object) { entryOf(object).queued = false; });
-    changed_.clear();
     settling_ = Settling::none;
     deferrals_ = 0;
 }

@@ -78,7 +78,6 @@ public:
     void notifyChanges(urOS::FirstError& errors) noexcept;
     void endSettling() noexcept;
     void settle(urOS::FirstError& errors) noexcept {
-        if (changed_.empty()) return;
         beginSettling();
         notifyChanges(errors);
         endSettling();

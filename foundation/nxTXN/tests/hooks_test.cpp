@@ -92,6 +92,12 @@ TEST_F(Hooks, ARestoreHookChoosesTheMoment) {
     root->setValue(8);
     manager.abort();
     EXPECT_EQ(log.take(), "root:8 root:0 root:restored root:modified");
+    root->restoreHook = [](Object* object, Restorer& restorer) {
+        restorer.restore(object);
+        static_cast<Node&>(*object).setValue(50);
+    };
+    EXPECT_TRUE(manager.redo());
+    EXPECT_EQ(root->value(), 50) << "fields are restored once";
 }
 
 /// What an operation that throws says of its outcome.
@@ -270,10 +276,12 @@ TEST_F(Hooks, OfAnotherManagersObjectsDoNotMoveItsHistory) {
         if (hook != "gone" && hook != "extant") return;
         ++calls;
         EXPECT_FALSE(other.undo());
+        edit(other, [&] { foreign->setValue(foreign->value() + 1); });
     };
     edit(manager, [&] { root->setNext(std::move(leaf)); });
     EXPECT_TRUE(manager.undo() && manager.redo());
     EXPECT_EQ(calls, 2);
+    EXPECT_EQ(other.undoCount(), 1U);
     EXPECT_TRUE(other.undo());
     root->next()->onHook = nullptr;
 }
