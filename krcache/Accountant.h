@@ -1,4 +1,4 @@
-// The statistics that a byte total alone does not give.
+// Tracks locked, working-set and external bytes.
 #pragma once
 
 #include <cstdint>
@@ -50,7 +50,9 @@ public:
 
 private:
     friend struct CacheProbe;  // for the tests alone
+    friend class Audit;
     friend class ManagerImpl;
+    friend class Removals;
 
     void makeHot(Shim& shim);
     void forgetHot(Shim& shim) noexcept;

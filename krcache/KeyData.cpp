@@ -1,4 +1,4 @@
-// What keys, visitors and resources do unless their classes know better.
+// What keys do by default.
 #include "krcache/KeyData.h"
 
 #include <typeinfo>
@@ -7,12 +7,6 @@
 #include "foundation/ur/hashfunction.h"
 
 namespace urKRCache {
-
-KeyVisitor::~KeyVisitor() = default;
-
-Resource::~Resource() = default;
-void Resource::onSerialize(urOS::IOStream& /*stream*/) {}
-void Resource::onDeserialize(urOS::IOStream& /*stream*/) {}
 
 KeyData::KeyData() noexcept = default;
 KeyData::~KeyData() = default;

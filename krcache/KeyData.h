@@ -72,6 +72,7 @@ private:
     virtual void onInitializeResource(ur::Reference<Resource> resource) const;
 
     friend class ManagerImpl;
+    friend class Removals;
 
     [[nodiscard]] ur::Reference<Resource> createResource() const { return onCreateResource(); }
     void initializeResource(ur::Reference<Resource> resource) const { onInitializeResource(std::move(resource)); }

@@ -1,4 +1,4 @@
-// What a key shows its sub-keys to.
+// Visits the sub-keys of a key.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -7,13 +7,13 @@ namespace urKRCache {
 
 class Shim;
 
-/// Told of the shims that a key's resource is built from, by `KeyData::onVisitSubKeys`.
+/// Called for the shims that a key's resource is built from, by `KeyData::onVisitSubKeys`.
 class NX_API KeyVisitor {
 public:
     KeyVisitor() noexcept = default;
     KeyVisitor(KeyVisitor const&) noexcept = default;
     KeyVisitor& operator=(KeyVisitor const&) noexcept = default;
-    virtual ~KeyVisitor();
+    virtual ~KeyVisitor() = default;
 
     /// Called once for the shim of each sub-key.
     virtual void visit(Shim* shim) = 0;

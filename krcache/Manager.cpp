@@ -5,7 +5,9 @@
 #include <stdexcept>
 
 #include "krcache/debugChannel.h"
+#include "krcache/impl/Audit.h"
 #include "krcache/impl/ManagerImpl.h"
+#include "krcache/impl/Reports.h"
 #include "krcache/impl/Tuning.h"
 #include "krcache/impl/sizes.h"
 
@@ -28,8 +30,6 @@ Manager& getKeyResourceManager() {
     if (!manager) throw std::logic_error("no cache manager: call urKRCache::setCacheManagerFunc with a function first");
     return *manager;
 }
-
-ManagerObserver::~ManagerObserver() = default;
 
 Manager::Manager(urString::IString const& folder) : Manager(folder, Tuning()) {}
 
@@ -62,10 +62,10 @@ void Manager::endInteraction() { impl_->endInteraction(); }
 
 void Manager::setMemoryLimit(unsigned bytes) { impl_->setMemoryLimit(bytes); }
 void Manager::setMemoryLimit64(std::uint64_t bytes) { impl_->setMemoryLimit(bytes); }
-unsigned Manager::getMemoryLimit() const { return impl::saturated(impl_->limit()); }
-std::uint64_t Manager::getMemoryLimit64() const { return impl_->limit(); }
-unsigned Manager::getMemoryUsed() const { return impl::saturated(impl_->used()); }
-std::uint64_t Manager::getMemoryUsed64() const { return impl_->used(); }
+unsigned Manager::getMemoryLimit() const { return impl::saturated(impl_->budget().limit()); }
+std::uint64_t Manager::getMemoryLimit64() const { return impl_->budget().limit(); }
+unsigned Manager::getMemoryUsed() const { return impl::saturated(impl_->budget().used()); }
+std::uint64_t Manager::getMemoryUsed64() const { return impl_->budget().used(); }
 void Manager::enforceMemoryLimit(unsigned incoming) { impl_->enforceMemoryLimit(incoming); }
 void Manager::setUseResidentSize() { impl_->setUseResidentSize(); }
 unsigned Manager::getResidentSize() const { return impl::saturated(impl_->residentSize()); }
@@ -77,11 +77,11 @@ int Manager::numKeys() const {
     return static_cast<int>(std::min<std::size_t>(impl_->keyCount(), std::numeric_limits<int>::max()));
 }
 
-void Manager::logUsageByType() const { impl_->logUsageByType(); }
-Statistics Manager::statistics() const { return impl_->statistics(); }
-urString::CString Manager::audit() const { return impl_->audit(); }
-void Manager::printDependencies(urOS::OStream& out) const { impl_->printDependencies(out); }
-void Manager::printDependenciesAsDot(urOS::OStream& out) const { impl_->printDependenciesAsDot(out); }
+void Manager::logUsageByType() const { Reports(*impl_).logUsageByType(); }
+Statistics Manager::statistics() const { return Reports(*impl_).statistics(); }
+urString::CString Manager::audit() const { return Audit(*impl_).fault(); }
+void Manager::printDependencies(urOS::OStream& out) const { Reports(*impl_).printDependencies(out); }
+void Manager::printDependenciesAsDot(urOS::OStream& out) const { Reports(*impl_).printDependenciesAsDot(out); }
 void Manager::setObserver(ManagerObserver* observer) { impl_->setObserver(observer); }
 void Manager::setTraceRecorder(TraceRecorder* recorder) { impl_->setTraceRecorder(recorder); }
 void Manager::setClearCheck(bool clearCheck) { impl_->setClearCheck(clearCheck); }

@@ -17,7 +17,7 @@ enum class Leaving : std::uint8_t { limit, request, removal, pageFailure, buildF
 /// thread.
 class NX_API ManagerObserver {
 public:
-    virtual ~ManagerObserver();
+    virtual ~ManagerObserver() = default;
 
     /// A key is about to build its resource. Builds nest: a key may access what it is built from.
     virtual void onBuildBegin(ur::TypeInfo keyClass) noexcept = 0;

@@ -22,7 +22,7 @@ class NX_API Resource : public ur::ReferenceCount {
 public:
     Resource() noexcept : Resource(false) {}
     explicit Resource(bool isProxy) noexcept : isProxy_(isProxy) {}
-    ~Resource() override;
+    ~Resource() override = default;
 
     static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
     static void operator delete(void* resource, std::size_t bytes) noexcept { ur::deallocateNode(resource, bytes); }
@@ -38,13 +38,13 @@ protected:
     /// Writes the payload and may then release it: at most as many bytes as the size was when the resource came into
     /// memory, so that one that has grown is dropped. The stream reports no errors: what it does not take, it leaves
     /// out of its count, and the resource is dropped afterwards.
-    virtual void onSerialize(urOS::IOStream& stream);
+    virtual void onSerialize(urOS::IOStream& /*stream*/) {}
     /// Gets back what `onSerialize` wrote. The stream ends where that ended. A count that falls short of it tells
     /// that the payload is lost: return, the resource will be dropped.
-    virtual void onDeserialize(urOS::IOStream& stream);
+    virtual void onDeserialize(urOS::IOStream& /*stream*/) {}
 
 private:
-    friend class ManagerImpl;
+    friend class Pager;
 
     bool isProxy_;
 };

@@ -68,7 +68,11 @@ private:
     friend class Accountant;
     friend struct CacheProbe;  // for the tests alone
     friend class KeyTable;
+    friend class Audit;
     friend class ManagerImpl;
+    friend class Pager;
+    friend class Removals;
+    friend class Reports;
 
     /// Whole cache lines, so that what an access needs, the first one, is not spread over two.
     static constexpr std::size_t nodeSize = 128;

@@ -1,33 +1,31 @@
-// The state of a manager and the steps of its work.
+// The state of a manager: its keys, and the order in which resources leave memory.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <exception>
-#include <limits>
 #include <unordered_map>
 
 #include "krcache/Accountant.h"
 #include "krcache/Manager.h"
 #include "krcache/ManagerObserver.h"
 #include "krcache/TraceRecorder.h"
+#include "krcache/impl/Budget.h"
 #include "krcache/impl/KeyTable.h"
 #include "krcache/impl/LruList.h"
-#include "krcache/impl/PageFile.h"
-#include "krcache/impl/ResourceBytes.h"
+#include "krcache/impl/Pager.h"
+#include "krcache/impl/Removals.h"
 #include "krcache/impl/Tuning.h"
 #include "krcache/impl/scopes.h"
 
 namespace urKRCache {
 
-class FileStream;
-
-/// What a manager does, in the words of its interface.
+/// Finds and builds resources, evicts them in the order of their last use, and locks them.
 ///
-/// Each step leaves the cache whole before it calls a hook, and after a hook takes nothing for granted: the shim may
-/// have been cleared, paged, locked or removed meanwhile. Always so: a shim is in the list exactly when its resource
-/// is in memory and not locked; the counters are the sums of the sizes of the shims whose resource is in memory, but
-/// for what resources have grown or shrunk.
+/// `Budget` counts bytes, `Pager` moves payloads, `Removals` removes keys, `Reports` and `Audit` look. Each step leaves
+/// the cache whole before it calls a hook, and after a hook takes nothing for granted: the shim may have been cleared,
+/// paged, locked or removed meanwhile. Always so: a shim is in the list exactly when its resource is in memory and not
+/// locked; the counters are the sums of the sizes of the shims whose resource is in memory, but for what resources have
+/// grown or shrunk.
 class ManagerImpl {
 public:
     ManagerImpl(Manager& manager, urString::IString const& folder, Tuning const& tuning);
@@ -35,7 +33,6 @@ public:
     ManagerImpl& operator=(ManagerImpl const&) = delete;
     ~ManagerImpl() = default;
 
-    // Finding and building (access.cpp)
     /// The shim that was made for this very key; null when there is none.
     [[nodiscard]] Shim* known(KeyData const& key) const noexcept {
         return key.memo_.owner == this ? key.memo_.shim : nullptr;
@@ -55,11 +52,10 @@ public:
         return shim.resource_;
     }
 
-    // Room and limits (limits.cpp)
     void enforceMemoryLimit(std::uint64_t incoming) {
-        if (limit_ == 0) return;
-        if (useResidentSize_) sampleResidentSize(incoming);
-        if (isOverLimit()) evict();
+        if (budget_.limit() == 0) return;
+        if (budget_.usesResidentSize()) budget_.sampleResidentSize(incoming);
+        if (budget_.isOverLimit()) evict();
     }
     void clear();
     void clear(Shim& shim) { clearOrPageOut(shim, Cause::request); }
@@ -68,38 +64,31 @@ public:
     void startInteraction() noexcept;
     void endInteraction();
     void setMemoryLimit(std::uint64_t bytes);
-    void setUseResidentSize();
+    void setUseResidentSize() { budget_.useResidentSize(); }
     [[nodiscard]] std::uint64_t residentSize() const { return tuning_.residentSize(); }
     void allocatingExternal(unsigned bytes);
     void deletedExternal(unsigned bytes);
-    [[nodiscard]] std::uint64_t limit() const noexcept { return limit_; }
-    [[nodiscard]] std::uint64_t used() const noexcept { return used_.total + reserved_; }
+    [[nodiscard]] Budget const& budget() const noexcept { return budget_; }
 
-    // Removal (removal.cpp)
-    void remove(Shim& shim);
-    /// Dependents before what they are built from; what still asks for shims meanwhile gets removed ones.
-    void removeAll() noexcept;
+    void remove(Shim& shim) { removals_.remove(shim); }
+    void removeAll() noexcept { removals_.removeAll(); }
 
     void setSerializable(Shim& shim) noexcept { shim.serializable_ = true; }
     void setClearCheck(bool clearCheck) noexcept { clearCheck_ = clearCheck; }
     void setTraceRecorder(TraceRecorder* recorder) noexcept;
     void setObserver(ManagerObserver* observer) noexcept { observer_ = observer; }
 
-    // Telling (usage.cpp, dependencies.cpp, audit.cpp)
     [[nodiscard]] std::size_t keyCount() const noexcept { return table_.size(); }
-    void logUsageByType() const;
-    [[nodiscard]] Statistics statistics() const;
-    [[nodiscard]] urString::CString audit() const;
-    void printDependencies(urOS::OStream& out) const;
-    void printDependenciesAsDot(urOS::OStream& out) const;
 
 private:
+    friend class Audit;
     friend struct CacheProbe;  // for the tests alone
+    friend class Pager;
+    friend class Removals;
+    friend class Reports;
 
     using Cause = Leaving;
-    static constexpr std::int64_t noBound = std::numeric_limits<std::int64_t>::max();
 
-    // access.cpp
     class ObservedBuild;
     ur::Reference<Resource> accessAbsent(Shim& shim);
     void noteHit(Shim& shim);
@@ -119,7 +108,6 @@ private:
         return evictions_ == 0 || (evictions_ < tuning_.nestedHooks && clearsWithBuilds_ > 0);
     }
 
-    // limits.cpp
     void account(Shim& shim, KeyData const& key, unsigned size, TraceRecorder::Event event);
     void link(Shim& shim) noexcept {
         if (shim.lockCount_ <= 0) lru_.append(shim);
@@ -127,19 +115,13 @@ private:
     void unlink(Shim& shim) noexcept {
         if (shim.lockCount_ <= 0) lru_.remove(shim);
     }
-    void addToUsed(Shim const& shim) noexcept;
     /// The resource, which has that size now, leaves memory, and the shim the list.
     void takeFromUsed(Shim& shim, unsigned size) noexcept {
-        used_.take(size, shim.size_);
-        if (shim.residential_) residentialUsed_.take(size, shim.size_);
+        budget_.take(size, shim.size_, shim.residential_);
         accountant_.resourceCleared(&shim);
         unlink(shim);
     }
     void makeSpace(std::uint64_t bytes, bool residential);
-    void sampleResidentSize(std::uint64_t incoming);
-    void measureOtherResident();
-    [[nodiscard]] std::int64_t bounded() const noexcept { return static_cast<std::int64_t>(used()) + otherResident_; }
-    [[nodiscard]] bool isOverLimit() const noexcept { return bounded() > bound_; }
     void evict();
     void clearOrPageOut(Shim& shim, Cause cause);
     void leaveMemory(Shim& shim, Cause cause);
@@ -148,38 +130,7 @@ private:
     void dropResource(Shim& shim, Cause cause);
     void reportExcess() const;
     void checkPeak(std::int64_t peak, char const* message) const;
-    void applyMemoryLimit(std::uint64_t bytes);
-
-    // paging.cpp
-    void pageOut(Shim& shim, unsigned size);
-    bool pageIn(Shim& shim);
-    bool endPaging(Shim& shim, PageFileEntry& chunk, FileStream const& stream,
-                   std::exception_ptr const& thrownByResource);
-    void cleanUpPaging(Shim& shim);
-    void reportLoss(Shim const& shim, urUtil::Error const& why) noexcept;
-
-    // removal.cpp
-    void push(Shim& shim) noexcept;
-    void run(Shim const* below);
-    void removeReporting(Shim& shim) noexcept;
-    void removeEach(ur::vector<ur::Reference<Shim>> shims);
-    void step(Shim& shim) noexcept;
-    void clearForRemoval(Shim& shim);
-    [[nodiscard]] unsigned sizeForRemoval(Shim const& shim) noexcept;
-    void finish(Shim& shim) noexcept;
-    void letGo(Shim& relative) noexcept;
-    template <class Work>
-    void callHooks(Shim& shim, Work&& work) noexcept;
-    template <class Work>
-    void shielded(Work&& work) noexcept;
-
-    // dependencies.cpp and audit.cpp; a fault is null when there is none
-    [[nodiscard]] ur::vector<Shim const*> inOrder() const;
-    [[nodiscard]] char const* faultOf(Shim const& shim) const;
-    [[nodiscard]] char const* faultOfLinks(Shim const& shim) const;
-    [[nodiscard]] char const* faultOfList() const;
-    [[nodiscard]] char const* faultOfSums() const;
-    [[nodiscard]] std::size_t pagedOutCount() const;
+    void limitChanged();
 
     void record(TraceRecorder::Event event, Shim const& shim) noexcept {
         if (trace_) [[unlikely]]
@@ -196,24 +147,13 @@ private:
     Tuning const tuning_;
     LruList lru_;
     KeyTable table_;
-    PageFile pageFile_;
+    Pager pager_;
+    Budget budget_;
+    Removals removals_;
     Accountant accountant_;
-    ResourceBytes used_;
-    ResourceBytes residentialUsed_;  ///< the part of what is used that shows in the resident size
-    std::uint64_t limit_ = 0;
-    std::int64_t bound_ = noBound;  ///< the limit, when there is one
-    std::uint64_t reserved_ = 0;    ///< what room is being made for
-    std::uint64_t residentialReserved_ = 0;
-    /// The resident size less what is ours of it, at the last sample. Negative where resources claim more than they
-    /// have touched.
-    std::int64_t otherResident_ = 0;
-    std::uint64_t limitDebt_ = 0;  ///< external bytes that the limit was too small to give up
-    std::uint64_t bytesSinceSample_ = 0;
     bool isWatched_ = false;  ///< someone wants to know of hits
-    bool useResidentSize_ = false;
     bool clearCheck_ = false;
     bool dying_ = false;
-    bool pageFileTold_ = false;         ///< that there is no page file
     unsigned evictions_ = 0;            ///< under way, each in a hook of the one before
     std::size_t clearsWithBuilds_ = 0;  ///< how many more clears of theirs leave hooks free to build
     TraceRecorder* trace_ = nullptr;
@@ -223,9 +163,6 @@ private:
     std::unordered_map<ur::TypeInfo, ClassUsage> usages_;
     ClassUsage* lastUsage_ = nullptr;
     std::uint32_t nextSerial_ = 0;
-    Shim* removals_ = nullptr;  ///< the one to go on with, on top of those that wait for it; each is held
-    unsigned removalRuns_ = 0;  ///< under way, each in a hook of the one before
-    std::exception_ptr removalFailure_;
 };
 
 }  // namespace urKRCache

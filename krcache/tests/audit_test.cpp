@@ -57,12 +57,12 @@ struct CacheProbe : test::Cache {
             {"resources is miscounted", [&] { stray.next() ? stray.unlink() : stray.insertBefore(*parent); }},
             {"the list has shims that are not in the table",
              [&] { gone->next() ? impl.lru_.remove(*gone) : impl.lru_.append(*gone); }},
-            {"the memory used is not the sum", [&] { impl.used_.total ^= 1; }},
-            {"the residential bytes are not their sum", [&] { impl.residentialUsed_.resized ^= 1; }},
+            {"the memory used is not the sum", [&] { impl.budget_.used_.total ^= 1; }},
+            {"the residential bytes are not their sum", [&] { impl.budget_.residentialUsed_.resized ^= 1; }},
             {"the locked bytes are not their sum", [&] { impl.accountant_.lockedSize_ ^= 1; }},
             {"the hot set has shims that are not in the table", [&] { flip(impl.accountant_.hotSet_, gone.get()); }},
             {"hits are watched for nobody, or not at all", [&] { impl.isWatched_ = !impl.isWatched_; }},
-            {"the peak is below", [&] { std::swap(impl.statistics_.peakMemoryUsed, nothing); }},
+            {"the peak is below", [&] { std::swap(impl.budget_.peak_, nothing); }},
             {"chunks leave a gap", [&] { free().offset_ ^= 1; }},
             {"more is written to a chunk than it holds", [&] { page().written_ ^= 1U << 31; }},
             {"a free chunk is not in the free set", [&] { flip(file.freeEntries_, &free()); }},
@@ -74,7 +74,7 @@ struct CacheProbe : test::Cache {
     }
 
     ManagerImpl& impl = *manager.impl_;
-    PageFile& file = impl.pageFile_;
+    PageFile& file = impl.pager_.file_;
     Reference<Shim> parent, child, other, user, paged, gone;
     Manager* noManager = nullptr;
     Reference<KeyData> noKey;

@@ -1,11 +1,16 @@
-// Finding shims and making their resources present.
+// Finding, building, evicting and locking.
+#include "krcache/impl/ManagerImpl.h"
+
+#include <algorithm>
 #include <new>
 #include <typeinfo>
+#include <utility>
 
-#include "foundation/urOS/Filename.h"
 #include "foundation/urOS/StopWatch.h"
 #include "foundation/urOS/reportException.h"
-#include "krcache/impl/ManagerImpl.h"
+#include "krcache/debugChannel.h"
+#include "krcache/impl/Reports.h"
+#include "krcache/impl/sizes.h"
 
 namespace urKRCache {
 namespace {
@@ -23,13 +28,24 @@ private:
     ur::vector<ur::Reference<Shim>>* shims_;
 };
 
+constexpr unsigned sizeWorthAWarning = 524288;
+constexpr std::int32_t sizeTolerance = 1024;
+
+void warnUnless(std::uint32_t size, std::uint32_t expected) {
+    auto const difference = static_cast<std::int32_t>(size - expected);
+    if (difference > -sizeTolerance && difference < sizeTolerance) return;
+    debugChannel().print("Unanticipated %.02fMB resource!\n", impl::megabytes(size));
+}
+
 }  // namespace
 
 ManagerImpl::ManagerImpl(Manager& manager, urString::IString const& folder, Tuning const& tuning)
     : manager_(manager),
       tuning_(tuning),
       table_(tuning.tableSlots),
-      pageFile_(urOS::Filename::join(folder, "urKRCachePageFile.dat"), tuning.pageExtension, tuning.pageBlock) {}
+      pager_(*this, folder, tuning_),
+      budget_(tuning_),
+      removals_(*this) {}
 
 ur::Reference<Shim> ManagerImpl::findOrCreateShim(ur::Reference<KeyData> const& key, Shim::KeyType type) {
     Shim* const shim = table_.find(*key);
@@ -70,7 +86,7 @@ void ManagerImpl::linkSources(Shim& shim, KeyData const& key) {
     if (!isAttached(shim)) return;
     for (ur::Reference<Shim> const& source : sources) {
         // What is built from something removed is as good as removed itself.
-        if (!isAttached(*source)) return remove(shim);
+        if (!isAttached(*source)) return removals_.remove(shim);
     }
     for (ur::Reference<Shim> const& source : sources) shim.addChild(*source);
 }
@@ -78,7 +94,7 @@ void ManagerImpl::linkSources(Shim& shim, KeyData const& key) {
 /// Removes a shim because of an exception, which counts more than one from here. Its key may have used it already.
 void ManagerImpl::withdraw(Shim& shim) noexcept {
     try {
-        remove(shim);
+        removals_.remove(shim);
     } catch (...) {
         urOS::reportException("urKRCache::Manager::getShim", std::current_exception());
     }
@@ -115,7 +131,7 @@ ur::Reference<Resource> ManagerImpl::accessAbsent(Shim& shim) {
     bool const isBusy = shim.building_ || shim.paging_;
     if (!isAttached(shim) || isBusy || !mayBuild()) return {};
     Scoped const building(shim.building_, true);
-    bool const isReadBack = shim.pageEntry_ && pageIn(shim);
+    bool const isReadBack = shim.pageEntry_ && pager_.pageIn(shim);
     if (!isReadBack && !createResource(shim)) return {};
     if (shim.manager_) accountant_.resourceAccessed(&shim);
     return shim.resource_;
@@ -181,6 +197,148 @@ bool ManagerImpl::createResource(Shim& shim) {
     link(shim);
     account(shim, *key, size, TraceRecorder::Event::build);
     return true;
+}
+
+/// Counts a resource that has come into memory, and makes the room that it needs.
+void ManagerImpl::account(Shim& shim, KeyData const& key, unsigned size, TraceRecorder::Event event) {
+    unsigned const expected = std::exchange(shim.size_, size);
+    budget_.add(size, shim.residential_);
+    if (size > sizeWorthAWarning) warnUnless(size, expected);
+    record(event, shim);
+    accountant_.resourceCreated(&shim);
+    try {
+        key.initializeResource(shim.resource_);
+    } catch (...) {
+        if (shim.isResourceAllocated()) clearAllocated(shim, size, Cause::buildFailure);
+        throw;
+    }
+    enforceMemoryLimit(size);
+}
+
+void ManagerImpl::makeSpace(std::uint64_t bytes, bool residential) {
+    if (bytes == 0 || budget_.limit() == 0) return;
+    Budget::Room const room(budget_, bytes, residential);
+    enforceMemoryLimit(bytes);
+}
+
+// What hooks build gets its room at once, by an eviction inside this one. Hooks may bring resources back as fast as
+// they go: once as many have gone as there were at first, or so many evictions are under way, hooks build nothing more,
+// so that this ends and takes little of the stack. What hooks ask for beyond that is left to the evictions under way.
+void ManagerImpl::evict() {
+    if (evictions_ == tuning_.nestedHooks) return;
+    if (evictions_ == 0) clearsWithBuilds_ = lru_.count() + 1;
+    {
+        Scoped const oneMore(evictions_, evictions_ + 1);
+        while (!lru_.empty() && budget_.isOverLimit()) {
+            if (clearsWithBuilds_ > 0) --clearsWithBuilds_;
+            ur::Reference<Shim> const head(&lru_.head());
+            leaveMemory(*head, Cause::limit);
+        }
+    }
+    if (budget_.isOverLimit()) reportExcess();
+}
+
+void ManagerImpl::reportExcess() const {
+    debugChannel().print("Locked resources exceed memory limit by (%.02fMB)\n", impl::megabytes(budget_.excess()));
+    Reports(*this).logUsageByType();
+}
+
+void ManagerImpl::clearOrPageOut(Shim& shim, Cause cause) {
+    if (shim.isResourceAllocated() && !shim.isResourceLocked()) leaveMemory(shim, cause);
+}
+
+void ManagerImpl::leaveMemory(Shim& shim, Cause cause) {
+    ur::Reference<Resource> const resource = shim.resource_;
+    unsigned const size = resource->getSizeInBytes();
+    if (!shim.isResourceAllocated() || shim.isResourceLocked()) return;
+    if (shim.serializable_) {
+        pager_.pageOut(shim, size);
+    } else {
+        clearAllocated(shim, size, cause);
+    }
+}
+
+void ManagerImpl::clearAllocated(Shim& shim, unsigned size, Cause cause) {
+    takeFromUsed(shim, size);
+    dropResource(shim, cause);
+}
+
+/// The resource object goes and its key learns of it; its bytes are out of the counters already.
+void ManagerImpl::dropResource(Shim& shim, Cause cause) {
+    ur::Reference<KeyData> const key = shim.key_;
+    takeResource(shim, cause).reset();
+    key->resourceCleared();
+}
+
+ur::Reference<Resource> ManagerImpl::takeResource(Shim& shim, Cause cause) {
+    ++cleared_[static_cast<std::size_t>(cause)];
+    record(TraceRecorder::Event::clear, shim);
+    noteLeaving(shim, cause);
+    ur::Reference<Resource> taken = std::move(shim.resource_);
+    if (shim.keyType_ == Shim::Retained) --shim.strongCount_;  // never the last: the table or a removal has one
+    return taken;
+}
+
+void ManagerImpl::clear() {
+    ur::vector<ur::Reference<Shim>> shims;
+    shims.reserve(table_.size());
+    table_.forEach([&](Shim& shim) { shims.emplace_back(&shim); });
+    for (ur::Reference<Shim> const& shim : shims) clearOrPageOut(*shim, Cause::request);
+    debugChannel().print("Resources cleared.\n");
+}
+
+void ManagerImpl::lock(Shim& shim) {
+    if (!shim.manager_ || ++shim.lockCount_ != 1 || !shim.isResourceAllocated()) return;
+    lru_.remove(shim);
+    accountant_.resourceLocked(&shim);
+    checkPeak(accountant_.maxLockedSize_, "Locked resources too large for size limit!\n");
+}
+
+void ManagerImpl::unlock(Shim& shim) {
+    if (!shim.manager_ || shim.lockCount_ == 0 || --shim.lockCount_ != 0 || !shim.isResourceAllocated()) return;
+    lru_.append(shim);
+    accountant_.resourceUnlocked(&shim);
+}
+
+void ManagerImpl::startInteraction() noexcept {
+    accountant_.startInteraction();
+    watch();
+}
+
+void ManagerImpl::endInteraction() {
+    accountant_.endInteraction();
+    watch();
+    checkPeak(accountant_.maxWorkingSet_, "Working set too large for size limit!\n");
+}
+
+void ManagerImpl::checkPeak(std::int64_t peak, char const* message) const {
+    if (static_cast<std::uint64_t>(peak + impl::limitMargin) <= budget_.limit()) return;
+    debugChannel().print("%s", message);
+    Reports(*this).logUsageByType();
+}
+
+void ManagerImpl::setMemoryLimit(std::uint64_t bytes) {
+    budget_.setLimit(bytes);
+    limitChanged();
+}
+
+void ManagerImpl::limitChanged() {
+    debugChannel().print("Memory limit set to %.02fMB\n", impl::megabytes(budget_.limit()));
+    enforceMemoryLimit(0);
+}
+
+void ManagerImpl::allocatingExternal(unsigned bytes) {
+    if (budget_.usesResidentSize()) return makeSpace(bytes, true);
+    budget_.lend(bytes);
+    limitChanged();
+    accountant_.addExternal(bytes);
+}
+
+void ManagerImpl::deletedExternal(unsigned bytes) {
+    if (budget_.usesResidentSize()) return;
+    accountant_.removeExternal(bytes);
+    budget_.giveBack(bytes);
+    limitChanged();
 }
 
 }  // namespace urKRCache

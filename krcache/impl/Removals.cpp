@@ -1,4 +1,6 @@
 // Removing keys with all that is built from them.
+#include "krcache/impl/Removals.h"
+
 #include <new>
 #include <utility>
 
@@ -10,54 +12,45 @@ namespace urKRCache {
 // Removals take no memory: they are on a stack of their own, which leads through the shims, so that a chain of
 // dependents of any length needs no more of the thread's. What a hook removes is gone when the hook goes on; but where
 // hooks would nest without end, as do the destructors of keys in a long chain, it waits for the hook to return.
-void ManagerImpl::remove(Shim& shim) {
-    Shim const* const below = removals_;
+void Removals::remove(Shim& shim) {
+    Shim const* const below = top_;
     push(shim);
-    if (removalRuns_ < tuning_.nestedHooks) run(below);
+    if (runs_ < manager_.tuning_.nestedHooks) run(below);
 }
 
 /// Begins a removal. From here on no look-up finds the shim.
-void ManagerImpl::push(Shim& shim) noexcept {
-    if (!isAttached(shim)) return;
+void Removals::push(Shim& shim) noexcept {
+    if (!manager_.isAttached(shim)) return;
     shim.ref();
     shim.removal_ = Shim::Removal::clear;
     KeyData::Memo& memo = shim.key_->memo_;
     if (memo.shim == &shim) memo.owner = nullptr;
-    shim.below_ = std::exchange(removals_, &shim);
+    shim.below_ = std::exchange(top_, &shim);
 }
 
 // Throws what a hook has thrown first, once everything has been removed.
-void ManagerImpl::run(Shim const* below) {
-    ++removalRuns_;
-    while (removals_ != below) step(*removals_);
-    --removalRuns_;
-    if (removalRuns_ == 0 && removalFailure_) std::rethrow_exception(std::exchange(removalFailure_, nullptr));
-}
-
-template <class Work>
-void ManagerImpl::shielded(Work&& work) noexcept {
-    try {
-        work();
-    } catch (...) {
-        if (!removalFailure_) removalFailure_ = std::current_exception();
-    }
+void Removals::run(Shim const* below) {
+    ++runs_;
+    while (top_ != below) step(*top_);
+    --runs_;
+    if (runs_ == 0) std::exchange(failure_, urOS::FirstError()).rethrow();
 }
 
 /// Runs hooks for the shim on top of the stack. Of the removals that had to wait, those begun first go first.
 template <class Work>
-void ManagerImpl::callHooks(Shim& shim, Work&& work) noexcept {
-    shielded(work);
-    Shim* waiting = std::exchange(removals_, &shim);
+void Removals::callHooks(Shim& shim, Work&& work) noexcept {
+    failure_.guard(work);
+    Shim* waiting = std::exchange(top_, &shim);
     while (waiting != &shim) {
         Shim* const next = waiting->below_;
-        waiting->below_ = std::exchange(removals_, waiting);
+        waiting->below_ = std::exchange(top_, waiting);
         waiting = next;
     }
 }
 
 // Former relatives are let go of one at a time, since each may be the last that counts: its removal, on top then, ends
 // first.
-void ManagerImpl::step(Shim& shim) noexcept {
+void Removals::step(Shim& shim) noexcept {
     using Removal = Shim::Removal;
     switch (shim.removal_) {
         case Removal::none: return;
@@ -75,20 +68,20 @@ void ManagerImpl::step(Shim& shim) noexcept {
             shim.removal_ = Removal::finish;
             return;
         case Removal::finish: shim.removal_ = Removal::done; return finish(shim);
-        case Removal::done: removals_ = std::exchange(shim.below_, nullptr); shim.unref();
+        case Removal::done: top_ = std::exchange(shim.below_, nullptr); shim.unref();
     }
 }
 
-void ManagerImpl::clearForRemoval(Shim& shim) {
+void Removals::clearForRemoval(Shim& shim) {
     if (!shim.resource_) return;
     unsigned const size = sizeForRemoval(shim);
     if (!shim.resource_) return;
     if (shim.pageEntry_) {
-        cleanUpPaging(shim);
+        manager_.pager_.release(shim);
     } else {
-        takeFromUsed(shim, size);
+        manager_.takeFromUsed(shim, size);
     }
-    ur::Reference<Resource> resource = takeResource(shim, Cause::removal);
+    ur::Reference<Resource> resource = manager_.takeResource(shim, Leaving::removal);
     bool const isHeldElsewhere = resource->referenceCount() > 1;
     if (isHeldElsewhere && shim.hasParents()) shim.relatives_->resource.swap(resource);
     resource.reset();
@@ -96,19 +89,19 @@ void ManagerImpl::clearForRemoval(Shim& shim) {
 }
 
 /// Where the resource does not tell, what it told when it came.
-unsigned ManagerImpl::sizeForRemoval(Shim const& shim) noexcept {
+unsigned Removals::sizeForRemoval(Shim const& shim) noexcept {
     unsigned size = shim.size_;
     if (shim.pageEntry_) return size;
     ur::Reference<Resource> const resource = shim.resource_;
-    shielded([&] { size = resource->getSizeInBytes(); });
+    failure_.guard([&] { size = resource->getSizeInBytes(); });
     return size;
 }
 
-void ManagerImpl::finish(Shim& shim) noexcept {
-    table_.take(shim).reset();
+void Removals::finish(Shim& shim) noexcept {
+    manager_.table_.take(shim).reset();
     callHooks(shim, [&] { shim.key_->keyRemoved(); });
-    record(TraceRecorder::Event::remove, shim);
-    if (shim.hot_) accountant_.cool(shim);
+    manager_.record(TraceRecorder::Event::remove, shim);
+    if (shim.hot_) manager_.accountant_.cool(shim);
     shim.manager_ = nullptr;
     callHooks(shim, [&] {
         shim.relatives_.reset();
@@ -117,12 +110,12 @@ void ManagerImpl::finish(Shim& shim) noexcept {
 }
 
 /// Gives up one reference. Where it is the last that counts, the removal waits on top of the stack.
-void ManagerImpl::letGo(Shim& relative) noexcept {
+void Removals::letGo(Shim& relative) noexcept {
     if (relative.strongCount_ - 1 == relative.weakCount_) push(relative);
     relative.unref();
 }
 
-void ManagerImpl::removeReporting(Shim& shim) noexcept {
+void Removals::removeReporting(Shim& shim) noexcept {
     try {
         remove(shim);
     } catch (...) {
@@ -132,22 +125,22 @@ void ManagerImpl::removeReporting(Shim& shim) noexcept {
 
 // Keys that name each other are never without dependents: they come last. So does, in any order, what there was no
 // memory to sort.
-void ManagerImpl::removeAll() noexcept {
-    dying_ = true;
+void Removals::removeAll() noexcept {
+    manager_.dying_ = true;
     try {
         ur::vector<ur::Reference<Shim>> roots;
-        table_.forEach([&](Shim& shim) {
+        manager_.table_.forEach([&](Shim& shim) {
             if (!shim.hasParents()) roots.emplace_back(&shim);
         });
         removeEach(std::move(roots));
     } catch (std::bad_alloc const&) {
     }
     std::size_t place = 0;
-    while (Shim* const shim = table_.firstFrom(place)) removeReporting(*shim);
+    while (Shim* const shim = manager_.table_.firstFrom(place)) removeReporting(*shim);
 }
 
 /// And what has no dependents left then.
-void ManagerImpl::removeEach(ur::vector<ur::Reference<Shim>> shims) {
+void Removals::removeEach(ur::vector<ur::Reference<Shim>> shims) {
     while (!shims.empty()) {
         ur::Reference<Shim> const root = std::move(shims.back());
         shims.pop_back();
@@ -157,7 +150,7 @@ void ManagerImpl::removeEach(ur::vector<ur::Reference<Shim>> shims) {
         }
         removeReporting(*root);
         for (ur::Reference<Shim>& child : children) {
-            if (isAttached(*child) && !child->hasParents()) shims.push_back(std::move(child));
+            if (manager_.isAttached(*child) && !child->hasParents()) shims.push_back(std::move(child));
         }
     }
 }

@@ -1,4 +1,6 @@
-// Writing payloads to the page file and getting them back.
+// Writing payloads to the page file and reading them back.
+#include "krcache/impl/Pager.h"
+
 #include "krcache/debugChannel.h"
 #include "krcache/impl/FileStream.h"
 #include "krcache/impl/ManagerImpl.h"
@@ -21,17 +23,16 @@ std::exception_ptr thrownBy(Work&& work) noexcept {
 }  // namespace
 
 /// `size`: what the resource takes now. Its chunk has the size that it had when it came.
-void ManagerImpl::pageOut(Shim& shim, unsigned size) {
-    PageFileEntry* const chunk = pageFile_.allocate(shim.size_);
+void Pager::pageOut(Shim& shim, unsigned size) {
+    PageFileEntry* const chunk = file_.allocate(shim.size_);
     if (!chunk) {
-        reportLoss(shim,
-                   pageFile_.openError().isError() ? pageFile_.openError() : urUtil::Error(0, "the file is full"));
-        return clearAllocated(shim, size, Cause::pageFailure);
+        reportLoss(shim, file_.openError().isError() ? file_.openError() : urUtil::Error(0, "the file is full"));
+        return manager_.clearAllocated(shim, size, Leaving::pageFailure);
     }
-    takeFromUsed(shim, size);
+    manager_.takeFromUsed(shim, size);
     shim.pageEntry_ = chunk;
 
-    FileStream stream(pageFile_, *chunk, FileStream::Direction::write);
+    FileStream stream(file_, *chunk, FileStream::Direction::write);
     ur::Reference<Resource> const resource = shim.resource_;
     std::exception_ptr const thrown = thrownBy([&] {
         Scoped const paging(shim.paging_, true);
@@ -39,20 +40,20 @@ void ManagerImpl::pageOut(Shim& shim, unsigned size) {
     });
     stream.finish();
     if (!endPaging(shim, *chunk, stream, thrown)) return;
-    ++statistics_.pagesOut;
-    statistics_.pagesOutBytes += stream.transferred();
-    record(TraceRecorder::Event::pageOut, shim);
-    noteLeaving(shim, Cause::pageOut);
+    ++manager_.statistics_.pagesOut;
+    manager_.statistics_.pagesOutBytes += stream.transferred();
+    manager_.record(TraceRecorder::Event::pageOut, shim);
+    manager_.noteLeaving(shim, Leaving::pageOut);
 }
 
 // False when the payload is lost, or the shim was removed meanwhile.
-bool ManagerImpl::pageIn(Shim& shim) {
-    makeSpace(shim.size_, shim.residential_);
+bool Pager::pageIn(Shim& shim) {
+    manager_.makeSpace(shim.size_, shim.residential_);
     PageFileEntry* const chunk = shim.pageEntry_;
     if (!chunk) return false;
 
     ur::Reference<KeyData> const key = shim.key_;
-    FileStream stream(pageFile_, *chunk, FileStream::Direction::read);
+    FileStream stream(file_, *chunk, FileStream::Direction::read);
     ur::Reference<Resource> const resource = shim.resource_;
     unsigned size = 0;
     std::exception_ptr const thrown = thrownBy([&] {
@@ -61,42 +62,42 @@ bool ManagerImpl::pageIn(Shim& shim) {
         if (!stream.failed()) size = resource->getSizeInBytes();
     });
     if (!endPaging(shim, *chunk, stream, thrown)) return false;
-    cleanUpPaging(shim);
-    link(shim);
-    ++statistics_.pagesIn;
-    statistics_.pagesInBytes += stream.transferred();
-    account(shim, *key, size, TraceRecorder::Event::pageIn);
+    release(shim);
+    manager_.link(shim);
+    ++manager_.statistics_.pagesIn;
+    manager_.statistics_.pagesInBytes += stream.transferred();
+    manager_.account(shim, *key, size, TraceRecorder::Event::pageIn);
     return true;
 }
 
 // Whether the payload has been moved whole. One that has not is lost: the key builds the resource anew when it is
 // needed.
-bool ManagerImpl::endPaging(Shim& shim, PageFileEntry& chunk, FileStream const& stream,
-                            std::exception_ptr const& thrownByResource) {
+bool Pager::endPaging(Shim& shim, PageFileEntry& chunk, FileStream const& stream,
+                      std::exception_ptr const& thrownByResource) {
     std::exception_ptr const& thrown = thrownByResource ? thrownByResource : stream.thrown();
     bool const wasRemoved = shim.pageEntry_ != &chunk;
     bool const isLost = !wasRemoved && (thrown || stream.failed());
-    if (wasRemoved) pageFile_.release(&chunk);
+    if (wasRemoved) file_.release(&chunk);
     if (isLost) {
-        cleanUpPaging(shim);
+        release(shim);
         if (!thrown) reportLoss(shim, stream.error());
-        dropResource(shim, Cause::pageFailure);
+        manager_.dropResource(shim, Leaving::pageFailure);
     }
     if (thrown) std::rethrow_exception(thrown);
     return !wasRemoved && !isLost;
 }
 
-/// Gives up the chunk; while a stream is open on it, whoever opened the stream releases it.
-void ManagerImpl::cleanUpPaging(Shim& shim) {
+/// Gives up the chunk; while a stream is open on it, the code that opened the stream releases it.
+void Pager::release(Shim& shim) {
     PageFileEntry* const chunk = std::exchange(shim.pageEntry_, nullptr);
-    if (!shim.paging_) pageFile_.release(chunk);
+    if (!shim.paging_) file_.release(chunk);
 }
 
-// A file that could not be opened is told of once: it would be told of at every eviction. What there is no memory to
-// tell is not told, since the loss is still to be dealt with.
-void ManagerImpl::reportLoss(Shim const& shim, urUtil::Error const& why) noexcept {
-    bool const isOpen = pageFile_.openError().ok();
-    if (!isOpen && std::exchange(pageFileTold_, true)) return;
+// A file that could not be opened is reported once, not at every eviction. A report that there is no memory for is left
+// out, since the loss is still to be dealt with.
+void Pager::reportLoss(Shim const& shim, urUtil::Error const& why) noexcept {
+    bool const isOpen = file_.openError().ok();
+    if (!isOpen && std::exchange(isLossReported_, true)) return;
     static_cast<void>(thrownBy([&] {
         debugChannel().print("Dropped a %.02fMB resource instead of paging it: %s\n", impl::megabytes(shim.size_),
                              std::string(why.message()).c_str());
