@@ -129,6 +129,10 @@ TEST_F(PageFileTest, OnlyWhatIsReadIsChecked) {
         char back[10];
         for (std::size_t done = 0; done < (isWhole ? 4 : 10); done += step) static_cast<void>(in.read(back, step));
         EXPECT_EQ(in.failed(), !isWhole);
+        FileStream direct(small, *chunk, FileStream::Direction::read);
+        std::size_t done = 9;
+        EXPECT_TRUE(direct.read(back, 8, &done).ok());
+        EXPECT_EQ(done, 4U) << "up to the block that is damaged";
     }
 }
 
@@ -219,6 +223,7 @@ bool canPage(fs::path const& folder) {
     }
     manager.clear();
     std::string const text = messages.take(), once = "Dropped a 0.00MB resource instead of paging it: ";
+    EXPECT_EQ(text.find("Bad file descriptor"), std::string::npos) << "the reason is that of opening the file";
     bool const isTold = text.rfind(once) == 0 && text.find(once, 1) == std::string::npos;
     EXPECT_EQ(manager.statistics().pagesOut, isTold ? 0U : 2U) << text;
     EXPECT_NE(manager.accessResource(manager.findShim(make<Key>(1))), nullptr);
