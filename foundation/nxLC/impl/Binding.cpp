@@ -4,11 +4,11 @@
 #include <memory>
 
 #include "foundation/nxLC/impl/ScriptFunction.h"
-#include "foundation/nxLC/impl/catchers.h"
+#include "foundation/nxLC/impl/catching.h"
 #include "foundation/nxLC/impl/errors.h"
+#include "foundation/nxLC/impl/lua.h"
 #include "foundation/nxLC/impl/objects.h"
 #include "foundation/nxLC/impl/publish.h"
-#include "foundation/nxLC/impl/pushAddress.h"
 #include "foundation/nxLC/impl/runProtected.h"
 
 namespace nxLC::impl {
@@ -108,7 +108,7 @@ int Binding::setUp(lua_State* state) {
     lua_rawset(state, LUA_REGISTRYINDEX);
     lua_pushvalue(state, -1);
     binding->anchor = keep(state);
-    replaceCatchers(state);
+    replaceCatchingFunctions(state);
 
     pushTraceback(state);
     lua_pushcclosure(state, &traceError, 2);

@@ -2,3 +2,12 @@
 #pragma once
 
 #include <lua.hpp>
+
+namespace nxLC::impl {
+
+/// Pushes the address of a variable, as a key that scripts cannot make. Its content does not matter. Never raises.
+inline void pushAddress(lua_State* state, char const& place) noexcept {
+    lua_pushlightuserdata(state, const_cast<char*>(&place));
+}
+
+}  // namespace nxLC::impl

@@ -4,8 +4,8 @@
 #include <string_view>
 
 #include "foundation/nxLC/impl/calls.h"
+#include "foundation/nxLC/impl/lua.h"
 #include "foundation/nxLC/impl/objects.h"
-#include "foundation/nxLC/impl/pushAddress.h"
 
 namespace nxLC::impl {
 

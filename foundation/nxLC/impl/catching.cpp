@@ -1,5 +1,5 @@
 // Catching errors, except those that end a script.
-#include "foundation/nxLC/impl/catchers.h"
+#include "foundation/nxLC/impl/catching.h"
 
 #include "foundation/nxLC/impl/Binding.h"
 
@@ -102,7 +102,7 @@ void replace(lua_State* state, int anchor, char const* name, lua_CFunction repla
 
 }  // namespace
 
-void replaceCatchers(lua_State* state) {
+void replaceCatchingFunctions(lua_State* state) {
     int const anchor = lua_gettop(state);
     lua_pushvalue(state, LUA_GLOBALSINDEX);
     replace(state, anchor, "pcall", &callAndCatch);

@@ -1,13 +1,7 @@
-// Running bodies that may raise, and raising what C++ code threw.
-#include "foundation/nxLC/protect.h"
-
-#include <cstdio>
-#include <cstdlib>
-
-#include "foundation/nxLC/impl/Binding.h"
-#include "foundation/nxLC/impl/errors.h"
-#include "foundation/nxLC/impl/pushAddress.h"
+// Calls through lua_pcall.
 #include "foundation/nxLC/impl/runProtected.h"
+
+#include "foundation/nxLC/impl/errors.h"
 
 namespace nxLC::impl {
 
@@ -63,19 +57,6 @@ int runProtected(lua_State* state, int arguments, int results, int handler, Body
     int const status = lua_pcall(state, arguments + 1, results, handler);
     if (status == 0 && error && results > 0) lua_pop(state, results);
     return status;
-}
-
-void protectBody(lua_State* state, int arguments, int results, Body body, void* context) {
-    std::exception_ptr error;
-    if (runProtected(state, arguments, results, 0, body, context, error) != 0) throw takeError(state);
-    if (error) std::rethrow_exception(error);
-}
-
-void ErrorText::set(char const* text) noexcept { std::snprintf(bytes, sizeof bytes, "%s", text); }
-
-void raise(lua_State* state, ErrorText const& text) {
-    luaL_error(state, "%s", text.bytes);
-    std::abort();  // not reached
 }
 
 }  // namespace nxLC::impl

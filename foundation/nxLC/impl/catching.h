@@ -9,6 +9,6 @@ namespace nxLC::impl {
 /// They do the same, but the first four pass on the error of a script that is to end, and the others have the meter
 /// count what the coroutine will run: otherwise each of many threads could go on for as long as its own hook does not
 /// strike. The anchor is on top. Raises.
-void replaceCatchers(lua_State* state);
+void replaceCatchingFunctions(lua_State* state);
 
 }  // namespace nxLC::impl
