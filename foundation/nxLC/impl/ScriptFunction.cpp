@@ -113,7 +113,6 @@ Held functionAt(Binding& binding, int place) {
 }
 
 void pushScriptFunction(Binding& binding, lua_State* state, Held const& function) {
-    if (!function) return lua_pushnil(state);
     auto const* const own = dynamic_cast<ScriptFunction const*>(function.get());
     if (own && own->push(binding, state)) return;
     Binding::pushKept(state, binding.anchor);

@@ -70,7 +70,11 @@ TEST_F(Limits, EndScriptsThatAllocate) {
     for (char const* const greedy :
          {"local t = {} for i = 1, 1e9 do t[i] = {i} end", "local s = 'x' while true do s = s .. s end",
           "string.rep('x', 1e8)", "local t = {} for i = 1, 1e9 do t[i] = coroutine.create(function() end) end"}) {
-        EXPECT_EQ(run(greedy), "memory budget spent") << greedy;
+        EXPECT_NE(run("error('traced')"), "ok");
+        auto const error = state->run(greedy, "=test");
+        ASSERT_TRUE(error) << greedy;
+        EXPECT_EQ(error->message(), "memory budget spent") << greedy;
+        EXPECT_TRUE(error->trace().view().find("error") == std::string_view::npos) << "that of another error";
         EXPECT_EQ(run("error('not enough memory', 0)"), "not enough memory") << greedy;
         EXPECT_EQ(run("collectgarbage() for i = 1, 100 do local s = string.rep('x', i) end"), "ok") << greedy;
     }

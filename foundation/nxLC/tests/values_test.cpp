@@ -4,6 +4,7 @@
 #include "foundation/nxLC/StackChecker.h"
 #include "foundation/nxLC/stackValues.h"
 #include "foundation/nxLC/tests/Farm.h"
+#include "foundation/nxLC/walkValue.h"
 
 namespace {
 
@@ -108,6 +109,30 @@ TEST_F(Values, HostsReadAndWriteStacks) {
     lua_State* const other = luaL_newstate();
     EXPECT_THROW(nxLC::readFromLua(other, stack, 1), Exception);
     lua_close(other);
+}
+
+TEST_F(Values, WalksVisitTablesInOrderAndLeaveTheStackAsItWas) {
+    struct Sink final : nxLC::ValueSink {
+        void onNil() override { seen += "nil "; }
+        void onBoolean(bool value) override { seen += value ? "true " : "false "; }
+        void onNumber(double value) override { seen += std::to_string(static_cast<int>(value)) + " "; }
+        void onText(char const* bytes, std::size_t size) override { seen.append(bytes, size) += ' '; }
+        void startArray() override { seen += "[ "; }
+        void endArray() override { seen += "] "; }
+        void startDictionary() override { seen += "{ "; }
+        void endDictionary() override { seen += "} "; }
+        bool onOther(lua_State* /*state*/, int /*index*/) override { return false; }
+        std::string seen;
+    };
+    lua_State* const L = state->get();
+    nxLC::StackChecker const checker(L, 0);
+    Sink sink;
+    for (char const* const value : {"return {1, {true, false}, {}}", "return {key = {b = 'text'}}", "return nil"}) {
+        ASSERT_EQ(luaL_dostring(L, value), 0);
+        nxLC::walkValue(L, lua_gettop(L), sink);
+        lua_pop(L, 1);
+    }
+    EXPECT_EQ(sink.seen, "[ 1 [ true false ] [ ] ] { key { b text } } nil ");
 }
 
 TEST_F(Values, NativeFunctionsGoWithTheLastScriptValue) {
