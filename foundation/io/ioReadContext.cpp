@@ -50,19 +50,19 @@ void ioReadContext::readFile(ioClientReadContext& client) {
     if (client_) return fail(ioStatus::misuse);
     client_ = &client;
     registry_.registerTypes();
-    if (readFileMark()) readPackets(client);
+    readFileMark();
+    if (ok()) readPackets(client);
 }
 
-bool ioReadContext::readFileMark() {
+void ioReadContext::readFileMark() {
     for (char const expected : ioFormat::fileMark) {
-        if (!need(1)) return false;
+        if (!need(1)) return;
         if (*input_.next() != expected) fail(ioStatus::notAPacketFile);
         if (ok()) input_.advance(1);
     }
-    if (!need(1)) return false;
+    if (!need(1)) return;
     if (nextByte() != ioFormat::version) fail(ioStatus::unknownVersion);
     if (ok()) input_.advance(1);
-    return ok();
 }
 
 void ioReadContext::readPackets(ioClientReadContext& client) {

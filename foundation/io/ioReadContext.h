@@ -101,7 +101,7 @@ private:
     [[nodiscard]] bool need(std::size_t bytes);
     [[nodiscard]] unsigned char nextByte() const noexcept { return static_cast<unsigned char>(*input_.next()); }
 
-    [[nodiscard]] bool readFileMark();
+    void readFileMark();
     void readPackets(ioClientReadContext& client);
 
     // What the inline functions leave to be done when the bytes are not the most usual ones.

@@ -147,8 +147,8 @@ inline bool ioReadContext::Row::packet(std::string_view& value) noexcept {
 inline bool ioReadContext::Row::enter(std::size_t& size) {
     unsigned char const token = byteAt(at_ + 1);
     unsigned const number = ioFormat::numberOf(token);
-    bool const isCount = ioFormat::kindOf(token) == ioFormat::integer && number != ioFormat::longNumber;
-    if (!isCount || ioFormat::unzigzag(number) < 0) return false;
+    static_assert(ioFormat::unzigzag(ioFormat::longNumber) < 0, "a long number is refused like a negative one");
+    if (ioFormat::kindOf(token) != ioFormat::integer || ioFormat::unzigzag(number) < 0) return false;
     static_cast<void>(context_.enter(ioFormat::numberOf(first()), ioFormat::plainPacket));
     size = static_cast<std::size_t>(ioFormat::unzigzag(number));
     at_ += 2;

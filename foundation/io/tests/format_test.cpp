@@ -127,6 +127,7 @@ TEST(Packets, ResolveReferencesToOneObjectAndFollowTheWritersQuestions) {
             EXPECT_TRUE(context.isReferenceDefined(&object));
         }
         for (int& object : objects) context.writeReference(&object, 0);
+        context.writeReference(nullptr, 0);
         context.endPacket();
     });
     std::vector<int> read(objects.size());
@@ -135,6 +136,8 @@ TEST(Packets, ResolveReferencesToOneObjectAndFollowTheWritersQuestions) {
     reader.on("a", [&](ioReadContext& context) {
         for (std::size_t i = 0; i < read.size(); ++i) references.push_back(context.readReference(0));
         EXPECT_EQ(context.referencedType()->name(), "b");
+        EXPECT_EQ(context.readReference(0), nullptr);
+        EXPECT_EQ(context.referencedType(), nullptr);
     });
     reader.on("b", [&](ioReadContext& context) { context.definePacketObject(&read[context.readIntValue()]); });
     EXPECT_EQ(reader.read(bytes), 0);
