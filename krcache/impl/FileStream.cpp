@@ -100,13 +100,10 @@ std::size_t FileStream::readSome(char* bytes, std::size_t count) {
 
 bool FileStream::readBlock(char* bytes, std::size_t count) {
     error_ = file_.file().readAt(entry_.offset_ + transferred_, bytes, count);
-    if (error_.isError()) return false;
-    if (impl::checksum(bytes, count) != entry_.checks_[transferred_ / file_.blockSize()]) {
+    if (error_.ok() && impl::checksum(bytes, count) != entry_.checks_[transferred_ / file_.blockSize()])
         error_ = Error(EIO, "the file has been changed by someone else");
-        return false;
-    }
-    transferred_ += count;
-    return true;
+    if (error_.ok()) transferred_ += count;
+    return error_.ok();
 }
 
 char* FileStream::block() {

@@ -122,6 +122,8 @@ TEST(ResidentSize, IsSampledNowAndThenAndLessThanResourcesClaim) {
     resident = 1000;
     cache.manager.setUseResidentSize();
     cache.manager.setMemoryLimit(5000);
+    for (int request = 1; request < 10; ++request) cache.manager.enforceMemoryLimit(0);
+    EXPECT_EQ(samples, 1);
     cache.access(elsewhere), cache.access(claims);
     EXPECT_TRUE(elsewhere->isResourceAllocated() && claims->isResourceAllocated());
     EXPECT_EQ(samples, 3);
