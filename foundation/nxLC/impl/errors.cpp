@@ -93,7 +93,6 @@ nxRFL::Exception takeError(lua_State* state) { return nxRFL::Exception(messageOf
 int traceError(lua_State* state) {
     lua_settop(state, 1);
     makeText(state, 1);
-    lua_settop(state, 1);
     lua_pushvalue(state, lua_upvalueindex(2));
     lua_pushliteral(state, "");
     lua_pushinteger(state, 2);  // without this function

@@ -113,6 +113,7 @@ TEST_F(Objects, BelongToScriptsOnlyWhenGiven) {
     state->reflection().pushObject(L, Object(later, barns));
     lua_setglobal(L, "again");
     succeed("assert(rawequal(later, again))");
+    EXPECT_EQ(Barn::alive, 2);
     auto const rex = giveAnimal("rex");
     for (int i = 0; i < 2; ++i) {
         state->reflection().pushObject(L, Object(rex.get(), *database.getClass("farm::Animal")));
