@@ -19,7 +19,7 @@ public:
     explicit Arg(ur::Reference<nxPLST::Item const> item) noexcept : item_(std::move(item)) {}
     Arg(Arg const&) noexcept = default;
     Arg& operator=(Arg const&) noexcept = default;
-    ~Arg() override;
+    ~Arg() override = default;
 
     [[nodiscard]] ur::Reference<nxPLST::Item const> item() const noexcept { return item_; }
 

@@ -8,12 +8,7 @@
 
 namespace nxDYD {
 
-Arg::~Arg() = default;
-Hooks::~Hooks() = default;
 Function::~Function() = default;
-
-void Hooks::preInvoke(Function* /*function*/, ur::vector<ur::Reference<Arg>>& /*args*/) {}
-void Hooks::postInvoke(Function* /*function*/, ur::vector<ur::Reference<Arg>> const& /*args*/, Arg const* /*result*/) {}
 
 ur::Reference<Arg> Function::call(ur::vector<ur::Reference<Arg>>& args) {
     auto const self = ur::keepAlive(*this);

@@ -16,12 +16,13 @@ public:
     Hooks() noexcept = default;
     Hooks(Hooks const&) noexcept = default;
     Hooks& operator=(Hooks const&) noexcept = default;
-    ~Hooks() override;
+    ~Hooks() override = default;
 
     /// Before `function` runs. May change the arguments, also their number.
-    virtual void preInvoke(Function* function, ur::vector<ur::Reference<Arg>>& args);
+    virtual void preInvoke(Function* /*function*/, ur::vector<ur::Reference<Arg>>& /*args*/) {}
     /// After `function` has returned `result`, which may be null. Not called when it has thrown.
-    virtual void postInvoke(Function* function, ur::vector<ur::Reference<Arg>> const& args, Arg const* result);
+    virtual void postInvoke(Function* /*function*/, ur::vector<ur::Reference<Arg>> const& /*args*/,
+                            Arg const* /*result*/) {}
 };
 
 }  // namespace nxDYD

@@ -12,7 +12,6 @@
 #include "plst/Double.h"
 #include "plst/String.h"
 #include "plst/impl/ChildWalk.h"
-#include "plst/impl/ExpansionGuard.h"
 #include "plst/impl/json/JsonNumberWriter.h"
 
 namespace nxPLST {
@@ -146,12 +145,5 @@ private:
 }  // namespace
 
 Expansion expansionOf(Item const* root) { return Expander().run(root); }
-
-bool impl::ExpansionGuard::check() {
-    Expansion const expansion = expansionOf(root_);
-    if (expansion.shares && expansion.textBytes > most_) return false;
-    unchecked_ = unbounded;
-    return true;
-}
 
 }  // namespace nxPLST

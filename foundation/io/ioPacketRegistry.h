@@ -10,7 +10,7 @@
 /// The packet types that a file may be written with, or that are understood when it is read.
 class NX_API ioPacketRegistry {
 public:
-    virtual ~ioPacketRegistry();
+    virtual ~ioPacketRegistry() = default;
 
     /// Adds a type. The first one of a name stays.
     virtual void supportedType(std::unique_ptr<ioPacketType> type) = 0;

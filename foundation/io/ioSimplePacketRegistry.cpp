@@ -3,7 +3,6 @@
 
 #include <utility>
 
-ioPacketRegistry::~ioPacketRegistry() = default;
 ioSimplePacketRegistry::~ioSimplePacketRegistry() = default;
 
 void ioSimplePacketRegistry::supportedType(std::unique_ptr<ioPacketType> type) {

@@ -17,7 +17,7 @@ class NX_API Exception : public std::exception {
 public:
     explicit Exception(urString::CString message, urString::CString trace = {}) noexcept
         : message_(std::move(message)), trace_(std::move(trace)) {}
-    ~Exception() override;
+    ~Exception() override = default;
 
     [[nodiscard]] urString::CString const& message() const noexcept { return message_; }
     /// The calls that led to it, one a line, when it was raised inside a script; otherwise empty.

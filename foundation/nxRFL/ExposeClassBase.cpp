@@ -49,9 +49,4 @@ void ExposeClassBase::add(Member::Kind kind, urString::CString const& name, ur::
     class_.members_.add({kind, name, std::move(function), std::move(second)});
 }
 
-void ExposeFunction::add(urString::CString const& name, ur::Reference<Function> function) {
-    nameFunction(function, table_.name, name);
-    table_.functions.add({Member::Kind::function, name, std::move(function), nullptr});
-}
-
 }  // namespace nxRFL

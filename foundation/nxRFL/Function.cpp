@@ -1,19 +1,14 @@
-// The arity check, and the anchors of the library's base classes.
+// What functions have in common.
 #include "foundation/nxRFL/Function.h"
 
 #include "foundation/nxRFL/Exception.h"
-#include "foundation/nxRFL/IteratorState.h"
 #include "foundation/nxRFL/Reader.h"
 
 namespace nxRFL {
 
 using urString::CString;
 
-Exception::~Exception() = default;
 Function::~Function() = default;
-IteratorState::~IteratorState() = default;
-
-void IteratorState::chargeTo(std::shared_ptr<ur::Account> const& /*account*/) {}
 
 bool Function::onCallPlain(std::span<PlainValue const> /*arguments*/, PlainResult& /*result*/) const { return false; }
 

@@ -19,14 +19,14 @@ public:
     IteratorState() = default;
     IteratorState(IteratorState const&) = delete;
     IteratorState& operator=(IteratorState const&) = delete;
-    virtual ~IteratorState();
+    virtual ~IteratorState() = default;
 
     /// There is a current entry.
     [[nodiscard]] virtual bool valid() const = 0;
     /// Goes on to the next entry. Requires: valid.
     virtual void advance() = 0;
     /// For states that own more than a few bytes: charges them from now on.
-    virtual void chargeTo(std::shared_ptr<ur::Account> const& account);
+    virtual void chargeTo(std::shared_ptr<ur::Account> const& /*account*/) {}
 };
 
 /// Walks over a map in key order, and goes on behind the key last seen when the map has changed meanwhile.

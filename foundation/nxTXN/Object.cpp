@@ -1,7 +1,6 @@
-// Objects and their manager.
+// Objects and their history.
 #include "foundation/nxTXN/Object.h"
 
-#include "foundation/nxTXN/RefCountedObject.h"
 #include "foundation/nxTXN/impl/History.h"
 
 namespace nxTXN {
@@ -29,22 +28,5 @@ void Object::transact() {
 bool Object::isTxnExtant() const noexcept { return history_ && history_->lifetimes().entryOf(*this).exists(); }
 
 Manager* Object::txnManager() const noexcept { return history_ ? &history_->manager() : nullptr; }
-
-RefCountedObject::~RefCountedObject() = default;
-
-void RefCountedObject::txnDelete() { delete this; }
-
-void RefCountedObject::onTxnGetSize(ObjectSize& size) const {
-    size.raiseBase(sizeof(RefCountedObject));
-    Object::onTxnGetSize(size);
-}
-
-// References to const objects count as well, and the last of them may be what keeps the object.
-void RefCountedObject::lastReferenceGone() const noexcept {
-    auto& self = const_cast<RefCountedObject&>(*this);
-    history_ ? history_->lifetimes().lastReferenceGone(self) : impl::Lifetimes::removeOrphan(self);
-}
-
-Serializer::~Serializer() = default;
 
 }  // namespace nxTXN

@@ -50,7 +50,7 @@ using RestoreHook = void (*)(Object* object, Restorer& restorer);
 /// its base in between. Nested brackets belong to the outermost one; of several hooks the first given counts.
 class NX_API Serializer {
 public:
-    virtual ~Serializer();
+    virtual ~Serializer() = default;
 
     /// `hook` may be null.
     virtual void beginObject(Object* object, RestoreHook hook) = 0;

@@ -11,7 +11,7 @@ public:
     ImplBase() = default;
     ImplBase(ImplBase const&) = delete;
     ImplBase& operator=(ImplBase const&) = delete;
-    virtual ~ImplBase();
+    virtual ~ImplBase() = default;
 };
 
 }  // namespace ur

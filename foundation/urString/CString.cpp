@@ -1,10 +1,13 @@
-// Changing a text: whatever may need a new block, and whatever an argument inside the text could upset.
+// Changing a text, and formatting one in no locale.
 #include "foundation/urString/CString.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <functional>
 #include <ostream>
 #include <stdexcept>
+
+#include "foundation/urString/impl/PlainLocale.h"
 
 namespace urString {
 
@@ -118,5 +121,31 @@ CString CString::substr(std::size_t position, std::size_t count) const {
 }
 
 std::ostream& operator<<(std::ostream& out, CString const& text) { return out << text.view(); }
+
+CString CString::vformat(char const* format, va_list arguments) {
+    impl::PlainLocale const plain;
+    char brief[256];
+    va_list again;
+    va_copy(again, arguments);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller's va_start, which the analyzer overlooks
+    int const length = std::vsnprintf(brief, sizeof brief, format, arguments);
+    CString result;
+    if (length > 0 && std::size_t(length) < sizeof brief) {
+        result.assign(brief, std::size_t(length));
+    } else if (length > 0) {
+        result.resize(std::size_t(length));
+        std::vsnprintf(result.data(), result.size() + 1, format, again);
+    }
+    va_end(again);
+    return result;
+}
+
+CString CString::format(char const* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    CString result = vformat(format, arguments);
+    va_end(arguments);
+    return result;
+}
 
 }  // namespace urString

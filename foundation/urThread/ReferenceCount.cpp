@@ -1,8 +1,6 @@
 // The end of objects that threads share.
 #include "foundation/urThread/ReferenceCount.h"
 
-#include "foundation/urThread/Runnable.h"
-
 namespace urThread {
 
 // Not inline: static analysis would see the deletion, not the count, and take every second use for one too late.
@@ -11,7 +9,5 @@ void ReferenceCount::unref() const noexcept {
 }
 
 ReferenceCount::~ReferenceCount() = default;
-
-Runnable::~Runnable() = default;
 
 }  // namespace urThread

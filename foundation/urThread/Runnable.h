@@ -13,7 +13,7 @@ public:
     virtual void run() = 0;
 
 protected:
-    ~Runnable() override;
+    ~Runnable() override = default;
 };
 
 }  // namespace urThread

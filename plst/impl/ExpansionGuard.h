@@ -2,7 +2,9 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 
 #include "plst/Expansion.h"
 
@@ -22,7 +24,12 @@ private:
     /// Texts of up to this size are not worth a look at the tree.
     static constexpr std::uint64_t shortText = std::uint64_t(16) << 20;
 
-    [[gnu::noinline]] bool check();
+    bool check() {
+        Expansion const expansion = expansionOf(root_);
+        if (expansion.shares && expansion.textBytes > most_) return false;
+        unchecked_ = std::numeric_limits<std::uint64_t>::max();
+        return true;
+    }
 
     Item const* root_ = nullptr;
     std::uint64_t most_;

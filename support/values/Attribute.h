@@ -14,6 +14,4 @@ public:
     [[nodiscard]] virtual T evaluate() const = 0;
 };
 
-extern template class Attribute<double>;
-
 }  // namespace nxSupport

@@ -16,7 +16,7 @@ protected:
     AttributeBase() noexcept = default;
     AttributeBase(AttributeBase const&) noexcept = default;
     AttributeBase& operator=(AttributeBase const&) noexcept = default;
-    ~AttributeBase() override;
+    ~AttributeBase() override = default;
 };
 
 }  // namespace nxSupport

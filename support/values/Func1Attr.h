@@ -25,6 +25,4 @@ private:
     ur::Reference<Attribute<Input>> input_;
 };
 
-extern template class Func1Attr<double, double>;
-
 }  // namespace nxSupport
