@@ -254,9 +254,9 @@ TEST_F(History, SaysOncePerClassThatAChangeWasNotRecorded) {
     urOS::MemoryIOStream output;
     ASSERT_TRUE(output.open(urOS::openForWriting).ok());
     urOS::AppOutput::getInstance().open(output);
-    for (int i = 0; i < 2; ++i) quiet->setValue(i);
+    for (int i = 0; i < 3; ++i) quiet->setValue(i);
     manager.begin("view", TransactionKind::constant);
-    for (int i = 0; i < 2; ++i) quiet->setValue(i);
+    for (int i = 0; i < 3; ++i) quiet->setValue(i);
     manager.commit();
     ASSERT_TRUE(urOS::AppOutput::getInstance().open("-", false).ok());
     EXPECT_THAT(std::string(output.contents().view()),
