@@ -17,8 +17,8 @@ namespace nxNet {
 /// the client's functions before it returns. The end is told once: with it both functions are released, and what is
 /// reported later changes the status but calls nothing.
 ///
-/// The functions may do anything: start, cancel, replace or remove themselves, throw into the reporting call, or drop the
-/// last reference. So the host touches the connection after a report only while it holds a reference of its own.
+/// The functions may do anything: start, cancel, replace or remove themselves, throw into the reporting call, or drop
+/// the last reference. So the host touches the connection after a report only while it holds a reference of its own.
 /// One thread at a time, reports included; nothing is locked.
 class NX_API Connection : public ur::ReferenceCount {
 public:

@@ -157,7 +157,7 @@ private:
     [[nodiscard]] bool overLimit() const noexcept;
 
     bool turn(std::size_t step, Lifetimes::Birth birth);
-    void putBack(std::size_t step, Lifetimes::Birth birth, urOS::FirstError& errors);
+    void putBack(std::size_t index, Lifetimes::Birth birth, urOS::FirstError& errors);
     void takeBack(Level const& level, urOS::FirstError& errors) noexcept;
 
     Manager& manager_;
