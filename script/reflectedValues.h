@@ -70,7 +70,7 @@ void read(Reader& reader, T& value) {
 }
 /// A normal is set from its direction.
 template <class T, int count>
-    requires Components<urLinear::BasicNormal<T, count>>
+requires Components<urLinear::BasicNormal<T, count>>
 void read(Reader& reader, urLinear::BasicNormal<T, count>& value) {
     urLinear::BasicVector<T, count> direction;
     reader.startArray();
