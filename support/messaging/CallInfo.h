@@ -17,7 +17,8 @@ class NX_API CallInfo {
 public:
     using Interfaces = ur::vector<std::pair<ur::TypeInfo, void*>>;
 
-    CallInfo() = default;
+    /// Room for the services of a usual host comes at once: one is made for each outermost context.
+    CallInfo() { interfaces_.reserve(32); }
     CallInfo(CallInfo const&) = delete;
     CallInfo& operator=(CallInfo const&) = delete;
 
