@@ -11,7 +11,7 @@ namespace urKRCache {
 
 /// Counts the bytes that are locked, that an interaction touches and that other code takes, and keeps their peaks.
 ///
-/// Owned and told by the manager. Prints new peaks on the cache's debug channel. Sizes are those that the shims
+/// Owned by the manager, which calls it. Prints new peaks on the cache's debug channel. Sizes are those that the shims
 /// have at the time of a call. Counters are wide inside; the 32-bit results stop at the largest value. They are
 /// signed, because bytes may go that an interaction did not see coming. The same thread as its manager.
 class NX_API Accountant {

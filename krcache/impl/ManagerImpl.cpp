@@ -114,7 +114,7 @@ void ManagerImpl::noteHit(Shim& shim) {
     record(TraceRecorder::Event::hit, shim);
 }
 
-// What there is no memory for is missing from the trace: nothing else may depend on there being one.
+// An event that there is no memory for is left out of the trace. Nothing else depends on whether there is a trace.
 void ManagerImpl::recordTraced(TraceRecorder::Event event, Shim const& shim) noexcept {
     try {
         trace_->record(event, shim.serial_, shim.size_);
@@ -263,7 +263,7 @@ void ManagerImpl::clearAllocated(Shim& shim, unsigned size, Cause cause) {
     dropResource(shim, cause);
 }
 
-/// The resource object goes and its key learns of it; its bytes are out of the counters already.
+/// Releases the resource and notifies its key. Requires: its bytes are out of the counters already.
 void ManagerImpl::dropResource(Shim& shim, Cause cause) {
     ur::Reference<KeyData> const key = shim.key_;
     takeResource(shim, cause).reset();

@@ -1,26 +1,16 @@
 // Writing payloads to the page file and reading them back.
 #include "krcache/impl/Pager.h"
 
+#include <string>
+#include <utility>
+
+#include "foundation/urOS/FirstError.h"
 #include "krcache/debugChannel.h"
 #include "krcache/impl/FileStream.h"
 #include "krcache/impl/ManagerImpl.h"
 #include "krcache/impl/sizes.h"
 
 namespace urKRCache {
-namespace {
-
-/// What `work` throws, or null.
-template <class Work>
-std::exception_ptr thrownBy(Work&& work) noexcept {
-    try {
-        work();
-    } catch (...) {
-        return std::current_exception();
-    }
-    return nullptr;
-}
-
-}  // namespace
 
 /// `size`: what the resource takes now. Its chunk has the size that it had when it came.
 void Pager::pageOut(Shim& shim, unsigned size) {
@@ -34,12 +24,13 @@ void Pager::pageOut(Shim& shim, unsigned size) {
 
     FileStream stream(file_, *chunk, FileStream::Direction::write);
     ur::Reference<Resource> const resource = shim.resource_;
-    std::exception_ptr const thrown = thrownBy([&] {
+    urOS::FirstError thrown;
+    thrown.guard([&] {
         Scoped const paging(shim.paging_, true);
         resource->onSerialize(stream);
     });
     stream.finish();
-    if (!endPaging(shim, *chunk, stream, thrown)) return;
+    if (!endPaging(shim, *chunk, stream, thrown.get())) return;
     ++manager_.statistics_.pagesOut;
     manager_.statistics_.pagesOutBytes += stream.transferred();
     manager_.record(TraceRecorder::Event::pageOut, shim);
@@ -56,12 +47,13 @@ bool Pager::pageIn(Shim& shim) {
     FileStream stream(file_, *chunk, FileStream::Direction::read);
     ur::Reference<Resource> const resource = shim.resource_;
     unsigned size = 0;
-    std::exception_ptr const thrown = thrownBy([&] {
+    urOS::FirstError thrown;
+    thrown.guard([&] {
         Scoped const paging(shim.paging_, true);
         resource->onDeserialize(stream);
         if (!stream.failed()) size = resource->getSizeInBytes();
     });
-    if (!endPaging(shim, *chunk, stream, thrown)) return false;
+    if (!endPaging(shim, *chunk, stream, thrown.get())) return false;
     release(shim);
     manager_.link(shim);
     ++manager_.statistics_.pagesIn;
@@ -98,10 +90,11 @@ void Pager::release(Shim& shim) {
 void Pager::reportLoss(Shim const& shim, urUtil::Error const& why) noexcept {
     bool const isOpen = file_.openError().ok();
     if (!isOpen && std::exchange(isLossReported_, true)) return;
-    static_cast<void>(thrownBy([&] {
+    urOS::FirstError ignored;
+    ignored.guard([&] {
         debugChannel().print("Dropped a %.02fMB resource instead of paging it: %s\n", impl::megabytes(shim.size_),
                              std::string(why.message()).c_str());
-    }));
+    });
 }
 
 }  // namespace urKRCache

@@ -88,7 +88,7 @@ void Removals::clearForRemoval(Shim& shim) {
     shim.key_->resourceCleared();
 }
 
-/// Where the resource does not tell, what it told when it came.
+/// The size now, or what the resource reported when it came if asking it throws.
 unsigned Removals::sizeForRemoval(Shim const& shim) noexcept {
     unsigned size = shim.size_;
     if (shim.pageEntry_) return size;
@@ -139,7 +139,7 @@ void Removals::removeAll() noexcept {
     while (Shim* const shim = manager_.table_.firstFrom(place)) removeReporting(*shim);
 }
 
-/// And what has no dependents left then.
+/// Removes the shims, and what has no dependents left afterwards.
 void Removals::removeEach(ur::vector<ur::Reference<Shim>> shims) {
     while (!shims.empty()) {
         ur::Reference<Shim> const root = std::move(shims.back());
