@@ -11,8 +11,9 @@ urString::CString const noName;
 }  // namespace
 
 Manager::Manager() : Manager(impl::Sizes{}) {}
-Manager::Manager(impl::Sizes const& sizes) : history_(std::make_unique<impl::History>(*this, sizes)) {}
+Manager::Manager(impl::Sizes const& sizes) : history_(new impl::History(*this, sizes)) {}
 Manager::~Manager() = default;
+void Manager::End::operator()(impl::History* history) const noexcept { history->end(); }
 
 void Manager::begin(urString::CString const& name, TransactionKind kind) { history_->begin(name, kind, nullptr); }
 void Manager::beginCoalescing(urString::CString const& name, void const* key) {

@@ -41,7 +41,9 @@ public:
     explicit Manager(impl::Sizes const& sizes);
     Manager(Manager const&) = delete;
     Manager& operator=(Manager const&) = delete;
-    /// Lets go of the history, then takes apart and deletes all objects that the manager owns.
+    /// Lets go of the history, then takes apart and deletes all objects that the manager owns. In a hook or listener
+    /// that the manager runs this happens when the operation under way has ended; its objects have no manager until
+    /// then.
     ~Manager();
 
     /// `name` is for menus: "Move", "Paint".
@@ -90,7 +92,10 @@ public:
 private:
     friend class Object;
 
-    std::unique_ptr<impl::History> history_;
+    struct End {
+        void operator()(impl::History* history) const noexcept;
+    };
+    std::unique_ptr<impl::History, End> history_;
 };
 
 }  // namespace nxTXN

@@ -27,6 +27,6 @@ void Object::transact() {
 
 bool Object::isTxnExtant() const noexcept { return history_ && history_->lifetimes().entryOf(*this).exists(); }
 
-Manager* Object::txnManager() const noexcept { return history_ ? &history_->manager() : nullptr; }
+Manager* Object::txnManager() const noexcept { return history_ ? history_->manager() : nullptr; }
 
 }  // namespace nxTXN

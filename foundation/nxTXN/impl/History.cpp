@@ -12,6 +12,7 @@
 namespace nxTXN::impl {
 
 History::~History() {
+    ++holds_;  // for good
     {
         Lifetimes::Deferral const deferral(lifetimes_);
         Busy const busy(*this);
@@ -124,6 +125,7 @@ bool History::mayEnd() const noexcept { return !levels_.empty() && !(busy_ && le
 
 bool History::commit() {
     if (!mayEnd()) return false;
+    Hold const hold(*this);
     Level level = std::move(levels_.back());
     levels_.pop_back();
     if (!level.keeps) return true;
@@ -283,6 +285,7 @@ void History::setLimits(std::size_t steps, std::size_t bytes) {
     stepLimit_ = steps;
     byteLimit_ = bytes;
     if (!ready() || !overLimit()) return;
+    Hold const hold(*this);
     enforceLimits();
     changed_.emit();
 }
@@ -290,6 +293,7 @@ void History::setLimits(std::size_t steps, std::size_t bytes) {
 bool History::clear() {
     if (!ready()) return false;
     if (steps_.empty()) return true;
+    Hold const hold(*this);
     while (redoCount() > 0) discardFarthest();
     while (undoCount() > 0) discardOldest();
     changed_.emit();
@@ -298,6 +302,7 @@ bool History::clear() {
 
 bool History::turn(std::size_t step, Lifetimes::Birth birth) {
     if (!ready()) return false;
+    Hold const hold(*this);
     urOS::FirstError errors;
     {
         Lifetimes::Deferral const deferral(lifetimes_);
@@ -328,6 +333,7 @@ void History::putBack(std::size_t index, Lifetimes::Birth birth, urOS::FirstErro
 
 bool History::abort() {
     if (!mayEnd()) return false;
+    Hold const hold(*this);
     urOS::FirstError errors;
     {
         Busy const busy(*this);  // also while what the abort leaves behind is retired
@@ -358,6 +364,7 @@ void History::settle(urOS::FirstError& errors) noexcept {
     lifetimes_.beginSettling();
     for (History* other : peers_) {
         if (other->busy_ || !other->lifetimes_.busy()) continue;
+        ++other->holds_;
         other->busy_ = true;
         other->settledBy_ = this;
         other->lifetimes_.beginSettling();
@@ -369,6 +376,7 @@ void History::settle(urOS::FirstError& errors) noexcept {
         other->lifetimes_.endSettling();
         other->settledBy_ = nullptr;
         other->busy_ = false;
+        other->release();
     }
 }
 

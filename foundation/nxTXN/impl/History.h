@@ -39,7 +39,7 @@ struct Level {
 class History {
 public:
     History(Manager& manager, Sizes const& sizes) noexcept
-        : manager_(manager),
+        : manager_(&manager),
           sizes_(sizes),
           lifetimes_(sizes.mostPins),
           records_(*this, sizes),
@@ -47,9 +47,26 @@ public:
           replay_(*this, records_) {}
     History(History const&) = delete;
     History& operator=(History const&) = delete;
-    ~History();
 
-    [[nodiscard]] Manager& manager() noexcept { return manager_; }
+    /// While one lives, the history does too: hooks may destroy the manager.
+    class Hold {
+    public:
+        explicit Hold(History& history) noexcept : history_(history) { ++history_.holds_; }
+        Hold(Hold const&) = delete;
+        Hold& operator=(Hold const&) = delete;
+        ~Hold() { history_.release(); }
+
+    private:
+        History& history_;
+    };
+
+    /// The manager goes; the history is deleted when nothing holds it.
+    void end() noexcept {
+        manager_ = nullptr;
+        if (holds_ == 0) delete this;
+    }
+    /// Null once the manager has gone.
+    [[nodiscard]] Manager* manager() noexcept { return manager_; }
     [[nodiscard]] Lifetimes& lifetimes() noexcept { return lifetimes_; }
     /// Throws when the fields of an object are too large for a record.
     void expectStorable(std::size_t dataBytes, std::size_t words) const {
@@ -128,6 +145,10 @@ private:
         History& history_;
     };
 
+    ~History();
+    void release() noexcept {
+        if (--holds_ == 0 && !manager_) delete this;
+    }
     [[noreturn]] static void refuseRecord();
     [[nodiscard]] bool pinForeign(Object& object);
     void addPeer(History& other);
@@ -160,7 +181,8 @@ private:
     void putBack(std::size_t index, Lifetimes::Birth birth, urOS::FirstError& errors);
     void takeBack(Level const& level, urOS::FirstError& errors) noexcept;
 
-    Manager& manager_;
+    Manager* manager_;
+    unsigned holds_ = 0;
     Sizes const sizes_;
     Lifetimes lifetimes_;
     RecordStore records_;

@@ -95,6 +95,7 @@ void Lifetimes::wait(RefCountedObject& object) noexcept {
     if (entry.queued || closing_) return;
     entry.queued = true;
     if (deferrals_ > 0) return waiting_.push(object.index_);
+    History::Hold const hold(*object.history_);
     Deferral const deferral(*this);
     retire(object);
 }
@@ -256,13 +257,6 @@ void Lifetimes::endSettling() noexcept {
     }
 }
 
-// The manager goes while another one has touched its objects.
-void Lifetimes::abandonSettling() noexcept {
-    changed_.forEach([this](Object& object) { entryOf(object).queued = false; });
-    settling_ = Settling::none;
-    deferrals_ = 0;
-}
-
 void Lifetimes::keepOrDrop(Object& object) noexcept {
     unpin(object);
     Entry const& entry = entryOf(object);
@@ -274,7 +268,7 @@ void Lifetimes::keepOrDrop(Object& object) noexcept {
 // All objects are notified first, while everything is still in place; then references between objects go, and with them
 // what only those kept.
 void Lifetimes::close() noexcept {
-    abandonSettling();
+    changed_.forEach([this](Object& object) { entryOf(object).queued = false; });  // another manager has touched them
     closing_ = true;
     forEachOwned([this](RefCountedObject& object) { notifyDestroyed(object); });
     forEachOwned([this](RefCountedObject& object) {

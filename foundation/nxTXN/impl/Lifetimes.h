@@ -108,7 +108,6 @@ public:
 private:
     void note(Object& object) noexcept;
     void keepOrDrop(Object& object) noexcept;
-    void abandonSettling() noexcept;
     void retireWaiting() noexcept;
     void retire(RefCountedObject& object) noexcept;
     void cease(RefCountedObject& object) noexcept;

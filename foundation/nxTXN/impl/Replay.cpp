@@ -189,7 +189,7 @@ void Replay::takeBack(RecordStore::Place begin, std::uint32_t records, urOS::Fir
     records_.visit(begin, records, [&](Record& record) {
         HookPass pass;
         if (record.subject && record.hooked) errors.guard([&] { record.subject->onTransact(pass); });
-        work_.push_back({&record, pass.restoreHook(), 0, 0, 0, 0, nullptr});
+        work_.push_back({&record, pass.restoreHook()});
     });
     std::reverse(work_.begin(), work_.end());
     for (Restoration const& item : work_) restoreOne(item, item.record->content(), errors);

@@ -49,11 +49,11 @@ private:
     struct Restoration {
         Record* record;
         RestoreHook hook;
-        std::size_t dataBegin;
-        std::size_t wordsBegin;
-        std::uint32_t dataBytes;
-        std::uint32_t words;
-        std::byte* elsewhere;  // room for it, if it does not fit into the record
+        std::size_t dataBegin = 0;
+        std::size_t wordsBegin = 0;
+        std::uint32_t dataBytes = 0;
+        std::uint32_t words = 0;
+        std::byte* elsewhere = nullptr;  // room for it, if it does not fit into the record
     };
 
     [[nodiscard]] Record* onlyPlainRecord(Step const& step) noexcept;

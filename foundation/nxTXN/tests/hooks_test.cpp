@@ -1,4 +1,6 @@
 // When hooks run, and what happens when they throw or meddle.
+#include <memory>
+#include <set>
 #include <stdexcept>
 
 #include "foundation/nxTXN/HookError.h"
@@ -58,8 +60,11 @@ TEST_F(Hooks, TellOfDestructionAtOnceAndOfExistenceAfterRestoring) {
     EXPECT_EQ(log.take(), "a:destroyed a:deleted");
 
     edit(manager, [&] { b->setNext(ur::make<Node>(manager, "new", &log)); });
+    NodeReference held = b->next();
     manager.undo();
     EXPECT_EQ(log.take(), "b:restored new:gone b:modified");
+    held.reset();
+    EXPECT_EQ(log.take(), "") << "it may come back";
     manager.redo();
     EXPECT_EQ(log.take(), "b:restored new:extant b:modified");
     manager.undo();
@@ -232,6 +237,8 @@ TEST_F(Hooks, AFieldThatCannotBeSavedOrReadLeavesTheStepUndone) {
     EXPECT_TRUE(manager.commit());
     Fragile::failWriteIn = -1;
     EXPECT_FALSE(manager.canRedo()) << "what cannot be compared counts as a change";
+    manager.clear();
+    EXPECT_EQ(Node::alive, root->next() ? 3 : 2) << "what failed keeps nothing";
 }
 
 TEST_F(Hooks, MayEditMakeAndDropObjectsWithoutEnteringTheHistory) {
@@ -284,6 +291,52 @@ TEST_F(Hooks, OfAnotherManagersObjectsDoNotMoveItsHistory) {
     EXPECT_EQ(other.undoCount(), 1U);
     EXPECT_TRUE(other.undo());
     root->next()->onHook = nullptr;
+}
+
+TEST(HookLifetime, MayDestroyTheManagerThatRunsThemOrOneWhoseObjectsAreSettled) {
+    std::pair<std::string, bool (Manager::*)()> const actions[] = {
+        {"undo", &Manager::undo}, {"abort", &Manager::abort}, {"commit", &Manager::commit}, {"clear", &Manager::clear}};
+    std::set<std::string> reached;
+    for (auto const& [name, act] : actions) {
+        for (std::string const hook : {"restored", "modified", "gone", "extant", "destroyed", "deleted", "changed"}) {
+            for (bool const destroysPeer : {false, true}) {
+                SCOPED_TRACE(name + " " + hook + (destroysPeer ? " peer" : ""));
+                auto manager = std::make_unique<Manager>();
+                auto peer = std::make_unique<Manager>();
+                auto const root = ur::make<Node>(*manager, "root");
+                Node* leaf = nullptr;
+                bool armed = false;
+                edit(*manager, [&] {
+                    auto const made = ur::make<Node>(*peer, "leaf");
+                    made->setNext(ur::make<Node>(*peer, "end"));
+                    root->setNext(made);
+                    leaf = made.get();
+                });
+                auto const destroy = [&](std::string const& called) {
+                    if (!armed || called != hook) return;
+                    reached.insert(name + " " + hook);
+                    (destroysPeer ? peer : manager).reset();
+                };
+                root->onHook = leaf->onHook = destroy;
+                manager->changedSignal().addCallback([&] { destroy("changed"); });
+                if (name == "abort" || name == "commit") manager->begin();
+                if (name != "undo") root->setNext(nullptr);
+                armed = true;
+                EXPECT_TRUE((*manager.*act)());
+                armed = false;
+                EXPECT_EQ(root->txnManager(), manager.get());
+                root->onHook = nullptr;
+                if (root->next()) root->next()->onHook = nullptr;
+                manager.reset();
+                peer.reset();
+                root->setNext(nullptr);
+                EXPECT_EQ(Node::alive, 1);
+            }
+        }
+    }
+    EXPECT_THAT(reached,
+                testing::ElementsAre("abort extant", "abort modified", "abort restored", "clear changed",
+                                     "commit changed", "undo changed", "undo gone", "undo modified", "undo restored"));
 }
 
 TEST_F(Hooks, MayRecordWhatAnObjectTakesWithIt) {

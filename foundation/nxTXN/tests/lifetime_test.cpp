@@ -60,8 +60,13 @@ TEST_F(Lifetime, AnObjectThatNothingNeedsIsDeletedAtOnce) {
     EXPECT_EQ(others(), 1);
     manager.abort();
     EXPECT_EQ(others(), 0);
-    edit(manager, [&] { new Node(manager, "never referred to"); });
-    manager.undo();
+    Node* loose = nullptr;
+    edit(manager, [&] { loose = new Node(manager, "never referred to"); });
+    edit(manager, [&] { loose->setValue(1); });
+    std::size_t const bytes = manager.historyBytes();
+    EXPECT_TRUE(manager.undo() && manager.undo() && manager.redo() && manager.redo());
+    EXPECT_EQ(manager.historyBytes(), bytes);
+    EXPECT_TRUE(manager.undo() && manager.undo());
     manager.clear();
     EXPECT_EQ(others(), 0);
 
