@@ -7,13 +7,13 @@
 namespace ur {
 namespace {
 
-struct FreeNode {
-    FreeNode* next;
+struct FreeBlock {
+    FreeBlock* next;
 };
 
 std::size_t roundedUp(std::size_t bytes) {
     constexpr std::size_t unit = alignof(std::max_align_t);
-    return (std::max(bytes, sizeof(FreeNode)) + unit - 1) / unit * unit;
+    return (std::max(bytes, sizeof(FreeBlock)) + unit - 1) / unit * unit;
 }
 
 }  // namespace
@@ -23,7 +23,7 @@ BlockAllocator::BlockAllocator(std::size_t nodeBytes, std::size_t nodesPerBlock)
 
 void* BlockAllocator::allocate() {
     if (!free_) addBlock();
-    auto* node = static_cast<FreeNode*>(free_);
+    auto* node = static_cast<FreeBlock*>(free_);
     free_ = node->next;
     ++used_;
     return node;
@@ -31,7 +31,7 @@ void* BlockAllocator::allocate() {
 
 void BlockAllocator::deallocate(void* node) noexcept {
     if (!node) return;
-    free_ = new (node) FreeNode{static_cast<FreeNode*>(free_)};
+    free_ = new (node) FreeBlock{static_cast<FreeBlock*>(free_)};
     --used_;
 }
 
@@ -40,7 +40,7 @@ void BlockAllocator::addBlock() {
     std::byte* block = blocks_.back().get();
     // Threaded from the back, so that nodes are handed out in address order.
     for (std::size_t i = nodesPerBlock_; i-- > 0;) {
-        free_ = new (block + i * nodeBytes_) FreeNode{static_cast<FreeNode*>(free_)};
+        free_ = new (block + i * nodeBytes_) FreeBlock{static_cast<FreeBlock*>(free_)};
     }
 }
 

@@ -18,6 +18,8 @@ namespace urKRCache::test {
 
 using Hook = std::function<void()>;
 
+constexpr std::uint64_t megabyte = 1048576;
+
 /// Counts as `size` bytes and pages `payload`.
 struct Blob : Resource {
     explicit Blob(unsigned bytes, std::string text = "payload") : size(bytes), payload(std::move(text)) {}

@@ -17,8 +17,6 @@ namespace {
 using ur::make;
 using ur::Reference;
 
-constexpr unsigned megabyte = 1048576;
-
 struct ManagerTest : testing::Test, Cache {
     void TearDown() override { EXPECT_EQ(manager.audit(), ""); }
 

@@ -26,8 +26,6 @@ using testing::HasSubstr;
 using ur::make;
 using ur::Reference;
 
-constexpr std::uint64_t megabyte = 1048576;
-
 struct PageFileTest : testing::Test {
     /// The chunks from the start of the file: sizes, negative for free ones.
     std::vector<std::int64_t> chunks(std::size_t inUse) {

@@ -12,7 +12,7 @@
 namespace nxhost {
 namespace {
 
-void check(urUtil::Error const& error) {
+void throwIfFailed(urUtil::Error const& error) {
     if (error.isError()) throw nxRFL::Exception(urString::CString(error.message()));
 }
 
@@ -20,7 +20,8 @@ void check(urUtil::Error const& error) {
 
 FileSink::FileSink(urString::CString const& path, Transfers& transfers) : transfers_(transfers) {
     if (path.find('\0') != urString::CString::npos) throw nxRFL::Exception("the name of a file has no NULs");
-    if (!openDevice(path)) check(file_.open(urString::IString(path.c_str()), urOS::AtomicFile::Special::refused));
+    if (!openDevice(path))
+        throwIfFailed(file_.open(urString::IString(path.c_str()), urOS::AtomicFile::Special::refused));
 }
 
 FileSink::~FileSink() = default;
@@ -29,7 +30,7 @@ FileSink::~FileSink() = default;
 bool FileSink::openDevice(urString::CString const& path) {
     int const descriptor = ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     // A program that runs cannot be opened, but replaced.
-    if (descriptor < 0 && errno != ENOENT && errno != ETXTBSY) check(urUtil::Error::fromSystem(errno, path));
+    if (descriptor < 0 && errno != ENOENT && errno != ETXTBSY) throwIfFailed(urUtil::Error::fromSystem(errno, path));
     if (descriptor < 0) return false;
     struct stat facts = {};
     if (fstat(descriptor, &facts) != 0 || S_ISREG(facts.st_mode)) {
@@ -42,7 +43,7 @@ bool FileSink::openDevice(urString::CString const& path) {
 
 void FileSink::onData(ur::Reference<urThread::Buffer> data) {
     if (closed()) throw nxRFL::Exception("the file has been closed");
-    if (!device_) return check(file_.write(data->data(), data->size()));
+    if (!device_) return throwIfFailed(file_.write(data->data(), data->size()));
     device_->write(data);
     if (device_->waits()) transfers_.waitFor(device_);
 }
@@ -54,7 +55,7 @@ void FileSink::onClose() {
     } else if (device_) {
         device_->abandon("the file has been closed");
     } else if (completed()) {
-        check(file_.commit());
+        throwIfFailed(file_.commit());
     }
 }
 

@@ -19,7 +19,7 @@ namespace {
 using nxPLST::Item;
 
 /// Two containers of one kind under comparison.
-struct Open {
+struct OpenPair {
     Children first;
     Children second;
     std::uint64_t differencesBefore;
@@ -64,7 +64,7 @@ private:
 
     /// Handles the next child of the innermost pair, or closes it. False when the report wants no more.
     bool step() {
-        Open& pair = open_.back();
+        OpenPair& pair = open_.back();
         if (pair.first.done() && pair.second.done()) {
             close();
             return true;
@@ -80,7 +80,7 @@ private:
 
     /// Items with several holders may come again, on and on: what is known to be equal is not opened again.
     void close() {
-        Open const pair = open_.back();
+        OpenPair const pair = open_.back();
         open_.pop_back();
         Item const& first = pair.first.container();
         Item const& second = pair.second.container();
@@ -94,13 +94,13 @@ private:
         return report_(difference);
     }
 
-    static void advance(Open& pair) {
+    static void advance(OpenPair& pair) {
         pair.first.next();
         pair.second.next();
     }
 
     /// Negative when the next child is in the first container only, positive when in the second only.
-    static int keyOrder(Open const& pair) {
+    static int keyOrder(OpenPair const& pair) {
         if (pair.first.done()) return 1;
         if (pair.second.done()) return -1;
         if (pair.first.container().type() == nxPLST::ArrayType) return 0;
@@ -121,7 +121,7 @@ private:
     }
 
     std::function<bool(std::string const&)> const& report_;
-    std::vector<Open> open_;
+    std::vector<OpenPair> open_;
     std::set<std::pair<Item const*, Item const*>> equal_;
     std::uint64_t differences_ = 0;
 };

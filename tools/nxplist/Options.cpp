@@ -45,14 +45,14 @@ bool answered(std::string_view word) {
     return true;
 }
 
-void set(Options& options, OptionText const& option, std::string_view value) {
-    if (option.name == "--from") options.from = formNamed(value, option);
-    if (option.name == "--to") options.to = formNamed(value, option);
-    if (option.name == "--raw") options.raw = true;
-    if (option.name == "--shape") options.shape = true;
-    if (option.name == "--strict") options.strict = true;
-    if (option.name == "--force") options.force = true;
-    if (option.name == "--limit") options.limit = bytesFrom(value, option);
+void set(Options& chosen, OptionText const& option, std::string_view value) {
+    if (option.name == "--from") chosen.from = formNamed(value, option);
+    if (option.name == "--to") chosen.to = formNamed(value, option);
+    if (option.name == "--raw") chosen.raw = true;
+    if (option.name == "--shape") chosen.shape = true;
+    if (option.name == "--strict") chosen.strict = true;
+    if (option.name == "--force") chosen.force = true;
+    if (option.name == "--limit") chosen.limit = bytesFrom(value, option);
 }
 
 void checkFileCount(Command const& command, std::size_t count) {

@@ -15,7 +15,7 @@ namespace {
 using nxPLST::Item;
 
 /// An open container: what has been found below it so far.
-struct Open {
+struct OpenTree {
     Children children;
     std::uint64_t items;
     std::uint64_t bytes;
@@ -81,7 +81,7 @@ private:
     }
 
     void leave() {
-        Open const left = open_.back();
+        OpenTree const left = open_.back();
         // Whatever lies deeper than this has enough larger subtrees around it.
         if (open_.size() > 1 && open_.size() <= wanted_ + 1) offer(left);
         open_.pop_back();
@@ -100,13 +100,13 @@ private:
     }
 
     void countKey() {
-        Open& parent = open_.back();
+        OpenTree& parent = open_.back();
         if (parent.children.container().type() != nxPLST::DictionaryType) return;
         ++result_.keys;
         parent.bytes += heapBytes(parent.children.key());
     }
 
-    void offer(Open const& subtree) {
+    void offer(OpenTree const& subtree) {
         auto& largest = result_.largest;
         if (largest.size() == wanted_ && (wanted_ == 0 || largest.back().bytes >= subtree.bytes)) return;
         auto const smaller = [&](Statistics::Subtree const& other) { return other.bytes < subtree.bytes; };
@@ -122,7 +122,7 @@ private:
     }
 
     std::size_t wanted_;
-    std::vector<Open> open_;
+    std::vector<OpenTree> open_;
     std::unordered_set<Item const*> shared_;
     Statistics result_;
 };

@@ -92,7 +92,6 @@ Record* Replay::onlyPlainRecord(Step const& step) noexcept {
 void Replay::beginCapture() noexcept {
     work_.clear();
     elsewhere_.clear();
-    writer_.clear();
     kept_ = 0;
 }
 

@@ -13,7 +13,7 @@ namespace nxTXN::test {
 namespace {
 
 constexpr unsigned rootsEach = 3;
-constexpr impl::Sizes small{.smallestBlock = 64, .largestBlock = 128, .stepBlockBits = 1};
+constexpr impl::Sizes tinyBlocks{.smallestBlock = 64, .largestBlock = 128, .stepBlockBits = 1};
 
 /// Roots refer to leaves, which are made unrecorded in either manager and known by numbers; 0 is none.
 class Crossing {
@@ -93,7 +93,7 @@ private:
 
     static void open(Side& side) {
         side = {};
-        side.manager = std::make_unique<Manager>(small);
+        side.manager = std::make_unique<Manager>(tinyBlocks);
         side.states.resize(rootsEach);
         for (unsigned i = 0; i < rootsEach; ++i) side.roots.push_back(ur::make<Node>(*side.manager, "root"));
     }

@@ -90,8 +90,9 @@ TEST_F(History, AbortRestoresExactlyAndKeepsWhatCouldBeRedone) {
     made = ur::make<Node>(manager, "made");
     manager.abort();
     EXPECT_EQ(manager.depth(), 1u);
+    node->setValue(5);
     manager.commit();
-    EXPECT_EQ(names(), "Set |");
+    EXPECT_EQ(names(), "Set Outer |");
     manager.undo();
     manager.redo();
     EXPECT_FALSE(made->isTxnExtant());

@@ -1,4 +1,4 @@
-// Random transactions over a small graph, beside a model that remembers the whole graph at every step.
+// Random transactions over a smallBlocks graph, beside a model that remembers the whole graph at every step.
 #include <deque>
 #include <random>
 
@@ -10,7 +10,7 @@ namespace {
 
 constexpr unsigned rootCount = 4;
 constexpr unsigned chainLength = 6;
-constexpr impl::Sizes small{.smallestBlock = 64, .largestBlock = 512, .stepBlockBits = 1};
+constexpr impl::Sizes smallBlocks{.smallestBlock = 64, .largestBlock = 512, .stepBlockBits = 1};
 
 /// The objects on the way from each root, with their values; objects that cannot be reached do not count.
 using State = std::vector<std::vector<std::pair<Node const*, double>>>;
@@ -135,7 +135,7 @@ private:
     }
 
     std::mt19937 random_;
-    Manager manager_{small};
+    Manager manager_{smallBlocks};
     std::vector<NodeReference> roots_;
     std::vector<Level> levels_;
     std::deque<Step> past_;

@@ -6,6 +6,7 @@
 #endif
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <fstream>
 #include <latch>
@@ -93,12 +94,17 @@ TEST(NodeHeap, NodesMadeOnOneThreadAndDroppedOnAnotherDoNotAddUp) {
 TEST(NodeHeap, TwoThreadsExchangeNodesWithoutLosingOne) {
     std::vector<void*> first = take(20000, 32);
     std::vector<void*> second;
+    std::latch both(2);
+    std::atomic<bool> returned = false;
     std::thread other([&] {
         second = take(20000, 32);
+        both.arrive_and_wait();
         giveBack(first, 32);
+        returned = true;
         for (int i = 0; i < 50; ++i) giveBack(take(500, 32), 32);
     });
-    for (int i = 0; i < 50; ++i) giveBack(take(500, 32), 32);
+    both.arrive_and_wait();
+    while (!returned) giveBack(take(500, 32), 32);  // while the other thread gives back nodes of this one's heap
     other.join();
     giveBack(second, 32);
     std::vector<void*> again = take(60000, 32);

@@ -22,8 +22,8 @@ TEST(Error, IsAFailureWithAnyCodeAndSaysWhatTheSystemSays) {
 }
 
 TEST(Random, NeverGivesTheEndOfItsRange) {
-    constexpr double huge = std::numeric_limits<double>::max(), least = std::numeric_limits<double>::denorm_min();
-    constexpr double ranges[][2] = {{0, least}, {1, 1.5}, {5, -3}, {-huge, huge}};
+    constexpr double huge = std::numeric_limits<double>::max(), denormal = std::numeric_limits<double>::denorm_min();
+    constexpr double ranges[][2] = {{0, denormal}, {1, 1.5}, {5, -3}, {-huge, huge}};
     for (int i = 0; i < 4000; ++i) {
         auto const [a, b] = ranges[i % 4];
         double const value = urUtil::random(a, b);

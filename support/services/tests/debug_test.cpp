@@ -6,7 +6,7 @@
 namespace nxSupport {
 namespace {
 
-constexpr DebugCode code(int value) { return static_cast<DebugCode>(value); }
+constexpr DebugCode debugCode(int value) { return static_cast<DebugCode>(value); }
 
 using DebugTest = OutputTest;
 
@@ -33,7 +33,7 @@ TEST_F(DebugTest, ValuesThatAreNoCodeAreOffAndStaySo) {
     urRTB::ScopedConnection const counting = debug.codeChanged.addCallback([&](DebugCode) { ++changes; });
     urOS::DebugChannel on;
     on.enable();
-    for (DebugCode const none : {code(-1), NUM_CODES, code(50), code(1 << 30)}) {
+    for (DebugCode const none : {debugCode(-1), NUM_CODES, debugCode(50), debugCode(1 << 30)}) {
         debug.toggle(none);
         debug.provideChannel(none, on);
         EXPECT_FALSE(debug.isEnabled(none));
@@ -61,9 +61,9 @@ TEST_F(DebugTest, SwitchingTellsAndTheResourcesCodeSwitchesTheCacheToo) {
 
     static urOS::DebugChannel provided;  // stays in use
     provided.enable();
-    debug.provideChannel(code(5), provided);
-    EXPECT_TRUE(debug.isEnabled(code(5)));
-    debug.disable(code(5));
+    debug.provideChannel(debugCode(5), provided);
+    EXPECT_TRUE(debug.isEnabled(debugCode(5)));
+    debug.disable(debugCode(5));
     EXPECT_FALSE(provided.isEnabled());
 }
 
@@ -133,12 +133,12 @@ TEST_F(DebugTest, ListsSwitchCodesFromLeftToRight) {
             unknown += std::string(entry.view()) + ':' + Debug::getCodeName(nearest).c_str() + ' ';
         std::vector<int> enabled;
         for (int i = 0; i < NUM_CODES; ++i)
-            if (debug.isEnabled(code(i))) enabled.push_back(i);
+            if (debug.isEnabled(debugCode(i))) enabled.push_back(i);
         EXPECT_EQ(enabled, on) << list;
         EXPECT_EQ(unknown, expected) << list;
     }
     switchDebugCodes("*,-1");
-    EXPECT_TRUE(debug.isEnabled(code(0)) && !debug.isEnabled(code(1)) && debug.isEnabled(code(48)));
+    EXPECT_TRUE(debug.isEnabled(debugCode(0)) && !debug.isEnabled(debugCode(1)) && debug.isEnabled(debugCode(48)));
     EXPECT_EQ(switchDebugCodes("undoo").front().message(), "there is no undoo; do you mean Debug_Undo?");
     EXPECT_EQ(switchDebugCodes("49").front().message(), "there is no 49");
     EXPECT_EQ(switchDebugCodes(std::string(1000000, 'x')).size(), 1);

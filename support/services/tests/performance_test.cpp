@@ -11,11 +11,11 @@
 namespace nxSupport {
 namespace {
 
-constexpr PerformanceCode code(int value) { return static_cast<PerformanceCode>(value); }
+constexpr PerformanceCode performanceCode(int value) { return static_cast<PerformanceCode>(value); }
 
 struct PerformanceTest : OutputTest {
     PerformanceTest() {
-        for (int i = 0; i < numPerformanceCodes; ++i) performance.getWatch(code(i)).clear();
+        for (int i = 0; i < numPerformanceCodes; ++i) performance.getWatch(performanceCode(i)).clear();
     }
     ~PerformanceTest() override { performance = pristine; }
 
@@ -23,7 +23,7 @@ struct PerformanceTest : OutputTest {
     std::vector<int> running() {
         std::vector<int> result;
         for (int i = 0; i < numPerformanceCodes; ++i)
-            if (performance.getWatch(code(i)).isRunning()) result.push_back(i);
+            if (performance.getWatch(performanceCode(i)).isRunning()) result.push_back(i);
         return result;
     }
     static void wait() { std::this_thread::sleep_for(std::chrono::milliseconds(2)); }
@@ -38,7 +38,7 @@ TEST_F(PerformanceTest, AScopeChargesOneActivityAtATime) {
         PerfScope scope;
         EXPECT_EQ(running(), Codes());
         for (int const value : {2, 2, 17, -1, 19, 2}) {  // what is no activity changes nothing
-            scope.charge(code(value));
+            scope.charge(performanceCode(value));
             EXPECT_EQ(running(), Codes{2});
         }
         scope.charge(Perf_UpdateDoc);
@@ -75,7 +75,7 @@ TEST_F(PerformanceTest, TimesArePrintedByLabelAndRatesAsReciprocals) {
         wait();
         performance.getWatch(one).stop();
     }
-    performance.getWatch(code(17)).start();  // nobody's
+    performance.getWatch(performanceCode(17)).start();  // nobody's
     performance.printTimes(urOS::AppOutput::getInstance());
     static_cast<void>(urOS::AppOutput::getInstance().flush());
     nx_printf("%s = %.2f%c", "pi", 3.14159, '\n');
@@ -83,10 +83,10 @@ TEST_F(PerformanceTest, TimesArePrintedByLabelAndRatesAsReciprocals) {
                  tumbled = performance.getWatch(Perf_Tumble).elapsed();
     EXPECT_EQ(printed(),
               urString::CString::format("Update UI = %.03f\nTumble = %4.8f\npi = 3.14\n", spent, 1 / tumbled).view());
-    EXPECT_FALSE(performance.getWatch(code(17)).isRunning());
+    EXPECT_FALSE(performance.getWatch(performanceCode(17)).isRunning());
     for (int const none : {-1, 17, 18}) {
-        EXPECT_EQ(Performance::labelFormat(code(none)), "~ unknown ~");
-        EXPECT_FALSE(Performance::displayInverse(code(none)));
+        EXPECT_EQ(Performance::labelFormat(performanceCode(none)), "~ unknown ~");
+        EXPECT_FALSE(Performance::displayInverse(performanceCode(none)));
     }
     EXPECT_TRUE(Performance::displayInverse(Perf_Tumble) && !Performance::displayInverse(Perf_DrawTotal));
 }
