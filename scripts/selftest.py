@@ -39,9 +39,12 @@ class Planted(unittest.TestCase):
             "high/tests/high_test.cpp": '#include "side/Side.h"\n#include <gtest/gtest.h>\n',
             "tools/one/main.cpp": '#include "tools/one/One.h"\n#include "high/High.h"\n#include "low/impl/Own.h"\n',
             "tools/one/One.h": '#include "tools/two/Two.h"\n#include "fuzz/help.h"\n', "tools/two/Two.h": "",
-            "tools/one/tests/one_fuzz.cpp": '#include "fuzz/help.h"\n', "fuzz/help.h": ""})
+            "fuzz/one_fuzz.cpp": '#include "fuzz/help.h"\n#include "tools/one/One.h"\n#include "high/tests/Model.h"\n'
+                                 '#include "low/impl/Own.h"\n',
+            "fuzz/help.h": "", "high/tests/Model.h": ""})
         self.assertEqual(self.told("check_layers", "modules.tsv"), [
             "high/CMakeLists.txt:1: high uses side, which is not entered before it",
+            "fuzz/one_fuzz.cpp:4: low/impl/Own.h is not a public header",
             "high/High.cpp:1: low/impl/Own.h is private to low",
             "high/High.cpp:2: absl/btree.h is not among PACKAGES",
             "high/High.cpp:3: high/Absent.h does not exist",
