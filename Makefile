@@ -21,10 +21,10 @@ test: packages
 	$(call preset,dev)
 	ctest --preset dev
 
-# Lint, format, layers, headers, pages, the reference and an outside user of the installed library.
+# Lint, format, layers, headers, pages, the reference, seeds of the fuzzers, an outside user of the installed library.
 check: packages
 	@packaging/install-packages check
-	$(call preset,dev)
+	$(call preset,dev) --target all fuzzers
 	ctest --preset check
 
 # QUICK=1: smaller inputs, under a minute.
@@ -34,7 +34,7 @@ bench: packages
 	build/bench/bin/nxbench $(if $(filter-out 0,$(QUICK)),--quick) --json build/bench/ratios.json
 
 asan tsan: packages
-	$(call preset,$@)
+	$(call preset,$@) --target all fuzzers
 	ctest --preset $@
 
 # The other compiler, with its own warnings.

@@ -14,7 +14,7 @@ unsigned fromEnvironment(char const* name, unsigned otherwise) {
 }
 
 TEST(CacheModel, AgreesWithTheManagerAfterEveryStep) {
-    unsigned const seed = fromEnvironment("NX_CACHE_SEED", 1), steps = fromEnvironment("NX_CACHE_STEPS", 100'000);
+    unsigned const seed = fromEnvironment("NX_CACHE_SEED", 1), steps = fromEnvironment("NX_CACHE_STEPS", 40'000);
     constexpr unsigned stepsPerPlay = 2000;
     for (unsigned play = 0; play * stepsPerPlay < steps; ++play) {
         std::mt19937 random(seed + play);

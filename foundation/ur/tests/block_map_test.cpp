@@ -179,11 +179,11 @@ void playRandomly(unsigned seed, unsigned keys, int steps, int auditEvery) {
 
 TEST(BlockMap, DoesWhatTheStandardMapDoes) {
     unsigned const seed = std::random_device()();
-    playRandomly<2, 3>(seed, 25, 400000, 1);
-    playRandomly<3, 3>(seed, 35, 300000, 1);
-    playRandomly<4, 5>(seed, 60, 300000, 1);
-    playRandomly<2, 3>(seed, 2000, 200000, 997);
-    playRandomly<64, 64>(seed, 40, 20000, 1);
+    playRandomly<2, 3>(seed, 25, 100000, 1);
+    playRandomly<3, 3>(seed, 35, 80000, 1);
+    playRandomly<4, 5>(seed, 60, 60000, 1);
+    playRandomly<2, 3>(seed, 2000, 100000, 997);
+    playRandomly<64, 64>(seed, 40, 10000, 1);
     playRandomly<64, 64>(seed, 30000, 1000000, 49999);
 }
 
