@@ -12,7 +12,7 @@
 #include "fuzz/require.h"
 #include "tools/nxplist/Comparison.h"
 #include "tools/nxplist/Document.h"
-#include "tools/nxplist/Path.h"
+#include "plst/Path.h"
 #include "tools/nxplist/Statistics.h"
 
 namespace {
@@ -38,16 +38,16 @@ private:
 
 void checkPath(std::string_view text, ur::Reference<nxPLST::Item const> const& root) {
     std::string error;
-    auto const path = nxplist::parsePath(text, error);
+    auto const path = nxPLST::parsePath(text, error);
     require(path || !error.empty(), "what is no path has a reason");
     if (!path) return;
     std::string spelled;
     for (auto const& step : *path) {
         auto const* key = std::get_if<std::string>(&step);
-        spelled += key ? nxplist::keyText(*key) : nxplist::indexText(std::get<long>(step));
+        spelled += key ? nxPLST::keyText(*key) : nxPLST::indexText(std::get<long>(step));
     }
-    require(nxplist::parsePath(spelled.empty() ? "." : spelled, error) == path, "a path can be spelled out");
-    bool const found = nxplist::follow(root, *path, error) != nullptr;
+    require(nxPLST::parsePath(spelled.empty() ? "." : spelled, error) == path, "a path can be spelled out");
+    bool const found = nxPLST::follow(root, *path, error) != nullptr;
     require(found || !error.empty(), "what is not there is named");
 }
 

@@ -1,6 +1,7 @@
 // The item that holds a sequence of items.
 #pragma once
 
+#include <concepts>
 #include <utility>
 
 #include "foundation/ur/containers.h"
@@ -21,6 +22,11 @@ public:
 
     /// Appends; never inserts in the middle.
     void insert(ur::Reference<Item> item) { array_.push_back(std::move(item)); }
+    /// Appends the item of a value, as `Dictionary::insert`.
+    template <class T>
+    requires(!std::convertible_to<T const&, ur::Reference<Item>>) void insert(T const& value) {
+        insert(impl::converted(value));
+    }
 
     /// The element's slot itself, assignable until the array grows.
     [[nodiscard]] ur::Reference<Item>& operator[](int index) noexcept {

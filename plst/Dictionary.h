@@ -1,6 +1,8 @@
 // The item that holds items under text keys.
 #pragma once
 
+#include <concepts>
+
 #include "foundation/ur/containers.h"
 #include "foundation/urString/CString.h"
 #include "plst/Item.h"
@@ -24,6 +26,13 @@ public:
 
     /// Stores `value` under `key` in place of any former value.
     void insert(urString::CString const& key, ur::Reference<Item> value);
+    /// Stores the item of a value: `insert("size", 1.5)`. Needs the header that converts it: plst/convert.h, or
+    /// plst/containers.h for containers, enumerations and structures.
+    template <class T>
+    requires(!std::convertible_to<T const&, ur::Reference<Item>>) void insert(urString::CString const& key,
+                                                                              T const& value) {
+        insert(key, impl::converted(value));
+    }
 
     [[nodiscard]] int size() const noexcept { return static_cast<int>(dictionary_.size()); }
     [[nodiscard]] bool empty() const noexcept { return dictionary_.empty(); }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <iosfwd>
 #include <typeinfo>
 
 #include "foundation/ur/Export.h"
@@ -49,5 +50,28 @@ private:
 
     Type const type_;
 };
+
+/// Whether two trees have the same values: kinds, sizes, keys, numbers (not-a-number equals itself) and texts.
+[[nodiscard]] NX_API bool operator==(Item const& a, Item const& b);
+/// The same for references; null equals null alone.
+[[nodiscard]] inline bool equal(ur::Reference<Item const> const& a, ur::Reference<Item const> const& b) {
+    return a && b ? *a == *b : a == b;
+}
+/// Prints the JSON of the item on one line, up to what JSON has no form for. For tests and logs.
+NX_API std::ostream& operator<<(std::ostream& out, Item const& item);
+
+namespace impl {
+
+template <class T>
+ur::Reference<Item> converted(T const& value) {
+    static_assert(
+        requires(ur::Reference<Item> & item) { convert(item, value); },
+        "no conversion of this type to an item: include plst/convert.h or plst/containers.h, or add one");
+    ur::Reference<Item> item;
+    convert(item, value);
+    return item;
+}
+
+}  // namespace impl
 
 }  // namespace nxPLST

@@ -1,6 +1,9 @@
 // Values of the framework's types as items, and back.
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "foundation/urLinear/AffineMatrix.h"
 #include "foundation/urLinear/Normal.h"
 #include "foundation/urLinear/Point.h"
@@ -48,6 +51,8 @@ NX_API void convert(ur::Reference<Item>& out, double value);
 NX_API void convert(ur::Reference<Item>& out, bool value);
 NX_API void convert(ur::Reference<Item>& out, char const* value);
 NX_API void convert(ur::Reference<Item>& out, urString::CString const& value);
+NX_API void convert(ur::Reference<Item>& out, std::string_view value);
+inline void convert(ur::Reference<Item>& out, std::string const& value) { convert(out, std::string_view(value)); }
 NX_API void convert(ur::Reference<Item>& out, urString::IString const& value);
 NX_API void convert(ur::Reference<Item>& out, urLinear::Point2 const& value);
 NX_API void convert(ur::Reference<Item>& out, urLinear::Point const& value);
@@ -78,6 +83,7 @@ NX_API void convert(float& out, ur::Reference<Item const> item);
 NX_API void convert(double& out, ur::Reference<Item const> item);
 NX_API void convert(bool& out, ur::Reference<Item const> item);
 NX_API void convert(urString::CString& out, ur::Reference<Item const> item);
+NX_API void convert(std::string& out, ur::Reference<Item const> item);
 NX_API void convert(urString::IString& out, ur::Reference<Item const> item);
 NX_API void convert(urLinear::Point2& out, ur::Reference<Item const> item);
 NX_API void convert(urLinear::Point& out, ur::Reference<Item const> item);

@@ -97,6 +97,9 @@ void convert(bool& out, ItemIn item) {
     }
 }
 
+void convert(std::string& out, ItemIn item) {
+    if (auto const* const value = text(item.get())) out = value->view();
+}
 void convert(urString::CString& out, ItemIn item) {
     if (auto const* value = text(item.get())) out = *value;
 }

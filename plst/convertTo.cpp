@@ -26,6 +26,7 @@ void convert(ur::Reference<Item>& out, double value) { out = ur::make<Double>(va
 void convert(ur::Reference<Item>& out, bool value) { out = ur::make<Bool>(value); }
 void convert(ur::Reference<Item>& out, char const* value) { out = ur::make<String>(urString::CString(value)); }
 void convert(ur::Reference<Item>& out, urString::CString const& value) { out = ur::make<String>(value); }
+void convert(ur::Reference<Item>& out, std::string_view value) { out = ur::make<String>(value); }
 void convert(ur::Reference<Item>& out, urString::IString const& value) { out = ur::make<String>(value.asUTF8()); }
 
 void convert(ur::Reference<Item>& out, urLinear::Point2 const& value) { store(out, value.x, value.y); }

@@ -7,6 +7,7 @@
 #include "foundation/urOS/MemoryIOStream.h"
 #include "plst/impl/json/JsonTextWriter.h"
 #include "plst/impl/json/StrictJsonWriter.h"
+#include "plst/impl/json/StyledJsonWriter.h"
 #include "plst/impl/json/readJson.h"
 
 namespace nxPLST {
@@ -33,6 +34,13 @@ bool convertToJSON(CString& text, ur::Reference<Item const> item) { return conve
 
 bool convertToJSON(CString& text, ur::Reference<Item const> item, JsonWriting const& how) {
     return impl::StrictJsonWriter(text, how).write(item.get());
+}
+
+bool writeJson(urString::CString& text, ur::Reference<Item const> item, JsonStyle const& style) {
+    impl::StyledJsonWriter writer(style);
+    if (!writer.write(item.get())) return false;
+    text.append(writer.text());
+    return true;
 }
 
 bool convertFromJSON(ur::Reference<Item>& out, CString const& text) {

@@ -38,6 +38,21 @@ struct JsonWriting {
 [[nodiscard]] NX_API bool convertToJSON(urString::CString& text, ur::Reference<Item const> item,
                                         JsonWriting const& how);
 
+/// How JSON for programs is written.
+struct JsonStyle {
+    unsigned indent = 2;     ///< spaces for each level, at most 16; 0 for all on one line without spaces
+    bool asciiOnly = false;  ///< other characters as escape sequences
+    /// The longest text for a tree that shares items.
+    std::uint64_t mostExpandedBytes = mostExpandedText;
+};
+
+/// Appends JSON of a tree of any depth, with the fewest digits that give each number back; `convertFromJSON` always
+/// reads the same doubles out of it. Null items and elements are `null`. Texts that are no UTF-8 have U+FFFD in the
+/// place of what is none; lines beyond 127 levels are indented as those there. False for a NaN, an infinity or a text
+/// that is too long for what the tree shares; `text` then stays as it was.
+[[nodiscard]] NX_API bool writeJson(urString::CString& text, ur::Reference<Item const> item,
+                                    JsonStyle const& style = {});
+
 /// Reads the one value that is all of `text`: JSON in UTF-8, comments allowed. `null` is no item: it is left out of
 /// arrays and dictionaries, and alone gives a null `out`. Of a repeated key, the last value stays. False when
 /// `text` is anything else, or holds a whole number outside of signed 64 bits or a number too large for a double;

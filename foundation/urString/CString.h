@@ -5,6 +5,7 @@
 #include <cstdarg>
 #include <functional>
 #include <iosfwd>
+#include <string>
 
 #include "foundation/urString/TextRep.h"
 
@@ -35,7 +36,8 @@ public:
     CString(char const* text) : rep_(text, text ? std::strlen(text) : 0) {}
     CString(char const* text, std::size_t size) : rep_(text, size) {}
     CString(std::size_t count, char character);
-    explicit CString(std::string_view text) : rep_(text.data(), text.size()) {}
+    CString(std::string_view text) : rep_(text.data(), text.size()) {}
+    CString(std::string const& text) : rep_(text.data(), text.size()) {}
     CString(CString const&) = default;
     CString(CString&&) noexcept = default;
     CString& operator=(CString const&) = default;
@@ -59,6 +61,7 @@ public:
     [[nodiscard]] std::size_t capacity() const noexcept { return rep_.capacity(); }
     [[nodiscard]] std::string_view view() const noexcept { return rep_.view(); }
     operator std::string_view() const noexcept { return rep_.view(); }
+    operator std::string() const { return std::string(rep_.view()); }
 
     [[nodiscard]] iterator begin() noexcept { return data(); }
     [[nodiscard]] iterator end() noexcept { return data() + size(); }

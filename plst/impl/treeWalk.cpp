@@ -1,8 +1,10 @@
 // Walks over whole trees with stacks of their own.
 #include "plst/impl/treeWalk.h"
 
+#include <cmath>
 #include <memory>
 #include <new>
+#include <set>
 #include <typeinfo>
 #include <utility>
 
@@ -88,9 +90,27 @@ private:
 
 // Comparing ----------------------------------------------------------------------------------------------------
 
-/// Asks each pair of children where it stands, so that what follows a difference is not looked at.
+bool sameNumber(double a, double b) { return a == b || (std::isnan(a) && std::isnan(b)); }
+
+bool equalScalars(Item const& a, Item const& b) {
+    if (a.type() != b.type()) return false;
+    switch (a.type()) {
+        case BoolType: return static_cast<Bool const&>(a).value() == static_cast<Bool const&>(b).value();
+        case DoubleType:
+            return sameNumber(static_cast<Double const&>(a).value(), static_cast<Double const&>(b).value());
+        case StringType: return static_cast<String const&>(a).value() == static_cast<String const&>(b).value();
+        default: return a.congruent(b);
+    }
+}
+
+/// Asks each pair of children where it stands, so that what follows a difference is not looked at. `agreeing` compares
+/// what is no container.
 class TreeComparison {
 public:
+    using Scalars = bool (*)(Item const& a, Item const& b);
+
+    TreeComparison(Scalars agreeing, bool looksOnce) : agreeing_(agreeing), looksOnce_(looksOnce) {}
+
     bool run(Item const& a, Item const& b) {
         if (!agree(&a, &b)) return false;
         while (!open_.empty())
@@ -125,10 +145,17 @@ private:
     /// Two containers agree so far when their classes and sizes do; their children come next.
     bool agree(Item const* a, Item const* b) {
         if (!a || !b) return a == b;
-        if (!isContainer(*a)) return a->congruent(*b);
+        if (!isContainer(*a)) return agreeing_(*a, *b);
         if (typeid(*a) != typeid(*b)) return false;
+        if (looksOnce_ && comesAgain(*a, *b)) return true;
         return a->type() == ArrayType ? entered(static_cast<Array const&>(*a), static_cast<Array const&>(*b))
                                       : entered(static_cast<Dictionary const&>(*a), static_cast<Dictionary const&>(*b));
+    }
+    /// A difference ends the comparison: what has been opened before is equal so far. Items of one holder come once.
+    bool comesAgain(Item const& a, Item const& b) {
+        if (&a == &b) return true;
+        if (a.referenceCount() == 1 && b.referenceCount() == 1) return false;
+        return !met_.emplace(&a, &b).second;
     }
     bool entered(Array const& a, Array const& b) { return entered(a, b, a.array().size() == b.array().size()); }
     bool entered(Dictionary const& a, Dictionary const& b) {
@@ -140,7 +167,10 @@ private:
         return sizesAgree;
     }
 
+    Scalars const agreeing_;
+    bool const looksOnce_;
     std::vector<Pair> open_;
+    std::set<std::pair<Item const*, Item const*>> met_;
 };
 
 // Destroying ---------------------------------------------------------------------------------------------------
@@ -240,7 +270,10 @@ void dismantleAny(Children& children) noexcept {
 
 ur::Reference<Item> cloneTree(Item const& root) { return TreeCopy().run(root); }
 
-bool congruentTrees(Item const& a, Item const& b) { return TreeComparison().run(a, b); }
+bool congruentTrees(Item const& a, Item const& b) {
+    return TreeComparison([](Item const& x, Item const& y) { return x.congruent(y); }, false).run(a, b);
+}
+bool equalTrees(Item const& a, Item const& b) { return TreeComparison(equalScalars, true).run(a, b); }
 
 void dismantle(ur::vector<ur::Reference<Item>>& children) noexcept { dismantleAny(children); }
 void dismantle(Dictionary::Map& children) noexcept { dismantleAny(children); }

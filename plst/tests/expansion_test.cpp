@@ -24,12 +24,6 @@ std::uint64_t itemsIn(Item const* item) {
     return items;
 }
 
-/// Each array holds the next one twice.
-Reference<Item> doubled(int levels, Reference<Item> innermost) {
-    for (int i = 0; i < levels; ++i) innermost = arrayOf({innermost, innermost});
-    return innermost;
-}
-
 TEST(Expansion, IsWhatTheTextComesToForAnyTree) {
     bool seenSharing = false;
     for (unsigned seed = 0; seed < 2000; ++seed) {

@@ -1,9 +1,13 @@
 // Strict JSON: its layout, its numbers and its refusals, beside yajl's generator.
+#include <bit>
+#include <cstdint>
 #include <limits>
 
+#include "foundation/ur/tests/smallStack.h"
 #include "foundation/urString/tests/CommaLocale.h"
 #include "plst/impl/json/JsonNumberWriter.h"
 #include "plst/json.h"
+#include "plst/make.h"
 #include "plst/tests/plainYajl.h"
 
 namespace nxPLST {
@@ -64,6 +68,51 @@ TEST(StrictJson, IsTheGeneratorsTextForAnyTree) {
         ASSERT_EQ(convertToJSON(text, tree), writePlainly(plain, tree.get()));
         ASSERT_EQ(text.view(), plain);
     }
+}
+
+std::string styled(Reference<Item> const& tree, JsonStyle const& style) {
+    urString::CString text = "before ";
+    EXPECT_TRUE(writeJson(text, tree, style));
+    return std::string(text).substr(7);
+}
+
+TEST(StyledJson, IsLaidOutAsAsked) {
+    auto const tree = dictionary(
+        {{"a", {1, -0.0, 1e20, 0x1p63, 0.1, {}}}, {"ä\x01", "\"\xF0\x9F\x98\x80\xFF\n"}, {"n", array({nullptr})}});
+    EXPECT_EQ(styled(tree, {.indent = 0}),
+              "{\"a\":[1,-0.0,1e+20,9.223372036854776e+18,0.1,[]],\"n\":[null],"
+              "\"ä\\u0001\":\"\\\"\xF0\x9F\x98\x80\xEF\xBF\xBD\\n\"}");
+    EXPECT_EQ(
+        styled(dictionary({{"ä", {1, dictionary({})}}, {"\xF0\x9F\x98\x80", true}}), {.indent = 3, .asciiOnly = true}),
+        "{\n   \"\\u00E4\": [\n      1,\n      {}\n   ],\n   \"\\uD83D\\uDE00\": true\n}");
+    EXPECT_EQ(styled(nullptr, {}), "null");
+    urString::CString text = "before";
+    EXPECT_FALSE(writeJson(text, array({1, HUGE_VAL})));
+    EXPECT_FALSE(writeJson(text, doubled(60, make<Bool>(true))));
+    EXPECT_EQ(text, "before");
+}
+
+TEST(StyledJson, IsReadBackAsTheSameTree) {
+    NewTrees random;
+    int same = 0;
+    for (int i = 0; i < 4000; ++i) {
+        Reference<Item> const tree = random.tree(5, 0);
+        Reference<Item> read;
+        ASSERT_TRUE(convertFromJSON(read, styled(tree, {.indent = random.below(5), .asciiOnly = i % 2 == 0})));
+        same += equal(read, tree);
+    }
+    EXPECT_GT(same, 500) << "trees without texts that are no UTF-8";
+    for (int i = 0; i < 100000; ++i) {
+        double const number = random.number();
+        Reference<Item> read;
+        ASSERT_TRUE(convertFromJSON(read, styled(make<Double>(number), {})));
+        ASSERT_EQ(std::bit_cast<std::uint64_t>(asDouble(read)->value()), std::bit_cast<std::uint64_t>(number));
+    }
+    ::test::onSmallStack([] {
+        Reference<Item> deep = array({});
+        for (int i = 0; i < ::test::manyLevels; ++i) deep = array({deep});
+        EXPECT_LT(styled(deep, {.indent = 1}).size(), 400U * ::test::manyLevels);
+    });
 }
 
 // Numbers ------------------------------------------------------------------------------------------------------

@@ -73,6 +73,12 @@ private:
     [[nodiscard]] Reference<Item> onClone() const override { return make<Stranger>(); }
 };
 
+/// Each array holds the next one twice.
+inline Reference<Item> doubled(int levels, Reference<Item> innermost) {
+    for (int i = 0; i < levels; ++i) innermost = arrayOf({innermost, innermost});
+    return innermost;
+}
+
 class RandomTrees {
 public:
     explicit RandomTrees(unsigned seed) : random_(seed) {}

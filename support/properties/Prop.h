@@ -4,8 +4,8 @@
 #include <utility>
 
 #include "plst/convert.h"
+#include "plst/shape.h"
 #include "support/properties/PropertyTBase.h"
-#include "support/properties/valueShape.h"
 
 namespace nxSupport {
 
@@ -13,7 +13,7 @@ namespace nxSupport {
 /// `Units::Length`, are kept as a number in a unit of one's own choice.
 ///
 /// Holds nothing at first; reading then gives the fallback and setting does nothing. Copies share the property.
-template <PropertyValue T>
+template <nxPLST::Shaped T>
 class Prop : public PropertyTBase {
 public:
     using PropertyTBase::PropertyTBase;
@@ -26,7 +26,7 @@ public:
     }
 
     /// Whether there is a value that has the shape of T.
-    [[nodiscard]] bool isSet() const { return pty() && hasShape<T>(pty()->value()); }
+    [[nodiscard]] bool isSet() const { return pty() && nxPLST::hasShape<T>(pty()->value()); }
     /// `fallback` when there is no value of that shape.
     [[nodiscard]] T get(T fallback = T()) const {
         if (isSet()) nxPLST::convert(fallback, pty()->value());
@@ -44,7 +44,7 @@ public:
         return pty()->subscribe([listener = std::move(listener)](ur::Reference<Property const> const& property,
                                                                  PropertyModType type) mutable {
             auto const item = property->value();
-            if (!hasShape<T>(item)) return;
+            if (!nxPLST::hasShape<T>(item)) return;
             T value{};
             nxPLST::convert(value, item);
             listener(std::as_const(value), type);

@@ -5,7 +5,7 @@
 
 #include "plst/Array.h"
 #include "plst/Dictionary.h"
-#include "tools/nxplist/Path.h"
+#include "plst/Path.h"
 
 namespace nxplist {
 
@@ -28,7 +28,7 @@ public:
     }
     /// The last step of the path to the child.
     [[nodiscard]] std::string step() const {
-        return dictionary() ? keyText(key().view()) : indexText(static_cast<long>(index_));
+        return dictionary() ? nxPLST::keyText(key().view()) : nxPLST::indexText(static_cast<long>(index_));
     }
     /// Of a dictionary's child only.
     [[nodiscard]] urString::CString const& key() const { return entry_->first; }

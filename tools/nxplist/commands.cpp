@@ -12,7 +12,7 @@
 #include "tools/nxplist/Document.h"
 #include "tools/nxplist/Losses.h"
 #include "tools/nxplist/Options.h"
-#include "tools/nxplist/Path.h"
+#include "plst/Path.h"
 #include "tools/nxplist/Statistics.h"
 
 namespace nxplist {
@@ -103,10 +103,10 @@ int stat(Options const& options) {
 
 int get(Options const& options) {
     std::string error;
-    auto const path = parsePath(options.files[1], error);
+    auto const path = nxPLST::parsePath(options.files[1], error);
     if (!path) throw UsageError{error};
     Document const document = loadFile(options, 0);
-    auto const value = follow(document.root, *path, error);
+    auto const value = nxPLST::follow(document.root, *path, error);
     if (!value) throw Failure{ExitCode::negative, document.name + ": " + error};
     auto const string = options.raw ? nxPLST::asString(value) : nullptr;
     printText(string ? string->value() + "\n" : strictJson(value, document, options.limit));

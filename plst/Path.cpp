@@ -1,5 +1,5 @@
 // Reading, following and spelling paths.
-#include "tools/nxplist/Path.h"
+#include "plst/Path.h"
 
 #include <algorithm>
 #include <charconv>
@@ -7,10 +7,10 @@
 
 #include "plst/casts.h"
 
-namespace nxplist {
+namespace nxPLST {
 namespace {
 
-using ItemIn = ur::Reference<nxPLST::Item const>;
+using ItemIn = ur::Reference<Item const>;
 
 bool isBare(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' || c == '-' ||
@@ -96,10 +96,10 @@ std::string stepText(Path::value_type const& step) {
 
 ItemIn child(ItemIn const& item, Path::value_type const& step) {
     if (auto const* key = std::get_if<std::string>(&step)) {
-        auto const dictionary = nxPLST::asDictionary(item);
-        return dictionary ? dictionary->get(urString::CString(std::string_view(*key))) : nullptr;
+        auto const dictionary = asDictionary(item);
+        return dictionary ? dictionary->get(*key) : nullptr;
     }
-    auto const array = nxPLST::asArray(item);
+    auto const array = asArray(item);
     if (!array) return nullptr;
     long index = std::get<long>(step);
     if (index < 0) index += array->size();
@@ -125,6 +125,17 @@ ItemIn follow(ItemIn root, Path const& path, std::string& error) {
     return root;
 }
 
+ur::Reference<Item> at(ur::Reference<Item> const& root, std::string_view path) {
+    ItemIn const found = at(ItemIn(root), path);
+    return ur::Reference<Item>(const_cast<Item*>(found.get()));  // of a tree that the caller may change
+}
+
+ItemIn at(ItemIn const& root, std::string_view path) {
+    std::string error;
+    auto const steps = parsePath(path, error);
+    return steps ? follow(root, *steps, error) : nullptr;
+}
+
 std::string keyText(std::string_view key) {
     if (!key.empty() && std::all_of(key.begin(), key.end(), isBare)) return "." + std::string(key);
     std::string text = ".\"";
@@ -143,4 +154,4 @@ std::string keyText(std::string_view key) {
 
 std::string indexText(long index) { return "[" + std::to_string(index) + "]"; }
 
-}  // namespace nxplist
+}  // namespace nxPLST

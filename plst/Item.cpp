@@ -1,0 +1,19 @@
+// Comparing and printing items by value.
+#include "plst/Item.h"
+
+#include <ostream>
+
+#include "plst/impl/json/StyledJsonWriter.h"
+#include "plst/impl/treeWalk.h"
+
+namespace nxPLST {
+
+bool operator==(Item const& a, Item const& b) { return impl::equalTrees(a, b); }
+
+std::ostream& operator<<(std::ostream& out, Item const& item) {
+    impl::StyledJsonWriter writer({.indent = 0});
+    bool const isWhole = writer.write(&item);
+    return out << writer.text() << (isWhole ? "" : "...");
+}
+
+}  // namespace nxPLST

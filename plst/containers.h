@@ -1,0 +1,229 @@
+// Containers, enumerations and structures as items, and back.
+//
+// A vector or array of values is an array of their items, a map from texts a dictionary, an optional its value or null.
+// An enumeration whose values are named is the name; a structure that lists its members is a dictionary of them:
+//
+//     constexpr auto namesOf(Wood*) { return std::array{std::pair(Wood::oak, "oak"), std::pair(Wood::ash, "ash")}; }
+//     template <class Visit>
+//     void listMembers(Chair& chair, Visit&& visit) { visit("name", chair.name), visit("wood", chair.wood); }
+//
+// beside the type, in its namespace. From an item of another shape nothing is read, as in plst/convert.h; an array may
+// be longer than a std::array, and a dictionary has all members of a structure but optional ones, and may have more.
+#pragma once
+
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "plst/shape.h"
+
+namespace nxPLST {
+
+namespace impl {
+
+template <class T>
+concept NamedEnum = std::is_enum_v<T> && requires {
+    namesOf(static_cast<T*>(nullptr));
+};
+
+struct IgnoreMembers {
+    template <class T>
+    void operator()(char const*, T&) const {}
+};
+template <class T>
+concept ListsMembers = std::is_class_v<T> && requires(T& value) {
+    listMembers(value, IgnoreMembers());
+};
+
+template <class T>
+inline constexpr bool isOptional = false;
+template <class T>
+inline constexpr bool isOptional<std::optional<T>> = true;
+
+/// Null for other items than containers of this kind.
+template <class Container>
+Container const* containerIn(ur::Reference<Item const> const& item, Type type) {
+    return item && item->type() == type ? static_cast<Container const*>(item.get()) : nullptr;
+}
+
+template <class Key, class T>
+struct MapShape {
+    static bool matches(ur::Reference<Item const> const& item) {
+        auto const* const members = containerIn<Dictionary>(item, DictionaryType);
+        if (!members) return false;
+        for (auto const& [key, value] : members->dictionary()) {
+            if (!hasShape<T>(value)) return false;
+        }
+        return true;
+    }
+};
+
+template <class Map>
+void convertMap(ur::Reference<Item>& out, Map const& values) {
+    auto members = ur::make<Dictionary>();
+    for (auto const& [key, value] : values) members->insert(key, converted(value));
+    out = std::move(members);
+}
+
+template <class Map>
+void convertMap(Map& out, ur::Reference<Item const> const& item) {
+    if (!hasShape<Map>(item)) return;
+    Map read;
+    for (auto const& [key, member] : static_cast<Dictionary const&>(*item).dictionary())
+        convert(read[typename Map::key_type(key.view())], member);
+    out = std::move(read);
+}
+
+template <class Values>
+void convertElements(ur::Reference<Item>& out, Values const& values) {
+    auto elements = ur::make<Array>();
+    for (auto const& value : values) elements->insert(converted(value));
+    out = std::move(elements);
+}
+
+}  // namespace impl
+
+template <Shaped T>
+struct Shape<std::vector<T>> {
+    static bool matches(ur::Reference<Item const> const& item) {
+        auto const* const elements = impl::containerIn<Array>(item, ArrayType);
+        if (!elements) return false;
+        for (auto const& element : elements->array()) {
+            if (!hasShape<T>(element)) return false;
+        }
+        return true;
+    }
+};
+template <Shaped T, std::size_t size>
+struct Shape<std::array<T, size>> {
+    static bool matches(ur::Reference<Item const> const& item) {
+        auto const* const elements = impl::containerIn<Array>(item, ArrayType);
+        if (!elements || elements->array().size() < size) return false;
+        for (std::size_t i = 0; i < size; ++i) {
+            if (!hasShape<T>(elements->array()[i])) return false;
+        }
+        return true;
+    }
+};
+template <Shaped T>
+struct Shape<std::optional<T>> {
+    static bool matches(ur::Reference<Item const> const& item) { return !item || hasShape<T>(item); }
+};
+template <Shaped T, class Less>
+struct Shape<std::map<std::string, T, Less>> : impl::MapShape<std::string, T> {};
+template <Shaped T, class Less>
+struct Shape<std::map<urString::CString, T, Less>> : impl::MapShape<urString::CString, T> {};
+template <impl::NamedEnum T>
+struct Shape<T> {
+    static bool matches(ur::Reference<Item const> const& item) { return valueOf(item).has_value(); }
+    static std::optional<T> valueOf(ur::Reference<Item const> const& item) {
+        if (!item || item->type() != StringType) return std::nullopt;
+        for (auto const& [value, name] : namesOf(static_cast<T*>(nullptr))) {
+            if (static_cast<String const&>(*item).value() == std::string_view(name)) return value;
+        }
+        return std::nullopt;
+    }
+};
+template <impl::ListsMembers T>
+struct Shape<T> {
+    static bool matches(ur::Reference<Item const> const& item) {
+        auto const* const members = impl::containerIn<Dictionary>(item, DictionaryType);
+        if (!members) return false;
+        T any{};
+        bool fits = true;
+        listMembers(any, [&]<class M>(char const* name, M&) { fits = fits && hasShape<M>(members->find(name)); });
+        return fits;
+    }
+};
+
+template <Shaped T>
+void convert(ur::Reference<Item>& out, std::vector<T> const& values) {
+    impl::convertElements(out, values);
+}
+template <Shaped T>
+void convert(std::vector<T>& out, ur::Reference<Item const> item) {
+    if (!hasShape<std::vector<T>>(item)) return;
+    auto const& elements = static_cast<Array const&>(*item).array();
+    std::vector<T> read(elements.size());
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        T value{};
+        convert(value, elements[i]);
+        read[i] = std::move(value);
+    }
+    out = std::move(read);
+}
+
+template <Shaped T, std::size_t size>
+void convert(ur::Reference<Item>& out, std::array<T, size> const& values) {
+    impl::convertElements(out, values);
+}
+template <Shaped T, std::size_t size>
+void convert(std::array<T, size>& out, ur::Reference<Item const> item) {
+    if (!hasShape<std::array<T, size>>(item)) return;
+    for (std::size_t i = 0; i < size; ++i) convert(out[i], static_cast<Array const&>(*item).array()[i]);
+}
+
+template <Shaped T>
+void convert(ur::Reference<Item>& out, std::optional<T> const& value) {
+    out = value ? impl::converted(*value) : nullptr;
+}
+template <Shaped T>
+void convert(std::optional<T>& out, ur::Reference<Item const> item) {
+    if (!item) return out.reset();
+    if (hasShape<T>(item)) convert(out.emplace(), std::move(item));
+}
+
+template <Shaped T, class Less>
+void convert(ur::Reference<Item>& out, std::map<std::string, T, Less> const& values) {
+    impl::convertMap(out, values);
+}
+template <Shaped T, class Less>
+void convert(std::map<std::string, T, Less>& out, ur::Reference<Item const> item) {
+    impl::convertMap(out, item);
+}
+template <Shaped T, class Less>
+void convert(ur::Reference<Item>& out, std::map<urString::CString, T, Less> const& values) {
+    impl::convertMap(out, values);
+}
+template <Shaped T, class Less>
+void convert(std::map<urString::CString, T, Less>& out, ur::Reference<Item const> item) {
+    impl::convertMap(out, item);
+}
+
+/// A value without a name gives null.
+template <impl::NamedEnum T>
+void convert(ur::Reference<Item>& out, T value) {
+    out = nullptr;
+    for (auto const& [named, name] : namesOf(static_cast<T*>(nullptr))) {
+        if (named == value) out = ur::make<String>(urString::CString(name));
+    }
+}
+template <impl::NamedEnum T>
+void convert(T& out, ur::Reference<Item const> item) {
+    if (auto const value = Shape<T>::valueOf(item)) out = *value;
+}
+
+template <impl::ListsMembers T>
+void convert(ur::Reference<Item>& out, T const& value) {
+    auto members = ur::make<Dictionary>();
+    listMembers(const_cast<T&>(value), [&](char const* name, auto const& member) {
+        if (auto item = impl::converted(member)) members->insert(name, std::move(item));
+    });
+    out = std::move(members);
+}
+template <impl::ListsMembers T>
+void convert(T& out, ur::Reference<Item const> item) {
+    if (!hasShape<T>(item)) return;
+    listMembers(out, [&](char const* name, auto& member) {
+        convert(member, static_cast<Dictionary const&>(*item).find(name));
+    });
+}
+
+}  // namespace nxPLST

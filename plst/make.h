@@ -1,0 +1,70 @@
+// Building trees of items in place, and reading values out of them.
+#pragma once
+
+#include <concepts>
+#include <cstddef>
+#include <initializer_list>
+#include <string_view>
+#include <utility>
+
+#include "plst/Path.h"
+#include "plst/containers.h"
+
+namespace nxPLST {
+
+/// Whatever can become an item: a value of a type that has a shape, an item, or values in braces, which make an array.
+class Value {
+public:
+    template <class T>
+    requires requires(ur::Reference<Item>& item, T const& value) { convert(item, value); }
+    Value(T const& value)
+        : item_(impl::converted(value)) {}  // NOLINT(google-explicit-constructor): stands for the value
+    Value(ur::Reference<Item> item) : item_(std::move(item)) {}  // NOLINT(google-explicit-constructor): the same
+    template <std::derived_from<Item> T>
+    Value(ur::Reference<T> item) : item_(std::move(item)) {}  // NOLINT(google-explicit-constructor): the same
+    Value(std::nullptr_t) {}                                  // NOLINT(google-explicit-constructor): the same
+    inline Value(std::initializer_list<Value> elements);
+
+    [[nodiscard]] ur::Reference<Item> const& item() const noexcept { return item_; }
+
+private:
+    ur::Reference<Item> item_;
+};
+
+/// A new array of these, which are taken as they are: items are shared, not copied.
+[[nodiscard]] inline ur::Reference<Array> array(std::initializer_list<Value> elements) {
+    auto result = ur::make<Array>();
+    result->array().reserve(elements.size());
+    for (Value const& element : elements) result->insert(element.item());
+    return result;
+}
+
+/// A new dictionary of these, of which null ones are left out:
+/// `dictionary({{"name", "desk"}, {"size", 1.5}, {"at", {1, 2, 3}}})`. Of a repeated key, the last value stays.
+[[nodiscard]] inline ur::Reference<Dictionary> dictionary(
+    std::initializer_list<std::pair<urString::CString, Value>> members) {
+    auto result = ur::make<Dictionary>();
+    for (auto const& [key, value] : members) {
+        if (value.item()) result->insert(key, value.item());
+    }
+    return result;
+}
+
+inline Value::Value(std::initializer_list<Value> elements) : item_(array(elements)) {}
+
+/// The value of an item, or `fallback` when it is null or of another shape.
+template <Shaped T>
+[[nodiscard]] T valueOf(ur::Reference<Item const> const& item, T fallback = T()) {
+    if (hasShape<T>(item)) convert(fallback, item);
+    return fallback;
+}
+
+/// The value under a key, or `fallback` when there is none of that shape: `get<double>(settings, "size", 1.0)`.
+template <Shaped T>
+[[nodiscard]] T get(ur::Reference<Dictionary const> const& dictionary, std::string_view key, T fallback = T()) {
+    if (!dictionary) return fallback;
+    auto const member = dictionary->dictionary().find(key);
+    return member == dictionary->dictionary().end() ? fallback : valueOf<T>(member->second, std::move(fallback));
+}
+
+}  // namespace nxPLST

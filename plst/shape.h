@@ -1,0 +1,63 @@
+// Which items the conversions read as a given type.
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "plst/Parser.h"
+#include "plst/convert.h"
+
+namespace nxPLST {
+
+/// The shape in which a T is written: `static bool matches(ur::Reference<Item const> const& item)`, false for null
+/// unless a T may be none. Types that have one are those of plst/convert.h and plst/containers.h.
+template <class T>
+struct Shape;
+
+/// A type that has a shape.
+template <class T>
+concept Shaped = requires {
+    sizeof(Shape<T>);
+};
+
+/// Whether an item has exactly the shape that a T is written in.
+template <Shaped T>
+[[nodiscard]] bool hasShape(ur::Reference<Item const> const& item) {
+    return Shape<T>::matches(item);
+}
+
+namespace impl {
+
+template <bool (Parser::*check)()>
+struct SingleShape {
+    static bool matches(ur::Reference<Item const> const& item) {
+        Parser parser(item, false);
+        return (parser.*check)();
+    }
+};
+
+}  // namespace impl
+
+template <>
+struct Shape<bool> : impl::SingleShape<&Parser::parseBool> {};
+template <>
+struct Shape<int> : impl::SingleShape<&Parser::parseDouble> {};
+template <>
+struct Shape<float> : impl::SingleShape<&Parser::parseDouble> {};
+template <>
+struct Shape<double> : impl::SingleShape<&Parser::parseDouble> {};
+template <>
+struct Shape<urString::CString> : impl::SingleShape<&Parser::parseString> {};
+template <>
+struct Shape<urString::IString> : impl::SingleShape<&Parser::parseString> {};
+template <>
+struct Shape<std::string> : impl::SingleShape<&Parser::parseString> {};
+template <class T>
+requires(arrayLength<T> > 0) struct Shape<T> {
+    static bool matches(ur::Reference<Item const> const& item) {
+        Parser parser(item, false);
+        return parser.parseNumericArray(arrayLength<T>);
+    }
+};
+
+}  // namespace nxPLST

@@ -1,0 +1,146 @@
+// Trees in the natural form: made in place, read by key and path, compared and printed by value, of all ordinary types.
+#include "plst/make.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "foundation/urLinear/Point.h"
+#include "plst/json.h"
+
+namespace nxPLST::test {
+
+enum class Wood { oak, ash, unnamed };
+constexpr auto namesOf(Wood* /*type*/) { return std::array{std::pair(Wood::oak, "oak"), std::pair(Wood::ash, "ash")}; }
+
+struct Chair {
+    std::string name = "chair";
+    Wood wood = Wood::oak;
+    std::optional<double> height;
+    std::vector<urLinear::Point> feet;
+
+    bool operator==(Chair const&) const = default;
+};
+template <class Visit>
+void listMembers(Chair& chair, Visit&& visit) {
+    visit("name", chair.name);
+    visit("wood", chair.wood);
+    visit("height", chair.height);
+    visit("feet", chair.feet);
+}
+
+namespace {
+
+std::string printed(ur::Reference<Item const> const& item) {
+    std::ostringstream out;
+    out << *item;
+    return out.str();
+}
+
+TEST(Trees, AreMadeInPlace) {
+    auto const shared = ur::make<Double>(7);
+    auto const desk = dictionary({{"name", "desk"},
+                                  {"size", 1.5},
+                                  {"at", {1, 2, 3}},
+                                  {"tags", {"a", std::string("b"), urString::CString("c")}},
+                                  {"drawer", dictionary({{"open", true}})},
+                                  {"absent", nullptr},
+                                  {"shared", shared}});
+    desk->insert("more", array({}));
+    desk->insert(std::string("count"), 2);
+    asArray(desk->find("more"))->insert("text");
+    EXPECT_EQ(printed(desk), R"({"at":[1,2,3],"count":2,"drawer":{"open":true},"more":["text"],"name":"desk",)"
+                             R"("shared":7,"size":1.5,"tags":["a","b","c"]})");
+    EXPECT_EQ(desk->find("shared"), shared);
+}
+
+TEST(Trees, AreReadByKeyAndByPath) {
+    auto const tree = dictionary({{"size", 1.5}, {"name", "desk"}, {"places", {{1, 2}, {3, 4}}}});
+    EXPECT_EQ(get<double>(tree, "size"), 1.5);
+    EXPECT_EQ(get<double>(tree, "name", 2.5), 2.5);
+    EXPECT_EQ(get<std::string>(tree, "name"), "desk");
+    EXPECT_EQ(get<std::string>(tree, std::string("absent"), "none"), "none");
+    EXPECT_EQ(get<double>(ur::Reference<Dictionary>(), "size", 1), 1);
+    EXPECT_EQ(valueOf<double>(at(tree, ".places[-1][0]")), 3);
+    EXPECT_EQ(at(tree, "."), tree);
+    ur::Reference<Item const> const constant = tree;
+    for (char const* const nowhere : {".places[2]", ".size[0]", ".absent", "places"}) {
+        EXPECT_FALSE(at(constant, nowhere)) << nowhere;
+    }
+    asArray(at(tree, ".places"))->insert(5);
+    EXPECT_EQ(valueOf<double>(at(constant, ".places[2]")), 5);
+}
+
+/// The item, which gives the value back; items of another shape leave a value alone.
+template <class T>
+std::string both(T const& value) {
+    ur::Reference<Item> item;
+    convert(item, value);
+    EXPECT_TRUE(hasShape<T>(item));
+    T copy{};
+    convert(copy, item);
+    EXPECT_TRUE(copy == value);
+    EXPECT_FALSE(hasShape<T>(dictionary({{"odd", array({array({})})}})));
+    convert(copy, dictionary({{"odd", array({array({})})}}));
+    EXPECT_TRUE(copy == value);
+    return item ? printed(item) : "null";
+}
+
+TEST(Trees, HoldContainersEnumerationsAndStructures) {
+    EXPECT_EQ(both(std::string("a\"b")), R"("a\"b")");
+    EXPECT_EQ(both(std::vector{1, 2}), "[1,2]");
+    EXPECT_EQ(both(std::vector{true, false}), "[true,false]");
+    EXPECT_EQ(both(std::array{1.5, 2.5}), "[1.5,2.5]");
+    EXPECT_EQ(both(std::optional(3)), "3");
+    EXPECT_EQ(both(std::optional<int>()), "null");
+    EXPECT_EQ(both(std::map<std::string, std::vector<int>>{{"b", {1}}, {"a", {}}}), R"({"a":[],"b":[1]})");
+    EXPECT_EQ(both(std::map<urString::CString, double>{{"k", 0.5}}), R"({"k":0.5})");
+    EXPECT_EQ(both(Wood::ash), R"("ash")");
+    EXPECT_EQ(both(Chair{"high", Wood::ash, 2.5, {{1, 2, 3}}}),
+              R"({"feet":[[1,2,3]],"height":2.5,"name":"high","wood":"ash"})");
+    EXPECT_EQ(both(std::vector{Chair(), Chair()}).size(),
+              2 * std::string(R"({"feet":[],"name":"chair","wood":"oak"})").size() + 3);
+
+    Wood wood = Wood::ash;
+    convert(wood, ur::make<String>("beech"));
+    EXPECT_EQ(wood, Wood::ash);
+    EXPECT_FALSE(hasShape<Chair>(dictionary({{"name", "no feet"}, {"wood", "oak"}})));
+    std::array<int, 2> two{};
+    convert(two, array({1, 2, 3}));
+    EXPECT_EQ(two[1], 2);
+    convert(two, array({9}));
+    EXPECT_EQ(two[0], 1);
+    std::map<std::string, int> numbers{{"k", 1}};
+    convert(numbers, dictionary({{"a", 1}, {"b", "text"}}));
+    EXPECT_EQ(numbers.size(), 1U);
+    ur::Reference<Item> item = ur::make<Bool>(true);
+    convert(item, Wood::unnamed);
+    EXPECT_FALSE(item);
+}
+
+TEST(Equality, IsByValueWhereverTreesShare) {
+    ur::Reference<Item> const values[] = {nullptr,
+                                          impl::converted(1),
+                                          impl::converted(2),
+                                          impl::converted(true),
+                                          impl::converted("1"),
+                                          array({}),
+                                          array({1}),
+                                          array({1, 1}),
+                                          array({nullptr}),
+                                          dictionary({}),
+                                          dictionary({{"a", 1}}),
+                                          dictionary({{"b", 1}}),
+                                          dictionary({{"a", {1}}}),
+                                          impl::converted(std::nan(""))};
+    for (auto const& a : values) {
+        for (auto const& b : values) EXPECT_EQ(equal(a, b ? b->clone() : b), &a == &b);
+    }
+    ur::Reference<Item> one = array({1, 2}), two = array({1, 2}), other = array({1, 3});
+    for (int i = 0; i < 60; ++i) one = array({one, one}), two = array({two, two}), other = array({other, other});
+    EXPECT_TRUE(equal(one, two));
+    EXPECT_FALSE(equal(one, other));
+}
+
+}  // namespace
+}  // namespace nxPLST::test
