@@ -10,7 +10,7 @@
 #include "foundation/nxRFL/Database.h"
 #include "foundation/urOS/AppOutput.h"
 #include "foundation/urUtil/random.h"
-#include "script/impl/decodeJson.h"
+#include "script/impl/jsonFunctions.h"
 #include "script/impl/print.h"
 
 namespace nxSupport {
@@ -31,7 +31,7 @@ int random(lua_State* state) {
 }
 
 /// Does nothing, but scripts may call it.
-int encodeJson(lua_State* /*state*/) { return 0; }
+int encodeJson2(lua_State* /*state*/) { return 0; }
 
 int getObjectTableSize(lua_State* state) {
     StackChecker const checker(state, 1);
@@ -69,9 +69,11 @@ struct Entry {
     lua_CFunction function;
 };
 
-constexpr std::array<Entry, 6> functions{{
-    {"decodeJSON2", &impl::decodeJson},
-    {"encodeJSON2", &encodeJson},
+constexpr std::array<Entry, 8> functions{{
+    {"decodeJSON", &impl::decodeJson},
+    {"encodeJSON", &impl::encodeJson},
+    {"decodeJSON2", &impl::decodeJson2},
+    {"encodeJSON2", &encodeJson2},
     {"getObjectTableSize", &getObjectTableSize},
     {"random", &random},
     {"setLCPropertyAssignmentHook", &setPropertyAssignmentHook},

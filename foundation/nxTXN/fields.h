@@ -1,13 +1,15 @@
-// The saved forms of numbers, of references to transaction objects and of lists of pointers to them.
+// The saved forms of numbers, of texts, of references to transaction objects, and of vectors.
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <type_traits>
+#include <utility>
+#include <vector>
 
 #include "foundation/nxTXN/Object.h"
 #include "foundation/nxTXN/Serializer.h"
 #include "foundation/ur/Reference.h"
-#include "foundation/ur/containers.h"
 
 namespace nxTXN {
 
@@ -39,23 +41,58 @@ void clear(Clear& cleared, ur::Reference<T>& reference) {
     cleared.release(reference);
 }
 
-/// A list of objects that it does not own: a 32-bit count, then the pointers.
+inline void write(Writer& writer, std::string const& text) {
+    auto const size = static_cast<std::uint32_t>(text.size());
+    writer.writeData(&size, sizeof size);
+    writer.writeData(text.data(), size);
+}
+inline void read(Reader& reader, std::string& text) {
+    std::uint32_t size = 0;
+    reader.readData(&size, sizeof size);
+    text.resize(size);
+    reader.readData(text.data(), size);
+}
+
+/// An object that somebody else owns.
 template <TransactionObject T>
-void write(Writer& writer, ur::vector<T*> const& list) {
-    auto const count = static_cast<std::uint32_t>(list.size());
-    writer.writeData(&count, sizeof count);
-    for (T const* object : list) writer.writePtr(static_cast<Object const*>(object));
+void write(Writer& writer, T* const& object) {
+    writer.writePtr(static_cast<Object const*>(object));
 }
 template <TransactionObject T>
-void read(Reader& reader, ur::vector<T*>& list) {
+void read(Reader& reader, T*& object) {
+    object = static_cast<T*>(static_cast<Object*>(reader.readPtr()));
+}
+
+template <TransactionObject T>
+void clear(Clear& /*cleared*/, T*& object) {
+    object = nullptr;
+}
+
+/// A vector of whatever has a saved form: a 32-bit count, then the elements. It owns what it counts references of, and not
+/// what it points to.
+template <class T>
+void write(Writer& writer, std::vector<T> const& elements) {
+    auto const count = static_cast<std::uint32_t>(elements.size());
+    writer.writeData(&count, sizeof count);
+    for (auto const& element : elements) write(writer, static_cast<T const&>(element));
+}
+template <class T>
+void read(Reader& reader, std::vector<T>& elements) {
     std::uint32_t count = 0;
     reader.readData(&count, sizeof count);
-    list.clear();
-    while (count-- > 0) list.push_back(static_cast<T*>(static_cast<Object*>(reader.readPtr())));
+    elements.clear();
+    elements.reserve(count);
+    while (count-- > 0) {
+        T element{};
+        read(reader, element);
+        elements.push_back(std::move(element));
+    }
 }
-template <TransactionObject T>
-void clear(Clear& /*cleared*/, ur::vector<T*>& list) {
-    list.clear();
+template <class T>
+requires requires(Clear& cleared, T& element) { clear(cleared, element); }
+void clear(Clear& cleared, std::vector<T>& elements) {
+    for (T& element : elements) clear(cleared, element);
+    elements.clear();
 }
 
 }  // namespace nxTXN

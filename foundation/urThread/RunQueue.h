@@ -2,14 +2,31 @@
 #pragma once
 
 #include <chrono>
+#include <concepts>
 #include <cstddef>
 #include <memory>
+#include <type_traits>
+#include <utility>
 
 #include "foundation/ur/Export.h"
 #include "foundation/ur/Reference.h"
 #include "foundation/urThread/Runnable.h"
 
 namespace urThread {
+
+namespace impl {
+
+template <class F>
+class Call final : public Runnable {
+public:
+    explicit Call(F work) : work_(std::move(work)) {}
+    void run() override { static_cast<void>(work_()); }
+
+private:
+    F work_;
+};
+
+}  // namespace impl
 
 /// Collects runnables from any thread and runs them, in the order of adding, on the thread that services it.
 ///
@@ -28,6 +45,12 @@ public:
 
     /// Any thread. Ignored when null; dropped when the queue has closed.
     void add(ur::Reference<Runnable> runnable);
+    /// The same for any callable, which is kept by value: `queue.add([=] { show(result); })`.
+    template <class F>
+    requires std::invocable<std::decay_t<F>&>
+    void add(F&& work) {
+        add(ur::Reference<Runnable>(ur::make<impl::Call<std::decay_t<F>>>(std::forward<F>(work))));
+    }
 
     /// Runs what is queued now and tells how many that were; what is added meanwhile waits for the next call.
     /// An exception from a runnable leaves at once; those after it stay queued in their order.

@@ -3,6 +3,8 @@
 
 #include <atomic>
 #include <exception>
+#include <mutex>
+#include <string>
 #include <thread>
 #include <utility>
 
@@ -25,6 +27,7 @@ public:
     CompletionTask& operator=(CompletionTask const&) = delete;
 
     void run() override;
+    void setFailed() noexcept { failed_ = true; }
 
 private:
     ~CompletionTask() override {
@@ -32,6 +35,34 @@ private:
     }
 
     AsyncTask* task_;
+    bool failed_ = false;
+};
+
+/// What the worker has told last, on its way to the main thread.
+struct TaskProgress {
+    explicit TaskProgress(AsyncTask::ProgressSignal& told) : signal(&told) {}
+
+    /// Whether nothing was under way before.
+    bool set(double newFraction, std::string_view newText) {
+        std::lock_guard const lock(mutex);
+        fraction = newFraction;
+        text = newText;
+        return !std::exchange(underWay, true);
+    }
+    void emit() {
+        std::unique_lock lock(mutex);
+        underWay = false;
+        std::string const told = text;
+        double const done = fraction;
+        lock.unlock();
+        if (signal) signal->emit(done, told);
+    }
+
+    AsyncTask::ProgressSignal* signal;  // the main thread's; null once there is nothing more to tell
+    std::mutex mutex;
+    double fraction = 0;
+    std::string text;
+    bool underWay = false;
 };
 
 struct TaskImpl final : ur::ImplBase {
@@ -46,6 +77,9 @@ struct TaskImpl final : ur::ImplBase {
     std::thread::id home;  ///< the thread that started the task; the count is its own
     bool started = false;
     urUtil::Error failure;  ///< as far as the thread has told it
+    AsyncTask::ProgressSignal progressSignal;
+    std::shared_ptr<TaskProgress> progress = std::make_shared<TaskProgress>(progressSignal);
+    std::atomic<bool> cancelled = false;
     std::atomic<bool> waited = false;
     std::atomic<bool> abandoned = false;  ///< elsewhere than at home: the count is still to drop, by who clears this
 };
@@ -60,6 +94,7 @@ AsyncTask::AsyncTask(Domain& domain) : impl_(std::make_unique<TaskImpl>(domain))
 }
 
 AsyncTask::~AsyncTask() {
+    impl_->progress->signal = nullptr;
     leaveDomain();
     impl_.reset();  // before the client, which belongs to the thread until that has ended
 }
@@ -76,29 +111,46 @@ void AsyncTask::startThread() {
     } catch (std::exception const& exception) {
         impl_->failure = {0, exception.what()};
     }
-    if (failed()) impl_->completion.reset();  // the task may be gone
+    if (!failed()) return;
+    leaveDomain();
+    impl_->completion->setFailed();
+    impl_->queue->add(std::move(impl_->completion));
 }
 
 void AsyncTask::threadFunc() {
     try {
         execute();
     } catch (...) {
-        impl_->completion.reset();  // unrun, so that the count waits for `wait`
-        throw;
+        impl_->completion->setFailed();
+        impl_->queue->add(std::move(impl_->completion));
+        throw;  // for the thread, which keeps what it was
     }
     impl_->queue->add(std::move(impl_->completion));  // from here on the main thread may destroy the task
 }
 
 void CompletionTask::run() {
-    if (AsyncTask* const task = std::exchange(task_, nullptr)) task->complete(task->impl_->waited);
+    AsyncTask* const task = std::exchange(task_, nullptr);
+    if (!task) return;
+    failed_ ? task->fail() : task->complete(task->impl_->waited);
 }
 
 void AsyncTask::complete(bool waited) {
     auto const started = ur::Reference<AsyncTask>::adopt(this);
     static_cast<void>(impl_->thread.wait());  // it may still be inside the queue, which `onComplete` may destroy
+    impl_->progress->signal = nullptr;
     if (impl_->domain) impl_->domain->setAsyncTask(nullptr);
     onComplete(waited);
 }
+
+void AsyncTask::fail() {
+    auto const started = ur::Reference<AsyncTask>::adopt(this);
+    if (urUtil::Error const outcome = impl_->thread.wait(); outcome.isError()) impl_->failure = outcome;
+    impl_->progress->signal = nullptr;
+    leaveDomain();
+    onFailed(failureText());
+}
+
+void AsyncTask::onFailed(std::string_view /*text*/) {}
 
 void AsyncTask::abandon() noexcept {
     if (std::this_thread::get_id() == impl_->home) {
@@ -117,10 +169,22 @@ void AsyncTask::leaveDomain() noexcept {
 void AsyncTask::wait() {
     impl_->waited = true;
     urUtil::Error const outcome = impl_->thread.wait();
+    if (outcome.isError()) {
+        impl_->failure = outcome;
+        leaveDomain();
+    }
     if (!impl_->abandoned.exchange(false)) return;
-    impl_->failure = outcome;
     leaveDomain();
     unref();
+}
+
+void AsyncTask::cancel() noexcept { impl_->cancelled = true; }
+bool AsyncTask::isCancelled() const noexcept { return impl_->cancelled; }
+AsyncTask::ProgressSignal& AsyncTask::progressSignal() noexcept { return impl_->progressSignal; }
+
+void AsyncTask::setProgress(double fraction, std::string_view text) {
+    auto const& progress = impl_->progress;
+    if (progress->set(fraction, text)) impl_->queue->add([progress] { progress->emit(); });
 }
 
 bool AsyncTask::failed() const noexcept { return impl_->failure.isError(); }

@@ -6,6 +6,7 @@
 
 #include "foundation/ur/Export.h"
 #include "foundation/ur/ReferenceCount.h"
+#include "foundation/urRTB/Signal.h"
 #include "foundation/urRTB/SignalClient.h"
 
 namespace nxSupport {
@@ -18,13 +19,14 @@ struct TaskImpl;
 ///
 /// Held by reference: the owner keeps one while it needs the task, and a started task lives by itself until it has
 /// completed. The count is plain, so `execute` must leave references to the task alone, as it must leave alone the
-/// domain and all else that it does not own. An exception from it ends the work, not the process, and the task never
-/// completes: a `wait` says what was thrown, frees the task and has its domain forget it.
+/// domain and all else that it does not own; `isCancelled` and `setProgress` are for it. An exception from it ends the
+/// work, not the process, and the task never completes: `onFailed` is told instead, and a `wait` says what was thrown and
+/// has the domain forget the task.
 /// When the queue drops the completion unrun, `onComplete` is not called, but the task is freed: at once when the main
-/// thread drops it from a closed queue. A task whose queue had closed before its work ended, like one that threw, is
-/// freed by a `wait`, or when its domain goes after the end of the work. A host that closes the queue and destroys the
-/// domain while tasks work keeps references to them, and waits.
-/// All but `execute` belongs to the main thread, which services the queue.
+/// thread drops it from a closed queue. A task whose queue had closed before its work ended is freed by a `wait`, or when
+/// its domain goes after the end of the work. A host that closes the queue and destroys the domain while tasks work keeps
+/// references to them, and waits.
+/// All else belongs to the main thread, which services the queue.
 class NX_API AsyncTask : public ur::ReferenceCount {
 public:
     /// The domain reports this task from now on, in place of any other, until it has completed.
@@ -43,17 +45,31 @@ public:
     /// What the system or the exception said; empty unless `failed`.
     [[nodiscard]] std::string_view failureText() const noexcept;
 
+    /// Asks the work to end early. It completes as ever.
+    void cancel() noexcept;
+    /// Any thread.
+    [[nodiscard]] bool isCancelled() const noexcept;
+    using ProgressSignal = urRTB::Signal<double, std::string_view>;
+    /// Emitted from the run queue with what `setProgress` told last, and not after the task has completed or failed.
+    [[nodiscard]] ProgressSignal& progressSignal() noexcept;
+
 protected:
+    /// The worker: how much is done, from 0 to 1, and what is being done. Of what is told faster than the queue is
+    /// serviced, the last stays.
+    void setProgress(double fraction, std::string_view text = {});
     /// The work, on the worker thread.
     virtual void execute() = 0;
     /// The work is done; `waited` tells that someone has waited for it. What it throws leaves the queue's service.
     virtual void onComplete(bool waited) = 0;
+    /// The work threw, as `text` says, or there was no thread for it. From the run queue; not when it drops this.
+    virtual void onFailed(std::string_view text);
 
 private:
     friend class CompletionTask;
 
     void threadFunc();
     void complete(bool waited);
+    void fail();
     void abandon() noexcept;
     void leaveDomain() noexcept;
 

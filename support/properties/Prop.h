@@ -32,8 +32,13 @@ public:
         if (isSet()) nxPLST::convert(fallback, pty()->value());
         return fallback;
     }
-    /// As `Property::setValue`. False also when there is no property.
-    bool set(T const& value) { return pty() && pty()->setValue(itemOf(value)); }
+    /// As `Property::setValue`, but an equal value changes nothing, tells nobody and makes no step. False also when there
+    /// is no property.
+    bool set(T const& value) {
+        if (!pty()) return false;
+        auto item = itemOf(value);
+        return nxPLST::equal(pty()->value(), item) || pty()->setValue(std::move(item));
+    }
     bool set(T const& value, PropertyModType type) { return pty() && pty()->setValue(itemOf(value), type); }
 
     /// Calls `listener(value, type)` for changes made through other members of the joined set, until the handle goes.

@@ -150,6 +150,41 @@ TEST_F(Lifetime, PointersOfEveryKindComeBackAsTheyWere) {
     EXPECT_EQ(others(), 0);
 }
 
+/// Owns the elements of a vector.
+struct Group : RefCountedObject {
+    using RefCountedObject::RefCountedObject;
+
+    std::vector<NodeReference> members;
+
+    template <class Change>
+    void change(Change change) {
+        transact();
+        change(members);
+    }
+    void onTransact(Serializer& serializer) override { serializer.field(members); }
+};
+
+TEST_F(Lifetime, AVectorOfReferencesOwnsItsElements) {
+    auto const group = ur::make<Group>(manager);
+    edit(manager, [&] { group->change([&](auto& members) { members = {make("a"), make("b"), make("c")}; }); });
+    Node* const second = group->members[1].get();
+    edit(manager, [&] { group->change([](auto& members) { members.erase(members.begin() + 1); }); });
+    EXPECT_EQ(others(), 3);
+    EXPECT_FALSE(second->isTxnExtant());
+    manager.undo();
+    ASSERT_EQ(group->members.size(), 3U);
+    EXPECT_EQ(group->members[1], second);
+    EXPECT_TRUE(second->isTxnExtant());
+    manager.undo();
+    EXPECT_TRUE(group->members.empty());
+    EXPECT_TRUE(manager.redo() && manager.redo());
+    EXPECT_EQ(group->members.size(), 2U);
+    manager.clear();
+    EXPECT_EQ(others(), 2);
+    group->change([](auto& members) { members.clear(); });
+    EXPECT_EQ(others(), 0);
+}
+
 TEST_F(Lifetime, ForgetsAnObjectThatItsOwnerDestroys) {
     struct Owned : Object {
         explicit Owned(Manager& manager) : Object(manager) {}

@@ -14,15 +14,9 @@ namespace {
 using urThread::RunQueue;
 using namespace std::chrono_literals;
 
-struct Task final : urThread::Runnable {
-    explicit Task(std::function<void()> body) : body_(std::move(body)) {}
-    void run() override { body_(); }
-    std::function<void()> body_;
-};
-
 class RunQueueTest : public testing::Test {
 protected:
-    void add(std::function<void()> body) { queue->add(ur::make<Task>(std::move(body))); }
+    void add(std::function<void()> body) { queue->add(std::move(body)); }
     void note(char const* text) {
         add([=, this] { log += text; });
     }
@@ -118,7 +112,7 @@ TEST(RunQueue, TellsItsHostOfAdditionsAndLosesNone) {
     } queue;
     std::size_t ran = 0;  // counted on this thread only
     auto const addMany = [&] {
-        for (int i = 0; i < 2000; ++i) queue.add(ur::make<Task>([&ran] { ++ran; }));
+        for (int i = 0; i < 2000; ++i) queue.add([&ran] { ++ran; });
     };
     std::thread first(addMany), second(addMany);
     for (std::size_t serviced = 0; serviced < 4000 && queue.wait(10s);) serviced += queue.service();

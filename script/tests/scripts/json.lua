@@ -26,3 +26,14 @@ local many = {}
 for i = 1, 20000 do many[i] = '{"n":' .. i .. ',"t":"text ' .. i .. '"}' end
 many = nx.decodeJSON2("[" .. table.concat(many, ",") .. "]")
 print(#many, many[20000].n, many[20000].t)
+
+print(nx.decodeJSON('{"a": [1, 2.5, "x\\u0000y"]}').a[3] == "x\0y", select("#", nx.decodeJSON("null")))
+for _, text in ipairs{'[1,\n 2 3]', '', '[1]\0garbage', ("["):rep(100000) .. ("]"):rep(100000)} do print(nx.decodeJSON(text)) end
+print(pcall(nx.decodeJSON, {}))
+print(nx.encodeJSON({1, -0.0, 0.1, 2^64, {b = "\n", a = true}}), nx.encodeJSON({}), nx.encodeJSON("text"))
+print(nx.encodeJSON({k = {1, 2}}, 2))
+for _, value in ipairs{print, 1/0, {1, x = 2}} do print(nx.encodeJSON(value)) end
+print(nx.encodeJSON(nil))
+print(pcall(nx.encodeJSON), pcall(nx.encodeJSON, 1, -1))
+local text = nx.encodeJSON(nx.decodeJSON('[0.1,1e300,-5e-324,1.5e20]'))
+print(text, nx.encodeJSON(nx.decodeJSON(text)) == text)

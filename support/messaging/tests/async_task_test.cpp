@@ -5,7 +5,10 @@
 #include <chrono>
 #include <optional>
 #include <random>
+#include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "support/messaging/AsyncTask.h"
 #include "support/messaging/DataSink.h"
@@ -27,6 +30,8 @@ public:
     ~Task() override { ++counts_.destroyed; }
 
     std::function<void()> work = [] {}, end = [] {};
+    std::string failure;
+    using AsyncTask::setProgress;
 
 private:
     void execute() override { ++counts_.executed, work(); }
@@ -35,6 +40,7 @@ private:
         counts_.waited += waited ? 1 : 0;
         end();
     }
+    void onFailed(std::string_view text) override { failure += text; }
 
     Counts& counts_;
 };
@@ -59,12 +65,7 @@ TEST_F(AsyncTasks, CompleteOnceAndOnlyWhenTheQueueIsServiced) {
 }
 
 TEST_F(AsyncTasks, TellThatTheyWereWaitedForEvenFromTheQueueItself) {
-    struct Waiter : urThread::Runnable {
-        explicit Waiter(Host& owner) : host(owner) {}
-        void run() override { EXPECT_TRUE(host.waitForAsyncTask()); }
-        Host& host;
-    };
-    host->queue.add(ur::make<Waiter>(*host));
+    host->queue.add([this] { EXPECT_TRUE(host->waitForAsyncTask()); });
     task->startThread();
     while (host->queue.size() < 2) std::this_thread::yield();
     EXPECT_EQ(host->queue.service(), 2U);  // waits with the completion behind it in the queue
@@ -76,8 +77,59 @@ TEST_F(AsyncTasks, NeverCompleteWhenTheWorkThrows) {
     task->startThread();
     EXPECT_TRUE(host->waitForAsyncTask());
     EXPECT_TRUE(task->failed() && task->failureText() == "no such file");
-    EXPECT_TRUE(host->queue.size() == 0 && task->referenceCount() == 1);
     EXPECT_FALSE(host->waitForAsyncTask());
+    EXPECT_EQ(task->failure, "");
+    EXPECT_EQ(host->queue.service(), 1U);
+    EXPECT_EQ(task->failure, "no such file");
+    EXPECT_EQ(task->referenceCount(), 1);
+    EXPECT_EQ(counts.completed, 0);
+}
+
+TEST_F(AsyncTasks, TellOfTheirFailureUnwaitedAndNotWhenTheQueueIsGone) {
+    task->work = [] { throw std::runtime_error("broken"); };
+    task->startThread();
+    EXPECT_TRUE(host->queue.wait(10s));
+    host->queue.service();
+    EXPECT_EQ(task->failure, "broken");
+    EXPECT_FALSE(host->waitForAsyncTask());
+
+    auto const other = ur::make<Task>(*host, counts);
+    other->work = task->work;
+    other->startThread();
+    EXPECT_TRUE(host->queue.wait(10s));
+    host->queue.close();
+    EXPECT_EQ(other->failure, "");
+    EXPECT_EQ(other->referenceCount(), 1);
+}
+
+TEST_F(AsyncTasks, AreCancelledAndTellTheirLastProgress) {
+    std::vector<std::pair<double, std::string>> told;
+    auto const connection = task->progressSignal().addCallback(
+        [&](double fraction, std::string_view text) { told.emplace_back(fraction, text); });
+    std::atomic<bool> read = false;
+    task->work = [&] {
+        for (double const fraction : {0.1, 0.2, 0.3}) task->setProgress(fraction, "reading");
+        read = true;
+        while (!task->isCancelled()) std::this_thread::yield();
+        task->setProgress(1, "cancelled");
+    };
+    task->startThread();
+    while (!read) std::this_thread::yield();
+    EXPECT_EQ(host->queue.service(), 1U) << "at most one is under way";
+    EXPECT_FALSE(task->isCancelled());
+    task->cancel();
+    task->wait();
+    EXPECT_EQ(host->queue.service(), 2U);
+    EXPECT_EQ(told, (std::vector<std::pair<double, std::string>>{{0.3, "reading"}, {1, "cancelled"}}));
+    EXPECT_EQ(counts.completed, 1);
+
+    auto dropped = ur::make<Task>(*host, counts);  // with its progress still in the queue
+    Task* const working = dropped.get();
+    dropped->work = [working] { working->setProgress(0.5); };
+    dropped->startThread();
+    dropped->wait();
+    dropped.reset();
+    EXPECT_EQ(host->queue.service(), 2U);
 }
 
 TEST_F(AsyncTasks, HaveCompletedWhenOnCompleteThrows) {
@@ -164,6 +216,7 @@ TEST(AThousandTasks, AreStartedWaitedForAbandonedAndThrownIn) {
             auto const task = ur::make<Task>(host, counts);
             bool const throws = random() % 4 == 0;
             if (throws) task->work = [] { throw std::runtime_error("thrown in"); };
+            if (!throws) task->work = [worker = task.get()] { worker->setProgress(0.5, "half"); };
             due += throws ? 0 : 1;
             task->startThread();
             if (closes || throws || random() % 2 == 0) kept.push_back(task);
@@ -173,6 +226,7 @@ TEST(AThousandTasks, AreStartedWaitedForAbandonedAndThrownIn) {
         if (closes) host.queue.close();
         while (!closes && counts.completed < due && host.queue.wait(10s)) host.queue.service();
         for (auto const& task : kept) task->wait();
+        host.queue.service();  // tells those that threw
         kept.clear();
         EXPECT_TRUE(counts.executed == 100 && counts.destroyed == 100);
     }

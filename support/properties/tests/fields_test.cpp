@@ -55,6 +55,10 @@ TEST(Fields, KeepTheirSizeAndComeBack) {
     expectKept(120, 0, urGeom::OrientedBox{a, {n, Normal(0, 1, 0), Normal(1, 0, 0)}, {1, 2, 3}});
     expectKept(4, 0, urString::CString());
     expectKept(7, 0, urString::CString("abc"), urString::CString("a\0b", 3));
+    expectKept(4 + 3 * 8, 0, std::vector{1.0, 2.0, 3.0});
+    expectKept(4 + 2, 0, std::vector{true, false});
+    expectKept(4 + 2 * (4 + 2), 0, std::vector<std::string>{"ab", {'a', '\0'}});
+    expectKept(4 + 4 + 8, 0, std::vector<std::vector<int>>{{1, 2}});
     expectKept(4 + 1, 0, urString::IString());
     expectKept(4 + 7, 0, urString::IString("gr\xC3\xBC\xC3\x9F", urString::Encoding::utf8));
 }

@@ -90,6 +90,13 @@ TEST(Prop, TellsTypedListenersAndHoldsNothingAtFirst) {
     slider.set(BoundedDouble(4, 0, 10));
     slider.pty()->setValue(number(1));
     EXPECT_EQ(told, "1/0 4/1 4/2 4/0 ");
+    EXPECT_TRUE(label.set(BoundedDouble(7, 0, 10)));
+    std::size_t const steps = manager.undoCount();
+    told.clear();
+    edit(manager, [&] { EXPECT_TRUE(slider.set(BoundedDouble(7, 0, 10))); });
+    EXPECT_EQ(told + std::to_string(manager.undoCount() - steps), "0") << "an equal value is no change";
+    edit(manager, [&] { slider.pty()->setValue(slider.pty()->value()); });
+    EXPECT_EQ(told, "7/0 7/1 7/2 ") << "of the item itself it is one" << manager.undoCount();
     slider.allocateUnTxd("other");
     EXPECT_FALSE(slider.isSet());
 }
