@@ -34,7 +34,9 @@ if(CMAKE_BUILD_TYPE STREQUAL Release AND CMAKE_CXX_COMPILER_ID STREQUAL GNU AND 
 endif()
 
 if(NX_SANITIZE)
-  add_compile_options(-fsanitize=${NX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  # The checks that it inserts hide from the compiler what has been initialized.
+  add_compile_options(-fsanitize=${NX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+                      $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   add_link_options(-fsanitize=${NX_SANITIZE})
 endif()
 

@@ -3,8 +3,8 @@
 #include <cstdio>
 
 #include "foundation/urThread/RunQueue.h"
-#include "plst/Double.h"
 #include "plst/casts.h"
+#include "plst/convert.h"
 #include "support/messaging/AppInitMsg.h"
 #include "support/messaging/AsyncTask.h"
 #include "support/messaging/CallInfo.h"
@@ -70,7 +70,7 @@ int main() {
         Context const start(&application, Context::NoTxn);
         initializeModule();
         auto parameters = ur::make<nxPLST::Dictionary>();
-        parameters->insert("windows", ur::make<nxPLST::Double>(2));
+        parameters->insert("windows", 2);
         nxSupport::AppInitMsg message(parameters);
         ci().get<nxSupport::Broadcaster>()->broadcast(message);
     }

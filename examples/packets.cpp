@@ -10,7 +10,7 @@
 #include "foundation/urOS/MemoryIOStream.h"
 #include "plst/ReadInterface.h"
 #include "plst/WriteInterface.h"
-#include "plst/casts.h"
+#include "plst/convert.h"
 #include "plst/packets.h"
 
 namespace {
@@ -20,7 +20,7 @@ using ur::Reference;
 
 Reference<nxPLST::Dictionary> settings() {
     auto dictionary = ur::make<nxPLST::Dictionary>();
-    dictionary->insert("strength", ur::make<nxPLST::Double>(0.25));
+    dictionary->insert("strength", 0.25);
     return dictionary;
 }
 

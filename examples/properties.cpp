@@ -3,6 +3,7 @@
 
 #include "foundation/nxTXN/Transaction.h"
 #include "plst/JsonReport.h"
+#include "plst/make.h"
 #include "support/properties/Prop.h"
 #include "support/properties/savedValues.h"
 
@@ -19,7 +20,7 @@ void saveAndLoad(nxTXN::Manager& document, Prop<BoundedDouble> const& radius, Pr
     panel.insert(radius.pty());
     panel.insert(other.pty());
     auto const saved = nxSupport::saveValues(panel);
-    saved->insert("unknown", ur::make<nxPLST::Double>(1));
+    saved->insert("unknown", 1);
     {
         Transaction transaction(document, "Load");
         nxSupport::LoadReport const report = nxSupport::loadValues(panel, *saved);
@@ -52,13 +53,10 @@ int main() {
 
     // [validate]
     auto const validator = radius.pty()->subscribeValidation([](auto const&, Property::ItemReference& candidate) {
-        BoundedDouble bounded;
-        nxPLST::convert(bounded, candidate);
+        auto bounded = nxPLST::valueOf<BoundedDouble>(candidate);
         if (bounded.value() <= bounded.maxValue()) return;
         bounded.setValue(bounded.maxValue());
-        ur::Reference<nxPLST::Item> corrected;
-        nxPLST::convert(corrected, bounded);
-        candidate = corrected;
+        candidate = nxPLST::itemOf(bounded);
     });
     {
         Transaction transaction(document, "Radius");

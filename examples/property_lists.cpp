@@ -1,44 +1,61 @@
-// A tour of item trees: build one, ask it, copy it, convert it, and write it as JSON.
+// A tour of item trees: build one, ask it, copy it, and keep a structure of one's own in it.
 #include <cstdio>
+#include <iostream>
 
 #include "plst/Parser.h"
-#include "plst/casts.h"
-#include "plst/convert.h"
+#include "plst/make.h"
 
-using nxPLST::Dictionary;
-using nxPLST::Item;
-using ur::Reference;
+// [structure]
+enum class Shape { round, flat };
+constexpr auto namesOf(Shape* /*type*/) {
+    return std::array{std::pair(Shape::round, "round"), std::pair(Shape::flat, "flat")};
+}
+
+struct Tip {
+    Shape shape = Shape::round;
+    std::vector<double> falloff;
+    std::optional<std::string> texture;
+};
+template <class Visit>
+void listMembers(Tip& tip, Visit&& visit) {
+    visit("shape", tip.shape);
+    visit("falloff", tip.falloff);
+    visit("texture", tip.texture);
+}
+// [structure]
 
 int main() {
     // [build]
-    auto brush = ur::make<Dictionary>();
-    Reference<Item> value;
-    nxPLST::convert(value, "clay");
-    brush->insert("name", value);
-    nxPLST::convert(value, nxSupport::BoundedDouble(0.25, 0.0, 1.0));
-    brush->insert("strength", value);
-    nxPLST::convert(value, urLinear::Point(1, 2, 3));
-    brush->insert("position", value);
+    auto const brush = nxPLST::dictionary({{"name", "clay"},
+                                           {"strength", nxSupport::BoundedDouble(0.25, 0.0, 1.0)},
+                                           {"position", urLinear::Point(1, 2, 3)},
+                                           {"presets", {"soft", "hard"}}});
+    brush->insert("size", 1.5);
     // [build]
 
     // [ask]
-    nxPLST::Parser parser(brush->get("position"), false);
-    if (parser.parseNumericArray(3)) {
-        urLinear::Point position;
-        nxPLST::convert(position, brush->get("position"));
-        std::printf("position %g %g %g\n", position.x, position.y, position.z);
-    }
-    bool visible = true;  // no such key: stays as it is
-    nxPLST::convert(visible, brush->get("visible"));
-    std::printf("visible %d\n", visible);
+    auto const position = nxPLST::get<urLinear::Point>(brush, "position");
+    std::printf("position %g %g %g\n", position.x, position.y, position.z);
+    std::printf("visible %d\n", nxPLST::get<bool>(brush, "visible", true));  // no such key
+    std::cout << *nxPLST::at(brush, ".presets[-1]") << '\n';
     // [ask]
 
+    // [parse]
+    nxPLST::Parser parser(brush->get("strength"), false);
+    if (parser.parseNumericArray(3)) std::printf("strength has three numbers\n");
+    // [parse]
+
     // [copy]
-    Reference<Dictionary> const copy = asDictionary(brush->clone());
-    copy->insert("name", ur::make<nxPLST::String>("wax"));
-    std::printf("%s, %s\n", asString(brush->get("name"))->value().c_str(),
-                asString(copy->get("name"))->value().c_str());
-    std::printf("same shape: %d\n", copy->congruent(*brush));
+    auto const copy = asDictionary(brush->clone());
+    copy->insert("name", "wax");
+    std::printf("same shape %d, same values %d\n", copy->congruent(*brush), *copy == *brush);
     // [copy]
+
+    // [keep]
+    brush->insert("tip", Tip{Shape::flat, {1, 0.5, 0}, {}});
+    auto const tip = nxPLST::get<Tip>(brush, "tip");
+    std::printf("%zu steps\n", tip.falloff.size());
+    std::cout << *brush->get("tip") << '\n';
+    // [keep]
     return 0;
 }

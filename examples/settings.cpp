@@ -2,8 +2,7 @@
 #include <cstdio>
 
 #include "plst/JsonReport.h"
-#include "plst/casts.h"
-#include "plst/convert.h"
+#include "plst/make.h"
 
 int main() {
     ur::Reference<nxPLST::Item> root;
@@ -17,21 +16,14 @@ int main() {
     auto const settings = nxPLST::asDictionary(root);
     if (!settings) return 1;
 
-    double radius = 1.0;
-    bool visible = true;  // not in the text: the default stays
-    urLinear::Vector axis;
-    convert(radius, settings->get("radius"));
-    convert(visible, settings->get("visible"));
-    convert(axis, settings->get("axis"));
-
-    ur::Reference<nxPLST::Item> value;
-    nxPLST::convert(value, axis * (2 * radius));
-    settings->insert("offset", value);
-    nxPLST::convert(value, visible);
-    settings->insert("visible", value);
+    auto const radius = nxPLST::get<double>(settings, "radius", 1.0);
+    auto const visible = nxPLST::get<bool>(settings, "visible", true);  // not in the text: the default
+    auto const axis = nxPLST::get<urLinear::Vector>(settings, "axis");
+    settings->insert("offset", axis * (2 * radius));
+    settings->insert("visible", visible);
 
     urString::CString written;
-    if (!nxPLST::convertToJSON(written, settings)) return 1;
-    std::fputs(written.c_str(), stdout);
+    if (!nxPLST::writeJson(written, settings)) return 1;
+    std::puts(written.c_str());
     return 0;
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "foundation/nxTXN/Transaction.h"
+#include "plst/make.h"
 #include "support/properties/Prop.h"
 #include "support/properties/PropertySet.h"
 
@@ -40,15 +41,10 @@ private:
         settings.insert(setting.pty());
     }
     static void keepWithinRange(ur::Reference<Property const> property, Property::ItemReference& candidate) {
-        BoundedDouble wanted;
-        BoundedDouble kept;
-        convert(wanted, candidate);
-        convert(kept, property->value());
-        kept.setValue(std::min(std::max(wanted.value(), kept.minValue()), kept.maxValue()));
-        if (kept.value() == wanted.value()) return;
-        ur::Reference<nxPLST::Item> corrected;
-        nxPLST::convert(corrected, kept);
-        candidate = corrected;
+        auto const wanted = nxPLST::valueOf<BoundedDouble>(candidate).value();
+        auto kept = nxPLST::valueOf<BoundedDouble>(property->value());
+        kept.setValue(std::min(std::max(wanted, kept.minValue()), kept.maxValue()));
+        if (kept.value() != wanted) candidate = nxPLST::itemOf(kept);
     }
 };
 

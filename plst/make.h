@@ -12,13 +12,19 @@
 
 namespace nxPLST {
 
+/// The new item of a value.
+template <class T>
+[[nodiscard]] ur::Reference<Item> itemOf(T const& value) {
+    return impl::converted(value);
+}
+
 /// Whatever can become an item: a value of a type that has a shape, an item, or values in braces, which make an array.
 class Value {
 public:
     template <class T>
     requires requires(ur::Reference<Item>& item, T const& value) { convert(item, value); }
     Value(T const& value)
-        : item_(impl::converted(value)) {}  // NOLINT(google-explicit-constructor): stands for the value
+        : item_(itemOf(value)) {}  // NOLINT(google-explicit-constructor): stands for the value
     Value(ur::Reference<Item> item) : item_(std::move(item)) {}  // NOLINT(google-explicit-constructor): the same
     template <std::derived_from<Item> T>
     Value(ur::Reference<T> item) : item_(std::move(item)) {}  // NOLINT(google-explicit-constructor): the same

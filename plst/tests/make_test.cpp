@@ -120,10 +120,10 @@ TEST(Trees, HoldContainersEnumerationsAndStructures) {
 
 TEST(Equality, IsByValueWhereverTreesShare) {
     ur::Reference<Item> const values[] = {nullptr,
-                                          impl::converted(1),
-                                          impl::converted(2),
-                                          impl::converted(true),
-                                          impl::converted("1"),
+                                          itemOf(1),
+                                          itemOf(2),
+                                          itemOf(true),
+                                          itemOf("1"),
                                           array({}),
                                           array({1}),
                                           array({1, 1}),
@@ -132,7 +132,7 @@ TEST(Equality, IsByValueWhereverTreesShare) {
                                           dictionary({{"a", 1}}),
                                           dictionary({{"b", 1}}),
                                           dictionary({{"a", {1}}}),
-                                          impl::converted(std::nan(""))};
+                                          itemOf(std::nan(""))};
     for (auto const& a : values) {
         for (auto const& b : values) EXPECT_EQ(equal(a, b ? b->clone() : b), &a == &b);
     }

@@ -3,8 +3,7 @@
 
 #include <utility>
 
-#include "plst/convert.h"
-#include "plst/shape.h"
+#include "plst/make.h"
 #include "support/properties/PropertyTBase.h"
 
 namespace nxSupport {
@@ -19,10 +18,10 @@ public:
     using PropertyTBase::PropertyTBase;
 
     [[nodiscard]] static Prop createTxd(nxTXN::Manager& manager, urString::CString const& name, T const& value) {
-        return Prop(Property::createTxd(manager, name, itemOf(value)));
+        return Prop(Property::createTxd(manager, name, nxPLST::itemOf(value)));
     }
     [[nodiscard]] static Prop createUnTxd(urString::CString const& name, T const& value) {
-        return Prop(Property::createUnTxd(name, itemOf(value)));
+        return Prop(Property::createUnTxd(name, nxPLST::itemOf(value)));
     }
 
     /// Whether there is a value that has the shape of T.
@@ -36,10 +35,10 @@ public:
     /// is no property.
     bool set(T const& value) {
         if (!pty()) return false;
-        auto item = itemOf(value);
+        auto item = nxPLST::itemOf(value);
         return nxPLST::equal(pty()->value(), item) || pty()->setValue(std::move(item));
     }
-    bool set(T const& value, PropertyModType type) { return pty() && pty()->setValue(itemOf(value), type); }
+    bool set(T const& value, PropertyModType type) { return pty() && pty()->setValue(nxPLST::itemOf(value), type); }
 
     /// Calls `listener(value, type)` for changes made through other members of the joined set, until the handle goes.
     /// Changes to values of another shape are left out. Requires: there is a property.
@@ -54,13 +53,6 @@ public:
             nxPLST::convert(value, item);
             listener(std::as_const(value), type);
         });
-    }
-
-private:
-    static Property::ItemReference itemOf(T const& value) {
-        ur::Reference<nxPLST::Item> item;
-        nxPLST::convert(item, value);
-        return item;
     }
 };
 

@@ -63,6 +63,9 @@ TEST(Prop, ReadsAndWritesEveryTypeThatHasAnItemShape) {
     expectTyped(0.1, 0.2);
     expectTyped(urString::CString("a"), urString::CString("b"));
     expectTyped(urString::IString("a"), urString::IString("b"));
+    expectTyped(std::string("a"), std::string("b"));
+    expectTyped(std::vector{1.5, 2.5}, std::vector{0.5});
+    expectTyped(std::array{1, 2}, std::array{3, 4});
     expectTyped(urLinear::Point2(1, 2), urLinear::Point2(3, 4));
     expectTyped(urLinear::Point(1, 2, 3), urLinear::Point(4, 5, 6));
     expectTyped(urLinear::Vector(1, 2, 3), urLinear::Vector(4, 5, 6));
