@@ -141,11 +141,8 @@ std::string brief(Item const* item) {
         return "dictionary of " + std::to_string(static_cast<nxPLST::Dictionary const*>(item)->size());
     }
     urString::CString text;
-    if (!nxPLST::convertToJSON(text, ur::Reference<Item const>(item), {.numbersReadBack = true}))
-        return "not a finite number";
-    std::string result(text.view());
-    while (!result.empty() && result.back() == '\n') result.pop_back();
-    return result;
+    if (!nxPLST::writeJson(text, ur::Reference<Item const>(item), {.indent = 0})) return "not a finite number";
+    return text;
 }
 
 }  // namespace nxplist

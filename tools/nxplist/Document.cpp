@@ -102,7 +102,7 @@ void readPackets(Document& document, urString::CString const& bytes) {
 }
 
 void storeInto(urOS::IOStream& stream, Document const& document, std::string const& name, Form form,
-               std::uint64_t limit) {
+               nxPLST::JsonStyle const& style) {
     if (form == Form::packets) {
         nxPLST::PacketReport report;
         if (!nxPLST::write(stream, document.root, report)) {
@@ -112,9 +112,10 @@ void storeInto(urOS::IOStream& stream, Document const& document, std::string con
         }
         return;
     }
-    if (form == Form::dump) requireWithin(document.root.get(), document.name, limit);
+    std::uint64_t const most = style.mostExpandedBytes;
+    if (form == Form::dump) requireWithin(document.root.get(), document.name, most);
     urString::CString const text =
-        form == Form::dump ? nxPLST::asJSON(document.root, limit) : strictJson(document.root, document, limit);
+        form == Form::dump ? nxPLST::asJSON(document.root, most) : jsonText(document.root, document, style);
     check(stream.write(text.data(), text.size()), name);
 }
 
@@ -133,16 +134,16 @@ Document load(std::string const& path, std::optional<Form> form, Losses losses) 
     return document;
 }
 
-void store(Document const& document, std::string const& path, Form form, std::uint64_t limit) {
+void store(Document const& document, std::string const& path, Form form, nxPLST::JsonStyle const& style) {
     if (path == "-") {
         urOS::File out;
         check(out.attach(STDOUT_FILENO, urOS::File::Ownership::borrowed));
-        storeInto(out, document, outputName(path), form, limit);
+        storeInto(out, document, outputName(path), form, style);
         return;
     }
     urOS::AtomicFile out;
     check(out.open(urString::IString(path.c_str())));
-    storeInto(out, document, outputName(path), form, limit);
+    storeInto(out, document, outputName(path), form, style);
     check(out.commit());
 }
 
@@ -163,18 +164,17 @@ void requireWithin(nxPLST::Item const* root, std::string const& name, std::uint6
                                           std::to_string(limit >> 20) + " MiB (--limit MIB allows more)"};
 }
 
-urString::CString strictJson(ur::Reference<nxPLST::Item const> const& item, Document const& document,
-                             std::uint64_t limit) {
-    std::string const refusal = document.name + ": no strict JSON holds it: ";
+urString::CString jsonText(ur::Reference<nxPLST::Item const> const& item, Document const& document,
+                           nxPLST::JsonStyle const& style) {
+    std::string const refusal = document.name + ": no JSON holds it: ";
     if (document.form == Form::packets) {  // what came as JSON shares nothing and is UTF-8
-        requireWithin(item.get(), document.name, limit);
+        requireWithin(item.get(), document.name, style.mostExpandedBytes);
         std::string const broken = pathOfBrokenText(item.get());
         if (!broken.empty()) throw Failure{ExitCode::negative, refusal + "bytes that are not UTF-8 at " + broken};
     }
     urString::CString text;
-    nxPLST::JsonWriting const how{.numbersReadBack = true, .mostExpandedBytes = limit};
-    if (nxPLST::convertToJSON(text, item, how)) return text;
-    throw Failure{ExitCode::negative, refusal + "deeper than 127 levels, or a number that is not finite"};
+    if (nxPLST::writeJson(text, item, style)) return text.append('\n');
+    throw Failure{ExitCode::negative, refusal + "a number that is not finite"};
 }
 
 void printText(urString::CString const& text) {

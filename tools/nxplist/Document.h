@@ -35,13 +35,13 @@ struct Document {
 Document load(std::string const& path, std::optional<Form> form, Losses losses);
 
 /// Writes `document` to the file at `path` as a whole or not at all, or to standard output for "-". Throws `Failure`,
-/// also when a text would be longer than `limit` bytes because of what the tree shares.
-void store(Document const& document, std::string const& path, Form form, std::uint64_t limit);
+/// also when a text would be longer than the style allows because of what the tree shares.
+void store(Document const& document, std::string const& path, Form form, nxPLST::JsonStyle const& style);
 
-/// The strict JSON of an item out of a document, whose numbers read back as they are. Throws `Failure` when there is
-/// none, or when it would be longer than `limit` bytes because of what the item shares.
-urString::CString strictJson(ur::Reference<nxPLST::Item const> const& item, Document const& document,
-                             std::uint64_t limit);
+/// The JSON of an item out of a document, with a line feed behind it. Throws `Failure` when there is none, or when it
+/// would be longer than the style allows because of what the item shares.
+urString::CString jsonText(ur::Reference<nxPLST::Item const> const& item, Document const& document,
+                           nxPLST::JsonStyle const& style);
 
 /// Throws `Failure` when a tree out of the document of that name shares so much that its JSON would exceed the limit.
 void requireWithin(nxPLST::Item const* root, std::string const& name, std::uint64_t limit);

@@ -16,13 +16,18 @@ constexpr std::string_view description =
     "what follows a NUL in packets) is told on standard error; with --strict it counts as invalid input.";
 
 constexpr OptionText options[] = {
-    {"--from", "FORM", "json packets", "convert check print stat get same diff", "read FORM: json or packets"},
+    {"--from", "FORM", "json packets", "convert check print stat get set delete same diff",
+     "read FORM: json or packets"},
     {"--to", "FORM", "json packets dump", "convert print", "write FORM: json, packets, or dump for people"},
-    {"--raw", "", "", "get", "print a text as it is, without quotes"},
+    {"--raw", "", "", "get set", "print or take a text as it is, without quotes"},
+    {"--compact", "", "", "convert print get set delete", "write JSON on one line"},
+    {"--indent", "N", "", "convert print get set delete", "indent JSON by N spaces (4)"},
+    {"--ascii", "", "", "convert print get set delete", "write other characters than ASCII as escapes"},
     {"--shape", "", "", "same", "compare kinds, sizes and keys only"},
-    {"--strict", "", "", "convert check print stat get same diff", "count what is dropped as invalid"},
-    {"--force", "", "", "convert", "replace FILE even by less than it holds"},
-    {"--limit", "MIB", "", "convert print get same diff", "write shared items out to so many MiB of text (256)"},
+    {"--strict", "", "", "convert check print stat get set delete same diff", "count what is dropped as invalid"},
+    {"--force", "", "", "convert set delete", "replace FILE even by less than it holds"},
+    {"--limit", "MIB", "", "convert print get set delete same diff",
+     "write shared items out to so many MiB of text (256)"},
     {"--help", "", "", "", "print this help"},
     {"--version", "", "", "", "print the version"},
 };

@@ -18,15 +18,21 @@ Form formNamed(std::string_view name, OptionText const& option) {
     return name == "json" ? Form::json : name == "packets" ? Form::packets : Form::dump;
 }
 
+std::uint64_t numberFrom(std::string_view text, OptionText const& option, std::uint64_t most, char const* what) {
+    std::uint64_t number = 0;
+    auto const [end, problem] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (end != text.data() + text.size() || problem != std::errc() || number > most)
+        throw UsageError{std::string(option.name) + " takes " + what};
+    return number;
+}
+
 std::uint64_t bytesFrom(std::string_view mebibytes, OptionText const& option) {
     constexpr unsigned bits = 20;
-    std::uint64_t count = 0;
-    auto const [end, problem] = std::from_chars(mebibytes.data(), mebibytes.data() + mebibytes.size(), count);
-    bool const isCount = end == mebibytes.data() + mebibytes.size() && problem == std::errc();
-    if (!isCount || count > UINT64_MAX >> bits) {
-        throw UsageError{std::string(option.name) + " takes a number of MiB"};
-    }
-    return count << bits;
+    return numberFrom(mebibytes, option, UINT64_MAX >> bits, "a number of MiB") << bits;
+}
+
+unsigned indentFrom(std::string_view spaces, OptionText const& option) {
+    return static_cast<unsigned>(numberFrom(spaces, option, 16, "a number of spaces up to 16"));
 }
 
 /// Answers what asks about the program itself.
@@ -52,7 +58,10 @@ void set(Options& chosen, OptionText const& option, std::string_view value) {
     if (option.name == "--shape") chosen.shape = true;
     if (option.name == "--strict") chosen.strict = true;
     if (option.name == "--force") chosen.force = true;
-    if (option.name == "--limit") chosen.limit = bytesFrom(value, option);
+    if (option.name == "--compact") chosen.style.indent = 0;
+    if (option.name == "--ascii") chosen.style.asciiOnly = true;
+    if (option.name == "--indent") chosen.style.indent = indentFrom(value, option);
+    if (option.name == "--limit") chosen.style.mostExpandedBytes = bytesFrom(value, option);
 }
 
 void checkFileCount(Command const& command, std::size_t count) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "plst/Expansion.h"
+#include "plst/json.h"
 #include "tools/nxplist/commands.h"
 
 namespace nxplist {
@@ -23,7 +23,7 @@ struct Options {
     bool shape = false;
     bool strict = false;
     bool force = false;
-    std::uint64_t limit = nxPLST::mostExpandedText;  ///< of the text of trees that share items, in bytes
+    nxPLST::JsonStyle style{.indent = 4};
 };
 
 /// Wrong usage; the text says what is wrong.

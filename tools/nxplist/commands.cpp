@@ -7,12 +7,14 @@
 #include <filesystem>
 #include <iterator>
 
+#include "plst/JsonReport.h"
+#include "plst/Path.h"
 #include "plst/casts.h"
 #include "tools/nxplist/Comparison.h"
 #include "tools/nxplist/Document.h"
+#include "tools/nxplist/Edit.h"
 #include "tools/nxplist/Losses.h"
 #include "tools/nxplist/Options.h"
-#include "plst/Path.h"
 #include "tools/nxplist/Statistics.h"
 
 namespace nxplist {
@@ -54,7 +56,7 @@ int put(Options const& options, Document const& document, std::string const& out
     if (isLess && !options.force && areSameFile(fileOr(options, 0, "-"), output)) {
         throw Failure{ExitCode::negative, printable(output) + ": not replaced by less than it holds (--force does)"};
     }
-    store(document, output, form, options.limit);
+    store(document, output, form, options.style);
     return ExitCode::done;
 }
 
@@ -101,16 +103,56 @@ int stat(Options const& options) {
     return ExitCode::done;
 }
 
+nxPLST::Path pathFrom(std::string const& text) {
+    std::string error;
+    auto const path = nxPLST::parsePath(text, error);
+    return path ? *path : throw UsageError{error};
+}
+
 int get(Options const& options) {
     std::string error;
-    auto const path = nxPLST::parsePath(options.files[1], error);
-    if (!path) throw UsageError{error};
+    auto const path = pathFrom(options.files[1]);
     Document const document = loadFile(options, 0);
-    auto const value = nxPLST::follow(document.root, *path, error);
+    auto const value = nxPLST::follow(document.root, path, error);
     if (!value) throw Failure{ExitCode::negative, document.name + ": " + error};
     auto const string = options.raw ? nxPLST::asString(value) : nullptr;
-    printText(string ? string->value() + "\n" : strictJson(value, document, options.limit));
+    printText(string ? string->value() + "\n" : jsonText(value, document, options.style));
     return ExitCode::done;
+}
+
+ur::Reference<nxPLST::Item> valueFrom(Options const& options, std::string const& text) {
+    if (options.raw) return ur::make<nxPLST::String>(text);
+    ur::Reference<nxPLST::Item> value;
+    nxPLST::JsonReport report;
+    if (!nxPLST::convertFromJSON(value, text, report)) {
+        throw Failure{ExitCode::negative, located("VALUE", report.location, report.reason.view()) +
+                                              " (a text that is no JSON needs --raw)"};
+    }
+    if (!value || report.lossCount > 0) throw Failure{ExitCode::negative, "VALUE: no property list holds all of it"};
+    return value;
+}
+
+/// Writes the document back into its file, in its form.
+int putBack(Options const& options, Document const& document) {
+    return put(options, document, options.files[0], document.form);
+}
+
+int set(Options const& options) {
+    auto const path = pathFrom(options.files[1]);
+    auto value = valueFrom(options, options.files[2]);
+    Document document = loadFile(options, 0);
+    std::string error;
+    if (!setAt(document.root, path, std::move(value), error))
+        throw Failure{ExitCode::negative, document.name + ": " + error};
+    return putBack(options, document);
+}
+
+int deletePlace(Options const& options) {
+    auto const path = pathFrom(options.files[1]);
+    Document document = loadFile(options, 0);
+    std::string error;
+    if (!deleteAt(document.root, path, error)) throw Failure{ExitCode::negative, document.name + ": " + error};
+    return putBack(options, document);
 }
 
 /// Both files, once it is sure that going through each place of a shared item comes to an end.
@@ -118,7 +160,7 @@ std::array<Document, 2> loadPair(Options const& options, bool goesThroughEachPla
     requireOneStandardInput(options);
     std::array<Document, 2> pair{loadFile(options, 0), loadFile(options, 1)};
     for (Document const& document : pair) {
-        if (goesThroughEachPlace) requireWithin(document.root.get(), document.name, options.limit);
+        if (goesThroughEachPlace) requireWithin(document.root.get(), document.name, options.style.mostExpandedBytes);
     }
     return pair;
 }
@@ -161,6 +203,11 @@ constexpr Command table[] = {
     {"get", get, "FILE PATH", 2, 2, "print the value at PATH, such as .countries[3].name",
      "A key that is not made of letters, digits, \"_\" and \"-\" is written in double quotes: .\"two words\"[0]. "
      "The path \".\" is the whole tree; [-1] is the last element."},
+    {"set", set, "FILE PATH VALUE", 3, 3, "put VALUE, which is JSON, at PATH in FILE",
+     "The last step of PATH may be a new key, or the index behind the last element. With --raw VALUE is a text as it "
+     "stands. FILE keeps its form and is replaced as a whole; \"-\" reads standard input and writes standard output. "
+     "FILE is not replaced by less than it holds, such as without its comments; --force does that."},
+    {"delete", deletePlace, "FILE PATH", 2, 2, "take away the value at PATH in FILE", "FILE is replaced as by set."},
     {"same", same, "FILE FILE", 2, 2, "tell by the exit code whether two files hold the same tree",
      "With --shape only kinds, sizes and keys are compared."},
     {"diff", diff, "FILE FILE", 2, 2, "print every path at which two files differ", ""},

@@ -106,7 +106,7 @@ bool StyledJsonWriter::writeNumber(double value) {
     }
     char digits[32];
     auto const format = std::fabs(value) < 0x1p63 ? std::chars_format::general : std::chars_format::scientific;
-    auto const isWhole = std::fabs(value) < 1e15 && std::trunc(value) == value;
+    auto const isWhole = std::fabs(value) <= 0x1p53 && std::trunc(value) == value;
     auto const [end, problem] = isWhole ? std::to_chars(digits, digits + sizeof digits, static_cast<long long>(value))
                                         : std::to_chars(digits, digits + sizeof digits, value, format);
     text_.append(digits, end);
