@@ -1,14 +1,9 @@
 // Containers, enumerations and structures as items, and back.
 //
 // A vector or array of values is an array of their items, a map from texts a dictionary, an optional its value or null.
-// An enumeration whose values are named is the name; a structure that lists its members is a dictionary of them:
-//
-//     constexpr auto namesOf(Wood*) { return std::array{std::pair(Wood::oak, "oak"), std::pair(Wood::ash, "ash")}; }
-//     template <class Visit>
-//     void listMembers(Chair& chair, Visit&& visit) { visit("name", chair.name), visit("wood", chair.wood); }
-//
-// beside the type, in its namespace. From an item of another shape nothing is read, as in plst/convert.h; an array may
-// be longer than a std::array, and a dictionary has all members of a structure but optional ones, and may have more.
+// What foundation/ur/describe.h describes is one too: a named enumeration is the name, a structure that lists its
+// members a dictionary of them. From an item of another shape nothing is read, as in plst/convert.h; an array may be
+// longer than a std::array, and a dictionary has all members of a structure but optional ones, and may have more.
 #pragma once
 
 #include <array>
@@ -22,30 +17,12 @@
 #include <utility>
 #include <vector>
 
+#include "foundation/ur/describe.h"
 #include "plst/shape.h"
 
 namespace nxPLST {
 
 namespace impl {
-
-template <class T>
-concept NamedEnum = std::is_enum_v<T> && requires {
-    namesOf(static_cast<T*>(nullptr));
-};
-
-struct IgnoreMembers {
-    template <class T>
-    void operator()(char const*, T&) const {}
-};
-template <class T>
-concept ListsMembers = std::is_class_v<T> && requires(T& value) {
-    listMembers(value, IgnoreMembers());
-};
-
-template <class T>
-inline constexpr bool isOptional = false;
-template <class T>
-inline constexpr bool isOptional<std::optional<T>> = true;
 
 /// Null for other items than containers of this kind.
 template <class Container>
@@ -120,18 +97,15 @@ template <Shaped T, class Less>
 struct Shape<std::map<std::string, T, Less>> : impl::MapShape<std::string, T> {};
 template <Shaped T, class Less>
 struct Shape<std::map<urString::CString, T, Less>> : impl::MapShape<urString::CString, T> {};
-template <impl::NamedEnum T>
+template <ur::NamedEnum T>
 struct Shape<T> {
     static bool matches(ur::Reference<Item const> const& item) { return valueOf(item).has_value(); }
     static std::optional<T> valueOf(ur::Reference<Item const> const& item) {
         if (!item || item->type() != StringType) return std::nullopt;
-        for (auto const& [value, name] : namesOf(static_cast<T*>(nullptr))) {
-            if (static_cast<String const&>(*item).value() == std::string_view(name)) return value;
-        }
-        return std::nullopt;
+        return ur::valueNamed<T>(static_cast<String const&>(*item).value());
     }
 };
-template <impl::ListsMembers T>
+template <ur::ListsMembers T>
 struct Shape<T> {
     static bool matches(ur::Reference<Item const> const& item) {
         auto const* const members = impl::containerIn<Dictionary>(item, DictionaryType);
@@ -198,27 +172,25 @@ void convert(std::map<urString::CString, T, Less>& out, ur::Reference<Item const
 }
 
 /// A value without a name gives null.
-template <impl::NamedEnum T>
+template <ur::NamedEnum T>
 void convert(ur::Reference<Item>& out, T value) {
-    out = nullptr;
-    for (auto const& [named, name] : namesOf(static_cast<T*>(nullptr))) {
-        if (named == value) out = ur::make<String>(urString::CString(name));
-    }
+    std::string_view const name = ur::nameOf(value);
+    out = name.empty() ? nullptr : ur::make<String>(name);
 }
-template <impl::NamedEnum T>
+template <ur::NamedEnum T>
 void convert(T& out, ur::Reference<Item const> item) {
     if (auto const value = Shape<T>::valueOf(item)) out = *value;
 }
 
-template <impl::ListsMembers T>
+template <ur::ListsMembers T>
 void convert(ur::Reference<Item>& out, T const& value) {
     auto members = ur::make<Dictionary>();
-    listMembers(const_cast<T&>(value), [&](char const* name, auto const& member) {
+    ur::listConstMembers(value, [&](char const* name, auto const& member) {
         if (auto item = impl::converted(member)) members->insert(name, std::move(item));
     });
     out = std::move(members);
 }
-template <impl::ListsMembers T>
+template <ur::ListsMembers T>
 void convert(T& out, ur::Reference<Item const> item) {
     if (!hasShape<T>(item)) return;
     listMembers(out, [&](char const* name, auto& member) {

@@ -59,6 +59,16 @@ public:
         ExposeClassBase::addProperty(name, make(std::move(getter)), nullptr);
         return *this;
     }
+    /// A data member: `addProperty("x", &Place::x)`. One that is constant cannot be set.
+    template <class Value, class Owner>
+    requires(!std::is_function_v<Value>) ExposeClass& addProperty(urString::CString const& name, Value Owner::*member) {
+        auto const get = [member](T& object) -> std::remove_cv_t<Value> { return object.*member; };
+        if constexpr (std::is_const_v<Value>) {
+            return addProperty(name, get);
+        } else {
+            return addProperty(name, get, [member](T& object, Value value) { object.*member = std::move(value); });
+        }
+    }
     template <class Getter, class Setter>
     ExposeClass& addProperty(urString::CString const& name, Getter getter, Setter setter) {
         ExposeClassBase::addProperty(name, make(std::move(getter)), make(std::move(setter)));

@@ -53,7 +53,7 @@ auto readArgument(Reader& reader) {
         read(reader, value);
         return value;
     } else {
-        static_assert(!isForeignText<T>, "texts cross over as urString::CString");
+        static_assert(!isForeignText<T>, "a text is taken as a std::string or a urString::CString");
         static_assert(std::is_lvalue_reference_v<Parameter>,
                       "an object is taken by pointer or reference, not by value");
         return std::ref(*static_cast<T*>(reader.readObject(ur::TypeInfo::of<T>())));

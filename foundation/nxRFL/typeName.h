@@ -1,9 +1,12 @@
 // How signatures name native types.
 #pragma once
 
+#include <array>
 #include <concepts>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -11,8 +14,22 @@
 
 #include "foundation/nxRFL/Database.h"
 #include "foundation/nxRFL/IteratorState.h"
+#include "foundation/ur/describe.h"
 
 namespace nxRFL {
+
+namespace impl {
+
+template <class T>
+inline constexpr bool isTextMap = false;
+template <class T, class Less, class Allocator>
+inline constexpr bool isTextMap<std::map<std::string, T, Less, Allocator>> = true;
+template <class T, class Less, class Allocator>
+inline constexpr bool isTextMap<std::map<urString::CString, T, Less, Allocator>> = true;
+template <class T>
+concept TextMap = isTextMap<T>;
+
+}  // namespace impl
 
 /// The name of a value type, as its member `name`; specialize it beside the type's `read` and `write`. A class without
 /// one is named as it is registered.
@@ -46,6 +63,12 @@ struct TypeName<urString::CString> {
 template <>
 struct TypeName<char const*> : TypeName<urString::CString> {};
 template <>
+struct TypeName<std::string> : TypeName<urString::CString> {};
+template <>
+struct TypeName<std::string_view> : TypeName<urString::CString> {};
+template <ur::NamedEnum T>
+struct TypeName<T> : TypeName<urString::CString> {};
+template <>
 struct TypeName<ur::Reference<Function>> {
     static constexpr char const* name = "function";
 };
@@ -63,10 +86,22 @@ template <class T>
 struct TypeName<ur::vector<T>> {
     static constexpr char const* name = "array";
 };
+template <class T, std::size_t size>
+struct TypeName<std::array<T, size>> : TypeName<ur::vector<T>> {};
 template <class T, class Less>
 struct TypeName<ur::map<urString::CString, T, Less>> {
     static constexpr char const* name = "dictionary";
 };
+template <impl::TextMap T>
+struct TypeName<T> {
+    static constexpr char const* name = "dictionary";
+};
+template <ur::ListsMembers T>
+struct TypeName<T> {
+    static constexpr char const* name = "dictionary";
+};
+template <class T>
+struct TypeName<std::optional<T>> : TypeName<T> {};
 template <WalkState T>
 struct TypeName<T> {
     static constexpr char const* name = "nxRFL::IteratorState";
@@ -74,9 +109,9 @@ struct TypeName<T> {
 
 namespace impl {
 
-/// Texts of the standard library, which do not cross over.
+/// A text that nobody would own.
 template <class T>
-inline constexpr bool isForeignText = std::is_same_v<T, std::string> || std::is_same_v<T, std::string_view>;
+inline constexpr bool isForeignText = std::is_same_v<T, std::string_view>;
 
 // The class behind the ways of handing an object over.
 template <class T>

@@ -1,8 +1,13 @@
 // How native values and objects are read from a stack and written to one.
 #pragma once
 
+#include <array>
 #include <limits>
+#include <map>
 #include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include "foundation/nxRFL/Callback.h"
 #include "foundation/nxRFL/Reader.h"
@@ -22,6 +27,7 @@ void read(Reader& reader, T& value) {
 inline void read(Reader& reader, double& value) { value = reader.readDouble(); }
 inline void read(Reader& reader, float& value) { value = reader.readFloat(); }
 inline void read(Reader& reader, urString::CString& value) { value = reader.readText(); }
+inline void read(Reader& reader, std::string& value) { value = reader.readText().view(); }
 inline void read(Reader& reader, ur::Reference<Function>& value) { value = reader.readFunction(); }
 inline void read(Reader& reader, Object& value) { value = reader.readAnyObject(); }
 
@@ -34,6 +40,10 @@ inline void write(Writer& writer, double value) { writer.writeDouble(value); }
 inline void write(Writer& writer, float value) { writer.writeFloat(value); }
 inline void write(Writer& writer, urString::CString value) { writer.writeText(std::move(value)); }
 inline void write(Writer& writer, char const* value) { writer.writeText(value); }
+template <class T>
+requires(std::same_as<T, std::string> || std::same_as<T, std::string_view>) void write(Writer& writer, T const& value) {
+    writer.writeText(urString::CString(value));
+}
 inline void write(Writer& writer, ur::Reference<Function> value) { writer.writeFunction(std::move(value)); }
 inline void write(Writer& writer, Object value) { writer.writeObject(std::move(value)); }
 
@@ -117,6 +127,98 @@ void write(Writer& writer, ur::map<urString::CString, T, Less> const& entries) {
     writer.endDictionary();
 }
 
+/// Exactly as many elements as the array has.
+template <class T, std::size_t size>
+void read(Reader& reader, std::array<T, size>& values) {
+    unsigned const count = reader.startArray();
+    if (count != size)
+        throw Exception(urString::CString::format("an array of %zu was expected, not of %u", size, count));
+    for (T& value : values) read(reader, value);
+    reader.endArray();
+}
+template <class T, std::size_t size>
+void write(Writer& writer, std::array<T, size> const& values) {
+    writer.startArray(static_cast<unsigned>(size));
+    for (T const& value : values) write(writer, value);
+    writer.endArray();
+}
+
+template <impl::TextMap Map>
+void read(Reader& reader, Map& entries) {
+    entries.clear();
+    for (unsigned i = reader.startDictionary(); i > 0; --i) {
+        typename Map::key_type key(reader.readText().view());
+        read(reader, entries[std::move(key)]);
+    }
+    reader.endDictionary();
+}
+template <impl::TextMap Map>
+void write(Writer& writer, Map const& entries) {
+    writer.startDictionary(static_cast<unsigned>(entries.size()));
+    for (auto const& [key, value] : entries) {
+        writer.writeText(urString::CString(key));
+        write(writer, value);
+    }
+    writer.endDictionary();
+}
+
+/// Nothing is nil.
+template <class T>
+void read(Reader& reader, std::optional<T>& value) {
+    if (!reader.isNull()) return read(reader, value.emplace());
+    reader.readNull();
+    value.reset();
+}
+template <class T>
+void write(Writer& writer, std::optional<T> const& value) {
+    if (value) return write(writer, *value);
+    writer.writeNull();
+}
+
+/// The name of the value.
+template <ur::NamedEnum T>
+void read(Reader& reader, T& value) {
+    urString::CString const& name = reader.readText();
+    if (auto const named = ur::valueNamed<T>(name)) {
+        value = *named;
+        return;
+    }
+    urString::CString message = "there is no \"" + name + "\"; one of these was expected:";
+    for (auto const& [any, offered] : namesOf(static_cast<T*>(nullptr))) message.append(" ").append(offered);
+    throw Exception(message);
+}
+template <ur::NamedEnum T>
+void write(Writer& writer, T value) {
+    writer.writeText(urString::CString(ur::nameOf(value)));
+}
+
+/// A dictionary of the members. On reading, entries may be missing, whose members then keep what they are.
+template <ur::ListsMembers T>
+void read(Reader& reader, T& value) {
+    for (unsigned i = reader.startDictionary(); i > 0; --i) {
+        urString::CString const& key = reader.readText();
+        bool isKnown = false;
+        listMembers(value, [&](char const* name, auto& member) {
+            if (isKnown || key != std::string_view(name)) return;
+            isKnown = true;
+            read(reader, member);
+        });
+        if (!isKnown) reader.failOnKey("structure", key);
+    }
+    reader.endDictionary();
+}
+template <ur::ListsMembers T>
+void write(Writer& writer, T const& value) {
+    unsigned count = 0;
+    ur::listConstMembers(value, [&count](char const*, auto const&) { ++count; });
+    writer.startDictionary(count);
+    ur::listConstMembers(value, [&writer](char const* name, auto const& member) {
+        writer.writeText(name);
+        write(writer, member);
+    });
+    writer.endDictionary();
+}
+
 /// A pair is an array of two.
 template <class First, class Second>
 void write(Writer& writer, std::pair<First, Second> const& pair) {
@@ -141,7 +243,6 @@ void writeAny(Writer& writer, T&& value) {
     if constexpr (Writable<T>) {
         write(writer, std::forward<T>(value));
     } else {
-        static_assert(!impl::isForeignText<std::remove_cvref_t<T>>, "texts cross over as urString::CString");
         static_assert(std::is_lvalue_reference_v<T>, "an object crosses over by pointer or reference, not by value");
         write(writer, &value);
     }

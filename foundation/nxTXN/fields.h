@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -10,6 +11,7 @@
 #include "foundation/nxTXN/Object.h"
 #include "foundation/nxTXN/Serializer.h"
 #include "foundation/ur/Reference.h"
+#include "foundation/ur/describe.h"
 
 namespace nxTXN {
 
@@ -68,8 +70,38 @@ void clear(Clear& /*cleared*/, T*& object) {
     object = nullptr;
 }
 
-/// A vector of whatever has a saved form: a 32-bit count, then the elements. It owns what it counts references of, and not
-/// what it points to.
+/// A structure that lists its members, member by member.
+template <ur::ListsMembers T>
+void write(Writer& writer, T const& value) {
+    ur::listConstMembers(value, [&writer](char const*, auto const& member) { write(writer, member); });
+}
+template <ur::ListsMembers T>
+void read(Reader& reader, T& value) {
+    listMembers(value, [&reader](char const*, auto& member) { read(reader, member); });
+}
+template <ur::ListsMembers T>
+void clear(Clear& cleared, T& value) {
+    listMembers(value, [&cleared](char const*, auto& member) {
+        if constexpr (requires { clear(cleared, member); }) clear(cleared, member);
+    });
+}
+
+/// Whether there is one, then it.
+template <class T>
+void write(Writer& writer, std::optional<T> const& value) {
+    write(writer, value.has_value());
+    if (value) write(writer, *value);
+}
+template <class T>
+void read(Reader& reader, std::optional<T>& value) {
+    bool hasValue = false;
+    read(reader, hasValue);
+    if (!hasValue) return value.reset();
+    read(reader, value.emplace());
+}
+
+/// A vector of whatever has a saved form: a 32-bit count, then the elements. It owns what it counts references of, and
+/// not what it points to.
 template <class T>
 void write(Writer& writer, std::vector<T> const& elements) {
     auto const count = static_cast<std::uint32_t>(elements.size());

@@ -1,0 +1,61 @@
+// How a type of one's own says what it is made of, once for all forms that values take.
+//
+// An enumeration names its values, a structure lists its members, each in a function beside the type:
+//
+//     constexpr auto namesOf(Wood*) { return std::array{std::pair(Wood::oak, "oak"), std::pair(Wood::ash, "ash")}; }
+//     template <class Visit>
+//     void listMembers(Chair& chair, Visit&& visit) { visit("name", chair.name), visit("wood", chair.wood); }
+//
+// From then on values of it are items (plst/containers.h), cross to scripts (foundation/nxRFL/values.h) and are fields
+// of transaction objects (foundation/nxTXN/fields.h): an enumeration as the name, a structure as a dictionary of its
+// members.
+#pragma once
+
+#include <optional>
+#include <string_view>
+#include <type_traits>
+
+namespace ur {
+
+namespace impl {
+
+struct IgnoreMembers {
+    template <class T>
+    void operator()(char const*, T&) const {}
+};
+
+}  // namespace impl
+
+template <class T>
+concept NamedEnum = std::is_enum_v<T> && requires {
+    namesOf(static_cast<T*>(nullptr));
+};
+
+template <class T>
+concept ListsMembers = std::is_class_v<T> && requires(T& value) {
+    listMembers(value, impl::IgnoreMembers());
+};
+
+/// Empty for a value without a name.
+template <NamedEnum T>
+[[nodiscard]] constexpr std::string_view nameOf(T value) {
+    for (auto const& [named, name] : namesOf(static_cast<T*>(nullptr))) {
+        if (named == value) return name;
+    }
+    return {};
+}
+template <NamedEnum T>
+[[nodiscard]] constexpr std::optional<T> valueNamed(std::string_view wanted) {
+    for (auto const& [value, name] : namesOf(static_cast<T*>(nullptr))) {
+        if (name == wanted) return value;
+    }
+    return std::nullopt;
+}
+
+/// Calls `visit(name, member)` for the members of a value that does not change.
+template <ListsMembers T, class Visit>
+void listConstMembers(T const& value, Visit&& visit) {
+    listMembers(const_cast<T&>(value), [&visit](char const* name, auto const& member) { visit(name, member); });
+}
+
+}  // namespace ur
