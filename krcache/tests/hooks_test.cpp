@@ -27,6 +27,21 @@ TEST_F(HooksTest, ABuildMayAccessLockClearAndRemoveOthersButItselfIsAbsent) {
     EXPECT_TRUE(a->isResourceLocked() && a->isResourceAllocated() && !b->isResourceAllocated());
 }
 
+TEST_F(HooksTest, AKeyMayBringInOthersWhileItIsCompared) {
+    for (int number = 1; number <= 4; ++number) {
+        auto const key = make<Key>(number);
+        bool brought = false;
+        Reference<Shim> other;
+        key->onComparing = [&] {
+            if (!std::exchange(brought, true)) other = shim(make<Key>(10 + number));
+        };
+        Reference<Shim> const found = shim(key);
+        EXPECT_TRUE(brought);
+        EXPECT_EQ(keyOf(found).number, number);
+        EXPECT_EQ(found == a || found == b || found == c, number < 4);
+    }
+}
+
 TEST_F(HooksTest, WhatABuildThrowsLeavesTheCacheAsItWas) {
     for (Hook Key::*hook : {&Key::onBuild, &Key::onInitialize}) {
         keyOf(a).*hook = [] { throw std::runtime_error("no"); };
