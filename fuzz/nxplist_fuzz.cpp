@@ -10,14 +10,14 @@
 #include <string_view>
 
 #include "fuzz/require.h"
+#include "plst/Path.h"
 #include "tools/nxplist/Comparison.h"
 #include "tools/nxplist/Document.h"
-#include "plst/Path.h"
 #include "tools/nxplist/Statistics.h"
 
 namespace {
 
-using nxplist::Path;
+using nxPLST::Path;
 
 /// The input as a file that is found by its name.
 class MemoryFile {

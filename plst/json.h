@@ -46,10 +46,10 @@ struct JsonStyle {
     std::uint64_t mostExpandedBytes = mostExpandedText;
 };
 
-/// Appends JSON of a tree of any depth, whole numbers up to 2^53 in full and others with the fewest digits that give them back; `convertFromJSON` always
-/// reads the same doubles out of it. Null items and elements are `null`. Texts that are no UTF-8 have U+FFFD in the
-/// place of what is none; lines beyond 127 levels are indented as those there. False for a NaN, an infinity or a text
-/// that is too long for what the tree shares; `text` then stays as it was.
+/// Appends JSON of a tree of any depth, whole numbers up to 2^53 in full and others with the fewest digits that give
+/// them back; `convertFromJSON` always reads the same doubles out of it. Null items and elements are `null`. Texts that
+/// are no UTF-8 have U+FFFD in the place of what is none; lines beyond 127 levels are indented as those there. False
+/// for a NaN, an infinity or a text that is too long for what the tree shares; `text` then stays as it was.
 [[nodiscard]] NX_API bool writeJson(urString::CString& text, ur::Reference<Item const> item,
                                     JsonStyle const& style = {});
 

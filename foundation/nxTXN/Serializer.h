@@ -63,9 +63,10 @@ public:
     /// A field with the handlers of its type.
     template <class T>
     void field(T& value) {
-        static_assert(requires(Writer& writer, Reader& reader, T const& saved) { write(writer, saved), read(reader, value); },
-                      "no nxTXN::write(Writer&, T const&) and read(Reader&, T&) for a field of this type: include "
-                      "foundation/nxTXN/fields.h or support/properties/fields.h, or add them");
+        static_assert(
+            requires(Writer & writer, Reader & reader, T const& saved) { write(writer, saved), read(reader, value); },
+            "no nxTXN::write(Writer&, T const&) and read(Reader&, T&) for a field of this type: include "
+            "foundation/nxTXN/fields.h or support/properties/fields.h, or add them");
         field(&value, &fieldHandlers<T>);
     }
 };

@@ -10,8 +10,8 @@
 #include "foundation/ur/Account.h"
 #include "plst/JsonReport.h"
 #include "plst/JsonTape.h"
-#include "script/luaItems.h"
 #include "script/impl/makeRoom.h"
+#include "script/luaItems.h"
 
 namespace nxSupport::impl {
 
@@ -117,7 +117,8 @@ int sayWhy(lua_State* state, char const* why) {
 char const* encode(lua_State* state, unsigned indent) noexcept {
     try {
         auto const item = popPListItem(state, 1);
-        if (!item) return "the value has no JSON form: it is nil or holds what is no boolean, number, string or plain table";
+        if (!item)
+            return "the value has no JSON form: it is nil or holds what is no boolean, number, string or plain table";
         urString::CString text;
         if (!nxPLST::writeJson(text, item, {.indent = indent}))
             return "the value has no JSON form: it holds a number that is not finite, or too much that is shared";

@@ -20,13 +20,12 @@ struct TaskImpl;
 /// Held by reference: the owner keeps one while it needs the task, and a started task lives by itself until it has
 /// completed. The count is plain, so `execute` must leave references to the task alone, as it must leave alone the
 /// domain and all else that it does not own; `isCancelled` and `setProgress` are for it. An exception from it ends the
-/// work, not the process, and the task never completes: `onFailed` is told instead, and a `wait` says what was thrown and
-/// has the domain forget the task.
-/// When the queue drops the completion unrun, `onComplete` is not called, but the task is freed: at once when the main
-/// thread drops it from a closed queue. A task whose queue had closed before its work ended is freed by a `wait`, or when
-/// its domain goes after the end of the work. A host that closes the queue and destroys the domain while tasks work keeps
-/// references to them, and waits.
-/// All else belongs to the main thread, which services the queue.
+/// work, not the process, and the task never completes: `onFailed` is told instead, and a `wait` says what was thrown
+/// and has the domain forget the task. When the queue drops the completion unrun, `onComplete` is not called, but the
+/// task is freed: at once when the main thread drops it from a closed queue. A task whose queue had closed before its
+/// work ended is freed by a `wait`, or when its domain goes after the end of the work. A host that closes the queue and
+/// destroys the domain while tasks work keeps references to them, and waits. All else belongs to the main thread, which
+/// services the queue.
 class NX_API AsyncTask : public ur::ReferenceCount {
 public:
     /// The domain reports this task from now on, in place of any other, until it has completed.

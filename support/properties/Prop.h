@@ -31,8 +31,8 @@ public:
         if (isSet()) nxPLST::convert(fallback, pty()->value());
         return fallback;
     }
-    /// As `Property::setValue`, but an equal value changes nothing, tells nobody and makes no step. False also when there
-    /// is no property.
+    /// As `Property::setValue`, but an equal value changes nothing, tells nobody and makes no step. False also when
+    /// there is no property.
     bool set(T const& value) {
         if (!pty()) return false;
         auto item = nxPLST::itemOf(value);

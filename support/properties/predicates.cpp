@@ -5,7 +5,9 @@
 
 namespace nxSupport {
 
-bool isDouble(ur::Reference<Property const> property) { return property && nxPLST::hasShape<double>(property->value()); }
+bool isDouble(ur::Reference<Property const> property) {
+    return property && nxPLST::hasShape<double>(property->value());
+}
 bool isBoundedDouble(ur::Reference<Property const> property) {
     return property && nxPLST::hasShape<BoundedDouble>(property->value());
 }
