@@ -30,33 +30,8 @@ Container const* containerIn(ur::Reference<Item const> const& item, Type type) {
     return item && item->type() == type ? static_cast<Container const*>(item.get()) : nullptr;
 }
 
-template <class Key, class T>
-struct MapShape {
-    static bool matches(ur::Reference<Item const> const& item) {
-        auto const* const members = containerIn<Dictionary>(item, DictionaryType);
-        if (!members) return false;
-        for (auto const& [key, value] : members->dictionary()) {
-            if (!hasShape<T>(value)) return false;
-        }
-        return true;
-    }
-};
-
-template <class Map>
-void convertMap(ur::Reference<Item>& out, Map const& values) {
-    auto members = ur::make<Dictionary>();
-    for (auto const& [key, value] : values) members->insert(key, converted(value));
-    out = std::move(members);
-}
-
-template <class Map>
-void convertMap(Map& out, ur::Reference<Item const> const& item) {
-    if (!hasShape<Map>(item)) return;
-    Map read;
-    for (auto const& [key, member] : static_cast<Dictionary const&>(*item).dictionary())
-        convert(read[typename Map::key_type(key.view())], member);
-    out = std::move(read);
-}
+template <class T>
+concept TextKey = std::same_as<T, std::string> || std::same_as<T, urString::CString>;
 
 template <class Values>
 void convertElements(ur::Reference<Item>& out, Values const& values) {
@@ -93,10 +68,17 @@ template <Shaped T>
 struct Shape<std::optional<T>> {
     static bool matches(ur::Reference<Item const> const& item) { return !item || hasShape<T>(item); }
 };
-template <Shaped T, class Less>
-struct Shape<std::map<std::string, T, Less>> : impl::MapShape<std::string, T> {};
-template <Shaped T, class Less>
-struct Shape<std::map<urString::CString, T, Less>> : impl::MapShape<urString::CString, T> {};
+template <impl::TextKey Key, Shaped T, class Less>
+struct Shape<std::map<Key, T, Less>> {
+    static bool matches(ur::Reference<Item const> const& item) {
+        auto const* const members = impl::containerIn<Dictionary>(item, DictionaryType);
+        if (!members) return false;
+        for (auto const& [key, value] : members->dictionary()) {
+            if (!hasShape<T>(value)) return false;
+        }
+        return true;
+    }
+};
 template <ur::NamedEnum T>
 struct Shape<T> {
     static bool matches(ur::Reference<Item const> const& item) { return valueOf(item).has_value(); }
@@ -154,21 +136,19 @@ void convert(std::optional<T>& out, ur::Reference<Item const> item) {
     if (hasShape<T>(item)) convert(out.emplace(), std::move(item));
 }
 
-template <Shaped T, class Less>
-void convert(ur::Reference<Item>& out, std::map<std::string, T, Less> const& values) {
-    impl::convertMap(out, values);
+template <impl::TextKey Key, Shaped T, class Less>
+void convert(ur::Reference<Item>& out, std::map<Key, T, Less> const& values) {
+    auto members = ur::make<Dictionary>();
+    for (auto const& [key, value] : values) members->insert(key, impl::converted(value));
+    out = std::move(members);
 }
-template <Shaped T, class Less>
-void convert(std::map<std::string, T, Less>& out, ur::Reference<Item const> item) {
-    impl::convertMap(out, item);
-}
-template <Shaped T, class Less>
-void convert(ur::Reference<Item>& out, std::map<urString::CString, T, Less> const& values) {
-    impl::convertMap(out, values);
-}
-template <Shaped T, class Less>
-void convert(std::map<urString::CString, T, Less>& out, ur::Reference<Item const> item) {
-    impl::convertMap(out, item);
+template <impl::TextKey Key, Shaped T, class Less>
+void convert(std::map<Key, T, Less>& out, ur::Reference<Item const> item) {
+    if (!hasShape<std::map<Key, T, Less>>(item)) return;
+    std::map<Key, T, Less> read;
+    for (auto const& [key, member] : static_cast<Dictionary const&>(*item).dictionary())
+        convert(read[Key(key.view())], member);
+    out = std::move(read);
 }
 
 /// A value without a name gives null.

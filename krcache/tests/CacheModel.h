@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <list>
 #include <map>
+#include <utility>
 
 #include "krcache/tests/TestKeys.h"
 
@@ -104,8 +105,8 @@ struct PlainCache {
     void unref(int key) { --entries[key].references, dropped(key); }
     void dropped(int key) {
         Entry const& entry = entries[key];
-        std::size_t const strong = static_cast<std::size_t>(1 + entry.held + entry.references);
-        if (entry.exists && entry.isWeak && strong == entry.parents.size()) remove(key);
+        int const strong = 1 + entry.held + entry.references;
+        if (entry.exists && entry.isWeak && std::cmp_equal(strong, entry.parents.size())) remove(key);
     }
     void enforce() {
         while (isOver() && !lru.empty()) {

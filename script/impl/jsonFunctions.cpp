@@ -99,9 +99,9 @@ Reason reasonOf(std::string_view text) noexcept {
     try {
         nxPLST::JsonReport report;
         ur::Reference<nxPLST::Item> item;
-        if (!nxPLST::convertFromJSON(item, urString::CString(text), report))
-            std::snprintf(reason.text, sizeof reason.text, "line %zu, column %zu: %s", report.location.line,
-                          report.location.column, report.reason.c_str());
+        if (nxPLST::convertFromJSON(item, urString::CString(text), report)) return reason;
+        std::snprintf(reason.text, sizeof reason.text, "line %zu, column %zu: %s", report.location.line,
+                      report.location.column, report.reason.c_str());
     } catch (std::exception const&) {  // for want of memory
     }
     return reason;

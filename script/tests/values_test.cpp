@@ -3,27 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include "foundation/nxRFL/values.h"
+#include "foundation/nxRFL/tests/roundTrip.h"
 
 namespace {
 
 using namespace nxRFL;
 
-template <class Value>
-Stack written(Value const& value) {
-    Stack stack;
-    Writer writer(stack);
-    write(writer, value);
-    return stack;
-}
-
-template <class Value>
-Value readBack(Stack const& stack, Value value = {}) {
-    Reader reader(stack);
-    read(reader, value);
-    EXPECT_EQ(reader.kind(), Kind::none);
-    return value;
-}
+using test::readBack;
+using test::written;
 
 TEST(ReflectedValues, AreArraysOfTheirComponents) {
     using namespace urLinear;

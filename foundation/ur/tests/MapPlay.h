@@ -22,7 +22,7 @@ struct MapKey {
         ++alive;
     }
     MapKey(MapKey&& other) noexcept : value(std::exchange(other.value, movedFrom)) { ++alive; }
-    MapKey& operator=(MapKey other) noexcept {
+    MapKey& operator=(MapKey other) noexcept {  // NOLINT(performance-unnecessary-value-param): counts as a copy
         value = other.value;
         return *this;
     }

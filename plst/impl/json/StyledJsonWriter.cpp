@@ -131,11 +131,9 @@ void StyledJsonWriter::writeCharacter(char32_t character) {
     if (char const letter = shortEscape(character)) {
         text_ += '\\';
         text_ += letter;
-    } else if (character < ' ') {
-        writeUnit(character);
-    } else if (character < 0x80) {
+    } else if (character >= ' ' && character < 0x80) {
         text_ += static_cast<char>(character);
-    } else if (!asciiOnly_) {
+    } else if (character >= 0x80 && !asciiOnly_) {
         text_ += urString::IString(std::u32string_view(&character, 1)).asUTF8().view();
     } else if (character < 0x10000) {
         writeUnit(character);

@@ -3,29 +3,18 @@
 
 #include <cstring>
 
+#include "foundation/ur/tests/Chair.h"
 #include "support/properties/TxdProperty.h"
 #include "support/properties/tests/Recorder.h"
 
 namespace nxSupport::test {
 
-struct Chair {
-    std::string name;
-    std::optional<double> height;
-    std::vector<int> marks;
-
-    bool operator==(Chair const&) const = default;
-};
-template <class Visit>
-void listMembers(Chair& chair, Visit&& visit) {
-    visit("name", chair.name);
-    visit("height", chair.height);
-    visit("marks", chair.marks);
-}
-
 namespace {
 
 using nxTXN::Reader;
 using nxTXN::Writer;
+using ur::test::Chair;
+using ur::test::Wood;
 using urLinear::Normal;
 using urLinear::Point;
 
@@ -74,8 +63,8 @@ TEST(Fields, KeepTheirSizeAndComeBack) {
     expectKept(4 + 2, 0, std::vector{true, false});
     expectKept(4 + 2 * (4 + 2), 0, std::vector<std::string>{"ab", {'a', '\0'}});
     expectKept(4 + 4 + 8, 0, std::vector<std::vector<int>>{{1, 2}});
-    expectKept(4 + 1 + 4 + 4, 0, Chair{"", {}, {1}});
-    expectKept(4 + 2 + 1 + 8 + 4, 0, Chair{"ab", 0.5, {}});
+    expectKept(4 + 4 + 1 + 4 + 4, 0, Chair{"", Wood::ash, {}, {1}});
+    expectKept(4 + 2 + 4 + 1 + 8 + 4, 0, Chair{"ab", Wood::oak, 0.5, {}});
     expectKept(4 + 1, 0, urString::IString());
     expectKept(4 + 7, 0, urString::IString("gr\xC3\xBC\xC3\x9F", urString::Encoding::utf8));
 }
