@@ -22,6 +22,11 @@ void readAndWrite() {
     if (nxPLST::convertToJSON(text, item)) std::printf("%s", text.c_str());
     // [write]
 
+    // [style]
+    CString line;
+    if (nxPLST::writeJson(line, item, {.indent = 0})) std::printf("%s\n", line.c_str());
+    // [style]
+
     // [dump]
     std::printf("%s", nxPLST::asJSON(item).c_str());
     // [dump]

@@ -71,5 +71,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
     require(first == written(careful), "both readers make the same values");
     require(!nxPLST::asJSON(item).empty(), "every tree has a dump");
     checkRoundTrip(first);
+    CString compact;
+    require(nxPLST::writeJson(compact, item, {.indent = 0}), "what is read can be written");
+    require(nxPLST::convertFromJSON(careful, compact), "what is written in any style can be read");
     return 0;
 }

@@ -42,10 +42,7 @@ void checkPath(std::string_view text, ur::Reference<nxPLST::Item const> const& r
     require(path || !error.empty(), "what is no path has a reason");
     if (!path) return;
     std::string spelled;
-    for (auto const& step : *path) {
-        auto const* key = std::get_if<std::string>(&step);
-        spelled += key ? nxPLST::keyText(*key) : nxPLST::indexText(std::get<long>(step));
-    }
+    for (auto const& step : *path) spelled += nxPLST::stepText(step);
     require(nxPLST::parsePath(spelled.empty() ? "." : spelled, error) == path, "a path can be spelled out");
     bool const found = nxPLST::follow(root, *path, error) != nullptr;
     require(found || !error.empty(), "what is not there is named");

@@ -89,11 +89,6 @@ private:
     Path path_;
 };
 
-std::string stepText(Path::value_type const& step) {
-    if (auto const* key = std::get_if<std::string>(&step)) return keyText(*key);
-    return indexText(std::get<long>(step));
-}
-
 ItemIn child(ItemIn const& item, Path::value_type const& step) {
     if (auto const* key = std::get_if<std::string>(&step)) {
         auto const dictionary = asDictionary(item);
@@ -134,6 +129,11 @@ ItemIn at(ItemIn const& root, std::string_view path) {
     std::string error;
     auto const steps = parsePath(path, error);
     return steps ? follow(root, *steps, error) : nullptr;
+}
+
+std::string stepText(Path::value_type const& step) {
+    if (auto const* key = std::get_if<std::string>(&step)) return keyText(*key);
+    return indexText(std::get<long>(step));
 }
 
 std::string keyText(std::string_view key) {

@@ -31,6 +31,8 @@ template <impl::ItemReference T>
     return at(ur::Reference<impl::PlainItem<T>>(root), path);
 }
 
+/// A step of a path as it is spelled.
+[[nodiscard]] NX_API std::string stepText(Path::value_type const& step);
 /// `.key`, quoted where a bare key would not read back.
 [[nodiscard]] NX_API std::string keyText(std::string_view key);
 /// `[index]`.

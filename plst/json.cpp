@@ -30,10 +30,12 @@ bool outputJSON(urString::IString const& path, ur::Reference<Item const> item) {
     return file.open(path).ok() && impl::JsonTextWriter(file).write(item.get()) && file.commit().ok();
 }
 
-bool convertToJSON(CString& text, ur::Reference<Item const> item) { return convertToJSON(text, std::move(item), {}); }
+bool convertToJSON(CString& text, ur::Reference<Item const> item) {
+    return convertToJSON(text, std::move(item), mostExpandedText);
+}
 
-bool convertToJSON(CString& text, ur::Reference<Item const> item, JsonWriting const& how) {
-    return impl::StrictJsonWriter(text, how).write(item.get());
+bool convertToJSON(CString& text, ur::Reference<Item const> item, std::uint64_t mostExpandedBytes) {
+    return impl::StrictJsonWriter(text, mostExpandedBytes).write(item.get());
 }
 
 bool writeJson(urString::CString& text, ur::Reference<Item const> item, JsonStyle const& style) {

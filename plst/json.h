@@ -21,22 +21,13 @@ NX_API urString::CString asJSON(ur::Reference<Item const> item, std::uint64_t mo
 /// when).
 [[nodiscard]] NX_API bool outputJSON(urString::IString const& path, ur::Reference<Item const> item);
 
-/// How strict JSON is written.
-struct JsonWriting {
-    /// Writes what "%.20g" does not bring back in a form that reads as the same double: -0 as -0.0, and whole numbers
-    /// from 2^63 to below 10^20, of either sign, with the fewest digits and an exponent.
-    bool numbersReadBack = false;
-    /// The longest text for a tree that shares items, which are written out at each of their places.
-    std::uint64_t mostExpandedBytes = mostExpandedText;
-};
-
 /// Appends strict JSON, indented, a null item or element as `null`. Numbers are as "%.20g" has them: they give the same
 /// doubles back but for -0, which is read as 0, and whole numbers from 2^63 to below 10^20, which reading refuses.
 /// False for a NaN, an infinity, more than 127 levels of nesting or a text that is too long for what the tree shares;
 /// what was written up to there then stays appended.
 [[nodiscard]] NX_API bool convertToJSON(urString::CString& text, ur::Reference<Item const> item);
 [[nodiscard]] NX_API bool convertToJSON(urString::CString& text, ur::Reference<Item const> item,
-                                        JsonWriting const& how);
+                                        std::uint64_t mostExpandedBytes);
 
 /// How JSON for programs is written.
 struct JsonStyle {

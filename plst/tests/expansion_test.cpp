@@ -76,14 +76,14 @@ TEST(Expansion, IsLimitedToTheByteAndOnlyWhereSomethingIsShared) {
     auto const tree = doubled(6, make<String>("a text that is longer than a block"));
     std::uint64_t const bytes = expansionOf(tree.get()).textBytes;
     urString::CString text;
-    EXPECT_FALSE(convertToJSON(text, tree, {.mostExpandedBytes = bytes - 1}));
+    EXPECT_FALSE(convertToJSON(text, tree, bytes - 1));
     text.clear();
-    EXPECT_TRUE(convertToJSON(text, tree, {.mostExpandedBytes = bytes}));
+    EXPECT_TRUE(convertToJSON(text, tree, bytes));
     EXPECT_EQ(text.size(), bytes);
     EXPECT_EQ(asJSON(tree, bytes), asJSON(tree));
     EXPECT_LT(asJSON(tree, 100).size(), 200U);
     text.clear();
-    EXPECT_TRUE(convertToJSON(text, tree->clone(), {.mostExpandedBytes = 10}));
+    EXPECT_TRUE(convertToJSON(text, tree->clone(), 10));
     EXPECT_EQ(text.size(), bytes);
 }
 

@@ -28,6 +28,8 @@ public:
 
     void run() override;
     void setFailed() noexcept { failed_ = true; }
+    /// A `wait` has told the end instead.
+    void letGo() noexcept { task_ = nullptr; }
 
 private:
     ~CompletionTask() override {
@@ -73,6 +75,7 @@ struct TaskImpl final : ur::ImplBase {
     urThread::Thread thread;
     /// Between `startThread` and the end of the work, which hands it to the queue.
     ur::Reference<CompletionTask> completion;
+    CompletionTask* failing = nullptr;  ///< on its way through the queue, after work that threw
     urThread::RunQueue* queue = nullptr;
     std::thread::id home;  ///< the thread that started the task; the count is its own
     bool started = false;
@@ -113,7 +116,13 @@ void AsyncTask::startThread() {
     }
     if (!failed()) return;
     leaveDomain();
-    impl_->completion->setFailed();
+    queueFailure();
+}
+
+/// The task may be gone afterwards, unless this is its worker.
+void AsyncTask::queueFailure() {
+    impl_->failing = impl_->completion.get();
+    impl_->failing->setFailed();
     impl_->queue->add(std::move(impl_->completion));
 }
 
@@ -121,8 +130,7 @@ void AsyncTask::threadFunc() {
     try {
         execute();
     } catch (...) {
-        impl_->completion->setFailed();
-        impl_->queue->add(std::move(impl_->completion));
+        queueFailure();
         throw;  // for the thread, which keeps what it was
     }
     impl_->queue->add(std::move(impl_->completion));  // from here on the main thread may destroy the task
@@ -144,6 +152,7 @@ void AsyncTask::complete(bool waited) {
 
 void AsyncTask::fail() {
     auto const started = ur::Reference<AsyncTask>::adopt(this);
+    impl_->failing = nullptr;
     if (urUtil::Error const outcome = impl_->thread.wait(); outcome.isError()) impl_->failure = outcome;
     impl_->progress->signal = nullptr;
     leaveDomain();
@@ -153,6 +162,7 @@ void AsyncTask::fail() {
 void AsyncTask::onFailed(std::string_view /*text*/) {}
 
 void AsyncTask::abandon() noexcept {
+    impl_->failing = nullptr;
     if (std::this_thread::get_id() == impl_->home) {
         leaveDomain();
         unref();
@@ -169,9 +179,10 @@ void AsyncTask::leaveDomain() noexcept {
 void AsyncTask::wait() {
     impl_->waited = true;
     urUtil::Error const outcome = impl_->thread.wait();
-    if (outcome.isError()) {
-        impl_->failure = outcome;
-        leaveDomain();
+    if (outcome.isError()) impl_->failure = outcome;
+    if (impl_->failing) {
+        impl_->failing->letGo();
+        return fail();
     }
     if (!impl_->abandoned.exchange(false)) return;
     leaveDomain();

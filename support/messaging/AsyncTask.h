@@ -20,8 +20,8 @@ struct TaskImpl;
 /// Held by reference: the owner keeps one while it needs the task, and a started task lives by itself until it has
 /// completed. The count is plain, so `execute` must leave references to the task alone, as it must leave alone the
 /// domain and all else that it does not own; `isCancelled` and `setProgress` are for it. An exception from it ends the
-/// work, not the process, and the task never completes: `onFailed` is told instead, and a `wait` says what was thrown
-/// and has the domain forget the task. When the queue drops the completion unrun, `onComplete` is not called, but the
+/// work, not the process, and the task never completes: the domain forgets it, and `onFailed` is told instead, from the
+/// run queue or from a `wait`. When the queue drops the completion unrun, `onComplete` is not called, but the
 /// task is freed: at once when the main thread drops it from a closed queue. A task whose queue had closed before its
 /// work ended is freed by a `wait`, or when its domain goes after the end of the work. A host that closes the queue and
 /// destroys the domain while tasks work keeps references to them, and waits. All else belongs to the main thread, which
@@ -36,10 +36,11 @@ public:
 
     /// Starts the work. Only the first call does. When the system has no thread to give, the task has failed.
     void startThread();
-    /// Waits for the end of the work, and has `onComplete` told so if it still is to run.
+    /// Waits for the end of the work, and has `onComplete` told so if it still is to run. Of work that threw it tells
+    /// `onFailed`; the task may then be gone.
     void wait();
 
-    /// Whether there was no thread, or `wait` has found that the work threw.
+    /// Whether there was no thread, or the work threw, from when `onFailed` is told.
     [[nodiscard]] bool failed() const noexcept;
     /// What the system or the exception said; empty unless `failed`.
     [[nodiscard]] std::string_view failureText() const noexcept;
@@ -60,7 +61,8 @@ protected:
     virtual void execute() = 0;
     /// The work is done; `waited` tells that someone has waited for it. What it throws leaves the queue's service.
     virtual void onComplete(bool waited) = 0;
-    /// The work threw, as `text` says, or there was no thread for it. From the run queue; not when it drops this.
+    /// The work threw, as `text` says, or there was no thread for it. From the run queue, or from a `wait` before;
+    /// not when the queue drops the task.
     virtual void onFailed(std::string_view text);
 
 private:
@@ -68,6 +70,7 @@ private:
 
     void threadFunc();
     void complete(bool waited);
+    void queueFailure();
     void fail();
     void abandon() noexcept;
     void leaveDomain() noexcept;

@@ -1,15 +1,11 @@
 // Two trees side by side.
 #include "tools/nxplist/Comparison.h"
 
-#include <cmath>
 #include <cstdint>
 #include <set>
 #include <utility>
 #include <vector>
 
-#include "plst/Bool.h"
-#include "plst/Double.h"
-#include "plst/String.h"
 #include "plst/json.h"
 #include "tools/nxplist/Walk.h"
 
@@ -24,19 +20,6 @@ struct OpenPair {
     Children second;
     std::uint64_t differencesBefore;
 };
-
-bool sameScalar(Item const& a, Item const& b) {
-    switch (a.type()) {
-        case nxPLST::BoolType:
-            return static_cast<nxPLST::Bool const&>(a).value() == static_cast<nxPLST::Bool const&>(b).value();
-        case nxPLST::DoubleType: {
-            double const x = static_cast<nxPLST::Double const&>(a).value();
-            double const y = static_cast<nxPLST::Double const&>(b).value();
-            return x == y || (std::isnan(x) && std::isnan(y));
-        }
-        default: return static_cast<nxPLST::String const&>(a).value() == static_cast<nxPLST::String const&>(b).value();
-    }
-}
 
 class Comparer {
 public:
@@ -57,7 +40,7 @@ private:
             }
             return true;
         }
-        if (sameKind ? sameScalar(*first, *second) : first == second) return true;
+        if (sameKind ? *first == *second : first == second) return true;
         std::string const where = open_.empty() ? "." : place(open_.back().first);
         return tell(where + ": " + brief(first) + " -> " + brief(second));
     }

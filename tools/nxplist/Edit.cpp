@@ -1,6 +1,7 @@
 // The way to one place of a tree, and what happens there.
 #include "tools/nxplist/Edit.h"
 
+#include <type_traits>
 #include <utility>
 
 #include "plst/casts.h"
@@ -50,17 +51,12 @@ Slot* childSlot(Slot& parent, Path::value_type const& step) {
     return at < array.array().size() ? &array.array()[at] : nullptr;
 }
 
-std::string textOf(Path::value_type const& step) {
-    auto const* const key = std::get_if<std::string>(&step);
-    return key ? nxPLST::keyText(*key) : nxPLST::indexText(std::get<long>(step));
-}
-
 /// The slot of the container in which the last step of the path leads on.
 Slot* parentSlot(Slot& root, Path const& path, std::string& error) {
     Slot* slot = &root;
     std::string reached;
     for (std::size_t i = 0; i + 1 < path.size(); ++i) {
-        reached += textOf(path[i]);
+        reached += nxPLST::stepText(path[i]);
         slot = childSlot(*slot, path[i]);
         if (!slot) {
             error = "nothing at " + reached;
@@ -72,7 +68,7 @@ Slot* parentSlot(Slot& root, Path const& path, std::string& error) {
 
 bool refuse(std::string& error, char const* what, Path const& path) {
     std::string text;
-    for (auto const& step : path) text += textOf(step);
+    for (auto const& step : path) text += nxPLST::stepText(step);
     error = what + text;
     return false;
 }

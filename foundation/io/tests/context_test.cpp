@@ -20,6 +20,8 @@ TEST(WriteContext, SaysWhatWasWrongAndWritesNoEndMark) {
         {ioStatus::unknownType, [](auto& c) { c.startPacket("z", nullptr); }},
         {ioStatus::unknownType, [](auto& c) { EXPECT_EQ(c.firstByteOf(c.typeId("z")), 0); }},
         {ioStatus::misuse, [](auto& c) { c.writeIntValue(1); }},
+        {ioStatus::misuse, [](auto& c) { c.writeNameValue("k"); }},
+        {ioStatus::misuse, [](auto& c) { c.writeReference(nullptr, 0); }},
         {ioStatus::misuse, [](auto& c) { c.endPacket(); }},
         {ioStatus::misuse, [](auto& c) { c.startFile(); }},
         {ioStatus::misuse, [](auto& c) { c.writeReferredPacket(c.typeId("a"), true); }},
@@ -76,6 +78,11 @@ TEST(Contexts, AreMadeOnlyForOpenStreamsAndReportTheirFailures) {
     EXPECT_EQ(output.flush().code(), 28);
     EXPECT_EQ(context->getStatus(), number(ioStatus::streamFailed));
     EXPECT_EQ(output.close().code(), 28);
+
+    static_cast<void>(input.openIOStream(stream));
+    auto const reading = ioReadContextAlloc(input, registry);
+    reading->definePacketObject(&stream);  // of no packet
+    EXPECT_FALSE(reading->packetIsNumbered());
 }
 
 TEST(Contexts, WriteAndReadTheSameThroughBuffersOfEverySize) {

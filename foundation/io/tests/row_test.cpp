@@ -3,6 +3,7 @@
 
 #include <limits>
 #include <map>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -82,7 +83,11 @@ TEST(Rows, GiveNothingToAContextThatTakesNoValues) {
 }
 
 TEST(Rows, ReadWhatTheContextReads) {
-    for (std::size_t extra = 0; extra < 40; ++extra) {
+    constexpr std::size_t whole = 64 * 1024;
+    std::vector<std::size_t> extras(40);
+    std::iota(extras.begin(), extras.end(), 0);
+    extras.push_back(whole);
+    for (std::size_t const extra : extras) {
         std::map<char, int> quick;  // how often a row could read what
         Reader reader;
         reader.buffer = leastInput + extra;
@@ -138,6 +143,7 @@ TEST(Rows, ReadWhatTheContextReads) {
         reader.on("b", [](ioReadContext&) { FAIL() << "its packets are opened here"; });
         EXPECT_EQ(reader.read(rows(false)), 0);
         for (char const what : "nedbtl"sv) EXPECT_GT(quick[what], 0) << what;
+        for (char const what : "db"sv) EXPECT_GT(quick[what], extra == whole ? 290 : 0) << what;
     }
 }
 

@@ -79,6 +79,7 @@ void History::transact(Object& object) {
 }
 
 void History::record(Object& object, Entry const& entry) {
+    Hold const hold(*this);
     std::uint32_t const formerStamp = entry.stamp;
     makeRoomForAbort();
     RecordStore::Hook hook;

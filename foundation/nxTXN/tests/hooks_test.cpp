@@ -339,6 +339,24 @@ TEST(HookLifetime, MayDestroyTheManagerThatRunsThemOrOneWhoseObjectsAreSettled) 
                                      "commit changed", "undo changed", "undo gone", "undo modified", "undo restored"));
 }
 
+TEST(HookLifetime, SavingAFieldMayDestroyTheManager) {
+    struct Field : RefCountedObject {
+        explicit Field(std::unique_ptr<Manager>& kept) : RefCountedObject(*kept), manager(kept) {}
+        void onTransact(Serializer& serializer) override {
+            manager.reset();
+            serializer.field(value);
+        }
+        std::unique_ptr<Manager>& manager;
+        int value = 0;
+    };
+    auto manager = std::make_unique<Manager>();
+    auto const field = ur::make<Field>(manager);
+    manager->begin();
+    field->transact();
+    EXPECT_EQ(field->txnManager(), nullptr);
+    field->transact();
+}
+
 TEST_F(Hooks, MayRecordWhatAnObjectTakesWithIt) {
     a().setNext(ur::make<Node>(manager, "child", &log));
     Node* const child = a().next().get();

@@ -129,11 +129,6 @@ char* writeAnyExactNumber(char* to, double value) noexcept {
     return std::to_chars(to, to + numberRoom - 1, size, std::chars_format::general, exactDigits).ptr;
 }
 
-char* writeReadableNumber(char* to, double value) noexcept {
-    if (value == 0) return std::copy_n("-0.0", 4, to);
-    return std::to_chars(to, to + numberRoom, value, std::chars_format::scientific).ptr;
-}
-
 char* writeShortNumber(char* to, double value) noexcept {
     if (std::fabs(value) < shortWholeLimit && std::trunc(value) == value) return writeExactNumber(to, value);
     return std::to_chars(to, to + numberRoom, value, std::chars_format::general, shortDigits).ptr;

@@ -94,14 +94,4 @@ inline char* writeExactNumber(char* to, double value) noexcept {
     return writeAnyExactNumber(to, value);
 }
 
-/// Whether what "%.20g" prints is read as the same number. Requires: a finite value.
-inline bool exactNumberReadsBack(double value) noexcept {
-    double const size = value < 0 ? -value : value;
-    bool const isNegativeZero = std::bit_cast<std::uint64_t>(value) == std::uint64_t(1) << 63;
-    return !isNegativeZero && (size < 0x1p63 || size >= 1e20);
-}
-
-/// Writes one of the others in the shortest form that is; gives the end of the text.
-char* writeReadableNumber(char* to, double value) noexcept;
-
 }  // namespace nxPLST::impl

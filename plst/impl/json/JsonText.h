@@ -2,6 +2,7 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -19,6 +20,35 @@ namespace nxPLST::impl {
 /// Appends what the escape sequence at `at` means and gives its end. Null when it is none, or half of a surrogate
 /// pair. Requires: a backslash at `at`.
 char const* readEscape(char const* at, char const* end, std::string& text);
+
+/// Room that an escape sequence may need.
+inline constexpr std::size_t longestEscape = 6;
+
+/// Writes the escape sequence of a code unit, which is \uXXXX; gives its end.
+inline char* putUnit(char* to, unsigned unit) noexcept {
+    static constexpr char digits[] = "0123456789ABCDEF";
+    *to++ = '\\';
+    *to++ = 'u';
+    for (int shift = 12; shift >= 0; shift -= 4) *to++ = digits[unit >> shift & 0xF];
+    return to;
+}
+/// Writes the escape sequence of a quote, a backslash or a control character, the short one if there is one.
+inline char* putEscape(char* to, char character) noexcept {
+    char letter = character;
+    switch (character) {
+        case '"':
+        case '\\': break;
+        case '\b': letter = 'b'; break;
+        case '\f': letter = 'f'; break;
+        case '\n': letter = 'n'; break;
+        case '\r': letter = 'r'; break;
+        case '\t': letter = 't'; break;
+        default: return putUnit(to, static_cast<unsigned char>(character));
+    }
+    *to++ = '\\';
+    *to++ = letter;
+    return to;
+}
 
 /// The value of a hexadecimal digit; negative for other characters.
 [[nodiscard]] int hexDigit(char c) noexcept;

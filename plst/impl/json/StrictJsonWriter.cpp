@@ -16,7 +16,6 @@ namespace {
 // Texts and indents are copied in blocks, so there must be room for one more than is written.
 constexpr std::size_t textBlock = 16;
 constexpr std::size_t indentBlock = 32;
-constexpr std::size_t longestEscape = 6;
 
 /// Enough for the longest indent, a short text as a key, any scalar but a long text, brackets and separators.
 constexpr std::size_t itemRoom = 512 + indentBlock + 2 * textBlock + numberRoom + 16;
@@ -24,6 +23,9 @@ constexpr std::size_t itemRoom = 512 + indentBlock + 2 * textBlock + numberRoom 
 constexpr int noItem = -1;
 
 int kindOf(Item const* item) { return item ? item->type() : noItem; }
+
+/// Null for a number that JSON has no form for.
+char* putNumber(char* to, double value) { return std::isfinite(value) ? writeExactNumber(to, value) : nullptr; }
 
 /// An item of an unknown kind is not written at all.
 bool isKnown(int kind) { return kind >= noItem && kind <= DictionaryType; }
@@ -34,25 +36,6 @@ char* putWord(char* to, std::string_view word) {
 }
 char* putColon(char* to) { return putWord(to, ": "); }
 char* putSeparator(char* to) { return putWord(to, ",\n"); }
-
-char* putEscape(char* to, char character) {
-    static constexpr char digits[] = "0123456789ABCDEF";
-    *to++ = '\\';
-    switch (character) {
-        case '"':
-        case '\\': *to++ = character; return to;
-        case '\b': *to++ = 'b'; return to;
-        case '\f': *to++ = 'f'; return to;
-        case '\n': *to++ = 'n'; return to;
-        case '\r': *to++ = 'r'; return to;
-        case '\t': *to++ = 't'; return to;
-        default: break;
-    }
-    putWord(to, "u00");
-    to[3] = digits[character >> 4];
-    to[4] = digits[character & 0xF];
-    return to + 5;
-}
 
 /// Copies the text as far as no byte needs an escape, and moves both places on.
 void copyPlain(char*& to, char const*& from, char const* end) {
@@ -107,13 +90,6 @@ inline char* StrictJsonWriter::putText(char* to, urString::CString const& text) 
         return to + view.size() + 2;
     }
     return putAnyText(to, view);
-}
-
-inline char* StrictJsonWriter::putNumber(char* to, double value) const {
-    if (!std::isfinite(value)) return nullptr;
-    if (numbersReadBack_ && !exactNumberReadsBack(value)) [[unlikely]]
-        return writeReadableNumber(to, value);
-    return writeExactNumber(to, value);
 }
 
 /// Keys need no such look: there are no more of them than the containers that are looked at.

@@ -13,14 +13,14 @@
 namespace nxPLST::impl {
 
 /// Writes one tree, byte for byte and refusal for refusal as yajl's generator does with its beautify option set
-/// and numbers formatted with "%.20g", unless it is to write all numbers so that they read back.
+/// and numbers formatted with "%.20g".
 ///
 /// Each child is written with the comma and the line feed behind it; the closing bracket takes the last comma back.
 /// It recurses no deeper than the generator goes.
 class StrictJsonWriter {
 public:
-    StrictJsonWriter(urString::CString& text, JsonWriting const& how)
-        : sink_(text), guard_(how.mostExpandedBytes), numbersReadBack_(how.numbersReadBack) {}
+    StrictJsonWriter(urString::CString& text, std::uint64_t mostExpandedBytes)
+        : sink_(text), guard_(mostExpandedBytes) {}
 
     /// Whether nothing in the tree was refused. What came before a refusal is written. Call it once.
     bool write(Item const* root);
@@ -43,7 +43,6 @@ private:
     char* putChildren(char* to, Dictionary const& dictionary, std::size_t indent);
     char* putMisplaced(char* to, Dictionary::Map::value_type const& member, std::size_t indent, bool& valueDue);
 
-    char* putNumber(char* to, double value) const;
     char* startLine(char* to, std::size_t indent);
     char* putString(char* to, urString::CString const& text);
     char* putText(char* to, urString::CString const& text);
@@ -52,7 +51,6 @@ private:
 
     TextSink sink_;
     ExpansionGuard guard_;
-    bool const numbersReadBack_;
 };
 
 }  // namespace nxPLST::impl

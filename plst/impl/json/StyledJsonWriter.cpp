@@ -8,6 +8,7 @@
 #include "plst/Bool.h"
 #include "plst/Double.h"
 #include "plst/String.h"
+#include "plst/impl/json/JsonText.h"
 
 namespace nxPLST::impl {
 namespace {
@@ -15,20 +16,6 @@ namespace {
 constexpr std::size_t widestIndent = 16;
 // Indentation would grow with the square of the depth.
 constexpr std::size_t deepestIndent = 127;
-
-/// The letter of a short escape sequence; NUL when there is none.
-char shortEscape(char32_t character) {
-    switch (character) {
-        case '"': return '"';
-        case '\\': return '\\';
-        case '\b': return 'b';
-        case '\f': return 'f';
-        case '\n': return 'n';
-        case '\r': return 'r';
-        case '\t': return 't';
-        default: return '\0';
-    }
-}
 
 }  // namespace
 
@@ -116,37 +103,51 @@ bool StyledJsonWriter::writeNumber(double value) {
 /// Pieces that are no UTF-8 become U+FFFD, since no reader would take them.
 void StyledJsonWriter::writeText(urString::CString const& text) {
     text_ += '"';
-    bool const isAscii =
-        std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-    if (isAscii) {
-        for (char const c : text) writeCharacter(static_cast<unsigned char>(c));
-    } else {
-        urString::IString const characters(text.view(), urString::Encoding::utf8);
-        for (char32_t const c : characters.view()) writeCharacter(c);
+    char const* at = text.data();
+    char const* const end = at + text.size();
+    while (at != end) {
+        char const* const stop = runEnd<Stop::atEscapesAndUtf8>(at, end);
+        text_.append(at, stop);
+        if (stop != end && static_cast<unsigned char>(*stop) >= 0x80) return writeUnicode({stop, end});
+        at = stop == end ? end : stop + 1;
+        if (stop != end) writeAscii(*stop);
     }
     text_ += '"';
 }
 
-void StyledJsonWriter::writeCharacter(char32_t character) {
-    if (char const letter = shortEscape(character)) {
-        text_ += '\\';
-        text_ += letter;
-    } else if (character >= ' ' && character < 0x80) {
-        text_ += static_cast<char>(character);
-    } else if (character >= 0x80 && !asciiOnly_) {
-        text_ += urString::IString(std::u32string_view(&character, 1)).asUTF8().view();
-    } else if (character < 0x10000) {
-        writeUnit(character);
-    } else {
-        writeUnit(0xD7C0 + (character >> 10));
-        writeUnit(0xDC00 + (character & 0x3FF));
+/// Writes what is left of a text, and the quote behind it.
+void StyledJsonWriter::writeUnicode(std::string_view rest) {
+    urString::IString const characters(rest, urString::Encoding::utf8);
+    for (char32_t const character : characters.view()) {
+        if (character < 0x80) {
+            writeAscii(static_cast<char>(character));
+        } else if (asciiOnly_) {
+            writeUnits(character);
+        } else {
+            text_ += urString::IString(std::u32string_view(&character, 1)).asUTF8().view();
+        }
     }
+    text_ += '"';
 }
 
-void StyledJsonWriter::writeUnit(unsigned unit) {
-    static constexpr char digits[] = "0123456789ABCDEF";
-    text_ += "\\u";
-    for (int shift = 12; shift >= 0; shift -= 4) text_ += digits[unit >> shift & 0xF];
+void StyledJsonWriter::writeAscii(char character) {
+    if (character >= ' ' && character != '"' && character != '\\') {
+        text_ += character;
+        return;
+    }
+    char escape[longestEscape];
+    text_.append(escape, putEscape(escape, character));
+}
+
+/// Writes a character as one escape sequence, or as the two of its surrogates.
+void StyledJsonWriter::writeUnits(char32_t character) {
+    char escapes[2 * longestEscape];
+    char* end = escapes;
+    if (character >= 0x10000) {
+        end = putUnit(end, 0xD7C0 + (character >> 10));
+        character = 0xDC00 + (character & 0x3FF);
+    }
+    text_.append(escapes, putUnit(end, character));
 }
 
 void StyledJsonWriter::startLine() {

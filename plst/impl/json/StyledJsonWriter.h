@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "plst/impl/ChildWalk.h"
 #include "plst/impl/ExpansionGuard.h"
@@ -23,8 +24,9 @@ private:
     bool writeItem(Item const* item);
     bool writeNumber(double value);
     void writeText(urString::CString const& text);
-    void writeCharacter(char32_t character);
-    void writeUnit(unsigned unit);
+    void writeUnicode(std::string_view rest);
+    void writeAscii(char character);
+    void writeUnits(char32_t character);
     template <class Container>
     bool open(Container const& container, char opening);
     void startLine();
