@@ -75,6 +75,10 @@ void Lifetimes::unpin(Object& object) noexcept {
     if (counted.references_ == 0) lifetimes.wait(counted);
 }
 
+void Lifetimes::count(Object const& object, std::ptrdiff_t bytes) noexcept {
+    if (object.history_) object.history_->lifetimes().bytes_ += static_cast<std::size_t>(bytes);
+}
+
 void Lifetimes::removeOrphan(RefCountedObject& object) noexcept {
     if (object.index_ > 0 || object.references_ > 0) return;
     object.references_ = referencesOfTheDeleted;

@@ -41,6 +41,8 @@ public:
         if (entry.pins != mostPins_) ++entry.pins;
     }
     static void unpin(Object& object) noexcept;
+    /// The history holds so many bytes more, or fewer, because of the object.
+    static void count(Object const& object, std::ptrdiff_t bytes) noexcept;
 
     void lastReferenceGone(RefCountedObject& object) noexcept;
     /// Deletes an object whose manager has gone unless something needs it.
@@ -102,7 +104,7 @@ public:
     [[nodiscard]] bool droppedUnborn() const noexcept { return droppedUnborn_; }
     void forgetDropped() noexcept { droppedUnborn_ = false; }
 
-    /// The bytes of the objects that only records keep.
+    /// The bytes of the objects that only records keep, and those that were counted because of objects.
     [[nodiscard]] std::size_t bytes() const noexcept { return bytes_; }
 
 private:

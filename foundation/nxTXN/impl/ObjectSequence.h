@@ -1,0 +1,47 @@
+// References to objects, in order.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "foundation/nxTXN/RefCountedObject.h"
+#include "foundation/ur/Reference.h"
+
+namespace nxTXN::impl {
+
+/// A long sequence into whose middle much is inserted: pieces of limited length, none of them empty.
+class ObjectSequence {
+public:
+    using Element = ur::Reference<RefCountedObject>;
+
+    explicit ObjectSequence(std::size_t mostInPiece) noexcept : mostInPiece_(mostInPiece) {}
+
+    [[nodiscard]] std::size_t size() const noexcept { return size_; }
+    /// The elements from `index` to the end of their piece. Requires: there is one.
+    [[nodiscard]] std::span<Element const> run(std::size_t index) const noexcept;
+    /// Nothing has happened when it throws. Requires: `index` is not beyond the end.
+    void insert(std::size_t index, Element element);
+    /// Requires: there is one.
+    [[nodiscard]] Element take(std::size_t index) noexcept;
+    void clear() noexcept;
+
+private:
+    using Piece = std::vector<Element>;
+    struct Place {
+        std::size_t piece;
+        std::size_t offset;
+    };
+
+    /// The place before which an element with that index goes: at the end of a piece rather than at the start of one.
+    [[nodiscard]] Place placeOf(std::size_t index) const noexcept;
+    [[nodiscard]] Piece emptyPiece() const;
+    void split(std::size_t piece);
+    void joinWithNext(std::size_t piece) noexcept;
+
+    std::size_t mostInPiece_;
+    std::vector<Piece> pieces_;  ///< each with room for the most
+    std::size_t size_ = 0;
+};
+
+}  // namespace nxTXN::impl
