@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "foundation/nxTXN/Manager.h"
+#include "foundation/nxTXN/ObjectList.h"
 #include "foundation/nxTXN/RefCountedObject.h"
 #include "foundation/nxTXN/Transaction.h"
 #include "foundation/nxTXN/fields.h"
@@ -71,6 +72,23 @@ void show(Drawing const& drawing, Manager const& manager) {
     std::printf("  [Undo %s] [Redo %s]\n", manager.undoName().c_str(), manager.redoName().c_str());
 }
 
+void showList() {
+    // [list]
+    Manager manager;
+    nxTXN::ObjectList<Circle> circles(manager);
+    circles.insertedSignal().addCallback([](std::size_t at, Circle&) { std::printf("inserted at %zu\n", at); });
+    circles.erasedSignal().addCallback([](std::size_t at, Circle&) { std::printf("erased at %zu\n", at); });
+    {
+        Transaction transaction(manager, "Add two");
+        circles.append(ur::make<Circle>(manager));
+        circles.insert(0, ur::make<Circle>(manager));
+        transaction.commit();
+    }
+    manager.undo();
+    std::printf("%zu circles\n", circles.size());
+    // [list]
+}
+
 int main() {
     Manager manager;
     auto const drawing = ur::make<Drawing>(manager);
@@ -106,5 +124,6 @@ int main() {
     show(*drawing, manager);
     std::printf("%zu steps\n", manager.undoCount());
     // [walk]
+    showList();
     return 0;
 }

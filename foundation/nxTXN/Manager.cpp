@@ -43,6 +43,7 @@ bool Manager::clear() { return history_->clear(); }
 void Manager::setStepLimit(std::size_t steps) { history_->setLimits(steps, history_->byteLimit()); }
 void Manager::setByteLimit(std::size_t bytes) { history_->setLimits(history_->stepLimit(), bytes); }
 std::size_t Manager::historyBytes() const noexcept { return history_->bytes(); }
+void Manager::setUnrecordedChange(UnrecordedChange policy) noexcept { history_->setUnrecordedChange(policy); }
 urRTB::Signal<>& Manager::changedSignal() noexcept { return history_->changed(); }
 
 }  // namespace nxTXN

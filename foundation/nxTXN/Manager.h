@@ -23,7 +23,15 @@ enum class TransactionKind {
     recorded = 0,   ///< they become a step of the history
     transient = 1,  ///< never recorded, but abort still takes them back
     none = 2,       ///< never recorded, and abort leaves them
-    constant = 3,   ///< none are expected: applied like those of `none`, with a diagnostic in debug builds
+    constant = 3,   ///< none are expected: `UnrecordedChange` says what becomes of them
+};
+
+/// What becomes of a change that no transaction records, outside of all or in a constant one. Those of kind `none`
+/// record nothing on purpose.
+enum class UnrecordedChange {
+    apply,   ///< it is made
+    report,  ///< it is made, and `debugChannel` tells of it once for each class of object
+    refuse,  ///< `Object::transact` throws `std::logic_error`, so that it is not made
 };
 
 /// Owns the transaction objects of one document and the history of its changes.
@@ -85,6 +93,9 @@ public:
     void setByteLimit(std::size_t bytes);
     /// What the history occupies: its records and the objects that only it keeps.
     [[nodiscard]] std::size_t historyBytes() const noexcept;
+
+    /// Reported at first.
+    void setUnrecordedChange(UnrecordedChange policy) noexcept;
 
     /// Emitted after the list of steps has changed, when everything is in place.
     [[nodiscard]] urRTB::Signal<>& changedSignal() noexcept;

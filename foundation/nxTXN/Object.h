@@ -58,7 +58,8 @@ protected:
 
 public:
     /// Records the fields as they are now, for undo and abort. Only the first call in a transaction costs anything.
-    /// With no transaction open, or one that is not recorded, the change to come is simply applied.
+    /// With no transaction open, or one that is not recorded, the change to come is simply applied, unless the
+    /// manager's policy has this throw `std::logic_error` (`UnrecordedChange`).
     void transact();
 
     /// Whether the object is part of the present state: false while its creation is undone, and once its last

@@ -13,6 +13,8 @@
 namespace nxTXN {
 
 class Clear;
+class Reader;
+class Writer;
 
 namespace impl {
 class ListState;

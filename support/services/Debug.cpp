@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "foundation/nxTXN/debugChannel.h"
 #include "foundation/urOS/AppOutput.h"
 #include "krcache/debugChannel.h"
 
@@ -100,6 +101,7 @@ void Debug::set(DebugCode code, bool enabled) {
     if (!isCode(code)) return;
     channels_[code]->setEnabled(enabled);
     if (code == Debug_Resources) urKRCache::debugChannel().setEnabled(enabled);
+    if (code == Debug_Undo) nxTXN::debugChannel().setEnabled(enabled);
     codeChanged.emit(code);
 }
 

@@ -8,6 +8,7 @@
 #include "foundation/nxTXN/HookError.h"
 #include "foundation/nxTXN/impl/diagnostics.h"
 #include "foundation/nxTXN/impl/passes.h"
+#include "foundation/ur/TypeInfo.h"
 
 namespace nxTXN::impl {
 
@@ -100,12 +101,12 @@ void History::makeRoomForAbort() {
 }
 
 void History::missed(Object const& object) {
-    if (busy_ || lifetimes_.busy()) return;
-    if (levels_.empty()) {
-        reportUnrecorded(object, Unrecorded::outside);
-    } else if (levels_.back().kind == TransactionKind::constant) {
-        reportUnrecorded(object, Unrecorded::constant);
-    }
+    if (busy_ || lifetimes_.busy() || unrecordedChange_ == UnrecordedChange::apply) return;
+    bool const isOutside = levels_.empty();
+    if (!isOutside && levels_.back().kind != TransactionKind::constant) return;
+    char const* const where = isOutside ? "outside a transaction" : "in a constant transaction";
+    if (unrecordedChange_ == UnrecordedChange::report) return reportUnrecorded(object, where);
+    throw std::logic_error(ur::TypeInfo::of(object).readableName() + " changed " + where);
 }
 
 void History::begin(urString::CString const& name, TransactionKind kind, void const* coalesceKey) {
@@ -361,7 +362,6 @@ void History::takeBack(Level const& level, urOS::FirstError& errors) noexcept {
 // Records of several managers may name the objects of one: all of them are settled together, with no history of theirs
 // moving meanwhile. A hook may take a manager away.
 void History::settle(urOS::FirstError& errors) noexcept {
-    if (peers_.empty()) return lifetimes_.settle(errors);
     lifetimes_.beginSettling();
     for (History* other : peers_) {
         if (other->busy_ || !other->lifetimes_.busy()) continue;

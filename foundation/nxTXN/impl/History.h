@@ -110,6 +110,7 @@ public:
     /// Requires: there are more steps than that.
     [[nodiscard]] urString::CString const& nameOf(std::size_t step) const noexcept { return steps_[step].name->text; }
 
+    void setUnrecordedChange(UnrecordedChange policy) noexcept { unrecordedChange_ = policy; }
     void seal() noexcept { sealed_ = true; }
     bool clear();
     void setLimits(std::size_t steps, std::size_t bytes);
@@ -197,6 +198,7 @@ private:
     void const* coalesceKey_ = nullptr;  // of the newest step
     bool sealed_ = false;                // the newest step takes no more
     bool busy_ = false;
+    UnrecordedChange unrecordedChange_ = UnrecordedChange::report;
     std::size_t stepLimit_ = 0;
     std::size_t byteLimit_ = 0;
     urRTB::Signal<> changed_;

@@ -79,12 +79,6 @@ public:
     void beginSettling() noexcept;
     void notifyChanges(urOS::FirstError& errors) noexcept;
     void endSettling() noexcept;
-    void settle(urOS::FirstError& errors) noexcept {
-        beginSettling();
-        notifyChanges(errors);
-        endSettling();
-    }
-
     /// The undone making of the objects from `begin` to `end` is final.
     void abandonUnborn(std::uint32_t begin, std::uint32_t end) noexcept;
     /// The objects from `begin` on were made in a transaction that is not recorded.

@@ -1,33 +1,28 @@
-// One line per class, on the application output.
+// One line per class, on the debug channel.
 #include "foundation/nxTXN/impl/diagnostics.h"
 
-#ifndef NDEBUG
 #include <mutex>
 #include <set>
-#include <utility>
+#include <string>
 
+#include "foundation/nxTXN/debugChannel.h"
 #include "foundation/ur/TypeInfo.h"
-#include "foundation/urOS/AppOutput.h"
-#endif
 
-namespace nxTXN::impl {
+namespace nxTXN {
 
-#ifdef NDEBUG
-
-void reportUnrecorded(Object const& /*object*/, Unrecorded /*reason*/) {}
-
-#else
-
-void reportUnrecorded(Object const& object, Unrecorded reason) {
-    static std::mutex mutex;
-    static std::set<std::pair<ur::TypeInfo, Unrecorded>> reported;
-    ur::TypeInfo const type = ur::TypeInfo::of(object);
-    std::lock_guard const lock(mutex);
-    if (!reported.emplace(type, reason).second) return;
-    char const* const where = reason == Unrecorded::outside ? "outside a transaction" : "in a constant transaction";
-    urOS::AppOutput::getInstance().print("%s changed %s: applied, not recorded\n", type.readableName().c_str(), where);
+urOS::DebugChannel& debugChannel() {
+    static urOS::DebugChannel channel;
+    return channel;
 }
 
-#endif
+void impl::reportUnrecorded(Object const& object, char const* where) {
+    if (!debugChannel().isEnabled()) return;
+    static std::mutex mutex;
+    static std::set<std::string> reported;
+    std::string const what = ur::TypeInfo::of(object).readableName() + " changed " + where;
+    std::lock_guard const lock(mutex);
+    if (!reported.insert(what).second) return;
+    debugChannel().print("%s: applied, not recorded\n", what.c_str());
+}
 
-}  // namespace nxTXN::impl
+}  // namespace nxTXN

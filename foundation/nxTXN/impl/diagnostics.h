@@ -5,9 +5,7 @@
 
 namespace nxTXN::impl {
 
-enum class Unrecorded { outside, constant };
-
-/// Says, once per class of object and reason, that a change was applied and not recorded. Silent in release builds.
-void reportUnrecorded(Object const& object, Unrecorded reason);
+/// Says on the debug channel, once per class of object and `where`, that a change was applied and not recorded.
+void reportUnrecorded(Object const& object, char const* where);
 
 }  // namespace nxTXN::impl

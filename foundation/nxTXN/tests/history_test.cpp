@@ -3,6 +3,7 @@
 
 #include "foundation/nxTXN/HookError.h"
 #include "foundation/nxTXN/Transaction.h"
+#include "foundation/nxTXN/debugChannel.h"
 #include "foundation/nxTXN/impl/Sizes.h"
 #include "foundation/nxTXN/tests/Node.h"
 #include "foundation/urOS/AppOutput.h"
@@ -262,25 +263,50 @@ TEST(HistorySizes, RefuseFieldsThatAreTooLargeAndKeepForGoodWhatTooManyRecordsNe
     EXPECT_EQ(node->list().size(), 3U);
 }
 
-#ifndef NDEBUG
-TEST_F(History, SaysOncePerClassThatAChangeWasNotRecorded) {
+TEST_F(History, AppliesReportsOrRefusesWhatNoTransactionRecords) {
     struct Quiet : Node {
         using Node::Node;
     };
     auto const quiet = ur::make<Quiet>(manager, "q");
+    auto const changeEverywhere = [&](int from) {
+        for (int i = 0; i < 3; ++i) quiet->setValue(from + i);
+        manager.begin("view", TransactionKind::constant);
+        for (int i = 3; i < 6; ++i) quiet->setValue(from + i);
+        manager.commit();
+        EXPECT_EQ(quiet->value(), from + 5);
+    };
     urOS::MemoryIOStream output;
     ASSERT_TRUE(output.open(urOS::openForWriting).ok());
     urOS::AppOutput::getInstance().open(output);
-    for (int i = 0; i < 3; ++i) quiet->setValue(i);
-    manager.begin("view", TransactionKind::constant);
-    for (int i = 0; i < 3; ++i) quiet->setValue(i);
-    manager.commit();
+    changeEverywhere(10);  // with the channel off
+    debugChannel().enable();
+    manager.setUnrecordedChange(UnrecordedChange::apply);
+    changeEverywhere(20);
+    EXPECT_EQ(output.contents().size(), 0U);
+    manager.setUnrecordedChange(UnrecordedChange::report);
+    changeEverywhere(30);
     ASSERT_TRUE(urOS::AppOutput::getInstance().open("-", false).ok());
+    debugChannel().disable();
     EXPECT_THAT(std::string(output.contents().view()),
                 testing::MatchesRegex("[^\n]*Quiet changed outside a transaction: applied, not recorded\n"
                                       "[^\n]*Quiet changed in a constant transaction: applied, not recorded\n"));
+
+    manager.setUnrecordedChange(UnrecordedChange::refuse);
+    EXPECT_THROW(quiet->setValue(40), std::logic_error);
+    edit(manager, [&] { quiet->setValue(41); });
+    manager.begin("view", TransactionKind::constant);
+    EXPECT_THROW(quiet->setValue(42), std::logic_error);
+    manager.commit();
+    EXPECT_EQ(quiet->value(), 41);
+    manager.begin("set up", TransactionKind::none);
+    quiet->setValue(43);
+    manager.commit();
+    EXPECT_TRUE(manager.undo());
+    EXPECT_EQ(quiet->value(), 35);
+    manager.clear();
+    manager.changedSignal().addCallback([] { FAIL() << "there was nothing to forget"; });
+    manager.clear();
 }
-#endif
 
 }  // namespace
 }  // namespace nxTXN::test
