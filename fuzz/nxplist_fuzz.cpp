@@ -13,6 +13,7 @@
 #include "plst/Path.h"
 #include "tools/nxplist/Comparison.h"
 #include "tools/nxplist/Document.h"
+#include "tools/nxplist/Patch.h"
 #include "tools/nxplist/Statistics.h"
 
 namespace {
@@ -54,7 +55,7 @@ bool unexpected(std::string const& difference) {
 }
 
 void checkTree(ur::Reference<nxPLST::Item> const& root) {
-    nxplist::compareTrees(root.get(), root.get(), unexpected);
+    nxplist::compareTrees(root.get(), root.get(), unexpected, nxplist::brief);
     if (!root) return;
     require(!nxplist::brief(root.get()).empty(), "a value has a short form");
     auto const statistics = nxplist::statisticsOf(*root, 3);
@@ -62,7 +63,23 @@ void checkTree(ur::Reference<nxPLST::Item> const& root) {
     for (auto const count : statistics.countByType) items += count;
     require(items > 0 && statistics.largest.size() <= 3, "every item is counted");
     auto const copy = root->clone();
-    nxplist::compareTrees(root.get(), copy.get(), unexpected);
+    nxplist::compareTrees(root.get(), copy.get(), unexpected, nxplist::inFull);
+}
+
+/// Any text may come as lines, or as differences to any tree.
+void checkTexts(MemoryFile const& file, ur::Reference<nxPLST::Item> const& root) {
+    auto const refusedInOneLine = [](auto read) {
+        try {
+            read();
+        } catch (nxplist::Failure const& failure) {
+            require(failure.exitCode == 1 && !failure.message.empty(), "what is refused is invalid, and says why");
+        }
+    };
+    refusedInOneLine([&] { checkTree(nxplist::load(file.path(), nxplist::Form::lines, nxplist::Losses::quiet).root); });
+    if (!root) return;
+    nxplist::Document document;
+    document.root = root->clone();
+    refusedInOneLine([&] { nxplist::applyDifferences(document, "differences", nxplist::contents(file.path())); });
 }
 
 }  // namespace
@@ -79,5 +96,6 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
         require(failure.exitCode == 1 && !failure.message.empty(), "what is refused is invalid, and says why");
     }
     checkPath(input.substr(0, line), root);
+    checkTexts(file, root);
     return 0;
 }

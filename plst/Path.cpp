@@ -4,8 +4,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <utility>
 
 #include "plst/casts.h"
+#include "plst/json.h"
 
 namespace nxPLST {
 namespace {
@@ -20,15 +22,17 @@ bool isBare(char c) {
 /// Reads one path from front to back.
 class PathReader {
 public:
-    PathReader(std::string_view text, std::string& error) : text_(text), error_(error) {}
+    /// `takesAny`: whether `[*]` may be in it.
+    PathReader(std::string_view text, std::string& error, bool takesAny)
+        : text_(text), error_(error), takesAny_(takesAny) {}
 
-    std::optional<Path> read() {
-        if (text_ == ".") return Path();
+    std::optional<Pattern> read() {
+        if (text_ == ".") return std::move(pattern_);
         while (at_ < text_.size()) {
-            bool const ok = text_[at_] == '.' ? readKey() : text_[at_] == '[' ? readIndex() : fail("'.' or '['");
+            bool const ok = text_[at_] == '.' ? readKey() : text_[at_] == '[' ? readBracket() : fail("'.' or '['");
             if (!ok) return std::nullopt;
         }
-        return std::move(path_);
+        return std::move(pattern_);
     }
 
 private:
@@ -45,48 +49,65 @@ private:
         std::string key(text_.begin() + at_, end);
         if (key.empty()) return fail("a key");
         at_ += key.size();
-        path_.emplace_back(std::move(key));
+        pattern_.back().emplace_back(std::move(key));
         return true;
     }
 
     bool readQuoted() {
         std::string key;
-        for (++at_; at_ < text_.size() && text_[at_] != '"'; ++at_) key += readCharacter();
+        for (++at_; at_ < text_.size() && text_[at_] != '"';) {
+            if (text_[at_] == '\\') {
+                if (!readEscapes(key)) return false;
+            } else {
+                key += text_[at_++];
+            }
+        }
         if (at_ == text_.size()) return fail("'\"'");
         ++at_;
-        path_.emplace_back(std::move(key));
+        pattern_.back().emplace_back(std::move(key));
         return true;
     }
 
-    /// The character here, or the one that an escape sequence here means; stands on its last byte afterwards.
-    char readCharacter() {
-        if (text_[at_] != '\\' || at_ + 1 == text_.size()) return text_[at_];
-        unsigned code = 0;
-        std::string_view const digits = text_.substr(at_).substr(0, 6);
-        if (digits.size() == 6 && digits[1] == 'u' &&
-            std::from_chars(digits.data() + 2, digits.data() + 6, code, 16).ptr == digits.data() + 6 && code < 0x80) {
-            at_ += 5;
-            return static_cast<char>(code);
-        }
-        return text_[++at_];
+    /// The escape sequences from here on, as the JSON text that they are.
+    bool readEscapes(std::string& key) {
+        std::size_t end = at_;
+        while (end < text_.size() && text_[end] == '\\') end += text_.substr(end + 1).starts_with('u') ? 6 : 2;
+        end = std::min(end, text_.size());
+        ur::Reference<Item> read;
+        std::string const json = '"' + std::string(text_.substr(at_, end - at_)) + '"';
+        if (!convertFromJSON(read, json) || !asString(read)) return fail("an escape sequence");
+        key += asString(read)->value().view();
+        at_ = end;
+        return true;
     }
 
-    bool readIndex() {
+    bool readBracket() {
         ++at_;
+        if (at_ < text_.size() && text_[at_] == '"') return readQuoted() && readClosing();
+        if (at_ < text_.size() && text_[at_] == '*' && takesAny_) {
+            ++at_;
+            pattern_.emplace_back();
+            return readClosing();
+        }
         long index = 0;
         auto const [end, problem] = std::from_chars(text_.data() + at_, text_.data() + text_.size(), index);
         if (problem != std::errc()) return fail("an index");
         at_ = static_cast<std::size_t>(end - text_.data());
+        pattern_.back().emplace_back(index);
+        return readClosing();
+    }
+
+    bool readClosing() {
         if (at_ == text_.size() || text_[at_] != ']') return fail("']'");
         ++at_;
-        path_.emplace_back(index);
         return true;
     }
 
     std::string_view text_;
     std::string& error_;
+    bool takesAny_;
     std::size_t at_ = 0;
-    Path path_;
+    Pattern pattern_{1};
 };
 
 ItemIn child(ItemIn const& item, Path::value_type const& step) {
@@ -101,9 +122,47 @@ ItemIn child(ItemIn const& item, Path::value_type const& step) {
     return index >= 0 && index < array->size() ? array->objectAt(static_cast<int>(index)) : nullptr;
 }
 
+template <class Visit>
+void forEachChild(ItemIn const& item, Visit visit) {
+    if (auto const array = asArray(item)) {
+        for (auto const& element : array->array()) visit(element);
+    }
+    if (auto const dictionary = asDictionary(item)) {
+        for (auto const& [key, value] : dictionary->dictionary()) visit(value);
+    }
+}
+
+void addFollowed(std::vector<ItemIn>& found, ItemIn const& item, Path const& path) {
+    std::string unused;
+    if (auto value = follow(item, path, unused)) found.push_back(std::move(value));
+}
+
 }  // namespace
 
-std::optional<Path> parsePath(std::string_view text, std::string& error) { return PathReader(text, error).read(); }
+std::optional<Path> parsePath(std::string_view text, std::string& error) {
+    auto pattern = PathReader(text, error, false).read();
+    if (!pattern) return std::nullopt;
+    return std::move(pattern->front());
+}
+
+std::optional<Pattern> parsePattern(std::string_view text, std::string& error) {
+    return PathReader(text, error, true).read();
+}
+
+std::vector<ItemIn> followAll(ItemIn const& root, Pattern const& pattern) {
+    std::vector<ItemIn> found{root};
+    for (auto path = pattern.begin(); path != pattern.end(); ++path) {
+        std::vector<ItemIn> const from = std::exchange(found, {});
+        for (ItemIn const& item : from) {
+            if (path == pattern.begin()) {
+                addFollowed(found, item, *path);
+            } else {
+                forEachChild(item, [&](ItemIn const& any) { addFollowed(found, any, *path); });
+            }
+        }
+    }
+    return found;
+}
 
 ItemIn follow(ItemIn root, Path const& path, std::string& error) {
     if (!root) error = "nothing at .";

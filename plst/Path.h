@@ -15,8 +15,18 @@ namespace nxPLST {
 using Path = std::vector<std::variant<std::string, long>>;
 
 /// Nothing when `text` is no path; `error` then says why and where. The root is "."; keys of other characters than
-/// letters, digits, `_`, `-` and those beyond ASCII stand in quotes, with the escape sequences of JSON.
+/// letters, digits, `_`, `-` and those beyond ASCII stand in quotes, with the escape sequences of JSON: `."two words"`
+/// or `["two words"]`.
 [[nodiscard]] NX_API std::optional<Path> parsePath(std::string_view text, std::string& error);
+
+/// Paths, each from any child of what the one before it leads to.
+using Pattern = std::vector<Path>;
+
+/// The same for a path in which `[*]` may stand for every element or member: `.countries[*].name`.
+[[nodiscard]] NX_API std::optional<Pattern> parsePattern(std::string_view text, std::string& error);
+/// All values that the pattern fits, in the order of the tree. One that is in several places comes for each.
+[[nodiscard]] NX_API std::vector<ur::Reference<Item const>> followAll(ur::Reference<Item const> const& root,
+                                                                      Pattern const& pattern);
 
 /// The value at `path`, or null; `error` then names the first part that is not there.
 [[nodiscard]] NX_API ur::Reference<Item const> follow(ur::Reference<Item const> root, Path const& path,

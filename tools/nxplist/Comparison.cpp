@@ -23,7 +23,8 @@ struct OpenPair {
 
 class Comparer {
 public:
-    explicit Comparer(std::function<bool(std::string const&)> const& report) : report_(report) {}
+    Comparer(std::function<bool(std::string const&)> const& report, std::string (*spell)(Item const*))
+        : report_(report), spell_(spell) {}
 
     void compare(Item const* first, Item const* second) {
         bool goOn = meet(first, second);
@@ -42,7 +43,7 @@ private:
         }
         if (sameKind ? *first == *second : first == second) return true;
         std::string const where = open_.empty() ? "." : place(open_.back().first);
-        return tell(where + ": " + brief(first) + " -> " + brief(second));
+        return tell(where + ": " + spell_(first) + " -> " + spell_(second));
     }
 
     /// Handles the next child of the innermost pair, or closes it. False when the report wants no more.
@@ -91,7 +92,7 @@ private:
     }
 
     bool onlyIn(char const* which, Children& children) {
-        bool const goOn = tell(place(children) + ": only in the " + which + ": " + brief(children.item()));
+        bool const goOn = tell(place(children) + ": only in the " + which + ": " + spell_(children.item()));
         children.next();
         return goOn;
     }
@@ -104,6 +105,7 @@ private:
     }
 
     std::function<bool(std::string const&)> const& report_;
+    std::string (*spell_)(Item const*);
     std::vector<OpenPair> open_;
     std::set<std::pair<Item const*, Item const*>> equal_;
     std::uint64_t differences_ = 0;
@@ -111,21 +113,25 @@ private:
 
 }  // namespace
 
-void compareTrees(Item const* first, Item const* second, std::function<bool(std::string const&)> const& report) {
-    Comparer(report).compare(first, second);
+void compareTrees(Item const* first, Item const* second, std::function<bool(std::string const&)> const& report,
+                  std::string (*spell)(Item const*)) {
+    Comparer(report, spell).compare(first, second);
+}
+
+std::string inFull(Item const* item) {
+    urString::CString text;
+    if (!nxPLST::writeJson(text, ur::Reference<Item const>(item), {.indent = 0})) return "no JSON";
+    return text;
 }
 
 std::string brief(Item const* item) {
-    if (!item) return "nothing";
-    if (item->type() == nxPLST::ArrayType) {
+    if (item && item->type() == nxPLST::ArrayType) {
         return "array of " + std::to_string(static_cast<nxPLST::Array const*>(item)->size());
     }
-    if (item->type() == nxPLST::DictionaryType) {
+    if (item && item->type() == nxPLST::DictionaryType) {
         return "dictionary of " + std::to_string(static_cast<nxPLST::Dictionary const*>(item)->size());
     }
-    urString::CString text;
-    if (!nxPLST::writeJson(text, ur::Reference<Item const>(item), {.indent = 0})) return "not a finite number";
-    return text;
+    return inFull(item);
 }
 
 }  // namespace nxplist

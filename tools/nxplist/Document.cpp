@@ -13,6 +13,7 @@
 #include "foundation/urOS/MemoryIOStream.h"
 #include "plst/JsonReport.h"
 #include "plst/packets.h"
+#include "tools/nxplist/Lines.h"
 #include "tools/nxplist/Losses.h"
 #include "tools/nxplist/Progress.h"
 
@@ -25,32 +26,7 @@ void check(urUtil::Error const& error, std::string const& about = "") {
     throw Failure{ExitCode::unusable, "nxplist: " + about + (about.empty() ? "" : ": ") + printable(error.message())};
 }
 
-std::string inputName(std::string const& path) { return path == "-" ? "standard input" : printable(path); }
 std::string outputName(std::string const& path) { return path == "-" ? "standard output" : printable(path); }
-
-urString::CString contents(std::string const& path) {
-    urOS::File file;
-    std::uint64_t total = 0;
-    if (path == "-") {
-        check(file.attach(STDIN_FILENO, urOS::File::Ownership::borrowed));
-    } else {
-        check(file.open(urString::IString(path.c_str()), urOS::openRead));
-        if (file.size(total).isError()) total = 0;  // a pipe
-    }
-    urString::CString text;
-    Progress progress("reading");
-    std::size_t done = 0;
-    do {
-        constexpr std::size_t block = 1 << 20;
-        std::size_t const before = text.size();
-        text.resizeAndOverwrite(before + block, [&](char* bytes, std::size_t) {
-            check(file.read(bytes + before, block, &done), inputName(path));
-            return before + done;
-        });
-        progress.show(text.size(), total);
-    } while (done > 0);
-    return text;
-}
 
 bool continuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
 bool isControl(char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }
@@ -77,9 +53,13 @@ std::string excerpt(std::string_view text, nxPLST::JsonLocation const& location)
            "^";
 }
 
-void readJson(Document& document, urString::CString const& text, Losses losses) {
+void readJson(Document& document, urString::CString& text, Losses losses) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     nxPLST::JsonReport report;
-    if (!nxPLST::convertFromJSON(document.root, text, report)) {
+    if (text.startsWith(byteOrderMark)) text.erase(0, byteOrderMark.size());
+    bool const isRead = document.form == Form::lines ? convertFromLines(document.root, text.view(), report)
+                                                     : nxPLST::convertFromJSON(document.root, text, report);
+    if (!isRead) {
         std::string message = located(document.name, report.location, report.reason.view());
         if (isatty(STDERR_FILENO) == 1) message += excerpt(text.view(), report.location);
         throw Failure{ExitCode::negative, message};
@@ -88,6 +68,15 @@ void readJson(Document& document, urString::CString const& text, Losses losses) 
     document.hasComments = hasComments(text.view());
     if (losses != Losses::quiet) tellLosses(document.name, report);
     if (losses == Losses::refused && document.losses > 0) throw Failure{ExitCode::negative, ""};
+}
+
+urString::CString jsonOf(ur::Reference<nxPLST::Item const> const& item, std::string const& name, Form form,
+                         nxPLST::JsonStyle const& style) {
+    urString::CString text;
+    if (form == Form::lines ? writeLines(text, item, style) : nxPLST::writeJson(text, item, style)) {
+        return form == Form::lines ? text : text.append('\n');
+    }
+    throw Failure{ExitCode::negative, name + ": no JSON holds it: a number that is not finite"};
 }
 
 void readPackets(Document& document, urString::CString const& bytes) {
@@ -101,6 +90,24 @@ void readPackets(Document& document, urString::CString const& bytes) {
                                           std::to_string(report.position) + ")"};
 }
 
+/// Throws `Failure` when an item out of a document has no JSON, other than for its numbers.
+void requireJson(nxPLST::Item const* item, Document const& document, std::uint64_t mostExpandedBytes) {
+    if (document.form != Form::packets) return;  // what came as JSON shares nothing and is UTF-8
+    requireWithin(item, document.name, mostExpandedBytes);
+    std::string const broken = pathOfBrokenText(item);
+    if (broken.empty()) return;
+    throw Failure{ExitCode::negative, document.name + ": no JSON holds it: bytes that are not UTF-8 at " + broken};
+}
+
+urString::CString textOf(Document const& document, Form form, nxPLST::JsonStyle const& style) {
+    if (form == Form::dump) {
+        requireWithin(document.root.get(), document.name, style.mostExpandedBytes);
+        return nxPLST::asJSON(document.root, style.mostExpandedBytes);
+    }
+    requireJson(document.root.get(), document, style.mostExpandedBytes);
+    return jsonOf(document.root, document.name, form, style);
+}
+
 void storeInto(urOS::IOStream& stream, Document const& document, std::string const& name, Form form,
                nxPLST::JsonStyle const& style) {
     if (form == Form::packets) {
@@ -112,20 +119,44 @@ void storeInto(urOS::IOStream& stream, Document const& document, std::string con
         }
         return;
     }
-    std::uint64_t const most = style.mostExpandedBytes;
-    if (form == Form::dump) requireWithin(document.root.get(), document.name, most);
-    urString::CString const text =
-        form == Form::dump ? nxPLST::asJSON(document.root, most) : jsonText(document.root, document, style);
+    urString::CString const text = textOf(document, form, style);
     check(stream.write(text.data(), text.size()), name);
 }
 
 }  // namespace
 
+std::string inputName(std::string const& path) { return path == "-" ? "standard input" : printable(path); }
+
+urString::CString contents(std::string const& path) {
+    urOS::File file;
+    std::uint64_t total = 0;
+    if (path == "-") {
+        check(file.attach(STDIN_FILENO, urOS::File::Ownership::borrowed));
+    } else {
+        check(file.open(urString::IString(path.c_str()), urOS::openRead));
+        if (file.size(total).isError()) total = 0;  // a pipe
+    }
+    urString::CString text;
+    Progress progress("reading");
+    std::size_t done = 0;
+    do {
+        constexpr std::size_t block = 1 << 20;
+        std::size_t const before = text.size();
+        text.resizeAndOverwrite(before + block, [&](char* bytes, std::size_t) {
+            check(file.read(bytes + before, block, &done), inputName(path));
+            return before + done;
+        });
+        progress.show(text.size(), total);
+    } while (done > 0);
+    return text;
+}
+
 Document load(std::string const& path, std::optional<Form> form, Losses losses) {
     Document document;
     document.name = inputName(path);
-    urString::CString const bytes = contents(path);
-    document.form = form.value_or(bytes.startsWith(ioFormat::fileMark) ? Form::packets : Form::json);
+    urString::CString bytes = contents(path);
+    Form const text = path.ends_with(".jsonl") ? Form::lines : Form::json;
+    document.form = form.value_or(bytes.startsWith(ioFormat::fileMark) ? Form::packets : text);
     if (document.form == Form::packets) {
         readPackets(document, bytes);
     } else {
@@ -165,16 +196,11 @@ void requireWithin(nxPLST::Item const* root, std::string const& name, std::uint6
 }
 
 urString::CString jsonText(ur::Reference<nxPLST::Item const> const& item, Document const& document,
-                           nxPLST::JsonStyle const& style) {
-    std::string const refusal = document.name + ": no JSON holds it: ";
-    if (document.form == Form::packets) {  // what came as JSON shares nothing and is UTF-8
-        requireWithin(item.get(), document.name, style.mostExpandedBytes);
-        std::string const broken = pathOfBrokenText(item.get());
-        if (!broken.empty()) throw Failure{ExitCode::negative, refusal + "bytes that are not UTF-8 at " + broken};
-    }
-    urString::CString text;
-    if (nxPLST::writeJson(text, item, style)) return text.append('\n');
-    throw Failure{ExitCode::negative, refusal + "a number that is not finite"};
+                           Options const& options) {
+    nxPLST::JsonStyle style = options.style;
+    if (document.form == Form::lines || options.lines) style.indent = 0;
+    requireJson(item.get(), document, style.mostExpandedBytes);
+    return jsonOf(item, document.name, Form::json, style);
 }
 
 void printText(urString::CString const& text) {

@@ -31,17 +31,23 @@ struct Document {
     bool hasComments = false;          ///< reading dropped those as well
 };
 
-/// Reads the file at `path`, or standard input for "-". Throws `Failure`.
+/// How messages call an input.
+std::string inputName(std::string const& path);
+/// The bytes of the file at `path`, or of standard input for "-". Throws `Failure`.
+urString::CString contents(std::string const& path);
+
+/// Reads a file. Throws `Failure`.
 Document load(std::string const& path, std::optional<Form> form, Losses losses);
 
 /// Writes `document` to the file at `path` as a whole or not at all, or to standard output for "-". Throws `Failure`,
 /// also when a text would be longer than the style allows because of what the tree shares.
 void store(Document const& document, std::string const& path, Form form, nxPLST::JsonStyle const& style);
 
-/// The JSON of an item out of a document, with a line feed behind it. Throws `Failure` when there is none, or when it
-/// would be longer than the style allows because of what the item shares.
+/// The JSON of an item out of a document, with a line feed behind it, and without others when the document is one of
+/// lines. Throws `Failure` when there is none, or when it would be longer than the style allows because of what the
+/// item shares.
 urString::CString jsonText(ur::Reference<nxPLST::Item const> const& item, Document const& document,
-                           nxPLST::JsonStyle const& style);
+                           Options const& options);
 
 /// Throws `Failure` when a tree out of the document of that name shares so much that its JSON would exceed the limit.
 void requireWithin(nxPLST::Item const* root, std::string const& name, std::uint64_t limit);

@@ -11,22 +11,27 @@ constexpr std::string_view summary = "work with property lists in JSON and packe
 
 constexpr std::string_view description =
     "Property lists are trees of truth values, numbers, texts, arrays and dictionaries. FILE is read as JSON (comments "
-    "allowed) or as packets, whichever its content shows; without a FILE, or with \"-\", standard input is read. Files "
+    "allowed) or as packets, whichever its content shows, or as the elements of an array, one JSON text to a line, if "
+    "its name ends in .jsonl; without a FILE, or with \"-\", standard input is read. Files "
     "are written whole or not at all. What a command drops (nulls, repeated keys, integers that a double cannot hold, "
     "what follows a NUL in packets) is told on standard error; with --strict it counts as invalid input.";
 
 constexpr OptionText options[] = {
-    {"--from", "FORM", "json packets", "convert check print stat get set delete same diff",
-     "read FORM: json or packets"},
-    {"--to", "FORM", "json packets dump", "convert print", "write FORM: json, packets, or dump for people"},
+    {"--from", "FORM", "json lines packets", "convert check print stat get set delete same diff patch",
+     "read FORM: json, lines or packets"},
+    {"--to", "FORM", "json lines packets dump", "convert print",
+     "write FORM: json, lines, packets, or dump for people"},
+    {"--lines", "", "", "convert check print stat get set delete same diff patch",
+     "read and write a JSON text on each line"},
     {"--raw", "", "", "get set", "print or take a text as it is, without quotes"},
-    {"--compact", "", "", "convert print get set delete", "write JSON on one line"},
-    {"--indent", "N", "", "convert print get set delete", "indent JSON by N spaces (4)"},
-    {"--ascii", "", "", "convert print get set delete", "write other characters than ASCII as escapes"},
+    {"--compact", "", "", "convert print get set delete patch", "write JSON on one line"},
+    {"--indent", "N", "", "convert print get set delete patch", "indent JSON by N spaces (4)"},
+    {"--ascii", "", "", "convert print get set delete patch", "write other characters than ASCII as escapes"},
     {"--shape", "", "", "same", "compare kinds, sizes and keys only"},
-    {"--strict", "", "", "convert check print stat get set delete same diff", "count what is dropped as invalid"},
-    {"--force", "", "", "convert set delete", "replace FILE even by less than it holds"},
-    {"--limit", "MIB", "", "convert print get set delete same diff",
+    {"--brief", "", "", "diff", "print arrays and dictionaries by their size only"},
+    {"--strict", "", "", "convert check print stat get set delete same diff patch", "count what is dropped as invalid"},
+    {"--force", "", "", "convert set delete patch", "replace FILE even by less than it holds"},
+    {"--limit", "MIB", "", "convert print get set delete same diff patch",
      "write shared items out to so many MiB of text (256)"},
     {"--help", "", "", "", "print this help"},
     {"--version", "", "", "", "print the version"},
@@ -138,7 +143,11 @@ void printCompletion(std::FILE* out) {
     put(out, "    esac\n    if [[ $COMP_CWORD -eq 1 ]]; then\n        COMPREPLY=($(compgen -W '");
     for (Command const& command : commands()) put(out, std::string(command.name) + " ");
     put(out,
-        "--help --version' -- \"$word\"))\n        return\n    fi\n    [[ $word == -* ]] || return\n"
+        "--help --version' -- \"$word\"))\n        return\n    fi\n"
+        "    if [[ $word != -* ]]; then\n        case $COMP_CWORD:${COMP_WORDS[1]} in\n"
+        "        3:get | 3:set | 3:delete)\n            compopt -o nospace\n"
+        "            mapfile -t COMPREPLY < <(\"${COMP_WORDS[0]}\" --complete \"$before\" \"$word\" 2>/dev/null) ;;\n"
+        "        esac\n        return\n    fi\n"
         "    case ${COMP_WORDS[1]} in\n");
     for (Command const& command : commands()) {
         std::fprintf(out, "    %s) COMPREPLY=($(compgen -W '", std::string(command.name).c_str());

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "tools/nxplist/Manual.h"
+#include "tools/nxplist/PathCompletion.h"
 
 namespace nxplist {
 namespace {
@@ -15,7 +16,7 @@ Form formNamed(std::string_view name, OptionText const& option) {
     if (offered.find(" " + std::string(name) + " ") == std::string::npos) {
         throw UsageError{std::string(option.name) + " takes one of: " + std::string(option.values)};
     }
-    return name == "json" ? Form::json : name == "packets" ? Form::packets : Form::dump;
+    return name == "json" ? Form::json : name == "lines" ? Form::lines : name == "packets" ? Form::packets : Form::dump;
 }
 
 std::uint64_t numberFrom(std::string_view text, OptionText const& option, std::uint64_t most, char const* what) {
@@ -58,6 +59,8 @@ void set(Options& chosen, OptionText const& option, std::string_view value) {
     if (option.name == "--shape") chosen.shape = true;
     if (option.name == "--strict") chosen.strict = true;
     if (option.name == "--force") chosen.force = true;
+    if (option.name == "--lines") chosen.lines = true;
+    if (option.name == "--brief") chosen.brief = true;
     if (option.name == "--compact") chosen.style.indent = 0;
     if (option.name == "--ascii") chosen.style.asciiOnly = true;
     if (option.name == "--indent") chosen.style.indent = indentFrom(value, option);
@@ -76,6 +79,10 @@ Options readOptions(int argc, char const* const* argv) {
     Options options;
     if (argc < 2) throw UsageError{"a command is missing"};
     if (answered(argv[1])) return options;
+    if (std::string_view(argv[1]) == "--complete" && argc == 4) {
+        printPathCompletions(argv[2], argv[3]);
+        return options;
+    }
     Command const* const command = findCommand(argv[1]);
     if (!command) throw UsageError{"no command " + std::string(argv[1])};
     bool optionsEnded = false;

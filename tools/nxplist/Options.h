@@ -12,7 +12,7 @@
 namespace nxplist {
 
 /// How trees are written down.
-enum class Form { json, packets, dump };
+enum class Form { json, lines, packets, dump };
 
 struct Options {
     Command const* command = nullptr;
@@ -23,6 +23,8 @@ struct Options {
     bool shape = false;
     bool strict = false;
     bool force = false;
+    bool lines = false;
+    bool brief = false;
     nxPLST::JsonStyle style{.indent = 4};
 };
 
@@ -31,8 +33,8 @@ struct UsageError {
     std::string message;
 };
 
-/// Throws `UsageError`. The command is null when one of --help, --version, --man-page and --completion was given
-/// and has been answered on standard output.
+/// Throws `UsageError`. The command is null when one of --help, --version, --man-page, --completion and --complete
+/// was given and has been answered on standard output.
 Options readOptions(int argc, char const* const* argv);
 
 }  // namespace nxplist

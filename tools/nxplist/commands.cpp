@@ -15,6 +15,7 @@
 #include "tools/nxplist/Edit.h"
 #include "tools/nxplist/Losses.h"
 #include "tools/nxplist/Options.h"
+#include "tools/nxplist/Patch.h"
 #include "tools/nxplist/Statistics.h"
 
 namespace nxplist {
@@ -32,15 +33,20 @@ std::string fileOr(Options const& options, std::size_t index, char const* otherw
 Form formFor(Options const& options, std::string const& output, Form input) {
     if (options.to) return *options.to;
     if (output.ends_with(".json")) return Form::json;
+    if (output.ends_with(".jsonl") || options.lines) return Form::lines;
     if (output.ends_with(".nxp")) return Form::packets;
     if (output.ends_with(".txt")) return Form::dump;
-    return input == Form::json ? Form::packets : Form::json;
+    return input == Form::packets ? Form::json : Form::packets;
 }
 
 Losses lossesFor(Options const& options) { return options.strict ? Losses::refused : Losses::told; }
 
+std::optional<Form> formOfInput(Options const& options) {
+    return options.lines && !options.from ? Form::lines : options.from;
+}
+
 Document loadFile(Options const& options, std::size_t index) {
-    return load(fileOr(options, index, "-"), options.from, lossesFor(options));
+    return load(fileOr(options, index, "-"), formOfInput(options), lossesFor(options));
 }
 
 bool areSameFile(std::string const& input, std::string const& output) {
@@ -70,7 +76,7 @@ int check(Options const& options) {
     int result = ExitCode::done;
     auto const checkOne = [&](std::string const& file) {
         try {
-            load(file, options.from, lossesFor(options));
+            load(file, formOfInput(options), lossesFor(options));
         } catch (Failure const& failure) {
             report(failure);
             result = std::max(result, failure.exitCode);
@@ -82,7 +88,11 @@ int check(Options const& options) {
     return result;
 }
 
-int print(Options const& options) { return put(options, loadFile(options, 0), "-", options.to.value_or(Form::json)); }
+int print(Options const& options) {
+    Document const document = loadFile(options, 0);
+    bool const areLines = options.lines || document.form == Form::lines;
+    return put(options, document, "-", options.to.value_or(areLines ? Form::lines : Form::json));
+}
 
 int stat(Options const& options) {
     constexpr char const* names[] = {"booleans", "numbers", "texts", "arrays", "dictionaries"};
@@ -90,7 +100,8 @@ int stat(Options const& options) {
     Document const document = loadFile(options, 0);
     Statistics const statistics = document.root ? statisticsOf(*document.root, largestShown) : Statistics();
     auto const number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
-    std::printf("form          %s\n", document.form == Form::json ? "json" : "packets");
+    constexpr char const* forms[] = {"json", "lines", "packets"};
+    std::printf("form          %s\n", forms[static_cast<std::size_t>(document.form)]);
     for (std::size_t type = 0; type < std::size(names); ++type)
         std::printf("%-13s %llu\n", names[type], number(statistics.countByType[type]));
     std::printf("keys          %llu\ndepth         %llu\nbytes         %llu\n", number(statistics.keys),
@@ -109,14 +120,30 @@ nxPLST::Path pathFrom(std::string const& text) {
     return path ? *path : throw UsageError{error};
 }
 
+/// Of a path, its value; of a pattern, all that it fits. Throws `Failure` when there is none.
+std::vector<ur::Reference<nxPLST::Item const>> valuesAt(Document const& document, nxPLST::Pattern const& pattern,
+                                                        Options const& options) {
+    std::string error = "nothing at " + printable(options.files[1]);
+    std::vector<ur::Reference<nxPLST::Item const>> values;
+    if (pattern.size() == 1) {
+        if (auto value = nxPLST::follow(document.root, pattern.front(), error)) values.push_back(std::move(value));
+    } else {
+        requireWithin(document.root.get(), document.name, options.style.mostExpandedBytes);
+        values = nxPLST::followAll(document.root, pattern);
+    }
+    if (values.empty()) throw Failure{ExitCode::negative, document.name + ": " + error};
+    return values;
+}
+
 int get(Options const& options) {
     std::string error;
-    auto const path = pathFrom(options.files[1]);
+    auto const pattern = nxPLST::parsePattern(options.files[1], error);
+    if (!pattern) throw UsageError{error};
     Document const document = loadFile(options, 0);
-    auto const value = nxPLST::follow(document.root, path, error);
-    if (!value) throw Failure{ExitCode::negative, document.name + ": " + error};
-    auto const string = options.raw ? nxPLST::asString(value) : nullptr;
-    printText(string ? string->value() + "\n" : jsonText(value, document, options.style));
+    for (auto const& value : valuesAt(document, *pattern, options)) {
+        auto const string = options.raw ? nxPLST::asString(value) : nullptr;
+        printText(string ? string->value() + "\n" : jsonText(value, document, options));
+    }
     return ExitCode::done;
 }
 
@@ -170,27 +197,43 @@ int same(Options const& options) {
     if (!first.root || !second.root) return first.root == second.root ? ExitCode::done : ExitCode::negative;
     if (options.shape) return first.root->congruent(*second.root) ? ExitCode::done : ExitCode::negative;
     int result = ExitCode::done;
-    compareTrees(first.root.get(), second.root.get(), [&](std::string const&) {
-        result = ExitCode::negative;
-        return false;
-    });
+    compareTrees(
+        first.root.get(), second.root.get(),
+        [&](std::string const&) {
+            result = ExitCode::negative;
+            return false;
+        },
+        brief);
     return result;
 }
 
 int diff(Options const& options) {
     auto const [first, second] = loadPair(options, true);
     int result = ExitCode::done;
-    compareTrees(first.root.get(), second.root.get(), [&](std::string const& line) {
+    auto const print = [&](std::string const& line) {
         result = ExitCode::negative;
         std::printf("%s\n", line.c_str());
         return true;
-    });
+    };
+    compareTrees(first.root.get(), second.root.get(), print, options.brief ? brief : inFull);
     return result;
+}
+
+int patch(Options const& options) {
+    requireOneStandardInput(options);
+    if (options.files.size() == 1 && options.files[0] == "-") {
+        throw UsageError{"standard input can be read only once"};
+    }
+    Document document = loadFile(options, 0);
+    std::string const name = fileOr(options, 1, "-");
+    applyDifferences(document, inputName(name), contents(name).view());
+    return putBack(options, document);
 }
 
 constexpr Command table[] = {
     {"convert", convert, "[FILE [OUTPUT]]", 0, 2, "write FILE in another form",
-     "The form is that of --to, else the one that OUTPUT's ending names (.json, .nxp, .txt), else JSON for packets and "
+     "The form is that of --to, else the one that OUTPUT's ending names (.json, .jsonl, .nxp, .txt), else JSON for "
+     "packets and "
      "packets for JSON. Without OUTPUT, or with \"-\", standard output is written. Packets hold texts and keys up to "
      "their first NUL character only. FILE itself is not replaced by less than it holds: with losses, without its "
      "comments, or by a dump; --force does that."},
@@ -201,8 +244,9 @@ constexpr Command table[] = {
     {"stat", stat, "[FILE]", 0, 1, "print counts by kind, depth, bytes in memory and the largest subtrees",
      "An item in several places counts once, where it comes first."},
     {"get", get, "FILE PATH", 2, 2, "print the value at PATH, such as .countries[3].name",
-     "A key that is not made of letters, digits, \"_\" and \"-\" is written in double quotes: .\"two words\"[0]. "
-     "The path \".\" is the whole tree; [-1] is the last element."},
+     "A key that is not made of letters, digits, \"_\" and \"-\" is written in double quotes: .\"two words\"[0] or "
+     "[\"two words\"][0]. The path \".\" is the whole tree; [-1] is the last element. [*] stands for every element or "
+     "member, and all values are printed that are there: .countries[*].name."},
     {"set", set, "FILE PATH VALUE", 3, 3, "put VALUE, which is JSON, at PATH in FILE",
      "The last step of PATH may be a new key, or the index behind the last element. With --raw VALUE is a text as it "
      "stands. FILE keeps its form and is replaced as a whole; \"-\" reads standard input and writes standard output. "
@@ -210,7 +254,10 @@ constexpr Command table[] = {
     {"delete", deletePlace, "FILE PATH", 2, 2, "take away the value at PATH in FILE", "FILE is replaced as by set."},
     {"same", same, "FILE FILE", 2, 2, "tell by the exit code whether two files hold the same tree",
      "With --shape only kinds, sizes and keys are compared."},
-    {"diff", diff, "FILE FILE", 2, 2, "print every path at which two files differ", ""},
+    {"diff", diff, "FILE FILE", 2, 2, "print every path at which two files differ",
+     "What it prints makes the second file of the first by patch."},
+    {"patch", patch, "FILE [DIFF]", 1, 2, "change FILE as DIFF says, which diff has printed",
+     "Without DIFF standard input is read. All of it fits or nothing is changed. FILE is replaced as by set."},
 };
 
 }  // namespace

@@ -1,0 +1,92 @@
+// Lines such as `.brush.size: 4 -> 6`, and what they do to a tree.
+#include "tools/nxplist/Patch.h"
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "plst/json.h"
+#include "tools/nxplist/Comparison.h"
+#include "tools/nxplist/Edit.h"
+
+namespace nxplist {
+namespace {
+
+using Value = ur::Reference<nxPLST::Item>;
+using nxPLST::Path;
+
+/// A place, and what is there before and afterwards; null for nothing.
+struct Difference {
+    Path path;
+    Value before;
+    Value after;
+};
+
+Value valueFrom(std::string_view json) {
+    Value value;
+    return nxPLST::convertFromJSON(value, urString::CString(json)) ? value : nullptr;
+}
+
+/// Both parts around a separator, where both can be read: it may also be in a key or a text.
+template <class First, class Second>
+bool splitAt(std::string_view separator, std::string_view text, First first, Second second) {
+    for (auto at = text.find(separator); at != text.npos; at = text.find(separator, at + 1)) {
+        if (first(text.substr(0, at)) && second(text.substr(at + separator.size()))) return true;
+    }
+    return false;
+}
+
+bool readChange(std::string_view text, Difference& difference) {
+    constexpr std::string_view removed = "only in the first: ", added = "only in the second: ";
+    if (text.starts_with(removed)) return !!(difference.before = valueFrom(text.substr(removed.size())));
+    if (text.starts_with(added)) return !!(difference.after = valueFrom(text.substr(added.size())));
+    return splitAt(
+        " -> ", text, [&](std::string_view json) { return !!(difference.before = valueFrom(json)); },
+        [&](std::string_view json) { return !!(difference.after = valueFrom(json)); });
+}
+
+std::optional<Difference> readLine(std::string_view line) {
+    Difference difference;
+    std::string unused;
+    auto const readPath = [&](std::string_view text) {
+        auto path = nxPLST::parsePath(text, unused);
+        if (path) difference.path = std::move(*path);
+        return path.has_value();
+    };
+    auto const rest = [&](std::string_view text) { return readChange(text, difference); };
+    return splitAt(": ", line, readPath, rest) ? std::optional(std::move(difference)) : std::nullopt;
+}
+
+bool fits(Value const& root, Difference const& difference) {
+    std::string unused;
+    auto const found = nxPLST::follow(root, difference.path, unused);
+    return found && difference.before ? *found == *difference.before : !found && !difference.before;
+}
+
+}  // namespace
+
+void applyDifferences(Document& document, std::string const& name, std::string_view lines) {
+    std::vector<std::pair<std::size_t, Path>> removals;  // the last first, so that elements keep their places
+    std::string error;
+    for (std::size_t number = 1; !lines.empty(); ++number) {
+        auto const end = std::min(lines.find('\n'), lines.size());
+        auto difference = readLine(lines.substr(0, end));
+        auto const refuse = [&](std::string const& why) {
+            throw Failure{ExitCode::negative, name + ":" + std::to_string(number) + ": " + why};
+        };
+        if (!difference) refuse("no line that diff prints without --brief");
+        if (!fits(document.root, *difference)) refuse(document.name + " differs there");
+        if (!difference->after) {
+            removals.emplace_back(number, std::move(difference->path));
+        } else if (!setAt(document.root, difference->path, std::move(difference->after), error)) {
+            refuse(document.name + ": " + error);
+        }
+        lines.remove_prefix(std::min(end + 1, lines.size()));
+    }
+    for (auto removal = removals.rbegin(); removal != removals.rend(); ++removal) {
+        if (deleteAt(document.root, removal->second, error)) continue;
+        throw Failure{ExitCode::negative, name + ":" + std::to_string(removal->first) + ": " + error};
+    }
+}
+
+}  // namespace nxplist

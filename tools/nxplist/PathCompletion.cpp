@@ -1,0 +1,40 @@
+// Finding the steps behind a path that is being typed.
+#include "tools/nxplist/PathCompletion.h"
+
+#include <cstdio>
+
+#include "plst/Path.h"
+#include "tools/nxplist/Document.h"
+#include "tools/nxplist/Walk.h"
+
+namespace nxplist {
+namespace {
+
+/// The longest beginning of `text` that is a path and in front of a step that may still be growing.
+std::string_view completeSteps(std::string_view text) {
+    std::string unused;
+    for (std::size_t end = text.size(); end > 0;) {
+        end = text.find_last_of(".[", end - 1);
+        if (end == text.npos) break;
+        if (nxPLST::parsePath(text.substr(0, end), unused)) return text.substr(0, end);
+    }
+    return {};
+}
+
+}  // namespace
+
+void printPathCompletions(std::string const& file, std::string_view text) try {
+    std::string unused;
+    Document const document = load(file, std::nullopt, Losses::quiet);
+    std::string_view const steps = completeSteps(text);
+    auto const path = nxPLST::parsePath(steps, unused);
+    auto const parent = path ? nxPLST::follow(document.root, *path, unused) : nullptr;
+    if (!isContainer(parent.get())) return;
+    for (Children children(*parent); !children.done(); children.next()) {
+        std::string const candidate = std::string(steps) + children.step();
+        if (candidate.starts_with(text)) std::printf("%s\n", candidate.c_str());
+    }
+} catch (Failure const&) {
+}
+
+}  // namespace nxplist
