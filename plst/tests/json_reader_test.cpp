@@ -35,8 +35,13 @@ TEST(ReadJson, GivesTheItemsOfTheText) {
         Reference<Item> item = yes;
         EXPECT_TRUE(convertFromJSON(item, text) && same(item, expected)) << text;
     }
-    for (char const* text : {"9223372036854775808", "[-9223372036854775808]", "[1e309]", "[1][2]", "", " "}) {
-        Reference<Item> item = yes;
+    std::string const large400 = "[1" + std::string(400, '0') + ".0]";
+    std::string const small800 = "[0." + std::string(800, '0') + "1e100]";
+    Reference<Item> item;
+    EXPECT_TRUE(convertFromJSON(item, small800) && same(item, arrayOf({make<Double>(0)})));
+    for (char const* text :
+         {"9223372036854775808", "[-9223372036854775808]", "[1e309]", large400.c_str(), "[1][2]", "", " "}) {
+        item = yes;
         EXPECT_TRUE(!convertFromJSON(item, text) && item == yes) << text;
     }
 }

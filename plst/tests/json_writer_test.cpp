@@ -85,6 +85,9 @@ TEST(StyledJson, IsLaidOutAsAsked) {
     EXPECT_EQ(
         styled(dictionary({{"ä", {1, dictionary({})}}, {"\xF0\x9F\x98\x80", true}}), {.indent = 3, .asciiOnly = true}),
         "{\n   \"\\u00E4\": [\n      1,\n      {}\n   ],\n   \"\\uD83D\\uDE00\": true\n}");
+    std::string const longText(20, 'x');
+    EXPECT_EQ(styled(make<String>(longText + "\xFF\xC3\xA4" + longText), {}),
+              '"' + longText + "\xEF\xBF\xBD\xC3\xA4" + longText + '"');
     EXPECT_EQ(styled(nullptr, {}), "null");
     urString::CString text = "before";
     EXPECT_FALSE(writeJson(text, array({1, HUGE_VAL})));

@@ -144,7 +144,7 @@ TEST_F(Calls, ErrorsAreTracedWhateverTheHostLeftOfTheLibraries) {
 TEST_F(Calls, ErrorsEverywhereLeaveNothingBehind) {
     succeed(R"(
         local rex = farm.Animal.make("Rex")
-        local function fails(f, ...) assert(not pcall(f, ...)) end
+        local function fails(f, ...) assert(not pcall(f, ...)) end assert(select(2, pcall(pcall)):find("value expected"))
         for i = 1, 200 do
             fails(rex.fail, rex, "exception") fails(rex.fail, rex, "standard") fails(rex.fail, rex, "long")
             fails(rex.feed, rex, string.rep("long text ", 50), "no number")

@@ -34,6 +34,8 @@ TEST_F(Objects, HaveMethodsPropertiesAndIterators) {
         assert(seen == "bone1 meat3 ", seen)
         for _ in farm.Animal.make("Hungry"):meals() do error("nothing is there") end
         local walk
+        local _, wrong = pcall(rex.meals, 5)
+        assert(wrong:find("farm::Animal"), wrong)
         do walk = farm.Duck.make(false):meals() end
         collectgarbage()
         assert(walk() == nil and walk() == nil))");

@@ -181,6 +181,32 @@ TEST_F(History, CoalescesADragIntoOneStepOfTheBytesOfOne) {
     }
 }
 
+TEST_F(History, RecordsAnObjectOnceForATransactionWhateverItsInnerOnesBecome) {
+    auto const bytesOfStep = [this](auto const& inner) {
+        edit(manager, [&] {
+            node->setValue(1);
+            inner();
+            node->setValue(2);
+        });
+        std::size_t const bytes = manager.historyBytes();
+        manager.undo();
+        EXPECT_EQ(node->value(), 0);
+        manager.clear();
+        return bytes;
+    };
+    std::size_t const once = bytesOfStep([] {});
+    for (TransactionKind const kind : {TransactionKind::recorded, TransactionKind::transient, TransactionKind::none}) {
+        for (bool const aborts : {false, true}) {
+            EXPECT_EQ(bytesOfStep([&] {
+                          manager.begin("inner", kind);
+                          node->setValue(3);
+                          aborts ? manager.abort() : manager.commit();
+                      }),
+                      once);
+        }
+    }
+}
+
 TEST_F(History, ForgetsTheOldestStepsBeyondItsLimits) {
     for (int i = 1; i <= 6; ++i) set(i, ("S" + std::to_string(i)).c_str());
     manager.setStepLimit(4);
