@@ -44,14 +44,15 @@ public:
         ExposeClassBase::addBase(*getDB().getClass(ur::TypeInfo::of<Base>()), toBase, toThis);
         return *this;
     }
+    /// `parameters` are those behind the object: `addMethod("resize", &Brush::resize, {"width", {"depth", 1.0}})`.
     template <class Method>
-    ExposeClass& addMethod(urString::CString const& name, Method method) {
-        ExposeClassBase::addMethod(name, make(std::move(method)));
+    ExposeClass& addMethod(urString::CString const& name, Method method, Parameters parameters = {}) {
+        ExposeClassBase::addMethod(name, make(std::move(method), parameters));
         return *this;
     }
     template <class Callable>
-    ExposeClass& addStaticMethod(urString::CString const& name, Callable callable) {
-        ExposeClassBase::addStaticMethod(name, makeFunction(getDB(), std::move(callable)));
+    ExposeClass& addStaticMethod(urString::CString const& name, Callable callable, Parameters parameters = {}) {
+        ExposeClassBase::addStaticMethod(name, makeFunction(getDB(), std::move(callable), parameters));
         return *this;
     }
     template <class Getter>
@@ -100,8 +101,8 @@ public:
 
 private:
     template <class Callable>
-    ur::Reference<Function> make(Callable callable) {
-        return makeFunction<T>(getDB(), std::move(callable));
+    ur::Reference<Function> make(Callable callable, Parameters parameters = {}) {
+        return makeFunction<T>(getDB(), std::move(callable), parameters);
     }
 };
 

@@ -12,10 +12,10 @@ public:
         : database_(database), table_(database.addTable(table)) {}
 
     void add(urString::CString const& name, ur::Reference<Function> function);
-    /// Anything that NativeFunction can call.
+    /// Anything that NativeFunction can call, and what scripts know of its parameters.
     template <class Callable>
-    ExposeFunction& add(urString::CString const& name, Callable callable) {
-        add(name, makeFunction(database_, std::move(callable)));
+    ExposeFunction& add(urString::CString const& name, Callable callable, Parameters parameters = {}) {
+        add(name, makeFunction(database_, std::move(callable), parameters));
         return *this;
     }
 

@@ -2,6 +2,7 @@
 #include "foundation/nxRFL/Function.h"
 
 #include "foundation/nxRFL/Exception.h"
+#include "foundation/nxRFL/Parameter.h"
 #include "foundation/nxRFL/Reader.h"
 
 namespace nxRFL {
@@ -19,9 +20,45 @@ void Function::failArity(Stack const& arguments, unsigned count) const {
     if (isMethod_ && Reader(arguments).kind() != Kind::object)
         throw Exception(message.append(" must be called on an object: object:name(...)"));
     unsigned const object = isMethod_ ? 1 : 0;
-    unsigned const expected = count - object;
-    throw Exception(message.append(CString::format(" takes %u argument%s, but got %u", expected,
-                                                   expected == 1 ? "" : "s", arguments.size() - object)));
+    unsigned const most = count - object;
+    unsigned const least = leastOf(count) - object;
+    if (least < most) message.append(CString::format(" takes %u to %u arguments", least, most));
+    if (least == most) message.append(CString::format(" takes %u argument%s", most, most == 1 ? "" : "s"));
+    throw Exception(message.append(CString::format(", but got %u", arguments.size() - object)));
+}
+
+void Function::setParameters(std::initializer_list<Parameter> parameters) {
+    parameters_ = std::make_shared<ur::vector<Parameter>>(parameters);
+}
+
+std::span<Parameter const> Function::parameters() const noexcept {
+    return parameters_ ? std::span<Parameter const>(*parameters_) : std::span<Parameter const>();
+}
+
+/// Of `most` arguments, the object included, those that are not to be left out.
+unsigned Function::leastOf(unsigned most) const noexcept {
+    std::size_t const object = isMethod_ ? 1 : 0;
+    auto const named = parameters();
+    while (most > object && most - object <= named.size() && named[most - object - 1].without) --most;
+    return most;
+}
+
+bool Function::takes(unsigned arguments) const noexcept {
+    auto const most = static_cast<unsigned>(signature_.size()) - 1;
+    return arguments <= most && arguments >= leastOf(most);
+}
+
+void Function::callWithDefaults(Stack const& arguments, Stack& results) const {
+    std::size_t const object = isMethod_ ? 1 : 0;
+    auto const named = parameters();
+    if (signature_.empty() || arguments.size() < object || !takes(arguments.size()) ||
+        arguments.size() - object >= named.size()) {
+        return onCall(arguments, results);
+    }
+    Stack all(arguments);
+    Writer writer(all);
+    for (Parameter const& parameter : named.subspan(arguments.size() - object)) writer.writeItem(*parameter.without);
+    onCall(all, results);
 }
 
 }  // namespace nxRFL

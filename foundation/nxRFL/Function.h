@@ -1,6 +1,8 @@
 // A callable that reflection knows: a native function, or one of a script.
 #pragma once
 
+#include <initializer_list>
+#include <memory>
 #include <span>
 
 #include "foundation/nxRFL/PlainValue.h"
@@ -13,6 +15,7 @@ namespace nxRFL {
 
 class Database;
 class Stack;
+struct Parameter;
 
 /// Takes its arguments from one stack and leaves its results on another. Held by reference.
 ///
@@ -27,7 +30,9 @@ public:
     ~Function() override;
 
     /// Appends the results to `results`, which is not the stack of the arguments.
-    void call(Stack const& arguments, Stack& results) const { onCall(arguments, results); }
+    void call(Stack const& arguments, Stack& results) const {
+        parameters_ ? callWithDefaults(arguments, results) : onCall(arguments, results);
+    }
 
     /// The function has a short way for calls whose arguments are all plain.
     [[nodiscard]] bool takesPlainValues() const noexcept { return takesPlainValues_; }
@@ -45,12 +50,19 @@ public:
     [[nodiscard]] bool isMethod() const noexcept { return isMethod_; }
     /// The name that messages give it, such as "nxNet::Request.addHeader"; empty until it is registered.
     [[nodiscard]] urString::CString const& name() const noexcept { return name_; }
-    void setName(urString::CString name) noexcept { name_ = std::move(name); }
+    virtual void setName(urString::CString name) { name_ = std::move(name); }
     /// The names of its types: of the result, of the object if it is a method, of the arguments. Empty when unknown.
     [[nodiscard]] ur::vector<urString::CString> const& signature() const noexcept { return signature_; }
     /// Whether an iterator with this as its value gives the script the elements of the result, an "object[2]".
     [[nodiscard]] bool givesSeveral() const noexcept;
     void setSignature(ur::vector<urString::CString> signature) noexcept { signature_ = std::move(signature); }
+    /// Names the arguments, the first ones or all, without the object of a method. Those at the end may have values for
+    /// calls that leave them out.
+    void setParameters(std::initializer_list<Parameter> parameters);
+    /// Empty when nobody has named them.
+    [[nodiscard]] std::span<Parameter const> parameters() const noexcept;
+    /// Whether a call may have so many arguments, the object included. Requires: a known signature.
+    [[nodiscard]] bool takes(unsigned arguments) const noexcept;
 
 protected:
     virtual void onCall(Stack const& arguments, Stack& results) const = 0;
@@ -60,12 +72,15 @@ protected:
 
 private:
     [[noreturn]] void failArity(Stack const& arguments, unsigned count) const;
+    void callWithDefaults(Stack const& arguments, Stack& results) const;
+    [[nodiscard]] unsigned leastOf(unsigned most) const noexcept;
 
     Database* database_;
     bool isMethod_;
     bool takesPlainValues_ = false;
     urString::CString name_;
     ur::vector<urString::CString> signature_;
+    std::shared_ptr<ur::vector<Parameter> const> parameters_;  ///< null when nobody has named them
 };
 
 }  // namespace nxRFL

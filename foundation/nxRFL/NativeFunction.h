@@ -3,6 +3,8 @@
 
 #include <tuple>
 
+#include "foundation/nxRFL/Overloads.h"
+#include "foundation/nxRFL/Parameter.h"
 #include "foundation/nxRFL/plainParameter.h"
 #include "foundation/nxRFL/values.h"
 
@@ -36,6 +38,17 @@ struct Signature<Result (Owner::*)(Arguments...) noexcept, Self> : Signature<Res
 template <class Result, class Owner, class... Arguments, class Self>
 struct Signature<Result (Owner::*)(Arguments...) const noexcept, Self>
     : Signature<Result (Owner::*)(Arguments...), Self> {};
+
+template <class Callable>
+concept HasSignature = std::is_pointer_v<Callable> || std::is_member_function_pointer_v<Callable> || requires {
+    &Callable::operator();
+};
+
+template <class Self, class Signature>
+inline constexpr bool takesFirst = false;
+template <class Self, class Result, class First, class... Others>
+inline constexpr bool takesFirst<Self, Result(First, Others...)> =
+    std::is_class_v<std::remove_pointer_t<std::remove_cvref_t<First>>>;
 
 /// Reads one argument and keeps what the parameter is bound to: values, or where an object or a text lies.
 template <class Parameter>
@@ -138,13 +151,30 @@ private:
 /// `Self` is the class whose objects scripts call it on, void for a function that is no method. What is a reflected
 /// function already stays what it is.
 template <class Self = void, class Callable>
-[[nodiscard]] ur::Reference<Function> makeFunction(Database& database, Callable callable) {
+[[nodiscard]] ur::Reference<Function> makeFunction(Database& database, Callable callable, Parameters parameters = {}) {
+    ur::Reference<Function> function;
     if constexpr (std::convertible_to<Callable, ur::Reference<Function>>) {
-        return callable;
+        function = callable;
     } else {
+        static_assert(impl::HasSignature<Callable>,
+                      "a function with a signature is needed: a generic or overloaded one has several");
         using Signature = typename impl::Signature<Callable, Self>::Type;
-        return ur::make<NativeFunction<Callable, Signature>>(database, std::move(callable), !std::is_void_v<Self>);
+        static_assert(std::is_void_v<Self> || impl::takesFirst<Self, Signature>,
+                      "a method of a class takes its object first, by reference");
+        function = ur::make<NativeFunction<Callable, Signature>>(database, std::move(callable), !std::is_void_v<Self>);
     }
+    if (parameters.size() > 0) function->setParameters(parameters);
+    return function;
+}
+template <class Self = void, class... Callables>
+[[nodiscard]] ur::Reference<Function> makeFunction(Database& database, Overloads<Callables...> overloads,
+                                                   Parameters parameters = {}) {
+    return std::apply(
+        [&](auto&... callable) -> ur::Reference<Function> {
+            return ur::make<OverloadedFunction>(database, ur::vector<ur::Reference<Function>>{makeFunction<Self>(
+                                                              database, std::move(callable), parameters)...});
+        },
+        overloads.callables);
 }
 
 }  // namespace nxRFL

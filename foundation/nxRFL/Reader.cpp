@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "foundation/nxRFL/Database.h"
+#include "foundation/nxRFL/Parameter.h"
 #include "foundation/nxRFL/Writer.h"
 
 namespace nxRFL {
@@ -144,7 +145,12 @@ CString Reader::nameOf(ur::TypeInfo type) const {
 CString Reader::outermostPlace(unsigned ordinal) const {
     bool const isMethod = function_ && function_->isMethod();
     if (isMethod && ordinal == 0) return "the object";
-    return CString::format(function_ ? "argument %u" : "item %u", ordinal + (isMethod ? 0 : 1));
+    CString place = CString::format(function_ ? "argument %u" : "item %u", ordinal + (isMethod ? 0 : 1));
+    unsigned const index = ordinal - (isMethod ? 1 : 0);
+    if (function_ && index < function_->parameters().size()) {
+        place.append(" (").append(function_->parameters()[index].name).append(")");
+    }
+    return place;
 }
 
 /// Such as "argument 2.max[3]", for the item at `at` in the container with the head at `container`. Goes from the item

@@ -1,6 +1,7 @@
 // The listing for people, and the choice among the formats.
 #include "foundation/nxRFL/listing.h"
 
+#include "foundation/nxRFL/Parameter.h"
 #include "foundation/nxRFL/impl/listings.h"
 
 namespace nxRFL {
@@ -26,8 +27,12 @@ namespace {
 void appendCall(CString& text, Member const& member) {
     text.append(member.name).append("(");
     char const* separator = "";
-    for (CString const& type : impl::argumentTypes(*member.function)) {
-        text.append(separator).append(type);
+    auto const types = impl::argumentTypes(*member.function);
+    auto const named = member.function->parameters();
+    for (std::size_t i = 0; i < types.size(); ++i) {
+        text.append(separator);
+        if (i < named.size()) text.append(named[i].name).append(named[i].without ? "?: " : ": ");
+        text.append(types[i]);
         separator = ", ";
     }
     text.append(")");

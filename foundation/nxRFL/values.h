@@ -243,11 +243,43 @@ void writeAny(Writer& writer, T&& value) {
     if constexpr (Writable<T>) {
         write(writer, std::forward<T>(value));
     } else {
-        static_assert(std::is_lvalue_reference_v<T>, "an object crosses over by pointer or reference, not by value");
+        static_assert(std::is_lvalue_reference_v<T>,
+                      "an object crosses over by pointer or reference; for a value list its members "
+                      "(foundation/ur/describe.h) or add nxRFL::read and write");
         write(writer, &value);
     }
 }
 
+/// A script's function that throws what the script has thrown, an `Exception` with the script's stack. It does nothing,
+/// and gives an empty result, once the script's state has closed. As a parameter it takes a script's function like
+/// `std::function`, whose errors go to the database's error handler instead.
+template <class Signature>
+class ThrowingFunction : public std::function<Signature> {
+public:
+    using std::function<Signature>::function;
+};
+
+template <class Result, class... Arguments>
+void read(Reader& reader, ThrowingFunction<Result(Arguments...)>& callable) {
+    callable = nullptr;
+    ur::Reference<Function> function = reader.readFunction();
+    if (!function) return;
+    callable = [function = std::move(function)](Arguments... arguments) -> Result {
+        Stack values;
+        Stack results;
+        Writer writer(values);
+        (writeAny<Arguments>(writer, std::forward<Arguments>(arguments)), ...);
+        if (function->canRun()) function->call(values, results);
+        if constexpr (!std::is_void_v<Result>) {
+            Result result{};
+            Reader resultReader(results);
+            if (!results.empty() || function->canRun()) read(resultReader, result);
+            return result;
+        }
+    };
+}
+
+/// One whose errors go to the database's error handler; the result is then empty.
 template <class Result, class... Arguments>
 void read(Reader& reader, std::function<Result(Arguments...)>& callable) {
     callable = nullptr;

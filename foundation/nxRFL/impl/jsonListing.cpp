@@ -75,11 +75,22 @@ void writeSignature(JsonText& json, char const* key, Function const& function) {
     json.close(']');
 }
 
+void writeParameters(JsonText& json, Function const& function) {
+    if (function.parameters().empty()) return;
+    json.key("parameters").open('[');
+    for (Parameter const& parameter : function.parameters()) {
+        json.open('{').key("name").string(parameter.name).key("optional").boolean(parameter.without != nullptr);
+        json.close('}');
+    }
+    json.close(']');
+}
+
 void writeMembers(JsonText& json, char const* key, MemberList const& members) {
     json.key(key).open('[');
     for (Member const& member : members) {
         json.open('{').key("name").string(member.name).key("kind").string(kindName(member.kind));
         writeSignature(json, "signature", *member.function);
+        writeParameters(json, *member.function);
         if (member.second)
             writeSignature(json, member.kind == Member::Kind::property ? "setter" : "value", *member.second);
         json.close('}');

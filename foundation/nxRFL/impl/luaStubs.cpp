@@ -1,6 +1,7 @@
 // The listing for editors of Lua: declarations without bodies.
 #include <set>
 
+#include "foundation/nxRFL/Parameter.h"
 #include "foundation/nxRFL/impl/listings.h"
 
 namespace nxRFL::impl {
@@ -43,9 +44,12 @@ public:
         CString parameters;
         auto const types =
             member.kind == Member::Kind::iterator ? std::span<CString const>() : argumentTypes(*member.function);
-        for (CString const& type : types) {
-            CString const name = CString::format("argument%d", static_cast<int>(&type - types.data()) + 1);
-            text_.append("---@param ").append(name).append(" ").append(annotation(type)).append("\n");
+        auto const named = member.function->parameters();
+        for (std::size_t i = 0; i < types.size(); ++i) {
+            bool const isNamed = i < named.size();
+            CString const name = isNamed ? named[i].name : CString::format("argument%d", static_cast<int>(i) + 1);
+            text_.append("---@param ").append(name).append(isNamed && named[i].without ? "? " : " ");
+            text_.append(annotation(types[i])).append("\n");
             parameters.append(parameters.empty() ? "" : ", ").append(name);
         }
         CString const result = annotation(resultType(*member.function));

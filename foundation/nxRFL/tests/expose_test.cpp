@@ -91,6 +91,73 @@ TEST_F(Exposed, NamesFunctionArgumentExpectedAndFound) {
               "farm::tools.first: argument 1[1] must be farm::Animal, but is number");
 }
 
+TEST_F(Exposed, NamesParametersFillsInWhatIsLeftOutAndChoosesByTheNumberOfArguments) {
+    struct Pen : ur::ReferenceCount {
+        std::string drawn;
+        void line(double x, double y, double width, std::string const& colour) {
+            drawn +=
+                std::to_string(int(x)) + "," + std::to_string(int(y)) + "," + std::to_string(int(width)) + colour + ";";
+        }
+        void lineTo(ur::vector<double> const& to) { drawn += std::to_string(to.size()) + ";"; }
+    };
+    nxRFL::ExposeClass<Pen>(database, "studio::Pen")
+        .addMethod("line", &Pen::line, {"x", "y", {"width", 1.0}, {"colour", "black"}})
+        .addMethod("draw", overloads(&Pen::lineTo, &Pen::line, [](Pen& pen) { pen.drawn += "none;"; }));
+    auto const pen = ur::make<Pen>();
+    auto const& line = member("studio::Pen", "line").function;
+    call(line, pen, 1, 2);
+    call(line, pen, 1, 2, 3);
+    call(line, pen, 1, 2, 3, "red");
+    EXPECT_EQ(pen->drawn, "1,2,1black;1,2,3black;1,2,3red;");
+    EXPECT_EQ(messageOf(line, pen, 1), "studio::Pen.line takes 2 to 4 arguments, but got 1");
+    EXPECT_EQ(messageOf(line, pen, 1, 2, 3, "red", 5), "studio::Pen.line takes 2 to 4 arguments, but got 5");
+    EXPECT_EQ(messageOf(line, pen, 1, "2"), "studio::Pen.line: argument 2 (y) must be number, but is string");
+    EXPECT_EQ(messageOf(line, 1, 2, 3), "studio::Pen.line: the object must be studio::Pen, but is number");
+
+    pen->drawn.clear();
+    auto const& draw = member("studio::Pen", "draw").function;
+    call(draw, pen, ur::vector<double>{1, 2});
+    call(draw, pen, 1, 2, 3, "red");
+    call(draw, pen);
+    EXPECT_EQ(pen->drawn, "2;1,2,3red;none;");
+    EXPECT_EQ(messageOf(draw, pen, 1, 2), "studio::Pen.draw has no form with 2 arguments");
+    EXPECT_EQ(messageOf(draw, pen, 1), "studio::Pen.draw: argument 1 must be array, but is number");
+}
+
+TEST_F(Exposed, GivesErrorsOfScriptsToTheHandlerOrToTheCaller) {
+    struct Failing : Function {
+        using Function::Function;
+        void onCall(Stack const& arguments, Stack& results) const override {
+            if (arguments.size() == 0) throw Exception("nothing given");
+            Writer(results).writeItem(arguments);
+        }
+        bool canRun() const noexcept override { return !closed; }
+        bool closed = false;
+    };
+    auto const failing = ur::make<Failing>(&database, false);
+    Stack stack;
+    Writer(stack).writeFunction(failing);
+    std::function<double()> handled;
+    Reader handledReader(stack);
+    read(handledReader, handled);
+    ThrowingFunction<double()> throwing;
+    Reader throwingReader(stack);
+    read(throwingReader, throwing);
+    ThrowingFunction<double(double)> returning;
+    Reader returningReader(stack);
+    read(returningReader, returning);
+    CString reported;
+    database.setErrorHandler([&](Exception const& error) { reported += error.message(); });
+    EXPECT_EQ(handled(), 0);
+    EXPECT_EQ(reported, "nothing given");
+    EXPECT_THROW(static_cast<void>(throwing()), Exception);
+    EXPECT_EQ(returning(7), 7);
+    failing->closed = true;
+    EXPECT_EQ(throwing(), 0);
+    EXPECT_EQ(returning(7), 0);
+    EXPECT_EQ(reported, "nothing given");
+}
+
 PlainValue plain(double number) { return {PlainValue::Kind::number, false, {.number = number}, {.pointer = nullptr}}; }
 
 TEST_F(Exposed, TakesPlainValuesThatFitAndLeavesOthers) {

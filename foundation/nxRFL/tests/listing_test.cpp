@@ -37,7 +37,7 @@ struct Listing : testing::Test {
             .addProperty(
                 "price", [](Item&) { return 1.0; }, [](Item&, double) {})
             .addProperty("code", [](Item&) { return CString("\"\n"); })
-            .addMethod("sell", [](Item&, Item*, CString const&) { return true; })
+            .addMethod("sell", [](Item&, Item*, CString const&) { return true; }, {"other", {"reason", "sale"}})
             .addStaticMethod("make", [](std::function<void()>) {})
             .addMapIterator(
                 "prices", [](Item & item) -> auto& { return item.prices; })
@@ -63,7 +63,7 @@ TEST_F(Listing, ReadsWell) {
               "class shop::Item: shop::Base\n"
               "    price: number\n"
               "    code: string (read-only)\n"
-              "    sell(shop::Item, string): boolean\n"
+              "    sell(other: shop::Item, reason?: string): boolean\n"
               "    static make(function)\n"
               "    prices(): iterator of object[2]\n"
               "table shop::till\n"
@@ -78,7 +78,8 @@ TEST_F(Listing, IsJson) {
         R"({"name":"shop::Item","bases":["shop::Base"],"hiddenSubclasses":true,"members":[)"
         R"({"name":"price","kind":"property","signature":["number","shop::Item"],"setter":["void","shop::Item","number"]},)"
         R"({"name":"code","kind":"property","signature":["string","shop::Item"]},)"
-        R"({"name":"sell","kind":"method","signature":["boolean","shop::Item","shop::Item","string"]},)"
+        R"({"name":"sell","kind":"method","signature":["boolean","shop::Item","shop::Item","string"],)"
+        R"("parameters":[{"name":"other","optional":false},{"name":"reason","optional":true}]},)"
         R"({"name":"make","kind":"static method","signature":["void","function"]},)"
         R"({"name":"prices","kind":"iterator","signature":["nxRFL::IteratorState","shop::Item"],)"
         R"("value":["object[2]","nxRFL::IteratorState"]}]}],)"
@@ -97,10 +98,10 @@ TEST_F(Listing, DeclaresForEditors) {
               "---@field price number\n"
               "---@field code string read-only\n"
               "shop.Item = {}\n"
-              "---@param argument1 shop.Item\n"
-              "---@param argument2 string\n"
+              "---@param other shop.Item\n"
+              "---@param reason? string\n"
               "---@return boolean\n"
-              "function shop.Item:sell(argument1, argument2) end\n"
+              "function shop.Item:sell(other, reason) end\n"
               "---@param argument1 function\n"
               "function shop.Item.make(argument1) end\n"
               "---@return fun(): any, any\n"
