@@ -39,7 +39,7 @@ asan tsan: packages
 
 # The other compiler, with its own warnings.
 clang: packages
-	@packaging/install-packages fuzz
+	@packaging/install-packages check fuzz
 	$(call preset,clang)
 	ctest --preset clang
 
@@ -57,7 +57,7 @@ valgrind: packages
 	    build/dev/script/script_tests
 
 coverage: packages
-	@packaging/install-packages fuzz coverage
+	@packaging/install-packages check fuzz coverage
 	$(call preset,coverage)
 	tests/coverage build/coverage
 
@@ -67,7 +67,7 @@ soak: packages
 	tools/nxhost/tests/soak.py --seconds $(SOAK_SECONDS) build/dev/bin/nxhost
 
 fuzz: packages
-	@packaging/install-packages fuzz
+	@packaging/install-packages check fuzz
 	$(call preset,fuzz)
 	fuzz/run build/fuzz/bin $(FUZZ_SECONDS)
 

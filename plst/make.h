@@ -58,14 +58,17 @@ private:
 inline Value::Value(std::initializer_list<Value> elements) : item_(array(elements)) {}
 
 /// The value of an item, or `fallback` when it is null or of another shape.
-template <Shaped T>
+template <class T>
 [[nodiscard]] T valueOf(ur::Reference<Item const> const& item, T fallback = T()) {
+    static_assert(Shaped<T>,
+                  "no item shape of this type: include plst/convert.h or plst/containers.h, or list its members "
+                  "(foundation/ur/describe.h)");
     if (hasShape<T>(item)) convert(fallback, item);
     return fallback;
 }
 
 /// The value under a key, or `fallback` when there is none of that shape: `get<double>(settings, "size", 1.0)`.
-template <Shaped T>
+template <class T>
 [[nodiscard]] T get(ur::Reference<Dictionary const> const& dictionary, std::string_view key, T fallback = T()) {
     if (!dictionary) return fallback;
     auto const member = dictionary->dictionary().find(key);

@@ -46,7 +46,7 @@ inline constexpr std::size_t longestToken = 1 + longestRest;
 inline constexpr std::size_t longestTypeName = 255;
 
 constexpr unsigned char token(Kind kind, unsigned number) noexcept {
-    return static_cast<unsigned char>(kind << kindShift | number);
+    return static_cast<unsigned char>(static_cast<unsigned>(kind) << kindShift | number);
 }
 constexpr Kind kindOf(unsigned char token) noexcept { return static_cast<Kind>(token >> kindShift); }
 constexpr unsigned numberOf(unsigned char token) noexcept { return token & numberMask; }

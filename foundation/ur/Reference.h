@@ -81,6 +81,9 @@ private:
 /// A new T held by its first reference.
 template <class T, class... Args>
 [[nodiscard]] Reference<T> make(Args&&... args) {
+    static_assert(
+        requires(T const& object) { object.ref(), object.unref(); },
+        "no ref() and unref() to count holders with: derive the class from ur::ReferenceCount");
     return Reference<T>(new T(std::forward<Args>(args)...));
 }
 

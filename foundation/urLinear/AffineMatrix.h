@@ -1,7 +1,6 @@
 // Affine transforms of space and of the plane.
 #pragma once
 
-#include <array>
 #include <cmath>
 #include <optional>
 
@@ -35,8 +34,8 @@ public:
     /// Coefficient 0 to size - 1 in storage order.
     [[nodiscard]] constexpr double coefficient(int i) const { return coefficients_[i]; }
     [[nodiscard]] constexpr double& coefficient(int i) { return coefficients_[i]; }
-    [[nodiscard]] constexpr double const* data() const { return coefficients_.data(); }
-    [[nodiscard]] constexpr double* data() { return coefficients_.data(); }
+    [[nodiscard]] constexpr double const* data() const { return coefficients_; }
+    [[nodiscard]] constexpr double* data() { return coefficients_; }
 
     /// The image of axis k.
     [[nodiscard]] constexpr VectorType axis(int k) const { return group<VectorType>(k); }
@@ -119,7 +118,7 @@ private:
         return *this;
     }
 
-    std::array<double, size> coefficients_{};
+    double coefficients_[static_cast<unsigned>(size)]{};
 };
 
 using AffineMatrix = BasicAffineMatrix<3>;

@@ -1,6 +1,7 @@
 // The signal: calls whatever is connected to it.
 #pragma once
 
+#include <concepts>
 #include <functional>
 #include <type_traits>
 #include <utility>
@@ -47,6 +48,14 @@ public:
     template <Callback<Args...> F>
     Connection addCallback(F&& callable) {
         return add(new FunctionCallable<std::decay_t<F>, Args...>(std::forward<F>(callable)));
+    }
+
+    template <class F>
+    requires(!Callback<F, Args...> && !std::convertible_to<F, Function<Args...>*> &&
+             !std::convertible_to<F, void (*)(Args...)>) Connection addCallback(F&& /*callable*/) {
+        static_assert(Callback<F, Args...>,
+                      "a callback of this signal can be called with its arguments: Signal<A, B> calls callback(a, b)");
+        return {};
     }
 
     /// As above, until `client` goes at the latest.

@@ -47,8 +47,8 @@ public:
     void add(ur::Reference<Runnable> runnable);
     /// The same for any callable, which is kept by value: `queue.add([=] { show(result); })`.
     template <class F>
-    requires std::invocable < std::decay_t<F>
-    & > void add(F&& work) {
+    requires(!std::convertible_to<F, ur::Reference<Runnable>>) void add(F&& work) {
+        static_assert(std::invocable<std::decay_t<F>&>, "what a run queue runs is called without arguments");
         add(ur::Reference<Runnable>(ur::make<impl::Call<std::decay_t<F>>>(std::forward<F>(work))));
     }
 

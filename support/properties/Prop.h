@@ -12,8 +12,12 @@ namespace nxSupport {
 /// `Units::Length`, are kept as a number in a unit of one's own choice.
 ///
 /// Holds nothing at first; reading then gives the fallback and setting does nothing. Copies share the property.
-template <nxPLST::Shaped T>
+template <class T>
 class Prop : public PropertyTBase {
+    static_assert(nxPLST::Shaped<T>,
+                  "no item shape of this type: include plst/convert.h or plst/containers.h, or list its members "
+                  "(foundation/ur/describe.h)");
+
 public:
     using PropertyTBase::PropertyTBase;
 

@@ -4,7 +4,9 @@
 #include <stdexcept>
 
 #include "foundation/nxTXN/HookError.h"
+#include "foundation/nxTXN/ImmutableReference.h"
 #include "foundation/nxTXN/ObjectList.h"
+#include "foundation/nxTXN/impl/ObjectSequence.h"
 #include "foundation/nxTXN/tests/Node.h"
 
 namespace nxTXN::test {
@@ -183,6 +185,34 @@ TEST(ObjectLists, AreBroughtBackByUndoRedoAndAbort) {
     EXPECT_GT(longest, 16U) << "several pieces";
 }
 
+TEST(ObjectSequences, KeepTheirPiecesFullEnough) {
+    constexpr std::size_t most = 8;
+    Manager manager;
+    auto const element = ur::make<RefCountedObject>(manager);
+    impl::ObjectSequence sequence(most);
+    std::mt19937 random(1);
+    std::size_t pieces = 0;
+    for (int i = 0; i < 3000; ++i) {
+        bool const grows = i % 1000 < 600;
+        if (random() % 3 == 0 ? grows : !grows && sequence.size() > 0) {
+            static_cast<void>(sequence.size() > 0 ? sequence.take(random() % sequence.size()) : nullptr);
+        } else {
+            sequence.insert(random() % (sequence.size() + 1), element);
+        }
+        std::size_t previous = most;
+        pieces = 0;
+        for (std::size_t at = 0; at < sequence.size(); ++pieces) {
+            std::size_t const length = sequence.run(at).size();
+            ASSERT_LE(length, most);
+            ASSERT_GT(previous + length, most / 2) << "two of them go into one";
+            at += previous = length;
+        }
+        ASSERT_EQ(element->referenceCount(), sequence.size() + 1);
+    }
+    sequence.clear();
+    EXPECT_EQ(element->referenceCount(), 1U);
+}
+
 struct ObjectListUse : testing::Test {
     Log log;
     Manager manager;
@@ -308,6 +338,7 @@ TEST_F(ObjectListUse, CostAFewHundredBytesOfHistoryWhateverTheirLength) {
         for (std::size_t i = 0; i < 100; ++i) list.move(i * 97, 5);
     });
     EXPECT_GT(manager.historyBytes(), bytes + 100 * 16) << "each change counts for the limit";
+    EXPECT_LT(manager.historyBytes(), bytes + 100 * 300);
     log.take();
 }
 

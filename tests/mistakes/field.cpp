@@ -1,0 +1,11 @@
+// says: no nxTXN::write(Writer&, T const&) and read(Reader&, T&) for a field of this type: include foundation/nxTXN/fields.h or support/properties/fields.h, or add them
+#include "foundation/nxTXN/RefCountedObject.h"
+#include "foundation/nxTXN/Serializer.h"
+
+struct Stroke {
+    double pressure;
+};
+class Canvas : public nxTXN::RefCountedObject {
+    void onTransact(nxTXN::Serializer& serializer) override { serializer.field(stroke_); }
+    Stroke stroke_;
+};

@@ -1,0 +1,7 @@
+// says: no conversion of this type to an item: include plst/convert.h or plst/containers.h, or add one
+#include "plst/make.h"
+
+struct Stroke {
+    double pressure;
+};
+auto const item = nxPLST::itemOf(Stroke{1});

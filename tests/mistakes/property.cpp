@@ -1,0 +1,7 @@
+// says: no item shape of this type: include plst/convert.h or plst/containers.h, or list its members (foundation/ur/describe.h)
+#include "support/properties/Prop.h"
+
+struct Stroke {
+    double pressure;
+};
+Stroke read(nxSupport::Prop<Stroke> const& property) { return property.get(); }
