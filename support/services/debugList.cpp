@@ -1,11 +1,9 @@
 // Reading lists of debug codes, and guessing what a misspelt name should have been.
 #include "support/services/debugList.h"
 
-#include <algorithm>
-#include <array>
 #include <charconv>
-#include <numeric>
 
+#include "foundation/urString/NearestName.h"
 #include "support/services/Debug.h"
 
 namespace nxSupport {
@@ -15,7 +13,6 @@ enum class State { off, on };
 
 constexpr std::string_view blanks = " \t\r\n";
 constexpr std::string_view prefix = "debug_";
-constexpr std::size_t longestCompared = 63;  ///< bytes of an entry; names are shorter
 
 std::string_view trimmed(std::string_view text) {
     std::size_t const begin = text.find_first_not_of(blanks);
@@ -25,41 +22,22 @@ std::string_view trimmed(std::string_view text) {
 
 /// What is left to compare when case and the prefix that all names have do not count.
 urString::CString essence(std::string_view name) {
-    urString::CString result(name.substr(0, longestCompared));
+    urString::CString result(name);
     result.toLowerCase();
     if (result.startsWith(prefix)) result.erase(0, prefix.size());
     return result;
 }
 
-/// The number of bytes to insert, drop or replace to make one of the other (Wagner and Fischer, 1974).
-std::size_t editDistance(std::string_view a, std::string_view b) {
-    std::array<std::size_t, longestCompared + 1> row{};
-    std::iota(row.begin(), row.end(), 0U);
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            std::size_t const replaced = diagonal + (a[i] == b[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
-        }
-    }
-    return row[b.size()];
-}
-
-/// `NUM_CODES` when every name differs from the entry in more than half of its bytes.
+/// `NUM_CODES` when no name is like the entry.
 DebugCode nearestCode(std::string_view entry) {
     urString::CString const wanted = essence(entry);
-    auto nearest = NUM_CODES;
-    std::size_t least = urString::CString::npos;
+    urString::NearestName nearest(wanted.view());
+    for (int i = 0; i < NUM_CODES; ++i) nearest.offer(essence(Debug::getCodeName(static_cast<DebugCode>(i))).view());
     for (int i = 0; i < NUM_CODES; ++i) {
         auto const code = static_cast<DebugCode>(i);
-        urString::CString const name = essence(Debug::getCodeName(code));
-        std::size_t const distance = editDistance(wanted, name);
-        if (distance >= least || 2 * distance > std::max(wanted.size(), name.size())) continue;
-        nearest = code;
-        least = distance;
+        if (essence(Debug::getCodeName(code)) == nearest.get()) return code;
     }
-    return nearest;
+    return NUM_CODES;
 }
 
 /// `NUM_CODES` for any number that is too large, and for what is none.

@@ -3,12 +3,15 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstring>
+#include <new>
 
 #include "foundation/nxLC/impl/errors.h"
 #include "foundation/nxLC/impl/objects.h"
 #include "foundation/nxRFL/IteratorState.h"
 #include "foundation/nxRFL/Reader.h"
+#include "foundation/urString/NearestName.h"
 
 namespace nxLC::impl {
 
@@ -220,6 +223,24 @@ char const* classNameOf(lua_State* state, int index) noexcept {
     return box ? box->objectClass->name().c_str() : luaL_typename(state, index);
 }
 
+enum class Wanted { member, property };
+
+/// Raises for the key at `key`, a text, under which the table at `members` has nothing that is wanted.
+int failOnMember(lua_State* state, char const* className, int members, int key, Wanted wanted) {
+    char question[128] = "";
+    try {
+        urString::NearestName nearest(lua_tostring(state, key));
+        for (lua_pushnil(state); lua_next(state, members); lua_pop(state, 1)) {
+            bool const isOffered = wanted == Wanted::member || lua_isuserdata(state, -1);
+            if (isOffered && lua_type(state, -2) == LUA_TSTRING) nearest.offer(lua_tostring(state, -2));
+        }
+        std::snprintf(question, sizeof question, "%s", nearest.question().c_str());
+    } catch (std::bad_alloc const&) {  // then without
+    }
+    char const* const kind = wanted == Wanted::member ? "member" : "property";
+    return luaL_error(state, "%s has no %s %s%s", className, kind, lua_tostring(state, key), question);
+}
+
 }  // namespace
 
 int callFunction(Binding* binding, lua_State* state, Function const& function, ShortText& text) noexcept {
@@ -248,19 +269,34 @@ int beginIteration(lua_State* state) {
 
 int indexObject(lua_State* state) {
     if (lua_gettop(state) != 2) lua_settop(state, 2);
+    lua_pushvalue(state, 2);
     MemberCell const* const property = findProperty(state);
-    if (!property) return 1;
+    if (!property) {
+        bool const isMissing = lua_isnil(state, -1) && lua_type(state, 2) == LUA_TSTRING;
+        if (!isMissing) return 1;
+        return failOnMember(state, classNameOf(state, 1), lua_upvalueindex(2), 2, Wanted::member);
+    }
     ShortText text;
     return complete(state, callAt(property->anchor->binding, state, *property->member->function, {1, 1}, text), text);
+}
+
+int missMember(lua_State* state) {
+    if (lua_type(state, 2) != LUA_TSTRING) return 0;
+    return failOnMember(state, lua_tostring(state, lua_upvalueindex(1)), 1, 2, Wanted::member);
 }
 
 int assignProperty(lua_State* state) {
     lua_pushvalue(state, 2);
     MemberCell const* const property = findProperty(state);
-    if (!property || !property->member->second) {
-        char const* const name = lua_type(state, 2) == LUA_TSTRING ? lua_tostring(state, 2) : luaL_typename(state, 2);
-        return luaL_error(state, property ? "%s.%s is read-only" : "%s has no property %s", classNameOf(state, 1),
-                          name);
+    if (!property) {
+        char const* const owner = classNameOf(state, 1);
+        if (lua_type(state, 2) == LUA_TSTRING) {
+            return failOnMember(state, owner, lua_upvalueindex(2), 2, Wanted::property);
+        }
+        return luaL_error(state, "%s has no property %s", owner, luaL_typename(state, 2));
+    }
+    if (!property->member->second) {
+        return luaL_error(state, "%s.%s is read-only", classNameOf(state, 1), lua_tostring(state, 2));
     }
     Binding* const binding = property->anchor->binding;
     if (binding && binding->asksAssignmentHook) askAssignmentHook(state, *binding);

@@ -22,6 +22,8 @@ int beginIteration(lua_State* state);
 
 // Upvalues: the anchor, the table of the members, in which properties are cells.
 int indexObject(lua_State* state);
+/// `__index` of a table of members where objects have no properties. Upvalue: the name of the class.
+int missMember(lua_State* state);
 int assignProperty(lua_State* state);
 
 }  // namespace nxLC::impl

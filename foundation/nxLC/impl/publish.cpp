@@ -81,6 +81,16 @@ void fillStaticMethods(Binding& binding, lua_State* state, Class const& objectCl
     }
 }
 
+/// Has looking for what the table at `members` does not have raise.
+void failOnMissing(lua_State* state, int members, Class const& objectClass) {
+    lua_newtable(state);
+    lua_pushliteral(state, "__index");
+    pushName(state, objectClass.name());
+    lua_pushcclosure(state, &missMember, 1);
+    lua_rawset(state, -3);
+    lua_setmetatable(state, members);
+}
+
 /// Gives the metatable on top the members of the class as they are now.
 void fillMetatable(Binding& binding, lua_State* state, Class const& objectClass) {
     lua_newtable(state);
@@ -90,6 +100,7 @@ void fillMetatable(Binding& binding, lua_State* state, Class const& objectClass)
     if (hasProperties) {
         pushFunctionWithTable(binding, state, &indexObject, members);
     } else {
+        failOnMissing(state, members, objectClass);
         lua_pushvalue(state, members);
     }
     lua_rawset(state, members - 1);

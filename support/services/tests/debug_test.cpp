@@ -123,7 +123,7 @@ TEST_F(DebugTest, ListsSwitchCodesFromLeftToRight) {
         {"Debug_Undoo,Undo", {}, "Debug_Undoo:Debug_Undo Undo:Debug_Undo "},
         {"resource,-hitest,49", {}, "resource:Debug_Resources hitest:Debug_HitTest 49:NUM_CODES "},
         {"99999999999999999999,7", {7}, "99999999999999999999:NUM_CODES "},
-        {"draw,callstack", {}, "draw:Debug_DMA callstack:Debug_CallStack1 "},
+        {"draw,callstack", {}, "draw:NUM_CODES callstack:Debug_CallStack1 "},
         {"debug_fab,--1,-,rubbish", {}, "debug_fab:Debug_Fab -1:NUM_CODES rubbish:NUM_CODES "},
     };
     for (auto const& [list, on, expected] : cases) {
