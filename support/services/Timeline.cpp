@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <string>
 #include <string_view>
 
@@ -22,7 +23,8 @@ namespace {
 constexpr int mainTrack = 1;
 constexpr int performanceTrack = 2;
 
-constexpr std::array<char const*, 5> categories = {"context", "script", "cache", "performance", "cache"};
+constexpr std::array<char const*, 8> categories = {"context", "script", "cache", "performance",
+                                                   "cache",   "span",   "mark",  "counter"};
 constexpr std::array<char const*, 6> reasons = {"limit",        "request",       "removal",
                                                 "page failure", "build failure", "page out"};
 
@@ -77,26 +79,46 @@ private:
     using Kind = Recording::Kind;
 
     void write(Event const& event) {
-        out_.write(",\n{\"name\":");
-        writeQuoted(out_, nameOf(event));
         bool const isOpen = event.duration == Recording::open;
-        bool const isInstant = event.kind == Kind::drop;
-        out_.print(",\"cat\":\"%s\",\"ph\":\"%s\",\"pid\":1,\"tid\":%d",
-                   categories[static_cast<std::size_t>(event.kind)],
-                   isInstant ? "i"
-                   : isOpen  ? "B"
-                             : "X",
-                   event.kind == Kind::performance ? performanceTrack : mainTrack);
-        writeMicroseconds(out_, "ts", event.begin);
-        if (!isOpen && !isInstant) writeMicroseconds(out_, "dur", event.duration);
-        if (event.kind == Kind::build) out_.print(",\"args\":{\"bytes\":%u}", event.bytes);
-        if (isInstant) writeDrop(event);
+        switch (event.kind) {
+            case Kind::span: return writeSpan(event);
+            case Kind::mark: begin(event, "i", event.begin).write(",\"s\":\"t\""); break;
+            case Kind::counter:
+                begin(event, "C", event.begin)
+                    .print(",\"args\":{\"value\":%.17g}", std::bit_cast<double>(event.duration));
+                break;
+            case Kind::drop:
+                begin(event, "i", event.begin)
+                    .print(",\"s\":\"t\",\"args\":{\"bytes\":%u,\"why\":\"%s\"}", event.bytes,
+                           reasons[static_cast<std::size_t>(event.why)]);
+                break;
+            default:
+                begin(event, isOpen ? "B" : "X", event.begin);
+                if (!isOpen) writeMicroseconds(out_, "dur", event.duration);
+                if (event.kind == Kind::build) out_.print(",\"args\":{\"bytes\":%u}", event.bytes);
+        }
         out_.put('}');
     }
 
-    void writeDrop(Event const& event) {
-        out_.print(",\"s\":\"t\",\"args\":{\"bytes\":%u,\"why\":\"%s\"}", event.bytes,
-                   reasons[static_cast<std::size_t>(event.why)]);
+    /// What every event starts with; more and the brace follow.
+    urOS::OStream& begin(Event const& event, char const* phase, std::int64_t when) {
+        out_.write(",\n{\"name\":");
+        writeQuoted(out_, nameOf(event));
+        out_.print(",\"cat\":\"%s\",\"ph\":\"%s\",\"pid\":1,\"tid\":%d",
+                   categories[static_cast<std::size_t>(event.kind)], phase,
+                   event.kind == Kind::performance ? performanceTrack : mainTrack);
+        writeMicroseconds(out_, "ts", when);
+        return out_;
+    }
+
+    /// Spans overlap: viewers draw each beginning and end with one number on a track of its own.
+    void writeSpan(Event const& event) {
+        auto const number = static_cast<unsigned long long>(++spans_);
+        begin(event, "b", event.begin).print(",\"id\":%llu}", number);
+        if (event.duration == Recording::open) return;
+        begin(event, "e", event.begin + event.duration).print(",\"id\":%llu,\"args\":{\"result\":", number);
+        writeQuoted(out_, recording_.names[event.bytes].view());
+        out_.write("}}");
     }
 
     [[nodiscard]] std::string nameOf(Event const& event) const {
@@ -104,7 +126,10 @@ private:
             case Kind::context:
                 return std::string(Context::modeToString(static_cast<Context::Mode>(event.name)).view());
             case Kind::performance: return activityName(event.name);
-            case Kind::script: return text(event);
+            case Kind::script:
+            case Kind::span:
+            case Kind::mark:
+            case Kind::counter: return text(event);
             case Kind::build: return "build " + text(event);
             case Kind::drop: return "drop " + text(event);
         }
@@ -116,6 +141,7 @@ private:
 
     Recording const& recording_;
     urOS::OStream out_;
+    std::size_t spans_ = 0;
 };
 
 }  // namespace
@@ -154,6 +180,31 @@ void Timeline::endScriptCalls(std::size_t depth) noexcept {
     auto& open = recording_->openScripts;
     std::int64_t const now = recording_->sinceOrigin(Recording::Clock::now());
     for (; open.size() > depth; open.pop_back()) recording_->end(open.back(), now);
+}
+
+std::size_t Timeline::beginSpan(std::string_view name) noexcept {
+    Recording::Index index = Recording::notKept;
+    recording_->attempt([&] { index = recording_->beginNamed(Recording::Kind::span, name); });
+    return index;
+}
+
+void Timeline::endSpan(std::size_t span, std::string_view result) noexcept {
+    if (span == Recording::notKept) return;
+    recording_->attempt([&] {
+        recording_->events[span].bytes = recording_->nameOf(result);
+        recording_->end(span);
+    });
+}
+
+void Timeline::mark(std::string_view name) noexcept {
+    recording_->attempt([&] { recording_->beginNamed(Recording::Kind::mark, name); });
+}
+
+void Timeline::count(std::string_view counter, double value) noexcept {
+    recording_->attempt([&] {
+        Recording::Index const index = recording_->beginNamed(Recording::Kind::counter, counter);
+        if (index != Recording::notKept) recording_->events[index].duration = std::bit_cast<std::int64_t>(value);
+    });
 }
 
 void Timeline::onBegin(Context const& context, ContextObserver::Clock::time_point when) noexcept {

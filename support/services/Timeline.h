@@ -17,8 +17,8 @@ namespace impl {
 struct Recording;
 }
 
-/// Records when contexts, script calls, performance scopes and cache builds begin and end, and when the cache drops
-/// resources; writes that as trace-event JSON, which the common trace viewers open.
+/// Records when contexts, script calls, performance scopes, cache builds and spans begin and end, when the cache drops
+/// resources, marks, and the course of counters; writes that as trace-event JSON, which the common trace viewers open.
 ///
 /// The host owns it and connects what it wants to see: `Domain::setContextObserver` for contexts,
 /// `urKRCache::Manager::setObserver` for the cache, `setActive` for performance scopes and script calls; it undoes
@@ -45,6 +45,15 @@ public:
     /// Ends the calls that are deeper than `depth`: one when a function returns, several when an error has left
     /// several at once.
     void endScriptCalls(std::size_t depth) noexcept;
+
+    /// Something that overlaps with other things begins, such as a transfer. Gives what `endSpan` takes.
+    std::size_t beginSpan(std::string_view name) noexcept;
+    /// It ends, once, with that result.
+    void endSpan(std::size_t span, std::string_view result) noexcept;
+    /// Something has happened, such as a step of the history.
+    void mark(std::string_view name) noexcept;
+    /// A counter has this value from now on.
+    void count(std::string_view counter, double value) noexcept;
 
     void onBegin(Context const& context, ContextObserver::Clock::time_point when) noexcept override;
     void onEnd(Context const& context, ContextObserver::Clock::time_point when,

@@ -1,6 +1,8 @@
 // Passing on to clients what a transfer tells.
 #include "tools/nxhost/Connection.h"
 
+#include <string>
+
 #include "foundation/nxRFL/ExposeClass.h"
 #include "support/services/Timeline.h"
 
@@ -36,11 +38,21 @@ void Connection::onStart() {
     responseHeaders_.clear();
     progress_ = {};
     errorText_.clear();
+    auto const request = getRequest();
+    auto* const timeline = nxSupport::Timeline::active();
+    if (timeline && request) span_ = timeline->beginSpan(request->getHTTPMethod() + " " + request->getUrl());
     transfers_.start(*this);
+}
+
+void Connection::endSpan(std::string_view result) noexcept {
+    auto* const timeline = nxSupport::Timeline::active();
+    if (timeline && span_) timeline->endSpan(*span_, result);
+    span_.reset();
 }
 
 void Connection::onCancel() {
     transfers_.stop(*this);
+    endSpan("cancelled");
     transferCharge_ = {};
     progressFunc_.set(nullptr);
 }
@@ -56,6 +68,7 @@ void Connection::on(Progressed const& news) {
 }
 
 void Connection::on(Completed const& /*news*/) {
+    endSpan(std::to_string(responseStatus_));
     transferCharge_ = {};
     progressFunc_.set(nullptr);
     setComplete();
@@ -64,6 +77,7 @@ void Connection::on(Completed const& /*news*/) {
 void Connection::on(Failed& news) {
     transferCharge_ = {};
     errorText_ = std::move(news.text);
+    endSpan(errorText_.view());
     progressFunc_.set(nullptr);
     setFailed(static_cast<int>(news.error));
 }

@@ -1,6 +1,8 @@
 // Transfers as clients and scripts see them.
 #pragma once
 
+#include <optional>
+
 #include "foundation/nxRFL/Database.h"
 #include "net/Connection.h"
 #include "net/Manager.h"
@@ -58,8 +60,11 @@ private:
     Progressed progress_;
     urString::CString errorText_;
     nxNet::CallbackSlot<> progressFunc_;
+    void endSpan(std::string_view result) noexcept;
+
     ur::Charge charge_;
-    ur::Charge transferCharge_;  ///< while a transfer runs
+    ur::Charge transferCharge_;        ///< while a transfer runs
+    std::optional<std::size_t> span_;  ///< of the time line, meanwhile
 };
 
 /// The host's maker of connections.

@@ -2,6 +2,8 @@
 #include "tools/nxhost/Diagnostics.h"
 
 #include <cstdio>
+#include <string>
+#include <utility>
 
 #include "foundation/urOS/MemoryIOStream.h"
 #include "support/services/Performance.h"
@@ -30,12 +32,13 @@ CString times() {
 }  // namespace
 
 Diagnostics::Diagnostics(Options const& options, nxSupport::Domain& domain, urKRCache::Manager& cache,
-                         nxTXN::Manager const& history)
-    : domain_(domain), cache_(cache), history_(history), showsStatistics_(options.statistics) {
+                         nxTXN::Manager& history, ur::Account const& account)
+    : domain_(domain), cache_(cache), history_(history), account_(account), showsStatistics_(options.statistics) {
     switchDebugging(options.debugCodes);
     if (options.traceFile.empty()) return;
     timeline_.emplace();
-    domain_.setContextObserver(&*timeline_);
+    domain_.setContextObserver(this);
+    stepConnection_ = history_.changedSignal().addCallback([this] { markStep(); });
     cache_.setObserver(&*timeline_);
     nxSupport::Timeline::setActive(&*timeline_);
 }
@@ -44,6 +47,27 @@ Diagnostics::~Diagnostics() {
     if (!timeline_) return;
     domain_.setContextObserver(nullptr);
     cache_.setObserver(nullptr);
+}
+
+void Diagnostics::onBegin(nxSupport::Context const& context, Clock::time_point when) {
+    timeline_->onBegin(context, when);
+}
+
+void Diagnostics::onEnd(nxSupport::Context const& context, Clock::time_point when, Clock::duration lasted) {
+    timeline_->onEnd(context, when, lasted);
+    count("cache bytes", cache_.statistics().memoryUsed, cacheBytes_);
+    count("history bytes", history_.historyBytes(), historyBytes_);
+    count("script bytes", account_.used(), scriptBytes_);
+}
+
+void Diagnostics::markStep() {
+    std::size_t const before = std::exchange(stepsDone_, history_.undoCount());
+    if (stepsDone_ < before) timeline_->mark("undo " + std::string(history_.redoName()));
+    if (stepsDone_ > before) timeline_->mark(history_.undoName());
+}
+
+void Diagnostics::count(char const* counter, std::size_t value, std::size_t& last) {
+    if (std::exchange(last, value) != value) timeline_->count(counter, static_cast<double>(value));
 }
 
 CString Diagnostics::statistics() const {

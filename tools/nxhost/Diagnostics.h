@@ -4,9 +4,12 @@
 #include <optional>
 
 #include "foundation/nxTXN/Manager.h"
+#include "foundation/ur/Account.h"
 #include "foundation/urOS/IOStream.h"
+#include "foundation/urRTB/Connection.h"
 #include "foundation/urString/CString.h"
 #include "krcache/Manager.h"
+#include "support/messaging/ContextObserver.h"
 #include "support/messaging/Domain.h"
 #include "support/services/Timeline.h"
 #include "tools/nxhost/Options.h"
@@ -15,13 +18,13 @@ namespace nxhost {
 
 /// Switches debug codes as NX_DEBUG says, records the time line for --trace, and counts for --stats. Owned by the host,
 /// and goes before what it looks at.
-class Diagnostics {
+class Diagnostics : private nxSupport::ContextObserver {
 public:
-    Diagnostics(Options const& options, nxSupport::Domain& domain, urKRCache::Manager& cache,
-                nxTXN::Manager const& history);
+    Diagnostics(Options const& options, nxSupport::Domain& domain, urKRCache::Manager& cache, nxTXN::Manager& history,
+                ur::Account const& account);
     Diagnostics(Diagnostics const&) = delete;
     Diagnostics& operator=(Diagnostics const&) = delete;
-    ~Diagnostics();
+    ~Diagnostics() override;
 
     /// Times of activities, counters of the cache and of the history, one subject a line.
     [[nodiscard]] urString::CString statistics() const;
@@ -29,9 +32,21 @@ public:
     urUtil::Error finish(urOS::IOStream& trace) const;
 
 private:
+    void onBegin(nxSupport::Context const& context, Clock::time_point when) override;
+    void onEnd(nxSupport::Context const& context, Clock::time_point when, Clock::duration lasted) override;
+    void markStep();
+    void count(char const* counter, std::size_t value, std::size_t& last);
+
     nxSupport::Domain& domain_;
     urKRCache::Manager& cache_;
-    nxTXN::Manager const& history_;
+    nxTXN::Manager& history_;
+    ur::Account const& account_;
+    urRTB::ScopedConnection stepConnection_;
+    std::size_t stepsDone_ = 0;
+    // Counters as the time line has them.
+    std::size_t cacheBytes_ = 0;
+    std::size_t historyBytes_ = 0;
+    std::size_t scriptBytes_ = 0;
     bool const showsStatistics_;
     std::optional<nxSupport::Timeline> timeline_;
 };

@@ -84,7 +84,7 @@ CString packagePath(std::string_view places) {
 Host::Host(Options const& options)
     : arguments_(options.arguments),
       loop_(options.network, interrupt_),
-      diagnostics_(options, domain_, cache_, history_) {
+      diagnostics_(options, domain_, cache_, history_, *database_.account()) {
     theCache = &cache_;
     urKRCache::setCacheManagerFunc([] { return theCache; });
     cache_.setMemoryLimit64(options.cacheLimit);
@@ -140,7 +140,15 @@ void Host::registerFunctions(nxRFL::Database& database) {
         .add("later", [this](std::function<void()> function) { later(std::move(function)); })
         .add("fileSink", [this](CString const& path) { return fileSink(path); })
         .add("exit", [this](int code) { exit(code); })
-        .add("statistics", [this] { return diagnostics_.statistics(); });
+        .add("statistics", [this] { return diagnostics_.statistics(); })
+        .add("span",
+             [](CString const& name, ur::Reference<nxRFL::Function> const& function) {
+                 requireFunction(function != nullptr, "host.span", 2);
+                 nxSupport::ScriptCallScope const span(name);
+                 nxRFL::Stack results;
+                 function->call({}, results);
+             },
+             {"name", "function"});
 }
 
 void Host::openState(Options const& options) {

@@ -22,13 +22,13 @@ struct Recording {
     using Clock = std::chrono::steady_clock;
     using Index = std::size_t;
 
-    enum class Kind : std::uint8_t { context, script, build, performance, drop };
+    enum class Kind : std::uint8_t { context, script, build, performance, drop, span, mark, counter };
 
     struct Event {
-        std::int64_t begin;     ///< in nanoseconds since the time line was made
-        std::int64_t duration;  ///< in nanoseconds; `open` while it has not ended
-        std::uint32_t name;     ///< of a script or a class: place in `names`; otherwise the mode or the activity
-        std::uint32_t bytes = 0;
+        std::int64_t begin;       ///< in nanoseconds since the time line was made
+        std::int64_t duration;    ///< in nanoseconds; `open` while it has not ended; of a counter the bits of its value
+        std::uint32_t name;       ///< the mode or the activity; otherwise the place in `names`
+        std::uint32_t bytes = 0;  ///< of a span, the place of its result in `names`
         Kind kind;
         urKRCache::Leaving why{};
     };

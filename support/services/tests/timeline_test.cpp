@@ -87,6 +87,29 @@ TEST(Timeline, RecordsEveryKindOfEventAndWritesATrace) {
     cache.manager.setObserver(nullptr);
 }
 
+TEST(Timeline, ShowsSpansThatOverlapMarksAndCounters) {
+    Timeline timeline;
+    std::size_t const first = timeline.beginSpan("GET a");
+    std::size_t const second = timeline.beginSpan("GET b");
+    timeline.mark("Move");
+    timeline.endSpan(first, "200 \"OK\"");
+    timeline.count("cache", 1.5);
+    timeline.beginSpan("GET c");
+    timeline.endSpan(second, "404");
+    Trace const trace(timeline);
+    EXPECT_EQ(trace.text(), "b GET a\ne GET a\nb GET b\ne GET b\ni Move\nC cache\nb GET c\n");
+    EXPECT_EQ(trace.number(0, "id"), trace.number(1, "id"));
+    EXPECT_NE(trace.number(0, "id"), trace.number(2, "id"));
+    EXPECT_LE(trace.number(2, "ts"), trace.number(1, "ts")) << "the second begins before the first ends";
+    EXPECT_EQ(nxPLST::asString(asDictionary(trace.events[1]->get("args"))->get("result"))->value(), "200 \"OK\"");
+    EXPECT_EQ(nxPLST::asDouble(asDictionary(trace.events[5]->get("args"))->get("value"))->value(), 1.5);
+
+    Timeline full(0);
+    full.endSpan(full.beginSpan("x"), "y");
+    full.count("x", 1);
+    EXPECT_EQ(full.droppedCount(), 2U);
+}
+
 TEST(Timeline, ScriptCallsLeftByAnErrorEndTogether) {
     Timeline timeline;
     Timeline::setActive(&timeline);

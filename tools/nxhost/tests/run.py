@@ -186,13 +186,21 @@ host.document:validate("size", function(size) return size end)
 host.document:edit("Paint", function() host.document:set("size", 1) end)
 host.document:undo()
 print(host.cache:resource("brush", function() return "text" end).text)
-host.cache:clear()
 nxSupport.Context.exec(host.domain, "Const", function() end)
+host.cache:clear()
 host.later(function() end)
+host.span("layout", function() end)
+local connection = host.network:createConnection()
+local request = host.network:createRequest()
+request.url = "http://127.0.0.1:1/absent"
+connection:setRequest(request)
+connection:start()
 """
 EVENTS = {("context", "Undecided"), ("context", "Const"), ("script", "-e"), ("script", "Paint"), ("script", "brush"),
           ("script", "later"), ("script", "listener"), ("script", "validator"), ("cache", "build"), ("cache", "drop"),
-          ("performance", "TASK Execute"), ("performance", "Update Doc")}
+          ("performance", "TASK Execute"), ("performance", "Update Doc"), ("script", "layout"),
+          ("span", "GET http://127.0.0.1:1/absent"), ("mark", "Paint"), ("mark", "undo Paint"),
+          ("counter", "cache bytes"), ("counter", "history bytes"), ("counter", "script bytes")}
 COUNTS = r"""nxhost: NX_DEBUG: there is no Debug_Undoo; do you mean Debug_Undo\?
 TASK Execute \.\.\. = 0\.\d+
 Update Doc = 0\.\d+

@@ -27,3 +27,8 @@ exec("Undecided", function()
 end)
 print(nxSupport.ci(nxNet.Manager) == host.network, nxSupport.ci(urKRCache.Manager) == host.cache,
       nxSupport.ci(nxSupport.Domain) == host.domain, nxSupport.ci(nxTXN.Manager) ~= nil)
+
+-- A span is a call that the time line shows.
+host.span("layout", function() print("in the span") end)
+print(pcall(host.span, "fails", function() error("inside", 0) end))
+print(pcall(host.span, "nothing"))
