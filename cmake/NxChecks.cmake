@@ -10,6 +10,7 @@ endfunction()
 
 nx_check(check_format sh -c "git ls-files -z -- '*.h' '*.cpp' | xargs -0 clang-format --dry-run -Werror")
 nx_check(check_layers scripts/check_layers ${PROJECT_BINARY_DIR}/modules.tsv)
+nx_check(check_module_headers scripts/module_headers ${PROJECT_BINARY_DIR}/modules.tsv)
 nx_check(check_pages scripts/check_docs --path ${PROJECT_BINARY_DIR}/bin)
 nx_check(check_reference sh -c "mkdir -p build/reference && doxygen docs/Doxyfile")
 nx_check(check_scripts python3 -B scripts/selftest.py)

@@ -24,6 +24,22 @@ class Planted(unittest.TestCase):
         self.assertEqual(run.stderr, "")
         return run.stdout.splitlines() if run.returncode else []
 
+    def test_module_headers(self):
+        self.plant({
+            "modules.tsv": "low\tsome/low\t\t\t\t\n",
+            "some/low/Low.h": "namespace low {\n\ntemplate <class T>\nclass Box final : public T {\n    class Inner {};\n};\n\n"
+                              "namespace impl {\nstruct Hidden {};\n}  // namespace impl\n\nenum class Kind : char { a };\n"
+                              "class Known;\nstruct NX_API Plain {\n};\n\n}  // namespace low\n"})
+        self.assertEqual(len(self.told("module_headers", "modules.tsv")), 2)
+        self.assertEqual(self.told("module_headers", "--update", "modules.tsv"), [])
+        self.assertEqual(self.told("module_headers", "modules.tsv"), [])
+        declared = (self.top / "some/low/fwd.h").read_text()
+        for wanted in ["template <class T> class Box;", "enum class Kind : char;", "struct Plain;"]:
+            self.assertIn(wanted, declared)
+        for other in ["Inner", "Hidden", "Known"]:
+            self.assertNotIn(other, declared)
+        self.assertIn('#include "some/low/Low.h"', (self.top / "some/low/low.h").read_text())
+
     def test_layers(self):
         self.plant({
             "modules.tsv": "low\tlow\t\tEigen3::Eigen\tabsl::btree\t\n"

@@ -9,8 +9,8 @@
 
 namespace urString {
 
-/// Takes names one after the other and keeps the one that is most like a wanted one: it differs in at most a third of its
-/// bytes. Of names and of what is wanted, the first 63 bytes are compared.
+/// Takes names one after the other and keeps the one that is most like a wanted one: it differs in at most a third of
+/// its bytes. Of names and of what is wanted, the first 63 bytes are compared.
 class NX_API NearestName {
 public:
     explicit NearestName(std::string_view wanted) noexcept;

@@ -1,0 +1,11 @@
+// Declares what the other headers of this module define. Made by scripts/module_headers.
+#pragma once
+
+namespace nxDYD {
+
+class Arg;
+class Function;
+class Hooks;
+class Invocation;
+
+}  // namespace nxDYD

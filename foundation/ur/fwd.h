@@ -1,0 +1,24 @@
+// Declares what the other headers of this module define. Made by scripts/module_headers.
+#pragma once
+
+namespace ur {
+
+class Account;
+class BlockAllocator;
+struct BudgetSpent;
+class Charge;
+class ImplBase;
+template <class Block, class Type>
+class MapIterator;
+template <class T>
+struct NodeAllocator;
+class NodeBatch;
+class NodeSource;
+template <class T>
+class Reference;
+class ReferenceCount;
+class TypeInfo;
+template <class T>
+struct less;
+
+}  // namespace ur

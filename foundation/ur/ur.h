@@ -1,0 +1,23 @@
+// All of this module. Made by scripts/module_headers.
+#pragma once
+
+#include "foundation/ur/Account.h"
+#include "foundation/ur/BlockAllocator.h"
+#include "foundation/ur/BlockMap.h"
+#include "foundation/ur/Export.h"
+#include "foundation/ur/ImplBase.h"
+#include "foundation/ur/MapBlock.h"
+#include "foundation/ur/MapBranch.h"
+#include "foundation/ur/MapIterator.h"
+#include "foundation/ur/MapTree.h"
+#include "foundation/ur/NodeHeap.h"
+#include "foundation/ur/NodeSource.h"
+#include "foundation/ur/Reference.h"
+#include "foundation/ur/ReferenceCount.h"
+#include "foundation/ur/TypeInfo.h"
+#include "foundation/ur/containers.h"
+#include "foundation/ur/describe.h"
+#include "foundation/ur/functionName.h"
+#include "foundation/ur/hashfunction.h"
+#include "foundation/ur/keepAlive.h"
+#include "foundation/ur/mapSearch.h"

@@ -1,0 +1,23 @@
+// All of this module. Made by scripts/module_headers.
+#pragma once
+
+#include "plst/Array.h"
+#include "plst/Bool.h"
+#include "plst/Dictionary.h"
+#include "plst/Double.h"
+#include "plst/Expansion.h"
+#include "plst/Item.h"
+#include "plst/JsonReport.h"
+#include "plst/JsonTape.h"
+#include "plst/Parser.h"
+#include "plst/Path.h"
+#include "plst/ReadInterface.h"
+#include "plst/String.h"
+#include "plst/WriteInterface.h"
+#include "plst/casts.h"
+#include "plst/containers.h"
+#include "plst/convert.h"
+#include "plst/json.h"
+#include "plst/make.h"
+#include "plst/packets.h"
+#include "plst/shape.h"

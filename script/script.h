@@ -1,0 +1,8 @@
+// All of this module. Made by scripts/module_headers.
+#pragma once
+
+#include "script/initialize.h"
+#include "script/luaFunctions.h"
+#include "script/luaItems.h"
+#include "script/reflectedValues.h"
+#include "script/reflection.h"

@@ -1,0 +1,20 @@
+// Declares what the other headers of this module define. Made by scripts/module_headers.
+#pragma once
+
+namespace nxSupport {
+
+class AppInitMsg;
+class AsyncTask;
+class Broadcaster;
+class CallInfo;
+class CallInfoControl;
+class Context;
+class ContextObserver;
+class DataSink;
+class Domain;
+class InitializeLuaMsg;
+class InitializeReflectionMsg;
+class PreClearResourcesMsg;
+class Priority;
+
+}  // namespace nxSupport

@@ -1,0 +1,23 @@
+// All of this module. Made by scripts/module_headers.
+#pragma once
+
+#include "support/services/Cursor.h"
+#include "support/services/CursorSlot.h"
+#include "support/services/Debug.h"
+#include "support/services/DebugCode.h"
+#include "support/services/DebugPrint.h"
+#include "support/services/PerfScope.h"
+#include "support/services/Performance.h"
+#include "support/services/PerformanceCode.h"
+#include "support/services/Registry.h"
+#include "support/services/RegistryValue.h"
+#include "support/services/Timeline.h"
+#include "support/services/Transformer.h"
+#include "support/services/clearResources.h"
+#include "support/services/debugList.h"
+#include "support/services/display.h"
+#include "support/services/env.h"
+#include "support/services/fontsPath.h"
+#include "support/services/graphics.h"
+#include "support/services/nx_printf.h"
+#include "support/services/version.h"
