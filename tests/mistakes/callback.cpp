@@ -1,4 +1,4 @@
-// says: a callback of this signal can be called with its arguments: Signal<A, B> calls callback(a, b)
+// says: a callback of this signal can be called with its arguments
 #include "foundation/urRTB/Signal.h"
 
 void listen(urRTB::Signal<int>& changed) {

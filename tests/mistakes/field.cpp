@@ -1,4 +1,4 @@
-// says: no nxTXN::write(Writer&, T const&) and read(Reader&, T&) for a field of this type: include foundation/nxTXN/fields.h or support/properties/fields.h, or add them
+// says: no nxTXN::write(Writer&, T const&) and read(Reader&, T&) for a field of this type
 #include "foundation/nxTXN/RefCountedObject.h"
 #include "foundation/nxTXN/Serializer.h"
 

@@ -1,4 +1,4 @@
-// says: no item shape of this type: include plst/convert.h or plst/containers.h, or list its members (foundation/ur/describe.h)
+// says: no item shape of this type: include plst/convert.h or plst/containers.h
 #include "plst/make.h"
 
 struct Stroke {

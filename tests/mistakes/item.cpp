@@ -1,4 +1,4 @@
-// says: no conversion of this type to an item: include plst/convert.h or plst/containers.h, or add one
+// says: no conversion of this type to an item: include plst/convert.h or plst/containers.h
 #include "plst/make.h"
 
 struct Stroke {

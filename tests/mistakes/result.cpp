@@ -1,4 +1,4 @@
-// says: an object crosses over by pointer or reference; for a value list its members (foundation/ur/describe.h) or add nxRFL::read and write
+// says: an object crosses over by pointer or reference; for a value list its members
 #include "foundation/nxRFL/ExposeFunction.h"
 
 struct Stroke {
