@@ -13,6 +13,11 @@ write_basic_package_version_file(nxSupportConfigVersion.cmake COMPATIBILITY ${NX
 install(FILES ${PROJECT_BINARY_DIR}/nxSupportConfig.cmake ${PROJECT_BINARY_DIR}/nxSupportConfigVersion.cmake
         DESTINATION ${folder})
 
+# The pages and the programs that they show.
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md)
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN CMakeLists.txt EXCLUDE PATTERN *.expected EXCLUDE)
+
 # The prefix is told from where the file lies, so that an installed tree may be moved.
 file(RELATIVE_PATH NX_PC_TO_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" NX_PC_TO_PREFIX ${NX_PC_TO_PREFIX})

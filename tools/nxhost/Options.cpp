@@ -134,6 +134,14 @@ void printHelp() {
     for (auto const& exit : exitCodes) putLine(std::string(exit.code), exit.meaning);
 }
 
+/// For bash: the names of the options, and files for what else is typed.
+void printCompletion() {
+    std::printf("_nxhost() {\n    COMPREPLY=()\n    [[ ${COMP_WORDS[COMP_CWORD]} == -* ]] || return\n"
+                "    COMPREPLY=($(compgen -W '");
+    for (Option const& option : options) std::printf("%.*s ", static_cast<int>(option.name.size()), option.name.data());
+    std::printf("' -- \"${COMP_WORDS[COMP_CWORD]}\"))\n}\ncomplete -o default -F _nxhost nxhost\n");
+}
+
 /// libcurl takes a list, and "all".
 bool allowsFiles(std::string const& schemes) {
     urString::CString const list = (urString::CString(",").append(schemes) += ',').toLowerCase();
@@ -146,6 +154,8 @@ bool answered(std::string_view word) {
         printHelp();
     } else if (word == "--version") {
         std::puts("nxhost " NX_VERSION);
+    } else if (word == "--completion") {
+        printCompletion();
     } else {
         return false;
     }

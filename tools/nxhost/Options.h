@@ -56,7 +56,7 @@ struct UsageError {
     std::string message;
 };
 
-/// Nothing when --help or --version was given and has been answered. Throws `UsageError`.
+/// Nothing when --help, --version or --completion was given and has been answered. Throws `UsageError`.
 std::optional<Options> readOptions(int argc, char const* const* argv);
 
 }  // namespace nxhost

@@ -240,8 +240,18 @@ def untested(nxhost):
             yield f"{value['name']} is in no script"
 
 
+def uncompleted(nxhost):
+    """What bash does not offer."""
+    script = subprocess.run([nxhost, "--completion"], check=True, capture_output=True, text=True).stdout
+    for word, wanted in (("--st", "--stubs --stats"), ("file", "")):
+        run = subprocess.run(["bash", "-c", f'{script}\nCOMP_WORDS=(nxhost {word}) COMP_CWORD=1; _nxhost; echo "${{COMPREPLY[@]}}"'],
+                             capture_output=True, text=True)
+        if run.stdout.strip() != wanted or run.stderr:
+            yield f"completion of {word}: {run.stdout}{run.stderr}"
+
+
 def main(nxhost, names, update):
-    failures = [*untested(nxhost), *misused(nxhost), *walled(nxhost)]
+    failures = [*untested(nxhost), *misused(nxhost), *walled(nxhost), *uncompleted(nxhost)]
     with tempfile.TemporaryDirectory() as folder:
         failures += left_behind(nxhost, folder)
         failures += undiagnosed(nxhost, folder)
