@@ -13,7 +13,7 @@ namespace urString {
 /// its bytes. Of names and of what is wanted, the first 63 bytes are compared.
 class NX_API NearestName {
 public:
-    explicit NearestName(std::string_view wanted) noexcept;
+    explicit NearestName(std::string_view wanted);
 
     void offer(std::string_view name);
     /// Empty when no name was like the wanted one.
@@ -22,7 +22,7 @@ public:
     [[nodiscard]] CString question() const;
 
 private:
-    std::string_view wanted_;
+    CString wanted_;
     CString nearest_;
     std::size_t least_ = static_cast<std::size_t>(-1);
 };

@@ -141,6 +141,7 @@ void Host::registerFunctions(nxRFL::Database& database) {
         .add("fileSink", [this](CString const& path) { return fileSink(path); })
         .add("exit", [this](int code) { exit(code); })
         .add("statistics", [this] { return diagnostics_.statistics(); })
+        .add("describe", [this](CString const& name) { return describe(name); }, {"name"})
         .add("span",
              [](CString const& name, ur::Reference<nxRFL::Function> const& function) {
                  requireFunction(function != nullptr, "host.span", 2);
@@ -181,6 +182,20 @@ void Host::give(char const* name, T* object) {
 void Host::call(char const* chunk, nxRFL::Stack const& arguments) {
     nxRFL::Stack results;
     if (auto const error = state_->run(chunk, "=nxhost", arguments, results)) throw *error;
+}
+
+CString Host::describe(CString const& name) const {
+    CString const text = CString("\n").append(listing(nxRFL::ListingFormat::text));
+    for (char const* kind : {"class", "table"}) {
+        for (char const* behind : {"\n", ":"}) {
+            std::size_t const at = text.find(CString::format("\n%s %s%s", kind, name.c_str(), behind));
+            if (at == CString::npos) continue;
+            std::size_t end = text.find('\n', at + 1);
+            while (end + 1 < text.size() && text[end + 1] == ' ') end = text.find('\n', end + 1);
+            return text.substr(at + 1, end - at);
+        }
+    }
+    return {};
 }
 
 CString Host::listing(nxRFL::ListingFormat format) const {

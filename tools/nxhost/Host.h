@@ -77,6 +77,8 @@ private:
     void later(std::function<void()> function);
     ur::Reference<nxSupport::DataSink> fileSink(urString::CString const& path);
     void exit(int code);
+    /// The part of the listing that is about the class or the table; empty when there is none of that name.
+    [[nodiscard]] urString::CString describe(urString::CString const& name) const;
     void onCallbackError(nxRFL::Exception const& error);
 
     std::vector<std::string> const arguments_;

@@ -135,10 +135,48 @@ int LineEditor::readKey(wchar_t& key) {
     }
 }
 
+namespace {
+
+/// Where the text begins that has no end in the line; `npos` when there is none.
+std::size_t startOfText(std::string_view line) {
+    std::size_t start = line.npos;
+    for (std::size_t at = 0; at < line.size(); ++at) {
+        if (start == line.npos && (line[at] == '"' || line[at] == '\'')) {
+            start = at + 1;
+        } else if (start != line.npos && line[at] == '\\') {
+            ++at;
+        } else if (start != line.npos && line[at] == line[start - 1]) {
+            start = line.npos;
+        }
+    }
+    return start;
+}
+
+/// The files that the unfinished text in the line may be the path of; folders end in a slash.
+nxLC::Completion filesFor(std::string_view line) {
+    std::size_t const start = startOfText(line);
+    std::string_view const path = line.substr(start);
+    std::size_t const slash = path.rfind('/');
+    std::string_view const folder = slash == path.npos ? std::string_view() : path.substr(0, slash + 1);
+    nxLC::Completion found{start, {}};
+    std::error_code none;
+    for (auto const& entry : std::filesystem::directory_iterator(folder.empty() ? "." : folder, none)) {
+        std::string name = std::string(folder) + entry.path().filename().string();
+        if (!name.starts_with(path)) continue;
+        if (entry.is_directory(none)) name += '/';
+        found.names.emplace_back(name);
+    }
+    std::sort(found.names.begin(), found.names.end());
+    return found;
+}
+
+}  // namespace
+
 unsigned char LineEditor::complete() {
     LineInfo const* const typed = el_line(editor_.get());
     std::string_view const before(typed->buffer, static_cast<std::size_t>(typed->cursor - typed->buffer));
-    nxLC::Completion const found = nxLC::completions(state_.get(), before);
+    nxLC::Completion const found =
+        startOfText(before) == before.npos ? nxLC::completions(state_.get(), before) : filesFor(before);
     if (found.names.empty()) return CC_ERROR;
     std::string_view common = found.names.front();
     for (auto const& name : found.names) common = commonStart(common, name);

@@ -136,8 +136,9 @@ void printHelp() {
 
 /// For bash: the names of the options, and files for what else is typed.
 void printCompletion() {
-    std::printf("_nxhost() {\n    COMPREPLY=()\n    [[ ${COMP_WORDS[COMP_CWORD]} == -* ]] || return\n"
-                "    COMPREPLY=($(compgen -W '");
+    std::printf(
+        "_nxhost() {\n    COMPREPLY=()\n    [[ ${COMP_WORDS[COMP_CWORD]} == -* ]] || return\n"
+        "    COMPREPLY=($(compgen -W '");
     for (Option const& option : options) std::printf("%.*s ", static_cast<int>(option.name.size()), option.name.data());
     std::printf("' -- \"${COMP_WORDS[COMP_CWORD]}\"))\n}\ncomplete -o default -F _nxhost nxhost\n");
 }

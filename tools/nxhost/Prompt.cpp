@@ -1,6 +1,11 @@
 // Reading, evaluating, printing.
 #include "tools/nxhost/Prompt.h"
 
+#include <algorithm>
+#include <cstdio>
+#include <string_view>
+
+#include "foundation/nxRFL/Reader.h"
 #include "foundation/nxRFL/Writer.h"
 #include "support/services/Timeline.h"
 #include "tools/nxhost/Host.h"
@@ -13,14 +18,91 @@ using ur::Reference;
 
 namespace {
 
-constexpr char const* showSource =
-    "local function show(...) if select('#', ...) > 0 then print(...) end end "
-    "show((...)())";
+/// Calls a function and prints its results, tables as text of a few lines. Takes what it needs from Lua now, since
+/// scripts may change it.
+constexpr char const* showSource = R"lua(
+local function sorted(a, b)
+    if type(a) == type(b) and (type(a) == "number" or type(a) == "string") then return a < b end
+    return type(a) < type(b)
+end
+local getmetatable, pairs, print, select, tostring, type = getmetatable, pairs, print, select, tostring, type
+local format, sort, concat, insert = string.format, table.sort, table.concat, table.insert
+local mostLines, mostDepth = 20, 8
+
+local function text(value, lines, indent, open)
+    if type(value) == "string" then return format("%q", value) end
+    if type(value) ~= "table" or getmetatable(value) ~= nil then return tostring(value) end
+    if open[value] or #indent > 2 * mostDepth then return "{...}" end
+    open[value] = true
+    local keys = {}
+    for key in pairs(value) do insert(keys, key) end
+    sort(keys, sorted)
+    local parts, length = {}, 0
+    for i = 1, #keys do
+        if lines.left <= 0 then insert(parts, "...") break end
+        local key = keys[i]
+        local name = type(key) == "string" and key:match("^[%a_][%w_]*$") or "[" .. text(key, lines, indent .. "  ", open) .. "]"
+        local part = text(value[key], lines, indent .. "  ", open)
+        insert(parts, key == i and part or name .. " = " .. part)
+        length = length + #parts[#parts]
+        if length > 80 then lines.left, length = lines.left - 1, 0 end
+    end
+    open[value] = nil
+    local line = "{" .. concat(parts, ", ") .. "}"
+    if #line + #indent <= 100 and not line:find("\n", 1, true) then return line end
+    lines.left = lines.left - #parts
+    return "{\n  " .. indent .. concat(parts, ",\n  " .. indent) .. "\n" .. indent .. "}"
+end
+
+if help == nil then
+    local describe = host.describe
+    function help(what)
+        local name = tostring(what):match("^class (.*)") or getmetatable(what)
+        if type(name) ~= "string" then name = nil end
+        if not name and type(what) == "table" then
+            for key, value in pairs(_G) do name = name or value == what and key ~= "_G" and tostring(key) or nil end
+        end
+        local found = name and describe(name) or ""
+        print(found ~= "" and found:sub(1, -2) or "nothing is known of this " .. type(what))
+    end
+end
+
+return function(call)
+    local function show(...)
+        local count, shown = select("#", ...), {...}
+        for i = 1, count do
+            local value = shown[i]
+            local isPlain = type(value) == "table" and getmetatable(value) == nil
+            shown[i] = isPlain and text(value, {left = mostLines}, "", {}) or tostring(value)
+        end
+        if count > 0 then print(concat(shown, "\t")) end
+    end
+    show(call())
+end
+)lua";
+
+constexpr char const* helpText =
+    "Type Lua; what it gives is printed. Chunks may take several lines. Tab completes names, members and files in "
+    "quotes.\n"
+    "  help(x)      what an object, a class or a table of functions offers: help(host.document), help(nxSupport)\n"
+    "  quit         ends the program, as Ctrl-D does";
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view blanks = " \t\r\n";
+    std::size_t const begin = std::min(text.find_first_not_of(blanks), text.size());
+    return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
+}
+
+/// The function that a chunk returns.
+Reference<Function> made(Host& host, char const* source) {
+    nxRFL::Stack results;
+    host.state().load(source, "=nxhost")->call({}, results);
+    return nxRFL::Reader(results).readFunction();
+}
 
 }  // namespace
 
-Prompt::Prompt(Host& host)
-    : host_(host), show_(host.state().load(showSource, "=nxhost")), editor_(host.loop(), host.state()) {}
+Prompt::Prompt(Host& host) : host_(host), show_(made(host, showSource)), editor_(host.loop(), host.state()) {}
 
 void Prompt::run() {
     Interrupt& interrupt = host_.loop().interrupt();
@@ -45,6 +127,8 @@ bool Prompt::readChunk() {
                 case LineEditor::Result::end: return false;
             }
             text += line + "\n";
+            if (trimmed(text) == "quit") return false;
+            if (trimmed(text) == "help") return std::puts(helpText), true;
             chunk_ = compile(text);
         } while (!chunk_);
     } catch (Exception const& error) {

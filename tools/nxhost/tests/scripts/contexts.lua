@@ -32,3 +32,4 @@ print(nxSupport.ci(nxNet.Manager) == host.network, nxSupport.ci(urKRCache.Manage
 host.span("layout", function() print("in the span") end)
 print(pcall(host.span, "fails", function() error("inside", 0) end))
 print(pcall(host.span, "nothing"))
+print(host.describe("nxNet::Manager"):match("[^\n]*"), host.describe("nothing") == "")

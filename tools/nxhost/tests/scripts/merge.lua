@@ -1,4 +1,5 @@
 -- options: --memory 100M
+-- not under: thread
 -- Merging block after block into one body costs about as much as the body.
 local net = require "fetch"
 local resident = require "resident"
