@@ -2,6 +2,7 @@
 #include "foundation/nxLC/ReflectionData.h"
 
 #include "foundation/nxLC/impl/Binding.h"
+#include "foundation/nxLC/impl/libraries.h"
 #include "foundation/nxLC/impl/objects.h"
 #include "foundation/nxLC/impl/publish.h"
 
@@ -64,6 +65,9 @@ void ReflectionData::setLimits(Limits const& limits) noexcept { binding_.meter.s
 
 void ReflectionData::interrupt() noexcept { binding_.meter.interrupt(); }
 
-void ReflectionData::end() noexcept { binding_.meter.end(binding_.running); }
+void ReflectionData::end() noexcept {
+    impl::dropFinalizers(binding_.running);
+    binding_.meter.end(binding_.running);
+}
 
 }  // namespace nxLC

@@ -46,7 +46,7 @@ public:
     /// Ends the script that runs, if one does. Safe in signal handlers and on any thread.
     void interrupt() noexcept { reflection_->interrupt(); }
     /// For a native function that the script has called: when it throws, the script ends, whatever it catches. Nothing
-    /// more of it runs but finalizers, and later calls fail.
+    /// more of it runs, finalizers of its proxies included, and later calls fail.
     void end() noexcept { reflection_->end(); }
 
 private:

@@ -93,6 +93,35 @@ int removeBounded(lua_State* state) {
 /// `insert` with two arguments appends the second, which may be a number.
 int insertBounded(lua_State* state) { return lua_gettop(state) == 3 ? moveBounded(state) : callOriginal(state); }
 
+char const proxiesKey = 0;
+
+/// Notes the metatable of a new proxy, where scripts put finalizers.
+int noteProxy(lua_State* state) {
+    lua_settop(state, 1);
+    lua_pushvalue(state, lua_upvalueindex(1));  // called by Lua, since it has an upvalue of its own
+    lua_insert(state, 1);
+    lua_call(state, 1, 1);
+    if (!lua_getmetatable(state, -1)) return 1;
+    lua_pushlightuserdata(state, const_cast<char*>(&proxiesKey));
+    lua_rawget(state, LUA_REGISTRYINDEX);
+    lua_insert(state, -2);
+    lua_pushboolean(state, 1);
+    lua_rawset(state, -3);
+    lua_pop(state, 1);
+    return 1;
+}
+
+/// The table whose keys are the metatables of proxies, as long as there are any.
+void keepProxies(lua_State* state) {
+    lua_pushlightuserdata(state, const_cast<char*>(&proxiesKey));
+    lua_newtable(state);
+    lua_newtable(state);
+    lua_pushliteral(state, "k");
+    lua_setfield(state, -2, "__mode");
+    lua_setmetatable(state, -2);
+    lua_rawset(state, LUA_REGISTRYINDEX);
+}
+
 /// Puts `bounded` in front of functions of the table that is the global `table`.
 void bound(lua_State* state, char const* table, std::initializer_list<char const*> names, lua_CFunction bounded) {
     lua_getglobal(state, table);
@@ -110,6 +139,8 @@ void bound(lua_State* state, char const* table, std::initializer_list<char const
 void openLibraries(lua_State* state, Library library) {
     if (library == Library::everything) {
         luaL_openlibs(state);
+        keepProxies(state);
+        bound(state, "_G", {"newproxy"}, &noteProxy);
     } else {
         open(state, "", &luaopen_base);
         open(state, LUA_TABLIBNAME, &luaopen_table);
@@ -126,6 +157,20 @@ void openLibraries(lua_State* state, Library library) {
     bound(state, LUA_STRLIBNAME, {"rep"}, &repeatBounded);
     bound(state, LUA_TABLIBNAME, {"insert"}, &insertBounded);
     bound(state, LUA_TABLIBNAME, {"remove"}, &removeBounded);
+}
+
+void dropFinalizers(lua_State* state) noexcept {
+    int const top = lua_gettop(state);
+    lua_pushlightuserdata(state, const_cast<char*>(&proxiesKey));
+    lua_rawget(state, LUA_REGISTRYINDEX);
+    if (lua_istable(state, -1)) {
+        for (lua_pushnil(state); lua_next(state, top + 1); lua_pop(state, 1)) {
+            lua_pushliteral(state, "__gc");
+            lua_pushnil(state);
+            lua_rawset(state, -4);
+        }
+    }
+    lua_settop(state, top);
 }
 
 }  // namespace nxLC::impl

@@ -9,4 +9,8 @@ namespace nxLC::impl {
 /// Raises.
 void openLibraries(lua_State* state, Library library);
 
+/// Takes the finalizers out of the metatables of the proxies that scripts have made. Requires: room for five values on
+/// the stack.
+void dropFinalizers(lua_State* state) noexcept;
+
 }  // namespace nxLC::impl

@@ -99,6 +99,8 @@ TEST_F(Limits, EndForGoodWhenNativeCodeSaysSo) {
         state->end();
         throw nxRFL::Exception("the script leaves");
     });
+    int finalized = 0;
+    nxRFL::ExposeFunction(database, "farm::tools").add("count", [&finalized] { ++finalized; });
     for (char const* const stubborn : {
              "leave()",
              "pcall(leave)",
@@ -113,12 +115,19 @@ TEST_F(Limits, EndForGoodWhenNativeCodeSaysSo) {
              "getmetatable('').__index = function() leave() end pcall(function() return ('').x end)",
          }) {
         state = std::make_unique<nxLC::State>(database);
-        succeed("leave = farm.tools.leave");
+        succeed(R"(leave = farm.tools.leave
+            local count = farm.tools.count
+            kept = newproxy(true)
+            getmetatable(kept).__gc = function() count() end
+            newproxy(kept) collectgarbage())");
+        EXPECT_EQ(std::exchange(finalized, 0), 1);
         EXPECT_NE(run(std::string(stubborn) + " after = 1"), "ok") << stubborn;
         EXPECT_EQ(run("after = 1"), "the script has ended") << stubborn;
         lua_getglobal(state->get(), "after");
         EXPECT_TRUE(lua_isnil(state->get(), -1)) << stubborn;
         lua_pop(state->get(), 1);
+        state.reset();
+        EXPECT_EQ(finalized, 0) << stubborn;
     }
 }
 

@@ -1,4 +1,5 @@
 // The listing for other programs.
+#include "foundation/nxRFL/Parameter.h"
 #include "foundation/nxRFL/impl/listings.h"
 
 namespace nxRFL::impl {
