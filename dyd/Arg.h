@@ -13,7 +13,7 @@
 namespace nxDYD {
 
 /// Holds an item, or null for no value. The item is shared, not copied.
-class NX_API Arg : public ur::ReferenceCount {
+class NX_API Arg : public ur::ReferenceCount, public ur::NodeAllocated {
 public:
     Arg() noexcept = default;
     explicit Arg(ur::Reference<nxPLST::Item const> item) noexcept : item_(std::move(item)) {}
@@ -22,9 +22,6 @@ public:
     ~Arg() override = default;
 
     [[nodiscard]] ur::Reference<nxPLST::Item const> item() const noexcept { return item_; }
-
-    static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
-    static void operator delete(void* arg, std::size_t bytes) noexcept { ur::deallocateNode(arg, bytes); }
 
 private:
     ur::Reference<nxPLST::Item const> item_;

@@ -22,15 +22,12 @@ class ManagerImpl;
 /// while the key is in use. Every hook may use the cache, also for the key's own shim: a resource that is being
 /// built or paged is then absent. An exception from a hook reaches the caller of the cache and leaves the cache
 /// whole; a hook must not destroy the manager. The same thread as its manager.
-class NX_API KeyData : public ur::ReferenceCount {
+class NX_API KeyData : public ur::ReferenceCount, public ur::NodeAllocated {
 public:
     /// Emitted each time the resource has been cleared, after `onResourceCleared`.
     urRTB::Signal<> resourceClearedSignal;
 
     ~KeyData() override;
-
-    static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
-    static void operator delete(void* key, std::size_t bytes) noexcept { ur::deallocateNode(key, bytes); }
 
     /// Whether `getPredeterminedSize` tells how large the resource will be, so that room can be made first.
     [[nodiscard]] virtual bool hasPredeterminedSize() const;

@@ -18,14 +18,11 @@ namespace urKRCache {
 /// Shared by reference: a reference keeps a resource alive even after the cache has dropped it, but only a lock
 /// keeps its payload in memory. A proxy stands for data that is counted elsewhere and counts nothing itself.
 /// The same thread as its manager.
-class NX_API Resource : public ur::ReferenceCount {
+class NX_API Resource : public ur::ReferenceCount, public ur::NodeAllocated {
 public:
     Resource() noexcept : Resource(false) {}
     explicit Resource(bool isProxy) noexcept : isProxy_(isProxy) {}
     ~Resource() override = default;
-
-    static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
-    static void operator delete(void* resource, std::size_t bytes) noexcept { ur::deallocateNode(resource, bytes); }
 
     /// 0 for a proxy, which is not asked.
     [[nodiscard]] unsigned getSizeInBytes() const { return isProxy_ ? 0 : onGetSizeInBytes(); }

@@ -23,7 +23,7 @@ enum Type : int { BoolType = 0, DoubleType = 1, StringType = 2, ArrayType = 3, D
 ///
 /// One thread uses a tree at a time, or several read it after the last write without taking or dropping
 /// references. A tree may be dropped on another thread than the one that made it.
-class NX_API Item : public ur::ReferenceCount {
+class NX_API Item : public ur::ReferenceCount, public ur::NodeAllocated {
 public:
     [[nodiscard]] Type type() const noexcept { return type_; }
 
@@ -34,9 +34,6 @@ public:
     /// Whether both trees have the same structure: kinds, sizes and keys, whatever the numbers and texts in them.
     /// This item's class decides the rule.
     [[nodiscard]] bool congruent(Item const& other) const { return onCongruent(other); }
-
-    static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
-    static void operator delete(void* item, std::size_t bytes) noexcept { ur::deallocateNode(item, bytes); }
 
 protected:
     explicit Item(Type type) noexcept : type_(type) {}

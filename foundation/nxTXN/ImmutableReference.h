@@ -15,15 +15,12 @@ namespace nxTXN {
 /// A field that refers to such a holder changes its value by referring to a new one; the former value stays alive
 /// for as long as a record refers to its holder. T counts its holders. Owned by the manager.
 template <class T>
-class ImmutableReference final : public RefCountedObject {
+class ImmutableReference final : public RefCountedObject, public ur::NodeAllocated {
 public:
     ImmutableReference(Manager& manager, ur::Reference<T> value)
         : RefCountedObject(manager, Role::value), value_(std::move(value)) {}
 
     [[nodiscard]] ur::Reference<T> const& value() const noexcept { return value_; }
-
-    static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
-    static void operator delete(void* holder, std::size_t bytes) noexcept { ur::deallocateNode(holder, bytes); }
 
 protected:
     void onTxnGetSize(ObjectSize& size) const override {

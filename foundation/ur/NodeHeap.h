@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <new>
 
 #include "foundation/ur/Export.h"
 
@@ -18,6 +19,18 @@ namespace ur {
 
 /// Gives back what `allocateNode(bytes)` gave; null is ignored.
 NX_API void deallocateNode(void* node, std::size_t bytes) noexcept;
+
+/// A base of classes whose objects are nodes; those with more alignment than usual come from the general allocator.
+struct NodeAllocated {
+    static void* operator new(std::size_t bytes) { return allocateNode(bytes); }
+    static void* operator new(std::size_t bytes, std::align_val_t alignment) {
+        return ::operator new(bytes, alignment);
+    }
+    static void operator delete(void* node, std::size_t bytes) noexcept { deallocateNode(node, bytes); }
+    static void operator delete(void* node, std::size_t bytes, std::align_val_t alignment) noexcept {
+        ::operator delete(node, bytes, alignment);
+    }
+};
 
 /// The same storage for the standard's containers.
 template <class T>

@@ -15,15 +15,13 @@ namespace nxSupport {
 /// Stands for a member in lists. It outlives the member and is then empty, since undo may bring back a list that names
 /// a member that has gone. Shared by the member and the lists.
 template <class Member>
-class MemberEntry {
+class MemberEntry : public ur::NodeAllocated {
 public:
     explicit MemberEntry(Member& member) noexcept : member_(&member) {}
     void ref() const noexcept { ++holders_; }
     void unref() const noexcept {
         if (--holders_ == 0) delete this;
     }
-    static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
-    static void operator delete(void* entry, std::size_t bytes) noexcept { ur::deallocateNode(entry, bytes); }
 
     [[nodiscard]] Member* member() const noexcept { return member_; }
     void detach() noexcept { member_ = nullptr; }

@@ -71,6 +71,24 @@ long residentKiB() {
     return resident * sysconf(_SC_PAGESIZE) / 1024;
 }
 
+TEST(NodeHeap, GivesClassesTheirAlignment) {
+    struct Base : ur::NodeAllocated {
+        virtual ~Base() = default;
+    };
+    struct Plain : Base {
+        char text[100];
+    };
+    struct alignas(128) Wide : Base {
+        char text[300];
+    };
+    std::vector<std::unique_ptr<Base>> objects;
+    for (int i = 0; i < 50; ++i) {
+        objects.push_back(std::make_unique<Plain>());
+        objects.push_back(std::make_unique<Wide>());
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(objects.back().get()) % 128, 0U);
+    }
+}
+
 TEST(NodeHeap, NodesMadeOnOneThreadAndDroppedOnAnotherDoNotAddUp) {
 #if defined(__SANITIZE_ADDRESS__)
     GTEST_SKIP() << "freed memory stays in quarantine, which alone is larger than the bound";
