@@ -15,7 +15,7 @@ nx_windows_package(PkgConfig::LUA_CXX liblua5.1-c++.a /lua)
 # Linked one by one, since /usr/include as a whole is for another system.
 set(headers ${PROJECT_BINARY_DIR}/headers_of_packages)
 file(MAKE_DIRECTORY ${headers})
-foreach(name utf8.h utf8 eigen3)
+foreach(name utf8.h utf8 eigen3 xxhash.h)
   file(CREATE_LINK /usr/include/${name} ${headers}/${name} SYMBOLIC)
 endforeach()
 add_library(utf8cpp INTERFACE IMPORTED GLOBAL)

@@ -1,12 +1,13 @@
 // Moving a payload block by block.
 #include "krcache/impl/FileStream.h"
 
+#define XXH_INLINE_ALL  // nothing of it is exported or linked
+#include <xxhash.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <utility>
-
-#include "krcache/impl/checksum.h"
 
 namespace urKRCache {
 
@@ -60,7 +61,7 @@ std::size_t FileStream::writeSome(char const* bytes, std::size_t count) {
 void FileStream::writeBlock(char const* bytes, std::size_t count) {
     error_ = file_.file().writeAt(entry_.offset_ + transferred_, bytes, count);
     if (error_.isError()) return;
-    entry_.checks_.push_back(impl::checksum(bytes, count));
+    entry_.checks_.push_back(XXH3_64bits(bytes, count));
     transferred_ += count;
     entry_.written_ = transferred_;
 }
@@ -100,7 +101,7 @@ std::size_t FileStream::readSome(char* bytes, std::size_t count) {
 
 bool FileStream::readBlock(char* bytes, std::size_t count) {
     error_ = file_.file().readAt(entry_.offset_ + transferred_, bytes, count);
-    if (error_.ok() && impl::checksum(bytes, count) != entry_.checks_[transferred_ / file_.blockSize()])
+    if (error_.ok() && XXH3_64bits(bytes, count) != entry_.checks_[transferred_ / file_.blockSize()])
         error_ = Error(EIO, "the file has been changed by someone else");
     if (error_.ok()) transferred_ += count;
     return error_.ok();

@@ -14,7 +14,6 @@
 #include <stdexcept>
 
 #include "krcache/impl/FileStream.h"
-#include "krcache/impl/checksum.h"
 #include "krcache/tests/TestKeys.h"
 
 namespace urKRCache::test {
@@ -86,17 +85,6 @@ TEST(PageFileStreams, KeepToTheirChunksInPiecesOfAnySizeAndAtAnyOffset) {
             EXPECT_TRUE(stream->write("x", 1, &done).ok() && done == 0 && stream->error().isError());
         }
     }
-}
-
-TEST(Checksum, NoticesEachByteAndTheLength) {
-    std::string bytes(300, 'x');
-    std::uint64_t const sum = impl::checksum(bytes.data(), bytes.size());
-    for (char& byte : bytes) {
-        byte ^= 1;
-        EXPECT_NE(impl::checksum(bytes.data(), bytes.size()), sum);
-        byte ^= 1;
-    }
-    EXPECT_NE(impl::checksum(bytes.data(), bytes.size() - 1), sum);
 }
 
 struct PagingTest : testing::Test, Cache {
