@@ -10,6 +10,7 @@ class Charge;
 class ImplBase;
 template <class Block, class Type>
 class MapIterator;
+struct NodeAllocated;
 template <class T>
 struct NodeAllocator;
 class NodeBatch;
