@@ -27,8 +27,8 @@ struct NodeAllocated {
         return ::operator new(bytes, alignment);
     }
     static void operator delete(void* node, std::size_t bytes) noexcept { deallocateNode(node, bytes); }
-    static void operator delete(void* node, std::size_t bytes, std::align_val_t alignment) noexcept {
-        ::operator delete(node, bytes, alignment);
+    static void operator delete(void* node, std::size_t /*bytes*/, std::align_val_t alignment) noexcept {
+        ::operator delete(node, alignment);
     }
 };
 

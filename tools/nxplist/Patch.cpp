@@ -63,6 +63,12 @@ bool fits(Value const& root, Difference const& difference) {
     return found && difference.before ? *found == *difference.before : !found && !difference.before;
 }
 
+[[noreturn]] void refuseLine(std::string const& name, std::size_t number, std::string const& why) {
+    std::string message = name;
+    message.append(":").append(std::to_string(number)).append(": ").append(why);
+    throw Failure{ExitCode::negative, message};
+}
+
 }  // namespace
 
 void applyDifferences(Document& document, std::string const& name, std::string_view lines) {
@@ -71,9 +77,7 @@ void applyDifferences(Document& document, std::string const& name, std::string_v
     for (std::size_t number = 1; !lines.empty(); ++number) {
         auto const end = std::min(lines.find('\n'), lines.size());
         auto difference = readLine(lines.substr(0, end));
-        auto const refuse = [&](std::string const& why) {
-            throw Failure{ExitCode::negative, name + ":" + std::to_string(number) + ": " + why};
-        };
+        auto const refuse = [&](std::string const& why) { refuseLine(name, number, why); };
         if (!difference) refuse("no line that diff prints without --brief");
         if (!fits(document.root, *difference)) refuse(document.name + " differs there");
         if (!difference->after) {
@@ -85,7 +89,7 @@ void applyDifferences(Document& document, std::string const& name, std::string_v
     }
     for (auto removal = removals.rbegin(); removal != removals.rend(); ++removal) {
         if (deleteAt(document.root, removal->second, error)) continue;
-        throw Failure{ExitCode::negative, name + ":" + std::to_string(removal->first) + ": " + error};
+        refuseLine(name, removal->first, error);
     }
 }
 
