@@ -250,6 +250,21 @@ void writeAny(Writer& writer, T&& value) {
     }
 }
 
+namespace impl {
+
+/// The stack on which these are the arguments of a call.
+template <class... Arguments>
+Stack argumentsOf(Arguments&&... arguments) {
+    Stack values;
+    {
+        [[maybe_unused]] Writer writer(values);
+        (writeAny<Arguments>(writer, std::forward<Arguments>(arguments)), ...);
+    }
+    return values;
+}
+
+}  // namespace impl
+
 /// A script's function that throws what the script has thrown, an `Exception` with the script's stack. It does nothing,
 /// and gives an empty result, once the script's state has closed. As a parameter it takes a script's function like
 /// `std::function`, whose errors go to the database's error handler instead.
@@ -265,10 +280,8 @@ void read(Reader& reader, ThrowingFunction<Result(Arguments...)>& callable) {
     ur::Reference<Function> function = reader.readFunction();
     if (!function) return;
     callable = [function = std::move(function)](Arguments... arguments) -> Result {
-        Stack values;
+        Stack const values = impl::argumentsOf<Arguments...>(std::forward<Arguments>(arguments)...);
         Stack results;
-        Writer writer(values);
-        (writeAny<Arguments>(writer, std::forward<Arguments>(arguments)), ...);
         if (function->canRun()) function->call(values, results);
         if constexpr (!std::is_void_v<Result>) {
             Result result{};
@@ -286,10 +299,8 @@ void read(Reader& reader, std::function<Result(Arguments...)>& callable) {
     ur::Reference<Function> function = reader.readFunction();
     if (!function) return;
     callable = [callback = Callback(std::move(function))](Arguments... arguments) -> Result {
-        Stack values;
+        Stack const values = impl::argumentsOf<Arguments...>(std::forward<Arguments>(arguments)...);
         Stack results;
-        Writer writer(values);
-        (writeAny<Arguments>(writer, std::forward<Arguments>(arguments)), ...);
         bool const succeeded = callback.call(values, results);
         if constexpr (!std::is_void_v<Result>) {
             Result result{};

@@ -68,7 +68,7 @@ void ListState::apply(ListChange const& change, RefCountedObject& object) {
 }
 
 void ListState::change(ListChange const& change, RefCountedObject& object) {
-    ur::Reference<ListVersion> next(new ListVersion(const_cast<ListVersion&>(version()), change, object));
+    ur::Reference<ListVersion> next(new ListVersion(*version_, change, object));
     apply(change, object);
     version_.swap(next);
 }
@@ -118,7 +118,7 @@ namespace {
 
 constexpr std::size_t usualMostInPiece = 512;
 
-/// Records hold the version; its list outlives no record of its own.
+/// A record holds the version that the list was. It is read for a list that exists only.
 constexpr FieldHandlers versionHandlers = {
     [](Writer& writer, void const* field) { writer.writePtr(&static_cast<impl::ListState const*>(field)->version()); },
     [](Reader& reader, void* field) {
@@ -160,7 +160,7 @@ bool ObjectListBase::move(std::size_t from, std::size_t to) {
 
 void ObjectListBase::clear() {
     std::shared_ptr<impl::ListState> const state = state_;
-    while (state->list() && erase(size() - 1)) {
+    for (std::size_t left = size(); left > 0 && state->list() && erase(size() - 1); --left) {
     }
 }
 

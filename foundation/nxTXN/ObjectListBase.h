@@ -32,7 +32,7 @@ public:
     bool erase(std::size_t index);
     /// The object at `from` is at `to` afterwards. False, and nothing changes, when one of the two does not exist.
     bool move(std::size_t from, std::size_t to);
-    /// Erases all, from the last to the first.
+    /// Erases as many as there are, from the last one on: what listeners insert meanwhile may stay.
     void clear();
 
 protected:

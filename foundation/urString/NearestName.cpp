@@ -30,12 +30,13 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
 
 NearestName::NearestName(std::string_view wanted) : wanted_(wanted.substr(0, longestCompared)) {}
 
-void NearestName::offer(std::string_view name) {
+bool NearestName::offer(std::string_view name) {
     std::string_view const compared = name.substr(0, longestCompared);
     std::size_t const distance = editDistance(wanted_.view(), compared);
-    if (distance >= least_ || 3 * distance > std::max(wanted_.size(), compared.size())) return;
+    if (distance >= least_ || 3 * distance > std::max(wanted_.size(), compared.size())) return false;
     nearest_ = CString(name);
     least_ = distance;
+    return true;
 }
 
 CString NearestName::question() const {

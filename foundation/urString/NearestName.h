@@ -15,7 +15,8 @@ class NX_API NearestName {
 public:
     explicit NearestName(std::string_view wanted);
 
-    void offer(std::string_view name);
+    /// Whether the name is now the nearest.
+    bool offer(std::string_view name);
     /// Empty when no name was like the wanted one.
     [[nodiscard]] CString const& get() const noexcept { return nearest_; }
     /// "; do you mean NAME?", or nothing.

@@ -32,12 +32,12 @@ urString::CString essence(std::string_view name) {
 DebugCode nearestCode(std::string_view entry) {
     urString::CString const wanted = essence(entry);
     urString::NearestName nearest(wanted.view());
-    for (int i = 0; i < NUM_CODES; ++i) nearest.offer(essence(Debug::getCodeName(static_cast<DebugCode>(i))).view());
+    auto meant = NUM_CODES;
     for (int i = 0; i < NUM_CODES; ++i) {
         auto const code = static_cast<DebugCode>(i);
-        if (essence(Debug::getCodeName(code)) == nearest.get()) return code;
+        if (nearest.offer(essence(Debug::getCodeName(code)).view())) meant = code;
     }
-    return NUM_CODES;
+    return meant;
 }
 
 /// `NUM_CODES` for any number that is too large, and for what is none.

@@ -21,13 +21,14 @@ namespace {
 /// Calls a function and prints its results, tables as text of a few lines. Takes what it needs from Lua now, since
 /// scripts may change it.
 constexpr char const* showSource = R"lua(
+local getmetatable, pairs, print, select, tostring, type = getmetatable, pairs, print, select, tostring, type
+local format, sort, concat, insert = string.format, table.sort, table.concat, table.insert
+local mostLines, mostDepth = 20, 8
+
 local function sorted(a, b)
     if type(a) == type(b) and (type(a) == "number" or type(a) == "string") then return a < b end
     return type(a) < type(b)
 end
-local getmetatable, pairs, print, select, tostring, type = getmetatable, pairs, print, select, tostring, type
-local format, sort, concat, insert = string.format, table.sort, table.concat, table.insert
-local mostLines, mostDepth = 20, 8
 
 local function text(value, lines, indent, open)
     if type(value) == "string" then return format("%q", value) end

@@ -93,7 +93,13 @@ int removeBounded(lua_State* state) {
 /// `insert` with two arguments appends the second, which may be a number.
 int insertBounded(lua_State* state) { return lua_gettop(state) == 3 ? moveBounded(state) : callOriginal(state); }
 
+/// Its address is the key in the registry.
 char const proxiesKey = 0;
+
+void pushProxies(lua_State* state) {
+    lua_pushlightuserdata(state, const_cast<char*>(&proxiesKey));
+    lua_rawget(state, LUA_REGISTRYINDEX);
+}
 
 /// Notes the metatable of a new proxy, where scripts put finalizers.
 int noteProxy(lua_State* state) {
@@ -102,8 +108,7 @@ int noteProxy(lua_State* state) {
     lua_insert(state, 1);
     lua_call(state, 1, 1);
     if (!lua_getmetatable(state, -1)) return 1;
-    lua_pushlightuserdata(state, const_cast<char*>(&proxiesKey));
-    lua_rawget(state, LUA_REGISTRYINDEX);
+    pushProxies(state);
     lua_insert(state, -2);
     lua_pushboolean(state, 1);
     lua_rawset(state, -3);
@@ -161,10 +166,14 @@ void openLibraries(lua_State* state, Library library) {
 
 void dropFinalizers(lua_State* state) noexcept {
     int const top = lua_gettop(state);
-    lua_pushlightuserdata(state, const_cast<char*>(&proxiesKey));
-    lua_rawget(state, LUA_REGISTRYINDEX);
+    pushProxies(state);
     if (lua_istable(state, -1)) {
         for (lua_pushnil(state); lua_next(state, top + 1); lua_pop(state, 1)) {
+            lua_pushliteral(state, "__gc");
+            lua_rawget(state, -3);
+            bool const hasFinalizer = !lua_isnil(state, -1);  // taking away what is not there would need memory
+            lua_pop(state, 1);
+            if (!hasFinalizer) continue;
             lua_pushliteral(state, "__gc");
             lua_pushnil(state);
             lua_rawset(state, -4);

@@ -275,6 +275,15 @@ TEST_F(ObjectListUse, TellAfterTheStepAndWhatListenersChangeAfterThat) {
     manager.undo();
     EXPECT_EQ(log.take(), "more:extant more:extant first:extant told3 told3 told3");
 
+    {
+        urRTB::ScopedConnection const refilling =
+            list.erasedSignal().addCallback([this](std::size_t, Node&) { list.append(node("again")); });
+        edit(manager, [&] { list.clear(); });
+    }
+    EXPECT_EQ(list.size(), 3U);
+    EXPECT_EQ(before.nodes, contents(list));
+    log.take();
+
     auto const bad = node("bad");
     bad->setNext(node("next"));
     EXPECT_THROW(edit(manager, [&] { list.append(bad); }), std::runtime_error);
