@@ -102,6 +102,7 @@ TEST_F(Exposed, NamesParametersFillsInWhatIsLeftOutAndChoosesByTheNumberOfArgume
     };
     nxRFL::ExposeClass<Pen>(database, "studio::Pen")
         .addMethod("line", &Pen::line, {"x", "y", {"width", 1.0}, {"colour", "black"}})
+        .addMethod("trace", overloads(&Pen::lineTo, &Pen::line))
         .addMethod("draw", overloads(&Pen::lineTo, &Pen::line, [](Pen& pen) { pen.drawn += "none;"; }));
     auto const pen = ur::make<Pen>();
     auto const& line = member("studio::Pen", "line").function;
@@ -122,6 +123,21 @@ TEST_F(Exposed, NamesParametersFillsInWhatIsLeftOutAndChoosesByTheNumberOfArgume
     EXPECT_EQ(pen->drawn, "2;1,2,3red;none;");
     EXPECT_EQ(messageOf(draw, pen, 1, 2), "studio::Pen.draw has no form with 2 arguments");
     EXPECT_EQ(messageOf(draw, pen, 1), "studio::Pen.draw: argument 1 must be array, but is number");
+    EXPECT_EQ(messageOf(member("studio::Pen", "trace").function, pen),
+              "studio::Pen.trace has no form with 0 arguments");
+    EXPECT_EQ(messageOf(draw), "studio::Pen.draw must be called on an object: object:name(...)");
+    EXPECT_EQ(draw->signature().size(), 3U) << "of the first form: result, object, points";
+
+    nxRFL::ExposeFunction(database, "studio")
+        .add("scale", [](double factor, double by) { return factor * by; }, {"factor", {"by", 10.0}})
+        .add("both", overloads([](double a, double b) { return a + b; }, [](double a) { return -a; }));
+    auto const tableTool = [&](char const* name) {
+        return database.getTable("studio")->functions.find(name)->function;
+    };
+    EXPECT_EQ(Reader(call(tableTool("scale"), 2)).readDouble(), 20);
+    EXPECT_EQ(messageOf(tableTool("scale")), "studio.scale takes 1 to 2 arguments, but got 0");
+    EXPECT_EQ(Reader(call(tableTool("both"), 2)).readDouble(), -2);
+    EXPECT_EQ(messageOf(tableTool("both")), "studio.both has no form with 0 arguments");
 }
 
 TEST_F(Exposed, GivesErrorsOfScriptsToTheHandlerOrToTheCaller) {
