@@ -51,16 +51,15 @@ void History::addPeer(History& other) {
     other.peers_.reserve(other.peers_.size() + 1);
     peers_.push_back(&other);
     other.peers_.push_back(this);
-    if (lifetimes_.restoring()) other.lifetimes_.setRestoring(true);
 }
 
 bool History::peerIsBusy() const noexcept {
     return std::any_of(peers_.begin(), peers_.end(), [](History const* other) { return other->busy_; });
 }
 
-void History::setRestoring(bool restoring) noexcept {
-    lifetimes_.setRestoring(restoring);
-    for (History* other : peers_) other->lifetimes_.setRestoring(restoring);
+bool History::restoring() const noexcept {
+    return restorings_ > 0 ||
+           std::any_of(peers_.begin(), peers_.end(), [](History const* other) { return other->restorings_ > 0; });
 }
 
 void History::forgetEverywhere(Object const& object) noexcept {

@@ -95,6 +95,9 @@ public:
         visitRestoring(object, pass);
     }
 
+    /// Whether this manager or a peer is putting fields back.
+    [[nodiscard]] bool restoring() const noexcept;
+
     void begin(urString::CString const& name, TransactionKind kind, void const* coalesceKey);
     bool commit();
     bool abort();
@@ -133,14 +136,13 @@ private:
         bool before_;
     };
 
-    /// While one lives, fields are being put back: objects, also those of peers, come and go without being
-    /// destroyed.
+    /// While one lives, fields are being put back.
     class Restoring {
     public:
-        explicit Restoring(History& history) noexcept : history_(history) { history_.setRestoring(true); }
+        explicit Restoring(History& history) noexcept : history_(history) { ++history_.restorings_; }
         Restoring(Restoring const&) = delete;
         Restoring& operator=(Restoring const&) = delete;
-        ~Restoring() { history_.setRestoring(false); }
+        ~Restoring() { --history_.restorings_; }
 
     private:
         History& history_;
@@ -153,7 +155,6 @@ private:
     [[noreturn]] static void refuseRecord();
     [[nodiscard]] bool pinForeign(Object& object);
     void addPeer(History& other);
-    void setRestoring(bool restoring) noexcept;
     void settle(urOS::FirstError& errors) noexcept;
     [[nodiscard]] History* borrowed(Lifetimes::Settling stage) const noexcept;
     [[nodiscard]] ur::Reference<SharedName> shared(urString::CString const& name) const;
@@ -197,6 +198,7 @@ private:
     std::uint32_t stamp_ = 0;            // of the newest transaction
     void const* coalesceKey_ = nullptr;  // of the newest step
     bool sealed_ = false;                // the newest step takes no more
+    unsigned restorings_ = 0;
     bool busy_ = false;
     UnrecordedChange unrecordedChange_ = UnrecordedChange::report;
     std::size_t stepLimit_ = 0;

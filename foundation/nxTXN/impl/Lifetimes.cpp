@@ -85,11 +85,15 @@ void Lifetimes::removeOrphan(RefCountedObject& object) noexcept {
     object.txnDelete();
 }
 
+bool Lifetimes::mayReturn(Object const& object) const noexcept {
+    return settling_ == Settling::none && object.history_->restoring();
+}
+
 void Lifetimes::lastReferenceGone(RefCountedObject& object) noexcept {
     if (closing_) return;
     Entry& entry = entryOf(object);
     if (entry.queued) return;
-    if (!restoring_) return wait(object);
+    if (!mayReturn(object)) return wait(object);
     note(object);
     if (!entry.dead) die(entry);
 }
@@ -201,7 +205,7 @@ void Lifetimes::returned(Object& object) noexcept {
     if (!object.history_) return;
     Lifetimes& lifetimes = object.history_->lifetimes();
     Entry& entry = lifetimes.entryOf(object);
-    if (!entry.dead || !lifetimes.restoring_) return;
+    if (!entry.dead || !lifetimes.mayReturn(object)) return;
     // The owner of a field that does not count as a reference is notified as well when the object goes.
     entry.notified = false;
     lifetimes.note(object);

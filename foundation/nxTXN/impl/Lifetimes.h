@@ -64,10 +64,6 @@ public:
     };
     [[nodiscard]] bool busy() const noexcept { return deferrals_ > 0 || !changed_.empty(); }
 
-    /// While it is so, fields are being put back: objects come and go without being destroyed. Not while others are
-    /// being settled.
-    void setRestoring(bool restoring) noexcept { restoring_ = restoring && settling_ == Settling::none; }
-    [[nodiscard]] bool restoring() const noexcept { return restoring_; }
     /// A record gave the object back to a field.
     static void returned(Object& object) noexcept;
     /// Does or undoes the making of the objects from `begin` to `end`.
@@ -102,6 +98,8 @@ public:
     [[nodiscard]] std::size_t bytes() const noexcept { return bytes_; }
 
 private:
+    /// Whether the object may come and go without being destroyed, since fields are being put back.
+    [[nodiscard]] bool mayReturn(Object const& object) const noexcept;
     void note(Object& object) noexcept;
     void keepOrDrop(Object& object) noexcept;
     void retireWaiting() noexcept;
@@ -126,7 +124,6 @@ private:
     unsigned deferrals_ = 0;
     Settling settling_ = Settling::none;
     bool droppedUnborn_ = false;
-    bool restoring_ = false;
     bool closing_ = false;
 };
 

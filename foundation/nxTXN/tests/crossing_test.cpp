@@ -188,6 +188,38 @@ private:
     NodeReference made_;  // for the change to come
 };
 
+TEST(Crossing, OneManagerMayRestoreWhileAnotherDoes) {
+    /// Undoes a step of another manager before its own fields are put back.
+    struct Undoing : Node {
+        using Node::Node;
+        void onTransact(Serializer& serializer) override {
+            if (other && ++visits == 2) {
+                EXPECT_TRUE(std::exchange(other, nullptr)->undo());
+            }
+            Node::onTransact(serializer);
+        }
+        Manager* other = nullptr;
+        int visits = 0;  // to save the fields, then to restore them
+    };
+    Log log;
+    Manager leaves, first, second;
+    auto const undoing = ur::make<Undoing>(first, "undoing");
+    auto const partner = ur::make<Node>(first, "partner");
+    auto const root = ur::make<Node>(second, "root");
+    undoing->setNext(ur::make<Node>(leaves, "a", &log));
+    partner->setNext(ur::make<Node>(leaves, "b", &log));
+    edit(first, [&] {
+        NodeReference const a = undoing->next();
+        undoing->setNext(partner->next());
+        partner->setNext(a);
+    });
+    edit(second, [&] { root->setNext(ur::make<Node>(leaves, "c")); });
+    undoing->other = &second;
+    EXPECT_TRUE(first.undo());
+    EXPECT_EQ(log.take(), "a:gone a:extant") << "it was without a reference while the other manager settled";
+    EXPECT_FALSE(root->next());
+}
+
 TEST(CrossingModel, TwoManagersKeepWhatTheirRecordsNameOfEachOther) {
     for (unsigned seed = 1; seed <= 60; ++seed) {
         Crossing play(seed);
