@@ -44,6 +44,7 @@ public:
     }
     /// The last step of a destructor: throws the exception, or prints it while another one unwinds the stack.
     void leaveDestructor() const {
+        if (!error_) return;
         if (std::uncaught_exceptions() == 0) rethrow();
         print();
     }

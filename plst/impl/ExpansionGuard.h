@@ -10,15 +10,18 @@
 
 namespace nxPLST::impl {
 
-/// Lets the text of one tree grow. One that gets long is measured, once; it ends there when it would exceed what a tree
-/// that shares items may come to.
+/// Lets the text of one tree grow. When it is long and one of its items has several references, the tree is measured,
+/// once; the text ends there if the tree shares items and would exceed the limit for such trees.
 class ExpansionGuard {
 public:
     explicit ExpansionGuard(std::uint64_t most) noexcept : most_(most), unchecked_(std::min(most, shortText)) {}
 
     void watch(Item const* root) noexcept { root_ = root; }
-    /// Whether a text of so many bytes may go on.
-    [[nodiscard]] bool allows(std::size_t written) { return written <= unchecked_ || check(); }
+    /// Whether a text of so many bytes may go on, with `next` if that is not null.
+    [[nodiscard]] bool allows(std::size_t written, Item const* next) {
+        mayShare_ |= next && next != root_ && next->referenceCount() > 1;
+        return written <= unchecked_ || !mayShare_ || check();
+    }
 
 private:
     /// Texts of up to this size are not worth a look at the tree.
@@ -32,6 +35,7 @@ private:
     }
 
     Item const* root_ = nullptr;
+    bool mayShare_ = false;
     std::uint64_t most_;
     std::uint64_t unchecked_;
 };

@@ -39,7 +39,7 @@ void JsonTextWriter::writeNext(ChildWalk& children) {
 
 void JsonTextWriter::writeItem(Item const* item) {
     if (!item) return endValue();
-    stopped_ = !guard_.allows(written_ + indented_);
+    stopped_ = !guard_.allows(written_ + indented_, item);
     if (stopped_) return;
     switch (item->type()) {
         case BoolType: put(static_cast<Bool const*>(item)->value() ? "true" : "false"); break;

@@ -65,7 +65,7 @@ bool StrictJsonWriter::write(Item const* root) {
     if (!to) return false;
     *to = '\n';
     sink_.advanceTo(to + 1);
-    return guard_.allows(sink_.sizeAt(to + 1));
+    return guard_.allows(sink_.sizeAt(to + 1), nullptr);
 }
 
 /// Makes room for an item and writes the spaces in front of it.
@@ -93,16 +93,16 @@ inline char* StrictJsonWriter::putText(char* to, urString::CString const& text) 
 }
 
 /// Keys need no such look: there are no more of them than the containers that are looked at.
-inline char* StrictJsonWriter::putString(char* to, urString::CString const& text) {
-    if (text.size() > textBlock && !guard_.allows(sink_.sizeAt(to))) [[unlikely]]
+inline char* StrictJsonWriter::putString(char* to, String const& string) {
+    if (string.value().size() > textBlock && !guard_.allows(sink_.sizeAt(to), &string)) [[unlikely]]
         return refuse(to);
-    return putText(to, text);
+    return putText(to, string.value());
 }
 
 inline char* StrictJsonWriter::putValue(char* to, Item const* item, int kind, std::size_t indent) {
     switch (kind) {
         case DoubleType: return putNumber(to, static_cast<Double const*>(item)->value());
-        case StringType: return putString(to, static_cast<String const*>(item)->value());
+        case StringType: return putString(to, *static_cast<String const*>(item));
         case BoolType: return putWord(to, static_cast<Bool const*>(item)->value() ? "true" : "false");
         case ArrayType: return putContainer(to, {'[', ']'}, *static_cast<Array const*>(item), indent);
         case DictionaryType: return putContainer(to, {'{', '}'}, *static_cast<Dictionary const*>(item), indent);
@@ -112,7 +112,7 @@ inline char* StrictJsonWriter::putValue(char* to, Item const* item, int kind, st
 
 template <class Container>
 char* StrictJsonWriter::putContainer(char* to, Brackets brackets, Container const& container, std::size_t indent) {
-    if (indent == deepestIndent || !guard_.allows(sink_.sizeAt(to))) return refuse(to);
+    if (indent == deepestIndent || !guard_.allows(sink_.sizeAt(to), &container)) return refuse(to);
     *to++ = brackets.opening;
     *to++ = '\n';
     to = putChildren(to, container, indent + indentStep);

@@ -6,6 +6,7 @@
 
 #include "plst/Array.h"
 #include "plst/Dictionary.h"
+#include "plst/String.h"
 #include "plst/impl/ExpansionGuard.h"
 #include "plst/impl/json/TextSink.h"
 #include "plst/json.h"
@@ -44,7 +45,7 @@ private:
     char* putMisplaced(char* to, Dictionary::Map::value_type const& member, std::size_t indent, bool& valueDue);
 
     char* startLine(char* to, std::size_t indent);
-    char* putString(char* to, urString::CString const& text);
+    char* putString(char* to, String const& string);
     char* putText(char* to, urString::CString const& text);
     char* putAnyText(char* to, std::string_view text);
     char* refuse(char* to);

@@ -30,7 +30,7 @@ bool StyledJsonWriter::write(Item const* root) {
     while (!open_.empty()) {
         if (!writeNext()) return false;
     }
-    return guard_.allows(text_.size());
+    return guard_.allows(text_.size(), nullptr);
 }
 
 /// Writes the next child of the innermost container, or closes it.
@@ -61,7 +61,7 @@ bool StyledJsonWriter::writeNext() {
 }
 
 bool StyledJsonWriter::writeItem(Item const* item) {
-    if (!guard_.allows(text_.size())) return false;
+    if (!guard_.allows(text_.size(), item)) return false;
     if (!item) {
         text_ += "null";
         return true;
