@@ -18,6 +18,10 @@ install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTE
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN CMakeLists.txt EXCLUDE PATTERN *.expected EXCLUDE)
 
+# gdb loads it together with the library.
+install(FILES packaging/gdb/libSupport-gdb.py RENAME libSupport.so.${PROJECT_VERSION}-gdb.py
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/gdb/auto-load/${CMAKE_INSTALL_FULL_LIBDIR})
+
 # The prefix is told from where the file lies, so that an installed tree may be moved.
 file(RELATIVE_PATH NX_PC_TO_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" NX_PC_TO_PREFIX ${NX_PC_TO_PREFIX})
