@@ -67,17 +67,22 @@ int createStack(lua_State* state) {
 struct Entry {
     char const* name;
     lua_CFunction function;
+    char const* parameters;   // names, with commas between them
+    char const* annotations;  // for editors, a line each
 };
 
 constexpr std::array<Entry, 8> functions{{
-    {"decodeJSON", &impl::decodeJson},
-    {"encodeJSON", &impl::encodeJson},
-    {"decodeJSON2", &impl::decodeJson2},
-    {"encodeJSON2", &encodeJson2},
-    {"getObjectTableSize", &getObjectTableSize},
-    {"random", &random},
-    {"setLCPropertyAssignmentHook", &setPropertyAssignmentHook},
-    {"createLCStack", &createStack},
+    {"decodeJSON", &impl::decodeJson, "text",
+     "---@param text string\n---@return any value\n---@return string? message\n"},
+    {"encodeJSON", &impl::encodeJson, "value, indent",
+     "---@param value any\n---@param indent? number\n---@return string? text\n---@return string? message\n"},
+    {"decodeJSON2", &impl::decodeJson2, "text", "---@param text string\n---@return any value\n"},
+    {"encodeJSON2", &encodeJson2, "value", "---@param value any\n"},
+    {"getObjectTableSize", &getObjectTableSize, "", "---@return number\n"},
+    {"random", &random, "a, b", "---@param a? number\n---@param b? number\n---@return number\n"},
+    {"setLCPropertyAssignmentHook", &setPropertyAssignmentHook, "hook",
+     "---@param hook? fun(object: any, name: string, value: any)\n"},
+    {"createLCStack", &createStack, "...", "---@param ... any\n---@return nxRFL.Stack\n"},
 }};
 
 /// Raises. False, with nothing done, when there is no table to fill.
@@ -94,6 +99,18 @@ bool fillTable(lua_State* state) {
 }
 
 }  // namespace
+
+urString::CString luaFunctionStubs() {
+    urString::CString text = "nx = {}\n";
+    for (Entry const& entry : functions)
+        text.append(entry.annotations)
+            .append("function nx.")
+            .append(entry.name)
+            .append("(")
+            .append(entry.parameters)
+            .append(") end\n");
+    return text;
+}
 
 void registerLuaFunctions(InitializeLuaMsg& message) {
     lua_State* const state = message.getState();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "foundation/ur/Export.h"
+#include "foundation/urString/CString.h"
 #include "support/messaging/InitializeLuaMsg.h"
 
 namespace nxSupport {
@@ -10,5 +11,8 @@ namespace nxSupport {
 /// the host has made, with decodeJSON2, encodeJSON2, getObjectTableSize, random, setLCPropertyAssignmentHook and
 /// createLCStack. Without that table it says so on the application output and leaves the state as it was.
 NX_API void registerLuaFunctions(InitializeLuaMsg& message);
+
+/// Declarations of the table `nx` for editors, to be put after `nxRFL::listing` in the format `luaStubs`.
+[[nodiscard]] NX_API urString::CString luaFunctionStubs();
 
 }  // namespace nxSupport

@@ -61,6 +61,8 @@ public:
     void setParameters(std::initializer_list<Parameter> parameters);
     /// Empty when nobody has named them.
     [[nodiscard]] std::span<Parameter const> parameters() const noexcept;
+    /// The functions of which a call runs one; empty for any other function.
+    [[nodiscard]] virtual std::span<ur::Reference<Function> const> overloads() const noexcept { return {}; }
     /// Whether a call may have so many arguments, the object included. Requires: a known signature.
     [[nodiscard]] bool takes(unsigned arguments) const noexcept;
 

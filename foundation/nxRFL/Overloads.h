@@ -28,6 +28,7 @@ public:
     OverloadedFunction(Database& database, ur::vector<ur::Reference<Function>> functions);
 
     void setName(urString::CString name) override;
+    [[nodiscard]] std::span<ur::Reference<Function> const> overloads() const noexcept override { return functions_; }
 
 private:
     void onCall(Stack const& arguments, Stack& results) const override;

@@ -24,11 +24,11 @@ CString resultType(Function const& function) {
 
 namespace {
 
-void appendCall(CString& text, Member const& member) {
-    text.append(member.name).append("(");
+void appendCall(CString& text, CString const& name, Function const& function) {
+    text.append(name).append("(");
     char const* separator = "";
-    auto const types = impl::argumentTypes(*member.function);
-    auto const named = member.function->parameters();
+    auto const types = impl::argumentTypes(function);
+    auto const named = function.parameters();
     for (std::size_t i = 0; i < types.size(); ++i) {
         text.append(separator);
         if (i < named.size()) text.append(named[i].name).append(named[i].without ? "?: " : ": ");
@@ -36,28 +36,33 @@ void appendCall(CString& text, Member const& member) {
         separator = ", ";
     }
     text.append(")");
-    CString const result = impl::resultType(*member.function);
+    CString const result = impl::resultType(function);
     if (result != "void") text.append(": ").append(result);
 }
 
+/// A line for each form.
+void appendCalls(CString& text, char const* prefix, Member const& member) {
+    impl::forEachForm(*member.function, [&](Function const& form) {
+        text.append(prefix);
+        appendCall(text, member.name, form);
+        text.append("\n");
+    });
+}
+
 void appendMember(CString& text, Member const& member) {
-    text.append("    ");
     switch (member.kind) {
         case Member::Kind::property:
-            text.append(member.name).append(": ").append(impl::resultType(*member.function));
-            if (!member.second) text.append(" (read-only)");
+            text.append("    ").append(member.name).append(": ").append(impl::resultType(*member.function));
+            text.append(member.second ? "\n" : " (read-only)\n");
             break;
         case Member::Kind::iterator:
-            text.append(member.name).append("(): iterator of ").append(impl::resultType(*member.second));
+            text.append("    ").append(member.name).append("(): iterator of ");
+            text.append(impl::resultType(*member.second)).append("\n");
             break;
-        case Member::Kind::staticMethod:
-            text.append("static ");
-            appendCall(text, member);
-            break;
+        case Member::Kind::staticMethod: return appendCalls(text, "    static ", member);
         case Member::Kind::method:
-        case Member::Kind::function: appendCall(text, member); break;
+        case Member::Kind::function: return appendCalls(text, "    ", member);
     }
-    text.append("\n");
 }
 
 }  // namespace

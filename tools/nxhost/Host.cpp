@@ -10,6 +10,7 @@
 #include "plst/Dictionary.h"
 #include "plst/String.h"
 #include "script/initialize.h"
+#include "script/luaFunctions.h"
 #include "support/messaging/AppInitMsg.h"
 #include "support/messaging/InitializeLuaMsg.h"
 #include "support/messaging/InitializeReflectionMsg.h"
@@ -149,7 +150,7 @@ void Host::registerFunctions(nxRFL::Database& database) {
                  nxRFL::Stack results;
                  function->call({}, results);
              },
-             {"name", "function"});
+             {"name", "body"});
 }
 
 void Host::openState(Options const& options) {
@@ -200,6 +201,7 @@ CString Host::describe(CString const& name) const {
 
 CString Host::listing(nxRFL::ListingFormat format) const {
     CString text = nxRFL::listing(database_, format);
+    if (format == nxRFL::ListingFormat::luaStubs) text += nxSupport::luaFunctionStubs();
     bool const isJson = format == nxRFL::ListingFormat::json;
     if (isJson) text.erase(text.rfind('}')).append(",\"values\":[");
     char const* separator = "";

@@ -89,12 +89,14 @@ void writeParameters(JsonText& json, Function const& function) {
 void writeMembers(JsonText& json, char const* key, MemberList const& members) {
     json.key(key).open('[');
     for (Member const& member : members) {
-        json.open('{').key("name").string(member.name).key("kind").string(kindName(member.kind));
-        writeSignature(json, "signature", *member.function);
-        writeParameters(json, *member.function);
-        if (member.second)
-            writeSignature(json, member.kind == Member::Kind::property ? "setter" : "value", *member.second);
-        json.close('}');
+        forEachForm(*member.function, [&](Function const& form) {
+            json.open('{').key("name").string(member.name).key("kind").string(kindName(member.kind));
+            writeSignature(json, "signature", form);
+            writeParameters(json, form);
+            if (member.second)
+                writeSignature(json, member.kind == Member::Kind::property ? "setter" : "value", *member.second);
+            json.close('}');
+        });
     }
     json.close(']');
 }

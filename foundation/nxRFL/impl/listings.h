@@ -9,6 +9,12 @@ namespace nxRFL::impl {
 
 /// The types of what a script passes: without the object of a method.
 [[nodiscard]] std::span<urString::CString const> argumentTypes(Function const& function);
+/// Visits each function that may run when the one given is called.
+template <class Visit>
+void forEachForm(Function const& function, Visit&& visit) {
+    if (function.overloads().empty()) return visit(function);
+    for (auto const& form : function.overloads()) visit(*form);
+}
 /// "void" when unknown.
 [[nodiscard]] urString::CString resultType(Function const& function);
 

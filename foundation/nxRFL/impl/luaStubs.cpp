@@ -25,6 +25,18 @@ CString annotation(CString const& type) {
     return dotted(type);
 }
 
+/// Visits the name, whether calls may leave it out, and the annotation of each argument.
+template <class Visit>
+void forEachParameter(Function const& function, Visit visit) {
+    auto const named = function.parameters();
+    auto const types = argumentTypes(function);
+    for (std::size_t i = 0; i < types.size(); ++i) {
+        bool const isNamed = i < named.size();
+        visit(isNamed ? named[i].name : CString::format("argument%d", static_cast<int>(i) + 1),
+              isNamed && named[i].without, annotation(types[i]));
+    }
+}
+
 /// Writes the declarations, and each table before what lies in it.
 class StubText {
 public:
@@ -35,28 +47,40 @@ public:
     void declareTable(CString const& name) {
         if (declared_.insert(name).second) text_.append(name).append(" = {}\n");
     }
+    void declareIterator(CString const& owner, Member const& member) {
+        text_.append("---@return fun(): ");
+        text_.append(member.second->givesSeveral() ? CString("any, any") : annotation(resultType(*member.second)));
+        text_.append("\nfunction ").append(owner).append(":").append(member.name).append("() end\n");
+    }
+    /// The first form as a function, the others as its overloads.
     void declareFunction(CString const& owner, char const* separator, Member const& member) {
-        if (member.kind == Member::Kind::iterator) {
-            CString const value = resultType(*member.second);
-            text_.append("---@return fun(): ");
-            text_.append(member.second->givesSeveral() ? CString("any, any") : annotation(value)).append("\n");
-        }
+        Function const& function = *member.function;
+        auto const forms = function.overloads();
+        for (std::size_t i = 1; i < forms.size(); ++i) declareOverload(owner, *forms[i]);
+        Function const& first = forms.empty() ? function : *forms.front();
         CString parameters;
-        auto const types =
-            member.kind == Member::Kind::iterator ? std::span<CString const>() : argumentTypes(*member.function);
-        auto const named = member.function->parameters();
-        for (std::size_t i = 0; i < types.size(); ++i) {
-            bool const isNamed = i < named.size();
-            CString const name = isNamed ? named[i].name : CString::format("argument%d", static_cast<int>(i) + 1);
-            text_.append("---@param ").append(name).append(isNamed && named[i].without ? "? " : " ");
-            text_.append(annotation(types[i])).append("\n");
+        forEachParameter(first, [&](CString const& name, bool optional, CString const& type) {
+            text_.append("---@param ").append(name).append(optional ? "? " : " ").append(type).append("\n");
             parameters.append(parameters.empty() ? "" : ", ").append(name);
-        }
-        CString const result = annotation(resultType(*member.function));
-        if (member.kind != Member::Kind::iterator && !result.empty())
-            text_.append("---@return ").append(result).append("\n");
+        });
+        CString const result = annotation(resultType(first));
+        if (!result.empty()) text_.append("---@return ").append(result).append("\n");
         text_.append("function ").append(owner).append(separator).append(member.name);
         text_.append("(").append(parameters).append(") end\n");
+    }
+    void declareOverload(CString const& owner, Function const& function) {
+        text_.append("---@overload fun(");
+        char const* comma = "";
+        if (function.isMethod()) {
+            text_.append("self: ").append(owner);
+            comma = ", ";
+        }
+        forEachParameter(function, [&](CString const& name, bool optional, CString const& type) {
+            text_.append(comma).append(name).append(optional ? "?: " : ": ").append(type);
+            comma = ", ";
+        });
+        CString const result = annotation(resultType(function));
+        text_.append(result.empty() ? ")" : "): ").append(result).append("\n");
     }
     void declareClass(Class const& known) {
         CString const name = dotted(known.name());
@@ -73,7 +97,11 @@ public:
         declareTable(name);
         for (Member const& member : known.members()) {
             if (member.kind == Member::Kind::property) continue;
-            declareFunction(name, member.kind == Member::Kind::staticMethod ? "." : ":", member);
+            if (member.kind == Member::Kind::iterator) {
+                declareIterator(name, member);
+            } else {
+                declareFunction(name, member.kind == Member::Kind::staticMethod ? "." : ":", member);
+            }
         }
     }
     [[nodiscard]] CString take() { return std::move(text_); }

@@ -39,6 +39,7 @@ struct Listing : testing::Test {
             .addProperty("code", [](Item&) { return CString("\"\n"); })
             .addMethod("sell", [](Item&, Item*, CString const&) { return true; }, {"other", {"reason", "sale"}})
             .addStaticMethod("make", [](std::function<void()>) {})
+            .addMethod("weigh", nxRFL::overloads([](Item&) { return 1.0; }, [](Item&, double) { return 2.0; }))
             .addMapIterator(
                 "prices", [](Item & item) -> auto& { return item.prices; })
             .setHasHiddenSubclasses();
@@ -46,7 +47,8 @@ struct Listing : testing::Test {
             .add("a\"b", [] { return 1; })
             .add("c", [](shop::Sizes, nxRFL::Object const&,
                          ur::vector<double> const&) { return ur::map<CString, double>(); })
-            .add("d", [] { return std::pair(1, 2); });
+            .add("d", [] { return std::pair(1, 2); })
+            .add("e", nxRFL::overloads([] { return true; }, [](double, CString const&) {}));
     }
     /// The listing of `format` behind what every database knows.
     [[nodiscard]] CString listed(ListingFormat format, char const* first) const {
@@ -65,11 +67,15 @@ TEST_F(Listing, ReadsWell) {
               "    code: string (read-only)\n"
               "    sell(other: shop::Item, reason?: string): boolean\n"
               "    static make(function)\n"
+              "    weigh(): number\n"
+              "    weigh(number): number\n"
               "    prices(): iterator of object[2]\n"
               "table shop::till\n"
               "    a\"b(): number\n"
               "    c(number[3], object, array): dictionary\n"
-              "    d(): object[2]\n");
+              "    d(): object[2]\n"
+              "    e(): boolean\n"
+              "    e(number, string)\n");
 }
 
 TEST_F(Listing, IsJson) {
@@ -81,11 +87,15 @@ TEST_F(Listing, IsJson) {
         R"({"name":"sell","kind":"method","signature":["boolean","shop::Item","shop::Item","string"],)"
         R"("parameters":[{"name":"other","optional":false},{"name":"reason","optional":true}]},)"
         R"({"name":"make","kind":"static method","signature":["void","function"]},)"
+        R"({"name":"weigh","kind":"method","signature":["number","shop::Item"]},)"
+        R"({"name":"weigh","kind":"method","signature":["number","shop::Item","number"]},)"
         R"({"name":"prices","kind":"iterator","signature":["nxRFL::IteratorState","shop::Item"],)"
         R"("value":["object[2]","nxRFL::IteratorState"]}]}],)"
         R"("tables":[{"name":"shop::till","functions":[{"name":"a\"b","kind":"function","signature":["number"]},)"
         R"({"name":"c","kind":"function","signature":["dictionary","number[3]","object","array"]},)"
-        R"({"name":"d","kind":"function","signature":["object[2]"]}]}]})"
+        R"({"name":"d","kind":"function","signature":["object[2]"]},)"
+        R"({"name":"e","kind":"function","signature":["boolean"]},)"
+        R"({"name":"e","kind":"function","signature":["void","number","string"]}]}]})"
         "\n");
 }
 
@@ -104,6 +114,9 @@ TEST_F(Listing, DeclaresForEditors) {
               "function shop.Item:sell(other, reason) end\n"
               "---@param argument1 function\n"
               "function shop.Item.make(argument1) end\n"
+              "---@overload fun(self: shop.Item, argument1: number): number\n"
+              "---@return number\n"
+              "function shop.Item:weigh() end\n"
               "---@return fun(): any, any\n"
               "function shop.Item:prices() end\n"
               "shop.till = {}\n"
@@ -115,7 +128,10 @@ TEST_F(Listing, DeclaresForEditors) {
               "---@return table<string, any>\n"
               "function shop.till.c(argument1, argument2, argument3) end\n"
               "---@return any[]\n"
-              "function shop.till.d() end\n");
+              "function shop.till.d() end\n"
+              "---@overload fun(argument1: number, argument2: string)\n"
+              "---@return boolean\n"
+              "function shop.till.e() end\n");
 }
 
 }  // namespace

@@ -91,6 +91,7 @@ USAGE = [  # arguments, standard input, exit code, what is in the output
         "host.cache:resource('name' .. i, print)")),
     (["--list", "script.lua"], "", 2, "nxhost: a listing takes neither a script nor -e or -i"),
     (["--list", "--stubs"], "", 0, "\n---@class nxhost.Connection : nxNet.Connection\n"),
+    (["--list", "--stubs"], "", 0, "\n---@param text string\n---@return any value\nfunction nx.decodeJSON2(text) end\n"),
 ]
 
 
@@ -250,8 +251,16 @@ def uncompleted(nxhost):
             yield f"completion of {word}: {run.stdout}{run.stderr}"
 
 
+def unloadable(nxhost):
+    """Declarations for editors that are no Lua."""
+    stubs = subprocess.run([nxhost, "--list", "--stubs"], check=True, capture_output=True, text=True).stdout
+    load = subprocess.run([nxhost, "-e", 'assert(loadstring(io.read("*a")))'], input=stubs, capture_output=True, text=True)
+    if load.returncode != 0:
+        yield f"--list --stubs: {load.stderr}"
+
+
 def main(nxhost, names, update):
-    failures = [*untested(nxhost), *misused(nxhost), *walled(nxhost), *uncompleted(nxhost)]
+    failures = [*unloadable(nxhost), *untested(nxhost), *misused(nxhost), *walled(nxhost), *uncompleted(nxhost)]
     with tempfile.TemporaryDirectory() as folder:
         failures += left_behind(nxhost, folder)
         failures += undiagnosed(nxhost, folder)
