@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <cstdio>
 #include <ctime>
 
 #include "foundation/nxLC/State.h"
@@ -84,6 +85,7 @@ void Interrupt::removeWhenKilled(char const* file, char const* folder) noexcept 
 int Interrupt::pending() const noexcept { return caught; }
 
 void Interrupt::clear() noexcept {
+    if (caught != 0) std::clearerr(stdout);  // a write that it interrupted is repeated by the next one
     caught = 0;  // first: a signal that comes between the two is seen by who asks for it
     char bytes[16];
     while (read(pipeEnds[0], bytes, sizeof bytes) > 0) continue;
