@@ -102,7 +102,7 @@ def helps(folder):
     terminal.enter("help", "help(x)", "quit")
     terminal.enter("help(host.document)", "class nxhost::Document\r\n", "edit(string, function)\r\n")
     terminal.enter("help(nxSupport.Context)", "class nxSupport::Context")
-    terminal.enter("help(host)", "table host\r\n", "span(name: string, function: function)")
+    terminal.enter("help(host)", "table host\r\n", "span(name: string, body: function)")
     terminal.enter("help({})", "nothing is known of this table\r\n")
     Path(folder, "some file.txt").touch()
     Path(folder, "some folder").mkdir()
