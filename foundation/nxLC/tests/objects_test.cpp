@@ -122,6 +122,8 @@ TEST_F(Objects, BelongToScriptsOnlyWhenGiven) {
     give("later", Object(later, barns));
     state->reflection().pushObject(L, Object(later, barns));
     lua_setglobal(L, "again");
+    state->reflection().pushObject(L, Object::give(later, barns));  // it owns the object already
+    lua_pop(L, 1);
     succeed("assert(rawequal(later, again))");
     EXPECT_EQ(Barn::alive, 2);
     auto const rex = giveAnimal("rex");
