@@ -9,6 +9,7 @@
 #include "bench/rows.h"
 #include "bench/undoMenus.h"
 #include "foundation/nxTXN/Manager.h"
+#include "foundation/nxTXN/ObjectList.h"
 #include "foundation/nxTXN/RefCountedObject.h"
 #include "foundation/nxTXN/fields.h"
 
@@ -157,6 +158,75 @@ Side occupying(char const* name, std::size_t edits) {
             }};
 }
 
+/// Where insertion number i goes in a list of so many: anywhere.
+std::size_t scattered(std::size_t i, std::size_t size) { return i * 7919 % size; }
+
+/// A drawing whose order of shapes is edited.
+class OurLayers {
+public:
+    explicit OurLayers(std::size_t size) {
+        while (order_.size() < size) order_.append(ur::make<Shape>(manager_));
+    }
+    void insert(std::size_t i) {
+        manager_.begin("Insert");
+        order_.insert(scattered(i, order_.size()), shape_);
+        manager_.commit();
+    }
+    void undo() { manager_.undo(); }
+    [[nodiscard]] std::size_t historyBytes() const { return manager_.historyBytes(); }
+
+private:
+    nxTXN::Manager manager_;
+    nxTXN::ObjectList<Shape> order_{manager_};
+    ur::Reference<Shape> const shape_ = ur::make<Shape>(manager_);
+};
+
+class QtLayers {
+public:
+    using Order = std::vector<std::shared_ptr<double>>;
+
+    explicit QtLayers(std::size_t size) : order_(size, std::make_shared<double>()) {}
+    void insert(std::size_t i) { stack_.push(new Insert(order_, scattered(i, order_.size()))); }
+    void undo() { stack_.undo(); }
+
+private:
+    class Insert final : public QUndoCommand {
+    public:
+        Insert(Order& order, std::size_t index)
+            : QUndoCommand(QStringLiteral("Insert")), order_(order), index_(static_cast<std::ptrdiff_t>(index)) {}
+        void undo() override { order_.erase(order_.begin() + index_); }
+        void redo() override { order_.insert(order_.begin() + index_, shape_); }
+
+    private:
+        Order& order_;
+        std::ptrdiff_t index_;
+        std::shared_ptr<double> const shape_ = std::make_shared<double>();
+    };
+
+    Order order_;
+    QUndoStack stack_;
+};
+
+/// Inserting anywhere in a long list, and undoing that.
+template <class Layers>
+Side inserting(char const* name, std::size_t size, std::size_t insertions) {
+    return {name, [layers = std::make_shared<Layers>(size), insertions] {
+                return seconds([&] {
+                    for (std::size_t i = 0; i < insertions; ++i) layers->insert(i);
+                    for (std::size_t i = 0; i < insertions; ++i) layers->undo();
+                });
+            }};
+}
+
+/// The history of each insertion.
+Side insertionBytes(std::size_t size, std::size_t insertions) {
+    return {"nxTXN", [=] {
+                OurLayers layers(size);
+                for (std::size_t i = 0; i < insertions; ++i) layers.insert(i);
+                return static_cast<double>(layers.historyBytes()) / static_cast<double>(insertions);
+            }};
+}
+
 /// Recording, undoing and redoing a history of `edits`.
 double lifeOfHistory(std::size_t edits) {
     double const time = timeToRecord<OurDrawing>(edits);
@@ -182,6 +252,18 @@ void addUndoRows(Suite& suite) {
         "undo/bytes-per-edit", 0.7,
         [=] {
             return Sides{occupying<OurDrawing>("nxTXN", edits), occupying<QtDrawing>(peer, edits)};
+        },
+        Unit::bytes);
+    constexpr std::size_t longList = 100'000;
+    auto const insertions = static_cast<std::size_t>(suite.scaled(1000));
+    suite.compare("undo/list-insert", 0.5, [=] {
+        return Sides{inserting<OurLayers>("nxTXN", longList, insertions),
+                     inserting<QtLayers>("QUndoStack and std::vector", longList, insertions)};
+    });
+    suite.compare(
+        "undo/list-insert-bytes", 1.0,
+        [=] {
+            return Sides{insertionBytes(longList, insertions), {"400 bytes each", [] { return 400.0; }}};
         },
         Unit::bytes);
     suite.compareGrowth("undo-depth", 1000, lifeOfHistory);
