@@ -209,8 +209,12 @@ TEST_F(History, RecordsAnObjectOnceForATransactionWhateverItsInnerOnesBecome) {
 
 TEST_F(History, ForgetsTheOldestStepsBeyondItsLimits) {
     for (int i = 1; i <= 6; ++i) set(i, ("S" + std::to_string(i)).c_str());
+    int changes = 0;
+    auto const counting = manager.changedSignal().addCallback([&] { ++changes; });
     manager.setStepLimit(4);
     EXPECT_EQ(names(), "S3 S4 S5 S6 |");
+    manager.setStepLimit(4);
+    EXPECT_EQ(changes, 1);
     manager.undo();
     set(7, "S7");
     set(8, "S8");

@@ -174,6 +174,30 @@ protected:
     }
 };
 
+TEST_F(Hooks, ARestoreHookMayDestroyItsObject) {
+    struct Owned : Object {
+        Owned(Manager& manager, bool& mark) : Object(manager), gone(mark) {}
+        ~Owned() override { gone = true; }
+        int value = 1;
+        bool& gone;
+        void onTransact(Serializer& serializer) override {
+            serializer.beginObject(this, [](Object* object, Restorer&) { delete object; });
+            serializer.field(value);
+            serializer.endObject(this);
+        }
+    };
+    bool gone = false;
+    auto* const owned = new Owned(manager, gone);
+    edit(manager, [&] {
+        root->setValue(5);
+        owned->transact();
+        owned->value = 2;
+    });
+    EXPECT_TRUE(manager.undo());
+    EXPECT_TRUE(gone);
+    EXPECT_EQ(root->value(), 0);
+}
+
 TEST_F(Hooks, ReadingMoreThanWasWrittenGivesZerosAndNull) {
     Writer writer;
     writer.writeData("ab", 2);

@@ -206,6 +206,46 @@ TEST_F(Lifetime, ForgetsAnObjectThatItsOwnerDestroys) {
     EXPECT_EQ(root->value(), 0);
     manager.clear();
     EXPECT_EQ(manager.historyBytes(), 0U);
+
+    // A pointer into it becomes null, and what was written after that pointer stays in its place.
+    struct Pointing : RefCountedObject {
+        using RefCountedObject::RefCountedObject;
+        Owned* owner = nullptr;
+        int* value = nullptr;
+        char const* after = nullptr;
+        void onTransact(Serializer& serializer) override {
+            static constexpr FieldHandlers handlers = {
+                [](Writer& writer, void const* field) {
+                    auto const& pointing = *static_cast<Pointing const*>(field);
+                    writer.writePtr(pointing.value, pointing.owner);
+                    writer.writePtr(pointing.after);
+                },
+                [](Reader& reader, void* field) {
+                    auto& pointing = *static_cast<Pointing*>(field);
+                    pointing.value = static_cast<int*>(reader.readPtr());
+                    pointing.after = static_cast<char const*>(reader.readPtr());
+                },
+                nullptr};
+            serializer.field(this, &handlers);
+        }
+    };
+    auto const pointing = ur::make<Pointing>(manager);
+    char const text[] = "after";
+    pointing->after = text;
+    {
+        Owned owned(manager);
+        pointing->owner = &owned;
+        pointing->value = &owned.value;
+        edit(manager, [&] {
+            pointing->transact();
+            pointing->value = nullptr;
+            pointing->after = nullptr;
+        });
+        pointing->owner = nullptr;
+    }
+    EXPECT_TRUE(manager.undo());
+    EXPECT_EQ(pointing->value, nullptr);
+    EXPECT_EQ(pointing->after, text);
 }
 
 TEST_F(Lifetime, TheManagerTakesCyclesApartWhenItGoes) {
