@@ -2,32 +2,23 @@
 #include <chrono>
 #include <cstdio>
 
-#include "foundation/urThread/RunQueue.h"
-#include "plst/casts.h"
-#include "plst/convert.h"
+#include "plst/make.h"
 #include "support/messaging/AppInitMsg.h"
 #include "support/messaging/AsyncTask.h"
-#include "support/messaging/CallInfo.h"
-#include "support/messaging/Domain.h"
+#include "support/messaging/ServiceDomain.h"
 #include "support/messaging/subscribeFirstTime.h"
 
 using nxSupport::ci;
 using nxSupport::Context;
 
 // [host]
-class Application : public nxSupport::Domain {
+class Application : public nxSupport::ServiceDomain {
 public:
-    Application() : Domain(nullptr) {}
-    urThread::RunQueue& runQueue() override { return queue; }
-
-    nxSupport::Broadcaster broadcaster;
-    urThread::RunQueue queue;
+    explicit Application(urThread::RunQueue& queue) : ServiceDomain(queue) {}
 
 protected:
     void onBeginContext(Context const& context) override { print("begin", context); }
     void onEndContext(Context const& context) override { print("end", context); }
-    void onCallInfoCreated(nxSupport::CallInfo* callInfo, bool) override { callInfo->add(&broadcaster); }
-    void onCallInfoDestroyed(nxSupport::CallInfo*) override {}
 
 private:
     static void print(char const* what, Context const& context) {
@@ -38,8 +29,7 @@ private:
 
 // [module]
 void onAppInit(nxSupport::AppInitMsg& message) {
-    auto const windows = asDouble(message.parameters()->get("windows"));
-    std::printf("the module opens %g windows\n", windows ? windows->value() : 1.0);
+    std::printf("the module opens %d windows\n", nxPLST::get<int>(message.parameters(), "windows", 1));
 }
 
 void initializeModule() {
@@ -64,14 +54,15 @@ private:
 // [task]
 
 int main() {
-    Application application;
     // [run]
+    urThread::RunQueue queue;
+    nxSupport::Broadcaster broadcaster;
+    Application application(queue);
+    application.offer(&broadcaster);
     {
         Context const start(&application, Context::NoTxn);
         initializeModule();
-        auto parameters = ur::make<nxPLST::Dictionary>();
-        parameters->insert("windows", 2);
-        nxSupport::AppInitMsg message(parameters);
+        nxSupport::AppInitMsg message(nxPLST::dictionary({{"windows", 2}}));
         ci().get<nxSupport::Broadcaster>()->broadcast(message);
     }
     {
@@ -81,8 +72,8 @@ int main() {
         std::printf("the document is %s\n", application.isConst() ? "locked" : "open");
     }
     ur::make<Sum>(application)->startThread();
-    application.queue.wait(std::chrono::seconds(10));  // a host with a loop services the queue there
-    application.queue.service();
+    queue.wait(std::chrono::seconds(10));  // a host with a loop services the queue there
+    queue.service();
     // [run]
     return 0;
 }

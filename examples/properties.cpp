@@ -10,7 +10,6 @@
 using nxSupport::BoundedDouble;
 using nxSupport::Prop;
 using nxSupport::Property;
-using nxTXN::Transaction;
 
 namespace {
 
@@ -21,12 +20,10 @@ void saveAndLoad(nxTXN::Manager& document, Prop<BoundedDouble> const& radius, Pr
     panel.insert(other.pty());
     auto const saved = nxSupport::saveValues(panel);
     saved->insert("unknown", 1);
-    {
-        Transaction transaction(document, "Load");
-        nxSupport::LoadReport const report = nxSupport::loadValues(panel, *saved);
-        for (auto const& name : report.extra) std::printf("no property %s\n", name.c_str());
-        transaction.commit();
-    }
+    edit(document, "Load", [&] {
+        for (auto const& name : nxSupport::loadValues(panel, *saved).extra)
+            std::printf("no property %s\n", name.c_str());
+    });
     // [save]
 }
 
@@ -43,11 +40,7 @@ int main() {
     auto const listener = slider.subscribe([](BoundedDouble const& value, nxSupport::PropertyModType type) {
         if (type == nxSupport::ModifyPerform) std::printf("slider shows %g\n", value.value());
     });
-    {
-        Transaction transaction(document, "Radius");
-        radius.set(BoundedDouble(20, 0, 100));
-        transaction.commit();
-    }
+    edit(document, "Radius", [&] { radius.set(BoundedDouble(20, 0, 100)); });
     document.undo();  // the slider follows
     // [share]
 
@@ -58,26 +51,16 @@ int main() {
         bounded.setValue(bounded.maxValue());
         candidate = nxPLST::itemOf(bounded);
     });
-    {
-        Transaction transaction(document, "Radius");
-        bool const asGiven = slider.set(BoundedDouble(500, 0, 100));
-        std::printf("%g%s\n", radius.get().value(), asGiven ? "" : ", corrected");
-        transaction.commit();
-    }
+    bool asGiven = false;
+    edit(document, "Radius", [&] { asGiven = slider.set(BoundedDouble(500, 0, 100)); });
+    std::printf("%g%s\n", radius.get().value(), asGiven ? "" : ", corrected");
     // [validate]
 
     // [join]
     Prop<BoundedDouble> other;
-    {
-        Transaction transaction(document, "New eraser");
-        other = Prop<BoundedDouble>::createTxd(document, "eraser.radius", BoundedDouble(7, 0, 100));
-        transaction.commit();
-    }
-    {
-        Transaction transaction(document, "Link sizes");
-        radius.pty()->join(other.pty());
-        transaction.commit();
-    }
+    edit(document, "New eraser",
+         [&] { other = Prop<BoundedDouble>::createTxd(document, "eraser.radius", BoundedDouble(7, 0, 100)); });
+    edit(document, "Link sizes", [&] { radius.pty()->join(other.pty()); });
     document.undo();
     std::printf("%g and %g again\n", radius.get().value(), other.get().value());
     // [join]

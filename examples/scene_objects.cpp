@@ -19,10 +19,9 @@
 #include "foundation/nxTXN/Transaction.h"
 #include "foundation/ur/hashfunction.h"
 #include "foundation/urGeom/BoundingBox.h"
-#include "foundation/urThread/RunQueue.h"
 #include "krcache/Manager.h"
 #include "support/messaging/AsyncTask.h"
-#include "support/messaging/Domain.h"
+#include "support/messaging/ServiceDomain.h"
 #include "support/properties/Prop.h"
 
 using nxSupport::Prop;
@@ -83,14 +82,11 @@ struct BoundsKey : urKRCache::KeyData {
 };
 
 // ---- The application: one thread, a queue, a document with its history, a cache.
-class Scene : public nxSupport::Domain {
+class Scene : public nxSupport::ServiceDomain {
 public:
-    Scene() : Domain(nullptr) { cache.setMemoryLimit(2 * sizeof(Bounds)); }
-    urThread::RunQueue& runQueue() override { return queue; }
+    explicit Scene(urThread::RunQueue& queue) : ServiceDomain(queue) { cache.setMemoryLimit(2 * sizeof(Bounds)); }
     SceneObject& add(std::string const& name, Points points) {
-        Transaction transaction(history, ("Add " + name).c_str());
-        objects.append(ur::make<SceneObject>(history, name, std::move(points)));
-        transaction.commit();
+        edit(history, "Add " + name, [&] { objects.append(ur::make<SceneObject>(history, name, std::move(points))); });
         return objects[objects.size() - 1];
     }
     SceneObject* find(std::string const& name) const {
@@ -103,14 +99,9 @@ public:
         auto const bounds = cache.accessResource(shim);
         return bounds ? static_cast<Bounds const&>(*bounds).box.range() : urLinear::Range3d();
     }
-    urThread::RunQueue queue;
     nxTXN::Manager history;
     nxTXN::ObjectList<SceneObject> objects{history};
     urKRCache::Manager cache{std::filesystem::temp_directory_path().c_str()};
-    void onBeginContext(nxSupport::Context const&) override {}
-    void onEndContext(nxSupport::Context const&) override {}
-    void onCallInfoCreated(nxSupport::CallInfo*, bool) override {}
-    void onCallInfoDestroyed(nxSupport::CallInfo*) override {}
 };
 
 // ---- The panel: a twin of each property of the selected object, which follows edits, undo and redo.
@@ -202,7 +193,8 @@ int main() {
     auto const folder = std::filesystem::temp_directory_path() / ("scene" + std::to_string(::getpid()));
     std::filesystem::create_directory(folder);
     std::ofstream(folder / "wedge.obj") << "# a wedge\nv 0 0 0\nv 2 0 0\nv 2 1 0\nv 0 0 3\nf 1 2 3 4\n";
-    Scene scene;
+    urThread::RunQueue queue;
+    Scene scene(queue);
     scene.objects.insertedSignal().addCallback([](std::size_t at, SceneObject& object) {
         std::printf("  outliner: %s at %zu\n", object.name.get().c_str(), at);
     });
@@ -210,10 +202,10 @@ int main() {
         [](std::size_t at, SceneObject&) { std::printf("  outliner: -%zu\n", at); });
 
     std::puts("--- reading files");
-    auto const finish = [&scene](Reference<ObjReader> const& reader) {
+    auto const finish = [&](Reference<ObjReader> const& reader) {
         reader->startThread();
         reader->wait();
-        scene.queue.service();
+        queue.service();
     };
     auto const wedge = ur::make<ObjReader>(scene, (folder / "wedge.obj").string());
     wedge->progressSignal().addCallback([](double done, std::string_view) { std::printf("  %g %%\n", 100 * done); });

@@ -118,9 +118,7 @@ private:
         std::string name;
         double value = 0;
         if (!(words >> name >> value) || !find(name)) return false;
-        nxTXN::Transaction transaction(history_, ("Set " + name).c_str());
-        find(name)->set(value);
-        return transaction.commit();
+        return edit(history_, "Set " + name, [&] { find(name)->set(value); });
     }
     // Every position on the way is a transaction of its own, as it comes from the mouse; they become one step.
     bool drag(std::istringstream& words) {
@@ -135,9 +133,9 @@ private:
         return true;
     }
     bool reset() {
-        nxTXN::Transaction transaction(history_, "Reset");
-        for (auto const& row : rows_) row->set(0);
-        return transaction.commit();
+        return edit(history_, "Reset", [&] {
+            for (auto const& row : rows_) row->set(0);
+        });
     }
 
     nxTXN::Manager& history_;

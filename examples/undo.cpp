@@ -78,12 +78,10 @@ void showList() {
     nxTXN::ObjectList<Circle> circles(manager);
     circles.insertedSignal().addCallback([](std::size_t at, Circle&) { std::printf("inserted at %zu\n", at); });
     circles.erasedSignal().addCallback([](std::size_t at, Circle&) { std::printf("erased at %zu\n", at); });
-    {
-        Transaction transaction(manager, "Add two");
+    edit(manager, "Add two", [&] {
         circles.append(ur::make<Circle>(manager));
         circles.insert(0, ur::make<Circle>(manager));
-        transaction.commit();
-    }
+    });
     manager.undo();
     std::printf("%zu circles\n", circles.size());
     // [list]
@@ -94,12 +92,10 @@ int main() {
     auto const drawing = ur::make<Drawing>(manager);
 
     // [steps]
-    {
-        Transaction transaction(manager, "Draw");
+    edit(manager, "Draw", [&] {
         drawing->setCircle(ur::make<Circle>(manager));
         drawing->circle()->move({1, 1, 0});
-        transaction.commit();
-    }
+    });
     for (int x = 2; x <= 5; ++x) {  // one mouse move after the other
         manager.beginCoalescing("Drag", drawing->circle());
         drawing->circle()->move({1.0 * x, 1, 0});

@@ -1,6 +1,8 @@
 // A transaction that ends with its scope.
 #pragma once
 
+#include <utility>
+
 #include "foundation/nxTXN/Manager.h"
 
 namespace nxTXN {
@@ -25,5 +27,14 @@ public:
 private:
     Manager* manager_;  // null once ended
 };
+
+/// Runs `change` in a recorded transaction: `edit(document, "Move", [&] { shape->move(x, y); })`. What it throws goes
+/// on to the caller when all that it did is taken back. False when transactions are not recorded here.
+template <class Change>
+bool edit(Manager& manager, urString::CString const& name, Change&& change) {
+    Transaction transaction(manager, name);
+    std::forward<Change>(change)();
+    return transaction.commit();
+}
 
 }  // namespace nxTXN

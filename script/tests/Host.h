@@ -39,13 +39,10 @@ public:
             urOS::AppOutput::getInstance().print("callback: %s\n", error.what());
         });
         Context const context(&domain, Context::AppOnly);
-        initialize();
-        InitializeReflectionMsg reflection(&database);
-        broadcaster->broadcast(reflection);
+        EXPECT_TRUE(initialize(database));
         state = std::make_unique<nxLC::State>(database);
-        if (auto const error = state->run("nx = {} host = {}", "=host")) ADD_FAILURE() << error->what();
-        InitializeLuaMsg lua(InitializeLuaMsg::Application, state->get());
-        broadcaster->broadcast(lua);
+        if (auto const error = state->run("nx = {kept = 1} host = {}", "=host")) ADD_FAILURE() << error->what();
+        EXPECT_TRUE(initialize(*state));
         give<Domain*>("domain", &domain);
         give("sink", ur::Reference<DataSink>(sink));
         give("buffer", ur::make<urThread::Buffer>("bytes"));

@@ -11,6 +11,7 @@
 
 #include "foundation/urOS/tests/CapturedOutput.h"
 #include "script/tests/Host.h"
+#include "support/messaging/ServiceDomain.h"
 
 namespace {
 
@@ -58,6 +59,24 @@ TEST(Scripts, PrintWhatIsExpected) {
         EXPECT_EQ(withLinesForNumbers(withoutAddresses(output.text()), script),
                   contents(fs::path(entry.path()).replace_extension(".expected")));
     }
+}
+
+TEST(StartUp, NeedsABroadcasterAndKeepsATable) {
+    nxRFL::Database database;
+    nxLC::State bare(database);
+    urThread::RunQueue queue;
+    nxSupport::ServiceDomain application(queue);
+    nxSupport::Registry registry;
+    application.offer(&registry);
+    nxSupport::Context const context(&application, nxSupport::Context::NoTxn);
+    EXPECT_EQ(nxSupport::ci().get<nxSupport::Registry>(), &registry);
+    EXPECT_FALSE(nxSupport::initialize(database));
+    testing::internal::CaptureStdout();
+    EXPECT_FALSE(nxSupport::initialize(bare));
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "nxSupport::initialize: there is no broadcaster\n");
+    EXPECT_TRUE(bare.run("assert(nx == nil)", "=test") == std::nullopt);
+    nxSupport::ScriptHost host;
+    EXPECT_EQ(host.run("assert(nx.kept == 1 and nx.encodeJSON)"), "ok");
 }
 
 TEST(Scripts, MayKeepDomainsThatGo) {

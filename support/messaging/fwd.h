@@ -16,5 +16,6 @@ class InitializeLuaMsg;
 class InitializeReflectionMsg;
 class PreClearResourcesMsg;
 class Priority;
+class ServiceDomain;
 
 }  // namespace nxSupport

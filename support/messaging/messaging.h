@@ -14,4 +14,5 @@
 #include "support/messaging/InitializeReflectionMsg.h"
 #include "support/messaging/PreClearResourcesMsg.h"
 #include "support/messaging/Priority.h"
+#include "support/messaging/ServiceDomain.h"
 #include "support/messaging/subscribeFirstTime.h"

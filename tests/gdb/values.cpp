@@ -13,11 +13,10 @@ int main() {
     ur::map<urString::CString, int> many;
     for (int i = 0; i < 200; ++i) many[urString::CString::format("%03d", i)] = i;
     ur::Reference<nxPLST::Item> const nothing;
-    ur::Reference<nxPLST::Item> const tree =
-        nxPLST::dictionary({{"name", ur::make<nxPLST::String>("desk")},
-                            {"size", ur::make<nxPLST::Double>(1.5)},
-                            {"on", ur::make<nxPLST::Bool>(true)},
-                            {"at", {1, 2, nothing}}});
+    ur::Reference<nxPLST::Item> const tree = nxPLST::dictionary({{"name", ur::make<nxPLST::String>("desk")},
+                                                                 {"size", ur::make<nxPLST::Double>(1.5)},
+                                                                 {"on", ur::make<nxPLST::Bool>(true)},
+                                                                 {"at", {1, 2, nothing}}});
     look();
     return many.size() + brief.size() + longText.size() + tree->referenceCount() > 0 ? 0 : 1;
 }

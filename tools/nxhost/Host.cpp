@@ -114,15 +114,12 @@ Host::~Host() {
 
 void Host::startUp(Options const& options) {
     Context const context(&domain_, Context::NoTxn);
-    nxSupport::initialize();
     // Like any other module: at a later priority than the library, whose classes are then registered.
     auto const subscription = broadcaster_.subscribe<nxSupport::InitializeReflectionMsg>(
         {}, [this](nxSupport::InitializeReflectionMsg& message) { registerClasses(*message.getDB()); });
-    nxSupport::InitializeReflectionMsg reflection(&database_);
-    broadcaster_.broadcast(reflection);
+    nxSupport::initialize(database_);
     openState(options);
-    nxSupport::InitializeLuaMsg lua(nxSupport::InitializeLuaMsg::Application, state_->get());
-    broadcaster_.broadcast(lua);
+    nxSupport::initialize(*state_);
     nxSupport::AppInitMsg start(startParameters(options.arguments));
     broadcaster_.broadcast(start);
 }

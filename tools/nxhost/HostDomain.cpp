@@ -34,10 +34,4 @@ void HostDomain::onEndContext(Context const& context) {
 }
 // [transactions]
 
-// [services]
-void HostDomain::onCallInfoCreated(nxSupport::CallInfo* callInfo, bool /*appOnly*/) {
-    for (auto const& [type, service] : services_) callInfo->add(type, service);
-}
-// [services]
-
 }  // namespace nxhost

@@ -86,7 +86,7 @@ int Interrupt::pending() const noexcept { return caught; }
 
 void Interrupt::clear() noexcept {
     if (caught != 0) std::clearerr(stdout);  // a write that it interrupted is repeated by the next one
-    caught = 0;  // first: a signal that comes between the two is seen by who asks for it
+    caught = 0;                              // first: a signal that comes between the two is seen by who asks for it
     char bytes[16];
     while (read(pipeEnds[0], bytes, sizeof bytes) > 0) continue;
 }

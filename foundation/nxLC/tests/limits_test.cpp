@@ -95,8 +95,8 @@ TEST_F(Limits, InterruptsFromOtherThreadsEndTheScript) {
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
         state->interrupt();
     });
-    EXPECT_TRUE(run("local function tree() coroutine.wrap(tree)() end while true do pcall(tree) end")
-                    .ends_with("interrupted"));
+    EXPECT_TRUE(
+        run("local function tree() coroutine.wrap(tree)() end while true do pcall(tree) end").ends_with("interrupted"));
     later.join();
     succeed("for i = 1, 100000 do end");
 }

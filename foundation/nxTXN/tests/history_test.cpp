@@ -83,6 +83,12 @@ TEST_F(History, AbortRestoresExactlyAndKeepsWhatCouldBeRedone) {
     }
     EXPECT_EQ(node->value(), 0);
     EXPECT_FALSE(node->next() || made->isTxnExtant());
+    auto const fail = [&] {
+        node->setValue(9);
+        throw std::runtime_error("fails");
+    };
+    EXPECT_THROW(nxTXN::edit(manager, "Failed", fail), std::runtime_error);
+    EXPECT_EQ(node->value(), 0);
     EXPECT_TRUE(manager.redo());
     EXPECT_EQ(node->value(), 1);
 

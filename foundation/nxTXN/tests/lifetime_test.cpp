@@ -214,18 +214,17 @@ TEST_F(Lifetime, ForgetsAnObjectThatItsOwnerDestroys) {
         int* value = nullptr;
         char const* after = nullptr;
         void onTransact(Serializer& serializer) override {
-            static constexpr FieldHandlers handlers = {
-                [](Writer& writer, void const* field) {
-                    auto const& pointing = *static_cast<Pointing const*>(field);
-                    writer.writePtr(pointing.value, pointing.owner);
-                    writer.writePtr(pointing.after);
-                },
-                [](Reader& reader, void* field) {
-                    auto& pointing = *static_cast<Pointing*>(field);
-                    pointing.value = static_cast<int*>(reader.readPtr());
-                    pointing.after = static_cast<char const*>(reader.readPtr());
-                },
-                nullptr};
+            static constexpr FieldHandlers handlers = {[](Writer& writer, void const* field) {
+                                                           auto const& pointing = *static_cast<Pointing const*>(field);
+                                                           writer.writePtr(pointing.value, pointing.owner);
+                                                           writer.writePtr(pointing.after);
+                                                       },
+                                                       [](Reader& reader, void* field) {
+                                                           auto& pointing = *static_cast<Pointing*>(field);
+                                                           pointing.value = static_cast<int*>(reader.readPtr());
+                                                           pointing.after = static_cast<char const*>(reader.readPtr());
+                                                       },
+                                                       nullptr};
             serializer.field(this, &handlers);
         }
     };
