@@ -114,33 +114,33 @@ private:
 
     /// Reads on inside the outermost container as long as the bytes are of the usual kind, in the fewest steps.
     void readUsual() {
-        ioReadContext::Row row(context_);
+        ioReadContext::Cursor cursor(context_);
         for (Step step = Step::taken; step != Step::other && !open_.empty();) {
             Container& innermost = open_.top();
-            step = innermost.isDictionary ? readEntries(row, innermost) : readElements(row, innermost);
-            if (step == Step::taken) step = finishUsual(row);
+            step = innermost.isDictionary ? readEntries(cursor, innermost) : readElements(cursor, innermost);
+            if (step == Step::taken) step = finishUsual(cursor);
         }
     }
 
     // Both are `taken` when nothing is missing in the container any longer.
-    Step readElements(ioReadContext::Row& row, Container& array) {
+    Step readElements(ioReadContext::Cursor& cursor, Container& array) {
         auto& elements = static_cast<Array&>(*array.item).array();
         for (; array.missing > 0; --array.missing) {
-            if (!row.hasMore()) return Step::other;
-            Step const step = readChild(row, [&](auto item) { elements.push_back(std::move(item)); });
+            if (!cursor.hasMore()) return Step::other;
+            Step const step = readChild(cursor, [&](auto item) { elements.push_back(std::move(item)); });
             if (step != Step::taken) return step;
         }
         return Step::taken;
     }
 
-    Step readEntries(ioReadContext::Row& row, Container& dictionary) {
+    Step readEntries(ioReadContext::Cursor& cursor, Container& dictionary) {
         for (; dictionary.missing > 0; --dictionary.missing) {
-            if (!row.hasMore()) return Step::other;
+            if (!cursor.hasMore()) return Step::other;
             if (std::string_view key; !dictionary.value) {
-                if (!row.name(key)) return Step::other;
+                if (!cursor.name(key)) return Step::other;
                 dictionary.takeKey(key);
             }
-            Step const step = readChild(row, [&](auto item) { *dictionary.value = std::move(item); });
+            Step const step = readChild(cursor, [&](auto item) { *dictionary.value = std::move(item); });
             if (step != Step::taken) return step;
             dictionary.value = nullptr;
         }
@@ -148,35 +148,35 @@ private:
     }
 
     template <class Take>
-    Step readChild(ioReadContext::Row& row, Take take) {
-        switch (kinds_[row.first()]) {
-            case BoolType: return readScalar<Bool, bool>(row, take);
-            case DoubleType: return readScalar<Double, double>(row, take);
-            case StringType: return readScalar<String, std::string_view>(row, take);
-            case ArrayType: return enter<Array>(row);
-            case DictionaryType: return enter<Dictionary>(row);
-            default: return learn(row.first()) ? readChild(row, take) : Step::other;
+    Step readChild(ioReadContext::Cursor& cursor, Take take) {
+        switch (kinds_[cursor.first()]) {
+            case BoolType: return readScalar<Bool, bool>(cursor, take);
+            case DoubleType: return readScalar<Double, double>(cursor, take);
+            case StringType: return readScalar<String, std::string_view>(cursor, take);
+            case ArrayType: return enter<Array>(cursor);
+            case DictionaryType: return enter<Dictionary>(cursor);
+            default: return learn(cursor.first()) ? readChild(cursor, take) : Step::other;
         }
     }
 
     template <class Kind, class Value, class Take>
-    Step readScalar(ioReadContext::Row& row, Take take) {
+    Step readScalar(ioReadContext::Cursor& cursor, Take take) {
         Value value{};
-        if (!row.packet(value)) return Step::other;
+        if (!cursor.packet(value)) return Step::other;
         take(items_.make<Kind>(value));
         return Step::taken;
     }
 
     template <class Kind>
-    Step enter(ioReadContext::Row& row) {
+    Step enter(ioReadContext::Cursor& cursor) {
         std::size_t size = 0;
-        if (!row.enter(size)) return Step::other;
+        if (!cursor.enter(size)) return Step::other;
         push(items_.make<Kind>(), size);
         return Step::entered;
     }
 
-    Step finishUsual(ioReadContext::Row& row) {
-        bool const isUsual = open_.size() > 1 && !context_.packetIsNumbered() && row.hasMore() && row.leave();
+    Step finishUsual(ioReadContext::Cursor& cursor) {
+        bool const isUsual = open_.size() > 1 && !context_.packetIsNumbered() && cursor.hasMore() && cursor.leave();
         if (!isUsual) return Step::other;
         add(finishInnermost());
         return Step::taken;

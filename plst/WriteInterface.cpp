@@ -71,31 +71,31 @@ private:
 
     /// Writes on inside the root as long as what comes is usual and the buffer has room, in the fewest steps.
     void writeUsual() {
-        ioWriteContext::Row row(context_);
+        ioWriteContext::Cursor cursor(context_);
         for (Step step = Step::written; step != Step::other;) {
             Container& innermost = open_.top();
-            step = innermost.element ? writeElements(row, innermost) : writeEntries(row, innermost);
-            if (step == Step::written) step = finishUsual(row);
+            step = innermost.element ? writeElements(cursor, innermost) : writeEntries(cursor, innermost);
+            if (step == Step::written) step = finishUsual(cursor);
         }
     }
 
     // Both are `written` when there are no further children.
-    Step writeElements(ioWriteContext::Row& row, Container& array) {
+    Step writeElements(ioWriteContext::Cursor& cursor, Container& array) {
         while (array.element != array.lastElement) {
             Item const* const child = array.element++->get();
-            Step const step = writeUsual(row, child, [] {});
+            Step const step = writeUsual(cursor, child, [] {});
             if (step == Step::other) --array.element;
             if (step != Step::written) return step;
         }
         return Step::written;
     }
 
-    Step writeEntries(ioWriteContext::Row& row, Container& dictionary) {
+    Step writeEntries(ioWriteContext::Cursor& cursor, Container& dictionary) {
         while (dictionary.entry != dictionary.lastEntry) {
             std::string_view const key = dictionary.entry->first;
-            if (key.size() > row.longestText) return Step::other;
+            if (key.size() > cursor.longestText) return Step::other;
             Item const* const child = dictionary.entry++->second.get();
-            Step const step = writeUsual(row, child, [&] { row.name(key); });
+            Step const step = writeUsual(cursor, child, [&] { cursor.name(key); });
             if (step == Step::other) --dictionary.entry;
             if (step != Step::written) return step;
         }
@@ -104,46 +104,46 @@ private:
 
     /// Writes the name before the child, if at all.
     template <class Name>
-    Step writeUsual(ioWriteContext::Row& row, Item const* child, Name name) {
-        if (!row.hasRoom() || !child || child->referenceCount() > 1) return Step::other;
+    Step writeUsual(ioWriteContext::Cursor& cursor, Item const* child, Name name) {
+        if (!cursor.hasRoom() || !child || child->referenceCount() > 1) return Step::other;
         switch (child->type()) {
-            case BoolType: return writeScalar<BoolType>(row, static_cast<Bool const*>(child)->value(), name);
-            case DoubleType: return writeScalar<DoubleType>(row, static_cast<Double const*>(child)->value(), name);
+            case BoolType: return writeScalar<BoolType>(cursor, static_cast<Bool const*>(child)->value(), name);
+            case DoubleType: return writeScalar<DoubleType>(cursor, static_cast<Double const*>(child)->value(), name);
             case StringType:
-                return writeScalar<StringType>(row, static_cast<String const*>(child)->value().view(), name);
-            case ArrayType: return enter<ArrayType>(row, static_cast<Array const&>(*child), name);
-            case DictionaryType: return enter<DictionaryType>(row, static_cast<Dictionary const&>(*child), name);
+                return writeScalar<StringType>(cursor, static_cast<String const*>(child)->value().view(), name);
+            case ArrayType: return enter<ArrayType>(cursor, static_cast<Array const&>(*child), name);
+            case DictionaryType: return enter<DictionaryType>(cursor, static_cast<Dictionary const&>(*child), name);
         }
         return Step::other;
     }
 
     template <Type kind, class Value, class Name>
-    Step writeScalar(ioWriteContext::Row& row, Value value, Name name) {
+    Step writeScalar(ioWriteContext::Cursor& cursor, Value value, Name name) {
         unsigned char const first = firstByteOf(kind);
         if (first == 0 || !isUsual(value)) return Step::other;
         name();
-        row.packet(first, value);
+        cursor.packet(first, value);
         return Step::written;
     }
 
     template <Type kind, class Kind, class Name>
-    Step enter(ioWriteContext::Row& row, Kind const& container, Name name) {
+    Step enter(ioWriteContext::Cursor& cursor, Kind const& container, Name name) {
         unsigned char const first = firstByteOf(kind);
         if (first == 0) return Step::other;
         name();
-        row.enter(first, container.size());
+        cursor.enter(first, container.size());
         open_.push(container);
         return Step::entered;
     }
 
     static bool isUsual(std::string_view text) {
-        return text.size() <= ioWriteContext::Row::longestText && text.find('\0') == std::string_view::npos;
+        return text.size() <= ioWriteContext::Cursor::longestText && text.find('\0') == std::string_view::npos;
     }
     static bool isUsual(double /*value*/) { return true; }
 
-    Step finishUsual(ioWriteContext::Row& row) {
-        if (open_.size() == 1 || !row.hasRoom()) return Step::other;
-        row.leave();
+    Step finishUsual(ioWriteContext::Cursor& cursor) {
+        if (open_.size() == 1 || !cursor.hasRoom()) return Step::other;
+        cursor.leave();
         open_.pop();
         return Step::written;
     }

@@ -78,7 +78,7 @@ public:
     [[nodiscard]] ioPacketType* numberedType(std::size_t number) const noexcept {
         return number < types_.size() ? types_[number] : nullptr;
     }
-    class Row;
+    class Cursor;
 
 private:
     friend NX_API std::unique_ptr<ioReadContext> ioReadContextAlloc(ioBufferedStreamInput&, ioPacketRegistry&);
@@ -150,13 +150,13 @@ private:
 /// a number, and their ends that are references. What is of another kind it leaves, and the context tells why.
 ///
 /// While it exists nobody else reads from the context.
-class ioReadContext::Row {
+class ioReadContext::Cursor {
 public:
-    explicit Row(ioReadContext& context) noexcept
+    explicit Cursor(ioReadContext& context) noexcept
         : context_(context), at_(context.input_.next()), end_(at_ + context.input_.available()) {}
-    Row(Row const&) = delete;
-    Row& operator=(Row const&) = delete;
-    ~Row() { context_.input_.advance(static_cast<std::size_t>(at_ - context_.input_.next())); }
+    Cursor(Cursor const&) = delete;
+    Cursor& operator=(Cursor const&) = delete;
+    ~Cursor() { context_.input_.advance(static_cast<std::size_t>(at_ - context_.input_.next())); }
 
     /// Whether there is enough to look at for a name and the packet behind it. What comes next needs it.
     [[nodiscard]] bool hasMore() const noexcept { return end_ - at_ >= lookAhead; }

@@ -96,7 +96,7 @@ inline ioReadContext::Ending ioReadContext::closePacket() {
     return token == ioFormat::endMark || token == ioFormat::referredEndMark ? leave(token) : passOver();
 }
 
-inline bool ioReadContext::Row::name(std::string_view& name) noexcept {
+inline bool ioReadContext::Cursor::name(std::string_view& name) noexcept {
     unsigned char const token = byteAt(at_);
     std::size_t number = ioFormat::numberOf(token);
     if (ioFormat::kindOf(token) != ioFormat::name || number == 0) return false;
@@ -112,13 +112,13 @@ inline bool ioReadContext::Row::name(std::string_view& name) noexcept {
     return true;
 }
 
-inline bool ioReadContext::Row::packet(bool& value) noexcept {
+inline bool ioReadContext::Cursor::packet(bool& value) noexcept {
     unsigned char const mark = byteAt(at_ + 1);
     value = mark == ioFormat::trueMark;
     return mark <= ioFormat::trueMark && endsAt(at_ + 2);
 }
 
-inline bool ioReadContext::Row::packet(double& value) noexcept {
+inline bool ioReadContext::Cursor::packet(double& value) noexcept {
     char const* next = at_ + 2;
     unsigned char const token = byteAt(at_ + 1);
     if (token == ioFormat::doubleMark) {
@@ -133,7 +133,7 @@ inline bool ioReadContext::Row::packet(double& value) noexcept {
     return endsAt(next);
 }
 
-inline bool ioReadContext::Row::packet(std::string_view& value) noexcept {
+inline bool ioReadContext::Cursor::packet(std::string_view& value) noexcept {
     char const* next = at_ + 2;
     unsigned char const token = byteAt(at_ + 1);
     std::uint64_t size = ioFormat::numberOf(token);
@@ -144,7 +144,7 @@ inline bool ioReadContext::Row::packet(std::string_view& value) noexcept {
     return value.find('\0') == std::string_view::npos && endsAt(next + size);
 }
 
-inline bool ioReadContext::Row::enter(std::size_t& size) {
+inline bool ioReadContext::Cursor::enter(std::size_t& size) {
     unsigned char const token = byteAt(at_ + 1);
     unsigned const number = ioFormat::numberOf(token);
     static_assert(ioFormat::unzigzag(ioFormat::longNumber) < 0, "a long number is refused like a negative one");
@@ -155,7 +155,7 @@ inline bool ioReadContext::Row::enter(std::size_t& size) {
     return true;
 }
 
-inline bool ioReadContext::Row::leave() noexcept {
+inline bool ioReadContext::Cursor::leave() noexcept {
     if (context_.open_.size() < 2 || !endsAt(at_)) return false;
     context_.forgetInnermost();
     return true;

@@ -83,7 +83,7 @@ public:
     /// The first byte of such a packet; 0 as long as the file has not named the type, if its number is a long one, and
     /// for `none`.
     [[nodiscard]] unsigned char firstByteOf(ioPacketTypeId type) const noexcept;
-    class Row;
+    class Cursor;
 
 private:
     friend NX_API std::unique_ptr<ioWriteContext> ioWriteContextAlloc(ioBufferedStreamOutput&, int, ioPacketRegistry&);
@@ -133,15 +133,15 @@ private:
 /// room for them and nothing failed: what it leaves undone is left to the context.
 ///
 /// While it exists nobody else writes to the context.
-class ioWriteContext::Row {
+class ioWriteContext::Cursor {
 public:
-    explicit Row(ioWriteContext& context) noexcept
+    explicit Cursor(ioWriteContext& context) noexcept
         : context_(context),
           to_(context.output_.room(0)),
           end_(to_ + (context.takesValues_ ? context.output_.spare() : 0)) {}
-    Row(Row const&) = delete;
-    Row& operator=(Row const&) = delete;
-    ~Row() { context_.output_.moveTo(to_); }
+    Cursor(Cursor const&) = delete;
+    Cursor& operator=(Cursor const&) = delete;
+    ~Cursor() { context_.output_.moveTo(to_); }
 
     /// What a name and a packet's text may have to go in here.
     static constexpr std::size_t longestText = ioFormat::longNumber - 1;

@@ -21,22 +21,10 @@ template <class... Args>
 class Signal : public SignalBase {
 public:
     /// An exception from a callback leaves at once; later callbacks are not called.
-    void emit(Passed<Args>... args) const {
-        if (idle()) return;
-        Walk walk(*this);
-        do {
-            if (walk.enter()) static_cast<Function<Args...>&>(walk.function()).call(args...);
-        } while (walk.advance());
-    }
+    void emit(Passed<Args>... args) const { callAll<Walk>(args...); }
 
     /// As `emit`, but also calls the callbacks that are connected meanwhile. Ends when no more are.
-    void emitOpenly(Passed<Args>... args) const {
-        if (idle()) return;
-        OpenWalk walk(*this);
-        do {
-            if (walk.callable()) static_cast<Function<Args...>&>(walk.function()).call(args...);
-        } while (walk.advance());
-    }
+    void emitOpenly(Passed<Args>... args) const { callAll<OpenWalk>(args...); }
 
     /// Takes over a callback made with `new`. Null connects nothing.
     Connection addCallback(Function<Args...>* function) noexcept { return add(function); }
@@ -67,6 +55,16 @@ public:
     template <class C, class Method>
     Connection addCallback(SignalClient& client, C* object, Method method) {
         return addCallback(client, [object, method](Passed<Args>... args) { std::invoke(method, object, args...); });
+    }
+
+private:
+    template <class Walk>
+    void callAll(Passed<Args>... args) const {
+        if (idle()) return;
+        Walk walk(*this);
+        do {
+            if (walk.enter()) static_cast<Function<Args...>&>(walk.function()).call(args...);
+        } while (walk.advance());
     }
 };
 

@@ -88,7 +88,8 @@ protected:
         OpenWalk& operator=(OpenWalk const&) = delete;
         ~OpenWalk() { moveTo(nullptr); }
 
-        [[nodiscard]] bool callable() const noexcept { return current_->callable(); }
+        /// False when the callback is removed or blocked.
+        [[nodiscard]] bool enter() const noexcept { return current_->callable(); }
         [[nodiscard]] FunctionBase& function() const noexcept { return *current_; }
         /// False after the newest connection, and when the signal has gone.
         bool advance() noexcept {

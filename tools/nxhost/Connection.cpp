@@ -26,9 +26,9 @@ void Connection::chargeTo(std::shared_ptr<ur::Account> const& account) {
     if (!charge_) charge_ = ur::Charge(account, sizeof(Connection));
 }
 
-void Connection::tell(TransferNews news) {
+void Connection::deliver(TransferEvent event) {
     nxSupport::ScriptCallScope const call("connection");
-    std::visit([this](auto& what) { on(what); }, news);
+    std::visit([this](auto& what) { on(what); }, event);
 }
 
 void Connection::onStart() {
@@ -57,29 +57,29 @@ void Connection::onCancel() {
     progressFunc_.set(nullptr);
 }
 
-void Connection::on(Answered& news) {
-    responseStatus_ = news.status;
-    responseHeaders_ = std::move(news.headers);
+void Connection::on(Answered& event) {
+    responseStatus_ = event.status;
+    responseHeaders_ = std::move(event.headers);
 }
 
-void Connection::on(Progressed const& news) {
-    progress_ = news;
+void Connection::on(Progressed const& event) {
+    progress_ = event;
     progressFunc_();
 }
 
-void Connection::on(Completed const& /*news*/) {
+void Connection::on(Completed const& /*event*/) {
     endSpan(std::to_string(responseStatus_));
     transferCharge_ = {};
     progressFunc_.set(nullptr);
     setComplete();
 }
 
-void Connection::on(Failed& news) {
+void Connection::on(Failed& event) {
     transferCharge_ = {};
-    errorText_ = std::move(news.text);
+    errorText_ = std::move(event.text);
     endSpan(errorText_.view());
     progressFunc_.set(nullptr);
-    setFailed(static_cast<int>(news.error));
+    setFailed(static_cast<int>(event.error));
 }
 
 // [expose]

@@ -39,19 +39,19 @@ public:
     void chargeTo(std::shared_ptr<ur::Account> const& account);
 
     /// For the transfer: something has happened.
-    void tell(TransferNews news);
+    void deliver(TransferEvent event);
 
 protected:
     void onStart() override;
     void onCancel() override;
 
 private:
-    void on(Reached const& /*news*/) { setConnected(); }
-    void on(Answered& news);
-    void on(Received& news) { dataArrived(std::move(news.data)); }
-    void on(Progressed const& news);
-    void on(Completed const& news);
-    void on(Failed& news);
+    void on(Reached const& /*event*/) { setConnected(); }
+    void on(Answered& event);
+    void on(Received& event) { dataArrived(std::move(event.data)); }
+    void on(Progressed const& event);
+    void on(Completed const& event);
+    void on(Failed& event);
 
     Transfers& transfers_;
     double timeLimit_;

@@ -70,7 +70,7 @@ struct Transfer::Callbacks {
             self.bodyBytes_ += size;
             self.isTooLarge_ = self.options_.bodyLimit != 0 && self.bodyBytes_ > self.options_.bodyLimit;
             if (self.isTooLarge_) return 0;
-            self.news_.emplace_back(Received{ur::make<urThread::Buffer>(bytes, size)});
+            self.events_.emplace_back(Received{ur::make<urThread::Buffer>(bytes, size)});
             return size;
         });
     }
@@ -87,7 +87,7 @@ struct Transfer::Callbacks {
         return guarded(CURL_PREREQFUNC_ABORT, [&] {
             auto& self = *static_cast<Transfer*>(transfer);
             self.isReached_ = true;
-            self.news_.emplace_back(Reached{});
+            self.events_.emplace_back(Reached{});
             return CURL_PREREQFUNC_OK;
         });
     }
@@ -117,16 +117,16 @@ Transfer::Transfer(nxNet::Request const& request, NetworkOptions const& options,
     }
 }
 
-TransferNews Transfer::takeNews() {
-    TransferNews first = std::move(news_.front());
-    news_.pop_front();
+TransferEvent Transfer::takeEvent() {
+    TransferEvent first = std::move(events_.front());
+    events_.pop_front();
     return first;
 }
 
 void Transfer::end(CURLcode result) {
     hasEnded_ = true;
     if (result == CURLE_OK) {
-        news_.emplace_back(Completed{});
+        events_.emplace_back(Completed{});
         return;
     }
     fail(failure(result));
@@ -208,17 +208,17 @@ void Transfer::noteHeaderLine(std::string_view line) {
     }
     if (!trimmed(line).empty()) return;
     constexpr int firstFinal = 200;
-    if (status() >= firstFinal) news_.emplace_back(Answered{status(), answerHeaders_});
+    if (status() >= firstFinal) events_.emplace_back(Answered{status(), answerHeaders_});
 }
 
 /// Told only as far as it changes, and once for what happened together.
 void Transfer::noteProgress(Progressed const& progress) {
     if (progress == progress_) return;
     progress_ = progress;
-    if (!news_.empty() && std::holds_alternative<Progressed>(news_.back())) {
-        news_.back() = progress;
+    if (!events_.empty() && std::holds_alternative<Progressed>(events_.back())) {
+        events_.back() = progress;
     } else {
-        news_.emplace_back(progress);
+        events_.emplace_back(progress);
     }
 }
 

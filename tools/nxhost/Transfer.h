@@ -7,27 +7,28 @@
 #include <memory>
 
 #include "tools/nxhost/Sending.h"
-#include "tools/nxhost/TransferNews.h"
+#include "tools/nxhost/TransferEvent.h"
 
 namespace nxhost {
 
-/// A libcurl handle that sends one request and keeps what arrives as news, so that nobody is called from inside
+/// A libcurl handle that sends one request and keeps what arrives as events, so that nobody is called from inside
 /// libcurl. Owned by `Transfers`, as are the options.
 class Transfer {
 public:
-    /// One whose request cannot be sent has failed already: it has news of that. `timeLimit` is in seconds, 0 for none.
+    /// One whose request cannot be sent has failed already: it has an event of that. `timeLimit` is in seconds, 0 for
+    /// none.
     Transfer(nxNet::Request const& request, NetworkOptions const& options, double timeLimit);
     Transfer(Transfer const&) = delete;
     Transfer& operator=(Transfer const&) = delete;
 
     [[nodiscard]] CURL* handle() const noexcept { return handle_.get(); }
-    [[nodiscard]] bool hasNews() const noexcept { return !news_.empty(); }
-    /// Requires: there are some.
-    TransferNews takeNews();
-    /// What is not told yet never will be.
-    void dropNews() noexcept { news_.clear(); }
+    [[nodiscard]] bool hasEvents() const noexcept { return !events_.empty(); }
+    /// Requires: there is one.
+    TransferEvent takeEvent();
+    /// Events that have not been taken are dropped.
+    void dropEvents() noexcept { events_.clear(); }
     /// Nothing will come of it.
-    void fail(Failed failure) { news_.emplace_back(std::move(failure)); }
+    void fail(Failed failure) { events_.emplace_back(std::move(failure)); }
     /// The file that it sends has nothing yet: its descriptor is readable when it has. Otherwise negative.
     [[nodiscard]] int waitsFor() const noexcept;
     /// From now on, until it is released, libcurl keeps what arrives.
@@ -65,7 +66,7 @@ private:
     bool isTooLarge_ = false;
     bool isPrivate_ = false;  ///< it would have reached an address that is not public
     Progressed progress_;
-    std::deque<TransferNews> news_;
+    std::deque<TransferEvent> events_;
 };
 
 }  // namespace nxhost

@@ -62,7 +62,7 @@ void Transfers::start(Connection& connection) {
     auto transfer = std::make_unique<Transfer>(request ? *request : nxNet::Request(), options_, timeLimit);
     CURL* const handle = transfer->handle();
     curl_easy_setopt(handle, CURLOPT_PRIVATE, &connection);
-    if (!transfer->hasNews() && curl_multi_add_handle(multi_, handle) != CURLM_OK)
+    if (!transfer->hasEvents() && curl_multi_add_handle(multi_, handle) != CURLM_OK)
         transfer->fail({TransferError::other, "no transfer can be added"});
     jobs_.emplace(&connection,
                   Job{ur::Reference<Connection>(&connection), std::move(transfer), deadlineAfter(timeLimit)});
@@ -123,13 +123,13 @@ void Transfers::giveUp(Job& job) {
     if (job.pipes.empty()) return;
     for (auto const& pipe : job.pipes) pipe->abandon("the time limit of the transfer has passed");
     job.pipes.clear();
-    job.transfer->dropNews();
+    job.transfer->dropEvents();
 }
 
 bool Transfers::advance(Interrupt const& interrupt) {
     collect();
     bool told = false;
-    while (Job* const job = interrupt.pending() == 0 ? nextWithNews() : nullptr) {
+    while (Job* const job = interrupt.pending() == 0 ? nextReady() : nullptr) {
         tell(*job);
         told = true;
     }
@@ -176,14 +176,14 @@ void Transfers::collect() {
             giveUp(job);
             job.transfer->fail({TransferError::tooSlow, "the reader of a pipe is too slow for the time limit"});
         }
-        if (job.hasNews()) withNews_.push_back(connection);
+        if (job.hasEvents()) ready_.push_back(connection);
     }
 }
 
-Transfers::Job* Transfers::nextWithNews() {
-    for (; !withNews_.empty(); withNews_.pop_front()) {
-        auto const job = jobs_.find(withNews_.front());
-        if (job != jobs_.end() && job->second.hasNews()) return &job->second;
+Transfers::Job* Transfers::nextReady() {
+    for (; !ready_.empty(); ready_.pop_front()) {
+        auto const job = jobs_.find(ready_.front());
+        if (job != jobs_.end() && job->second.hasEvents()) return &job->second;
     }
     return nullptr;
 }
@@ -192,11 +192,11 @@ Transfers::Job* Transfers::nextWithNews() {
 /// The job may have gone afterwards.
 void Transfers::tell(Job& job) {
     ur::Reference<Connection> const connection = job.connection;
-    TransferNews news = job.transfer->takeNews();
-    bool const ends = std::holds_alternative<Completed>(news) || std::holds_alternative<Failed>(news);
+    TransferEvent event = job.transfer->takeEvent();
+    bool const ends = std::holds_alternative<Completed>(event) || std::holds_alternative<Failed>(event);
     if (ends) stop(*connection);
     Temporarily const noted(told_, static_cast<Connection const*>(connection.get()));
-    connection->tell(std::move(news));
+    connection->deliver(std::move(event));
 }
 // [tell]
 

@@ -68,7 +68,7 @@ private:
         Clock::time_point deadline;
         Pipes pipes = {};  ///< that it is held for
 
-        [[nodiscard]] bool hasNews() const noexcept { return pipes.empty() && transfer->hasNews(); }
+        [[nodiscard]] bool hasEvents() const noexcept { return pipes.empty() && transfer->hasEvents(); }
     };
 
     [[nodiscard]] double limited(double seconds) const noexcept;
@@ -77,15 +77,15 @@ private:
     static void giveUp(Job& job);
     [[nodiscard]] int mostMilliseconds() const;
     void collect();
-    [[nodiscard]] Job* nextWithNews();
+    [[nodiscard]] Job* nextReady();
     void tell(Job& job);
 
     NetworkOptions const options_;
     CURLM* multi_;
     std::map<Connection const*, Job> jobs_;
-    std::deque<Connection const*> withNews_;  // some of them may have gone
-    Connection const* told_ = nullptr;        // just now
-    Pipes pipes_;                             // for which data wait
+    std::deque<Connection const*> ready_;  // some of them may have gone
+    Connection const* told_ = nullptr;     // just now
+    Pipes pipes_;                          // for which data wait
     std::function<void(nxRFL::Exception const&)> onPipeError_;
 };
 

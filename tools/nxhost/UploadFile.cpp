@@ -10,7 +10,7 @@
 #include <cerrno>
 
 #include "foundation/urUtil/Error.h"
-#include "tools/nxhost/TransferNews.h"
+#include "tools/nxhost/TransferEvent.h"
 
 namespace nxhost {
 

@@ -5,7 +5,7 @@
 
 #include <new>
 
-#include "tools/nxhost/TransferNews.h"
+#include "tools/nxhost/TransferEvent.h"
 
 namespace nxhost {
 

@@ -1,4 +1,4 @@
-// What is to be told of a transfer.
+// The events of a transfer, and the codes of failures.
 #pragma once
 
 #include <cstdint>
@@ -50,6 +50,6 @@ struct Failed {
     urString::CString text;
 };
 
-using TransferNews = std::variant<Reached, Answered, Received, Progressed, Completed, Failed>;
+using TransferEvent = std::variant<Reached, Answered, Received, Progressed, Completed, Failed>;
 
 }  // namespace nxhost

@@ -33,21 +33,21 @@ void writePlainly(ioWriteContext& context, ioPacketTypeId type, std::size_t i) {
 
 /// False where there is no room.
 bool writeInRow(ioWriteContext& context, unsigned char first, std::size_t i) {
-    ioWriteContext::Row row(context);
-    if (!row.hasRoom()) return false;
-    row.name(nameOf(i));
-    row.enter(first, static_cast<int>(i));
+    ioWriteContext::Cursor cursor(context);
+    if (!cursor.hasRoom()) return false;
+    cursor.name(nameOf(i));
+    cursor.enter(first, static_cast<int>(i));
     for (int value = 0; value < 3; ++value) {
-        if (!row.hasRoom()) std::abort();  // the buffer of this test has it
-        if (value == 0) row.packet(first, numberOf(i));
-        if (value == 1) row.packet(first, i % 2 == 0);
-        if (value == 2) row.packet(first, std::string_view(textOf(i)));
+        if (!cursor.hasRoom()) std::abort();  // the buffer of this test has it
+        if (value == 0) cursor.packet(first, numberOf(i));
+        if (value == 1) cursor.packet(first, i % 2 == 0);
+        if (value == 2) cursor.packet(first, std::string_view(textOf(i)));
     }
-    row.leave();
+    cursor.leave();
     return true;
 }
 
-std::string rows(bool areQuick) {
+std::string packetRows(bool areQuick) {
     return written(
         [&](ioWriteContext& context) {
             context.startPacket("a", nullptr);
@@ -71,24 +71,24 @@ std::string rows(bool areQuick) {
         0, addTypes, areQuick ? std::size_t(64) * 1024 : leastOutput);
 }
 
-TEST(Rows, AreTheBytesThatTheContextWrites) { EXPECT_EQ(rows(true), rows(false)); }
+TEST(Cursors, AreTheBytesThatTheContextWrites) { EXPECT_EQ(packetRows(true), packetRows(false)); }
 
-TEST(Rows, GiveNothingToAContextThatTakesNoValues) {
+TEST(Cursors, GiveNothingToAContextThatTakesNoValues) {
     written(
         [](ioWriteContext& context) {
-            EXPECT_FALSE(ioWriteContext::Row(context).hasRoom()) << "no packet is open";
+            EXPECT_FALSE(ioWriteContext::Cursor(context).hasRoom()) << "no packet is open";
             context.endPacket();
         },
         number(ioStatus::misuse), addTypes, std::size_t(64) * 1024);
 }
 
-TEST(Rows, ReadWhatTheContextReads) {
+TEST(Cursors, ReadWhatTheContextReads) {
     constexpr std::size_t whole = 64 * 1024;
     std::vector<std::size_t> extras(40);
     std::iota(extras.begin(), extras.end(), 0);
     extras.push_back(whole);
     for (std::size_t const extra : extras) {
-        std::map<char, int> quick;  // how often a row could read what
+        std::map<char, int> quick;  // how often a cursor could read what
         Reader reader;
         reader.buffer = leastInput + extra;
         reader.on("a", [&](ioReadContext& context) {
@@ -98,41 +98,41 @@ TEST(Rows, ReadWhatTheContextReads) {
                 bool isEven = false;
                 std::string text;
                 std::size_t size = 0;
-                auto const inRow = [&](char what, auto read) {
-                    ioReadContext::Row row(context);
-                    bool const isRead = row.hasMore() && read(row);
+                auto const withCursor = [&](char what, auto read) {
+                    ioReadContext::Cursor cursor(context);
+                    bool const isRead = cursor.hasMore() && read(cursor);
                     quick[what] += isRead;
                     return isRead;
                 };
                 std::string_view view;
-                if (inRow('n', [&](auto& row) { return row.name(view); })) {
+                if (withCursor('n', [&](auto& cursor) { return cursor.name(view); })) {
                     name = view;
                 } else {
                     name = context.readTextValue();
                 }
-                if (!inRow('e', [&](auto& row) { return row.first() == 0xA1 && row.enter(size); })) {
+                if (!withCursor('e', [&](auto& cursor) { return cursor.first() == 0xA1 && cursor.enter(size); })) {
                     ASSERT_TRUE(context.openPacket());
                     size = static_cast<std::size_t>(context.readIntValue());
                 }
                 auto const close = [&] { ASSERT_EQ(context.closePacket(), ioReadContext::Ending::referred); };
-                if (!inRow('d', [&](auto& row) { return row.packet(value); })) {
+                if (!withCursor('d', [&](auto& cursor) { return cursor.packet(value); })) {
                     ASSERT_TRUE(context.openPacket());
                     value = context.readDoubleValue();
                     close();
                 }
-                if (!inRow('b', [&](auto& row) { return row.packet(isEven); })) {
+                if (!withCursor('b', [&](auto& cursor) { return cursor.packet(isEven); })) {
                     ASSERT_TRUE(context.openPacket());
                     isEven = context.readBoolValue();
                     close();
                 }
-                if (inRow('t', [&](auto& row) { return row.packet(view); })) {
+                if (withCursor('t', [&](auto& cursor) { return cursor.packet(view); })) {
                     text = view;
                 } else {
                     ASSERT_TRUE(context.openPacket());
                     text = context.readTextValue();
                     close();
                 }
-                if (!inRow('l', [&](auto& row) { return row.leave(); })) close();
+                if (!withCursor('l', [&](auto& cursor) { return cursor.leave(); })) close();
                 ASSERT_EQ(name, nameOf(i));
                 ASSERT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(numberOf(i)));
                 ASSERT_EQ(isEven, i % 2 == 0);
@@ -141,13 +141,13 @@ TEST(Rows, ReadWhatTheContextReads) {
             }
         });
         reader.on("b", [](ioReadContext&) { FAIL() << "its packets are opened here"; });
-        EXPECT_EQ(reader.read(rows(false)), 0);
+        EXPECT_EQ(reader.read(packetRows(false)), 0);
         for (char const what : "nedbtl"sv) EXPECT_GT(quick[what], 0) << what;
         for (char const what : "db"sv) EXPECT_GT(quick[what], extra == whole ? 290 : 0) << what;
     }
 }
 
-TEST(Rows, LeaveWhatIsNotUsualWhereItIs) {
+TEST(Cursors, LeaveWhatIsNotUsualWhereItIs) {
     struct Case {
         std::string_view bytes;
         char what;  // name, bool, double, text, enter, leave
@@ -176,22 +176,22 @@ TEST(Rows, LeaveWhatIsNotUsualWhereItIs) {
         Reader reader;
         reader.on("a", [&](ioReadContext& context) {
             EXPECT_EQ(context.readTextValue(), "first");
-            ioReadContext::Row row(context);
-            ASSERT_TRUE(row.hasMore());
+            ioReadContext::Cursor cursor(context);
+            ASSERT_TRUE(cursor.hasMore());
             std::string_view text;
             bool truth = false;
             double value = 0;
             std::size_t size = 0;
-            unsigned char const first = row.first();
+            unsigned char const first = cursor.first();
             switch (c.what) {
-                case 'n': EXPECT_FALSE(row.name(text)); break;
-                case 'b': EXPECT_FALSE(row.packet(truth)); break;
-                case 'd': EXPECT_FALSE(row.packet(value)); break;
-                case 't': EXPECT_FALSE(row.packet(text)); break;
-                case 'e': EXPECT_FALSE(row.enter(size)); break;
-                default: EXPECT_FALSE(row.leave());
+                case 'n': EXPECT_FALSE(cursor.name(text)); break;
+                case 'b': EXPECT_FALSE(cursor.packet(truth)); break;
+                case 'd': EXPECT_FALSE(cursor.packet(value)); break;
+                case 't': EXPECT_FALSE(cursor.packet(text)); break;
+                case 'e': EXPECT_FALSE(cursor.enter(size)); break;
+                default: EXPECT_FALSE(cursor.leave());
             }
-            EXPECT_EQ(row.first(), first);
+            EXPECT_EQ(cursor.first(), first);
             EXPECT_EQ(first, static_cast<unsigned char>(c.bytes[0]));
         });
         static_cast<void>(
