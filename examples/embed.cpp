@@ -23,7 +23,7 @@ int main() {
     nxSupport::initialize(state);
 
     auto const error = state.run(R"(
-        local desk = nx.decodeJSON2('{"width": 1.5, "depth": 0.5, "labels": ["oak", "used"]}')
+        local desk = nx.decodeJSON('{"width": 1.5, "depth": 0.5, "labels": ["oak", "used"]}')
         print(desk.labels[1], app.area(desk.width, desk.depth))
         nxSupport.ci(nxSupport.Registry):setKey("width", desk.width))",
                                  "@desk.lua");

@@ -13,7 +13,7 @@ end
 
 heading "A real file: the countries of ISO 3166-1"
 local text = contents(folder .. "/iso_3166-1.json")
-local countries = nx.decodeJSON2(text)["3166-1"]
+local countries = nx.decodeJSON(text)["3166-1"]
 print(#text .. " bytes, " .. #countries .. " countries, from " .. countries[1].name .. " to " .. countries[#countries].name)
 
 heading "A document, edited with undo and redo"

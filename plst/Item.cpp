@@ -15,5 +15,8 @@ std::ostream& operator<<(std::ostream& out, Item const& item) {
     bool const isWhole = writer.write(&item);
     return out << writer.text() << (isWhole ? "" : "...");
 }
+std::ostream& operator<<(std::ostream& out, ur::Reference<Item const> const& item) {
+    return item ? out << *item : out << "null";
+}
 
 }  // namespace nxPLST

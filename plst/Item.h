@@ -56,6 +56,8 @@ private:
 }
 /// Prints the JSON of the item on one line, up to what JSON has no form for. For tests and logs.
 NX_API std::ostream& operator<<(std::ostream& out, Item const& item);
+/// The same for a reference, "null" for a null one.
+NX_API std::ostream& operator<<(std::ostream& out, ur::Reference<Item const> const& item);
 
 namespace impl {
 

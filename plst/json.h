@@ -1,6 +1,9 @@
 // Item trees as JSON text: a dump for people, and strict JSON both ways.
 #pragma once
 
+#include <string>
+#include <utility>
+
 #include "foundation/urString/CString.h"
 #include "foundation/urString/IString.h"
 #include "plst/Expansion.h"
@@ -43,6 +46,20 @@ struct JsonStyle {
 /// for a NaN, an infinity or a text that is too long for what the tree shares; `text` then stays as it was.
 [[nodiscard]] NX_API bool writeJson(urString::CString& text, ur::Reference<Item const> item,
                                     JsonStyle const& style = {});
+
+/// The same for standard strings.
+[[nodiscard]] inline bool convertToJSON(std::string& text, ur::Reference<Item const> item) {
+    urString::CString json;
+    bool const isWhole = convertToJSON(json, std::move(item));
+    text += json.view();
+    return isWhole;
+}
+[[nodiscard]] inline bool writeJson(std::string& text, ur::Reference<Item const> item, JsonStyle const& style = {}) {
+    urString::CString json;
+    bool const isWritten = writeJson(json, std::move(item), style);
+    text += json.view();
+    return isWritten;
+}
 
 /// Reads the one value that is all of `text`: JSON in UTF-8, comments allowed. `null` is no item: it is left out of
 /// arrays and dictionaries, and alone gives a null `out`. Of a repeated key, the last value stays. False when

@@ -1,7 +1,9 @@
-// The saved forms of numbers, of texts, of references to transaction objects, and of vectors.
+// The saved forms of numbers, texts, references to transaction objects, described structures, and containers of these.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -99,6 +101,12 @@ void read(Reader& reader, std::optional<T>& value) {
     if (!hasValue) return value.reset();
     read(reader, value.emplace());
 }
+template <class T>
+requires requires(Clear& cleared, T& value) { clear(cleared, value); }
+void clear(Clear& cleared, std::optional<T>& value) {
+    if (value) clear(cleared, *value);
+    value.reset();
+}
 
 /// A vector of whatever has a saved form: a 32-bit count, then the elements. It owns what it counts references of, and
 /// not what it points to.
@@ -125,6 +133,47 @@ requires requires(Clear& cleared, T& element) { clear(cleared, element); }
 void clear(Clear& cleared, std::vector<T>& elements) {
     for (T& element : elements) clear(cleared, element);
     elements.clear();
+}
+
+template <class T, std::size_t size>
+void write(Writer& writer, std::array<T, size> const& elements) {
+    for (T const& element : elements) write(writer, element);
+}
+template <class T, std::size_t size>
+void read(Reader& reader, std::array<T, size>& elements) {
+    for (T& element : elements) read(reader, element);
+}
+template <class T, std::size_t size>
+requires requires(Clear& cleared, T& element) { clear(cleared, element); }
+void clear(Clear& cleared, std::array<T, size>& elements) {
+    for (T& element : elements) clear(cleared, element);
+}
+
+/// A map: a 32-bit count, then keys and values.
+template <class Key, class T, class Less>
+void write(Writer& writer, std::map<Key, T, Less> const& map) {
+    write(writer, static_cast<std::uint32_t>(map.size()));
+    for (auto const& [key, value] : map) {
+        write(writer, key);
+        write(writer, value);
+    }
+}
+template <class Key, class T, class Less>
+void read(Reader& reader, std::map<Key, T, Less>& map) {
+    std::uint32_t count = 0;
+    read(reader, count);
+    map.clear();
+    while (count-- > 0) {
+        Key key{};
+        read(reader, key);
+        read(reader, map.try_emplace(map.end(), std::move(key))->second);
+    }
+}
+template <class Key, class T, class Less>
+requires requires(Clear& cleared, T& value) { clear(cleared, value); }
+void clear(Clear& cleared, std::map<Key, T, Less>& map) {
+    for (auto& [key, value] : map) clear(cleared, value);
+    map.clear();
 }
 
 }  // namespace nxTXN

@@ -6,9 +6,9 @@
 //     template <class Visit>
 //     void listMembers(Chair& chair, Visit&& visit) { visit("name", chair.name), visit("wood", chair.wood); }
 //
-// From then on values of it are items (plst/containers.h), cross to scripts (foundation/nxRFL/values.h) and are fields
-// of transaction objects (foundation/nxTXN/fields.h): an enumeration as the name, a structure as a dictionary of its
-// members.
+// From then on values of it are items (plst/containers.h) and cross to scripts (foundation/nxRFL/values.h), an
+// enumeration as the name, a structure as a dictionary of its members; and they are fields of transaction objects
+// (foundation/nxTXN/fields.h).
 #pragma once
 
 #include <optional>

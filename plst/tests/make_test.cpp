@@ -22,6 +22,17 @@ std::string printed(ur::Reference<Item const> const& item) {
     return out.str();
 }
 
+TEST(StandardStrings, TakeJsonAndShowReferences) {
+    ur::Reference<Item> const item = dictionary({{"a", 1}});
+    std::string text = "before ";
+    EXPECT_TRUE(writeJson(text, item, {.indent = 0}));
+    EXPECT_EQ(text, "before {\"a\":1}");
+    text.clear();
+    EXPECT_TRUE(convertToJSON(text, item));
+    EXPECT_EQ(text, "{\n    \"a\": 1\n}\n");
+    EXPECT_EQ(testing::PrintToString(item) + testing::PrintToString(ur::Reference<Dictionary>()), "{\"a\":1}null");
+}
+
 TEST(Trees, AreMadeInPlace) {
     auto const shared = ur::make<Double>(7);
     auto const desk = dictionary({{"name", "desk"},

@@ -1,4 +1,8 @@
 // Which objects exist, who keeps them and when they are deleted.
+#include <array>
+#include <map>
+#include <optional>
+
 #include "foundation/nxTXN/tests/Node.h"
 #include "foundation/ur/ReferenceCount.h"
 
@@ -182,6 +186,61 @@ TEST_F(Lifetime, AVectorOfReferencesOwnsItsElements) {
     manager.clear();
     EXPECT_EQ(others(), 2);
     group->change([](auto& members) { members.clear(); });
+    EXPECT_EQ(others(), 0);
+}
+
+/// Has a reference in a container of each kind.
+struct Shelf : RefCountedObject {
+    using RefCountedObject::RefCountedObject;
+
+    std::optional<NodeReference> maybe;
+    std::array<NodeReference, 2> pair;
+    std::map<std::string, NodeReference> named;
+
+    void onTransact(Serializer& serializer) override {
+        serializer.field(maybe);
+        serializer.field(pair);
+        serializer.field(named);
+    }
+};
+
+TEST_F(Lifetime, ContainersOfReferencesComeBackAndLetGo) {
+    {
+        Manager other;
+        auto const shelf = ur::make<Shelf>(other);
+        auto const node = [&] { return ur::make<Node>(other, "n"); };
+        edit(other, [&] {
+            shelf->transact();
+            shelf->maybe = node();
+            shelf->pair = {node(), nullptr};
+            shelf->named = {{"a", node()}, {"b", nullptr}};
+        });
+        Node* const named = shelf->named["a"].get();
+        edit(other, [&] {
+            shelf->transact();
+            shelf->maybe.reset();
+            shelf->pair = {nullptr, node()};
+            shelf->named = {{"c", node()}};
+        });
+        EXPECT_TRUE(other.undo());
+        EXPECT_TRUE(shelf->maybe && shelf->pair[0] && !shelf->pair[1]);
+        EXPECT_EQ(shelf->named.size(), 2U);
+        EXPECT_EQ(shelf->named["a"].get(), named);
+        EXPECT_TRUE(other.undo());
+        EXPECT_FALSE(shelf->maybe || shelf->pair[0] || !shelf->named.empty());
+        EXPECT_TRUE(other.redo());
+
+        // Circles through each kind, which only clearing takes apart.
+        auto const link = [&](auto set) {
+            auto const owner = ur::make<Shelf>(other);
+            auto const through = node();
+            set(*owner, through);
+            through->onHook = [owner](std::string const&) {};
+        };
+        link([](Shelf& owner, NodeReference const& through) { owner.maybe = through; });
+        link([](Shelf& owner, NodeReference const& through) { owner.pair[1] = through; });
+        link([](Shelf& owner, NodeReference const& through) { owner.named["x"] = through; });
+    }
     EXPECT_EQ(others(), 0);
 }
 
