@@ -1,4 +1,4 @@
-// The buffer between a byte stream and a read context.
+// Buffers the bytes that a read context takes from a stream.
 #include "foundation/io/ioBufferedStreamInput.h"
 
 #include <cstring>

@@ -1,4 +1,4 @@
-// The buffer between a byte stream and a read context.
+// Buffers the bytes that a read context takes from a stream.
 #pragma once
 
 #include <cstddef>
@@ -8,38 +8,37 @@
 #include "foundation/ur/Export.h"
 #include "foundation/urOS/IOStream.h"
 
-/// Fetches bytes from a stream in large pieces, so that it may read beyond what is asked for.
+/// Fetches bytes from a stream in large pieces, so it may read more than the caller asks for.
 ///
-/// The stream is not owned and must outlive this object. After an error there are no more bytes.
-/// One thread at a time.
+/// The caller owns the stream, which must outlive this object. After an error no more bytes come. One thread at a time.
 class NX_API ioBufferedStreamInput {
 public:
     static constexpr std::size_t usualBytes = 64 * 1024;
 
-    /// Holds so many bytes at once. Requires: at least 256, which a token and the text in it take up.
+    /// `bufferBytes` is the buffer's size. Requires: at least 256, enough for a token and its text.
     explicit ioBufferedStreamInput(std::size_t bufferBytes = usualBytes) noexcept : bufferBytes_(bufferBytes) {}
     ioBufferedStreamInput(ioBufferedStreamInput const&) = delete;
     ioBufferedStreamInput& operator=(ioBufferedStreamInput const&) = delete;
 
     urUtil::Error openIOStream(urOS::IOStream& stream);
     [[nodiscard]] bool isOpen() const noexcept { return stream_ != nullptr; }
-    /// Lets the stream go, open as it is. The result is the error there was.
+    /// Releases the stream without closing it. Returns the first error, if any.
     urUtil::Error close();
     [[nodiscard]] urUtil::Error const& error() const noexcept { return error_; }
 
-    /// What `ensure` can promise at once.
+    /// The most bytes that one call of `ensure` can provide.
     [[nodiscard]] std::size_t bufferBytes() const noexcept { return bufferBytes_; }
-    /// Whether the next `bytes` bytes are there, at most `bufferBytes()` of them.
+    /// Makes the next `bytes` bytes available. False at the end. Requires: at most `bufferBytes()`.
     [[nodiscard]] bool ensure(std::size_t bytes) { return available() >= bytes || fetch(bytes); }
-    /// The number of bytes that are there without asking the stream.
+    /// The number of bytes in the buffer.
     [[nodiscard]] std::size_t available() const noexcept { return static_cast<std::size_t>(end_ - cursor_); }
     /// The next bytes; they stay in place until `ensure` is called.
     [[nodiscard]] char const* next() const noexcept { return cursor_; }
     /// Requires: that many bytes are available.
     void advance(std::size_t bytes) noexcept { cursor_ += bytes; }
-    /// Ends the input here, whatever the stream still has.
+    /// Ends the input here, even if the stream has more bytes.
     void abandon() noexcept;
-    /// The number of bytes passed since opening.
+    /// The number of bytes consumed since opening.
     [[nodiscard]] std::uint64_t position() const noexcept {
         return fetched_ - static_cast<std::uint64_t>(end_ - cursor_);
     }

@@ -1,4 +1,4 @@
-// The buffer between a write context and a byte stream.
+// Buffers the bytes that a write context sends to a stream.
 #include "foundation/io/ioBufferedStreamOutput.h"
 
 #include <utility>
@@ -6,7 +6,7 @@
 ioBufferedStreamOutput::~ioBufferedStreamOutput() {
     try {
         static_cast<void>(close());
-    } catch (...) {  // NOLINT(bugprone-empty-catch): there is nobody left to tell
+    } catch (...) {  // NOLINT(bugprone-empty-catch): a destructor cannot report
     }
 }
 

@@ -1,4 +1,4 @@
-// What readers do about packets by default.
+// The default callbacks of packet readers.
 #include "foundation/io/ioClientReadContext.h"
 
 ioClientReadContext::~ioClientReadContext() = default;

@@ -1,4 +1,4 @@
-// The side of a packet format that reads.
+// Base class of packet readers.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -6,15 +6,15 @@
 class ioPacketType;
 class ioReadContext;
 
-/// Base of classes that read the packets of one format through a context, which outlives them.
+/// Base of classes that read the packets of one format through a context. The context outlives them.
 class NX_API ioClientReadContext {
 public:
     explicit ioClientReadContext(ioReadContext& context) noexcept : context_(&context) {}
     virtual ~ioClientReadContext();
 
-    /// Called before each packet of the file, not before the packets inside it. Does nothing unless overridden.
+    /// Called before each top-level packet, not before nested ones. Does nothing by default.
     virtual void prePacketRead(ioPacketType const& type);
-    /// Called after each packet of the file that was read without a fault.
+    /// Called after each top-level packet that was read without a fault.
     virtual void postPacketRead(ioPacketType const& type);
 
     [[nodiscard]] ioReadContext& context() const noexcept { return *context_; }

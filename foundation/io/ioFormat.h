@@ -1,29 +1,29 @@
-// The bytes of packet files; docs/packets.md describes them for people.
+// The byte format of packet files; docs/packets.md describes it.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
-/// A file is the file mark and then tokens. A token is one byte, its kind in the upper three bits and a number in
-/// the lower five; the number 31 means that the rest of a larger one follows, seven bits a byte, lowest first.
+/// A file is the file mark followed by tokens. A token starts with one byte: the upper three bits are its kind, the
+/// lower five a number. 31 means that the rest of a larger number follows, seven bits per byte, lowest first.
 namespace ioFormat {
 
 using namespace std::string_view_literals;
 
-/// The first byte keeps files apart from text, the line end shows when a transfer took them for text.
+/// The first byte distinguishes files from text; the line end shows whether a transfer converted line ends.
 inline constexpr std::string_view fileMark = "\x89NXPK\r\n"sv;
 inline constexpr unsigned char version = 1;
 
 enum Kind : unsigned char {
     mark = 0,          ///< the number is one of `Mark`
     integer = 1,       ///< a zigzag-coded 32-bit integer
-    wholeDouble = 2,   ///< a double with the value of such an integer
+    wholeDouble = 2,   ///< a double whose value is such an integer
     text = 3,          ///< that many bytes follow
-    objectPacket = 4,  ///< begins a packet of that type, whose object later references may name
-    plainPacket = 5,   ///< begins a packet of that type; only its own end may refer to its object, if it has one
-    reference = 6,     ///< 0 = null, otherwise how many objects back, the one begun last being 1
-    name = 7,  ///< 0 = a text follows that takes the next place, otherwise the text in that place, counted from 1
+    objectPacket = 4,  ///< begins a packet of that type; later references may name its object
+    plainPacket = 5,   ///< begins a packet of that type; only its own end may refer to its object, if any
+    reference = 6,     ///< 0 is null, otherwise how many objects back; the latest object begun is 1
+    name = 7,          ///< 0: a text follows and takes the next place; otherwise the text in that place, counted from 1
 };
 
 enum Mark : unsigned char {
@@ -31,16 +31,16 @@ enum Mark : unsigned char {
     trueMark = 1,
     doubleMark = 2,       ///< eight bytes follow, lowest first
     endMark = 3,          ///< ends the innermost packet
-    referredEndMark = 4,  ///< ends the innermost packet and is a reference to its object from the one around it
+    referredEndMark = 4,  ///< ends the innermost packet and gives the enclosing one a reference to its object
     typeMark = 5,         ///< a text token follows: the name of the next packet type
     endOfFileMark = 6,
 };
 
 inline constexpr unsigned kindShift = 5;
 inline constexpr unsigned char numberMask = 31;
-/// The number that announces a longer one.
+/// The number that means: the rest of a larger number follows.
 inline constexpr unsigned char longNumber = 31;
-/// The most bytes that the rest of a long number has, and a whole token.
+/// The most bytes in the rest of a long number, and in a whole token.
 inline constexpr std::size_t longestRest = 10;
 inline constexpr std::size_t longestToken = 1 + longestRest;
 inline constexpr std::size_t longestTypeName = 255;
@@ -51,7 +51,7 @@ constexpr unsigned char token(Kind kind, unsigned number) noexcept {
 constexpr Kind kindOf(unsigned char token) noexcept { return static_cast<Kind>(token >> kindShift); }
 constexpr unsigned numberOf(unsigned char token) noexcept { return token & numberMask; }
 
-/// Small magnitudes of either sign become small numbers: 0, -1, 1, -2 … become 0, 1, 2, 3 …
+/// Maps numbers of small magnitude to small codes: 0, -1, 1, -2 … become 0, 1, 2, 3 …
 constexpr std::uint32_t zigzag(std::int32_t value) noexcept {
     return static_cast<std::uint32_t>(value) << 1 ^ static_cast<std::uint32_t>(value >> 31);
 }
@@ -59,7 +59,7 @@ constexpr std::int32_t unzigzag(std::uint32_t code) noexcept {
     return static_cast<std::int32_t>(code >> 1 ^ (0U - (code & 1U)));
 }
 
-/// Puts a token at `to`, where there is room for the longest one, and gives the place behind it.
+/// Writes a token to `to`, which has room for the longest token. Returns the position after it.
 inline char* putToken(char* to, Kind kind, std::uint64_t number) noexcept {
     bool const isLong = number >= longNumber;
     *to++ = static_cast<char>(token(kind, isLong ? longNumber : static_cast<unsigned>(number)));
@@ -69,8 +69,8 @@ inline char* putToken(char* to, Kind kind, std::uint64_t number) noexcept {
     return to;
 }
 
-/// Adds the rest of a long number, which begins at `from`, to `number`, and gives the place behind it. Null when it
-/// does not end before `end`, or is too large for 64 bits.
+/// Adds the rest of a long number, which starts at `from`, to `number`. Returns the position after it, or null if it
+/// does not end before `end` or exceeds 64 bits.
 inline char const* addRest(char const* from, char const* end, std::uint64_t& number) noexcept {
     std::uint64_t rest = 0;
     for (unsigned shift = 0; shift < 64 && from != end; shift += 7) {

@@ -1,4 +1,4 @@
-// The short texts that a file has named lately.
+// Remembers the short texts that a file named recently.
 #pragma once
 
 #include <algorithm>
@@ -7,13 +7,13 @@
 #include <cstdint>
 #include <string_view>
 
-/// A ring of places for short texts, the same on both sides of a file: each new text takes the next place.
+/// A ring buffer of short texts, equal in writer and reader: each new text takes the next place.
 class ioNameTable {
 public:
     static constexpr std::size_t places = 255;
     static constexpr std::size_t longestName = 31;
 
-    /// Puts `name` into the next place and tells which that is. Requires: not longer than `longestName`.
+    /// Stores `name` in the next place and returns that place. Requires: not longer than `longestName`.
     std::size_t remember(std::string_view name) noexcept {
         std::size_t const place = next_;
         name.copy(names_[place].text.data(), name.size());
@@ -22,9 +22,9 @@ public:
         used_ = std::max(used_, place + 1);
         return place;
     }
-    /// Whether a text has been put into that place.
+    /// Whether that place holds a text.
     [[nodiscard]] bool knows(std::size_t place) const noexcept { return place < used_; }
-    /// Requires: known.
+    /// Requires: `knows(place)`.
     [[nodiscard]] std::string_view at(std::size_t place) const noexcept {
         return {names_[place].text.data(), names_[place].size};
     }

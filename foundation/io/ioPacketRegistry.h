@@ -1,4 +1,4 @@
-// Which packet types a context may meet.
+// The packet types that a context supports.
 #pragma once
 
 #include <memory>
@@ -7,16 +7,16 @@
 #include "foundation/io/ioPacketType.h"
 #include "foundation/ur/Export.h"
 
-/// The packet types that a file may be written with, or that are understood when it is read.
+/// The packet types that may be written to a file or read from one.
 class NX_API ioPacketRegistry {
 public:
     virtual ~ioPacketRegistry() = default;
 
-    /// Adds a type. The first one of a name stays.
+    /// Adds a type. If the name exists already, the first type stays.
     virtual void supportedType(std::unique_ptr<ioPacketType> type) = 0;
-    /// Contexts call it when a file starts, before they ask for any type.
+    /// Contexts call this when a file starts, before they look up types.
     virtual void registerTypes() = 0;
     [[nodiscard]] virtual bool supports(std::string_view name) const = 0;
-    /// The type that reads packets of that name; null when they are to be passed over.
+    /// The type that reads packets of that name. Null when such packets are skipped.
     [[nodiscard]] virtual ioPacketType* reader(std::string_view name) const = 0;
 };

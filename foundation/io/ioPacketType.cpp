@@ -1,4 +1,4 @@
-// What packet types do by default.
+// The defaults of packet types.
 #include "foundation/io/ioPacketType.h"
 
 #include <utility>

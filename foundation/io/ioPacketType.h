@@ -9,7 +9,7 @@
 
 class ioClientReadContext;
 
-/// Knows a packet type by name and reads the payload of its packets. A registry owns it.
+/// Names a packet type and reads the payload of its packets. A registry owns it.
 class NX_API ioPacketType {
 public:
     explicit ioPacketType(std::string_view name) : name_(name) {}
@@ -17,13 +17,13 @@ public:
     ioPacketType& operator=(ioPacketType const&) = delete;
     virtual ~ioPacketType();
 
-    /// Called inside a packet of this type. Values that it leaves unread are passed over.
+    /// Called inside a packet of this type. Values that it does not read are skipped.
     virtual void read(ioClientReadContext& client) = 0;
-    /// True when nothing refers to the memory of an object once its packet has ended: the context then forgets the
-    /// object. False unless overridden.
+    /// True when nothing refers to the memory of an object after its packet has ended: the context then forgets the
+    /// object. False by default.
     [[nodiscard]] virtual bool memoryNotReferenced() const;
-    /// Asked after each `read`. True when what it read still waits for an object to come: the file is then refused,
-    /// because references only lead backwards. False unless overridden.
+    /// Called after each `read`. True when the object read still waits for a later object: the file is then refused,
+    /// because references only lead backwards. False by default.
     [[nodiscard]] virtual bool hasUnresolvedPointer() const;
 
     [[nodiscard]] std::string const& name() const noexcept { return name_; }
@@ -32,14 +32,14 @@ private:
     std::string name_;
 };
 
-/// A call that reads the payload of one packet.
+/// A function that reads the payload of one packet.
 class NX_API ioReadCallback {
 public:
     virtual ~ioReadCallback();
     virtual void read(ioClientReadContext& client) = 0;
 };
 
-/// Calls a member function of an object that outlives the registry.
+/// Calls a member function of an object. The object outlives the registry.
 template <class T>
 class ioMemberReadCallback final : public ioReadCallback {
 public:
@@ -54,7 +54,7 @@ private:
     Member member_;
 };
 
-/// A packet type that leaves reading to a callback.
+/// A packet type that reads through a callback.
 class NX_API ioSimplePacketType final : public ioPacketType {
 public:
     ioSimplePacketType(std::string_view name, std::unique_ptr<ioReadCallback> callback);

@@ -1,4 +1,4 @@
-// Reading packets and the values inside them.
+// Reads packets and the values inside them.
 #include "foundation/io/ioReadContext.h"
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Counts the packet types that read inside each other, also when one of them throws.
+/// Counts nested `read` calls; decrements also when one throws.
 class Nesting {
 public:
     explicit Nesting(int& depth) noexcept : depth_(depth) { ++depth_; }
@@ -94,7 +94,7 @@ ioPacketType* ioReadContext::openOtherPacket() {
     return nullptr;
 }
 
-/// Enters the packet that is next. Null when it failed, or when nobody reads its type.
+/// Enters the next packet. Null on failure, or when its type has no reader.
 ioPacketType* ioReadContext::beginPacket() {
     while (ok() && nextByte() == ioFormat::typeMark) nameType();
     if (!ok()) return nullptr;
@@ -136,7 +136,7 @@ ioReadContext::Ending ioReadContext::passOver() {
 
 ioReadContext::Ending ioReadContext::passOverToken() {
     if (packetIsNext()) {
-        // A packet that nobody reads stays open here and is passed over by the same loop.
+        // A packet without a reader stays open here; this loop skips its content.
         ioPacketType* const type = beginPacket();
         if (type) readPacket(*type);
         return Ending::plain;
@@ -192,7 +192,7 @@ bool ioReadContext::readNumber(ioFormat::Kind kind, std::uint64_t& number) {
 }
 
 bool ioReadContext::readRest(std::uint64_t& number) {
-    // No byte more than the number has: behind the last ones of the file, a pipe may have none to give for long.
+    // Ask for no byte beyond the number: after the file's last bytes, a pipe may block.
     std::size_t bytes = 0;
     do {
         if (!need(++bytes)) return false;
@@ -240,7 +240,7 @@ std::string_view ioReadContext::otherTextValue() {
 }
 
 std::string_view ioReadContext::takeLongText(std::uint64_t size) {
-    // The text grows with the bytes that arrive, whatever size the file promises.
+    // The text grows as bytes arrive, whatever size the file claims.
     text_.clear();
     while (text_.size() < size) {
         if (!need(1)) return {};

@@ -19,62 +19,62 @@
 class ioClientReadContext;
 class ioPacketRegistry;
 
-/// Reads one file of packets, of any origin: what does not make sense ends the reading with a status.
+/// Reads one file of packets from any source, trusted or not: malformed input ends the reading with a status.
 ///
-/// Packet types read the payload of their packets by asking for the values in the order in which they were written.
-/// Packets inside a packet are read when the value behind them is asked for. Packets of types without a reader are
-/// passed over, known ones inside them are read. Only the open packets and the addresses of objects are held.
+/// Packet types read their payload by asking for values in the order in which they were written. Nested packets are
+/// read when the value after them is requested. Packets of types without a reader are skipped, but known packets inside
+/// them are read. Memory holds only the open packets and the addresses of objects.
 ///
 /// After the first fault (`getStatus`) every value is false, 0, empty or null. One thread at a time.
 class NX_API ioReadContext {
 public:
-    /// How many packets may be read inside each other by their types' `read`. Readers that keep a stack of their own
-    /// (`openPacket`) go as deep as memory allows.
+    /// The deepest nesting of packets that types read recursively by `read`. Readers that keep their own stack
+    /// (`openPacket`) may go as deep as memory allows.
     static constexpr int deepestRead = 200;
 
     ioReadContext(ioReadContext const&) = delete;
     ioReadContext& operator=(ioReadContext const&) = delete;
     ~ioReadContext();
 
-    /// Reads the file from its mark to its end mark, packet by packet. Asks the registry for its types.
+    /// Reads the file from its mark to its end mark, packet by packet. Registers the registry's types first.
     void readFile(ioClientReadContext& client);
     /// One of `ioStatus`.
     [[nodiscard]] int getStatus() const noexcept { return static_cast<int>(status_); }
-    /// How many bytes of the file had been read when the first fault was found.
+    /// The number of bytes that had been read when the first fault was found.
     [[nodiscard]] std::uint64_t getStatusPosition() const noexcept { return statusPosition_; }
 
-    // The next value of the innermost packet; one of another kind is a fault.
+    // The next value of the innermost packet. A value of another kind is a fault.
     [[nodiscard]] bool readBoolValue();
     [[nodiscard]] int readIntValue();
     [[nodiscard]] double readDoubleValue();
     /// Valid until the next call of this context.
     [[nodiscard]] char const* readStringValue();
-    /// The same with its length; no NUL is inside and none need be behind it.
+    /// The same with its length. The text contains no NUL and need not be NUL-terminated.
     [[nodiscard]] std::string_view readTextValue();
-    /// An object that a packet has defined, or null. `flag` is 0; other values are reserved.
+    /// An object that a packet has defined, or null. Pass 0 as `flag`; other values are reserved.
     [[nodiscard]] void* readReference(int flag);
-    /// The type of the packet that defined what `readReference` gave last.
+    /// The type of the packet that defined the object of the last `readReference`.
     [[nodiscard]] ioPacketType const* referencedType() const noexcept { return referencedType_; }
-    /// Says which object the innermost packet has produced. It stays in place as long as something may refer to it:
-    /// until the file ends if `packetIsNumbered`, otherwise until the packet's end.
+    /// Sets the object that the innermost packet produces. The object must stay in place until the file ends if
+    /// `packetIsNumbered`, otherwise until the packet ends.
     void definePacketObject(void* object) noexcept;
     [[nodiscard]] bool packetIsNumbered() const noexcept { return !open_.empty() && open_.back().number != noNumber; }
-    /// Ends the reading as malformed: for packet types whose values do not make sense together.
+    /// Ends the reading as malformed. For packet types whose values are inconsistent.
     void refuse() noexcept { fail(ioStatus::malformed); }
 
-    // For readers that keep a stack of their own: the steps that otherwise happen inside `readReference`.
+    // For readers that keep their own stack: the single steps of `readReference`.
     enum class Ending { plain, referred };
-    /// Enters the packet that comes next and tells its type; null when the next thing is a value or an end.
+    /// Enters the next packet and returns its type. Null when a value or an end comes next.
     [[nodiscard]] ioPacketType* openPacket();
-    /// Leaves the innermost packet, passing over what is left of it. `referred`: a reference to its object comes
-    /// next, and is thereby read.
+    /// Leaves the innermost packet and skips its remaining content. `referred`: a reference to its object comes next
+    /// and is consumed.
     [[nodiscard]] Ending closePacket();
-    /// Lets `type` read the packet that was opened, and closes it.
+    /// Lets `type` read the packet just opened, and closes it.
     Ending readPacket(ioPacketType& type);
-    /// The object of the packet that was closed as `referred`; null, and a fault, if it defined none.
+    /// The object of the packet that was closed as `referred`. Null, and a fault, if the packet defined none.
     [[nodiscard]] void* referredObject();
 
-    /// The type with that number in the file. Null when nobody reads it, or none has the number.
+    /// The type with that number in the file. Null when no type has the number or the type has no reader.
     [[nodiscard]] ioPacketType* numberedType(std::size_t number) const noexcept {
         return number < types_.size() ? types_[number] : nullptr;
     }
@@ -85,31 +85,31 @@ private:
 
     static constexpr std::size_t noNumber = std::numeric_limits<std::size_t>::max();
     struct Object {
-        void* address;  ///< null until its packet defines it
+        void* address;  ///< null until the packet defines it
         ioPacketType const* type;
     };
     struct OpenPacket {
         Object object;
-        std::size_t number;  ///< among `objects_`, or `noNumber`
+        std::size_t number;  ///< index in `objects_`, or `noNumber`
     };
 
     ioReadContext(ioBufferedStreamInput& input, ioPacketRegistry& registry) : input_(input), registry_(registry) {}
 
     void fail(ioStatus status) noexcept;
     [[nodiscard]] bool ok() const noexcept { return status_ == ioStatus::ok; }
-    /// Whether so many bytes are there; a fault if not.
+    /// Makes `bytes` bytes available. False, and a fault, if they are not.
     [[nodiscard]] bool need(std::size_t bytes);
     [[nodiscard]] unsigned char nextByte() const noexcept { return static_cast<unsigned char>(*input_.next()); }
 
     void readFileMark();
     void readPackets(ioClientReadContext& client);
 
-    // What the inline functions leave to be done when the bytes are not the most usual ones.
+    // The slow paths of the inline functions.
     [[nodiscard]] int otherIntValue();
     [[nodiscard]] std::string_view otherTextValue();
     [[nodiscard]] ioPacketType* openOtherPacket();
 
-    /// Reads the packets in front of the next value. False when no value follows.
+    /// Reads the packets before the next value. False when no value follows.
     [[nodiscard]] bool comeToValue();
     [[nodiscard]] bool readNumber(ioFormat::Kind kind, std::uint64_t& number);
     [[nodiscard]] bool readRest(std::uint64_t& number);
@@ -138,18 +138,18 @@ private:
     std::uint64_t statusPosition_ = 0;
     int readDepth_ = 0;
     std::vector<OpenPacket> open_;
-    std::vector<ioPacketType*> types_;  ///< by number; null where there is no reader
-    std::vector<Object> objects_;       ///< in the order in which their packets began
-    Object closed_{};                   ///< what the packet closed last defined
+    std::vector<ioPacketType*> types_;  ///< by number; null for types without a reader
+    std::vector<Object> objects_;       ///< in the order in which their packets begin
+    Object closed_{};                   ///< the object of the packet that was closed last
     ioPacketType const* referencedType_ = nullptr;
     std::string text_;
     ioNameTable names_;
 };
 
-/// Reads the usual things of files in the fewest steps, as long as they lie whole in the buffer: names, packets without
-/// a number, and their ends that are references. What is of another kind it leaves, and the context tells why.
+/// Reads the usual tokens of a file quickly, as long as they lie completely in the buffer: names, packets without a
+/// number, and ends that are references. It leaves other tokens to the context, which reports the reason.
 ///
-/// While it exists nobody else reads from the context.
+/// While a cursor exists, nothing else may read from the context.
 class ioReadContext::Cursor {
 public:
     explicit Cursor(ioReadContext& context) noexcept
@@ -158,21 +158,21 @@ public:
     Cursor& operator=(Cursor const&) = delete;
     ~Cursor() { context_.input_.advance(static_cast<std::size_t>(at_ - context_.input_.next())); }
 
-    /// Whether there is enough to look at for a name and the packet behind it. What comes next needs it.
+    /// Whether the buffer holds enough for a name and the packet after it. The calls below require it.
     [[nodiscard]] bool hasMore() const noexcept { return end_ - at_ >= lookAhead; }
 
-    /// The first byte of what comes next.
+    /// The first byte of the next token.
     [[nodiscard]] unsigned char first() const noexcept { return byteAt(at_); }
-    // Each is false, and moves nowhere, where something else comes. Texts are valid until the next call.
-    /// A text that was named before.
+    // Each is false, and does not move, when something else comes next. Texts are valid until the next call.
+    /// A name that the file gave before.
     [[nodiscard]] bool name(std::string_view& name) noexcept;
-    /// The packet that begins here, if it is one value and the end that is a reference.
+    /// Reads a packet that holds one value and ends with a reference.
     [[nodiscard]] bool packet(bool& value) noexcept;
     [[nodiscard]] bool packet(double& value) noexcept;
     [[nodiscard]] bool packet(std::string_view& value) noexcept;
-    /// Enters the packet that begins here, with the number of things in it.
+    /// Enters the packet that begins here; `size` receives its number of elements.
     [[nodiscard]] bool enter(std::size_t& size);
-    /// Leaves the innermost packet, if it has an end that is a reference.
+    /// Leaves the innermost packet if its end is a reference.
     [[nodiscard]] bool leave() noexcept;
 
 private:
@@ -190,7 +190,7 @@ private:
     char const* end_;
 };
 
-/// A context that reads from `input`; null when that is not open. Input and registry outlive it.
+/// Creates a context that reads from `input`. Null when `input` is not open. Input and registry must outlive it.
 NX_API std::unique_ptr<ioReadContext> ioReadContextAlloc(ioBufferedStreamInput& input, ioPacketRegistry& registry);
 
 #include "foundation/io/ioReadContextInline.h"

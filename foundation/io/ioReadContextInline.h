@@ -1,4 +1,4 @@
-// What readers of many packets need inlined. Included by ioReadContext.h.
+// The inline functions of ioReadContext, for readers of many packets. Included by ioReadContext.h.
 #pragma once
 
 #include <bit>

@@ -1,4 +1,4 @@
-// The registry that asks for its types when they are needed.
+// A registry that collects its types when a file first needs them.
 #include "foundation/io/ioSimplePacketRegistry.h"
 
 #include <utility>

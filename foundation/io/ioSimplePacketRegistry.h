@@ -1,4 +1,4 @@
-// The registry that asks for its types when they are needed.
+// A registry that collects its types when a file first needs them.
 #pragma once
 
 #include <functional>
@@ -11,11 +11,10 @@
 #include "foundation/ur/Export.h"
 #include "foundation/urRTB/Signal.h"
 
-/// Emits its registration signal once, when the first file starts. Modules with packet types connect to it and add
-/// them then.
+/// Emits its registration signal once, when the first file starts. Modules connect to it and add their packet types.
 ///
-/// A registry for writing needs only the names and drops the types themselves. Owned by the maker of the context,
-/// and outlives it. One thread at a time.
+/// A registry for writing keeps only the names and drops the types. The creator of the context owns the registry, which
+/// outlives the context. One thread at a time.
 class NX_API ioSimplePacketRegistry final : public ioPacketRegistry {
 public:
     explicit ioSimplePacketRegistry(bool forReading) noexcept : forReading_(forReading) {}
@@ -24,7 +23,7 @@ public:
     [[nodiscard]] urRTB::Signal<ioSimplePacketRegistry&>& registrationSignal() noexcept { return registration_; }
 
     void supportedType(std::unique_ptr<ioPacketType> type) override;
-    /// Adds a type that is only written; packets of it that are read are passed over.
+    /// Adds a type that is only written; a reader skips its packets.
     void add(std::string_view name);
 
     void registerTypes() override;

@@ -1,4 +1,4 @@
-// The words for the states of packet contexts.
+// Texts for the states of packet contexts.
 #include "foundation/io/ioStatus.h"
 
 #include <array>

@@ -27,7 +27,7 @@ ioWriteContext::ioWriteContext(ioBufferedStreamOutput& output, ioPacketRegistry&
 ioWriteContext::~ioWriteContext() = default;
 
 void ioWriteContext::fail(ioStatus status) noexcept {
-    // A caller that stops because the stream failed leaves a file that is wrong in other ways as well.
+    // A caller that stops because the stream failed also leaves other faults: report the stream's.
     if (status_ == ioStatus::ok) status_ = output_.error().isError() ? ioStatus::streamFailed : status;
     phase_ = Phase::after;
     takesValues_ = false;
@@ -81,7 +81,7 @@ void ioWriteContext::startPacket(ioPacketTypeId type, void const* object) {
 std::size_t ioWriteContext::positionOf(void const* object) const { return index_->find(objects_, object); }
 
 bool ioWriteContext::isOpen(std::size_t position) const noexcept {
-    // Open packets are ordered by their first object. Of several with the same one, the innermost alone can own it.
+    // Open packets are ordered by their first object. If several have the same one, only the innermost can own it.
     auto const after = std::ranges::upper_bound(open_, position, {}, &OpenPacket::firstObject);
     return after != open_.begin() && std::prev(after)->firstObject == position && std::prev(after)->hasObject;
 }

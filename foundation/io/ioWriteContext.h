@@ -22,23 +22,23 @@ class NameIndex;
 class ObjectIndex;
 }  // namespace ioImpl
 
-/// Names a packet type to one context.
+/// Identifies a packet type in one context.
 enum class ioPacketTypeId : int { none = -1 };
 
 /// Writes one file of packets that hold values, references to objects and further packets.
 ///
-/// An object is what one packet defines and later references name. The context knows objects by address only, so
-/// they must live until the file ends. Only the open packets and the addresses are held in memory.
-/// After the first fault (`getStatus`) every call does nothing. One thread at a time.
+/// A packet defines an object, and later references name it. The context knows objects by address only, so they must
+/// live until the file ends. Memory holds only the open packets and the addresses. After the first fault (`getStatus`)
+/// every call does nothing. One thread at a time.
 class NX_API ioWriteContext {
 public:
     ioWriteContext(ioWriteContext const&) = delete;
     ioWriteContext& operator=(ioWriteContext const&) = delete;
     ~ioWriteContext();
 
-    /// The file mark. Asks the registry for its types. A context writes one file.
+    /// Writes the file mark. Registers the registry's types first. A context writes one file.
     void startFile();
-    /// The end mark. Requires: no open packet.
+    /// Writes the end mark. Requires: no open packet.
     void endFile();
     /// One of `ioStatus`.
     [[nodiscard]] int getStatus() const noexcept {
@@ -46,42 +46,42 @@ public:
         return static_cast<int>(lost ? ioStatus::streamFailed : status_);
     }
 
-    /// Begins a packet inside the innermost open one, if any. `object` is what it defines; an object has one packet in
-    /// a file. Null when no reference will be written to what the packet defines, but for `endReferredPacket`.
+    /// Begins a packet inside the innermost open one, if any. The packet defines `object`; each object has one packet
+    /// per file. Null when only `endReferredPacket` will refer to the object.
     void startPacket(char const* typeName, void const* object);
     void endPacket();
 
-    // Values go into the innermost open packet.
+    // These write into the innermost open packet.
     void writeBoolValue(bool value);
     void writeIntValue(int value);
     void writeDoubleValue(double value);
-    /// Up to the terminating NUL.
+    /// Writes up to the terminating NUL.
     void writeStringValue(char const* value) { writeTextValue(value); }
-    /// Up to the first NUL.
+    /// Writes up to the first NUL.
     void writeTextValue(std::string_view value);
-    /// The same for a text that is likely to come again, such as a key: if it is short, it costs a byte or two then.
+    /// The same for a text that is likely to recur, such as a key: each repetition of a short text takes a byte or two.
     void writeNameValue(std::string_view value);
-    /// Null, or an object whose packet is complete. `flag` is 0; other values are reserved.
+    /// `object` is null or an object whose packet is complete. Pass 0 as `flag`; other values are reserved.
     void writeReference(void const* object, int flag);
     /// Whether the object's packet is complete.
     [[nodiscard]] bool isReferenceDefined(void const* object) const;
 
-    // For writers of many packets: the same in fewer steps.
+    // Faster calls for writers of many packets.
     /// Saves the search by name. `none`, and a fault, when the registry does not support the type.
     [[nodiscard]] ioPacketTypeId typeId(std::string_view typeName);
     void startPacket(ioPacketTypeId type, void const* object);
-    /// Saves the search for the object. Requires: no packet of `object` was begun before.
+    /// Saves the search for the object. Requires: `object` has no packet yet.
     void startNewPacket(ioPacketTypeId type, void const* object);
-    /// The value as its type has it: bool, int, double or `std::string_view`.
+    /// Writes the value by its type: bool, int, double or `std::string_view`.
     template <class Value>
     void writeValue(Value value);
-    /// Ends the packet and refers to its object from the packet around it.
+    /// Ends the packet and refers to its object from the enclosing packet.
     void endReferredPacket();
-    /// A packet without an object of its own that holds one value, and the reference to what it defines.
+    /// Writes a packet without an object that holds one value, and the reference to what it defines.
     template <class Value>
     void writeReferredPacket(ioPacketTypeId type, Value value);
-    /// The first byte of such a packet; 0 as long as the file has not named the type, if its number is a long one, and
-    /// for `none`.
+    /// The first byte of such a packet. 0 until the file has named the type, if the type's number is long, and for
+    /// `none`.
     [[nodiscard]] unsigned char firstByteOf(ioPacketTypeId type) const noexcept;
     class Cursor;
 
@@ -90,7 +90,7 @@ private:
 
     enum class Phase { before, writing, after };
     struct OpenPacket {
-        std::size_t firstObject;  ///< of those begun since the packet began, its own included
+        std::size_t firstObject;  ///< among the objects begun since this packet began, its own included
         bool hasObject;
     };
 
@@ -104,14 +104,14 @@ private:
     [[nodiscard]] std::size_t positionOf(void const* object) const;
     [[nodiscard]] bool isOpen(std::size_t position) const noexcept;
 
-    // Each puts bytes at `to`, where there is room for them, and gives the place behind.
+    // Each writes bytes to `to`, which has room for them, and returns the position after them.
     static char* putMark(char* to, ioFormat::Mark mark) noexcept;
     static char* putValue(char* to, bool value) noexcept;
     static char* putValue(char* to, int value) noexcept;
     static char* putValue(char* to, double value) noexcept;
-    // Texts need no more room than the longest token has.
+    // Requires room for the longest token; texts need no more.
     char* putValue(char* to, std::string_view value);
-    // Needs room for two tokens and the name.
+    // Requires room for two tokens and the name.
     char* putName(char* to, std::string_view name);
     [[gnu::noinline]] char* putOtherName(char* to, std::string_view name);
 
@@ -119,20 +119,21 @@ private:
     ioPacketRegistry& registry_;
     ioStatus status_ = ioStatus::ok;
     Phase phase_ = Phase::before;
-    bool takesValues_ = false;  ///< a packet is open and nothing has failed
+    bool takesValues_ = false;  ///< a packet is open and no fault occurred
     std::vector<OpenPacket> open_;
     std::map<std::string, ioPacketTypeId, std::less<>> idOfName_;
-    std::vector<int> numbers_;  ///< of types in the file, by `ioPacketTypeId`; negative until the file has named them
+    std::vector<int>
+        numbers_;  ///< the types' numbers in the file, by `ioPacketTypeId`; negative until the file has named the type
     int namedTypes_ = 0;
-    std::vector<void const*> objects_;  ///< in the order in which their packets began
+    std::vector<void const*> objects_;  ///< in the order in which their packets begin
     std::unique_ptr<ioImpl::ObjectIndex> index_;
     std::unique_ptr<ioImpl::NameIndex> names_;
 };
 
-/// Writes many names and small packets into the innermost open packet in the fewest steps, as long as the buffer has
-/// room for them and nothing failed: what it leaves undone is left to the context.
+/// Writes many names and small packets into the innermost open packet quickly, as long as the buffer has room and no
+/// fault occurs. The context writes what the cursor does not.
 ///
-/// While it exists nobody else writes to the context.
+/// While a cursor exists, nothing else may write to the context.
 class ioWriteContext::Cursor {
 public:
     explicit Cursor(ioWriteContext& context) noexcept
@@ -143,16 +144,16 @@ public:
     Cursor& operator=(Cursor const&) = delete;
     ~Cursor() { context_.output_.moveTo(to_); }
 
-    /// What a name and a packet's text may have to go in here.
+    /// The longest name and text that a cursor writes.
     static constexpr std::size_t longestText = ioFormat::longNumber - 1;
 
-    /// Whether a name and a packet are sure to fit.
+    /// Whether a name and a packet certainly fit.
     [[nodiscard]] bool hasRoom() const noexcept { return end_ - to_ >= largestEntry; }
 
-    // Require: room, and texts that are not too long.
-    /// The same as `writeNameValue`.
+    // Require: `hasRoom()`, and texts up to `longestText`.
+    /// As `writeNameValue`.
     void name(std::string_view value) { to_ = context_.putName(to_, value); }
-    /// The same as `writeReferredPacket`. Requires: `first` is not 0, and no NUL.
+    /// As `writeReferredPacket`. Requires: `first` is not 0; texts contain no NUL.
     template <class Value>
     void packet(unsigned char first, Value value) noexcept {
         *to_++ = static_cast<char>(first);
@@ -170,7 +171,7 @@ public:
         to_ = putValue(to_, size);
         context_.open_.push_back({context_.objects_.size(), false});
     }
-    /// The same as `endReferredPacket`. Requires: two open packets.
+    /// As `endReferredPacket`. Requires: two open packets.
     void leave() noexcept {
         to_ = putMark(to_, ioFormat::referredEndMark);
         context_.open_.pop_back();
@@ -184,8 +185,8 @@ private:
     char* end_;
 };
 
-/// A context that writes to `output` by method 1, the only one there is; null when `output` is not open or the
-/// method is another. Output and registry outlive it.
+/// Creates a context that writes to `output` by method 1, the only method. Null when `output` is not open or the method
+/// is another. Output and registry must outlive it.
 NX_API std::unique_ptr<ioWriteContext> ioWriteContextAlloc(ioBufferedStreamOutput& output, int method,
                                                            ioPacketRegistry& registry);
 

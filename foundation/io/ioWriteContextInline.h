@@ -1,4 +1,4 @@
-// What writers of many packets need inlined. Included by ioWriteContext.h.
+// The inline functions of ioWriteContext, for writers of many packets. Included by ioWriteContext.h.
 #pragma once
 
 #include <bit>
@@ -22,7 +22,7 @@ inline char* ioWriteContext::putValue(char* to, int value) noexcept {
 }
 
 inline char* ioWriteContext::putValue(char* to, double value) noexcept {
-    // Bits are compared, so that -0.0 is no whole number here.
+    // Compares bits, so that -0.0 is not a whole number here.
     bool const small = value >= -2147483648.0 && value <= 2147483647.0;
     auto const whole = static_cast<std::int32_t>(small ? value : 0.0);
     auto bits = std::bit_cast<std::uint64_t>(value);
@@ -54,7 +54,7 @@ inline void ioWriteContext::writeIntValue(int value) { writeValue(value); }
 inline void ioWriteContext::writeDoubleValue(double value) { writeValue(value); }
 inline void ioWriteContext::writeTextValue(std::string_view value) { writeValue(value); }
 
-/// The type's number in the file, which has its name before.
+/// The type's number in the file; writes its name first if needed.
 inline unsigned ioWriteContext::numberOf(ioPacketTypeId type) {
     int const& number = numbers_[static_cast<std::size_t>(type)];
     if (number < 0) nameType(type);

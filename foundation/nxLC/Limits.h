@@ -1,4 +1,4 @@
-// How much a script may use up.
+// The limits of a script.
 #pragma once
 
 #include <cstddef>
@@ -6,19 +6,19 @@
 
 namespace nxLC {
 
-/// What scripts may use. 0 sets no limit.
+/// Limits what a script may use. 0 sets no limit.
 ///
-/// Bytes are those of the state and of the native objects that scripts have made or met: `ur::Account`.
+/// Bytes include those of the state and of the native objects that scripts create or receive: `ur::Account`.
 struct Limits {
-    /// Instructions of the Lua machine that one call from native code into a script may run, with everything that it
-    /// calls in turn. Those of coroutines count.
+    /// Lua instructions that one call from native code into a script may run, including everything that it calls and
+    /// all coroutines.
     std::uint64_t instructions = 0;
-    /// Bytes that the call may add to what is there at its beginning.
+    /// Bytes that the call may add to those in use when it begins.
     std::size_t memory = 0;
-    /// Bytes that may be there altogether while a script runs.
+    /// Bytes that may be in use in total while a script runs.
     std::size_t totalMemory = 0;
-    /// When a table crosses into native code, its shared parts are written out each time: so many values more than the
-    /// state can hold at once, a text counting as one for each 16 bytes. 0 allows none.
+    /// When a table passes into native code, each shared part is copied at every occurrence. This many values are
+    /// allowed beyond those that the state can hold at once; a text counts as one value per 16 bytes. 0 allows none.
     std::size_t repeatedValues = std::size_t(1) << 21U;
 };
 

@@ -1,4 +1,4 @@
-// What hosts and functions of Lua ask of a binding.
+// The public functions of a binding.
 #include "foundation/nxLC/ReflectionData.h"
 
 #include "foundation/nxLC/impl/Binding.h"

@@ -1,4 +1,4 @@
-// The check itself.
+// Implements the check.
 #include "foundation/nxLC/StackChecker.h"
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-// Holding functions to their effect on the Lua stack.
+// Checks the effect of functions on the Lua stack.
 #pragma once
 
 #include <exception>
@@ -11,8 +11,8 @@ namespace nxLC {
 
 /// Checks at the end of its scope that the Lua stack holds exactly `count` more values than at the beginning.
 ///
-/// A difference is a mistake in the program: it is told on the standard error, and the program aborted. Release builds
-/// do not look. Nothing is checked when an exception leaves the scope, or an error of Lua jumps out of it.
+/// A difference is a programming error: it prints a message to standard error and aborts the program. Release builds do
+/// not check. Nothing is checked when an exception or a Lua error leaves the scope.
 class NX_API StackChecker {
 public:
     StackChecker(lua_State* state, int count) noexcept;

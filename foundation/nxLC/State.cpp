@@ -1,4 +1,4 @@
-// Opening, running and closing.
+// Opens, runs and closes Lua states.
 #include "foundation/nxLC/State.h"
 
 #include <memory>

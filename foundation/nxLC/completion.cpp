@@ -1,4 +1,4 @@
-// Walking to the table or class that a name is in, and collecting what begins like the name.
+// Finds the table or class that holds a name, and collects the names with its beginning.
 #include "foundation/nxLC/completion.h"
 
 #include <algorithm>
@@ -21,8 +21,8 @@ bool isName(std::string_view text) noexcept {
     return !text.empty() && !(text[0] >= '0' && text[0] <= '9') && std::ranges::all_of(text, isNameCharacter);
 }
 
-/// What the next name is looked up in: the table on top of the Lua stack, objects of a class, or nothing that is known.
-/// Nothing here allocates in the state, and so nothing raises.
+/// Where the next name is looked up: the table on top of the Lua stack, objects of a class, or unknown. Nothing here
+/// allocates in the state, so nothing raises.
 class Place {
 public:
     explicit Place(lua_State* state) noexcept : state_(state) { lua_pushvalue(state, LUA_GLOBALSINDEX); }
@@ -55,7 +55,7 @@ private:
         if (isTable_) lua_pop(state_, 1);
         isTable_ = false;
     }
-    /// Calls `visit(key)` for every text among the keys of the table, with the value on top, until that returns false.
+    /// Calls `visit(key)` for every text key of the table, with the value on top, until `visit` returns false.
     template <class Visit>
     bool visitFields(Visit visit) const {
         for (lua_pushnil(state_); lua_next(state_, -2); lua_pop(state_, 1)) {
@@ -106,7 +106,7 @@ Completion completions(lua_State* state, std::string_view line) {
     auto const before = std::find_if_not(line.rbegin(), line.rend(), isPart);
     std::string_view rest = line.substr(static_cast<std::size_t>(line.rend() - before));
     Completion result{line.size(), {}};
-    // Behind what is no plain name, such as a call, nothing is known.
+    // After anything but a plain name, such as a call, nothing is known.
     if (rest.starts_with('.') || rest.starts_with(':')) return result;
     Place place(state);
     char separator = '.';

@@ -1,4 +1,4 @@
-// Raising what C++ code threw, and throwing what Lua code raised.
+// Converts C++ exceptions to Lua errors and back.
 #include "foundation/nxLC/protect.h"
 
 #include <cstdio>

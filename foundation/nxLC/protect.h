@@ -1,4 +1,4 @@
-// How C++ and errors of Lua get along.
+// Separates C++ exceptions and Lua errors.
 #pragma once
 
 #include <exception>
@@ -11,9 +11,9 @@ struct lua_State;
 
 namespace nxLC {
 
-// An error of plain Lua jumps over the destructors of C++, and an exception must not pass through Lua. So a frame
-// either calls what may raise errors of Lua, or has objects with destructors and calls what may throw. `guard` leads
-// from the first kind to the second, `protect` back.
+// A Lua error in the plain C build skips C++ destructors, and an exception must not pass through Lua. So a frame either
+// calls code that may raise Lua errors, or has objects with destructors and calls code that may throw. `guard` enters
+// the second kind from the first, `protect` the first from the second.
 
 namespace impl {
 
@@ -21,7 +21,7 @@ using Body = int (*)(lua_State* state, void* context);
 
 NX_API void protectBody(lua_State* state, int arguments, int results, Body body, void* context);
 
-/// The text of an exception, kept where nothing has to be destroyed. Longer ones are cut.
+/// The text of an exception in a buffer that needs no destructor. Longer texts are cut.
 struct NX_API ErrorText {
     char bytes[1024];
     void set(char const* text) noexcept;
@@ -42,10 +42,10 @@ int attempt(Function& function, ErrorText& error) noexcept {
 
 }  // namespace impl
 
-/// Calls `function(state)`, which may raise errors of Lua, from code that must not: errors are thrown as an
-/// `nxRFL::Exception`, and exceptions pass. The function finds the `arguments` values on top of the stack from index 1
-/// on, returns how many results it leaves on top, and has nothing that needs a destructor. The arguments are taken off
-/// the stack and `results` values put there. Works in every state, bound or not.
+/// Calls `function(state)`, which may raise Lua errors, from code that must not: errors are thrown as an
+/// `nxRFL::Exception`, and exceptions pass through. The function finds `arguments` values on top of the stack, from
+/// index 1 on, returns how many results it leaves on top, and has nothing that needs a destructor. Pops the arguments
+/// and pushes `results` values. Works in every state, bound or not.
 template <class Function>
 void protect(lua_State* state, int arguments, int results, Function function) {
     static_assert(std::is_trivially_destructible_v<Function>);
@@ -54,9 +54,9 @@ void protect(lua_State* state, int arguments, int results, Function function) {
         [](lua_State* inner, void* context) { return (*static_cast<Function*>(context))(inner); }, &function);
 }
 
-/// The body of a function that Lua calls: `return nxLC::guard(state, [&] { … });`. The body returns how many results
-/// it has pushed. It may have any objects and throw, but not raise errors of Lua; what it throws becomes one, with the
-/// place of the call in front, when all its objects have gone.
+/// The body of a function that Lua calls: `return nxLC::guard(state, [&] { … });`. The body returns how many results it
+/// has pushed. It may have any objects and throw, but not raise Lua errors. Its exception becomes a Lua error that
+/// starts with the place of the call, raised after all its objects are destroyed.
 template <class Function>
 int guard(lua_State* state, Function function) {
     static_assert(std::is_trivially_destructible_v<Function>);

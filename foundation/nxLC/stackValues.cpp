@@ -1,4 +1,4 @@
-// The way across for those who have a bound state.
+// Copies values between a bound state and reflection stacks.
 #include "foundation/nxLC/stackValues.h"
 
 #include "foundation/nxLC/impl/values.h"

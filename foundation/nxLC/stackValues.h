@@ -1,4 +1,4 @@
-// Values of a Lua state on reflection stacks, and back.
+// Copies values between a Lua state and reflection stacks.
 #pragma once
 
 #include "foundation/nxRFL/Stack.h"
@@ -7,12 +7,13 @@ struct lua_State;
 
 namespace nxLC {
 
-// Requires everywhere: the state is bound. Failing throws an `nxRFL::Exception`; no error of Lua is raised.
+// Requires everywhere: the state is bound. On failure they throw an `nxRFL::Exception`; they raise no Lua errors.
 
-/// Appends the Lua values from index `first` up to the top to `stack`. They stay where they are.
+/// Appends the Lua values from index `first` up to the top to `stack`. They stay on the Lua stack.
 NX_API void readFromLua(lua_State* state, nxRFL::Stack& stack, int first);
 
-/// Pushes all items of `stack` and gives their number. Beyond a few, the caller makes room on the Lua stack before.
+/// Pushes all items of `stack` and returns their number. If there are many, the caller first makes room on the Lua
+/// stack.
 NX_API int writeToLua(lua_State* state, nxRFL::Stack const& stack);
 
 }  // namespace nxLC

@@ -1,4 +1,4 @@
-// Telling arrays from dictionaries, and bounding what hostile tables cost.
+// Distinguishes arrays from dictionaries, and bounds the cost of hostile tables.
 #include "foundation/nxLC/walkValue.h"
 
 #include <utility>
@@ -20,7 +20,7 @@ public:
     void value(int index);
 
 private:
-    /// Fails when so many values are too many.
+    /// Fails if this many values exceed the budget.
     void spend(std::size_t values);
     void text(int index);
     void table(int index);
@@ -32,7 +32,7 @@ private:
 
     lua_State* state_;
     ValueSink& sink_;
-    std::size_t budget_;  ///< in values, which the rest may take
+    std::size_t budget_;  ///< the number of values still allowed
     bool isRepeating_ = false;
 };
 
@@ -43,13 +43,13 @@ constexpr std::size_t bytesOfValue = 16;
 constexpr char const* wrongKeys = "is a table whose keys are neither 1 to n nor all strings";
 
 Walk::Walk(lua_State* state, ValueSink& sink) noexcept : state_(state), sink_(sink) {
-    // What is told once fits into the memory of the state, of which a value takes 16 bytes or more.
+    // Values that are visited once fit into the state's memory, where a value takes 16 bytes or more.
     budget_ = static_cast<std::size_t>(lua_gc(state, LUA_GCCOUNT, 0)) * 1024 / bytesOfValue;
 }
 
 void Walk::spend(std::size_t values) {
     if (values > budget_ && !std::exchange(isRepeating_, true)) {
-        // Shared parts are told again each time, which must end before they are out of all proportion.
+        // Shared parts are visited at every occurrence; this bounds their number.
         impl::Binding const* const binding = impl::Binding::find(state_);
         budget_ += binding ? binding->meter.limits().repeatedValues : Limits().repeatedValues;
     }
@@ -120,7 +120,7 @@ void Walk::array(int index) {
     sink_.endArray();
 }
 
-/// Lua finds the elements behind the first `known` ones in some other order than by their keys.
+/// Lua enumerates the elements after the first `known` ones in an order other than by key.
 void Walk::arrayOutOfOrder(int index, int known) {
     int count = known;
     for (;;) {

@@ -1,4 +1,4 @@
-// Finds a text among those that a file has named lately.
+// Finds a text among those that a file named recently.
 #pragma once
 
 #include <array>
@@ -11,8 +11,7 @@
 
 namespace ioImpl {
 
-/// Finds the place of a text. One that shares its hash with a later one may be found no longer, which costs only the
-/// room to name it again.
+/// Finds the place of a text. A later text with the same hash can hide an earlier one, which is then only named again.
 class NameIndex {
 public:
     static constexpr std::size_t none = ioNameTable::places;
@@ -21,7 +20,7 @@ public:
         std::size_t const place = findDigest(name);
         return place == none || table_.at(place) == name ? place : none;
     }
-    /// The same without a call in it: `none` for all texts of more than sixteen bytes.
+    /// The same without a function call: `none` for all texts longer than 16 bytes.
     [[nodiscard]] std::size_t findShort(std::string_view name) const noexcept {
         return name.size() <= digestedBytes ? findDigest(name) : none;
     }
@@ -37,11 +36,11 @@ private:
     static constexpr std::size_t slots = 1024;
     static constexpr std::size_t digestedBytes = 16;
 
-    /// The first and the last bytes, which overlap in short names, and the size: all of a text of up to sixteen.
+    /// The first and last bytes, which overlap in short names, and the size: all of a text of up to 16 bytes.
     struct Digest {
         std::uint64_t first = 0;
         std::uint64_t last = 0;
-        std::size_t size = ioNameTable::longestName + 1;  // no name's
+        std::size_t size = ioNameTable::longestName + 1;  // no name has this size
 
         friend bool operator==(Digest const& a, Digest const& b) noexcept = default;
     };
@@ -61,7 +60,7 @@ private:
         auto const middle = wordAt<std::uint8_t>(begin + name.size() / 2);
         return {wordAt<std::uint8_t>(begin) << 16 | middle, wordAt<std::uint8_t>(end - 1), name.size()};
     }
-    /// Changing it changes the bytes of files, though not their meaning. The product's upper bits mix well.
+    /// Changing this changes the bytes of files but not their meaning. The product's upper bits mix well.
     [[nodiscard]] static std::size_t slotOf(Digest const& digest) noexcept {
         std::uint64_t hash = digest.first << 16 ^ digest.last << 8;
         if (digest.size >= 4) hash = digest.first << 32 ^ digest.last;

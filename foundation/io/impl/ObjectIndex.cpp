@@ -1,4 +1,4 @@
-// Finds an object's number among the objects that were written.
+// Finds a written object's number.
 #include "foundation/io/impl/ObjectIndex.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ constexpr std::size_t smallestCapacity = 64;
 }  // namespace
 
 std::size_t ObjectIndex::slotOf(void const* object) const noexcept {
-    // Multiplication by the golden ratio spreads addresses over the upper bits.
+    // Multiplying by the golden ratio spreads addresses over the upper bits.
     std::uint64_t const hash = reinterpret_cast<std::uintptr_t>(object) * 0x9E3779B97F4A7C15U;
     return static_cast<std::size_t>(hash >> (64 - std::countr_zero(slots_.size())));
 }

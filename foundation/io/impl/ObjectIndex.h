@@ -1,4 +1,4 @@
-// Finds an object's number among the objects that were written.
+// Finds a written object's number.
 #pragma once
 
 #include <cstddef>
@@ -7,14 +7,14 @@
 
 namespace ioImpl {
 
-/// A hash table over a growing list of distinct objects that holds only their numbers.
+/// A hash table over a growing list of distinct objects. It holds only their numbers.
 ///
-/// It catches up with the list when it is asked, so that a file in which nothing is shared never pays for it.
+/// It adds new objects only when it is queried, so that a file without shared objects costs nothing.
 class ObjectIndex {
 public:
     static constexpr std::size_t none = std::numeric_limits<std::size_t>::max();
 
-    /// The position of `object` in `objects`, or `none`. Requires: the same list each time, only longer.
+    /// The position of `object` in `objects`, or `none`. Requires: each call passes the same list, which only grows.
     std::size_t find(std::vector<void const*> const& objects, void const* object);
 
 private:
@@ -23,7 +23,7 @@ private:
     void insert(void const* object, std::size_t position);
     [[nodiscard]] std::size_t slotOf(void const* object) const noexcept;
 
-    std::vector<std::size_t> slots_;  ///< position + 1; 0 is free. A power of two, at most half full.
+    std::vector<std::size_t> slots_;  ///< position + 1; 0 is free. The size is a power of two; at most half is used.
     std::size_t known_ = 0;
 };
 

@@ -1,4 +1,4 @@
-// Contexts over streams: what they report and where.
+// Tests the faults and positions that contexts report.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -10,7 +10,7 @@ namespace {
 
 using namespace ioTest;
 
-TEST(WriteContext, SaysWhatWasWrongAndWritesNoEndMark) {
+TEST(WriteContext, ReportsFaultsAndWritesNoEndMark) {
     int const object = 0;
     struct Case {
         ioStatus status;
@@ -28,9 +28,9 @@ TEST(WriteContext, SaysWhatWasWrongAndWritesNoEndMark) {
         {ioStatus::misuse,
          [](auto& c) {
              c.startPacket("a", nullptr);
-             c.endReferredPacket();  // there is no packet around it
+             c.endReferredPacket();  // no enclosing packet
          }},
-        {ioStatus::misuse, [](auto& c) { c.startPacket("a", nullptr); }},  // left open
+        {ioStatus::misuse, [](auto& c) { c.startPacket("a", nullptr); }},  // a packet is left open
         {ioStatus::unresolvedReference,
          [&](auto& c) {
              c.startPacket("a", nullptr);
@@ -81,7 +81,7 @@ TEST(Contexts, AreMadeOnlyForOpenStreamsAndReportTheirFailures) {
 
     static_cast<void>(input.openIOStream(stream));
     auto const reading = ioReadContextAlloc(input, registry);
-    reading->definePacketObject(&stream);  // of no packet
+    reading->definePacketObject(&stream);  // outside packets
     EXPECT_FALSE(reading->packetIsNumbered());
 }
 

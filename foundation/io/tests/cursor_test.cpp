@@ -1,4 +1,4 @@
-// The quick ways to write and read rows of small packets, beside the plain ones.
+// Tests that cursors write and read rows of small packets as the contexts do.
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -31,14 +31,14 @@ void writePlainly(ioWriteContext& context, ioPacketTypeId type, std::size_t i) {
     context.endReferredPacket();
 }
 
-/// False where there is no room.
+/// False without room.
 bool writeInRow(ioWriteContext& context, unsigned char first, std::size_t i) {
     ioWriteContext::Cursor cursor(context);
     if (!cursor.hasRoom()) return false;
     cursor.name(nameOf(i));
     cursor.enter(first, static_cast<int>(i));
     for (int value = 0; value < 3; ++value) {
-        if (!cursor.hasRoom()) std::abort();  // the buffer of this test has it
+        if (!cursor.hasRoom()) std::abort();  // this test's buffer always has room
         if (value == 0) cursor.packet(first, numberOf(i));
         if (value == 1) cursor.packet(first, i % 2 == 0);
         if (value == 2) cursor.packet(first, std::string_view(textOf(i)));
@@ -71,9 +71,9 @@ std::string packetRows(bool areQuick) {
         0, addTypes, areQuick ? std::size_t(64) * 1024 : leastOutput);
 }
 
-TEST(Cursors, AreTheBytesThatTheContextWrites) { EXPECT_EQ(packetRows(true), packetRows(false)); }
+TEST(Cursors, WriteTheBytesThatTheContextWrites) { EXPECT_EQ(packetRows(true), packetRows(false)); }
 
-TEST(Cursors, GiveNothingToAContextThatTakesNoValues) {
+TEST(Cursors, WriteNothingInAContextThatTakesNoValues) {
     written(
         [](ioWriteContext& context) {
             EXPECT_FALSE(ioWriteContext::Cursor(context).hasRoom()) << "no packet is open";
@@ -88,7 +88,7 @@ TEST(Cursors, ReadWhatTheContextReads) {
     std::iota(extras.begin(), extras.end(), 0);
     extras.push_back(whole);
     for (std::size_t const extra : extras) {
-        std::map<char, int> quick;  // how often a cursor could read what
+        std::map<char, int> quick;  // what cursors read, and how often
         Reader reader;
         reader.buffer = leastInput + extra;
         reader.on("a", [&](ioReadContext& context) {
@@ -147,29 +147,29 @@ TEST(Cursors, ReadWhatTheContextReads) {
     }
 }
 
-TEST(Cursors, LeaveWhatIsNotUsualWhereItIs) {
+TEST(Cursors, LeaveUnusualTokensToTheContext) {
     struct Case {
         std::string_view bytes;
         char what;  // name, bool, double, text, enter, leave
     };
     Case const cases[] = {
-        {"\xE0\x61k"sv, 'n'},                                     // given, not named before
-        {"\xE3"sv, 'n'},                                          // not given
-        {"\xFF\x80\x01"sv, 'n'},                                  // too long a number
+        {"\xE0\x61k"sv, 'n'},                                     // named, not named before
+        {"\xE3"sv, 'n'},                                          // not named
+        {"\xFF\x80\x01"sv, 'n'},                                  // the number is too long
         {"\x61k"sv, 'n'},                                         // a text
-        {"\xA1\x02\x04"sv, 'b'},                                  // no truth value
-        {"\xA1\x01\x03"sv, 'b'},                                  // no reference
+        {"\xA1\x02\x04"sv, 'b'},                                  // not a truth value
+        {"\xA1\x01\x03"sv, 'b'},                                  // not a reference
         {"\xA1\x20\x04"sv, 'd'},                                  // an integer
         {"\xA1\x5F\xE1\xFF\xFF\xFF\x0F\x04"sv, 'd'},              // beyond 32 bits
-        {"\xA1\x42\x03"sv, 'd'},                                  // no reference
-        {"\xA1\x02\x00\x00\x00\x00\x00\x00\xE0\x3F\x03"sv, 'd'},  // no reference
+        {"\xA1\x42\x03"sv, 'd'},                                  // not a reference
+        {"\xA1\x02\x00\x00\x00\x00\x00\x00\xE0\x3F\x03"sv, 'd'},  // not a reference
         {"\xA1\x62x\x00\x04"sv, 't'},                             // a NUL
-        {"\xA1\x61x\x03"sv, 't'},                                 // no reference
-        {"\xA1\x7F\xFF\x7Fx"sv, 't'},                             // more than there is
-        {"\xA1\x22"sv, 't'},                                      // no text
+        {"\xA1\x61x\x03"sv, 't'},                                 // not a reference
+        {"\xA1\x7F\xFF\x7Fx"sv, 't'},                             // longer than the input
+        {"\xA1\x22"sv, 't'},                                      // not a text
         {"\xA1\x21\x04"sv, 'e'},                                  // a negative size
         {"\xA1\x3F\x01\x04"sv, 'e'},                              // a long number
-        {"\xA1\x42\x04"sv, 'e'},                                  // no integer
+        {"\xA1\x42\x04"sv, 'e'},                                  // not an integer
         {"\x04"sv, 'l'},                                          // the outermost packet
     };
     for (Case const& c : cases) {

@@ -1,4 +1,4 @@
-// What is written, byte for byte, and that it comes back.
+// Tests the bytes of packet files and that they can be read back.
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -53,7 +53,7 @@ TEST(Packets, CarryEveryValueInItsShortestForm) {
     }
 }
 
-TEST(Packets, AreTheBytesThatTheFormatSays) {
+TEST(Packets, HaveTheBytesOfTheFormat) {
     int const object = 0;
     std::string const bytes = written([&](ioWriteContext& context) {
         context.startPacket("a", nullptr);
@@ -87,7 +87,7 @@ TEST(Packets, RememberShortNamesAndForgetTheOldest) {
     });
     EXPECT_LT(bytes.size(), 600 * 10 + 600 * 2 + 300U);
     names[3] = "with";
-    for (bool const isAsked : {true, false}) {  // names that are passed over are remembered as well
+    for (bool const isAsked : {true, false}) {  // skipped names are remembered as well
         Reader reader;
         reader.on("a", [&](ioReadContext& context) {
             for (std::size_t i = 0; isAsked && i < names.size(); ++i)

@@ -1,4 +1,4 @@
-// Writing and reading packets in memory, for the tests.
+// Test helpers that write and read packets in memory.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -28,11 +28,11 @@ inline void addTypes(ioSimplePacketRegistry& types) {
     for (char const* name : {"a", "b", "c"}) types.add(name);
 }
 
-/// Small, so that everything happens at the ends of buffers.
+/// Small, so that tests reach the ends of buffers.
 inline constexpr std::size_t leastOutput = 128;
 inline constexpr std::size_t leastInput = 256;
 
-/// The bytes that `write` makes between the start and the end of a file; types "a", "b" and "c" are known, or others.
+/// The bytes that `write` adds between the start and end of a file. The known types are "a", "b" and "c" by default.
 inline std::string written(Writing const& write, int expectedStatus = 0,
                            void (*types)(ioSimplePacketRegistry&) = addTypes, std::size_t buffer = leastOutput) {
     urOS::MemoryIOStream stream(100);
@@ -51,7 +51,7 @@ inline std::string written(Writing const& write, int expectedStatus = 0,
     return std::string(stream.contents());
 }
 
-/// A packet type that leaves reading to a function.
+/// A packet type that reads through a function.
 class FunctionType final : public ioPacketType {
 public:
     FunctionType(char const* name, Reading read) : ioPacketType(name), read_(std::move(read)) {}
@@ -66,7 +66,7 @@ private:
     Reading read_;
 };
 
-/// Hands its bytes out in pieces of `piece` bytes, then fails if asked to.
+/// Returns its bytes in pieces of `piece` bytes, then fails if asked to.
 class Trickle final : public urOS::IOStream {
 public:
     Trickle(std::string bytes, std::size_t piece, bool fails = false)
@@ -96,7 +96,7 @@ public:
     std::string log;
 };
 
-/// Reads a stream with the given types and answers the status.
+/// Reads a stream with the given types and returns the status.
 class Reader {
 public:
     Reader& on(char const* name, Reading read) {

@@ -1,4 +1,4 @@
-// What contexts stand on: buffers, registries, the words for states.
+// Tests buffers, registries and status texts.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -10,7 +10,7 @@ namespace {
 
 using namespace ioTest;
 
-TEST(Buffers, TellWhereTheyAreAndEndWithTheirStream) {
+TEST(Buffers, ReportTheirPositionAndEndWithTheirStream) {
     ioBufferedStreamInput input(leastInput);
     EXPECT_FALSE(input.isOpen());
     EXPECT_FALSE(input.ensure(1));
@@ -35,7 +35,7 @@ TEST(Buffers, TellWhereTheyAreAndEndWithTheirStream) {
     EXPECT_EQ(input.position(), 0U);
 }
 
-TEST(Buffers, HandBytesDownInOrderAndKeepTheFirstError) {
+TEST(Buffers, WriteBytesInOrderAndKeepTheFirstError) {
     urOS::MemoryIOStream stream;
     ASSERT_TRUE(stream.open(urOS::openForWriting).ok());
     ioBufferedStreamOutput output(leastOutput);
@@ -112,7 +112,7 @@ TEST(ReadContext, ReadsOneFileByCallbacksOfASimpleType) {
     EXPECT_EQ(context->getStatus(), number(ioStatus::misuse)) << "a context reads one file";
 }
 
-TEST(Status, HasItsOwnWordsForEachState) {
+TEST(Status, HasADistinctTextForEachState) {
     std::set<std::string> texts;
     for (int status = 0; status <= number(ioStatus::misuse); ++status) texts.insert(ioStatusText(status));
     EXPECT_EQ(texts.size(), 12U);

@@ -1,4 +1,4 @@
-// Packets that make no sense, are unknown, or nest too deep.
+// Tests malformed, unknown and deeply nested packets.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -12,12 +12,12 @@ using namespace ioTest;
 TEST(Packets, OfUnknownTypesAndValuesThatNobodyAsksForArePassedOver) {
     int const object = 0;
     std::string const bytes = written([&](ioWriteContext& context) {
-        context.startPacket("c", nullptr);  // unknown to the reader, with a known one inside
+        context.startPacket("c", nullptr);  // unknown to the reader; contains a known packet
         context.writeStringValue(std::string(100000, 'x').c_str());
         context.startPacket("c", nullptr);
         context.startPacket("b", &object);
         context.writeIntValue(7);
-        context.writeDoubleValue(0.25);  // more than the reader asks for
+        context.writeDoubleValue(0.25);  // the reader does not ask for it
         context.endPacket();
         context.writeReference(&object, 0);
         context.endPacket();
@@ -39,7 +39,7 @@ TEST(Packets, OfUnknownTypesAndValuesThatNobodyAsksForArePassedOver) {
     EXPECT_EQ(reader.log, "<aa>");
 }
 
-TEST(Packets, CutAnywhereGiveWhatIsThereAndEndAtTheCut) {
+TEST(Packets, CutAnywhereDeliverTheRestAndFailAtTheCut) {
     std::string const longest(ioFormat::longestTypeName, 'n');
     static std::string const& longestName = longest;
     std::string const whole = written(
@@ -48,7 +48,7 @@ TEST(Packets, CutAnywhereGiveWhatIsThereAndEndAtTheCut) {
             context.writeDoubleValue(0.25);
             context.writeIntValue(100000);
             context.writeTextValue("text");
-            context.writeTextValue(std::string(300, 'x'));  // what is not read is passed over
+            context.writeTextValue(std::string(300, 'x'));  // unread values are skipped
             context.writeBoolValue(true);
             context.endPacket();
         },
@@ -73,7 +73,7 @@ TEST(Packets, CutAnywhereGiveWhatIsThereAndEndAtTheCut) {
     }
 }
 
-TEST(Packets, RefuseWhatMakesNoSense) {
+TEST(Packets, RefuseMalformedInput) {
     using namespace std::string_view_literals;
     struct Case {
         std::string bytes;
@@ -86,20 +86,20 @@ TEST(Packets, RefuseWhatMakesNoSense) {
         {"{\"a\":1}", ioStatus::notAPacketFile, 0},
         {"\x89NXPK\r\n\2", ioStatus::unknownVersion, 7},
         {file(a), ioStatus::truncated, 12},
-        {file(a + "\x20\x03"), ioStatus::truncated, 14},                        // no end of file
+        {file(a + "\x20\x03"), ioStatus::truncated, 14},                        // no end mark
         {file(a + "\x20\x02" + std::string(7, 'x')), ioStatus::truncated, 21},  // a double of seven bytes
         {file("\x05\x7F\xE0\x01" + std::string(255, 'n') + "\xA0\x03\x06"), ioStatus::ok, 0},
         {file("\x05\x7F\xE1\x01" + std::string(256, 'n') + "\xA0\x03\x06"), ioStatus::malformed, 12},
-        {file("\xA0\x03\x06"), ioStatus::malformed, 9},           // a type that was not named
+        {file("\xA0\x03\x06"), ioStatus::malformed, 9},           // a type without a name
         {file("\x05\x60\xA0\x03\x06"), ioStatus::malformed, 10},  // a name without letters
         {file("\x05\x61\x61\x20\x06"), ioStatus::malformed, 11},  // a name without a packet
         {file("\x20\x06"), ioStatus::malformed, 8},               // a value outside packets
         {file(a + "\x20\x04\x06"), ioStatus::malformed, 14},      // a reference outside packets
-        {file(a + "\x01\x03\x06"), ioStatus::malformed, 12},      // a truth value instead of a number
-        {file(a + "\x03\x06"), ioStatus::malformed, 12},          // no number at all
-        {file(a + "\x20\xE1\x03\x06"), ioStatus::malformed, 14},  // a name that was not given
-        {file(a + "\x20\xE0\x7F\x01" + std::string(32, 'x')), ioStatus::malformed, 16},  // one that is too long
-        {file(a + "\x20\x07\x03\x06"), ioStatus::malformed, 13},                         // a mark without a meaning
+        {file(a + "\x01\x03\x06"), ioStatus::malformed, 12},      // a boolean instead of a number
+        {file(a + "\x03\x06"), ioStatus::malformed, 12},          // no number
+        {file(a + "\x20\xE1\x03\x06"), ioStatus::malformed, 14},  // an unknown name
+        {file(a + "\x20\xE0\x7F\x01" + std::string(32, 'x')), ioStatus::malformed, 16},  // a name that is too long
+        {file(a + "\x20\x07\x03\x06"), ioStatus::malformed, 13},                         // an unknown mark
         {file(a + "\x3F\xFF\xFF\xFF\xFF\x7F\x03\x06"), ioStatus::malformed, 18},         // a number beyond 32 bits
         {file(a + "\x3F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x02\x03\x06"), ioStatus::malformed, 13},
         {file(a + "\x3F" + std::string(100, '\xFF')), ioStatus::malformed, 13},
@@ -134,17 +134,17 @@ TEST(Packets, GiveNothingAfterAFault) {
     EXPECT_EQ(reader.position, 13U);
 }
 
-TEST(Packets, RefuseReferencesToWhatIsNotThere) {
+TEST(Packets, RefuseReferencesToMissingObjects) {
     using namespace std::string_literals;
     for (std::string const& tokens : {
              "\xC1\x03\x06"s,                  // before any object
              "\xDF\xFF\x7F\x03\x06"s,          // far before any object
              "\x81\xC1\x03\x03\x06"s,          // the object whose packet is open
-             "\x81\x03\xC1\x03\x06"s,          // one that its packet did not define
-             "\x81\x04\x03\x06"s,              // the same in short
+             "\x81\x03\xC1\x03\x06"s,          // one that its packet does not define
+             "\x81\x04\x03\x06"s,              // the same in the short form
              "\x05\x61\x63\x82\x04\x03\x06"s,  // the object of an unknown packet
          }) {
-        // Type b refers to an object itself if there is a reference inside, and defines none.
+        // Type b reads a reference if the tokens contain one; it defines no object.
         Reader reader;
         reader.on("a", [](ioReadContext& context) { EXPECT_EQ(context.readReference(0), nullptr); });
         reader.on("b", [&](ioReadContext& context) {
@@ -156,7 +156,7 @@ TEST(Packets, RefuseReferencesToWhatIsNotThere) {
     }
 }
 
-TEST(Packets, ReadInsideEachOtherOnlySoDeep) {
+TEST(Packets, NestOnlyToTheLimit) {
     for (int const depth : {ioReadContext::deepestRead, ioReadContext::deepestRead + 1}) {
         std::string const bytes = written([&](ioWriteContext& context) {
             for (int i = 0; i < depth; ++i) context.startPacket("a", nullptr);
@@ -165,7 +165,7 @@ TEST(Packets, ReadInsideEachOtherOnlySoDeep) {
         });
         Reader reader;
         reader.on("a", [](ioReadContext& context) { static_cast<void>(context.readIntValue()); });
-        // The innermost has a number, so each packet around it lacks one: only the depth decides what is said.
+        // The innermost packet has a number and the enclosing ones lack one, so only the depth decides the status.
         bool const tooDeep = depth > ioReadContext::deepestRead;
         EXPECT_EQ(reader.read(bytes), number(tooDeep ? ioStatus::tooDeep : ioStatus::malformed));
     }

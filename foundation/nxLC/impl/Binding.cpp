@@ -1,4 +1,4 @@
-// Binding a state, calling into it, and letting it go.
+// Binds a state, calls into it, and releases it.
 #include "foundation/nxLC/impl/Binding.h"
 
 #include <memory>
@@ -15,9 +15,9 @@ namespace nxLC::impl {
 
 namespace {
 
-constexpr char anchorKey = 0;  // its address is the anchor's key in the registry
+constexpr char anchorKey = 0;  // its address is the anchor's registry key
 
-/// Runs when the state closes, after all userdata made since have been given up.
+/// Runs when the state closes, after all later userdata were finalized.
 int closeBinding(lua_State* state) {
     auto* const anchor = static_cast<Anchor*>(lua_touserdata(state, 1));
     if (anchor->binding) giveUpObjects(*anchor->binding, state);
@@ -33,12 +33,12 @@ void pushTableWith(lua_State* state, char const* name, lua_CFunction function) {
 
 int keep(lua_State* state) { return luaL_ref(state, LUA_REGISTRYINDEX); }
 
-/// Pushes debug.traceback out of a library of its own: what scripts have of it may be anything.
+/// Pushes debug.traceback from a fresh library: scripts may have changed theirs.
 void pushTraceback(lua_State* state) {
     luaL_findtable(state, LUA_REGISTRYINDEX, "_LOADED", 1);
     lua_getfield(state, -1, LUA_DBLIBNAME);
     lua_newtable(state);
-    lua_setfield(state, -3, LUA_DBLIBNAME);  // opening fills the table that is there
+    lua_setfield(state, -3, LUA_DBLIBNAME);  // opening fills the existing table
     lua_pushcfunction(state, &luaopen_debug);
     lua_pushliteral(state, LUA_DBLIBNAME);
     lua_call(state, 1, 1);
@@ -49,7 +49,7 @@ void pushTraceback(lua_State* state) {
     lua_pop(state, 1);
 }
 
-/// A call into a script. What was passed on to that script goes with it.
+/// A call into a script. What was passed on to that script is dropped with it.
 class Nesting {
 public:
     explicit Nesting(Binding& binding) noexcept : binding_(binding) { ++binding.depth; }

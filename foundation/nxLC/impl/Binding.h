@@ -1,4 +1,4 @@
-// The private record of a bound Lua state.
+// The internal data of a bound Lua state.
 #pragma once
 
 #include <deque>
@@ -18,55 +18,55 @@
 
 namespace nxLC::impl {
 
-/// Outlives a state: a function of the state that is still held checks here whether the state is open.
+/// Outlives a state: functions of the state that are still held check here whether it is open.
 struct Link final : ur::ReferenceCount {
     explicit Link(Binding* open) noexcept : binding(open) {}
     Binding* binding;  ///< null once the state has closed
 };
 
-/// What a state keeps for a class, as references into Lua's registry.
+/// A state's data for a class, as references into Lua's registry.
 struct ClassTables {
     int metatable = LUA_NOREF;
-    int classTable = LUA_NOREF;  ///< what scripts see as the class itself
-    int objects = LUA_NOREF;     ///< from the address of an object to its userdata, which the table does not keep alive
+    int classTable = LUA_NOREF;  ///< the class as scripts see it
+    int objects = LUA_NOREF;     ///< maps the address of an object to its userdata; does not keep the userdata alive
 };
 
 struct Box;
 
-/// The arguments and the results of a call into native code. They keep their storage for the next one.
+/// The arguments and results of a call into native code. They keep their storage for the next call.
 struct CallStacks {
     nxRFL::Stack arguments;
     nxRFL::Stack results;
 };
 
-/// The error of a script that native code has passed on to the script that called it.
+/// The error of a script that native code passed on to the calling script.
 struct PassedOn {
     nxRFL::Exception error;
     int depth;            ///< of the calling script
-    bool caught = false;  ///< and so comes again only if the script raises it anew
+    bool caught = false;  ///< it can recur only if the script raises it again
 };
 
-/// Everything that belongs to the binding of one state. Deleted when the state closes.
+/// All data of one state's binding. Deleted when the state closes.
 ///
-/// An error of plain Lua jumps over destructors, so that code here is of two kinds. Functions that Lua calls, and
-/// bodies given to `protect`, may raise errors of Lua and have no object with a destructor in their frames. All other
-/// code may have such objects, calls nothing of Lua that can raise except through `protect`, and fails by throwing.
+/// A Lua error in the plain C build skips destructors, so code here is of two kinds. Functions that Lua calls, and
+/// bodies given to `protect`, may raise Lua errors and have no object with a destructor in their frames. All other code
+/// may have such objects, calls Lua functions that can raise only through `protect`, and fails by throwing.
 class Binding {
 public:
-    /// Null for a state that is not bound, or has closed.
+    /// Null for a state that is not bound or has closed.
     [[nodiscard]] static Binding* find(lua_State* state) noexcept;
-    /// Throws an `nxRFL::Exception` when there is no memory. Requires: the state is neither bound nor a coroutine.
+    /// Throws an `nxRFL::Exception` when memory is exhausted. Requires: the state is neither bound nor a coroutine.
     static Binding& bind(lua_State* state, nxRFL::Database& database);
 
     Binding(Binding const&) = delete;
     Binding& operator=(Binding const&) = delete;
     ~Binding();
 
-    /// Calls into a script from native code: errors come with a trace, and what the script uses is measured. May close
-    /// the state, and with it delete this, when its owner has gone meanwhile.
+    /// Calls into a script from native code: errors get a trace, and the script's use is measured. May close the state,
+    /// and so delete this, if its owner was destroyed meanwhile.
     void protectCall(Body body, void* context);
 
-    /// Pushes what is kept under `reference`. Never raises.
+    /// Pushes the value stored under `reference`. Never raises.
     static void pushKept(lua_State* state, int reference) noexcept { lua_rawgeti(state, LUA_REGISTRYINDEX, reference); }
 
     nxRFL::Database& database;
@@ -76,25 +76,25 @@ public:
     lua_State* running;  ///< the innermost thread that is inside a native function; otherwise the main thread
     Meter meter;
     ur::Reference<Link> const link;
-    ur::vector<std::unique_ptr<CallStacks>> stacks;  ///< of calls under way, and behind them unused ones
+    ur::vector<std::unique_ptr<CallStacks>> stacks;  ///< of current calls, followed by unused ones
     std::size_t callDepth = 0;
-    Box const* verified[64] = {};  ///< userdata that are known to stand for objects, each at the place of its address
+    Box const* verified[64] = {};     ///< userdata known to stand for objects, indexed by address
     std::deque<ClassTables> classes;  ///< by the index of the class
     ur::vector<int> freeFunctions;    ///< unused places in the table of functions
     int functionPlaces = 0;
     int objectCount = 0;               ///< userdata that stand for objects
-    bool closeWhenIdle = false;        ///< the owner has gone in the middle of a call
+    bool closeWhenIdle = false;        ///< the owner was destroyed during a call
     bool hasTrace = false;             ///< the last error left a trace
-    int depth = 0;                     ///< calls into scripts that are under way inside each other
+    int depth = 0;                     ///< the number of nested calls into scripts
     std::optional<PassedOn> passedOn;  ///< the last one, until the call into the calling script ends
-    bool asksAssignmentHook = false;   ///< there is one, and it is not running
+    bool asksAssignmentHook = false;   ///< a hook exists and is not running
 
     // References into the registry.
-    int anchor = LUA_NOREF;          ///< the userdata by which functions find the binding
+    int anchor = LUA_NOREF;          ///< the userdata through which functions find the binding
     int tracer = LUA_NOREF;          ///< the error handler of calls
-    int trace = LUA_NOREF;           ///< what it last found
-    int functions = LUA_NOREF;       ///< the script functions that native code keeps
-    int assignmentHook = LUA_NOREF;  ///< a function, or not
+    int trace = LUA_NOREF;           ///< the handler's last trace
+    int functions = LUA_NOREF;       ///< the script functions that native code holds
+    int assignmentHook = LUA_NOREF;  ///< a function, or none
     int weakValues = LUA_NOREF;      ///< the metatable of tables that do not keep their values alive
     int functionBoxes = LUA_NOREF;   ///< the metatable of userdata that hold native functions
 
@@ -105,7 +105,7 @@ private:
     std::exception_ptr callMeasured(Body body, void* context);
 };
 
-/// Where functions find their binding, as their first upvalue. It outlives the binding until the state has gone.
+/// Functions find their binding through this, their first upvalue. It outlives the binding, until the state is freed.
 struct Anchor {
     Binding* binding;
 };
@@ -115,7 +115,7 @@ struct Anchor {
     return static_cast<Anchor*>(lua_touserdata(state, lua_upvalueindex(1)))->binding;
 }
 
-/// A call of native code by a script. Notes the thread, so that calls from there into scripts nest on it.
+/// A call of native code by a script. Records the thread, so that calls from there into scripts nest on it.
 class NativeCall {
 public:
     NativeCall(Binding& binding, lua_State* state) noexcept
@@ -129,7 +129,7 @@ private:
     lua_State* outer_;
 };
 
-/// The stacks of one call, for as long as that lasts.
+/// The stacks of one call, for the duration of the call.
 class UsedStacks {
 public:
     explicit UsedStacks(Binding& binding) : binding_(binding) {

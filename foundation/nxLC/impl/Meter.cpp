@@ -1,4 +1,4 @@
-// The counting allocator and the instruction hook.
+// Implements the counting allocator and the instruction hook.
 #include "foundation/nxLC/impl/Meter.h"
 
 #include <algorithm>
@@ -21,7 +21,7 @@ int collectAll(lua_State* state) {
     return 0;
 }
 
-/// The sum, or the largest number.
+/// The sum, or the largest number on overflow.
 std::size_t sum(std::size_t a, std::size_t b) noexcept {
     return b > Account::unlimited - a ? Account::unlimited : a + b;
 }
@@ -57,7 +57,7 @@ void* Meter::allocate(void* meter, void* block, std::size_t oldSize, std::size_t
     return result;
 }
 
-/// What holds inside a call from where `bounds` do.
+/// Combines `bounds` with the limits of a call.
 Account::Bounds Meter::bounded(Account::Bounds bounds) noexcept {
     bounds.collector = this;
     std::size_t const used = account_->used();
@@ -68,7 +68,7 @@ Account::Bounds Meter::bounded(Account::Bounds bounds) noexcept {
     };
     if (std::size_t const limit = limits_.memory) tighten(sum(used, limit), sum(used, limit - limit / 4), limit);
     if (std::size_t const limit = limits_.totalMemory) {
-        // Not at every call, when nearly everything is in use all the time.
+        // Not at every call if nearly all memory is in use all the time.
         collected_ = std::min(collected_, sum(used, limit / 16));
         tighten(limit, std::max(limit - limit / 4, collected_), limit);
     }
@@ -83,7 +83,7 @@ void Meter::enter() noexcept {
     interrupted_ = false;
     outer_ = account_->bounds();
     account_->setBounds(bounded(outer_));
-    relieve(running_);  // what is left of earlier calls
+    relieve(running_);  // frees the remains of earlier calls
 }
 
 void Meter::end(lua_State* running) noexcept {
@@ -106,7 +106,7 @@ char const* Meter::reason() const noexcept {
 void Meter::tick(lua_State* state) {
     int const ran = lua_gethookcount(state);
     if (!active()) {
-        // Left from a call that was stopped.
+        // Remains from a call that was stopped.
         if (ran == 1) lua_sethook(state, &onCount, LUA_MASKCOUNT, period);
         return;
     }
@@ -118,7 +118,7 @@ void Meter::begin(lua_State* state, lua_State* coroutine) {
     if (active()) count(state, coroutine, firstPeriod);
 }
 
-/// Counts what `thread` may run until its hook strikes.
+/// Counts the instructions that `thread` may run until its hook fires.
 void Meter::count(lua_State* state, lua_State* thread, int instructions) {
     instructions_ += static_cast<std::uint64_t>(instructions);
     if (mustStop()) stop(state);
@@ -127,20 +127,20 @@ void Meter::count(lua_State* state, lua_State* thread, int instructions) {
 
 void Meter::stop(lua_State* state) {
     lua_sethook(state, &onCount, LUA_MASKCOUNT, 1);
-    luaL_where(state, 0);  // the hook is no function of its own
+    luaL_where(state, 0);  // the hook is not a function of its own
     lua_pushstring(state, reason());
     lua_concat(state, 2);
     lua_error(state);
     std::abort();  // not reached
 }
 
-/// Lua collects by its own pace and fails at once when memory is refused: what is garbage goes before that. An error is
-/// that of a finalizer of the host's; then some garbage stays.
+/// Lua collects at its own pace and fails at once when memory is refused, so this collects garbage before. An error
+/// comes from a finalizer of the host; then some garbage stays.
 void Meter::collect(lua_State* state) noexcept {
     if (collecting_ || !active()) return;
     collecting_ = true;
     Account::Bounds const bounds = account_->bounds();
-    account_->setBounds({});  // collecting takes a little memory itself
+    account_->setBounds({});  // collecting itself takes a little memory
     if (lua_cpcall(state, &collectAll, nullptr) != 0) lua_pop(state, 1);
     account_->setBounds(bounds);
     account_->noteCollection();

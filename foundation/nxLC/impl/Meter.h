@@ -1,4 +1,4 @@
-// Counting what a script uses, and stopping it.
+// Measures what a script uses, and stops it.
 #pragma once
 
 #include <atomic>
@@ -13,17 +13,17 @@
 
 namespace nxLC::impl {
 
-/// Watches one state: every allocation goes through it to the account, and hooks report instructions.
+/// Watches one state: counts all its allocations on the account and its instructions by hooks.
 ///
-/// Each thread of Lua counts for itself, and its hook strikes after so many of its own instructions. So instructions
-/// are counted ahead, when a thread begins and whenever its hook strikes: few at first, since most coroutines are
-/// short, and a thousand at a time in the end. What all threads together have run is never more than what was counted.
+/// Each Lua thread counts for itself, and its hook fires after a number of its own instructions. So instructions are
+/// counted ahead, when a thread begins and whenever its hook fires: few at first, since most coroutines are short,
+/// later a thousand at a time. All threads together never run more than what was counted.
 ///
-/// A script whose instructions are used up, or that is interrupted, gets an error at every further instruction of its
-/// thread, so that catching the error does not help it. Memory that is refused is Lua's ordinary error.
+/// When a script has used up its instructions or is interrupted, every further instruction of its thread raises an
+/// error, so catching the error does not help. Refused memory is Lua's ordinary error.
 class Meter final : private ur::Account::Collector {
 public:
-    static constexpr int period = 1000;     ///< most instructions between two looks
+    static constexpr int period = 1000;     ///< the most instructions between two checks
     static constexpr int firstPeriod = 50;  ///< of a coroutine
 
     /// `running` is the thread to collect on.
@@ -32,7 +32,7 @@ public:
     Meter(Meter const&) = delete;
     Meter& operator=(Meter const&) = delete;
 
-    /// Puts itself between the state and its allocator. Lasts until `detach`, and for states of all its threads.
+    /// Installs itself as the state's allocator, for all its threads, until `detach`.
     void attach(lua_State* state) noexcept;
     void detach(lua_State* state) noexcept;
 
@@ -47,30 +47,30 @@ public:
     /// Safe in signal handlers and on any thread.
     void interrupt() noexcept { interrupted_.store(true, std::memory_order_relaxed); }
 
-    /// Ends the script that runs and has called native code from `running`, and every later one at its beginning.
+    /// Ends the running script, which called native code from `running`, and every later script when it begins.
     void end(lua_State* running) noexcept;
     [[nodiscard]] bool ended() const noexcept { return ended_; }
 
-    /// The script is to end: its instructions are used up, it was interrupted, or all have ended.
+    /// The script must end: it has used up its instructions, it was interrupted, or `end` was called.
     [[nodiscard]] bool stopped() const noexcept { return stopped_; }
-    /// Why, or null.
+    /// The reason, or null.
     [[nodiscard]] char const* reason() const noexcept;
     /// An allocation was refused since the outermost call began.
     [[nodiscard]] bool memoryRefused() const noexcept { return refused_; }
 
-    /// The instructions counted ahead for `state` have run. May raise.
+    /// The instructions counted ahead for `state` were used up. May raise.
     void tick(lua_State* state);
-    /// A coroutine has been made, by the thread `state`. May raise.
+    /// The thread `state` created a coroutine. May raise.
     void begin(lua_State* state, lua_State* coroutine);
-    /// The script is to end, now that native code has counted.
+    /// Whether the script must end, checked after native code has counted.
     [[nodiscard]] bool mustStop() noexcept {
         if (active()) stopped_ = stopped_ || interrupted_ || isSpent();
         return active() && stopped_;
     }
-    /// Counts work that a native function does, such as values that it copies. Never raises.
+    /// Counts the work of a native function, such as copying values. Never raises.
     void spend(std::uint64_t instructions) noexcept { instructions_ += instructions; }
 
-    /// Frees what only garbage holds, when there is much of it. Never raises. Only where nothing native is half done.
+    /// Frees memory that only garbage holds, if it is much. Never raises. Requires: no native operation is half done.
     void relieve(lua_State* state) noexcept {
         if (account_->wantsCollection()) [[unlikely]]
             collect(state);
@@ -94,7 +94,7 @@ private:
     void* allocatorData_ = nullptr;
     std::size_t size_ = 0;       ///< bytes of the state
     ur::Account::Bounds outer_;  ///< before the outermost call
-    std::size_t collected_ = 0;  ///< where the next collection was due after the last call, for the limit in total
+    std::size_t collected_ = 0;  ///< threshold of the next collection for the total limit, after the last call
     std::uint64_t instructions_ = 0;
     int depth_ = 0;
     bool refused_ = false;

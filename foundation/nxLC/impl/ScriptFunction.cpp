@@ -1,4 +1,4 @@
-// Keeping functions across the border, and calling scripts.
+// Keeps functions across the language border, and calls scripts.
 #include "foundation/nxLC/impl/ScriptFunction.h"
 
 #include <new>
@@ -14,26 +14,26 @@ using Held = ur::Reference<Function>;
 
 namespace {
 
-/// What native code needs for keeping a function, such as a callable around it and its place in a list.
+/// The bytes that native code needs to keep a function, such as a callable and its list entry.
 constexpr std::size_t bytesOfKeeper = 256;
 
-/// Room for every place to become free, so that giving one up needs no memory.
+/// Reserves room for every place to become free, so that freeing one needs no memory.
 void reserveFreePlaces(Binding& binding) {
     auto const places = static_cast<std::size_t>(binding.functionPlaces) + 1;
     if (binding.freeFunctions.capacity() < places) binding.freeFunctions.reserve(2 * places);
 }
 
-/// The place stays in the table, so that nothing is allocated here.
+/// The place stays in the table, so nothing is allocated here.
 void freePlace(Binding& binding, int place) noexcept {
     lua_State* const state = binding.running;
     Binding::pushKept(state, binding.functions);
     lua_pushboolean(state, 0);
     lua_rawseti(state, -2, place);
     lua_pop(state, 1);
-    binding.freeFunctions.push_back(place);  // room was made with the place
+    binding.freeFunctions.push_back(place);  // its room was reserved with the place
 }
 
-/// Calls the native function in the userdata that is the second upvalue.
+/// Calls the native function that the second upvalue, a userdata, holds.
 int callHeld(lua_State* state) {
     ShortText text;
     Held const& held = *static_cast<Held*>(lua_touserdata(state, lua_upvalueindex(2)));
@@ -119,7 +119,7 @@ void pushScriptFunction(Binding& binding, lua_State* state, Held const& function
     auto* const held = new (lua_newuserdata(state, sizeof(Held))) Held();
     Binding::pushKept(state, binding.functionBoxes);
     lua_setmetatable(state, -2);
-    *held = function;  // from here on the userdata lets go of it
+    *held = function;  // from here on the userdata releases it
     lua_pushcclosure(state, &callHeld, 2);
 }
 

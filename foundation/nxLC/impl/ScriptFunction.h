@@ -1,4 +1,4 @@
-// Script functions in native hands, and native functions in the hands of scripts.
+// Script functions that native code holds, and native functions that scripts hold.
 #pragma once
 
 #include "foundation/nxLC/impl/Binding.h"
@@ -6,16 +6,16 @@
 
 namespace nxLC::impl {
 
-/// A function of a script. It stays alive in its state as long as this does, and does nothing once the state is closed.
+/// A function of a script. Keeps it alive in its state; does nothing once the state is closed.
 class ScriptFunction final : public nxRFL::Function {
 public:
-    /// Takes over a place in the table of functions, when it does not throw.
+    /// Takes over a place in the table of functions, unless it throws.
     ScriptFunction(Binding& binding, int place);
     ~ScriptFunction() override;
 
     [[nodiscard]] bool canRun() const noexcept override { return link_->binding && !link_->binding->meter.ended(); }
 
-    /// Pushes the function itself, for the state that it comes from. Never raises.
+    /// Pushes the function itself if `state` is its own. Never raises.
     [[nodiscard]] bool push(Binding const& binding, lua_State* state) const noexcept;
 
 private:
@@ -26,15 +26,15 @@ private:
     ur::Charge charge_;
 };
 
-/// Keeps the function at `index`, which is positive. Raises.
+/// Stores the function at `index`, which is positive. Raises.
 [[nodiscard]] int keepFunction(Binding& binding, lua_State* state, int index);
-/// The function kept at `place`, for which it has not been called yet.
+/// The function stored at `place`. Requires: not called for this place before.
 [[nodiscard]] ur::Reference<nxRFL::Function> functionAt(Binding& binding, int place);
 
-/// Pushes a function as scripts call it; nil for null. Raises.
+/// Pushes a function in the form that scripts call; nil for null. Raises.
 void pushScriptFunction(Binding& binding, lua_State* state, ur::Reference<nxRFL::Function> const& function);
 
-/// Of the metatable of userdata that hold native functions.
+/// The `__gc` metamethod of userdata that hold native functions.
 int collectFunction(lua_State* state);
 
 }  // namespace nxLC::impl

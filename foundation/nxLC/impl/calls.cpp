@@ -1,4 +1,4 @@
-// From Lua to native functions and back.
+// Calls native functions from Lua and passes errors back.
 #include "foundation/nxLC/impl/calls.h"
 
 #include <algorithm>
@@ -28,12 +28,12 @@ int failShortly(ShortText& text, char const* message) noexcept {
     return shortErrorOutcome;
 }
 
-/// Pushes the message behind the place of the call, in which the native function failed.
+/// Pushes the message, preceded by the place of the call in which the native function failed.
 int fail(lua_State* state, ShortText& text, char const* message) noexcept {
     if (std::strlen(message) <= ShortText::capacity) return failShortly(text, message);
     try {
         protect(state, 0, 1, [message](lua_State* inner) {
-            luaL_where(inner, 2);  // behind this function and the one that failed
+            luaL_where(inner, 2);  // skip this function and the one that failed
             lua_pushstring(inner, message);
             lua_concat(inner, 2);
             return 1;
@@ -44,10 +44,10 @@ int fail(lua_State* state, ShortText& text, char const* message) noexcept {
     }
 }
 
-/// Passes on the error of a script that the native function has called: it names its place already.
+/// Passes on the error of a script that the native function has called: it already names its place.
 int passOn(Binding& binding, lua_State* state, ShortText& text, nxRFL::Exception const& error) noexcept {
     try {
-        // A script may make a text of any size, which would be kept here uncounted.
+        // A script may create a text of any size, which the account would not count here.
         if (error.message().size() <= mostTraceBytes) binding.passedOn = PassedOn{error, binding.depth};
         protect(state, 0, 1, [&error](lua_State* inner) {
             lua_pushlstring(inner, error.message().data(), error.message().size());
@@ -59,7 +59,7 @@ int passOn(Binding& binding, lua_State* state, ShortText& text, nxRFL::Exception
     }
 }
 
-/// Runs the native part of a function that Lua called; what it throws becomes the error.
+/// Runs the native part of a function that Lua called; its exception becomes the error.
 template <class Native>
 [[gnu::always_inline]] inline int runNative(Binding* binding, lua_State* state, ShortText& text,
                                             Native const& native) noexcept {
@@ -78,7 +78,7 @@ template <class Native>
     }
 }
 
-/// Where the arguments of a function that Lua called are: `count` of them, at index 1 and every `step` further.
+/// The positions of the arguments of a function that Lua called: `count` values from index 1 on, `step` apart.
 struct Places {
     int count;
     int step;
@@ -118,7 +118,7 @@ bool readPlain(Binding& binding, lua_State* state, int index, PlainValue& value)
     }
 }
 
-/// The short way. False, with nothing done, when an argument is not for it.
+/// The fast path. False, with nothing done, when an argument does not fit it.
 inline bool callPlainly(Binding& binding, lua_State* state, Function const& function, Places places,
                         PlainResult& result) {
     std::array<PlainValue, 5> values;
@@ -152,7 +152,7 @@ int callWithStacks(Binding& binding, lua_State* state, Function const& function,
     return pushResults(binding, state, stacks.results(), text);
 }
 
-/// Inlined, since its callers know the places: reading a property takes a tenth less.
+/// Inlined, since its callers know the positions: reading a property takes a tenth less.
 [[gnu::always_inline]] inline int callAt(Binding* binding, lua_State* state, Function const& function, Places places,
                                          ShortText& text) noexcept {
     return runNative(binding, state, text, [binding, state, &function, places, &text] {
@@ -167,7 +167,7 @@ MemberCell const& cellOf(lua_State* state) noexcept {
     return *static_cast<MemberCell const*>(lua_touserdata(state, lua_upvalueindex(1)));
 }
 
-/// The value at `index` as the state of an iterator, or null.
+/// The iterator state at `index`, or null.
 IteratorState* toIteratorState(lua_State* state, int index) noexcept {
     Box const* const box = toBox(state, index);
     void* const walk =
@@ -175,7 +175,7 @@ IteratorState* toIteratorState(lua_State* state, int index) noexcept {
     return static_cast<IteratorState*>(walk);
 }
 
-/// The step of a `for` loop. Upvalues: the cell of the iterator, its state, and the object, which is kept alive.
+/// The step of a `for` loop. Upvalues: the iterator's cell, its state, and the object, which this keeps alive.
 int stepIteration(lua_State* state) {
     ShortText text;
     lua_settop(state, 0);
@@ -199,7 +199,7 @@ int stepIteration(lua_State* state) {
     return complete(state, runNative(binding, state, text, step), text);
 }
 
-/// Asks the hook about the assignment of which the arguments are on the stack.
+/// Calls the hook for the assignment whose arguments are on the stack.
 void askAssignmentHook(lua_State* state, Binding& binding) {
     Binding::pushKept(state, binding.assignmentHook);
     for (int i = 1; i <= 3; ++i) lua_pushvalue(state, i);
@@ -211,8 +211,8 @@ void askAssignmentHook(lua_State* state, Binding& binding) {
     if (status != 0) lua_error(state);
 }
 
-/// Puts what the table in the second upvalue has under the key on top in its place: the cell of a property, which is
-/// given back, or something else, for null.
+/// Replaces the key on top by its value in the table that is the second upvalue. Returns the cell if it is a property;
+/// otherwise null.
 MemberCell const* findProperty(lua_State* state) noexcept {
     lua_rawget(state, lua_upvalueindex(2));
     return static_cast<MemberCell const*>(lua_touserdata(state, -1));
@@ -225,7 +225,7 @@ char const* classNameOf(lua_State* state, int index) noexcept {
 
 enum class Wanted { member, property };
 
-/// Raises for the key at `key`, a text, under which the table at `members` has nothing that is wanted.
+/// Raises for the text key at `key`, for which the table at `members` has no wanted member.
 int failOnMember(lua_State* state, char const* className, int members, int key, Wanted wanted) {
     char question[128] = "";
     try {

@@ -1,4 +1,4 @@
-// The functions that Lua calls for members of classes and of tables.
+// The functions that Lua calls for members of classes and tables.
 #pragma once
 
 #include "foundation/nxLC/impl/values.h"
@@ -6,7 +6,7 @@
 
 namespace nxLC::impl {
 
-/// The content of a userdata by which functions find a member together with the binding.
+/// The content of a userdata through which functions find a member and its binding.
 struct MemberCell {
     Anchor const* anchor;
     nxRFL::Member const* member;
@@ -20,9 +20,9 @@ int callFunction(Binding* binding, lua_State* state, nxRFL::Function const& func
 int callMember(lua_State* state);
 int beginIteration(lua_State* state);
 
-// Upvalues: the anchor, the table of the members, in which properties are cells.
+// Upvalues: the anchor, and the table of members, where properties are cells.
 int indexObject(lua_State* state);
-/// `__index` of a table of members where objects have no properties. Upvalue: the name of the class.
+/// `__index` of a table of members for objects without properties. Upvalue: the name of the class.
 int missMember(lua_State* state);
 int assignProperty(lua_State* state);
 

@@ -1,4 +1,4 @@
-// Catching errors, except those that end a script.
+// Catches errors, except those that end a script.
 #include "foundation/nxLC/impl/catching.h"
 
 #include "foundation/nxLC/impl/Binding.h"
@@ -12,13 +12,13 @@ bool isStopped(lua_State* state) noexcept {
     return binding && binding->meter.stopped();
 }
 
-/// An error that was on its way has come to its end.
+/// A pending error was caught.
 void noteCatch(lua_State* state) noexcept {
     Binding* const binding = bindingOf(state);
     if (binding && binding->passedOn) binding->passedOn->caught = true;
 }
 
-/// What pcall and xpcall return: everything from `first` on, behind whether the call succeeded.
+/// The results of pcall and xpcall: whether the call succeeded, then everything from `first` on.
 int finishCall(lua_State* state, int status, int first) {
     if (status != 0 && isStopped(state)) return lua_error(state);
     noteCatch(state);
@@ -32,7 +32,7 @@ int callAndCatch(lua_State* state) {
     return finishCall(state, lua_pcall(state, lua_gettop(state) - 1, LUA_MULTRET, 0), 1);
 }
 
-/// Calls the second upvalue with the arguments; everything on the stack are its results.
+/// Calls the second upvalue with the arguments; returns everything on the stack as results.
 int callUpvalue(lua_State* state) {
     lua_pushvalue(state, lua_upvalueindex(2));
     lua_insert(state, 1);
@@ -40,7 +40,7 @@ int callUpvalue(lua_State* state) {
     return lua_gettop(state);
 }
 
-/// The handler in the second upvalue would run inside the hook, uncounted, when that has raised the error.
+/// If the hook raised the error, the handler in the second upvalue would run inside the hook, uncounted.
 int handleUnlessStopped(lua_State* state) { return isStopped(state) ? lua_gettop(state) : callUpvalue(state); }
 
 int callWithHandler(lua_State* state) {
@@ -53,7 +53,7 @@ int callWithHandler(lua_State* state) {
     return finishCall(state, lua_pcall(state, 0, LUA_MULTRET, 1), 2);
 }
 
-/// The function in the second upvalue made a coroutine, which now counts for itself.
+/// Makes the meter count the coroutine that the function in the second upvalue created.
 void count(lua_State* state, lua_State* coroutine) {
     Binding* const binding = bindingOf(state);
     if (coroutine && binding) binding->meter.begin(state, coroutine);
@@ -65,7 +65,7 @@ int create(lua_State* state) {
     return results;
 }
 
-/// The original function gives one that has the coroutine as its only upvalue.
+/// The original returns a function whose only upvalue is the coroutine.
 int wrap(lua_State* state) {
     int const results = callUpvalue(state);
     if (!lua_getupvalue(state, -1, 1)) return results;
@@ -74,14 +74,14 @@ int wrap(lua_State* state) {
     return results;
 }
 
-/// Calls the original function in the second upvalue, which catches errors of what it calls.
+/// Calls the original function in the second upvalue, which catches errors.
 int callCatcher(lua_State* state) {
     int const results = callUpvalue(state);
     noteCatch(state);
     return isStopped(state) ? luaL_error(state, "%s", bindingOf(state)->meter.reason()) : results;
 }
 
-/// Pushes a field of the table on top, without asking its metatable.
+/// Pushes a field of the table on top, without metamethods.
 void pushField(lua_State* state, char const* name) {
     lua_pushstring(state, name);
     lua_rawget(state, -2);

@@ -1,4 +1,4 @@
-// Reading errors off the stack, and tracing them.
+// Takes errors from the stack and traces them.
 #include "foundation/nxLC/impl/errors.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ std::string_view textOf(lua_State* state) {
     return {text, size};
 }
 
-/// Requires likewise.
+/// Requires: a text is on top.
 CString takeText(lua_State* state) {
     CString result(textOf(state));
     lua_pop(state, 1);
@@ -39,8 +39,8 @@ CString messageOf(lua_State* state) {
     return text;
 }
 
-/// The calls that led to an error and then those that it went on through. Both end with the same lines, as far as the
-/// same thread of the script made them.
+/// The calls that led to an error, then those that passed it on. Both end with the same lines as far as the same thread
+/// of the script made the calls.
 CString joined(CString const& inner, CString const& outer) {
     std::string_view const first = inner.view();
     std::string_view const second = outer.view().substr(std::min(outer.find('\n'), outer.size()));
@@ -50,7 +50,7 @@ CString joined(CString const& inner, CString const& outer) {
     return CString(first.substr(0, kept)).append(second);
 }
 
-/// Leaves out lines in the middle of a trace that is too long.
+/// Omits lines in the middle of a trace that is too long.
 CString bounded(std::string_view trace) {
     if (trace.size() <= mostTraceBytes) return CString(trace);
     std::string_view first = trace.substr(0, mostTraceBytes / 2);
@@ -60,13 +60,13 @@ CString bounded(std::string_view trace) {
     return CString(first).append("\n\t(the trace is too long, lines are left out here)").append(last);
 }
 
-/// The traced error, which has the same text, is the one passed on: still on its way, or caught and raised again.
+/// Whether the traced error, which has the same text, is the one passed on: still pending, or caught and raised again.
 bool isThatOf(std::string_view trace, PassedOn const& passedOn) {
     return !passedOn.caught || trace.starts_with("stack traceback:\n\t[C]: in function 'error'\n");
 }
 
-/// What Lua made of the calls, without the empty message in front and the function at the bottom that protects the
-/// call.
+/// Lua's description of the calls, without the empty message at its start and the function at the bottom that protects
+/// the call.
 CString takeTrace(lua_State* state) {
     std::string_view trace = textOf(state);
     if (trace.starts_with('\n')) trace.remove_prefix(1);
@@ -78,7 +78,7 @@ CString takeTrace(lua_State* state) {
 
 void makeText(lua_State* state, int index) {
     if (lua_isstring(state, index)) {
-        lua_tostring(state, index);  // of a number
+        lua_tostring(state, index);  // converts a number
         return;
     }
     if (!luaL_callmeta(state, index, "__tostring") || !lua_isstring(state, -1))
@@ -95,7 +95,7 @@ int traceError(lua_State* state) {
     makeText(state, 1);
     lua_pushvalue(state, lua_upvalueindex(2));
     lua_pushliteral(state, "");
-    lua_pushinteger(state, 2);  // without this function
+    lua_pushinteger(state, 2);  // skips this function
     lua_call(state, 2, 1);
     if (Binding* const binding = bindingOf(state)) {
         lua_rawseti(state, LUA_REGISTRYINDEX, binding->trace);
@@ -111,7 +111,7 @@ nxRFL::Exception takeTracedError(Binding& binding, lua_State* state) {
     Binding::pushKept(state, binding.trace);
     CString trace = takeTrace(state);
     std::optional<PassedOn> const& inner = binding.passedOn;
-    // Another depth is another script, and its error another one with the same text.
+    // At another depth it is another script, and so another error with the same text.
     if (inner && inner->depth == binding.depth && inner->error.message() == message && isThatOf(trace.view(), *inner))
         trace = bounded(joined(inner->error.trace(), trace).view());
     return nxRFL::Exception(std::move(message), std::move(trace));

@@ -1,4 +1,4 @@
-// Errors of Lua as exceptions, with the calls that led to them.
+// Converts Lua errors to exceptions with the calls that led to them.
 #pragma once
 
 #include <cstddef>
@@ -10,16 +10,16 @@ namespace nxLC::impl {
 
 class Binding;
 
-/// Of one trace, about. A script has names of functions as long as it likes, and nests calls as it likes.
+/// The approximate limit of one trace. Scripts may use function names of any length and nest calls at will.
 constexpr std::size_t mostTraceBytes = 16384;
 
-/// What the error on top of the stack says; takes it off.
+/// Pops the error on top of the stack and returns it.
 [[nodiscard]] nxRFL::Exception takeError(lua_State* state);
 
-/// The error handler of calls into scripts. Upvalues: the anchor, debug.traceback. Turns what is no text into one and
-/// keeps the trace in the binding.
+/// The error handler of calls into scripts. Upvalues: the anchor, debug.traceback. Converts errors to text and keeps
+/// the trace in the binding.
 int traceError(lua_State* state);
-/// As takeError, with the trace that the handler has left.
+/// As takeError, with the trace from the handler.
 [[nodiscard]] nxRFL::Exception takeTracedError(Binding& binding, lua_State* state);
 
 }  // namespace nxLC::impl

@@ -1,4 +1,4 @@
-// What a sandbox keeps of Lua's libraries.
+// Opens Lua's libraries; a sandbox gets only part of them.
 #include "foundation/nxLC/impl/libraries.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ void open(lua_State* state, char const* name, lua_CFunction opener) {
     lua_call(state, 1, 0);
 }
 
-/// Takes fields out of the table that is the global `table`, or out of the globals.
+/// Removes fields from the global table `table`, or from the globals.
 void remove(lua_State* state, char const* table, std::initializer_list<char const*> names) {
     lua_getglobal(state, table);
     for (char const* const name : names) {
@@ -28,13 +28,13 @@ void remove(lua_State* state, char const* table, std::initializer_list<char cons
     lua_pop(state, 1);
 }
 
-/// Calls the function that is the first upvalue in place of the running one, whose arguments it finds.
+/// Calls the function that is the first upvalue, with the arguments of the running function.
 int callOriginal(lua_State* state) { return lua_tocfunction(state, lua_upvalueindex(1))(state); }
 
 constexpr std::size_t longestPattern = 10000;
 
-/// Refuses patterns so long that matching them might need more of the native stack than there is. The second upvalue
-/// tells whether the fourth argument can make it plain text.
+/// Refuses patterns so long that matching them might overflow the native stack. The second upvalue is true if the
+/// fourth argument can make the pattern plain text.
 int matchBounded(lua_State* state) {
     bool const isPlain = lua_toboolean(state, lua_upvalueindex(2)) && lua_toboolean(state, 4);
     if (lua_type(state, 2) == LUA_TSTRING && lua_objlen(state, 2) > longestPattern && !isPlain)
@@ -47,8 +47,8 @@ bool fits(double number) { return number > INT_MIN && number < INT_MAX; }
 
 constexpr double mostUnpacked = 1e6;
 
-/// Refuses ranges whose ends or length no `int` holds: Lua's own check overflows. Of the others, it refuses those that
-/// do not fit on its stack.
+/// Refuses ranges whose ends or length no `int` can hold: Lua's own check overflows. The original function refuses
+/// ranges that do not fit on its stack.
 int unpackBounded(lua_State* state) {
     double const first = luaL_optnumber(state, 2, 1);
     double const last = luaL_optnumber(state, 3, static_cast<double>(lua_objlen(state, 1)));
@@ -60,7 +60,7 @@ int unpackBounded(lua_State* state) {
 
 constexpr double longestRepeated = 1 << 28;
 
-/// Refuses at once what would take long. Nothing, repeated often, counts as one byte.
+/// Refuses at once repetitions that would take long. An empty text counts as one byte.
 int repeatBounded(lua_State* state) {
     double const size = static_cast<double>(std::max<std::size_t>(lua_objlen(state, 1), 1));
     if (lua_isnumber(state, 2) && !(size * lua_tonumber(state, 2) <= longestRepeated))
@@ -70,8 +70,8 @@ int repeatBounded(lua_State* state) {
 
 constexpr double mostMoved = 1 << 24;
 
-/// For `insert` and `remove`, which move all elements from the position in the second argument on. The length that a
-/// table claims may be far beyond what is in it. Each move counts as an instruction.
+/// For `insert` and `remove`, which move all elements from the position in the second argument on. A table may claim a
+/// length far beyond its content. Each move counts as an instruction.
 int moveBounded(lua_State* state) {
     if (lua_type(state, 1) != LUA_TTABLE || !lua_isnumber(state, 2)) return callOriginal(state);
     double const position = lua_tonumber(state, 2);
@@ -93,7 +93,7 @@ int removeBounded(lua_State* state) {
 /// `insert` with two arguments appends the second, which may be a number.
 int insertBounded(lua_State* state) { return lua_gettop(state) == 3 ? moveBounded(state) : callOriginal(state); }
 
-/// Its address is the key in the registry.
+/// Its address is the registry key.
 char const proxiesKey = 0;
 
 void pushProxies(lua_State* state) {
@@ -101,10 +101,10 @@ void pushProxies(lua_State* state) {
     lua_rawget(state, LUA_REGISTRYINDEX);
 }
 
-/// Notes the metatable of a new proxy, where scripts put finalizers.
+/// Records the metatable of a new proxy, where scripts put finalizers.
 int noteProxy(lua_State* state) {
     lua_settop(state, 1);
-    lua_pushvalue(state, lua_upvalueindex(1));  // called by Lua, since it has an upvalue of its own
+    lua_pushvalue(state, lua_upvalueindex(1));  // Lua calls it, since it has an upvalue of its own
     lua_insert(state, 1);
     lua_call(state, 1, 1);
     if (!lua_getmetatable(state, -1)) return 1;
@@ -116,7 +116,7 @@ int noteProxy(lua_State* state) {
     return 1;
 }
 
-/// The table whose keys are the metatables of proxies, as long as there are any.
+/// Creates the table whose keys are the metatables of proxies, held weakly.
 void keepProxies(lua_State* state) {
     lua_pushlightuserdata(state, const_cast<char*>(&proxiesKey));
     lua_newtable(state);
@@ -127,7 +127,7 @@ void keepProxies(lua_State* state) {
     lua_rawset(state, LUA_REGISTRYINDEX);
 }
 
-/// Puts `bounded` in front of functions of the table that is the global `table`.
+/// Wraps functions of the global table `table` with `bounded`.
 void bound(lua_State* state, char const* table, std::initializer_list<char const*> names, lua_CFunction bounded) {
     lua_getglobal(state, table);
     for (char const* const name : names) {
@@ -152,7 +152,7 @@ void openLibraries(lua_State* state, Library library) {
         open(state, LUA_STRLIBNAME, &luaopen_string);
         open(state, LUA_MATHLIBNAME, &luaopen_math);
         open(state, LUA_OSLIBNAME, &luaopen_os);
-        // Compiled code can break the machine, and finalizers run where no instructions are counted.
+        // Compiled code can break the interpreter, and finalizers run where no instructions are counted.
         remove(state, "_G", {"dofile", "loadfile", "load", "loadstring", "newproxy"});
         remove(state, LUA_OSLIBNAME, {"execute", "exit", "getenv", "remove", "rename", "setlocale", "tmpname"});
         remove(state, LUA_STRLIBNAME, {"dump", "gfind"});
@@ -171,7 +171,7 @@ void dropFinalizers(lua_State* state) noexcept {
         for (lua_pushnil(state); lua_next(state, top + 1); lua_pop(state, 1)) {
             lua_pushliteral(state, "__gc");
             lua_rawget(state, -3);
-            bool const hasFinalizer = !lua_isnil(state, -1);  // taking away what is not there would need memory
+            bool const hasFinalizer = !lua_isnil(state, -1);  // removing a missing field would need memory
             lua_pop(state, 1);
             if (!hasFinalizer) continue;
             lua_pushliteral(state, "__gc");

@@ -1,4 +1,4 @@
-// Lua's own libraries, all or the harmless ones.
+// Opens Lua's own libraries, all or the safe ones.
 #pragma once
 
 #include "foundation/nxLC/State.h"
@@ -9,8 +9,8 @@ namespace nxLC::impl {
 /// Raises.
 void openLibraries(lua_State* state, Library library);
 
-/// Takes the finalizers out of the metatables of the proxies that scripts have made. Requires: room for five values on
-/// the stack.
+/// Removes the finalizers from the metatables of proxies that scripts created. Requires: room for five values on the
+/// stack.
 void dropFinalizers(lua_State* state) noexcept;
 
 }  // namespace nxLC::impl

@@ -1,4 +1,4 @@
-// Finding, making and giving up the userdata of objects.
+// Finds, creates and releases the userdata of objects.
 #include "foundation/nxLC/impl/objects.h"
 
 #include <utility>
@@ -21,12 +21,12 @@ void* markOf(lua_State* state, int index) noexcept {
     return mark;
 }
 
-/// The object has a userdata already: it now owns the object if the handle gives it away.
+/// The object has a userdata already, which now owns the object if the handle gives it away.
 void take(Box& box, Object const& object) {
     if (!object.isGiven()) return;
     auto const& util = box.objectClass->typeUtil();
     if (box.isOwned) {
-        if (!util.own) object.passOn();  // the box does not count
+        if (!util.own) object.passOn();  // the box is not a counted holder
         return;
     }
     box.isOwned = true;
@@ -61,7 +61,7 @@ bool pushFound(lua_State* state, ClassTables const& tables, Database::Resolved c
     lua_pushlightuserdata(state, resolved.pointer);
     lua_rawget(state, -2);
     auto* const box = static_cast<Box*>(lua_touserdata(state, -1));
-    // A script that gave an object up by hand may still hold its userdata when another object lies there.
+    // A script that released an object explicitly may still hold its userdata when another object takes its address.
     if (!box || !box->pointer) {
         lua_pop(state, 2);
         return false;
@@ -115,7 +115,7 @@ void pushNew(Binding& binding, lua_State* state, Object const& object) {
     lua_pushvalue(state, -3);
     lua_rawset(state, -3);
     lua_pop(state, 1);
-    // Nothing can raise any more: from here on the userdata gives the object up.
+    // Nothing can raise any more: from here on the userdata releases the object.
     fill(*box, object, resolved.pointer);
     ++binding.objectCount;
 }
@@ -143,7 +143,7 @@ void giveUpObjects(Binding& binding, lua_State* state) noexcept {
             lua_pop(state, 1);
             if (!box->pointer) continue;
             giveUp(binding, state, *box);
-            // Whose end may have filled the table.
+            // Its finalizer may have filled the table.
             lua_pop(state, 1);
             lua_pushnil(state);
         }

@@ -1,4 +1,4 @@
-// Building the tables.
+// Builds the tables that scripts see.
 #include "foundation/nxLC/impl/publish.h"
 
 #include <string_view>
@@ -54,8 +54,8 @@ void setFunction(Binding& binding, lua_State* state, char const* name, lua_CFunc
     lua_rawset(state, -3);
 }
 
-/// Fills the table on top with what objects have: functions, and properties as the cells of their members.
-/// Members of bases come first, so that those of the class take their places.
+/// Fills the table on top with the members of objects: functions, and properties as cells. Members of bases come first,
+/// so that the class's own members replace them.
 bool fillMembers(Binding& binding, lua_State* state, Class const& objectClass) {
     bool hasProperties = false;
     for (auto link = objectClass.bases().rbegin(); link != objectClass.bases().rend(); ++link)
@@ -81,7 +81,7 @@ void fillStaticMethods(Binding& binding, lua_State* state, Class const& objectCl
     }
 }
 
-/// Has looking for what the table at `members` does not have raise.
+/// Makes a look-up raise when the table at `members` does not have the key.
 void failOnMissing(lua_State* state, int members, Class const& objectClass) {
     lua_newtable(state);
     lua_pushliteral(state, "__index");
@@ -91,7 +91,7 @@ void failOnMissing(lua_State* state, int members, Class const& objectClass) {
     lua_setmetatable(state, members);
 }
 
-/// Gives the metatable on top the members of the class as they are now.
+/// Updates the metatable on top to the class's current members.
 void fillMetatable(Binding& binding, lua_State* state, Class const& objectClass) {
     lua_newtable(state);
     bool const hasProperties = fillMembers(binding, state, objectClass);
@@ -110,7 +110,7 @@ void fillMetatable(Binding& binding, lua_State* state, Class const& objectClass)
     lua_pop(state, 1);
 }
 
-/// Gives the metatable on top its mark, and the name that scripts get in its place.
+/// Gives the metatable on top its mark, and the name that scripts get instead of it.
 void markMetatable(lua_State* state, char const& mark, std::string_view name) {
     pushAddress(state, mark);
     lua_rawseti(state, -2, 1);
@@ -135,7 +135,7 @@ int describeClass(lua_State* state) {
     return 1;
 }
 
-/// Pushes the table that is the global `name`, parts of which are separated by "::"; makes those that are missing.
+/// Pushes the global table `name`, whose parts are separated by "::"; creates missing tables.
 void pushGlobalTable(lua_State* state, std::string_view name) {
     lua_pushvalue(state, LUA_GLOBALSINDEX);
     for (std::string_view rest = name; !rest.empty();) {
@@ -183,7 +183,7 @@ ClassTables const& tablesOf(Binding& binding, lua_State* state, Class const& obj
     lua_setmetatable(state, -2);
     tables.objects = luaL_ref(state, LUA_REGISTRYINDEX);
     makeMetatable(binding, state, objectClass);
-    tables.metatable = luaL_ref(state, LUA_REGISTRYINDEX);  // last: now they are known
+    tables.metatable = luaL_ref(state, LUA_REGISTRYINDEX);  // last: from now on the tables are known
     return tables;
 }
 

@@ -7,7 +7,7 @@ namespace nxLC::impl {
 
 namespace {
 
-constexpr char runnerKey = 0;  // its address is the runner's key in the registry
+constexpr char runnerKey = 0;  // its address is the runner's registry key
 
 struct Job {
     Body body;
@@ -20,7 +20,7 @@ int runJob(lua_State* state) {
     lua_remove(state, 1);
     try {
         return job->body(state, job->context);
-    } catch (std::exception const&) {  // errors of a Lua that throws them are of another type
+    } catch (std::exception const&) {  // a Lua that throws its errors uses another type
         job->error = std::current_exception();
     }
     return 0;

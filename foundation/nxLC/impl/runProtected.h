@@ -1,4 +1,4 @@
-// The one place where code that may raise errors of Lua is run.
+// The only function that runs code that may raise Lua errors.
 #pragma once
 
 #include <exception>
@@ -8,9 +8,9 @@
 
 namespace nxLC::impl {
 
-/// Runs `body` on the `arguments` values on top, with the error handler at index `handler` unless that is 0. Gives the
-/// status of lua_pcall; not 0 means that the error is on top. An exception of the body is in `error`; then there are no
-/// results.
+/// Runs `body` on the `arguments` values on top, with the error handler at index `handler` unless that is 0. Returns
+/// the status of lua_pcall; not 0 means that the error is on top. If the body throws, the exception is in `error` and
+/// there are no results.
 int runProtected(lua_State* state, int arguments, int results, int handler, Body body, void* context,
                  std::exception_ptr& error);
 

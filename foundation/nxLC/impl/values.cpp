@@ -1,4 +1,4 @@
-// Reading arguments and pushing results: plain values on a short way, the others inside `protect`.
+// Reads arguments and pushes results: plain values on a fast path, others inside `protect`.
 #include "foundation/nxLC/impl/values.h"
 
 #include <algorithm>
@@ -82,14 +82,14 @@ void readValue(Binding& binding, lua_State* state, int index, Writer& writer, Ob
     }
 }
 
-/// The beginning of a message about the argument at `position`, from 0 on.
+/// The start of a message about the argument at `position`, counted from 0.
 CString argumentName(Function const& function, int position) {
     bool const isMethod = function.isMethod();
     if (isMethod && position == 0) return function.name() + ": the object ";
     return function.name() + CString::format(": argument %d ", position + (isMethod ? 0 : 1));
 }
 
-/// Pushes a plain value or a known object. False for others; never raises.
+/// Pushes a plain value or a known object. False for others. Never raises.
 bool pushPlain(Binding& binding, lua_State* state, Reader& reader) {
     switch (reader.kind()) {
         case Kind::null:
@@ -150,7 +150,7 @@ void readArguments(Binding& binding, lua_State* state, Function const& function,
     int const count = lua_gettop(state);
     for (int i = 1; i <= count; ++i) {
         try {
-            // They stay on Lua's stack, and so alive, for as long as the call lasts.
+            // They stay on Lua's stack, and so alive, for the duration of the call.
             readValue(binding, state, i, writer, Object::Hold::borrowed);
         } catch (Exception const& error) {
             throw Exception(argumentName(function, i - 1) + error.message());

@@ -1,4 +1,4 @@
-// Values between Lua and reflection stacks.
+// Converts values between Lua and reflection stacks.
 #pragma once
 
 #include "foundation/nxLC/impl/Binding.h"
@@ -6,21 +6,22 @@
 
 namespace nxLC::impl {
 
-/// A text on its way out of a frame that has objects with destructors.
+/// A text that leaves a frame whose objects have destructors.
 struct ShortText {
     static constexpr std::size_t capacity = 256;
     std::size_t size;
     char bytes[capacity];
 };
 
-/// What became of a call: the number of results on the stack, or one of these.
+/// The outcome of a call: the number of results on the stack, or one of these.
 enum Outcome : int {
     raisedOutcome = -1,     ///< the error is on top of the stack
-    shortTextOutcome = -2,  ///< the one result is a short text
+    shortTextOutcome = -2,  ///< the only result is a short text
     shortErrorOutcome = -3  ///< the short text is the error
 };
 
-/// Appends the values on the stack of a function that Lua called, for the time of the call, as arguments of `function`.
+/// Appends the stack values of a function that Lua called as arguments of `function`, valid for the duration of the
+/// call.
 void readArguments(Binding& binding, lua_State* state, nxRFL::Function const& function, nxRFL::Stack& stack);
 /// Appends the Lua values from `first` up to the top.
 void readValues(Binding& binding, lua_State* state, int first, nxRFL::Stack& stack);
@@ -29,15 +30,15 @@ void readValues(Binding& binding, lua_State* state, int first, nxRFL::Stack& sta
 int pushText(lua_State* state, urString::CString const& result, ShortText& text);
 /// Pushes the results of a call.
 int pushResults(Binding& binding, lua_State* state, nxRFL::Stack const& results, ShortText& text);
-/// The elements of the array that is the one result, as so many values.
+/// Pushes the elements of the single result, an array, as separate values.
 int pushElements(Binding& binding, lua_State* state, nxRFL::Stack const& results);
 
 /// Pushes all items. For bodies: raises and throws.
 int pushItems(Binding& binding, lua_State* state, nxRFL::Stack const& items);
 
-/// Ends a function that Lua called, whose outcome is no number of results.
+/// Ends a function that Lua called and whose outcome is not a number of results.
 int finish(lua_State* state, int outcome, ShortText const& text);
-/// Ends a function that Lua called, with nothing left that has a destructor.
+/// Ends a function that Lua called, after all objects with destructors are gone.
 inline int complete(lua_State* state, int outcome, ShortText const& text) {
     return outcome >= 0 ? outcome : finish(state, outcome, text);
 }

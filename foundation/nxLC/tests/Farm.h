@@ -1,4 +1,4 @@
-// A state that knows the small native world of the tests.
+// A test fixture: a Lua state with a small native world.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 
 namespace farm {
 
-/// Hands back what it is given.
+/// Returns its arguments.
 class Echo : public nxRFL::Function {
 public:
     explicit Echo(nxRFL::Database* database) : Function(database, false) {}
@@ -24,7 +24,7 @@ private:
     }
 };
 
-/// A state on the farm. Everything must be gone at the end.
+/// A state bound to the farm. At the end no object may be left.
 struct Farm : testing::Test {
     explicit Farm(nxLC::Library library = nxLC::Library::everything) {
         expose(database);
@@ -62,7 +62,7 @@ struct Farm : testing::Test {
         nxRFL::Stack results;
         EXPECT_FALSE(state->run("local name, value = ... _G[name] = value", "=give", arguments, results));
     }
-    /// An animal of the program that scripts find under its name.
+    /// Creates an animal that native code owns and scripts find under its name.
     ur::Reference<Animal> giveAnimal(char const* name) {
         auto animal = ur::make<Animal>(name);
         give(name, animal);

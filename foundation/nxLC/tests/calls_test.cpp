@@ -1,4 +1,4 @@
-// Errors on their way between scripts and native code, callbacks, and the end of a state.
+// Tests errors between scripts and native code, callbacks, and the end of a state.
 #include <gmock/gmock.h>
 
 #include <cstring>
@@ -19,7 +19,7 @@ using urString::CString;
 using Calls = farm::Farm;
 
 #if defined(__linux__)
-TEST(Lua, IsTheBuildThatIsToBeTested) {
+TEST(Lua, IsTheBuildUnderTest) {
     Dl_info where;
     ASSERT_NE(dladdr(reinterpret_cast<void*>(&lua_newstate), &where), 0);
 #if defined(NX_LUA_CXX)
@@ -30,7 +30,7 @@ TEST(Lua, IsTheBuildThatIsToBeTested) {
 }
 #endif
 
-TEST_F(Calls, NativeErrorsTellWhereTheScriptCalled) {
+TEST_F(Calls, NativeErrorsNameThePlaceOfTheCall) {
     EXPECT_EQ(run("\n\nfarm.Animal.make('Rex'):fail('exception')"), "test:3: Rex is tired");
     EXPECT_EQ(run("farm.Animal.make('Rex'):fail('standard')"), "test:1: out of order");
     EXPECT_EQ(run("farm.Animal.make('Rex'):fail('other')"), "test:1: unknown exception");
@@ -87,7 +87,7 @@ TEST_F(Calls, NestedErrorsKeepTheirPlaceAndTheirStack) {
               "stack traceback:\n\t[C]: in function 'error'\n\ttest:4: in main chunk");
 }
 
-/// Equal messages do not make two errors one, and no round makes a trace longer than the one before.
+/// Equal messages do not make two errors one, and no round makes a trace longer than the previous one.
 TEST_F(Calls, ATraceBelongsToOneErrorAndIsBounded) {
     std::string const functions =
         "local apply = farm.tools.apply\n"
@@ -166,7 +166,7 @@ TEST_F(Calls, ErrorsEverywhereLeaveNothingBehind) {
 }
 
 TEST_F(Calls, FailAtAnyAllocationWithoutHarm) {
-    // Every few bytes more, memory runs out somewhere else.
+    // A few bytes more each time, so that memory runs out at another place.
     std::string const script = R"(
         local rex = farm.Animal.make("Rex")
         rex.name = string.rep("x", 300)
@@ -210,7 +210,7 @@ TEST_F(Calls, CallbacksKeepTheirFunctionsUntilTheyAreDropped) {
     succeed("collectgarbage() collectgarbage()");
     EXPECT_EQ(Animal::alive, 1);
 
-    // Places of dropped functions are used again.
+    // Places of dropped functions are reused.
     succeed("for i = 1, 1000 do rex:setOnCall(function() return tostring(i) end) end");
     EXPECT_EQ(rex->onCall(*rex, ""), "1000");
 }

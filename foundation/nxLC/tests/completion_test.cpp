@@ -1,4 +1,4 @@
-// Proposals for unfinished lines.
+// Tests completions of unfinished lines.
 #include "foundation/nxLC/completion.h"
 
 #include "foundation/nxLC/tests/Farm.h"
@@ -6,7 +6,7 @@
 namespace {
 
 struct Completions : farm::Farm {
-    /// What stays of the line, and the names that may follow.
+    /// The part of the line that stays, and the possible names.
     std::string of(std::string_view line) {
         auto const [begin, names] = nxLC::completions(state->get(), line);
         std::string text(line.substr(0, begin));

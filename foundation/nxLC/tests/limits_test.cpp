@@ -1,4 +1,4 @@
-// Scripts that will not end or that take too much, and what a sandbox has.
+// Tests scripts that do not end or take too much, and the sandbox.
 #include <csignal>
 #include <thread>
 
@@ -29,7 +29,7 @@ TEST_F(Limits, EndScriptsThatLoop) {
              "setmetatable(_G, {__index = function() while true do end end}) local x = y",
              "while true do coroutine.resume(coroutine.create(function() end)) end",
              "while true do coroutine.wrap(function() for i = 1, 20 do end end)() end",
-             // A tree: each thread ends long before its own hook strikes.
+             // A tree: each thread ends long before its own hook fires.
              "local function grow(n) if n == 0 then return end for i = 1, 30 do "
              "coroutine.resume(coroutine.create(grow), n - 1) end end grow(20)",
              "local function grow(n) if n == 0 then return end for i = 1, 30 do "
@@ -38,7 +38,7 @@ TEST_F(Limits, EndScriptsThatLoop) {
          }) {
         std::string const message = run(endless);
         EXPECT_TRUE(message.ends_with(spent)) << endless << ": " << message;
-        // The state goes on as if nothing had been.
+        // The state still works.
         EXPECT_EQ(run("setmetatable(_G, nil) for i = 1, 10000 do pcall(tostring, i) end"), "ok") << endless;
     }
     auto const error = state->run("while true do end", "=test");
@@ -50,7 +50,7 @@ TEST_F(Limits, CountEachCallAnew) {
     state->setLimits({.instructions = 100000});
     for (int i = 0; i < 5; ++i) succeed("for i = 1, 60000 do end");
     EXPECT_NE(run("for i = 1, 200000 do end"), "ok");
-    // A coroutine costs what it runs, and little more.
+    // A coroutine costs little more than what it runs.
     succeed("for i = 1, 1000 do coroutine.wrap(function() for j = 1, 20 do end end)() end");
     succeed("coroutine.wrap(function() for j = 1, 80000 do end end)()");
     EXPECT_NE(run("for i = 1, 10 do coroutine.wrap(function() for j = 1, 12000 do end end)() end"), "ok");
@@ -78,7 +78,7 @@ TEST_F(Limits, EndScriptsThatAllocate) {
         EXPECT_EQ(run("error('not enough memory', 0)"), "not enough memory") << greedy;
         EXPECT_EQ(run("collectgarbage() for i = 1, 100 do local s = string.rep('x', i) end"), "ok") << greedy;
     }
-    // Garbage does not count, however much of it there is.
+    // Garbage does not count, however much there is.
     succeed("for i = 1, 300000 do local t = {i, i, i} end");
     succeed("local s for i = 1, 300 do s = string.rep('x', 400000 + i) end");
 }
@@ -144,7 +144,7 @@ TEST_F(Limits, WorkInStatesOfTheHost) {
     auto& data = nxLC::ReflectionData::bind(L, database);
     EXPECT_EQ(&nxLC::ReflectionData::bind(L, database), &data);
     data.setLimits({.instructions = 10000});
-    // What the host calls by itself is not limited, what native code calls is.
+    // Calls that the host makes directly are not limited; calls through native code are.
     EXPECT_EQ(luaL_dostring(L, "for i = 1, 100000 do end return farm.Animal.make('Rex').name"), 0);
     EXPECT_STREQ(lua_tostring(L, -1), "Rex");
     EXPECT_NE(luaL_dostring(L, "farm.tools.apply(function() while true do end end, {})"), 0);
@@ -152,7 +152,7 @@ TEST_F(Limits, WorkInStatesOfTheHost) {
     lua_close(L);
 }
 
-/// Owns as many bytes as it is told.
+/// Owns a given number of bytes.
 class Sack : public ur::ReferenceCount {
 public:
     void chargeTo(std::shared_ptr<ur::Account> const& account) {
@@ -182,7 +182,7 @@ TEST_F(NativeMemory, CountsWithTheScriptsOwn) {
     EXPECT_EQ(run("s = farm.Sack.make() s:fill(5000000)"), "test:1: memory budget spent");
     EXPECT_EQ(run("s:fill(3000000) string.rep('x', 2000000)"), "memory budget spent");
     succeed("local caught = select(2, pcall(s.fill, s, 9000000)) assert(caught:find('budget spent'), caught)");
-    succeed("s:fill(3900000)");  // each call may add as much
+    succeed("s:fill(3900000)");  // each call may add that much
     state->setLimits({.memory = 4'000'000, .totalMemory = 8'000'000});
     EXPECT_EQ(run("s:fill(2000000)"), "test:1: memory budget spent");
     EXPECT_EQ(run("string.rep('x', 1000000)"), "memory budget spent");
@@ -198,7 +198,7 @@ TEST_F(NativeMemory, GarbageGoesBeforeAnythingIsRefused) {
         state->setLimits(limits);
         succeed("for i = 1, 2000 do farm.Sack.make():fill(2000000) end");
         succeed("for i = 1, 20000 do local s = farm.Sack.make() s:fill(100000) end");
-        // Held only through another that is garbage; and most of the room in use all the time.
+        // Held only through other garbage, while most of the memory is in use all the time.
         succeed(
             "kept = farm.Sack.make() kept:fill(4000000) "
             "for i = 1, 2000 do local s, t = farm.Sack.make(), farm.Sack.make() s:fill(100000) s:hold(t) end");
@@ -266,7 +266,7 @@ TEST_F(Sandbox, BoundsPatterns) {
 }
 
 TEST_F(Sandbox, RefusesAtOnceWhatLibrariesWouldTakeForEver) {
-    // Lua looks for the length by doubling: it finds the largest.
+    // Lua finds the length by doubling: it returns the largest.
     succeed("vast = {} for k = 28, 0, -1 do vast[2 ^ k] = 1 end assert(#vast == 2 ^ 28)");
     for (std::string const refused :
          {"unpack({}, 0, 2^31 - 1)", "unpack({}, -2^31, 2^31 - 1)", "unpack({}, -2^31 + 1)", "unpack({}, 1, 1e300)",

@@ -1,4 +1,4 @@
-// Native classes and objects in the eyes of scripts.
+// Tests native classes and objects as scripts see them.
 #include <cstring>
 
 #include "foundation/nxLC/tests/Farm.h"
@@ -59,7 +59,7 @@ TEST_F(Objects, RefuseWhatTheyDoNotHave) {
         EXPECT_EQ(run("local rex = farm.Animal.make('Rex') " + script), "test:1: " + message);
     }
     Barn barn;
-    give("barn", &barn);  // of a class without properties
+    give("barn", &barn);  // its class has no properties
     EXPECT_EQ(run("barn:coumt()"), "test:1: farm::Barn has no member coumt; do you mean count?");
     succeed("assert(barn[1] == nil)");
 }
@@ -117,7 +117,7 @@ TEST_F(Objects, BelongToScriptsOnlyWhenGiven) {
     EXPECT_EQ(own.animals.size(), 1U);
     own.animals.clear();
 
-    // First shared, then given: one userdata, which owns from then on. Counted classes balance either way.
+    // First shared, then given: one userdata, which owns from then on. The counts balance either way.
     auto* const later = new Barn;
     give("later", Object(later, barns));
     state->reflection().pushObject(L, Object(later, barns));
@@ -177,7 +177,7 @@ TEST_F(Objects, MadeByFinalizersOfAClosingStateAreGivenUp) {
     EXPECT_EQ(Animal::alive, 0);
 }
 
-TEST_F(Objects, AreNotMistakenForWhatTakesTheirPlaceInMemory) {
+TEST_F(Objects, AreNotConfusedWithLaterOnesAtTheirAddress) {
     lua_State* const L = state->get();
     succeed(R"(
         (function()
@@ -189,7 +189,7 @@ TEST_F(Objects, AreNotMistakenForWhatTakesTheirPlaceInMemory) {
     lua_getglobal(L, "others");
     for (int i = 0; i < 3; ++i) lua_gc(L, LUA_GCCOLLECT, 0);
     for (int i = 1; i <= 200; ++i) {
-        std::memset(lua_newuserdata(L, 3 * sizeof(void*)), 1, 3 * sizeof(void*));  // as much as an object takes
+        std::memset(lua_newuserdata(L, 3 * sizeof(void*)), 1, 3 * sizeof(void*));  // the size of an object's userdata
         lua_rawseti(L, -2, i);
     }
     lua_pop(L, 1);

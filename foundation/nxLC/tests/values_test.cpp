@@ -1,4 +1,4 @@
-// How values cross between Lua and native code.
+// Tests the conversion of values between Lua and native code.
 #include <cmath>
 
 #include "foundation/nxLC/StackChecker.h"
