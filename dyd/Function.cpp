@@ -1,4 +1,4 @@
-// How a call runs through its hooks.
+// Runs calls and their hooks.
 #include "dyd/Function.h"
 
 #include <utility>

@@ -10,9 +10,9 @@ namespace nxDYD {
 
 class Invocation;
 
-/// The base of operations that a host offers to callers who know them by name only. Held by reference.
+/// The base of operations that a host offers by name. Held by reference.
 ///
-/// Derive from it and implement `onCall`. A call that is running keeps the function and its hooks alive.
+/// Derive from it and implement `onCall`. A running call keeps the function and its hooks alive.
 class NX_API Function : public ur::ReferenceCount {
 public:
     explicit Function(urString::CString const& name) : name_(name) {}
@@ -23,13 +23,13 @@ public:
 
     [[nodiscard]] urString::CString const& name() const noexcept { return name_; }
 
-    /// Has `hooks` see the calls that begin from now on, in place of any others; null for none.
+    /// Later calls notify `hooks`, which replace the previous hooks; null for none.
     void setHooks(ur::Reference<Hooks> hooks) noexcept { hooks_.swap(hooks); }
     void clearHooks() noexcept { hooks_.reset(); }
 
-    /// Runs the function now. The result may be null; what the function or a hook throws passes through.
+    /// Runs the function now. The result may be null; exceptions of the function or a hook pass through.
     ur::Reference<Arg> call(ur::vector<ur::Reference<Arg>>& args);
-    /// A call without arguments, which runs when the result goes.
+    /// A call without arguments, which runs when the result is destroyed.
     Invocation call();
 
 protected:

@@ -8,9 +8,9 @@ namespace nxDYD {
 
 class Function;
 
-/// Sees the calls of the functions that it is attached to. Here it does nothing: derive from it and override.
+/// Observes the calls of its functions. Does nothing by default: derive from it and override.
 ///
-/// What a hook throws goes to the caller; nothing of the call that would follow is run.
+/// An exception from a hook passes to the caller; later parts of the call do not run.
 class NX_API Hooks : public ur::ReferenceCount {
 public:
     Hooks() noexcept = default;
@@ -18,9 +18,9 @@ public:
     Hooks& operator=(Hooks const&) noexcept = default;
     ~Hooks() override = default;
 
-    /// Before `function` runs. May change the arguments, also their number.
+    /// Called before `function` runs. May change the arguments, also their number.
     virtual void preInvoke(Function* /*function*/, ur::vector<ur::Reference<Arg>>& /*args*/) {}
-    /// After `function` has returned `result`, which may be null. Not called when it has thrown.
+    /// Called after `function` has returned `result`, which may be null. Not called if it has thrown.
     virtual void postInvoke(Function* /*function*/, ur::vector<ur::Reference<Arg>> const& /*args*/,
                             Arg const* /*result*/) {}
 };

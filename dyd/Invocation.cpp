@@ -1,4 +1,4 @@
-// Who runs a call that was put off.
+// Runs deferred calls.
 #include "dyd/Invocation.h"
 
 #include <exception>

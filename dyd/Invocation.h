@@ -1,18 +1,18 @@
-// A call that runs later.
+// A deferred call.
 #pragma once
 
 #include "dyd/Function.h"
 
 namespace nxDYD {
 
-/// A function with its arguments, called when the object goes, unless another object has taken the call over.
+/// A function and its arguments, called when the object is destroyed, unless another object has taken over the call.
 ///
-/// A copy takes over the call, its arguments and its state, and leaves the source spent; an assignment copies all
-/// of it, so that both sides may run. A call that was pending on the left side of an assignment is dropped.
-/// What the function or its hooks throw is printed on the application output.
+/// A copy takes over the call, its arguments and its state, and leaves the source empty. An assignment copies all of
+/// it, so that both sides may run; it drops a call pending on its left side. Exceptions of the function or its hooks
+/// are printed on the application output.
 class NX_API Invocation {
 public:
-    /// Takes over the contents of `args`, which is empty afterwards. Nothing runs when `function` is null.
+    /// Takes over the contents of `args`, which is empty afterwards. If `function` is null, nothing runs.
     Invocation(Function* function, ur::vector<ur::Reference<Arg>>& args) noexcept;
     Invocation(Invocation const& source) noexcept;
     Invocation& operator=(Invocation const& source);
@@ -23,7 +23,7 @@ private:
     [[nodiscard]] bool invoked() const noexcept { return invoked_; }
 
     ur::Reference<Function> function_;
-    // A copy takes them over from a source that may be a temporary.
+    // Mutable, since a copy takes them from a source that may be a temporary.
     mutable ur::vector<ur::Reference<Arg>> args_;
     mutable bool invoked_ = false;
 };

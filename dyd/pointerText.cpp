@@ -1,4 +1,4 @@
-// The text of pointers.
+// Converts pointers to text and back.
 #include "dyd/pointerText.h"
 
 #include <cstdio>

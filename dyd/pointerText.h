@@ -1,4 +1,4 @@
-// Pointers as items.
+// Passes pointers as text items.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -7,10 +7,10 @@
 
 namespace nxDYD {
 
-/// A new text item that stands for the pointer within this process. It says nothing about what is pointed at.
+/// A new text item that represents the pointer within this process. It does not describe the target.
 [[nodiscard]] NX_API ur::Reference<nxPLST::Item const> pointerToString(void const* pointer);
 
-/// The pointer that a text made by `pointerToString` stands for; null when the item is null or no such text.
+/// The pointer for a text made by `pointerToString`; null when the item is null or not such a text.
 [[nodiscard]] NX_API void* stringToPointer(ur::Reference<nxPLST::Item const> const& item);
 
 }  // namespace nxDYD

@@ -1,4 +1,4 @@
-// Arrays as trees: copied, compared and dropped without recursion.
+// Copies, compares and destroys arrays without recursion.
 #include "plst/Array.h"
 
 #include "plst/impl/treeWalk.h"

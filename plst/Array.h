@@ -9,9 +9,9 @@
 
 namespace nxPLST {
 
-/// Items in the order in which they were inserted. Elements are meant to be non-null.
+/// Items in insertion order. Elements should not be null.
 ///
-/// Indexes are not checked: 0 to `size() - 1` is the caller's promise.
+/// Indexes are not checked. Requires: 0 to `size() - 1`.
 class NX_API Array final : public Item {
 public:
     Array() noexcept : Item(ArrayType) {}
@@ -20,15 +20,15 @@ public:
     [[nodiscard]] ur::vector<ur::Reference<Item>>& array() noexcept { return array_; }
     [[nodiscard]] ur::vector<ur::Reference<Item>> const& array() const noexcept { return array_; }
 
-    /// Appends; never inserts in the middle.
+    /// Appends `item`; nothing can be inserted in the middle.
     void insert(ur::Reference<Item> item) { array_.push_back(std::move(item)); }
-    /// Appends the item of a value, as `Dictionary::insert`.
+    /// Appends a value as an item, as `Dictionary::insert`.
     template <class T>
     requires(!std::convertible_to<T const&, ur::Reference<Item>>) void insert(T const& value) {
         insert(impl::converted(value));
     }
 
-    /// The element's slot itself, assignable until the array grows.
+    /// A reference to the element, assignable until the array grows.
     [[nodiscard]] ur::Reference<Item>& operator[](int index) noexcept {
         return array_[static_cast<std::size_t>(index)];
     }

@@ -1,11 +1,11 @@
-// The item that holds a truth value.
+// The item that holds a boolean.
 #pragma once
 
 #include "plst/Item.h"
 
 namespace nxPLST {
 
-/// A truth value.
+/// A boolean.
 class NX_API Bool final : public Item {
 public:
     Bool() noexcept : Bool(false) {}

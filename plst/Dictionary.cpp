@@ -1,4 +1,4 @@
-// Dictionaries as trees, and by their keys.
+// Copies, compares and destroys dictionaries, and accesses them by key.
 #include "plst/Dictionary.h"
 
 #include <utility>

@@ -9,7 +9,7 @@
 
 namespace nxPLST {
 
-/// Items under unique keys, always in ascending order of the keys' bytes. Values are meant to be non-null.
+/// Items under unique keys, in ascending order of the keys' bytes. Values should not be null.
 class NX_API Dictionary final : public Item {
 public:
     using Map = ur::map<urString::CString, ur::Reference<Item>, ur::less<urString::CString>>;
@@ -24,9 +24,9 @@ public:
     [[nodiscard]] ur::Reference<Item> find(urString::CString const& key) const;
     [[nodiscard]] ur::Reference<Item> get(urString::CString const& key) const { return find(key); }
 
-    /// Stores `value` under `key` in place of any former value.
+    /// Stores `value` under `key` and replaces the former value, if any.
     void insert(urString::CString const& key, ur::Reference<Item> value);
-    /// Stores the item of a value: `insert("size", 1.5)`. Needs the header that converts it: plst/convert.h, or
+    /// Stores a value as an item: `insert("size", 1.5)`. Needs the header that converts it: plst/convert.h, or
     /// plst/containers.h for containers, enumerations and structures.
     template <class T>
     requires(!std::convertible_to<T const&, ur::Reference<Item>>) void insert(urString::CString const& key,

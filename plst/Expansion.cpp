@@ -1,4 +1,4 @@
-// Sizes of trees in which each shared item counts at every place, found in one walk over the items.
+// Computes the sizes of trees with shared items in one walk over the items.
 #include "plst/Expansion.h"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ void grow(std::uint64_t& sum, std::uint64_t by) {
     if (__builtin_add_overflow(sum, by, &sum)) sum = unbounded;
 }
 
-/// What an item comes to where it is not indented, and in how many lines indenting it one step adds spaces.
+/// The size of an item without indentation, and the number of lines that one step of indentation lengthens.
 struct Size {
     std::uint64_t items = 0;
     std::uint64_t bytes = 0;
@@ -57,7 +57,7 @@ std::uint64_t scalarBytes(Item const& item) {
     }
 }
 
-/// Remembers the sizes of what may come again. Its stack is its own, so that the depth of a tree does not matter.
+/// Remembers the sizes of items that may recur. Keeps its own stack, so that the depth of a tree does not matter.
 class Expander {
 public:
     Expansion run(Item const* root) {
@@ -104,7 +104,7 @@ private:
         finish(*item, {1, scalarBytes(*item), 0});
     }
 
-    /// Two brackets and two line feeds, the last of which takes the place of the last comma.
+    /// Two brackets and two line feeds; the last one replaces the last comma.
     template <class Container>
     void open(Container const& container) {
         open_.push_back({&container, impl::ChildWalk(container), {1, container.empty() ? 4U : 2U, 1}});
@@ -121,7 +121,7 @@ private:
         add(size);
     }
 
-    /// Adds a child, indented, with its comma and line feed, to its container.
+    /// Adds an indented child with its comma and line feed to its container.
     void add(Size const& child) {
         if (open_.empty()) {
             total_ = child;

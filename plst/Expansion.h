@@ -1,4 +1,4 @@
-// How large a tree is once its shared items are written out.
+// The size of a tree after copying its shared items.
 #pragma once
 
 #include <cstdint>
@@ -7,20 +7,20 @@
 
 namespace nxPLST {
 
-/// The size of a tree when each shared item is written out at every place that refers to it, as JSON and `clone` do.
+/// The size of a tree when each shared item is written at every place that refers to it, as JSON and `clone` do.
 ///
-/// A packet file of some hundred bytes can hold a tree that comes to more than any memory: each array holds the next
-/// one twice. Ask before copying a tree of unknown origin. Numbers stop at the largest.
+/// In a packet file of some hundred bytes, each array can hold the next one twice, so that the tree exceeds any memory.
+/// Check this before copying a tree from an untrusted source. Numbers stop at the largest value.
 struct Expansion {
     std::uint64_t items = 0;
-    std::uint64_t textBytes = 0;  ///< of the text of `convertToJSON`, were there no limit to its depth
-    bool shares = false;          ///< an item has several places in the tree
+    std::uint64_t textBytes = 0;  ///< of the text of `convertToJSON`, without its limit of depth
+    bool shares = false;          ///< whether an item occurs several times in the tree
 };
 
 /// The default limit of the JSON writers for the text of a tree that shares items, in bytes.
 inline constexpr std::uint64_t mostExpandedText = std::uint64_t(256) << 20;
 
-/// Takes time and memory in proportion to the tree as it is. Nothing for null but its text.
+/// Takes time and memory in proportion to the tree itself. Null has only the size of its text.
 [[nodiscard]] NX_API Expansion expansionOf(Item const* root);
 
 }  // namespace nxPLST

@@ -1,4 +1,4 @@
-// Comparing and printing items by value.
+// Compares and prints items by value.
 #include "plst/Item.h"
 
 #include <ostream>

@@ -12,27 +12,27 @@
 
 namespace nxPLST {
 
-/// The kind of an item. The writers dispatch on it; there is no kind for "no value", which is a null reference.
+/// The kind of an item. "No value" is a null reference and has no kind.
 enum Type : int { BoolType = 0, DoubleType = 1, StringType = 2, ArrayType = 3, DictionaryType = 4 };
 
-/// A dynamically typed value: a truth value, a number, a text, an array or a dictionary of items.
+/// A dynamically typed value: a boolean, a number, a text, an array or a dictionary of items.
 ///
-/// Items are shared by reference and live as long as someone holds them; a private copy is asked for with
-/// `clone`. Containers hold their children and never their parents, so trees have no cycles. Trees of any depth
-/// are copied, compared and destroyed without deep recursion.
+/// Items are shared by reference and live as long as a reference exists; `clone` makes a private copy. Containers hold
+/// their children but not their parents, so trees have no cycles. Copying, comparing and destroying work for any depth
+/// without deep recursion.
 ///
-/// One thread uses a tree at a time, or several read it after the last write without taking or dropping
-/// references. A tree may be dropped on another thread than the one that made it.
+/// One thread uses a tree at a time; after the last write, several may read it without adding or dropping references. A
+/// tree may be destroyed on another thread than the one that created it.
 class NX_API Item : public ur::ReferenceCount, public ur::NodeAllocated {
 public:
     [[nodiscard]] Type type() const noexcept { return type_; }
 
-    /// A deep copy that shares no item with this tree; a child held twice is copied twice. `expansionOf` tells how many
-    /// items that makes.
+    /// A deep copy that shares no item with this tree; a child held twice is copied twice. `expansionOf` returns the
+    /// number of items in the copy.
     [[nodiscard]] ur::Reference<Item> clone() const { return onClone(); }
 
-    /// Whether both trees have the same structure: kinds, sizes and keys, whatever the numbers and texts in them.
-    /// This item's class decides the rule.
+    /// Whether both trees have the same structure: kinds, sizes and keys; numbers and texts do not matter. This item's
+    /// class decides the rule.
     [[nodiscard]] bool congruent(Item const& other) const { return onCongruent(other); }
 
 protected:
@@ -50,11 +50,11 @@ private:
 
 /// Whether two trees have the same values: kinds, sizes, keys, numbers (not-a-number equals itself) and texts.
 [[nodiscard]] NX_API bool operator==(Item const& a, Item const& b);
-/// The same for references; null equals null alone.
+/// The same for references; null equals only null.
 [[nodiscard]] inline bool equal(ur::Reference<Item const> const& a, ur::Reference<Item const> const& b) {
     return a && b ? *a == *b : a == b;
 }
-/// Prints the JSON of the item on one line, up to what JSON has no form for. For tests and logs.
+/// Prints the item as one line of JSON, cut with "..." at a value without a JSON form. For tests and logs.
 NX_API std::ostream& operator<<(std::ostream& out, Item const& item);
 /// The same for a reference, "null" for a null one.
 NX_API std::ostream& operator<<(std::ostream& out, ur::Reference<Item const> const& item);

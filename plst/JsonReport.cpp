@@ -1,4 +1,4 @@
-// Reading JSON with a report.
+// Reads JSON and fills a report.
 #include "plst/JsonReport.h"
 
 #include <string_view>
@@ -13,7 +13,7 @@ namespace {
 
 bool read(ur::Reference<Item>& out, std::string_view text, JsonReport& report) {
     report = {};
-    ur::Reference<Item> tree;  // `out` may hold the text until the report is written
+    ur::Reference<Item> tree;  // `out` may own the text until the report is written
     impl::JsonReading const reading = impl::readJson(tree, text);
     if (reading == impl::JsonReading::refused) {
         impl::JsonInspector(text).reportFault(report);

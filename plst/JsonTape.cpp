@@ -1,4 +1,4 @@
-// Scanning onto the tape.
+// Scans JSON text onto a tape.
 #include "plst/JsonTape.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace nxPLST {
 
 using impl::Inside;
 
-/// Writes a tape; counts what each open container holds.
+/// Writes a tape; counts the content of each open container.
 class JsonTape::Sink {
 public:
     explicit Sink(JsonTape& tape) noexcept : tape_(tape) {}

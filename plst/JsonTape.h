@@ -1,4 +1,4 @@
-// A JSON text taken apart, for those who make something else of it than items.
+// A parsed JSON text, for readers that do not need items.
 #pragma once
 
 #include <cstdint>
@@ -13,10 +13,10 @@
 
 namespace nxPLST {
 
-/// The values of a JSON text in a row: each container before what it holds, each key before its value.
+/// The values of a JSON text in sequence: each container before its content, each key before its value.
 ///
-/// It has everything that the text says, nulls and repeated keys included. A value: copies share nothing but the text
-/// that was read, in which entries may lie. One thread at a time.
+/// Contains everything in the text, nulls and repeated keys included. A value: copies share only the text that was
+/// read, to which entries may point. One thread at a time.
 class NX_API JsonTape {
 public:
     enum class Kind : std::uint8_t { null, boolean, number, text, array, dictionary };
@@ -25,8 +25,8 @@ public:
     struct Entry {
         Kind kind = Kind::null;
         bool isTrue = false;       ///< of a boolean
-        bool isUnescaped = false;  ///< of a text that had escapes: it lies with the tape
-        std::uint32_t size = 0;    ///< of a text in bytes, of a container in elements or members
+        bool isUnescaped = false;  ///< for a text with escapes: its unescaped bytes lie in the tape
+        std::uint32_t size = 0;    ///< of a text in bytes; of a container in elements or members
         union {
             double number = 0;
             std::size_t place;  ///< of a text
@@ -34,11 +34,11 @@ public:
     };
 
     JsonTape() = default;
-    /// Charges what the tape takes: reading throws `ur::BudgetSpent` when that is too much. No account is null.
+    /// Charges the tape's memory: `read` throws `ur::BudgetSpent` beyond the limit. `account` may be null.
     explicit JsonTape(std::shared_ptr<ur::Account> account) : charge_(std::move(account), 0) {}
 
-    /// Takes apart the one value that is all of `text`, which lives as long as the texts of entries are asked for.
-    /// False for what `convertFromJSON` refuses, and from 4 GiB on; then there are no entries.
+    /// Parses `text`, which must be a single JSON value and must live while the texts of entries are used. False for
+    /// texts that `convertFromJSON` refuses, and from 4 GiB on; then there are no entries.
     bool read(std::string_view text);
 
     [[nodiscard]] ur::vector<Entry> const& entries() const noexcept { return entries_; }

@@ -1,4 +1,4 @@
-// Shape checks of items.
+// Checks the shapes of items.
 #include "plst/Parser.h"
 
 #include <algorithm>

@@ -1,19 +1,19 @@
-// The guard in front of the reading conversions: is the item of the shape that they trust?
+// Checks the shape of an item before it is converted.
 #pragma once
 
 #include "plst/casts.h"
 
 namespace nxPLST {
 
-/// Answers kind by kind whether an item has a shape, by result or, in throw mode, by throwing `false`.
+/// Checks whether an item has a given shape. Returns false if not or, in throw mode, throws `false`.
 ///
-/// Each successful down-cast is kept, so that asking again costs no cast and a derived reader can go on from it.
-/// A copy shares the item and has the same mode. One thread at a time.
+/// Keeps each successful down-cast, so that repeated checks need no cast and derived readers can continue from it. A
+/// copy shares the item and has the same mode. One thread at a time.
 class NX_API Parser {
 public:
-    /// No item; not in throw mode.
+    /// Without an item; not in throw mode.
     Parser() = default;
-    /// `examined` may be null: then every question is answered with false.
+    /// `examined` may be null: then every check fails.
     Parser(ur::Reference<Item const> examined, bool throws);
     Parser(Parser const& other);
     Parser& operator=(Parser const& other);
@@ -30,10 +30,10 @@ public:
     bool parseArray();
     bool parseDictionary();
 
-    /// Whether the item is an array of exactly `n` numbers. An element of another kind gives false without
-    /// throwing, in throw mode as well.
+    /// Whether the item is an array of exactly `n` numbers. An element of another kind returns false without throwing,
+    /// even in throw mode.
     bool parseNumericArray(int n);
-    /// The same for any number of elements, none included.
+    /// The same for any number of elements, including none.
     bool parseNumericArray();
 
 protected:

@@ -1,4 +1,4 @@
-// Reading, following and spelling paths.
+// Parses, follows and formats paths.
 #include "plst/Path.h"
 
 #include <algorithm>
@@ -19,10 +19,10 @@ bool isBare(char c) {
            static_cast<unsigned char>(c) >= 0x80;
 }
 
-/// Reads one path from front to back.
+/// Parses one path.
 class PathReader {
 public:
-    /// `takesAny`: whether `[*]` may be in it.
+    /// `takesAny`: whether `[*]` is allowed.
     PathReader(std::string_view text, std::string& error, bool takesAny)
         : text_(text), error_(error), takesAny_(takesAny) {}
 
@@ -68,7 +68,7 @@ private:
         return true;
     }
 
-    /// The escape sequences from here on, as the JSON text that they are.
+    /// The escape sequences from here on, read as JSON text.
     bool readEscapes(std::string& key) {
         std::size_t end = at_;
         while (end < text_.size() && text_[end] == '\\') end += text_.substr(end + 1).starts_with('u') ? 6 : 2;
@@ -181,7 +181,7 @@ ItemIn follow(ItemIn root, Path const& path, std::string& error) {
 
 ur::Reference<Item> at(ur::Reference<Item> const& root, std::string_view path) {
     ItemIn const found = at(ItemIn(root), path);
-    return ur::Reference<Item>(const_cast<Item*>(found.get()));  // of a tree that the caller may change
+    return ur::Reference<Item>(const_cast<Item*>(found.get()));  // the caller may change this tree
 }
 
 ItemIn at(ItemIn const& root, std::string_view path) {

@@ -1,4 +1,4 @@
-// Paths that name a place in a tree: .countries[3].name
+// Paths to values in a tree: .countries[3].name
 #pragma once
 
 #include <optional>
@@ -11,28 +11,28 @@
 
 namespace nxPLST {
 
-/// The keys and indexes from the root to a place. A negative index counts from the end.
+/// The keys and indexes from the root to a value. A negative index counts from the end.
 using Path = std::vector<std::variant<std::string, long>>;
 
-/// Nothing when `text` is no path; `error` then says why and where. The root is "."; keys of other characters than
-/// letters, digits, `_`, `-` and those beyond ASCII stand in quotes, with the escape sequences of JSON: `."two words"`
-/// or `["two words"]`.
+/// Empty when `text` is not a path; `error` then names the reason and the position. The root is "."; keys with
+/// characters other than letters, digits, `_`, `-` and non-ASCII characters are quoted, with JSON escape sequences:
+/// `."two words"` or `["two words"]`.
 [[nodiscard]] NX_API std::optional<Path> parsePath(std::string_view text, std::string& error);
 
-/// Paths, each from any child of what the one before it leads to.
+/// A sequence of paths; each starts from any child of the value that the previous one leads to.
 using Pattern = std::vector<Path>;
 
 /// The same for a path in which `[*]` may stand for every element or member: `.countries[*].name`.
 [[nodiscard]] NX_API std::optional<Pattern> parsePattern(std::string_view text, std::string& error);
-/// All values that the pattern fits, in the order of the tree. One that is in several places comes for each.
+/// All values that match the pattern, in tree order. A value that occurs several times is returned for each place.
 [[nodiscard]] NX_API std::vector<ur::Reference<Item const>> followAll(ur::Reference<Item const> const& root,
                                                                       Pattern const& pattern);
 
-/// The value at `path`, or null; `error` then names the first part that is not there.
+/// The value at `path`, or null; `error` then names the first missing part.
 [[nodiscard]] NX_API ur::Reference<Item const> follow(ur::Reference<Item const> root, Path const& path,
                                                       std::string& error);
 
-/// The value at a path; null when nothing is there, or `path` is none.
+/// The value at `path`; null when there is none, or when `path` is invalid.
 [[nodiscard]] NX_API ur::Reference<Item> at(ur::Reference<Item> const& root, std::string_view path);
 [[nodiscard]] NX_API ur::Reference<Item const> at(ur::Reference<Item const> const& root, std::string_view path);
 
@@ -41,9 +41,9 @@ template <impl::ItemReference T>
     return at(ur::Reference<impl::PlainItem<T>>(root), path);
 }
 
-/// A step of a path as it is spelled.
+/// The text of one step of a path.
 [[nodiscard]] NX_API std::string stepText(Path::value_type const& step);
-/// `.key`, quoted where a bare key would not read back.
+/// `.key`, quoted if a bare key could not be parsed again.
 [[nodiscard]] NX_API std::string keyText(std::string_view key);
 /// `[index]`.
 [[nodiscard]] NX_API std::string indexText(long index);

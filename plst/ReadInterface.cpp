@@ -21,7 +21,7 @@ namespace nxPLST {
 
 namespace {
 
-/// The item that the payload of a packet of this kind makes.
+/// The item of a packet of this kind.
 ur::Reference<Item> scalarFrom(ioReadContext& context, Type kind) {
     switch (kind) {
         case BoolType: return ur::make<Bool>(context.readBoolValue());
@@ -44,7 +44,7 @@ public:
         if (reader_) (reader_->*operation_)();
     }
 
-    /// Null when `type` reads something else than items.
+    /// Null when `type` does not read items.
     static PListPacket const* from(ioPacketType const* type) {
         return type && typeid(*type) == typeid(PListPacket) ? static_cast<PListPacket const*>(type) : nullptr;
     }
@@ -57,13 +57,13 @@ private:
     Type kind_;
 };
 
-/// Reads one item with all packets inside it. The containers that wait for their elements lie on a stack of its own,
-/// so that the depth of a tree does not matter.
+/// Reads one item with all nested packets. Keeps unfinished containers on its own stack, so that the depth of a tree
+/// does not matter.
 class ReadInterface::PacketWalk {
 public:
     explicit PacketWalk(ReadInterface& reader) : reader_(reader), context_(reader.context()) { kinds_.fill(noKind); }
 
-    /// The item that the next reference leads to.
+    /// The item of the next reference.
     ur::Reference<Item> item() { return run(); }
     /// Reads the rest of the packet that was opened for `container`, and completes it.
     void fill(ur::Reference<Item> container) {
@@ -76,11 +76,11 @@ private:
     struct Container {
         ur::Reference<Item> item;
         std::size_t missing;
-        ur::Reference<Item>* value;  ///< of a dictionary: where the next item goes, if its key was read
+        ur::Reference<Item>* value;  ///< in a dictionary: the place of the next item, after its key was read
         bool isDictionary;
 
         [[nodiscard]] bool needsKey() const { return isDictionary && !value; }
-        /// Makes a place for the next item. Writers put keys in ascending order; a repeated one keeps the later item.
+        /// Makes a place for the next item. Writers sort keys; the later item of a repeated key stays.
         void takeKey(std::string_view key) { value = &static_cast<Dictionary&>(*item).dictionary().ascending(key); }
     };
 
@@ -105,14 +105,14 @@ private:
         }
     }
 
-    /// What became of the next thing in a container.
+    /// The outcome of reading the next element or member.
     enum class Step {
-        other,    ///< it is none of the usual ones
-        taken,    ///< it was read whole
-        entered,  ///< it is the innermost container now
+        other,    ///< it is not a usual one
+        taken,    ///< it was read completely
+        entered,  ///< it is now the innermost container
     };
 
-    /// Reads on inside the outermost container as long as the bytes are of the usual kind, in the fewest steps.
+    /// Reads on quickly inside the outermost container as long as the bytes have the usual form.
     void readUsual() {
         ioReadContext::Cursor cursor(context_);
         for (Step step = Step::taken; step != Step::other && !open_.empty();) {
@@ -122,7 +122,7 @@ private:
         }
     }
 
-    // Both are `taken` when nothing is missing in the container any longer.
+    // Both are `taken` when the container is complete.
     Step readElements(ioReadContext::Cursor& cursor, Container& array) {
         auto& elements = static_cast<Array&>(*array.item).array();
         for (; array.missing > 0; --array.missing) {
@@ -182,7 +182,7 @@ private:
         return Step::taken;
     }
 
-    /// Notes the kind of the items whose packets begin with that byte. False when it begins something else.
+    /// Records the kind of the items whose packets begin with that byte. False when it begins something else.
     [[gnu::noinline]] bool learn(unsigned char first) {
         if (ioFormat::kindOf(first) != ioFormat::plainPacket) return false;
         unsigned const number = ioFormat::numberOf(first);
@@ -193,8 +193,8 @@ private:
         return true;
     }
 
-    /// Reads the packet that was opened, or makes its item the innermost container. True when a reference to it was
-    /// read as well, which gives `item`.
+    /// Reads the opened packet, or makes its item the innermost container. True when a reference to it was read as
+    /// well, which sets `item`.
     bool readPacket(ioPacketType& type, ur::Reference<Item>& item) {
         PListPacket const* const packet = PListPacket::from(&type);
         if (!packet || !packet->isFor(reader_)) {
@@ -230,7 +230,7 @@ private:
     }
 
     void push(ur::Reference<Item> container, std::size_t size) {
-        constexpr std::size_t believed = 8;  // the rest of what is announced gets room as it comes
+        constexpr std::size_t believed = 8;  // reserves at most this many; more room is made as elements arrive
         bool const isDictionary = container->type() == DictionaryType;
         if (isDictionary) {
             static_cast<Dictionary&>(*container).dictionary().reserve(std::min(size, believed));
@@ -250,7 +250,7 @@ private:
         }
     }
 
-    /// The innermost container, complete.
+    /// Removes and returns the innermost container, which is complete.
     ur::Reference<Item> finishInnermost() {
         Container& innermost = open_.top();
         if (!innermost.isDictionary) static_cast<Array&>(*innermost.item).array().shrink_to_fit();
@@ -264,8 +264,8 @@ private:
     ReadInterface& reader_;
     ioReadContext& context_;
     impl::ItemSource items_;
-    std::array<unsigned char, 256> kinds_;  ///< by the first byte of their packets; `noKind` where not learned
-    std::size_t outermost_ = 0;             ///< how many containers stay open until the end
+    std::array<unsigned char, 256> kinds_;  ///< by the first byte of their packets; `noKind` if unknown
+    std::size_t outermost_ = 0;             ///< the number of containers that stay open until the end
     impl::ScratchStack<Container> open_;
 };
 

@@ -17,9 +17,9 @@ namespace nxPLST {
 
 /// Reads item references from the innermost packet of a context.
 ///
-/// For packet formats that hold items among other things; a file written by `nxPLST::write` is read by
-/// `nxPLST::read`. It holds every item that it has created, so that later references find them; a copy shares them.
-/// Trees of any depth. Its context outlives it; one thread at a time.
+/// For packet formats that contain items among other data; to read a file from `nxPLST::write`, use `nxPLST::read`.
+/// Holds every item that it has created, so that later references find them; a copy shares them. Trees of any depth.
+/// The context must outlive it; one thread at a time.
 class NX_API ReadInterface : public ioClientReadContext {
 public:
     explicit ReadInterface(ioReadContext& context);
@@ -27,7 +27,7 @@ public:
     ReadInterface& operator=(ReadInterface const&) = delete;
     ~ReadInterface() override;
 
-    /// Null for a null reference and after a fault. A reference to something that is no item is a fault.
+    /// Null for a null reference and after a fault. A reference to an object that is not an item is a fault.
     [[nodiscard]] ur::Reference<Item> readItem();
     // The same; null when the item is of another class.
     [[nodiscard]] ur::Reference<Array> readArray();
@@ -36,8 +36,8 @@ public:
     [[nodiscard]] ur::Reference<Double> readDouble();
     [[nodiscard]] ur::Reference<String> readString();
 
-    /// Adds the packet types of the five kinds of items, to be read by `reader`. It may be null in a registry that
-    /// only serves writing, and otherwise lives as long as the registry is in use.
+    /// Adds the packet types of the five kinds of items, which `reader` reads. `reader` may be null in a registry used
+    /// only for writing; otherwise it must live as long as the registry is in use.
     static void registerTypes(ioPacketRegistry& registry, ReadInterface* reader);
 
 private:
@@ -51,7 +51,7 @@ private:
     void readDictionaryPacket();
     void complete(ur::Reference<Item> item);
 
-    std::deque<ur::Reference<Item>> items_;  ///< in the order in which their packets were completed
+    std::deque<ur::Reference<Item>> items_;  ///< in the order in which their packets end
 };
 
 }  // namespace nxPLST

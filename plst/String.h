@@ -10,12 +10,12 @@
 
 namespace nxPLST {
 
-/// A text of bytes, in UTF-8 wherever the framework fills it. NUL bytes are text like any other.
+/// A text of bytes, in UTF-8 wherever the framework fills it. It may contain NUL bytes.
 class NX_API String final : public Item {
 public:
     explicit String(urString::CString const& value) : Item(StringType), value_(value) {}
     explicit String(urString::CString&& value) noexcept : Item(StringType), value_(std::move(value)) {}
-    /// A view as it is; what only converts to one makes a CString.
+    /// Takes a string_view exactly; types that only convert to one use the CString constructor.
     template <std::same_as<std::string_view> View>
     explicit String(View value) : Item(StringType), value_(value) {}
     ~String() override = default;

@@ -11,15 +11,15 @@
 
 namespace nxPLST {
 
-/// Writes an item's packet with all packets inside it. The containers that are being written lie on a stack of its
-/// own, so that the depth of a tree does not matter.
+/// Writes an item's packet with all nested packets. Keeps unfinished containers on its own stack, so that the depth of
+/// a tree does not matter.
 class WriteInterface::PacketWalk {
 public:
     PacketWalk(ioWriteContext& context, Sharing sharing) : context_(context), sharing_(sharing) {
         types_.fill(ioPacketTypeId::none);
     }
 
-    /// Requires: the root's packet has not been written.
+    /// Requires: the root's packet is not written yet.
     void write(Item const& root) {
         begin(root, &root);
         while (!open_.empty() && context_.getStatus() == 0) {
@@ -30,7 +30,7 @@ public:
     }
 
 private:
-    /// The children of an open container that are still to come.
+    /// The remaining children of an open container.
     struct Container {
         ur::Reference<Item> const* element = nullptr;
         ur::Reference<Item> const* lastElement = nullptr;
@@ -45,11 +45,11 @@ private:
         [[nodiscard]] bool atEnd() const { return element == lastElement && entry == lastEntry; }
     };
 
-    /// What became of a child.
+    /// The outcome of writing a child.
     enum class Step {
-        other,    ///< it is none of the usual ones
+        other,    ///< it is not a usual one
         written,  ///< it is complete
-        entered,  ///< it is the innermost container now
+        entered,  ///< it is now the innermost container
     };
 
     /// Writes the next child of the innermost container, or its end.
@@ -67,9 +67,9 @@ private:
         }
     }
 
-    // The usual: what nothing else refers to, with short texts -----------------------------------------------------
+    // The usual case: items with one holder and short texts ---------------------------------------------------------
 
-    /// Writes on inside the root as long as what comes is usual and the buffer has room, in the fewest steps.
+    /// Writes on quickly inside the root as long as the children are usual and the buffer has room.
     void writeUsual() {
         ioWriteContext::Cursor cursor(context_);
         for (Step step = Step::written; step != Step::other;) {
@@ -79,7 +79,7 @@ private:
         }
     }
 
-    // Both are `written` when there are no further children.
+    // Both are `written` when no child is left.
     Step writeElements(ioWriteContext::Cursor& cursor, Container& array) {
         while (array.element != array.lastElement) {
             Item const* const child = array.element++->get();
@@ -102,7 +102,7 @@ private:
         return Step::written;
     }
 
-    /// Writes the name before the child, if at all.
+    /// Writes the name before the child, if there is one.
     template <class Name>
     Step writeUsual(ioWriteContext::Cursor& cursor, Item const* child, Name name) {
         if (!cursor.hasRoom() || !child || child->referenceCount() > 1) return Step::other;
@@ -148,7 +148,7 @@ private:
         return Step::written;
     }
 
-    /// With which byte the packet of an item that nothing refers to begins; 0 if it is not that simple.
+    /// The first byte of the packet of an item with one holder; 0 if the packet has no such simple form.
     unsigned char firstByteOf(Type kind) {
         unsigned char& first = firstBytes_[static_cast<std::size_t>(kind)];
         if (first == 0) [[unlikely]]
@@ -169,7 +169,7 @@ private:
         if (!visitScalar(item, write)) begin(item, nullptr);
     }
 
-    /// Begins the packet and writes the payload, of a container only its size. True when the payload is complete.
+    /// Begins the packet and writes the payload, for a container only its size. True when the payload is complete.
     bool begin(Item const& item, void const* object) {
         auto const start = [&](auto value) {
             if (object) {
@@ -189,12 +189,12 @@ private:
             start(static_cast<int>(entries.size()));
             open_.push(static_cast<Dictionary const&>(item));
         } else {
-            context_.writeReference(&item, 0);  // an item of no known kind has no packet: the reference is refused
+            context_.writeReference(&item, 0);  // an item of an unknown kind has no packet: the reference is refused
         }
         return false;
     }
 
-    /// False when the item has children, or is of no kind that can be written.
+    /// False when the item has children, or is of an unknown kind.
     template <class Visit>
     static bool visitScalar(Item const& item, Visit visit) {
         switch (item.type()) {
@@ -214,7 +214,7 @@ private:
     ioWriteContext& context_;
     Sharing sharing_;
     std::array<ioPacketTypeId, impl::packetNames.size()> types_;
-    std::array<unsigned char, impl::packetNames.size()> firstBytes_{};  ///< where known, otherwise 0
+    std::array<unsigned char, impl::packetNames.size()> firstBytes_{};  ///< 0 where unknown
     impl::ScratchStack<Container> open_;
 };
 

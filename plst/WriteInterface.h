@@ -11,10 +11,10 @@
 
 namespace nxPLST {
 
-/// Writes item references into the open packet of a context, each item's own packet before its first reference.
+/// Writes item references into the open packet of a context; an item's packet precedes its first reference.
 ///
-/// For packet formats that hold items among other things; a whole file of one item is written by `nxPLST::write`.
-/// The items must live until the file ends. Trees of any depth. Its context outlives it; one thread at a time.
+/// For packet formats that contain items among other data; to write a file with one item, use `nxPLST::write`. The
+/// items must live until the file ends. Trees of any depth. The context must outlive it; one thread at a time.
 class NX_API WriteInterface : public ioClientWriteContext {
 public:
     explicit WriteInterface(ioWriteContext& context) noexcept : ioClientWriteContext(context) {}
@@ -27,13 +27,13 @@ public:
     void writeDouble(ur::Reference<Double const> item);
     void writeString(ur::Reference<String const> item);
 
-    /// The same in less time and space, for a tree that shares no item with what else is written: items with one holder
+    /// The same with less time and space, for a tree that shares no item with other written data: items with one holder
     /// are then not remembered, and `isReferenceDefined` does not know them.
     void writeSeparateTree(ur::Reference<Item const> root);
 
 private:
     class PacketWalk;
-    /// What items of a tree may be referred to from.
+    /// Where references to the items of a tree may occur.
     enum class Sharing { withAnything, withinTree };
 
     void writeReferenceTo(Item const* item, Sharing sharing);

@@ -4,7 +4,7 @@
 namespace nxPLST {
 namespace {
 
-/// The classes are final, so comparing class identities says the same as a dynamic cast and costs less.
+/// The classes are final, so comparing class identities is equivalent to a dynamic cast and costs less.
 template <class To, class From>
 ur::Reference<To> cast(ur::Reference<From>& item) {
     if (!item || typeid(*item) != typeid(To)) return nullptr;

@@ -1,4 +1,4 @@
-// Checked down-casts of items. None converts: a number is not a truth value here.
+// Checked down-casts of items. They do not convert: a number is not a boolean.
 #pragma once
 
 #include <concepts>
@@ -33,7 +33,7 @@ using PlainItem = std::conditional_t<std::convertible_to<T const&, ur::Reference
 
 }  // namespace impl
 
-// The same from references to items of one class, from new items and from null.
+// The same for references to items of one class, for new items and for null.
 
 template <impl::ItemReference T>
 auto asArray(T const& item) {

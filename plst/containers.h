@@ -24,7 +24,7 @@ namespace nxPLST {
 
 namespace impl {
 
-/// Null for other items than containers of this kind.
+/// Null for items that are not containers of this kind.
 template <class Container>
 Container const* containerIn(ur::Reference<Item const> const& item, Type type) {
     return item && item->type() == type ? static_cast<Container const*>(item.get()) : nullptr;
@@ -151,7 +151,7 @@ void convert(std::map<Key, T, Less>& out, ur::Reference<Item const> item) {
     out = std::move(read);
 }
 
-/// A value without a name gives null.
+/// A value without a name becomes null.
 template <ur::NamedEnum T>
 void convert(ur::Reference<Item>& out, T value) {
     std::string_view const name = ur::nameOf(value);

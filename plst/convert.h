@@ -1,4 +1,4 @@
-// Values of the framework's types as items, and back.
+// Converts values of the framework's types to items and back.
 #pragma once
 
 #include <string>
@@ -18,7 +18,7 @@
 
 namespace nxPLST {
 
-/// How many numbers are in the array that is the item of a T; 0 for types whose item is no array of numbers.
+/// The number of elements in the numeric array of a T; 0 for types that are not such arrays.
 template <class T>
 inline constexpr int arrayLength = 0;
 template <>
@@ -42,8 +42,8 @@ inline constexpr int arrayLength<nxSupport::BoundedDouble> = 3;  // value, minim
 template <>
 inline constexpr int arrayLength<nxSupport::BoundedInt> = 3;
 
-// To an item. `out` becomes a new item of the type's one shape and lets its former item go. An IString becomes a text
-// in UTF-8, a null pointer the empty text, an item a private deep copy; null stays null.
+// To an item. `out` receives a new item in the type's only shape and releases its former item. An IString becomes UTF-8
+// text, a null pointer the empty text, an item a deep copy; null stays null.
 
 NX_API void convert(ur::Reference<Item>& out, int value);
 NX_API void convert(ur::Reference<Item>& out, float value);
@@ -65,18 +65,17 @@ NX_API void convert(ur::Reference<Item>& out, urUtil::Color8 const& value);
 NX_API void convert(ur::Reference<Item>& out, nxSupport::BoundedDouble const& value);
 NX_API void convert(ur::Reference<Item>& out, nxSupport::BoundedInt const& value);
 NX_API void convert(ur::Reference<Item>& out, ur::Reference<Item const> value);
-/// Other pointers would all be true.
+/// Other pointers would all become true.
 template <class T>
 void convert(ur::Reference<Item>& out, T const* value) = delete;
 
-// From an item. An item of another shape, or null, leaves `out` as it was.
+// From an item. An item of another shape, or null, leaves `out` unchanged.
 //
-// Arrays may be longer than what is read of them. A number becomes an integer by dropping its fraction; beyond the
-// integer's range it becomes the nearest end of it, and not-a-number leaves `out` as it was. A truth value is also
-// read from a number: true when it is not 0. Of a Color8's channels the low eight bits of the integer count,
-// however large it is; one that is not finite leaves `out` as it was. A matrix is read from twelve numbers, or from
-// three or four rows of at least four numbers each, of which the first three are the rows of the three-by-four
-// matrix whose columns are the stored groups.
+// Arrays may be longer than needed. A number becomes an integer without its fraction; outside the integer's range it
+// becomes the nearest limit, and NaN leaves `out` unchanged. A boolean can also be read from a number: true when it is
+// not 0. A Color8 channel takes the low eight bits of the integer, however large; a channel that is not finite leaves
+// `out` unchanged. A matrix is read from twelve numbers, or from three or four rows of at least four numbers each; the
+// first three are the rows of the three-by-four matrix whose columns are the stored groups.
 
 NX_API void convert(int& out, ur::Reference<Item const> item);
 NX_API void convert(float& out, ur::Reference<Item const> item);
@@ -96,8 +95,8 @@ NX_API void convert(urUtil::Color8& out, ur::Reference<Item const> item);
 NX_API void convert(nxSupport::BoundedDouble& out, ur::Reference<Item const> item);
 NX_API void convert(nxSupport::BoundedInt& out, ur::Reference<Item const> item);
 
-// To a typed reference: null when the item is null or of another kind. The forms to constant items share the item
-// read, except that a dictionary is always a private deep copy; so are all forms to items that may be changed.
+// To a typed reference: null when the item is null or of another kind. The forms for const items share the source item,
+// except that a dictionary is always copied deeply; the forms for mutable items always copy deeply.
 
 NX_API void convert(ur::Reference<Item const>& out, ur::Reference<Item const> item);
 NX_API void convert(ur::Reference<Array>& out, ur::Reference<Item const> item);

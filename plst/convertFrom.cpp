@@ -1,4 +1,4 @@
-// Items to values.
+// Converts items to values.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -13,14 +13,14 @@ namespace {
 
 using ItemIn = ur::Reference<Item const>;
 
-/// `value` without its fraction, brought into the range of an int; nothing for not-a-number.
+/// `value` without its fraction, clamped to the range of an int; empty for NaN.
 std::optional<int> truncated(double value) {
     using Limits = std::numeric_limits<int>;
     if (std::isnan(value)) return std::nullopt;
     return static_cast<int>(std::clamp(value, double(Limits::min()), double(Limits::max())));
 }
 
-/// The low eight bits of `value` without its fraction; nothing when it is not finite.
+/// The low eight bits of `value` without its fraction; empty when it is not finite.
 std::optional<unsigned char> lowByte(double value) {
     auto const low = truncated(std::fmod(value, 256.0));
     return low ? std::optional(static_cast<unsigned char>(*low)) : std::nullopt;
@@ -31,7 +31,7 @@ std::optional<double> number(Item const* item) {
     return static_cast<Double const*>(item)->value();
 }
 
-/// The first N numbers of an array that begins with as many.
+/// The first N numbers of an array that starts with N numbers.
 template <std::size_t N>
 std::optional<std::array<double, N>> numbers(Item const* item) {
     if (!item || item->type() != ArrayType) return std::nullopt;
@@ -71,7 +71,7 @@ void readRows(urLinear::AffineMatrix& out, Array const& rows) {
     out = read;
 }
 
-/// A deep copy when the item is of the kind wanted; nothing is copied when it is not.
+/// A deep copy if the item has the wanted kind; otherwise copies nothing.
 template <class Kind, ur::Reference<Kind> (*as)(ur::Reference<Item>), ur::Reference<Kind const> (*asConst)(ItemIn)>
 ur::Reference<Kind> privateCopy(ItemIn const& item) {
     return asConst(item) ? as(item->clone()) : nullptr;

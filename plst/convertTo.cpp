@@ -1,4 +1,4 @@
-// Values to items.
+// Converts values to items.
 #include <array>
 #include <concepts>
 #include <span>

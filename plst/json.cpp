@@ -1,4 +1,4 @@
-// The functions of the JSON bridge over its readers and writers.
+// Implements the JSON functions on top of the readers and writers.
 #include "plst/json.h"
 
 #include <utility>

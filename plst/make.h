@@ -1,4 +1,4 @@
-// Building trees of items in place, and reading values out of them.
+// Builds trees of items in place, and reads values from them.
 #pragma once
 
 #include <concepts>
@@ -12,13 +12,13 @@
 
 namespace nxPLST {
 
-/// The new item of a value.
+/// A new item for a value.
 template <class T>
 [[nodiscard]] ur::Reference<Item> itemOf(T const& value) {
     return impl::converted(value);
 }
 
-/// Whatever can become an item: a value of a type that has a shape, an item, or values in braces, which make an array.
+/// Anything that can become an item: a value of a type with a shape, an item, or values in braces, which form an array.
 class Value {
 public:
     template <class T>
@@ -36,7 +36,7 @@ private:
     ur::Reference<Item> item_;
 };
 
-/// A new array of these, which are taken as they are: items are shared, not copied.
+/// A new array of these elements; items are shared, not copied.
 [[nodiscard]] inline ur::Reference<Array> array(std::initializer_list<Value> elements) {
     auto result = ur::make<Array>();
     result->array().reserve(elements.size());
@@ -44,8 +44,8 @@ private:
     return result;
 }
 
-/// A new dictionary of these, of which null ones are left out:
-/// `dictionary({{"name", "desk"}, {"size", 1.5}, {"at", {1, 2, 3}}})`. Of a repeated key, the last value stays.
+/// A new dictionary of these entries, without null values: `dictionary({{"name", "desk"}, {"size", 1.5}, {"at", {1, 2,
+/// 3}}})`. The last value of a repeated key stays.
 [[nodiscard]] inline ur::Reference<Dictionary> dictionary(
     std::initializer_list<std::pair<urString::CString, Value>> members) {
     auto result = ur::make<Dictionary>();
@@ -67,7 +67,7 @@ template <class T>
     return fallback;
 }
 
-/// The value under a key, or `fallback` when there is none of that shape: `get<double>(settings, "size", 1.0)`.
+/// The value under a key, or `fallback` if none has that shape: `get<double>(settings, "size", 1.0)`.
 template <class T>
 [[nodiscard]] T get(ur::Reference<Dictionary const> const& dictionary, std::string_view key, T fallback = T()) {
     if (!dictionary) return fallback;

@@ -1,4 +1,4 @@
-// Items in files of packets.
+// Reads and writes packet files of items.
 #include "plst/packets.h"
 
 #include <memory>
@@ -67,7 +67,7 @@ private:
     ur::Reference<Item> item_;
 };
 
-/// The verdict on a stream that was closed with `error`.
+/// Fills the report after the stream was closed with `error`; true on success.
 bool conclude(PacketReport& report, urUtil::Error const& error) {
     report.error = error;
     if (report.status == 0 && error.isError()) report.status = static_cast<int>(ioStatus::streamFailed);

@@ -1,4 +1,4 @@
-// Items in files of packets.
+// Reads and writes packet files of items.
 #pragma once
 
 #include <cstdint>
@@ -14,23 +14,23 @@ class IOStream;
 
 namespace nxPLST {
 
-/// How the writing or reading of a packet file went.
+/// The outcome of writing or reading a packet file.
 struct PacketReport {
-    int status = 0;              ///< one of `ioStatus`; 0 when all went well
-    std::uint64_t position = 0;  ///< bytes into the file at the end, or where the fault was found
-    urUtil::Error error;         ///< what the stream said, if it failed
+    int status = 0;              ///< one of `ioStatus`; 0 on success
+    std::uint64_t position = 0;  ///< the bytes from the start of the file to its end, or to the fault
+    urUtil::Error error;         ///< the stream's error, if it failed
 };
 
-/// Writes a file of packets that holds `item`, or no packet for null. Items with several holders are written once.
-/// Whether an item has several holders, in the tree or elsewhere, shows in the bytes: equal trees may give different
-/// ones. False when the stream failed, or when an item is inside itself or of no known kind. Texts and keys are cut at
-/// their first NUL.
+/// Writes a packet file with `item`, or without packets for null. Items with several holders are written once. The
+/// bytes depend on whether items have several holders, in the tree or elsewhere: equal trees may give different bytes.
+/// False when the stream failed, or when an item contains itself or is of an unknown kind. Texts and keys end at their
+/// first NUL.
 [[nodiscard]] NX_API bool write(urOS::IOStream& stream, ur::Reference<Item const> item);
 [[nodiscard]] NX_API bool write(urOS::IOStream& stream, ur::Reference<Item const> item, PacketReport& report);
 
-/// Reads what `write` has written. False when the stream failed or its bytes are no complete packet file; `item` is
-/// then what had been read whole, or null. A tree of unknown origin may share items so often that no copy of it fits
-/// into memory: plst/Expansion.h tells. May take what follows the file from the stream, but never waits for it.
+/// Reads a file from `write`. False when the stream failed or its bytes are not a complete packet file; `item` is then
+/// the part read completely, or null. A tree from an untrusted source may share items so often that no copy of it fits
+/// into memory: see plst/Expansion.h. May consume bytes after the file, but never waits for them.
 [[nodiscard]] NX_API bool read(urOS::IOStream& stream, ur::Reference<Item>& item);
 [[nodiscard]] NX_API bool read(urOS::IOStream& stream, ur::Reference<Item>& item, PacketReport& report);
 

@@ -1,4 +1,4 @@
-// Which items the conversions read as a given type.
+// The shapes of items that conversions accept for a type.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 namespace nxPLST {
 
 /// The shape in which a T is written: `static bool matches(ur::Reference<Item const> const& item)`, false for null
-/// unless a T may be none. Types that have one are those of plst/convert.h and plst/containers.h.
+/// unless a T may be empty. The types of plst/convert.h and plst/containers.h have one.
 template <class T>
 struct Shape;
 
@@ -20,7 +20,7 @@ concept Shaped = requires {
     sizeof(Shape<T>);
 };
 
-/// Whether an item has exactly the shape that a T is written in.
+/// Whether an item has exactly the shape in which a T is written.
 template <Shaped T>
 [[nodiscard]] bool hasShape(ur::Reference<Item const> const& item) {
     return Shape<T>::matches(item);

@@ -102,13 +102,10 @@ bool fillTable(lua_State* state) {
 
 urString::CString luaFunctionStubs() {
     urString::CString text = "nx = {}\n";
-    for (Entry const& entry : functions)
-        text.append(entry.annotations)
-            .append("function nx.")
-            .append(entry.name)
-            .append("(")
-            .append(entry.parameters)
-            .append(") end\n");
+    for (Entry const& entry : functions) {
+        text.append(entry.annotations).append("function nx.").append(entry.name);
+        text.append("(").append(entry.parameters).append(") end\n");
+    }
     return text;
 }
 

@@ -1,4 +1,4 @@
-// Calls with hooks, deferred calls, and pointers as text.
+// Tests calls with hooks, deferred calls, and pointers as text.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -56,7 +56,7 @@ struct DynamicCall : testing::Test {
 
 TEST_F(DynamicCall, ShowsHooksTheCallBeforeAndAfter) {
     sum->setHooks(ur::make<Recorder>());
-    auto const copy = ur::make<Sum>(*sum);  // shares them
+    auto const copy = ur::make<Sum>(*sum);  // shares the hooks
     EXPECT_EQ(valueOf(*copy->call(args)), 13);
     sum->setHooks(nullptr);
     copy->clearHooks();
@@ -83,12 +83,12 @@ TEST_F(DynamicCall, KeepsHooksAndFunctionAliveWhileItRunsAndWhenItThrows) {
     EXPECT_EQ(log, "pre sum;call 23;gone;");
 }
 
-TEST_F(DynamicCall, RunsADeferredCallWhenItsLastTakerGoes) {
+TEST_F(DynamicCall, RunsADeferredCallWhenItsLastOwnerIsDestroyed) {
     {
         Invocation const first(sum.get(), args);
         EXPECT_TRUE(args.empty());
         Invocation const second(first);  // NOLINT(performance-unnecessary-copy-initialization)
-        Invocation const third(first);   // NOLINT(performance-unnecessary-copy-initialization): takes nothing
+        Invocation const third(first);   // NOLINT(performance-unnecessary-copy-initialization): the source is empty
         EXPECT_EQ(log, "");
     }
     EXPECT_EQ(log, "call 3;");

@@ -3,8 +3,7 @@
 
 #include "foundation/ur/Export.h"
 
-/// The state of a packet context: `ok` until the first fault, which then stays. After a fault it reads and writes
-/// nothing.
+/// The state of a packet context: `ok` until the first fault, which stays. After it, nothing is read or written.
 enum class ioStatus : int {
     ok = 0,
     streamFailed = 1,         ///< the stream reported an error

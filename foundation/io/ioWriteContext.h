@@ -165,7 +165,7 @@ public:
         }
         to_ = putMark(to_, ioFormat::referredEndMark);
     }
-    /// Begins such a packet with one value more: the number of things in it.
+    /// Begins such a packet with one more value: its number of elements.
     void enter(unsigned char first, int size) {
         *to_++ = static_cast<char>(first);
         to_ = putValue(to_, size);

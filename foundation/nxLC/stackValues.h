@@ -12,8 +12,7 @@ namespace nxLC {
 /// Appends the Lua values from index `first` up to the top to `stack`. They stay on the Lua stack.
 NX_API void readFromLua(lua_State* state, nxRFL::Stack& stack, int first);
 
-/// Pushes all items of `stack` and returns their number. If there are many, the caller first makes room on the Lua
-/// stack.
+/// Pushes all items of `stack` and returns their number. For many, the caller first makes room on the Lua stack.
 NX_API int writeToLua(lua_State* state, nxRFL::Stack const& stack);
 
 }  // namespace nxLC

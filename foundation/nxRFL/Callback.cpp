@@ -1,4 +1,4 @@
-// Calls that cannot fail their caller.
+// Calls functions and passes their errors to a handler.
 #include "foundation/nxRFL/Callback.h"
 
 #include "foundation/nxRFL/Database.h"

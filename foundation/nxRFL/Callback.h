@@ -1,4 +1,4 @@
-// Calling a script function from native code.
+// Calls a script function from native code.
 #pragma once
 
 #include "foundation/nxRFL/Exception.h"
@@ -6,20 +6,20 @@
 
 namespace nxRFL {
 
-/// Calls a function whose errors its caller does not want: they go to the database's error handler.
+/// Calls a function whose errors the caller does not handle: they go to the database's error handler.
 ///
-/// Keeps the function alive. A script's function does nothing once its script state has closed.
+/// Keeps the function alive. A script function does nothing once its script state has closed.
 class NX_API Callback {
 public:
-    /// `function` may be null: then nothing is called.
+    /// If `function` is null, calls do nothing.
     explicit Callback(ur::Reference<Function> function) noexcept : function_(std::move(function)) {}
 
     [[nodiscard]] ur::Reference<Function> const& function() const noexcept { return function_; }
 
-    /// False, and `results` without items, when the function fails or there is none that can run.
+    /// False, and `results` empty, when the function fails or no function can run.
     bool call(Stack const& arguments, Stack& results) const;
 
-    /// What becomes of an error: `Database::reportError`.
+    /// Passes an error to `Database::reportError`.
     void callHandler(Exception const& error) const;
 
 private:

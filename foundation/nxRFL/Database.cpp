@@ -1,4 +1,4 @@
-// Registration, look-up, and finding the class of an object.
+// Registers and looks up classes, and finds the class of an object.
 #include "foundation/nxRFL/Database.h"
 
 #include <cstdio>
@@ -68,7 +68,7 @@ Database::Resolved Database::resolve(Object const& object) const {
     return result;
 }
 
-/// `exact` is the class of the object's own type, if there is one.
+/// `exact` is the class of the object's own type, or null.
 Database::Resolved Database::nearest(Class const& declared, void* object, Class const* exact) {
     for (Class const* const derived : declared.derived_) {
         if (exact && !exact->isA(*derived)) continue;

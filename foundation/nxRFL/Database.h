@@ -1,4 +1,4 @@
-// Everything that scripts can see of native code.
+// The native classes and functions that scripts can see.
 #pragma once
 
 #include <functional>
@@ -11,21 +11,21 @@
 
 namespace nxRFL {
 
-/// The classes and tables of functions that native code has registered, in the order of their registration.
+/// The registered classes and tables of functions, in order of registration.
 ///
-/// The host owns it, and it outlives every script state that is bound to it. What is registered stays, at its place in
-/// memory. From the start it knows "nxRFL::Class", "nxRFL::Stack" and "nxRFL::IteratorState". One thread at a time.
+/// The host owns it, and it outlives every script state bound to it. Registrations are permanent and keep their
+/// addresses. A new database contains "nxRFL::Class", "nxRFL::Stack" and "nxRFL::IteratorState". One thread at a time.
 class NX_API Database {
 public:
-    /// Functions that scripts find under one name; those of the empty name are global.
+    /// A named group of functions; those with an empty group name are global.
     struct Table {
         urString::CString name;
         MemberList functions;
     };
-    /// An object together with the class that scripts see it as.
+    /// An object and the class that scripts see it as.
     struct Resolved {
         Class const* objectClass;
-        void* pointer;  ///< to the object as one of that class
+        void* pointer;  ///< the object as an instance of that class
     };
 
     Database();
@@ -33,31 +33,31 @@ public:
     Database& operator=(Database const&) = delete;
     ~Database();
 
-    /// Null when no class is registered under that name, or for that type.
+    /// Null when no class has that name or type.
     [[nodiscard]] Class* getClass(urString::CString const& name) const noexcept;
     [[nodiscard]] Class* getClass(ur::TypeInfo type) const noexcept;
-    /// Takes the class over and gives it back, or the one that has its name already.
+    /// Takes ownership of the class and returns it. If its name exists already, returns the existing class.
     Class& addClass(std::unique_ptr<Class> added);
     [[nodiscard]] ur::vector<std::unique_ptr<Class>> const& classes() const noexcept { return classes_; }
 
-    /// Null when there is no such table.
+    /// Null when no table has that name.
     [[nodiscard]] Table* getTable(urString::CString const& name) const noexcept;
-    /// A new one when there is none of that name.
+    /// Returns the table of that name; creates it if needed.
     Table& addTable(urString::CString const& name);
     [[nodiscard]] ur::vector<std::unique_ptr<Table>> const& tables() const noexcept { return tables_; }
 
-    /// The class by which scripts know an object: that of its own type if that is registered, else the nearest one
-    /// that is, as `Class::setHasHiddenSubclasses` says. Raises when the type of the handle itself is not registered.
-    /// Requires: `object` is not null.
+    /// The class that scripts see for an object: the class of its own type if registered, otherwise the nearest
+    /// registered one, as `Class::setHasHiddenSubclasses` says. Raises when the type of the handle itself is not
+    /// registered. Requires: `object` is not null.
     [[nodiscard]] Resolved resolve(Object const& object) const;
 
-    /// The name of a class in signatures: the registered one, or else as it reads in source.
+    /// The name of a class in signatures: its registered name, otherwise its name in source.
     [[nodiscard]] urString::CString nameOf(ur::TypeInfo type) const;
 
-    /// On which the script states that are bound to the database, and what scripts make, count their memory.
+    /// Counts the memory of the bound script states and of what scripts create.
     [[nodiscard]] std::shared_ptr<ur::Account> const& account() const noexcept { return account_; }
 
-    /// Is told of errors in script functions that native code called. The default prints them on the standard error.
+    /// The handler receives errors in script functions that native code called. By default they go to standard error.
     void setErrorHandler(std::function<void(Exception const&)> handler);
     void reportError(Exception const& error) const;
 

@@ -1,4 +1,4 @@
-// The error that is raised toward scripts.
+// The error that native functions and scripts exchange.
 #pragma once
 
 #include <exception>
@@ -9,10 +9,10 @@
 
 namespace nxRFL {
 
-/// Tells a script's author what went wrong in a reflected call. A value: copies share nothing.
+/// Describes to a script's author what went wrong in a reflected call. A value: copies share nothing.
 ///
-/// A native function throws it to fail the script that called it; an error of a script reaches native callers as
-/// one, together with the script's stack.
+/// A native function throws it to fail the script that called it. An error of a script reaches native callers as this
+/// exception, with the script's stack.
 class NX_API Exception : public std::exception {
 public:
     explicit Exception(urString::CString message, urString::CString trace = {}) noexcept
@@ -20,7 +20,7 @@ public:
     ~Exception() override = default;
 
     [[nodiscard]] urString::CString const& message() const noexcept { return message_; }
-    /// The calls that led to it, one a line, when it was raised inside a script; otherwise empty.
+    /// The calls that led to the error, one per line, if it was raised inside a script; otherwise empty.
     [[nodiscard]] urString::CString const& trace() const noexcept { return trace_; }
     [[nodiscard]] char const* what() const noexcept override { return message_.c_str(); }
 

@@ -1,4 +1,4 @@
-// Registering a class by its native functions, one line each.
+// Registers a class and its native functions, one line each.
 #pragma once
 
 #include "foundation/nxRFL/ExposeClassBase.h"
@@ -6,14 +6,14 @@
 
 namespace nxRFL {
 
-/// A class whose objects can be charged with what they own; see `Class::setCharge`.
+/// A class whose objects can be charged for what they own; see `Class::setCharge`.
 template <class T>
 concept Charged = requires(T& object, std::shared_ptr<ur::Account> const& account) {
     object.chargeTo(account);
 };
 
-/// Enters T in a database. Whatever can be called with a T& or T* first is a method: a member function, also of a base
-/// of T, a plain function or a lambda. Each call gives the same object back, so that they can be chained.
+/// Registers T in a database. Methods are callables whose first argument can be a T& or T*: member functions, also of
+/// bases of T, plain functions and lambdas. Each call returns *this, so that calls can be chained.
 ///
 ///     ExposeClass<Request>(database, "nxNet::Request")
 ///         .addProperty("url", &Request::getUrl, &Request::setUrl)
@@ -44,7 +44,7 @@ public:
         ExposeClassBase::addBase(*getDB().getClass(ur::TypeInfo::of<Base>()), toBase, toThis);
         return *this;
     }
-    /// `parameters` are those behind the object: `addMethod("resize", &Brush::resize, {"width", {"depth", 1.0}})`.
+    /// `parameters` excludes the object: `addMethod("resize", &Brush::resize, {"width", {"depth", 1.0}})`.
     template <class Method>
     ExposeClass& addMethod(urString::CString const& name, Method method, Parameters parameters = {}) {
         ExposeClassBase::addMethod(name, make(std::move(method), parameters));
@@ -60,7 +60,7 @@ public:
         ExposeClassBase::addProperty(name, make(std::move(getter)), nullptr);
         return *this;
     }
-    /// A data member: `addProperty("x", &Place::x)`. One that is constant cannot be set.
+    /// A data member: `addProperty("x", &Place::x)`. Scripts cannot set a const member.
     template <class Value, class Owner>
     requires(!std::is_function_v<Value>) ExposeClass& addProperty(urString::CString const& name, Value Owner::*member) {
         auto const get = [member](T& object) -> std::remove_cv_t<Value> { return object.*member; };
@@ -75,14 +75,14 @@ public:
         ExposeClassBase::addProperty(name, make(std::move(getter)), make(std::move(setter)));
         return *this;
     }
-    /// `begin` takes a T& and gives a std::unique_ptr to an iterator state of some class, `value` takes that state by
-    /// reference and gives the current entry.
+    /// `begin` takes a T& and returns a std::unique_ptr to an iterator state of some class. `value` takes that state by
+    /// reference and returns the current entry.
     template <class Begin, class Value>
     ExposeClass& addIterator(urString::CString const& name, Begin begin, Value value) {
         ExposeClassBase::addIterator(name, make(std::move(begin)), makeFunction(getDB(), std::move(value)));
         return *this;
     }
-    /// Walks over the map that `getMap` gives for a T&, in pairs of key and value.
+    /// Iterates over the map that `getMap` returns for a T&, in pairs of key and value.
     template <class GetMap>
     ExposeClass& addMapIterator(urString::CString const& name, GetMap getMap) {
         using MapState = MapIteratorState<std::remove_cvref_t<std::invoke_result_t<GetMap, T&>>>;

@@ -1,4 +1,4 @@
-// Filling classes and tables of functions.
+// Fills classes and tables of functions.
 #include "foundation/nxRFL/ExposeClassBase.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Adding functions to a table.
+// Adds functions to a table.
 #include "foundation/nxRFL/ExposeFunction.h"
 
 #include <utility>

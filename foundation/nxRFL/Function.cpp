@@ -1,4 +1,4 @@
-// What functions have in common.
+// The common part of all functions.
 #include "foundation/nxRFL/Function.h"
 
 #include "foundation/nxRFL/Exception.h"
@@ -35,7 +35,7 @@ std::span<Parameter const> Function::parameters() const noexcept {
     return parameters_ ? std::span<Parameter const>(*parameters_) : std::span<Parameter const>();
 }
 
-/// Of `most` arguments, the object included, those that are not to be left out.
+/// The fewest arguments, the object included, if the most are `most`.
 unsigned Function::leastOf(unsigned most) const noexcept {
     std::size_t const object = isMethod_ ? 1 : 0;
     auto const named = parameters();

@@ -1,4 +1,4 @@
-// A callable that reflection knows: a native function, or one of a script.
+// A reflected callable: a native or a script function.
 #pragma once
 
 #include <initializer_list>
@@ -17,26 +17,26 @@ class Database;
 class Stack;
 struct Parameter;
 
-/// Takes its arguments from one stack and leaves its results on another. Held by reference.
+/// Takes arguments from one stack and appends results to another. Held by reference.
 ///
-/// Derive from it and implement `onCall`. Failing is throwing an `Exception`. A function called as a method finds its
-/// object as the first item. The database outlives it, unless the function has become unable to run before.
+/// Derive from it and implement `onCall`, which throws an `Exception` to fail. A method finds its object as the first
+/// item. The database outlives the function, unless the function can no longer run.
 class NX_API Function : public ur::ReferenceCount {
 public:
-    /// `method` tells that the first argument is the object on which scripts call it.
+    /// `method` says whether the first argument is the object on which scripts call it.
     Function(Database* database, bool method) noexcept : database_(database), isMethod_(method) {}
     Function(Function const&) = delete;
     Function& operator=(Function const&) = delete;
     ~Function() override;
 
-    /// Appends the results to `results`, which is not the stack of the arguments.
+    /// Appends the results to `results`, which must not be the stack of the arguments.
     void call(Stack const& arguments, Stack& results) const {
         parameters_ ? callWithDefaults(arguments, results) : onCall(arguments, results);
     }
 
-    /// The function has a short way for calls whose arguments are all plain.
+    /// Whether the function has a fast path for calls with plain arguments only.
     [[nodiscard]] bool takesPlainValues() const noexcept { return takesPlainValues_; }
-    /// The short way. False, with nothing done, when the arguments do not fit: `call` then says what is wrong.
+    /// The fast path. False, with nothing done, when the arguments do not fit: `call` then reports the reason.
     [[nodiscard]] bool callPlain(std::span<PlainValue const> arguments, PlainResult& result) const {
         return onCallPlain(arguments, result);
     }
@@ -44,31 +44,31 @@ public:
     /// Raises unless there are `count` arguments, the object included. Defined with `Stack`.
     void validateArity(Stack const& arguments, unsigned count) const;
 
-    /// False once what would run has gone, such as a script's state: calls then do nothing.
+    /// False once the target is gone, such as a closed script state: calls then do nothing.
     [[nodiscard]] virtual bool canRun() const noexcept { return true; }
     [[nodiscard]] Database* getDB() const noexcept { return database_; }
     [[nodiscard]] bool isMethod() const noexcept { return isMethod_; }
-    /// The name that messages give it, such as "nxNet::Request.addHeader"; empty until it is registered.
+    /// The name in messages, such as "nxNet::Request.addHeader"; empty until the function is registered.
     [[nodiscard]] urString::CString const& name() const noexcept { return name_; }
     virtual void setName(urString::CString name) { name_ = std::move(name); }
-    /// The names of its types: of the result, of the object if it is a method, of the arguments. Empty when unknown.
+    /// The type names of the result, of the object if it is a method, and of the arguments. Empty when unknown.
     [[nodiscard]] ur::vector<urString::CString> const& signature() const noexcept { return signature_; }
-    /// Whether an iterator with this as its value gives the script the elements of the result, an "object[2]".
+    /// Whether an iterator with this value function passes the elements of the result, an "object[2]", as two values.
     [[nodiscard]] bool givesSeveral() const noexcept;
     void setSignature(ur::vector<urString::CString> signature) noexcept { signature_ = std::move(signature); }
-    /// Names the arguments, the first ones or all, without the object of a method. Those at the end may have values for
-    /// calls that leave them out.
+    /// Names the first or all arguments, without the object of a method. Arguments at the end may have defaults for
+    /// calls that omit them.
     void setParameters(std::initializer_list<Parameter> parameters);
-    /// Empty when nobody has named them.
+    /// Empty when the arguments have no names.
     [[nodiscard]] std::span<Parameter const> parameters() const noexcept;
-    /// The functions of which a call runs one; empty for any other function.
+    /// The functions among which a call chooses; empty for any other function.
     [[nodiscard]] virtual std::span<ur::Reference<Function> const> overloads() const noexcept { return {}; }
-    /// Whether a call may have so many arguments, the object included. Requires: a known signature.
+    /// Whether a call may have that many arguments, the object included. Requires: a known signature.
     [[nodiscard]] bool takes(unsigned arguments) const noexcept;
 
 protected:
     virtual void onCall(Stack const& arguments, Stack& results) const = 0;
-    /// Is called only after `setTakesPlainValues`.
+    /// Called only after `setTakesPlainValues`.
     virtual bool onCallPlain(std::span<PlainValue const> arguments, PlainResult& result) const;
     void setTakesPlainValues() noexcept { takesPlainValues_ = true; }
 
@@ -82,7 +82,7 @@ private:
     bool takesPlainValues_ = false;
     urString::CString name_;
     ur::vector<urString::CString> signature_;
-    std::shared_ptr<ur::vector<Parameter> const> parameters_;  ///< null when nobody has named them
+    std::shared_ptr<ur::vector<Parameter> const> parameters_;  ///< null when the arguments have no names
 };
 
 }  // namespace nxRFL

@@ -1,4 +1,4 @@
-// How far a script's walk has come.
+// The state of a script's iteration.
 #pragma once
 
 #include <memory>
@@ -12,8 +12,8 @@
 
 namespace nxRFL {
 
-/// The place of one `for` loop of a script in what it walks over. Made by an iterator's begin function for the script,
-/// which keeps the object walked over alive, and deleted when the script is done with it.
+/// The position of one `for` loop of a script. An iterator's begin function creates it for the script, which keeps the
+/// iterated object alive and deletes the state when it is done.
 class NX_API IteratorState {
 public:
     IteratorState() = default;
@@ -21,24 +21,24 @@ public:
     IteratorState& operator=(IteratorState const&) = delete;
     virtual ~IteratorState() = default;
 
-    /// There is a current entry.
+    /// Whether there is a current entry.
     [[nodiscard]] virtual bool valid() const = 0;
-    /// Goes on to the next entry. Requires: valid.
+    /// Advances to the next entry. Requires: valid.
     virtual void advance() = 0;
-    /// For states that own more than a few bytes: charges them from now on.
+    /// For states that own more than a few bytes: charges those bytes from now on.
     virtual void chargeTo(std::shared_ptr<ur::Account> const& /*account*/) {}
 };
 
-/// Walks over a map in key order, and goes on behind the key last seen when the map has changed meanwhile.
+/// Iterates over a map in key order. If the map changes, continues after the last key seen.
 template <class Map>
 class MapIteratorState : public IteratorState {
 public:
-    /// The map outlives the walk.
+    /// The map must outlive this state.
     explicit MapIteratorState(Map const& map) : map_(map) { keep(map.begin()); }
 
     [[nodiscard]] bool valid() const override { return current_.has_value(); }
     void advance() override { keep(map_.upper_bound(current_->first)); }
-    /// A copy of the entry, as it was when the walk came to it. Requires: valid.
+    /// A copy of the entry, made when the iteration reached it. Requires: valid.
     [[nodiscard]] auto const& current() const { return *current_; }
     void chargeTo(std::shared_ptr<ur::Account> const& account) override {
         charge_ = ur::Charge(account, sizeof(MapIteratorState) + bytesOfCurrent());

@@ -1,4 +1,4 @@
-// Native callables as reflected functions: the signature is the callable's own.
+// Wraps native callables as reflected functions; their C++ signature is the reflected one.
 #pragma once
 
 #include <tuple>
@@ -11,9 +11,9 @@
 namespace nxRFL {
 namespace impl {
 
-// Signature<Callable, Self>::Type is Result(Arguments...), of a member function of any class Result(Self&,
+// Signature<Callable, Self>::Type is Result(Arguments...); for a member function of any class it is Result(Self&,
 // Arguments...).
-/// @cond  Left out of the reference, whose maker takes it for its own base.
+/// @cond  Excluded from the reference, whose generator would take it for its own base.
 template <class Callable, class Self>
 struct Signature : Signature<decltype(&Callable::operator()), void> {};
 /// @endcond
@@ -50,7 +50,7 @@ template <class Self, class Result, class First, class... Others>
 inline constexpr bool takesFirst<Self, Result(First, Others...)> =
     std::is_class_v<std::remove_pointer_t<std::remove_cvref_t<First>>>;
 
-/// Reads one argument and keeps what the parameter is bound to: values, or where an object or a text lies.
+/// Reads one argument and keeps what the parameter binds to: a value, or the address of an object or a text.
 template <class Parameter>
 auto readArgument(Reader& reader) {
     using T = std::remove_cvref_t<Parameter>;
@@ -88,8 +88,8 @@ decltype(auto) pass(Held& held) {
 template <class Callable, class Signature>
 class NativeFunction;
 
-/// Calls anything callable, such as a plain function, a member function or a lambda, with arguments that are checked
-/// and converted to the types of its parameters.
+/// Calls any callable, such as a plain function, a member function or a lambda. Checks the arguments and converts them
+/// to the types of its parameters.
 template <class Callable, class Result, class... Parameters>
 class NativeFunction<Callable, Result(Parameters...)> final : public Function {
 public:
@@ -105,7 +105,7 @@ private:
     void onCall(Stack const& arguments, Stack& results) const override {
         validateArity(arguments, sizeof...(Parameters));
         [[maybe_unused]] Reader reader(arguments, *this);
-        // In braces, so that they are read in order.
+        // Braces make the evaluation order left to right.
         std::tuple<decltype(impl::readArgument<Parameters>(reader))...> held{impl::readArgument<Parameters>(reader)...};
         std::apply([&](auto&... each) { callWith(results, impl::pass<Parameters>(each)...); }, held);
     }
@@ -148,8 +148,8 @@ private:
     Callable callable_;
 };
 
-/// `Self` is the class whose objects scripts call it on, void for a function that is no method. What is a reflected
-/// function already stays what it is.
+/// `Self` is the class on whose objects scripts call the function, void for a free function. Returns a reflected
+/// function unchanged.
 template <class Self = void, class Callable>
 [[nodiscard]] ur::Reference<Function> makeFunction(Database& database, Callable callable, Parameters parameters = {}) {
     ur::Reference<Function> function;

@@ -1,4 +1,4 @@
-// Handles made from a class.
+// Creates handles from a class.
 #include "foundation/nxRFL/Object.h"
 
 #include "foundation/nxRFL/Class.h"

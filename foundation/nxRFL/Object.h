@@ -10,27 +10,27 @@ namespace nxRFL {
 
 class Class;
 
-/// Names a native object together with its class, as far as that is known, or nothing.
+/// Refers to a native object and its class, as far as known, or to nothing.
 ///
-/// The handle holds the object as its class's record says. One made by `give` passes on the ownership of the object:
-/// the script that receives it, or the handle when none does, gives the object up at its end. Copies of any handle
-/// hold like a handle made from pointer and class.
+/// The handle holds the object as its class's record says. A handle made by `give` transfers ownership: the receiving
+/// script, or the handle if no script receives it, releases the object at its end. Copies of any handle hold like a
+/// handle made from pointer and class.
 class NX_API Object {
 public:
     enum class Hold : unsigned char {
         shared,    ///< by the first pair of operations
-        owned,     ///< by the second pair: as `give` makes it
-        borrowed,  ///< not at all: somebody else is known to hold the object for as long
+        owned,     ///< by the second pair, as `give` makes it
+        borrowed,  ///< not at all: another holder keeps the object meanwhile
     };
 
     enum class Known : unsigned char {
-        declared,  ///< the object may be of a class derived from the one given
-        exact,     ///< the database has been asked: the object need not be looked at again, nor be there any more
+        declared,  ///< the object may be of a derived class
+        exact,     ///< the class is resolved: the object need not be inspected again, nor still exist
     };
 
-    /// No object.
+    /// A handle without object.
     constexpr Object() noexcept = default;
-    /// `pointer` may be null. It points to an object of the class that it is handed over as, which outlives the handle.
+    /// `pointer` may be null. It points to an object of class `objectClass`, which outlives the handle.
     Object(void* pointer, Class const& objectClass, Hold hold = Hold::shared, Known known = Known::declared) noexcept;
     Object(void* pointer, impl::TypeUtil const& util) noexcept
         : Object(pointer, util, nullptr, Hold::shared, Known::declared) {}
@@ -63,13 +63,13 @@ public:
 
     [[nodiscard]] void* pointer() const noexcept { return pointer_; }
     [[nodiscard]] bool null() const noexcept { return pointer_ == nullptr; }
-    /// Null when the handle was made with a record.
+    /// Null when the handle was made from a record.
     [[nodiscard]] Class const* getClass() const noexcept { return class_; }
     [[nodiscard]] impl::TypeUtil const& typeUtil() const noexcept { return *util_; }
     [[nodiscard]] bool isExact() const noexcept { return known_ == Known::exact; }
     [[nodiscard]] bool isGiven() const noexcept { return hold_ == Hold::owned; }
     [[nodiscard]] bool isBorrowed() const noexcept { return hold_ == Hold::borrowed; }
-    /// Somebody else has taken over the object together with what the handle holds of it.
+    /// Another holder has taken over the object and this handle's hold on it.
     void passOn() const noexcept { hold_ = Hold::borrowed; }
 
 private:

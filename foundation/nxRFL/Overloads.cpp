@@ -1,4 +1,4 @@
-// Calls with different numbers of arguments, each to its function.
+// Dispatches calls by the number of arguments.
 #include "foundation/nxRFL/Overloads.h"
 
 #include <utility>
@@ -23,7 +23,7 @@ void OverloadedFunction::onCall(Stack const& arguments, Stack& results) const {
         if (function->takes(arguments.size())) return function->call(arguments, results);
     }
     unsigned const object = isMethod() ? 1 : 0;
-    if (arguments.size() < object) return functions_.front()->call(arguments, results);  // says so
+    if (arguments.size() < object) return functions_.front()->call(arguments, results);  // reports the missing object
     throw Exception(urString::CString(name()).append(
         urString::CString::format(" has no form with %u arguments", arguments.size() - object)));
 }

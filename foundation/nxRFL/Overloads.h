@@ -1,4 +1,4 @@
-// Several native functions under one name.
+// Combines several native functions under one name.
 #pragma once
 
 #include <tuple>
@@ -8,23 +8,23 @@
 
 namespace nxRFL {
 
-/// Made by `overloads`.
+/// The result of `overloads`.
 template <class... Callables>
 struct Overloads {
     std::tuple<Callables...> callables;
 };
 
-/// Callables of which a call takes the one for its number of arguments, defaults of parameters included; of several
-/// that fit, the first: `addMethod("line", overloads(&Pen::lineTo, &Pen::line))`.
+/// A call runs the first callable that accepts its number of arguments, defaults included: `addMethod("line",
+/// overloads(&Pen::lineTo, &Pen::line))`.
 template <class... Callables>
 [[nodiscard]] Overloads<Callables...> overloads(Callables... callables) {
     return {{std::move(callables)...}};
 }
 
-/// Chooses among functions by the number of arguments.
+/// Selects a function by the number of arguments.
 class NX_API OverloadedFunction final : public Function {
 public:
-    /// Requires: at least one function, and all are methods or none is.
+    /// Requires: at least one function; either all are methods or none is.
     OverloadedFunction(Database& database, ur::vector<ur::Reference<Function>> functions);
 
     void setName(urString::CString name) override;

@@ -1,4 +1,4 @@
-// What scripts know of the arguments of a function.
+// The names and defaults of function parameters.
 #pragma once
 
 #include <initializer_list>
@@ -12,7 +12,7 @@
 
 namespace nxRFL {
 
-/// The name of a parameter, and what a script that leaves out the argument gives: `{"width", {"depth", 1.0}}`.
+/// The name of a parameter and its default: `{"width", {"depth", 1.0}}`.
 struct Parameter {
     Parameter(char const* parameterName) : name(parameterName) {}
     template <class T>
@@ -28,7 +28,7 @@ struct Parameter {
     }
 
     urString::CString name;
-    std::shared_ptr<Stack const> without;  ///< with one item; null where scripts must give the argument
+    std::shared_ptr<Stack const> without;  ///< the default, as the only item; null where scripts must pass the argument
 };
 
 using Parameters = std::initializer_list<Parameter>;

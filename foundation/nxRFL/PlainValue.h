@@ -9,8 +9,8 @@ namespace nxRFL {
 
 class Class;
 
-/// A value as its owner has it: nothing is copied or counted. It lasts as long as the call that it is passed to. Not
-/// initialized: calls make several of them.
+/// A view of a value: nothing is copied or counted. Valid during the call that it is passed to. Not initialized,
+/// because calls create several of them.
 struct PlainValue {
     enum class Kind : unsigned char { none, null, boolean, number, text, object };
 
@@ -19,7 +19,7 @@ struct PlainValue {
     union {
         double number;
         std::size_t size;          ///< of a text, in bytes
-        Class const* objectClass;  ///< the class that the pointer to the object is of
+        Class const* objectClass;  ///< the class of the object that the pointer refers to
     };
     union {
         void* pointer;
@@ -27,7 +27,7 @@ struct PlainValue {
     };
 };
 
-/// The result of a call: none, a truth value, a number or a text.
+/// The result of a call: none, a boolean, a number or a text.
 struct PlainResult {
     PlainValue::Kind kind = PlainValue::Kind::none;
     bool truth = false;

@@ -1,4 +1,4 @@
-// Containers, objects and functions, and saying what is wrong where.
+// Reads containers, objects and functions, and describes where an item is wrong.
 #include "foundation/nxRFL/Reader.h"
 
 #include <cmath>
@@ -153,8 +153,8 @@ CString Reader::outermostPlace(unsigned ordinal) const {
     return place;
 }
 
-/// Such as "argument 2.max[3]", for the item at `at` in the container with the head at `container`. Goes from the item
-/// outward: scripts nest containers as deep as they like.
+/// Such as "argument 2.max[3]", for the item at `at` in the container with the head at `container`. Works from the item
+/// outwards without recursion, because scripts may nest containers to any depth.
 CString Reader::placeOf(std::size_t at, std::size_t container) const {
     ur::vector<CString> steps;
     for (;;) {

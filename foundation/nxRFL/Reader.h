@@ -7,17 +7,17 @@
 
 namespace nxRFL {
 
-/// What an item is; `none` stands for the end of the stack or of the container that is open.
+/// The kind of an item; `none` is the end of the stack or of the open container.
 enum class Kind { none, null, boolean, number, text, array, dictionary, object, function };
 
-/// Reads items one after the other, from the first on; containers are opened, read and closed.
+/// Reads items one after the other from the first on; containers are opened, read and closed.
 ///
-/// An item of another kind than asked for raises an `Exception` that says where it stands, what was expected and what
-/// was found. The stack outlives the reader and does not change meanwhile.
+/// An item of another kind than requested raises an `Exception` with its position, the expected and the actual kind.
+/// The stack must outlive the reader and not change meanwhile.
 class NX_API Reader {
 public:
     explicit Reader(Stack const& stack) noexcept : stack_(stack) {}
-    /// For the arguments of a call to `function`, which messages then name.
+    /// For the arguments of a call to `function`; messages name the function.
     Reader(Stack const& stack, Function const& function) noexcept : stack_(stack), function_(&function) {}
 
     /// The kind of the next item.
@@ -31,7 +31,7 @@ public:
         bool const isDictionary = container && container->kind == impl::Container::Kind::dictionary;
         return isDictionary ? Kind::dictionary : kinds[value.index()];
     }
-    /// There is a next item, and it is null.
+    /// Whether the next item exists and is null.
     [[nodiscard]] bool isNull() const noexcept { return next<std::monostate>() != nullptr; }
 
     void readNull() { take<std::monostate>("null"); }
@@ -39,20 +39,20 @@ public:
     double readDouble() { return take<double>("number"); }
     /// Numbers too large for a float become infinite.
     float readFloat() { return static_cast<float>(readDouble()); }
-    /// Raises for a number that is not whole or beyond the type's range.
+    /// Raises for a number that is not whole or is outside the type's range.
     int readInt();
     unsigned readUnsigned();
     /// A whole number from `least` to `greatest`, both exactly representable.
     double readWhole(double least, double greatest);
-    /// Valid as long as the stack is not changed.
+    /// Valid until the stack changes.
     urString::CString const& readText() { return take<urString::CString>("string"); }
 
-    /// The number of elements, which follow. An empty dictionary passes as an empty array, and the other way round:
-    /// scripts do not tell them apart.
+    /// Returns the number of elements, which follow. Accepts an empty dictionary as an empty array and vice versa:
+    /// scripts cannot distinguish them.
     unsigned startArray() { return enter(impl::Container::Kind::array, "array"); }
     /// Skips the elements that were not read.
     void endArray() noexcept { leave(); }
-    /// The number of entries, which follow: a text as the key, then the value.
+    /// Returns the number of entries, which follow: a text as the key, then the value.
     unsigned startDictionary() { return enter(impl::Container::Kind::dictionary, "dictionary") / 2; }
     void endDictionary() noexcept { leave(); }
 
@@ -61,18 +61,18 @@ public:
     void* readObjectOrNull(Class const& expected);
     /// The same, but a null item raises.
     void* readObject(ur::TypeInfo type);
-    /// The object whatever its class; an empty handle for a null item.
+    /// The object of any class; an empty handle for a null item.
     Object const& readAnyObject();
-    /// Null for a null item. Valid as long as the stack is not changed.
+    /// Null for a null item. Valid until the stack changes.
     ur::Reference<Function> const& readFunction();
 
     /// Appends a copy of the next item, of any kind, to `out`.
     void readItem(Stack& out);
     void skip() noexcept;
 
-    /// Raises: the next item is not what it must be.
+    /// Raises an error for the next item, which is not what the caller expects.
     [[noreturn]] void fail(std::string_view expected) const;
-    /// Raises for the open container, which is meant as a `name`, as in "range1D": it has a key too many.
+    /// Raises an error for the open container, which represents a `name` such as "range1D" but has an unknown key.
     [[noreturn]] void failOnKey(std::string_view name, std::string_view key) const;
 
 private:
@@ -109,9 +109,9 @@ private:
     std::size_t open_ = impl::nowhere;  ///< the innermost open container
 };
 
-/// Reads the dictionary that comes next: calls `readEntry(key)` for each entry, which reads the value and returns
-/// true, or returns false for a key that it does not know. That, and more than `count` entries, raises an `Exception`
-/// that calls the dictionary `name`. Entries may be missing.
+/// Reads the next item, a dictionary: calls `readEntry(key)` for each entry. `readEntry` reads the value and returns
+/// true, or returns false for an unknown key. An unknown key, or more than `count` entries, raises an `Exception` that
+/// calls the dictionary `name`. Entries may be missing.
 template <class ReadEntry>
 void readDictionary(Reader& reader, std::string_view name, unsigned count, ReadEntry&& readEntry) {
     for (unsigned i = reader.startDictionary(); i > 0; --i) {

@@ -1,4 +1,4 @@
-// What stacks are charged with, and how those that hold each other go.
+// Charges stacks and destroys stacks that hold each other.
 #include "foundation/nxRFL/Stack.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ using urString::CString;
 
 namespace {
 
-/// What a stack keeps for later when it is cleared.
+/// The storage that a cleared stack keeps.
 constexpr std::size_t mostKeptValues = 256;
 
 }  // namespace
@@ -53,7 +53,7 @@ void Stack::chargeValues(std::span<Value const> values, std::size_t capacity) {
     charge_.add(bytes);
 }
 
-/// Stacks may hold each other in chains of any length, so that the last of each goes here, one after the other.
+/// Stacks may hold each other in long chains, so this loop destroys the last of each without recursion.
 void Stack::dismantle() noexcept {
     Stack* chain = nullptr;
     takeApart(chain);
@@ -64,7 +64,7 @@ void Stack::dismantle() noexcept {
     }
 }
 
-/// Lets go of everything, but puts the stacks that this one alone holds into the chain.
+/// Releases everything, but adds stacks that only this one holds to the chain.
 void Stack::takeApart(Stack*& chain) noexcept {
     for (Value const& value : values_) {
         auto const* const object = std::get_if<Object>(&value);
@@ -86,7 +86,7 @@ void Stack::letGo(void* stack) {
     if (held->dropHolder()) delete held;
 }
 
-/// Stacks are values that native code owns, but a script may store one that it was given, and then let go of it.
+/// Native code owns stacks, but a script may store a stack that it was given and release it later.
 impl::TypeUtil const& Stack::stackType() noexcept {
     static constexpr impl::TypeUtil type = {
         .ref = [](void* object) { ++static_cast<Stack*>(object)->holders_.count; },

@@ -1,4 +1,4 @@
-// What the reflection library must know of a native type in order to hold its objects.
+// The operations by which the reflection library holds objects of a native type.
 #pragma once
 
 #include <type_traits>
@@ -16,10 +16,10 @@ concept Counted = requires(T const& object) {
 
 namespace impl {
 
-/// Six operations on the objects of one class. An absent reference operation does nothing.
+/// Six operations on the objects of one class. A missing reference operation does nothing.
 ///
-/// The first pair is called for every holder of an object that native code goes on owning: a handle, a value on a
-/// stack, a script. The second pair is called instead for the one script to which an object was given for good.
+/// The first pair is called for every holder of an object that native code owns: a handle, a stack value, a script. The
+/// second pair is called instead for the one script that owns the object after it was given away.
 struct TypeUtil {
     using Action = void (*)(void* object);
 
@@ -29,7 +29,7 @@ struct TypeUtil {
     Action disown = nullptr;
     /// The class for which this record was made.
     ur::TypeInfo (*staticType)() = nullptr;
-    /// The class of which the object is.
+    /// The dynamic class of the object.
     ur::TypeInfo (*dynamicType)(void const* object) = nullptr;
 };
 
@@ -54,7 +54,7 @@ ur::TypeInfo dynamicType([[maybe_unused]] void const* object) {
     }
 }
 
-/// Native code owns the objects and outlives the scripts' use of them.
+/// Native code owns the objects, which outlive their use by scripts.
 template <class T>
 inline constexpr TypeUtil borrowedType = {
     .staticType = &ur::TypeInfo::of<T>,
@@ -70,7 +70,7 @@ inline constexpr TypeUtil countedType = {
     .staticType = &ur::TypeInfo::of<T>,
     .dynamicType = &dynamicType<T>,
 };
-/// As borrowed, but what is given to a script is deleted when the script is done with it.
+/// As borrowed, but the script that an object was given to deletes it when done.
 template <class T>
 inline constexpr TypeUtil ownableType = {
     .disown = &destroy<T>,

@@ -1,4 +1,4 @@
-// Appending items and whole containers.
+// Appends items and whole containers.
 #include "foundation/nxRFL/Writer.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ void Writer::closeAll() {
     while (open_ != nowhere) {
         Container const& container = head(open_);
         if (container.kind == Container::Kind::dictionary && container.items % 2 != 0) {
-            // Only when an exception passes: an entry that has no value yet.
+            // Only after an exception: an entry that has no value yet.
             head(open_).items -= 1;
             stack_.values_.pop_back();
         }
@@ -44,7 +44,7 @@ void Writer::writeItemAt(Stack const& stack, std::size_t from) {
     stack_.chargeValues({stack.values_.data() + from, length}, capacity);
     values.reserve(capacity);
     try {
-        // By index, and in the storage just made: the source may be this very stack.
+        // By index and into the new storage: the source may be this stack itself.
         for (std::size_t i = 0; i < length; ++i) values.push_back(stack.values_[from + i]);
     } catch (...) {
         values.resize(at);

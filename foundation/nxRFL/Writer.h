@@ -7,8 +7,8 @@ namespace nxRFL {
 
 /// Writes items one after the other; containers are opened, filled and closed.
 ///
-/// A container holds what was written into it, whatever count was announced, and is closed by the writer's end at the
-/// latest. One writer at a time uses a stack, and the stack is not read before the writer has gone or closed all.
+/// A container holds what was written into it, whatever count was announced. The destructor closes open containers.
+/// A stack has one writer at a time; read it only after the writer has closed all containers or is destroyed.
 class NX_API Writer {
 public:
     explicit Writer(Stack& stack) noexcept : stack_(stack) {}
@@ -25,18 +25,18 @@ public:
     void writeInt(int value) { append(static_cast<double>(value)); }
     void writeUnsigned(unsigned value) { append(static_cast<double>(value)); }
     void writeText(urString::CString text) { append(std::move(text)); }
-    /// A handle without an object writes null.
+    /// An empty handle writes null.
     void writeObject(Object object) {
         if (object.null()) return writeNull();
         append(std::move(object));
     }
-    /// A handle made of these. Requires: `pointer` is not null.
+    /// Writes a handle of these parts. Requires: `pointer` is not null.
     void writeObject(void* pointer, Class const& objectClass, Object::Hold hold, Object::Known known) {
         append(std::in_place_type<Object>, pointer, objectClass, hold, known);
     }
     /// Null writes null.
     void writeFunction(ur::Reference<Function> function);
-    /// Copies the first item of `stack`, with all that it holds; null when there is none.
+    /// Copies the first item of `stack` with its content; writes null when there is none.
     void writeItem(Stack const& stack) { writeItemAt(stack, 0); }
 
     /// `count` elements follow.

@@ -1,4 +1,4 @@
-// The listing for people, and the choice among the formats.
+// Writes the text listing, and selects the format.
 #include "foundation/nxRFL/listing.h"
 
 #include "foundation/nxRFL/Parameter.h"
@@ -40,7 +40,7 @@ void appendCall(CString& text, CString const& name, Function const& function) {
     if (result != "void") text.append(": ").append(result);
 }
 
-/// A line for each form.
+/// Appends one line per form.
 void appendCalls(CString& text, char const* prefix, Member const& member) {
     impl::forEachForm(*member.function, [&](Function const& form) {
         text.append(prefix);

@@ -1,4 +1,4 @@
-// Everything that a database has to offer, written down.
+// Lists everything that a database offers to scripts.
 #pragma once
 
 #include "foundation/nxRFL/Database.h"
@@ -8,7 +8,7 @@ namespace nxRFL {
 enum class ListingFormat {
     text,      ///< for people: a line for each class and member
     json,      ///< an object with the arrays "classes" and "tables"
-    luaStubs,  ///< Lua declarations with the annotations from which editors complete and check scripts
+    luaStubs,  ///< Lua declarations with annotations that editors use for completion and checks
 };
 
 /// Every class, member and function with its signature, in the order of registration.

@@ -1,4 +1,4 @@
-// Parameters that take plain values, and results that are plain.
+// Conversion between plain values and parameters or results.
 #pragma once
 
 #include "foundation/nxRFL/Class.h"
@@ -13,7 +13,7 @@ template <class Parameter>
 inline constexpr bool isChangeable =
     std::is_lvalue_reference_v<Parameter> && !std::is_const_v<std::remove_reference_t<Parameter>>;
 
-/// What a parameter is bound to for the time of a call. `take` is false for a value that does not fit.
+/// Holds what a parameter binds to during a call. `take` is false for a value that does not fit.
 template <class Parameter>
 struct PlainParameter {
     static constexpr bool exists = false;

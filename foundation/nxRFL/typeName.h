@@ -1,4 +1,4 @@
-// How signatures name native types.
+// The names of native types in signatures.
 #pragma once
 
 #include <array>
@@ -31,16 +31,16 @@ concept TextMap = isTextMap<T>;
 
 }  // namespace impl
 
-/// The name of a value type, as its member `name`; specialize it beside the type's `read` and `write`. A class without
-/// one is named as it is registered.
+/// The name of a value type, as the member `name`; specialize it next to the type's `read` and `write`. A class without
+/// a specialization has its registered name.
 template <class T>
 struct TypeName {};
 
-/// The whole numbers that are no truth values.
+/// Integer types other than bool.
 template <class T>
 concept WholeNumber = std::integral<T> && !std::same_as<T, bool>;
 
-/// The state of an iterator: handed to scripts and taken from them as the base of all states.
+/// The state of an iterator, which passes to and from scripts as `IteratorState`.
 template <class T>
 concept WalkState = std::derived_from<T, IteratorState>;
 
@@ -109,11 +109,11 @@ struct TypeName<T> {
 
 namespace impl {
 
-/// A text that nobody would own.
+/// A text type that does not own its bytes.
 template <class T>
 inline constexpr bool isForeignText = std::is_same_v<T, std::string_view>;
 
-// The class behind the ways of handing an object over.
+// The class of an object passed by value, pointer or reference.
 template <class T>
 struct Handed {
     using Type = T;
@@ -133,7 +133,7 @@ struct Handed<std::unique_ptr<T>> {
 
 }  // namespace impl
 
-/// The name of T, a value or an object by value, pointer or reference, in signatures.
+/// The name of T in signatures: a value, or an object by value, pointer or reference.
 template <class T>
 [[nodiscard]] urString::CString typeName(Database const& database) {
     using Plain = std::remove_cvref_t<T>;

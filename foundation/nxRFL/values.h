@@ -1,4 +1,4 @@
-// How native values and objects are read from a stack and written to one.
+// Reads native values and objects from a stack, and writes them to one.
 #pragma once
 
 #include <array>
@@ -16,9 +16,9 @@
 
 namespace nxRFL {
 
-// A value type crosses over by two functions in this namespace or in its own, `read(Reader&, T&)` and
-// `write(Writer&, T const&)`. Objects of every other class cross over by pointer, by ur::Reference or, unless they may
-// be null, by reference.
+// A value type is converted by two functions in this namespace or its own, `read(Reader&, T&)` and `write(Writer&, T
+// const&)`. Objects of all other classes are passed by pointer, by ur::Reference or, if they cannot be null, by
+// reference.
 
 template <std::same_as<bool> T>
 void read(Reader& reader, T& value) {
@@ -31,7 +31,7 @@ inline void read(Reader& reader, std::string& value) { value = reader.readText()
 inline void read(Reader& reader, ur::Reference<Function>& value) { value = reader.readFunction(); }
 inline void read(Reader& reader, Object& value) { value = reader.readAnyObject(); }
 
-// By the exact type, since pointers convert to bool.
+// Exactly bool, since pointers convert to bool.
 template <std::same_as<bool> T>
 void write(Writer& writer, T value) {
     writer.writeBool(value);
@@ -49,7 +49,7 @@ inline void write(Writer& writer, Object value) { writer.writeObject(std::move(v
 
 namespace impl {
 
-/// Numbers are doubles on the way: those of 64 bits are exact up to 2^53, and no greater ones are read.
+/// Numbers are passed as doubles: 64-bit numbers are exact up to 2^53, and larger ones are not read.
 template <WholeNumber T>
 struct WholeRange {
     using Limits = std::numeric_limits<T>;
@@ -76,7 +76,7 @@ template <class T>
 void read(Reader& reader, ur::Reference<T>& object) {
     object.reset(static_cast<T*>(reader.readObjectOrNull(ur::TypeInfo::of<T>())));
 }
-/// Scripts do not know constant objects.
+/// Scripts have no const objects.
 template <class T>
 requires std::is_class_v<T>
 void write(Writer& writer, T* object) {
@@ -87,14 +87,14 @@ template <class T>
 void write(Writer& writer, ur::Reference<T> const& object) {
     write(writer, object.get());
 }
-/// Given to the script.
+/// Transfers ownership to the script.
 template <WalkState T>
 void write(Writer& writer, std::unique_ptr<T> state) {
     IteratorState* const base = state.release();
     writer.writeObject(Object::give(base, impl::ownableType<IteratorState>));
 }
 
-/// Null is an empty callable. Errors of the function go to `Callback::callHandler`; the result then is a default one.
+/// Null becomes an empty callable. Errors go to `Callback::callHandler`; the result is then a default value.
 template <class Result, class... Arguments>
 void read(Reader& reader, std::function<Result(Arguments...)>& callable);
 
@@ -127,7 +127,7 @@ void write(Writer& writer, ur::map<urString::CString, T, Less> const& entries) {
     writer.endDictionary();
 }
 
-/// Exactly as many elements as the array has.
+/// Requires as many elements as the array has.
 template <class T, std::size_t size>
 void read(Reader& reader, std::array<T, size>& values) {
     unsigned const count = reader.startArray();
@@ -162,7 +162,7 @@ void write(Writer& writer, Map const& entries) {
     writer.endDictionary();
 }
 
-/// Nothing is nil.
+/// An empty optional is nil.
 template <class T>
 void read(Reader& reader, std::optional<T>& value) {
     if (!reader.isNull()) return read(reader, value.emplace());
@@ -175,7 +175,7 @@ void write(Writer& writer, std::optional<T> const& value) {
     writer.writeNull();
 }
 
-/// The name of the value.
+/// Passes the name of the value.
 template <ur::NamedEnum T>
 void read(Reader& reader, T& value) {
     urString::CString const& name = reader.readText();
@@ -192,7 +192,7 @@ void write(Writer& writer, T value) {
     writer.writeText(urString::CString(ur::nameOf(value)));
 }
 
-/// A dictionary of the members. On reading, entries may be missing, whose members then keep what they are.
+/// A dictionary of the members. When an entry is missing, the member keeps its value.
 template <ur::ListsMembers T>
 void read(Reader& reader, T& value) {
     for (unsigned i = reader.startDictionary(); i > 0; --i) {
@@ -219,7 +219,7 @@ void write(Writer& writer, T const& value) {
     writer.endDictionary();
 }
 
-/// A pair is an array of two.
+/// A pair is an array of two elements.
 template <class First, class Second>
 void write(Writer& writer, std::pair<First, Second> const& pair) {
     writer.startArray(2);
@@ -237,7 +237,7 @@ concept Writable = requires(Writer& writer, T&& value) {
     write(writer, std::forward<T>(value));
 };
 
-/// Writes a value, or an object that is handed over by reference.
+/// Writes a value, or an object passed by reference.
 template <class T>
 void writeAny(Writer& writer, T&& value) {
     if constexpr (Writable<T>) {
@@ -252,7 +252,7 @@ void writeAny(Writer& writer, T&& value) {
 
 namespace impl {
 
-/// The stack on which these are the arguments of a call.
+/// A stack with the arguments of a call.
 template <class... Arguments>
 Stack argumentsOf(Arguments&&... arguments) {
     Stack values;
@@ -265,8 +265,8 @@ Stack argumentsOf(Arguments&&... arguments) {
 
 }  // namespace impl
 
-/// A script's function that throws what the script has thrown, an `Exception` with the script's stack. It does nothing,
-/// and gives an empty result, once the script's state has closed. As a parameter it takes a script's function like
+/// A script function that throws the script's error, an `Exception` with the script's stack. Once the script's state
+/// has closed, it does nothing and returns an empty result. As a parameter it accepts a script function like
 /// `std::function`, whose errors go to the database's error handler instead.
 template <class Signature>
 class ThrowingFunction : public std::function<Signature> {
@@ -292,7 +292,7 @@ void read(Reader& reader, ThrowingFunction<Result(Arguments...)>& callable) {
     };
 }
 
-/// One whose errors go to the database's error handler; the result is then empty.
+/// Errors go to the database's error handler; the result is then empty.
 template <class Result, class... Arguments>
 void read(Reader& reader, std::function<Result(Arguments...)>& callable) {
     callable = nullptr;

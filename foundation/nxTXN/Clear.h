@@ -1,11 +1,11 @@
-// What clear functions are given.
+// The argument of clear functions.
 #pragma once
 
 #include "foundation/ur/Reference.h"
 
 namespace nxTXN {
 
-/// Marks the last visit to the fields of an object: whatever they hold is to be let go of.
+/// Marks the last visit to the fields of an object: the fields must release what they hold.
 class Clear {
 public:
     template <class T>

@@ -1,4 +1,4 @@
-// What the error says.
+// The messages of hook errors.
 #include "foundation/nxTXN/HookError.h"
 
 #include <string>
@@ -8,7 +8,7 @@
 namespace nxTXN {
 namespace {
 
-// For when there is no memory to say more: copies share the text.
+// For when memory is too short for a longer message: copies share the text.
 std::runtime_error const allButSomething("all was done, but something failed");
 std::runtime_error const nothing("nothing was done");
 

@@ -1,4 +1,4 @@
-// The failure of application code that ran during undo, redo or abort.
+// The error of application code that failed during undo, redo or abort.
 #pragma once
 
 #include <exception>
@@ -8,8 +8,8 @@
 
 namespace nxTXN {
 
-/// Carries an exception out of a hook or field handler and says how the operation ended. The exception itself is
-/// nested: `rethrow_nested` throws it. When several were thrown it is the first.
+/// Carries an exception out of a hook or field handler and says how the operation ended. The exception is nested:
+/// `rethrow_nested` throws it. If several were thrown, it is the first.
 class NX_API HookError : public std::runtime_error, public std::nested_exception {
 public:
     enum class Outcome {

@@ -1,4 +1,4 @@
-// A transaction object that holds one value for good.
+// A transaction object that holds one immutable value.
 #pragma once
 
 #include <cstddef>
@@ -10,10 +10,10 @@
 
 namespace nxTXN {
 
-/// Holds one reference given at construction and never changed.
+/// Holds one reference, given at construction and never changed.
 ///
-/// A field that refers to such a holder changes its value by referring to a new one; the former value stays alive
-/// for as long as a record refers to its holder. T counts its holders. Owned by the manager.
+/// To change its value, a field refers to a new holder; the former value stays alive while a record refers to its
+/// holder. T counts its holders. The manager owns it.
 template <class T>
 class ImmutableReference final : public RefCountedObject, public ur::NodeAllocated {
 public:
@@ -26,7 +26,7 @@ protected:
     void onTxnGetSize(ObjectSize& size) const override {
         size.raiseBase(sizeof(ImmutableReference));
         RefCountedObject::onTxnGetSize(size);
-        if (value_) size.add(0);  // the value is shared and counts where it is owned
+        if (value_) size.add(0);  // the value is shared; its owner counts it
     }
 
 private:

@@ -1,4 +1,4 @@
-// The public face of the history.
+// The public interface of the history.
 #include "foundation/nxTXN/Manager.h"
 
 #include "foundation/nxTXN/impl/History.h"

@@ -1,4 +1,4 @@
-// Objects and their history.
+// Connects objects to their history.
 #include "foundation/nxTXN/Object.h"
 
 #include "foundation/nxTXN/impl/History.h"

@@ -1,4 +1,4 @@
-// The base of everything whose changes can be undone.
+// The base of objects whose changes can be undone.
 #pragma once
 
 #include <cstddef>
@@ -17,10 +17,10 @@ class Replay;
 class Lifetimes;
 }  // namespace impl
 
-/// What an object occupies, as its size hook fills it in.
+/// The memory of an object, filled in by its size hook.
 struct ObjectSize {
     std::size_t base = 0;   ///< bytes of the object itself; each class of a hierarchy raises it to its own size
-    std::size_t owned = 0;  ///< bytes that it owns beside itself
+    std::size_t owned = 0;  ///< further bytes that the object owns
 
     void raiseBase(std::size_t bytes) noexcept {
         if (base < bytes) base = bytes;
@@ -31,11 +31,10 @@ struct ObjectSize {
 
 /// An object whose changes its manager records, undoes and redoes.
 ///
-/// Call `transact()` before each change. The manager then asks for the fields through `onTransact`, once per
-/// transaction, and asks the same way when it puts them back. The program owns the object (classes that the
-/// manager owns derive from `RefCountedObject`); one that goes while the history knows it is forgotten there.
-/// The hooks are the manager's to call; overrides call the hook of their base first. `docs/undo.md` states when
-/// each of them runs. Used on the thread that uses the manager.
+/// Call `transact()` before each change. The manager then reads the fields through `onTransact`, once per transaction,
+/// and restores them the same way. The program owns the object (classes that the manager owns derive from
+/// `RefCountedObject`); the history forgets an object that is destroyed. Only the manager calls the hooks; overrides
+/// call the hook of their base first. `docs/undo.md` states when each of them runs. Used on the manager's thread.
 class NX_API Object {
 public:
     Object(Object const&) = delete;
@@ -43,30 +42,30 @@ public:
     virtual ~Object();
 
 protected:
-    /// Names every field that undo is to restore, always the same ones in the same order.
+    /// Names every field that undo must restore, always the same fields in the same order.
     virtual void onTransact(Serializer& serializer);
-    /// The fields of this object have been put back; those of others perhaps not yet.
+    /// The fields of this object are restored; those of others perhaps not yet.
     virtual void onTxnRestored();
     /// Undo, redo or abort changed this object, and the whole step is in place.
     virtual void onTxnModified();
-    /// The object ceases to exist: its last reference has gone, or the history has let go of it.
+    /// The object ceases to exist: its last reference is gone, or the history has released it.
     virtual void onTxnDestroyed();
     /// `isTxnExtant()` has changed.
     virtual void onTxnExtant();
-    /// Adds up what the object occupies. Asked when only the history keeps it any longer.
+    /// Adds up the object's memory. Called when only the history still keeps the object.
     virtual void onTxnGetSize(ObjectSize& size) const;
 
 public:
-    /// Records the fields as they are now, for undo and abort. Only the first call in a transaction costs anything.
-    /// With no transaction open, or one that is not recorded, the change to come is simply applied, unless the
-    /// manager's policy has this throw `std::logic_error` (`UnrecordedChange`).
+    /// Records the current fields for undo and abort. Only the first call in a transaction costs anything. With no
+    /// transaction open, or one that is not recorded, the following change is simply applied, unless the manager's
+    /// policy makes this throw `std::logic_error` (`UnrecordedChange`).
     void transact();
 
-    /// Whether the object is part of the present state: false while its creation is undone, and once its last
-    /// reference has gone. Never true after its manager has gone.
+    /// Whether the object is part of the present state: false while its creation is undone, after its last reference is
+    /// gone, and after its manager is gone.
     [[nodiscard]] bool isTxnExtant() const noexcept;
 
-    /// Null once the manager has gone.
+    /// Null once the manager is destroyed.
     [[nodiscard]] Manager* txnManager() const noexcept;
 
 protected:
@@ -81,8 +80,9 @@ private:
 
     Object(Manager& manager, Counting counting);
 
-    impl::History* history_;   // null once the manager has gone
-    std::uint32_t index_ = 0;  // the object's place among those of its manager; after that, the records that need it
+    impl::History* history_;  // null once the manager is destroyed
+    std::uint32_t index_ =
+        0;  // the object's index in its manager; after the manager's end, the number of records that need the object
 };
 
 }  // namespace nxTXN

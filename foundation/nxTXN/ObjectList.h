@@ -21,18 +21,18 @@ namespace nxTXN {
 ///     };
 ///     group->shapes.append(ur::make<Shape>(manager));
 ///
-/// The list records itself: each change is one of the transaction that is open, and costs a few hundred bytes of
-/// history however long the list is. It holds a reference to each of its objects, which are of its own manager; one
-/// object may be in it at several places. Only the objects' places are the list's affair, their own changes are theirs.
+/// The list records its own changes in the open transaction; each takes a few hundred bytes of history, however long
+/// the list is. It holds a reference to each of its objects, which belong to the list's manager; an object may occur
+/// several times. Only the order is the list's; each object records its own changes.
 ///
-/// Signals come when a change has been made: at once, and after undo, redo and abort when the whole step is in place,
-/// one for each change. Who applies them to a list of his own, in the order in which they come, has the same list. An
-/// erased object lives until all have been told. A listener may change or destroy the list: what it changes is told
-/// after what is being told. What listeners throw leaves the call that made the change, or is the hook error of the
-/// undo, once all is told.
+/// Signals are emitted after a change: at once, and after undo, redo and abort when the whole step is in place, one per
+/// change. A listener that applies them in order to its own list gets the same list. An erased object lives until all
+/// listeners were called. A listener may change or destroy the list; its changes are signalled after the current ones.
+/// An exception from a listener leaves the call that made the change, or is the hook error of the undo, once all
+/// signals were emitted.
 ///
-/// Name the list as a field of its owner (`serializer.field(shapes)`), so that groups that contain each other are taken
-/// apart with their manager. One thread.
+/// Name the list as a field of its owner (`serializer.field(shapes)`), so that their manager can take apart groups that
+/// contain each other. One thread.
 template <class T>
 class ObjectList final : public ObjectListBase {
 public:
@@ -40,18 +40,18 @@ public:
         static_assert(std::derived_from<T, RefCountedObject>,
                       "the objects of an nxTXN::ObjectList derive from nxTXN::RefCountedObject");
     }
-    /// With pieces of so many elements, for tests.
+    /// Uses pieces of at most `mostInPiece` elements, for tests.
     ObjectList(Manager& manager, std::size_t mostInPiece) : ObjectListBase(manager, mostInPiece) {}
 
-    /// False, and nothing changes, for null, for an object of another manager, and beyond the end.
+    /// False, with no change, for null, for an object of another manager, and beyond the end.
     bool insert(std::size_t index, ur::Reference<T> const& object) { return insertObject(index, object.get()); }
     bool append(ur::Reference<T> const& object) { return insert(size(), object); }
 
-    /// Requires: there is one.
+    /// Requires: `index` is below `size()`.
     [[nodiscard]] T& operator[](std::size_t index) const noexcept { return *begin(index); }
     /// Null beyond the end.
     [[nodiscard]] T* at(std::size_t index) const noexcept { return index < size() ? &(*this)[index] : nullptr; }
-    /// Where the object is first, found by looking at one after the other.
+    /// The first index of the object, by linear search.
     [[nodiscard]] std::optional<std::size_t> indexOf(T const& object) const noexcept {
         for (auto i = begin(); i != end(); ++i) {
             if (&*i == &object) return i.index();
@@ -59,7 +59,7 @@ public:
         return std::nullopt;
     }
 
-    /// Invalid from the next change on.
+    /// Invalid after any change.
     class Iterator {
     public:
         using iterator_category = std::forward_iterator_tag;
@@ -101,7 +101,7 @@ public:
 
     /// The index and the object.
     using Signal = urRTB::Signal<std::size_t, T&>;
-    /// The index before, the index afterwards, and the object.
+    /// The old index, the new index and the object.
     using MovedSignal = urRTB::Signal<std::size_t, std::size_t, T&>;
     [[nodiscard]] Signal& insertedSignal() noexcept { return inserted_; }
     [[nodiscard]] Signal& erasedSignal() noexcept { return erased_; }
@@ -125,7 +125,7 @@ private:
     MovedSignal moved_;
 };
 
-// As a field of its owner it has nothing to save, since it records itself.
+// As a field of its owner it saves nothing, since it records itself.
 template <class T>
 void write(Writer& /*writer*/, ObjectList<T> const& /*list*/) {}
 template <class T>

@@ -1,4 +1,4 @@
-// Changing lists, putting them back, and telling of it.
+// Changes and restores lists, and emits their signals.
 #include "foundation/nxTXN/ObjectListBase.h"
 
 #include <deque>
@@ -14,7 +14,7 @@
 namespace nxTXN {
 namespace impl {
 
-/// The objects, the version of the list that they are, and what is still to be told about how they came to be it.
+/// The objects, the version of the list that they represent, and the changes not signalled yet.
 class ListState {
 public:
     struct News {
@@ -32,9 +32,9 @@ public:
     [[nodiscard]] ObjectSequence& objects() noexcept { return objects_; }
     [[nodiscard]] ListVersion const& version() const noexcept { return *version_; }
 
-    /// Nothing has happened when it throws.
+    /// Changes nothing when it throws.
     void change(ListChange const& change, RefCountedObject& object);
-    /// Becomes another version of this list.
+    /// Changes the list to another of its versions.
     void turnTo(ListVersion& version);
 
     template <class Tell>
@@ -44,7 +44,7 @@ private:
     void apply(ListChange const& change, RefCountedObject& object);
     void turnBack();
 
-    ObjectListBase* list_;  ///< null once it has gone
+    ObjectListBase* list_;  ///< null once the list is destroyed
     ObjectSequence objects_;
     ur::Reference<ListVersion> version_{new ListVersion};
     std::deque<News> news_;
@@ -118,7 +118,7 @@ namespace {
 
 constexpr std::size_t usualMostInPiece = 512;
 
-/// A record holds the version that the list was. It is read for a list that exists only.
+/// A record holds a version of the list. It is read only while the list exists.
 constexpr FieldHandlers versionHandlers = {
     [](Writer& writer, void const* field) { writer.writePtr(&static_cast<impl::ListState const*>(field)->version()); },
     [](Reader& reader, void* field) {

@@ -1,4 +1,4 @@
-// What lists of objects of all types have in common.
+// The common base of object lists of all types.
 #pragma once
 
 #include <cstddef>
@@ -28,18 +28,18 @@ public:
 
     [[nodiscard]] std::size_t size() const noexcept;
     [[nodiscard]] bool empty() const noexcept { return size() == 0; }
-    /// False, and nothing changes, when there is none at `index`.
+    /// False, with no change, when there is no object at `index`.
     bool erase(std::size_t index);
-    /// The object at `from` is at `to` afterwards. False, and nothing changes, when one of the two does not exist.
+    /// Moves the object at `from` to index `to`. False, with no change, when one of the two does not exist.
     bool move(std::size_t from, std::size_t to);
-    /// Erases as many as there are, from the last one on: what listeners insert meanwhile may stay.
+    /// Erases the present objects, from the last one on. Objects that listeners insert meanwhile may stay.
     void clear();
 
 protected:
     using Element = ur::Reference<RefCountedObject>;
 
     explicit ObjectListBase(Manager& manager);
-    /// With pieces of so many elements, for tests.
+    /// Uses pieces of at most `mostInPiece` elements, for tests.
     ObjectListBase(Manager& manager, std::size_t mostInPiece);
 
     [[nodiscard]] bool insertObject(std::size_t index, RefCountedObject* object);
@@ -59,10 +59,10 @@ private:
     void change(impl::ListChange const& change, RefCountedObject& object);
     void deliver();
 
-    std::shared_ptr<impl::ListState> state_;  ///< held by deliveries, since a listener may destroy the list
+    std::shared_ptr<impl::ListState> state_;  ///< deliveries hold it too, since a listener may destroy the list
 };
 
-/// Lets go of all objects without a word, because the owner of the list is about to be deleted.
+/// Releases all objects without signals, because the owner of the list is about to be deleted.
 NX_API void clear(Clear& cleared, ObjectListBase& list);
 
 }  // namespace nxTXN

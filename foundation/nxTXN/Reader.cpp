@@ -1,4 +1,4 @@
-// Reading pointers, and reading past the end.
+// Reads pointers, and zeros past the end.
 #include "foundation/nxTXN/Reader.h"
 
 #include "foundation/nxTXN/impl/Lifetimes.h"

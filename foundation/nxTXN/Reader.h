@@ -1,4 +1,4 @@
-// Takes fields back out of their saved form.
+// Reads fields from their saved form.
 #pragma once
 
 #include <cstddef>
@@ -11,9 +11,9 @@
 
 namespace nxTXN {
 
-/// Gives back what a writer was given, bytes and pointers each in the order written.
+/// Returns what a writer wrote: bytes and pointers, each in the order written.
 ///
-/// Reading more than was written gives zeros and null pointers. Refers to the saved form, which must stay.
+/// Reading beyond the end returns zeros and null pointers. Refers to the saved form, which must outlive it.
 class NX_API Reader {
 public:
     Reader(std::span<std::byte const> data, std::span<std::uintptr_t const> words) noexcept
@@ -30,7 +30,7 @@ public:
     /// The address exactly as it was written.
     [[nodiscard]] void* readPtr();
 
-    /// Bytes not read yet.
+    /// The number of unread bytes.
     [[nodiscard]] std::size_t remaining() const noexcept { return data_.size(); }
 
 private:

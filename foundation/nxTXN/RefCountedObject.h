@@ -9,22 +9,22 @@ namespace nxTXN {
 
 /// An object made with `new`, shared by `ur::Reference` and deleted by its manager.
 ///
-/// When the last reference goes, the object ceases to exist but stays in memory for as long as the history may
-/// bring it back. It is deleted once neither references nor records need it, and with the manager at the latest:
-/// objects that refer to each other are taken apart then, and records of other managers forget them. A reference that
-/// outlives the manager holds an object whose recorded fields are empty. An object that never had a reference goes with
-/// its manager, or with the undone transaction that made it.
+/// When the last reference goes, the object ceases to exist, but stays in memory while the history may restore it. It
+/// is deleted when neither references nor records need it, at the latest with its manager, which also takes apart
+/// cycles; records of other managers then forget the objects. A reference that outlives the manager holds an object
+/// whose recorded fields are empty. An object that never had a reference is deleted with its manager, or with the
+/// undone transaction that created it.
 class NX_API RefCountedObject : public Object {
 public:
     explicit RefCountedObject(Manager& manager) : Object(manager, Counting::references) {}
 
 protected:
-    /// For values that recorded fields of other objects refer to: making one is no change by itself.
+    /// For values that recorded fields of other objects refer to: creating one is not a change in itself.
     enum class Role : bool { value };
     RefCountedObject(Manager& manager, Role /*role*/) : Object(manager, Counting::referencesOfValue) {}
     ~RefCountedObject() override;
 
-    /// Frees the object. Called last of all; classes with an allocation of their own override it.
+    /// Frees the object, as the last step. Classes with their own allocation override it.
     virtual void txnDelete();
 
     void onTxnGetSize(ObjectSize& size) const override;

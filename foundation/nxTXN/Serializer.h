@@ -1,4 +1,4 @@
-// How an object names the fields that are recorded for it.
+// The interface by which an object names its recorded fields.
 #pragma once
 
 #include "foundation/nxTXN/Clear.h"
@@ -10,18 +10,18 @@ namespace nxTXN {
 
 class Object;
 
-/// How fields of one type are kept: three plain functions, the same ones for every field of that type.
+/// Saves, restores and releases fields of one type: three free functions, the same for every field of that type.
 ///
-/// `write` saves a field in a record; `read` puts it back and takes exactly what `write` gave; `clear` lets go of
-/// what the field holds when its object is about to be deleted. A null `clear` has nothing to let go of.
+/// `write` saves a field in a record. `read` restores it and reads exactly what `write` wrote. `clear` releases what
+/// the field holds when its object is about to be deleted; null if there is nothing to release.
 struct FieldHandlers {
     void (*write)(Writer& writer, void const* field);
     void (*read)(Reader& reader, void* field);
     void (*clear)(Clear& clear, void* field);
 };
 
-/// The handlers of T: the functions `write`, `read` and, where there is one, `clear` that overload resolution finds
-/// for it. Namespace `nxTXN` is always searched.
+/// The handlers of T: the functions `write`, `read` and, if it exists, `clear` that overload resolution finds.
+/// Namespace `nxTXN` is always searched.
 template <class T>
 inline constexpr FieldHandlers fieldHandlers = {
     [](Writer& writer, void const* field) { write(writer, *static_cast<T const*>(field)); },
@@ -33,21 +33,21 @@ inline constexpr FieldHandlers fieldHandlers = {
 /// Given to restore hooks: performs the restoring that the hook brackets.
 class NX_API Restorer {
 public:
-    /// Puts the recorded fields back into `object`. Only the first call for the object of the hook does anything.
+    /// Restores the recorded fields of `object`. Only the first call for the hook's object has an effect.
     virtual void restore(Object* object) = 0;
 
 protected:
     ~Restorer() = default;
 };
 
-/// Called in place of restoring an object, which the hook performs through `restorer` at the moment it chooses.
-/// If it does not, the object is restored when it returns.
+/// Called instead of restoring an object; the hook restores it through `restorer` when it chooses. If it does not, the
+/// object is restored after the hook returns.
 using RestoreHook = void (*)(Object* object, Restorer& restorer);
 
-/// Visits the fields of an object: to save them, to put them back or to clear them.
+/// Visits the fields of an object: to save, restore or clear them.
 ///
-/// An `onTransact` brackets its fields with `beginObject` and `endObject` of itself and calls the `onTransact` of
-/// its base in between. Nested brackets belong to the outermost one; of several hooks the first given counts.
+/// An `onTransact` brackets its fields with `beginObject` and `endObject` for itself and calls its base's `onTransact`
+/// in between. Nested brackets belong to the outermost one; the first of several hooks counts.
 class NX_API Serializer {
 public:
     virtual ~Serializer() = default;

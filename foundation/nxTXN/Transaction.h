@@ -9,14 +9,14 @@ namespace nxTXN {
 
 /// Begins a transaction; leaving the scope without `commit` aborts it.
 ///
-/// Transactions begun inside must have ended by the time this one does. The manager must outlive it.
+/// Transactions begun inside must end before this one. The manager must outlive it.
 class NX_API Transaction {
 public:
     [[nodiscard]] explicit Transaction(Manager& manager, urString::CString const& name = {},
                                        TransactionKind kind = TransactionKind::recorded);
     Transaction(Transaction const&) = delete;
     Transaction& operator=(Transaction const&) = delete;
-    /// Reports what a hook throws instead of letting it out.
+    /// Reports exceptions of hooks instead of throwing them.
     ~Transaction();
 
     /// As `Manager::commit`; false when this transaction has ended already.
@@ -28,8 +28,8 @@ private:
     Manager* manager_;  // null once ended
 };
 
-/// Runs `change` in a recorded transaction: `edit(document, "Move", [&] { shape->move(x, y); })`. What it throws goes
-/// on to the caller when all that it did is taken back. False when transactions are not recorded here.
+/// Runs `change` in a recorded transaction: `edit(document, "Move", [&] { shape->move(x, y); })`. If `change` throws,
+/// its changes are reverted and the exception passes to the caller. False when transactions are not recorded here.
 template <class Change>
 bool edit(Manager& manager, urString::CString const& name, Change&& change) {
     Transaction transaction(manager, name);

@@ -1,4 +1,4 @@
-// The marks that pointers get when they are written.
+// Marks pointers as they are written.
 #include "foundation/nxTXN/Writer.h"
 
 #include "foundation/nxTXN/impl/words.h"

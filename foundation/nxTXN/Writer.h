@@ -16,7 +16,7 @@ namespace nxTXN {
 
 class Object;
 
-/// Something that counts its holders, as `ur::Reference` needs it.
+/// A class that counts its holders, as `ur::Reference` requires.
 template <class T>
 concept Counted = requires(T const& object) {
     object.ref();
@@ -28,7 +28,7 @@ namespace impl {
 class History;
 class Replay;
 
-/// How to hold an object that counts its holders, and how to let go of it.
+/// The operations that hold and release an object that counts its holders.
 struct Holding {
     void (*hold)(void const* object);
     void (*drop)(void const* object);
@@ -39,7 +39,7 @@ inline constexpr Holding holding = {[](void const* object) { static_cast<T const
 
 }  // namespace impl
 
-/// Appends bytes and pointers; the two are kept apart, each in the order written.
+/// Appends bytes and pointers; keeps the two separate, each in the order written.
 ///
 /// A record made from it keeps the targets of its pointers alive as `writePtr` says; the writer itself does not.
 /// One writer serves any number of objects one after the other without allocating again.
@@ -54,8 +54,8 @@ public:
         std::memcpy(data_.add(count), bytes, count);
     }
 
-    /// A transaction object is kept from being deleted; anything else that counts its holders is held; any other
-    /// pointer is an address whose target is the caller's affair. Null is fine.
+    /// Keeps a transaction object from being deleted; holds any other object that counts its holders. For other
+    /// pointers the caller must keep the target alive. Null is allowed.
     template <class T>
     void writePtr(T const* pointer) {
         if constexpr (std::is_same_v<Object, T>) {
@@ -70,12 +70,12 @@ public:
     }
     /// An address; nothing keeps its target.
     void writePtr(void const* address);
-    /// An address that is good for as long as `keeper` is; keeps the keeper.
+    /// An address that is valid as long as `keeper` lives; keeps the keeper.
     void writePtr(void const* address, Object const* keeper);
 
     void clear() noexcept { data_.size = words_.size = 0; }
     [[nodiscard]] std::span<std::byte const> data() const noexcept { return {data_.items.get(), data_.size}; }
-    /// The pointers, with the marks of how they are kept.
+    /// The pointers, marked with how they are kept.
     [[nodiscard]] std::span<std::uintptr_t const> words() const noexcept { return {words_.items.get(), words_.size}; }
 
 private:

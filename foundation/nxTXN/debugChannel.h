@@ -1,4 +1,4 @@
-// Where the histories say what they do.
+// The debug channel of histories.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -6,7 +6,7 @@
 
 namespace nxTXN {
 
-/// The channel of all managers of the process; disabled at first. The same thread as the managers.
+/// The channel of all managers of the process, disabled by default. Use it on the managers' thread.
 [[nodiscard]] NX_API urOS::DebugChannel& debugChannel();
 
 }  // namespace nxTXN

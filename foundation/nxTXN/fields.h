@@ -57,7 +57,7 @@ inline void read(Reader& reader, std::string& text) {
     reader.readData(text.data(), size);
 }
 
-/// An object that somebody else owns.
+/// An object that the record does not own.
 template <TransactionObject T>
 void write(Writer& writer, T* const& object) {
     writer.writePtr(static_cast<Object const*>(object));
@@ -72,7 +72,7 @@ void clear(Clear& /*cleared*/, T*& object) {
     object = nullptr;
 }
 
-/// A structure that lists its members, member by member.
+/// A structure that lists its members: saves each member.
 template <ur::ListsMembers T>
 void write(Writer& writer, T const& value) {
     ur::listConstMembers(value, [&writer](char const*, auto const& member) { write(writer, member); });
@@ -88,7 +88,7 @@ void clear(Clear& cleared, T& value) {
     });
 }
 
-/// Whether there is one, then it.
+/// Saves whether there is a value, then the value.
 template <class T>
 void write(Writer& writer, std::optional<T> const& value) {
     write(writer, value.has_value());

@@ -1,4 +1,4 @@
-// Refusing, and when to collect.
+// Refuses charges and schedules collections.
 #include "foundation/ur/Account.h"
 
 namespace ur {

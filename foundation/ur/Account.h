@@ -1,4 +1,4 @@
-// Counting the memory that scripts cause, in their own state and natively, against one limit.
+// Limits the memory that scripts cause, in their own state and natively.
 #pragma once
 
 #include <algorithm>
@@ -20,12 +20,12 @@ struct NX_API BudgetSpent : std::bad_alloc {
 
 /// The bytes that the objects of one reflection database own together with the script states that are bound to it.
 ///
-/// Native objects hold a `Charge` for what they own; the allocators of the states count what scripts allocate. A call
-/// of a script sets the limit for that time, and a collector that frees what scripts no longer use. Charges may be
-/// given back on any thread; everything else belongs to the thread of the scripts.
+/// Native objects hold a `Charge` for what they own; the states' allocators count what scripts allocate. A call into a
+/// script sets the limit for its duration, and a collector that frees what scripts no longer use. Charges may be
+/// released on any thread; everything else belongs to the scripts' thread.
 class NX_API Account {
 public:
-    /// Frees native objects that only garbage of scripts holds.
+    /// Frees native objects that only script garbage holds.
     class NX_API Collector {
     public:
         virtual void collect() noexcept = 0;
@@ -33,16 +33,16 @@ public:
     protected:
         ~Collector() = default;
     };
-    /// What holds while a script runs.
+    /// The limits while a script runs.
     struct Bounds {
-        std::size_t allowed = unlimited;    ///< bytes in use
-        std::size_t collectAt = unlimited;  ///< from here on garbage is looked for
-        std::size_t step = unlimited;       ///< after a collection, it is looked for again so much later
+        std::size_t allowed = unlimited;    ///< bytes that may be in use
+        std::size_t collectAt = unlimited;  ///< bytes in use at which garbage is collected
+        std::size_t step = unlimited;       ///< after a collection, the next follows this many bytes later
         Collector* collector = nullptr;
     };
 
     static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
-    /// So many native bytes are always allocated before the next collection.
+    /// The native bytes allocated at least between two collections.
     static constexpr std::size_t leastPace = std::size_t(1) << 20U;
 
     Account() = default;
@@ -51,29 +51,29 @@ public:
 
     [[nodiscard]] std::size_t native() const noexcept { return native_.load(std::memory_order_relaxed); }
     [[nodiscard]] std::size_t used() const noexcept { return script_ + native(); }
-    /// `bytes` more are within the limit.
+    /// Whether `bytes` more are within the limit.
     [[nodiscard]] bool allows(std::size_t bytes) const noexcept {
         return bytes <= bounds_.allowed - std::min(used(), bounds_.allowed);
     }
 
-    /// Counts native bytes. Throws `BudgetSpent`, with nothing counted, when they are too many even after a collection.
+    /// Counts native bytes. Throws `BudgetSpent`, without counting, when they exceed the limit even after a collection.
     void take(std::size_t bytes);
-    /// Counts bytes that are there already, whatever the limit.
+    /// Counts existing bytes, whatever the limit.
     void takeAnyway(std::size_t bytes) noexcept { native_.fetch_add(bytes, std::memory_order_relaxed); }
     void giveBack(std::size_t bytes) noexcept { native_.fetch_sub(bytes, std::memory_order_relaxed); }
-    /// Counts bytes of a script state, which may become fewer.
+    /// Counts bytes of a script state, which may also decrease.
     void changeScript(std::size_t more) noexcept { script_ += more; }
 
     [[nodiscard]] Bounds const& bounds() const noexcept { return bounds_; }
     void setBounds(Bounds const& bounds) noexcept { bounds_ = bounds; }
 
-    /// The collector of scripts does not see native bytes: so many have come, or so near is the limit, that it is to
-    /// run.
+    /// The scripts' collector does not see native bytes. True when so many were allocated, or the limit is so near,
+    /// that it should run.
     [[nodiscard]] bool wantsCollection() const noexcept {
         std::size_t const native = this->native();
         return native > nextNative_ || script_ + native > bounds_.collectAt;
     }
-    /// A collection has run: the next one is due when the native bytes have doubled, or when it costs little beside
+    /// A collection has run: the next is due when the native bytes have doubled, or when it costs little compared with
     /// what was allocated meanwhile.
     void noteCollection() noexcept;
 
@@ -84,7 +84,7 @@ private:
     Bounds bounds_;
 };
 
-/// What one object owns, on an account or on none. A copy is charged as well, or refused.
+/// The bytes that one object owns, charged to an account or to none. A copy is charged as well, or refused.
 class NX_API Charge {
 public:
     Charge() noexcept = default;

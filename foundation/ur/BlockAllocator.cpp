@@ -38,7 +38,7 @@ void BlockAllocator::deallocate(void* node) noexcept {
 void BlockAllocator::addBlock() {
     blocks_.push_back(std::make_unique<std::byte[]>(nodeBytes_ * nodesPerBlock_));
     std::byte* block = blocks_.back().get();
-    // Threaded from the back, so that nodes are handed out in address order.
+    // Linked from the back, so that nodes are allocated in address order.
     for (std::size_t i = nodesPerBlock_; i-- > 0;) {
         free_ = new (block + i * nodeBytes_) FreeBlock{static_cast<FreeBlock*>(free_)};
     }

@@ -1,4 +1,4 @@
-// A pool of equal nodes that are taken several at a time and released together.
+// A pool of equal nodes, allocated in blocks and freed together.
 #pragma once
 
 #include <cstddef>
@@ -9,10 +9,10 @@
 
 namespace ur {
 
-/// Hands out nodes of one size, a block of nodes at a time; all memory goes when the allocator goes.
+/// Allocates nodes of one size, a block of nodes at a time; the destructor frees all memory.
 ///
-/// Nodes given back are handed out again first. Objects in the nodes are the caller's: the allocator runs no
-/// destructor. One thread at a time.
+/// Freed nodes are reused first. The caller owns the objects in the nodes: the allocator runs no destructor. One thread
+/// at a time.
 class NX_API BlockAllocator {
 public:
     /// Nodes of `nodeBytes` bytes (rounded up to the strictest alignment), `nodesPerBlock` at a time (at least one).

@@ -1,4 +1,4 @@
-// An ordered map made for small dictionaries.
+// An ordered map for small dictionaries.
 #pragma once
 
 #include <algorithm>
@@ -24,13 +24,13 @@ struct MapAudit;
 
 }  // namespace impl
 
-/// Entries with unique keys in ascending order, for maps of which nearly all are small.
+/// Entries with unique keys in ascending order, for programs whose maps are nearly all small.
 ///
-/// A map of up to `blockSize` entries is one block, as long as needed when it was copied or reserved for, and growing
-/// by halves otherwise. A larger one is a B+tree of such blocks, which holds copies of some keys, perhaps of erased
+/// A map of up to `blockSize` entries is one block. A copy or a reservation allocates the exact length; otherwise the
+/// block grows by halves. A larger map is a B+tree of such blocks, which holds copies of some keys, perhaps of erased
 /// ones. The map itself is one pointer. Looking up, inserting and erasing take logarithmic time. Inserting and erasing
-/// move entries, which ends the validity of every iterator and reference into the map. Erasing never throws and
-/// inserting does all or nothing, if `Less` does not throw.
+/// move entries and invalidate all iterators and references into the map. If `Less` does not throw, erasing never
+/// throws and inserting does all or nothing.
 template <class Key, class Value, class Less, std::uint32_t blockSize = 64, std::uint32_t fanOut = 64>
 class BlockMap {
     using Block = impl::MapBlock<Key, Value, blockSize, fanOut>;
@@ -76,7 +76,7 @@ public:
 
     [[nodiscard]] iterator find(Key const& key) { return findAny<iterator>(key); }
     [[nodiscard]] const_iterator find(Key const& key) const { return findAny<const_iterator>(key); }
-    /// Looks up by whatever the order compares with keys.
+    /// Looks up by any type that the order compares with keys.
     template <class K>
     requires requires { typename Less::is_transparent; }
     [[nodiscard]] iterator find(K const& key) { return findAny<iterator>(key); }
@@ -97,7 +97,7 @@ public:
     }
 
     Value& operator[](Key const& key) { return try_emplace(key).first->second; }
-    /// Throws `std::out_of_range` when there is no such key.
+    /// Throws `std::out_of_range` when the key is missing.
     [[nodiscard]] Value& at(Key const& key) {
         iterator const place = find(key);
         if (place == end()) throw std::out_of_range("no such key");
@@ -128,7 +128,7 @@ public:
     }
     std::pair<iterator, bool> insert(value_type const& entry) { return try_emplace(entry.first, entry.second); }
     std::pair<iterator, bool> insert(value_type&& entry) { return try_emplace(entry.first, std::move(entry.second)); }
-    /// Without a look-up when the key belongs right before `hint`, and not between two blocks.
+    /// Skips the look-up when the key belongs directly before `hint`, and not between two blocks.
     template <class... Arguments>
     iterator try_emplace(const_iterator hint, Key key, Arguments&&... arguments) {
         bool const fits = (hint == end() || Less()(key, hint->first)) &&
@@ -140,12 +140,12 @@ public:
     iterator emplace_hint(const_iterator hint, K&& key, V&& value) {
         return try_emplace(hint, std::forward<K>(key), std::forward<V>(value));
     }
-    /// The value under the key that `key` makes, a new one if there is none: in few steps when it comes after all
-    /// others. Requires: `key` is not part of this map.
+    /// The value under the key that `key` makes; creates it if needed. Fast when the key comes after all others.
+    /// Requires: `key` is not part of this map.
     template <class K>
     Value& ascending(K const& key) {
         if (!first_ || first_->isFull() || first_->tree()) return inOrder(key);
-        // The key is made where it stays; only if that is the wrong place, it has to be made again.
+        // Creates the key in its final place; only if that place is wrong, the key is created again.
         Block& block = *first_;
         block.append(key, Value());
         std::uint32_t const last = block.size - 1;
@@ -153,7 +153,7 @@ public:
             return block[last].second;
         return inOrder(key, last);
     }
-    /// Requires: the key comes after all others, and neither argument is part of this map.
+    /// Requires: the key comes after all others; neither argument is part of this map.
     template <class K, class V>
     iterator emplaceLast(K&& key, V&& value) {
         if (!first_ || first_->isFull() || first_->tree()) [[unlikely]]
@@ -162,8 +162,7 @@ public:
         return {first_, first_->size - 1};
     }
 
-    /// Becomes a map with the keys of `other`, under each what `copy(Value const&)` makes of its value. Requires:
-    /// empty.
+    /// Copies the keys of `other`, each with the result of `copy(Value const&)` for its value. Requires: empty.
     template <class Copy>
     void copyWith(BlockMap const& other, Copy copy) {
         reserve(other.size());
@@ -172,10 +171,10 @@ public:
         }
     }
 
-    /// The place behind the erased entry.
+    /// Returns the position after the erased entry.
     iterator erase(const_iterator at) noexcept {
         Block* const block = at.block();
-        [[maybe_unused]] auto const erased = block->erase(at.index());  // goes when the map is whole again
+        [[maybe_unused]] auto const erased = block->erase(at.index());  // destroyed when the map is consistent again
         if (Tree* const tree = block->tree()) return refilled(*tree, at);
         if (block->size == 0) clear();
         return first_ ? iterator(block, at.index()) : iterator();
@@ -190,7 +189,7 @@ public:
     void clear() noexcept {
         clear([](Value& /*value*/) {});
     }
-    /// Lets `drop(Value&)` see each value before it goes.
+    /// Passes each value to `drop(Value&)` before destroying it.
     template <class Drop>
     void clear(Drop drop) noexcept {
         Block* block = std::exchange(first_, nullptr);
@@ -200,7 +199,7 @@ public:
     void swap(BlockMap& other) noexcept { std::swap(first_, other.first_); }
     friend void swap(BlockMap& a, BlockMap& b) noexcept { a.swap(b); }
 
-    /// Makes room in one block, if so many entries fit one.
+    /// Makes room in one block, if that many entries fit into one.
     void reserve(size_type entries) {
         entries = std::min<size_type>(entries, Block::full);
         if (entries > 0 && (!first_ || first_->capacity < entries)) grow(entries);
@@ -220,13 +219,13 @@ private:
     }
     [[nodiscard]] iterator behindLast() const noexcept { return {last(), first_ ? last()->size : 0}; }
 
-    /// The block that has or would get `key`.
+    /// The block that contains or would contain `key`.
     template <class K>
     [[nodiscard]] Block* blockFor(K const& key) const {
         Tree const* const tree = first_ ? first_->tree() : nullptr;
         return tree ? tree->template find<Less>(key) : first_;
     }
-    /// Where `key` is or would be put: perhaps behind the last entry of a block.
+    /// The position of `key` or its insertion position: perhaps after the last entry of a block.
     template <class K>
     [[nodiscard]] iterator placeFor(K const& key) const {
         Block* const block = blockFor(key);
@@ -248,14 +247,14 @@ private:
         return index < block->size ? Iterator(block, index) : Iterator(behindLast());
     }
 
-    /// The value under a key that may stand anywhere, or that was appended at `misplaced`.
+    /// The value of a key that may belong anywhere, or that was appended at `misplaced`.
     template <class K, class... Index>
     [[gnu::noinline]] Value& inOrder(K const& key, Index... misplaced) {
         (first_->erase(misplaced), ...);
         return try_emplace(end(), Key(key))->second;
     }
 
-    /// Appends to a map whose only block has no room, or that has several.
+    /// Appends to a map whose only block is full, or that has several blocks.
     template <class K, class V>
     [[gnu::noinline]] iterator appendFar(K&& key, V&& value) {
         Block* const block = last();
@@ -286,7 +285,7 @@ private:
         return place;
     }
 
-    /// Moves the only block, if there is one, into a larger one.
+    /// Moves the only block, if any, into a larger one.
     void grow(size_type capacity) {
         Block* const larger = Block::make(static_cast<std::uint32_t>(std::min<size_type>(capacity, Block::full)));
         if (first_) {
@@ -296,7 +295,7 @@ private:
         first_ = larger;
     }
 
-    /// After an entry has gone from a block of the tree: the place of the entry that followed it.
+    /// After an entry was erased from a block of the tree: the position of the entry that followed it.
     iterator refilled(Tree& tree, const_iterator at) noexcept {
         --tree.entries;
         auto const place = tree.refill(*at.block(), at.index());

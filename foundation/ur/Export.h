@@ -1,4 +1,4 @@
-// The mark of what the shared library shows to its users.
+// Marks the symbols that the shared library exports.
 #pragma once
 
 #if defined(_WIN32)

@@ -1,11 +1,11 @@
-// The base of private implementation records.
+// The base of private implementation classes.
 #pragma once
 
 #include "foundation/ur/Export.h"
 
 namespace ur {
 
-/// Base of the records that public classes keep behind a pointer; deleted through it, never copied.
+/// Base of the objects that public classes keep behind a pointer; deleted through it, never copied.
 class NX_API ImplBase {
 public:
     ImplBase() = default;

@@ -1,4 +1,4 @@
-// The blocks that an ordered map keeps its entries in.
+// The blocks of an ordered map's entries.
 #pragma once
 
 #include <algorithm>
@@ -28,7 +28,7 @@ class MapBranch;
 template <class Key, class Value, std::uint32_t blockSize, std::uint32_t fanOut>
 class MapTree;
 
-/// Entries in ascending order, with room for some more after them.
+/// Entries in ascending order, with spare room after them.
 ///
 /// A map of up to `full` entries is one block of any capacity. A larger one is a tree whose leaves are blocks of the
 /// capacity `full`, linked in both directions. Owned by its map.
@@ -40,10 +40,10 @@ public:
     using Tree = MapTree<Key, Value, blockSize, fanOut>;
 
     static constexpr std::uint32_t full = blockSize;
-    /// The least number of entries of a block in a tree, its last block excepted.
+    /// The fewest entries of a block in a tree, except its last block.
     static constexpr std::uint32_t least = full / 2;
 
-    /// Where a block stands in its tree; all null in a map of one block.
+    /// The block's position in its tree; all null in a map of one block.
     struct Links {
         MapBlock* previous = nullptr;
         MapBlock* next = nullptr;
@@ -59,7 +59,7 @@ public:
     static void destroy(MapBlock* block) noexcept {
         destroy(block, [](Value& /*value*/) {});
     }
-    /// Lets `drop` see each value before it goes.
+    /// Passes each value to `drop` before destroying it.
     template <class Drop>
     static void destroy(MapBlock* block, Drop&& drop) noexcept {
         for (std::uint32_t i = 0; i < block->size; ++i) {
@@ -89,8 +89,8 @@ public:
         return countBefore<std::min(6U, full / 2)>(
             size, [&, less = Less()](std::uint32_t i) { return less((*this)[i].first, key); });
     }
-    /// The entry with `key`, or `size`. Among few, asking for the equal one is cheaper than asking for the order, where
-    /// the key's type promises that both agree.
+    /// The entry with `key`, or `size`. Among few entries, testing equality is cheaper than order, if the key's type
+    /// promises that both agree.
     template <class Less, class K>
     [[nodiscard]] std::uint32_t find(K const& key) const {
         constexpr std::uint32_t few = std::min(8U, full / 2);
@@ -116,7 +116,7 @@ public:
         openGap(index, 1);
         new (&entries()[index]) Entry(std::move(key), std::move(value));
     }
-    /// Gives what was erased, whose destructors may come back to the map.
+    /// Returns the erased entry, whose destructors may access the map.
     std::pair<Key, Value> erase(std::uint32_t index) noexcept {
         Entry& entry = entries()[index];
         std::pair<Key, Value> erased(std::move(const_cast<Key&>(entry.first)), std::move(entry.second));
@@ -169,7 +169,7 @@ private:
         for (std::uint32_t i = index + count; i < size; ++i) relocate(entries()[i], entries()[i - count]);
         size -= count;
     }
-    /// Moves the key as well, which is constant to users only.
+    /// Moves the key as well, which is constant only for users.
     static void relocate(Entry& from, Entry& to) noexcept {
         new (&to) Entry(std::move(const_cast<Key&>(from.first)), std::move(from.second));
         std::destroy_at(&from);

@@ -13,18 +13,18 @@
 
 namespace ur::impl {
 
-/// An inner node: children, all blocks or all branches, and a separator between each two of them.
+/// An inner node: children, all blocks or all branches, and a separator between each two neighbours.
 ///
-/// Every key in a child is not before the separator to its left, and before the separator to its right. Separators are
-/// copies of keys, perhaps of entries that have gone. Owns separators, not children. Has room for one child too many,
-/// so that it is split after the insertion.
+/// No key in a child is before the separator on its left, and every key is before the separator on its right.
+/// Separators are copies of keys, perhaps of erased entries. Owns separators, not children. Has room for one extra
+/// child, so that it is split after the insertion.
 template <class Key, class Value, std::uint32_t blockSize, std::uint32_t fanOut>
 class MapBranch {
 public:
     using Block = MapBlock<Key, Value, blockSize, fanOut>;
 
     static constexpr std::uint32_t full = fanOut;
-    /// The least number of children, but for the root and the last branch of a level, which have two or more.
+    /// The fewest children, except for the root and the last branch of a level, which have two or more.
     static constexpr std::uint32_t least = (full + 1) / 2;
 
     MapBranch() noexcept = default;
@@ -38,12 +38,12 @@ public:
     [[nodiscard]] MapBranch& branch(std::uint32_t index) const noexcept {
         return *static_cast<MapBranch*>(children_[index]);
     }
-    /// The one before child `index`. Requires: at least one.
+    /// The separator before child `index`. Requires: `index` is at least one.
     [[nodiscard]] Key& separator(std::uint32_t index) noexcept {
         return reinterpret_cast<Key*>(separators_)[index - 1];
     }
 
-    /// The child whose range has `key`.
+    /// The child whose range includes `key`.
     template <class Less, class K>
     [[nodiscard]] std::uint32_t childFor(K const& key) const {
         auto const* const separators = reinterpret_cast<Key const*>(separators_);
@@ -60,15 +60,15 @@ public:
         size = 1;
         put(0, child);
     }
-    /// Puts a child behind another one. Requires: `index` is at least one.
+    /// Inserts a child after another one. Requires: `index` is at least one.
     void insert(std::uint32_t index, Key&& before, void* child) noexcept {
         insertAt(index, index, std::move(before), child);
     }
     void append(Key&& before, void* child) noexcept { insertAt(size, size, std::move(before), child); }
-    /// Takes out a child, and the separator before it. Requires: `index` is at least one.
+    /// Removes a child and the separator before it. Requires: `index` is at least one.
     void erase(std::uint32_t index) noexcept { eraseAt(index, index); }
 
-    /// Moves the children from `index` on to a new branch; the separator between the two.
+    /// Moves the children from `index` on to a new branch; returns the separator between the two.
     [[nodiscard]] Key split(std::uint32_t index, MapBranch& added) noexcept {
         Key parting(std::move(separator(index)));
         added.setFirst(children_[index]);
@@ -76,7 +76,7 @@ public:
         while (size > index) eraseAt(size - 1, size - 1);
         return parting;
     }
-    /// Takes all children of the next branch, which `parting` was before.
+    /// Takes all children of the next branch; `parting` was the separator before it.
     void takeAll(MapBranch& next, Key&& parting) noexcept {
         append(std::move(parting), next.children_[0]);
         for (std::uint32_t i = 1; i < next.size; ++i) append(std::move(next.separator(i)), next.children_[i]);
@@ -97,7 +97,7 @@ public:
 
     MapBranch* parent = nullptr;
     std::uint32_t size = 0;   ///< the number of children
-    std::uint32_t level = 0;  ///< above that of the branches whose children are blocks
+    std::uint32_t level = 0;  ///< height above the branches whose children are blocks
 
 private:
     static_assert(full >= 3);

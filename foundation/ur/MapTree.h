@@ -15,13 +15,13 @@ namespace ur::impl {
 
 /// A B+tree: blocks as leaves, linked in both directions, and branches above them.
 ///
-/// After every operation: every key is in the range that the separators above it give (see `MapBranch`). All blocks
-/// are on one level. No block is empty, no branch has less than two children, and no node more than `full` entries or
-/// children. Each has at least `least`, with three exceptions: the root; the last node of a level, so that keys that
-/// come in order fill the nodes before it; a block whose new separator could not be copied. Restructuring follows
-/// links and never compares keys.
+/// After every operation: every key is in the range given by the separators above it (see `MapBranch`). All blocks are
+/// on one level. No block is empty, no branch has fewer than two children, and no node more than `full` entries or
+/// children. Each has at least `least`, with three exceptions: the root; the last node of a level, so that ascending
+/// keys fill the nodes before it; a block whose new separator could not be copied. Restructuring follows links and
+/// never compares keys.
 ///
-/// Owns its branches; the map owns the blocks, and the tree as long as it has two blocks or more.
+/// Owns its branches; the map owns the blocks, and owns the tree while it has two or more blocks.
 template <class Key, class Value, std::uint32_t blockSize, std::uint32_t fanOut>
 class MapTree {
 public:
@@ -33,14 +33,14 @@ public:
         std::uint32_t index;
     };
 
-    /// Over one block, to be split next.
+    /// A tree over one block, which is split next.
     explicit MapTree(Block& only) : entries(only.size), root_(new Branch), last_(&only) {
         root_->setFirst(&only);
         only.links().tree = this;
     }
     MapTree(MapTree const&) = delete;
     MapTree& operator=(MapTree const&) = delete;
-    /// Lets go of its only block, if it has no others.
+    /// Unlinks its only block, if it has no others.
     ~MapTree() {
         if (hasOneBlock()) root_->block(0).links() = {};
         destroy(root_);
@@ -49,7 +49,7 @@ public:
     [[nodiscard]] bool hasOneBlock() const noexcept { return root_->level == 0 && root_->size == 1; }
     [[nodiscard]] Block* last() const noexcept { return last_; }
 
-    /// The block that has or would get `key`. Out of line, so that looking up in small maps stays short.
+    /// The block that contains or would contain `key`. Out of line, so that look-ups in small maps stay short.
     template <class Less, class K>
     [[nodiscard, gnu::noinline]] Block* find(K const& key) const {
         Branch const* branch = root_;
@@ -57,8 +57,8 @@ public:
         return &branch->block(branch->template childFor<Less>(key));
     }
 
-    /// Puts a block behind a full one, with half of its entries; with none if `key`, which is to stand at `index`,
-    /// comes last of all. Gives the new place of `key`. If it throws, nothing has changed.
+    /// Inserts a block after a full one and moves half of its entries there; none if `key`, to be inserted at `index`,
+    /// comes last of all. Returns the new place of `key`. Changes nothing if it throws.
     Place split(Block& block, std::uint32_t index, Key const& key) {
         bool const comesLast = &block == last_ && index == Block::full;
         std::uint32_t const left = comesLast ? Block::full : Block::full / 2;
@@ -71,8 +71,8 @@ public:
         return comesLast || index > left ? Place{added, index - left} : Place{&block, index};
     }
 
-    /// Fills a block that has lost an entry, from a neighbour or with all of it. Gives the new place of what was at
-    /// `index`.
+    /// Refills a block that has lost an entry from a neighbour, or merges the two. Returns the new place of the entry
+    /// at `index`.
     Place refill(Block& block, std::uint32_t index) noexcept {
         if (block.size >= Block::least) return {&block, index};
         Branch& parent = *block.links().parent;
@@ -106,7 +106,7 @@ private:
         delete branch;
     }
 
-    /// The branches that splitting the block will add.
+    /// Allocates the branches that splitting the block will add.
     [[nodiscard]] static Spares sparesAbove(Block& block) {
         Spares spares;
         Branch const* branch = block.links().parent;
@@ -133,7 +133,7 @@ private:
         block.previous()->links().next = block.next();
     }
 
-    /// Puts `added` into `branch` behind `child`, and so on upwards as long as branches have to be split.
+    /// Inserts `added` into `branch` after `child`, and splits full branches upwards.
     void insertBehind(void const* child, Branch* branch, Key separator, void* added, Spares& spares) noexcept {
         while (true) {
             std::uint32_t const index = branch->indexOf(child) + 1;
@@ -161,8 +161,8 @@ private:
         return true;
     }
 
-    /// Lets the first of two neighbours have `count` of their entries. Leaves them as they are where the key that will
-    /// part them cannot be copied: this runs for erasing, which must not fail.
+    /// Distributes the entries of two neighbours so that the first has `count`. Leaves them as they are if the
+    /// separating key cannot be copied: erasing calls this and must not fail.
     static void share(Block& first, Block& second, std::uint32_t count, Key& separator) noexcept {
         try {
             Key parting(count < first.size ? first[count].first : second[count - first.size].first);
@@ -174,7 +174,7 @@ private:
         Block::share(first, second, count);
     }
 
-    /// Fills a branch that has lost a child, and so on upwards as long as branches go.
+    /// Refills a branch that has lost a child, and its ancestors as long as branches are removed.
     void refill(Branch& branch) noexcept {
         Branch* const parent = branch.parent;
         if (!parent) return dropNeedlessRoot();

@@ -1,12 +1,11 @@
-// Size-classed regions, owned by one thread each, that any thread may give nodes back to.
+// Node storage: size-classed regions, each owned by one thread; any thread may free nodes into them.
 //
-// Every thread has a heap; a heap has, for each node size, a list of regions that have room, and takes all that is
-// free in one of them at a time. A node given back by the heap's own thread goes onto its region's free list. A node
-// given back by another thread goes onto the heap's `returned` stack, which the owner empties before it looks for
-// another region. When a thread ends, its
-// heap waits, with all its regions, for the next thread that needs one; until then threads that return nodes to it
-// empty the stack now and then under the pool's lock. So heaps never outnumber the threads that ever ran at
-// one time, and nothing that was given back stays out of reach.
+// Every thread has a heap. For each node size, a heap has a list of regions with room and takes all free nodes of one
+// region at a time. A node freed by the heap's own thread goes to its region's free list. A node freed by another
+// thread goes to the heap's `returned` stack, which the owner empties before it looks for another region. When a thread
+// ends, its heap waits with all its regions for the next thread that needs one; meanwhile threads that free nodes into
+// it empty the stack now and then under the pool's lock. So there are never more heaps than threads that ran at one
+// time, and no freed node becomes unreachable.
 #include "foundation/ur/NodeHeap.h"
 
 #include <atomic>
@@ -17,7 +16,7 @@
 
 #include "foundation/ur/impl/Region.h"
 
-// Under AddressSanitizer every node is an allocation of its own, so that use after release is seen.
+// Under AddressSanitizer every node is a separate allocation, so that use after free is detected.
 #if defined(__SANITIZE_ADDRESS__)
 #define NX_PLAIN_NODES 1
 #elif defined(__has_feature)
@@ -51,7 +50,7 @@ namespace impl {
 
 constexpr unsigned returnsPerSweep = 1024;
 
-/// The nodes of one thread, or of one that has ended.
+/// The nodes of one thread, which may have ended.
 class Heap {
 public:
     [[nodiscard]] NodeBin* bins() noexcept { return bins_; }
@@ -76,7 +75,7 @@ public:
         }
     }
 
-    /// Puts the nodes that other threads gave back where they belong. Owner only.
+    /// Returns the nodes freed by other threads to their regions. Owner only.
     void sweep() noexcept {
         FreeNode* node = returned_.exchange(nullptr, std::memory_order_acquire);
         while (node) {
@@ -95,7 +94,7 @@ private:
         return allocate(sizeClass);
     }
 
-    /// Fills the empty bin with all that one region has, which then counts as being in use.
+    /// Fills the empty bin with all free nodes of one region, which then count as being in use.
     void refill(std::size_t sizeClass) {
         if (returned_.load(std::memory_order_relaxed)) sweep();
         while (Region* const region = withRoom_[sizeClass]) {
@@ -124,8 +123,8 @@ private:
         list(region);
     }
 
-    /// Looks at a region to which `count` nodes came, as many as it was left alone for. One that has just become usable
-    /// again is listed, and an empty one released, unless it is the one that nodes of its size come from.
+    /// Checks a region to which `count` nodes were returned since the last check. Lists a region that has become usable
+    /// again, and releases an empty one, unless nodes of its size currently come from it.
     void settle(Region* region, std::uint32_t count) noexcept {
         if (!region->listed) {
             list(region);
@@ -137,7 +136,7 @@ private:
         RegionSource::instance().put(region);
     }
 
-    /// The first region stays first while it has room, so that nodes asked for together lie together.
+    /// The first region stays first while it has room, so that nodes allocated together lie together.
     void list(Region* region) noexcept {
         Region*& first = withRoom_[region->sizeClass];
         region->listed = true;
@@ -162,7 +161,7 @@ private:
 
     static constexpr std::size_t sizeClasses = sizeClassOf(largestNode) + 1;
 
-    NodeBin bins_[sizeClasses];  // what was taken from the first region with room
+    NodeBin bins_[sizeClasses];  // nodes taken from the first region with room
     Region* withRoom_[sizeClasses] = {};
     std::atomic<FreeNode*> returned_ = nullptr;
 };
@@ -201,11 +200,11 @@ private:
     Heap* first_ = nullptr;
 };
 
-// Plain pointers, so that a look-up is one load and nodes may be given back after the thread's other locals went.
+// Plain pointers, so that a look-up is one load and nodes may be freed after the thread's other locals are destroyed.
 [[gnu::tls_model("initial-exec")]] constinit thread_local Heap* currentHeap = nullptr;
 [[gnu::tls_model("initial-exec")]] constinit thread_local unsigned foreignReturns = 0;
 
-/// Hands the heap on when its thread ends.
+/// Passes the heap on when its thread ends.
 struct HeapGuard {
     ~HeapGuard() {
         if (Heap* heap = std::exchange(currentHeap, nullptr)) HeapPool::instance().put(heap);
@@ -225,7 +224,7 @@ Heap& heapOfThread() {
 
 NodeBin* nodeBins() { return heapOfThread().bins(); }
 
-/// Gives back linked nodes of a region of another thread's heap.
+/// Frees linked nodes of a region of another thread's heap.
 [[gnu::noinline]] void giveBackElsewhere(Heap* heap, FreeNode* first, FreeNode* last, std::uint32_t count) noexcept {
     heap->giveBackFromElsewhere(first, last);
     unsigned const before = foreignReturns / returnsPerSweep;

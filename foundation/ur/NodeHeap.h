@@ -8,19 +8,17 @@
 
 namespace ur {
 
-/// Storage of `bytes` bytes, aligned for any object of that size that plain `new` would do for. Throws
-/// `std::bad_alloc`.
+/// Allocates `bytes` bytes, aligned as plain `new` would align any object of that size. Throws `std::bad_alloc`.
 ///
-/// Made for trees of small nodes: sizes up to 256 bytes come from regions that hold one size each, cost no
-/// header per node and lie in the order in which they were asked for. Any thread may take a node, any other
-/// may give it back: neither waits for a lock, and a region's memory returns to the system when its last node
-/// is gone.
+/// Made for trees of small nodes: sizes up to 256 bytes come from regions of one size each, have no header per node and
+/// lie in the order of allocation. Any thread may allocate a node and any other may free it; neither waits for a lock.
+/// A region's memory returns to the system when its last node is freed.
 [[nodiscard]] NX_API void* allocateNode(std::size_t bytes);
 
-/// Gives back what `allocateNode(bytes)` gave; null is ignored.
+/// Frees a node from `allocateNode(bytes)`; null is ignored.
 NX_API void deallocateNode(void* node, std::size_t bytes) noexcept;
 
-/// A base of classes whose objects are nodes; those with more alignment than usual come from the general allocator.
+/// Base of classes whose objects are nodes; over-aligned objects come from the general allocator.
 struct NodeAllocated {
     static void* operator new(std::size_t bytes) { return allocateNode(bytes); }
     static void* operator new(std::size_t bytes, std::align_val_t alignment) {
@@ -32,7 +30,7 @@ struct NodeAllocated {
     }
 };
 
-/// The same storage for the standard's containers.
+/// An allocator for standard containers that uses the node storage.
 template <class T>
 struct NodeAllocator {
     using value_type = T;

@@ -1,4 +1,4 @@
-// Taking and giving back the nodes of whole trees.
+// Allocates and frees the nodes of whole trees.
 #pragma once
 
 #include <cstddef>
@@ -12,25 +12,25 @@ namespace ur {
 
 namespace impl {
 
-/// Nodes of one size lie together in aligned pieces of memory of so many bytes.
+/// The size of the aligned memory regions that hold nodes of one size.
 inline constexpr std::size_t regionBytes = 32 * 1024;
 inline constexpr std::size_t largestNode = 256;
 inline constexpr std::size_t nodeGranule = 8;
 
 constexpr std::size_t sizeClassOf(std::size_t bytes) noexcept { return (bytes + nodeGranule - 1) / nodeGranule; }
 
-/// A node that was given back.
+/// A free node.
 struct FreeNode {
     FreeNode* next;
 };
 
-/// What a thread's next nodes of one size are taken from.
+/// The source of a thread's next nodes of one size.
 struct NodeBin {
-    char* fresh = nullptr;  ///< never handed out from here to `freshEnd`
+    char* fresh = nullptr;  ///< unused memory from here to `freshEnd`
     char* freshEnd = nullptr;
     FreeNode* free = nullptr;
 
-    /// Null when there is none left.
+    /// Null when it is empty.
     [[nodiscard]] void* take(std::size_t bytes) noexcept {
         if (fresh != freshEnd) [[likely]] {
             char* const node = fresh;
@@ -45,13 +45,13 @@ struct NodeBin {
 
 /// This thread's bins, by size class.
 [[nodiscard]] NX_API NodeBin* nodeBins();
-/// Gives back `count` nodes of one region, linked from `first` to `last`.
+/// Frees `count` nodes of one region, linked from `first` to `last`.
 NX_API void giveBackNodes(FreeNode* first, FreeNode* last, std::uint32_t count) noexcept;
 
 }  // namespace impl
 
-/// Hands out what `allocateNode` would, nearly always without a call. For code that makes whole trees; stays on the
-/// thread that made it.
+/// Allocates as `allocateNode` does, nearly always without a call. For code that builds whole trees; stays on the
+/// thread that created it.
 class NodeSource {
 public:
     NodeSource() : bins_(impl::nodeBins()) {}
@@ -69,8 +69,8 @@ private:
     impl::NodeBin* bins_;
 };
 
-/// Does what `deallocateNode` would, for many nodes of one size that lie near each other. For code that drops whole
-/// trees; all nodes are back when it is destroyed.
+/// Frees as `deallocateNode` does, for many nodes of one size that lie near each other. For code that destroys whole
+/// trees; its destructor frees the rest.
 class NodeBatch {
 public:
     NodeBatch() noexcept = default;
@@ -96,7 +96,7 @@ private:
         if (count_ > 0) impl::giveBackNodes(first_, last_, count_);
     }
 
-    impl::FreeNode* first_ = nullptr;  ///< linked up to `last_`, which links to anything
+    impl::FreeNode* first_ = nullptr;  ///< linked up to `last_`, whose own link is undefined
     impl::FreeNode* last_ = nullptr;
     std::uint32_t count_ = 0;
 };

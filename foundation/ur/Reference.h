@@ -12,9 +12,9 @@
 
 namespace ur {
 
-/// Holds one count of an object of a class with `ref()` and `unref()`, or nothing.
+/// Holds one count of an object whose class has `ref()` and `unref()`, or nothing.
 ///
-/// Copying adds a holder, moving does not touch the count. Not checked: dereferencing a null reference.
+/// Copying adds a holder, moving does not change the count. Dereferencing a null reference is not checked.
 template <class T>
 class Reference {
 public:
@@ -22,7 +22,7 @@ public:
 
     constexpr Reference() noexcept = default;
     constexpr Reference(std::nullptr_t) noexcept {}
-    /// Adds a holder to `object`, which may be null. Objects fresh from `new` can so be handed over as they are.
+    /// Adds a holder to `object`, which may be null. So the result of `new` can be passed directly.
     Reference(T* object) noexcept : object_(object) {
         if (object_) object_->ref();
     }
@@ -38,7 +38,7 @@ public:
         if (object_) object_->unref();
     }
 
-    /// The former object loses its holder only after the new one is in place, so its destructor may look here.
+    /// The former object loses its holder only after the new one is in place, so its destructor may use this reference.
     Reference& operator=(Reference other) noexcept {
         std::swap(object_, other.object_);
         return *this;
@@ -52,7 +52,7 @@ public:
 
     void reset() noexcept { *this = Reference(); }
     void reset(T* object) noexcept { *this = Reference(object); }
-    /// Gives up the object without dropping the count, which the caller owns from here on.
+    /// Returns the object without dropping the count, which the caller then owns.
     [[nodiscard]] T* release() noexcept { return std::exchange(object_, nullptr); }
     void swap(Reference& other) noexcept { std::swap(object_, other.object_); }
 
@@ -95,7 +95,7 @@ template <class U, class T>
 
 }  // namespace ur
 
-/// Vectors of references are the many small arrays of value trees: their elements lie where the nodes of the trees do.
+/// Vectors of references are the many small arrays of value trees: they use the same storage as the trees' nodes.
 template <class T>
 struct std::allocator<ur::Reference<T>> {
     using value_type = ur::Reference<T>;

@@ -1,11 +1,11 @@
-// The plain intrusive count of objects that one thread at a time uses.
+// The non-atomic intrusive reference count.
 #pragma once
 
 #include "foundation/ur/Export.h"
 
 namespace ur {
 
-/// Base of objects that are shared by `ur::Reference` and delete themselves when the last one goes.
+/// Base of objects that are shared by `ur::Reference` and delete themselves with the last reference.
 ///
 /// A new object has the count 0 and belongs to its first reference. A copied object starts unshared, and
 /// assigning leaves both counts alone. The count is not atomic: an object that two threads may hold at the
@@ -27,7 +27,7 @@ protected:
     ReferenceCount& operator=(ReferenceCount const& /*other*/) noexcept { return *this; }
     virtual ~ReferenceCount() = default;
 
-    /// Drops one holder and never deletes: for a constructor that has held its object while others might let go of it.
+    /// Drops one holder and never deletes: for constructors that held their object while others could release it.
     void unrefInConstructor() const noexcept { --count_; }
 
 private:

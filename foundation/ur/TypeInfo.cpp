@@ -1,4 +1,4 @@
-// Class names for people.
+// Readable class names.
 #include "foundation/ur/TypeInfo.h"
 
 #include "foundation/ur/impl/demangle.h"

@@ -31,9 +31,9 @@ public:
         return TypeInfo(typeid(object));
     }
 
-    /// The name as the platform's type identity spells it (mangled where the platform mangles).
+    /// The platform's name of the type (mangled where the platform mangles).
     [[nodiscard]] char const* name() const noexcept { return info_->name(); }
-    /// The name as it reads in source, namespace included; the platform's spelling where that is unknown.
+    /// The name in source form, namespace included; the platform's name if it cannot be demangled.
     [[nodiscard]] std::string readableName() const;
     [[nodiscard]] std::size_t hash() const noexcept { return info_->hash_code(); }
 

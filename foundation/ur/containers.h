@@ -1,4 +1,4 @@
-// The framework's containers: the standard sequences, and an ordered map made for small dictionaries.
+// The framework's containers: standard sequences, and an ordered map for small dictionaries.
 #pragma once
 
 #include <functional>
@@ -17,13 +17,13 @@ using vector = std::vector<T>;
 template <class T>
 using list = std::list<T>;
 
-/// The order that maps use by default: the type's own `<`.
+/// The default order of maps: the type's own `<`.
 template <class T>
 struct less {
     bool operator()(T const& a, T const& b) const { return a < b; }
 };
 
-/// Ordered by key, unique keys, `operator[]` finds or inserts, walks in ascending order.
+/// An ordered map with unique keys: `operator[]` finds or inserts, iteration is in ascending order.
 template <class Key, class Value, class Less = less<Key>>
 using map = BlockMap<Key, Value, Less>;
 

@@ -1,4 +1,4 @@
-// How a type of one's own says what it is made of, once for all forms that values take.
+// Describes user-defined types once for all value formats.
 //
 // An enumeration names its values, a structure lists its members, each in a function beside the type:
 //

@@ -1,4 +1,4 @@
-// Names of code: demangling, and asking the dynamic linker.
+// Finds function names by demangling and through the dynamic linker.
 #include "foundation/ur/functionName.h"
 
 #include <cstdint>

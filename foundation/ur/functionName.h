@@ -7,8 +7,8 @@
 
 namespace ur {
 
-/// The name of the function as it reads in source, where its program exports it; otherwise the program or library
-/// and the offset in it, as "libTool.so+0x1b30", which debuggers resolve; otherwise the address.
+/// The function's name in source form, if its program exports it; otherwise the program or library and the offset in
+/// it, as "libTool.so+0x1b30", which debuggers resolve; otherwise the address.
 [[nodiscard]] NX_API std::string functionName(void (*function)());
 
 }  // namespace ur

@@ -5,8 +5,8 @@
 
 namespace ur::impl {
 
-/// How many of the indices below `count` are `before`: all of those come first. The last `few` are asked one after the
-/// other.
+/// The number of indices below `count` for which `before` is true: those come first. The last `few` are tested one by
+/// one.
 template <std::uint32_t few, class Before>
 [[nodiscard]] std::uint32_t countBefore(std::uint32_t count, Before before) {
     std::uint32_t first = 0;

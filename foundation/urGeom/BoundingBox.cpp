@@ -1,4 +1,4 @@
-// Growing and asking bounding boxes.
+// Extends and tests bounding boxes.
 #include "foundation/urGeom/BoundingBox.h"
 
 #include <algorithm>

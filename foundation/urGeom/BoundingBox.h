@@ -1,4 +1,4 @@
-// Boxes along the axes in single precision.
+// Axis-aligned boxes in single precision.
 #pragma once
 
 #include <limits>
@@ -8,10 +8,10 @@
 
 namespace urGeom {
 
-/// The smallest box along the axes around what it was given, half the size of a `Range3d`.
+/// The smallest axis-aligned box around the included values, half the size of a `Range3d`.
 ///
-/// Corners are rounded outwards, so that nothing included ever lies outside. Empty by default. A plain value whose
-/// six floats, the lower corner first, are the whole storage.
+/// Corners are rounded outwards, so that every included point stays inside. Empty by default. A plain value; its six
+/// floats, the lower corner first, are the whole storage.
 class NX_API BoundingBox {
 public:
     BoundingBox() noexcept = default;

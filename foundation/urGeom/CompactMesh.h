@@ -17,12 +17,12 @@ using Triangle = std::array<std::uint32_t, 3>;
 
 /// Vertices in single precision and triangles between them; shared by reference.
 ///
-/// Every vertex number in a triangle is that of a vertex. One thread changes it, several may read it.
+/// Every vertex number in a triangle is valid. One thread changes the mesh, several may read it.
 class NX_API CompactMesh : public ur::ReferenceCount {
 public:
-    /// The number of the new vertex.
+    /// Returns the number of the new vertex.
     std::uint32_t addVertex(urLinear::Point const& position);
-    /// False, and nothing added, when a vertex is missing or named twice.
+    /// False, and nothing added, when a vertex does not exist or is named twice.
     bool addTriangle(Triangle const& triangle);
     void reserve(std::size_t vertices, std::size_t triangles);
 
@@ -33,13 +33,13 @@ public:
     [[nodiscard]] Triangle const& triangle(std::uint32_t number) const { return triangles_[number]; }
     void moveVertex(std::uint32_t number, urLinear::Point const& position);
 
-    /// The place that a coordinate names. Requires: its triangle exists.
+    /// The position that a coordinate names. Requires: its triangle exists.
     [[nodiscard]] urLinear::Point at(MeshCoord const& coord) const;
-    /// The zero normal for a triangle without area.
+    /// Zero for a triangle without area.
     [[nodiscard]] urLinear::Normal normal(std::uint32_t triangle) const;
     [[nodiscard]] BoundingBox bounds() const;
 
-    /// What the mesh occupies, itself and its arrays. A class that keeps more adds it.
+    /// The bytes of the mesh, its arrays included. Derived classes add what they own.
     [[nodiscard]] virtual std::uint32_t numBytes() const;
 
 private:

@@ -1,4 +1,4 @@
-// Adjacency from sorted lists of edges.
+// Computes adjacency from sorted lists of edges.
 #include "foundation/urGeom/MeshAdjacency.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 namespace urGeom {
 namespace {
 
-/// One side of a triangle; both triangles at an edge give the same vertices.
+/// One side of a triangle; both triangles at an edge list the same vertices.
 struct Side {
     std::pair<std::uint32_t, std::uint32_t> vertices;
     std::uint32_t triangle;

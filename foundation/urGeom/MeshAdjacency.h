@@ -1,4 +1,4 @@
-// Which triangles and vertices of a mesh lie beside each other.
+// Neighbouring triangles and vertices of a mesh.
 #pragma once
 
 #include <cstdint>
@@ -8,10 +8,10 @@
 
 namespace urGeom {
 
-/// The number that stands for no triangle.
+/// The number that means: no triangle.
 constexpr std::uint32_t noTriangle = 0xFFFFFFFF;
 
-/// The neighbours of every triangle across its three edges, as the mesh was when they were found.
+/// The neighbours of every triangle across its three edges, computed once from a mesh.
 class NX_API MeshAdjTris {
 public:
     explicit MeshAdjTris(CompactMesh const& mesh);
@@ -30,7 +30,7 @@ private:
     ur::vector<std::array<std::uint32_t, 3>> neighbours_;
 };
 
-/// The vertices that share an edge with each vertex, in ascending order, as the mesh was when they were found.
+/// The vertices that share an edge with each vertex, in ascending order, computed once from a mesh.
 class NX_API MeshAdjVertices {
 public:
     explicit MeshAdjVertices(CompactMesh const& mesh);
@@ -41,7 +41,7 @@ public:
     [[nodiscard]] std::uint32_t numBytesUsed() const noexcept;
 
 private:
-    ur::vector<std::uint32_t> starts_;  // of each vertex's run in `neighbours_`, and the end of the last
+    ur::vector<std::uint32_t> starts_;  // the start of each vertex's run in `neighbours_`, then the end of the last run
     ur::vector<std::uint32_t> neighbours_;
 };
 

@@ -1,4 +1,4 @@
-// Places on the surface of a mesh.
+// Positions on the surface of a mesh.
 #pragma once
 
 #include <array>
@@ -8,7 +8,7 @@
 
 namespace urGeom {
 
-/// A place in a triangle of a mesh: the shares of the triangle's three vertices, which sum to 1 inside it, and the
+/// A position in a triangle of a mesh: the weights of the triangle's three vertices, which sum to 1 inside it, and the
 /// number of the triangle. The first vertex of triangle 0 by default. A plain value.
 struct NX_API MeshCoord {
     std::array<double, 3> weights = {1, 0, 0};

@@ -1,4 +1,4 @@
-// Subsets as rows of bits.
+// Sets of triangles as bits.
 #include "foundation/urGeom/MeshSubset.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Some of the triangles of a mesh.
+// Subsets of the triangles of a mesh.
 #pragma once
 
 #include <cstddef>
@@ -10,17 +10,17 @@
 
 namespace urGeom {
 
-/// A set of triangle numbers, one bit for each triangle of the mesh it was made for. A value.
+/// A set of triangle numbers, one bit per triangle of the mesh. A value.
 class NX_API MeshSubset {
 public:
-    /// Empty, for numbers below `triangleCount`; other numbers are never in it.
+    /// An empty set for numbers below `triangleCount`; it never contains other numbers.
     explicit MeshSubset(std::uint32_t triangleCount = 0);
 
     void insert(std::uint32_t triangle);
     void remove(std::uint32_t triangle);
     [[nodiscard]] bool contains(std::uint32_t triangle) const noexcept;
     [[nodiscard]] std::uint32_t count() const noexcept;
-    /// Adds every triangle that lies beside one in the set.
+    /// Adds every triangle adjacent to one in the set.
     void grow(MeshAdjTris const& adjacency);
 
     [[nodiscard]] std::uint32_t numBytesUsed() const noexcept;

@@ -1,4 +1,4 @@
-// Corners and contents of oriented boxes.
+// Corners of oriented boxes, and point tests.
 #include "foundation/urGeom/OrientedBox.h"
 
 #include <cmath>

@@ -11,7 +11,7 @@ namespace urGeom {
 
 /// A box given by its centre, the directions of its edges and half the length of each. A point by default.
 ///
-/// A plain value; the axes are meant to be at right angles to each other, which nothing checks.
+/// A plain value; the axes should be at right angles to each other, but nothing checks this.
 struct NX_API OrientedBox {
     urLinear::Point center;
     std::array<urLinear::Normal, 3> axes = {urLinear::Normal(1, 0, 0), urLinear::Normal(0, 1, 0),

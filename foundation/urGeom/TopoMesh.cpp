@@ -1,4 +1,4 @@
-// Building a mesh of connected elements, and walking over it.
+// Builds and traverses meshes of connected elements.
 #include "foundation/urGeom/TopoMesh.h"
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 namespace urGeom {
 namespace {
 
-/// Finds the edge between two vertices, whichever comes first.
+/// Finds the edge between two vertices, in either order.
 class EdgeTable {
 public:
     impl::TopoEdge*& at(std::uint32_t a, std::uint32_t b) {

@@ -1,4 +1,4 @@
-// Meshes whose vertices, edges and faces know each other.
+// Meshes with connected vertices, edges and faces.
 #pragma once
 
 #include <array>
@@ -31,7 +31,7 @@ struct TopoFace {
     std::array<TopoEdge*, 3> edges;
 };
 
-/// What the handles share: one pointer to an element of a mesh, or null. Good for as long as the mesh is.
+/// The common part of the handles: a pointer to an element of a mesh, or null. Valid as long as the mesh lives.
 template <class Element>
 class TopoHandle {
 public:
@@ -62,7 +62,7 @@ public:
     [[nodiscard]] TopoMeshEdge edge() const noexcept;
 };
 
-/// The side of one face, or the seam of two.
+/// The side of one face, or the common side of two.
 class NX_API TopoMeshEdge : public impl::TopoHandle<impl::TopoEdge> {
 public:
     using TopoHandle::TopoHandle;
@@ -87,7 +87,7 @@ public:
     [[nodiscard]] TopoMeshFace neighbour(int corner) const noexcept;
 };
 
-/// Any of these, or nothing: what a selection or a pick names. A plain value.
+/// A vertex, edge, face or nothing, as a selection or a pick names it. A plain value.
 struct NX_API TopoMeshEntity {
     enum Kind : std::int32_t { none = 0, vertex = 1, edge = 2, face = 3 };
 
@@ -99,14 +99,14 @@ struct NX_API TopoMeshEntity {
     TopoMeshEntity(TopoMeshEdge handle) noexcept : kind(edge), element(handle.element()) {}
     TopoMeshEntity(TopoMeshFace handle) noexcept : kind(face), element(handle.element()) {}
 
-    /// The handle; null when the entity is of another kind.
+    /// The handle, or null when the entity is of another kind.
     [[nodiscard]] TopoMeshVertex asVertex() const noexcept;
     [[nodiscard]] TopoMeshEdge asEdge() const noexcept;
     [[nodiscard]] TopoMeshFace asFace() const noexcept;
     bool operator==(TopoMeshEntity const&) const = default;
 };
 
-/// Owns the elements, whose addresses stay for as long as it lives. Shared by reference, changed on one thread.
+/// Owns the elements, whose addresses never change. Shared by reference, changed on one thread.
 class NX_API TopoMesh : public ur::ReferenceCount {
 public:
     /// A mesh of the triangles of `mesh`, with the same numbers. Null when more than two of them share an edge.

@@ -1,4 +1,4 @@
-// Pictures in memory.
+// Images in memory.
 #pragma once
 
 #include <cstddef>
@@ -14,8 +14,8 @@ namespace urImage {
 
 /// A rectangle of pixels; shared by reference. Coordinates count from the upper left corner.
 ///
-/// The dimensions are fixed when it is made. What a pixel is, the classes derived from it say. One thread changes
-/// it, several may read it.
+/// The dimensions are fixed at construction. Derived classes define the pixels. One thread changes an image, several
+/// may read it.
 class NX_API Image : public ur::ReferenceCount {
 public:
     [[nodiscard]] std::uint32_t width() const noexcept { return width_; }
@@ -26,7 +26,7 @@ public:
     [[nodiscard]] virtual unsigned pixelBytes() const noexcept = 0;
     /// Opaque black outside the image.
     [[nodiscard]] virtual urUtil::Color pixel(std::uint32_t x, std::uint32_t y) const = 0;
-    /// Nothing outside the image.
+    /// Does nothing outside the image.
     virtual void setPixel(std::uint32_t x, std::uint32_t y, urUtil::Color const& color) = 0;
     void fill(urUtil::Color const& color);
 

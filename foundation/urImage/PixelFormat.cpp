@@ -1,4 +1,4 @@
-// Pixels and colours.
+// Converts between pixels and colours.
 #include "foundation/urImage/PixelFormat.h"
 
 #include <array>

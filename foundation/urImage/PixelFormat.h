@@ -1,4 +1,4 @@
-// The ways in which pixels are stored.
+// The storage formats of pixels.
 #pragma once
 
 #include <cstddef>

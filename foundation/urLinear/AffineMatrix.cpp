@@ -15,9 +15,9 @@ using Linear = Eigen::Matrix<double, N, N, Eigen::RowMajor>;
 
 /// The inverse of the linear part, if there is one.
 ///
-/// Axes of very different lengths are no obstacle, axes in one plane are. Therefore every row is brought to
-/// length 1 first, and the determinant compared with the most that columns of their lengths can have
-/// (Hadamard), which is at most the 1 that the rows can have.
+/// Axes of very different lengths are allowed, axes in one plane are not. Therefore every row is first scaled to length
+/// 1, and the determinant is compared with its largest value for columns of these lengths (Hadamard), which is at most
+/// 1, the largest value for such rows.
 template <int N>
 std::optional<Linear<N>> inverseOf(Linear<N> rows) {
     Eigen::Vector<double, N> const lengths = rows.rowwise().stableNorm();
@@ -53,7 +53,7 @@ Normal operator*(Normal const& normal, AffineMatrix const& matrix) {
     Vector const x = matrix.axis(0);
     Vector const y = matrix.axis(1);
     Vector const z = matrix.axis(2);
-    // The cofactors are the inverse transpose times the determinant, of which only the sign matters.
+    // The cofactors are the inverse transpose times the determinant; only the determinant's sign matters.
     Vector const image = normal.x() * y.cross(z) + normal.y() * z.cross(x) + normal.z() * x.cross(y);
     return Normal(matrix.determinant() < 0 ? -image : image);
 }

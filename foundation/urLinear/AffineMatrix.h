@@ -44,7 +44,7 @@ public:
     [[nodiscard]] constexpr PointType translation() const { return group<PointType>(N); }
     constexpr BasicAffineMatrix& setTranslation(PointType const& image) { return setGroup(N, image); }
 
-    /// Forgets everything.
+    /// Resets this to the identity.
     constexpr BasicAffineMatrix& identity() { return *this = BasicAffineMatrix(); }
     constexpr BasicAffineMatrix& translate(VectorType const& step) { return setTranslation(translation() + step); }
     constexpr BasicAffineMatrix& scale(VectorType const& factors) {
@@ -57,13 +57,13 @@ public:
     constexpr BasicAffineMatrix& scale(double x, double y, double z) requires(N == 3) {
         return scale(VectorType(x, y, z));
     }
-    /// By `angle` radians about the origin, from x towards y.
+    /// Rotates by `angle` radians about the origin, from x towards y.
     BasicAffineMatrix& rotate(double angle) requires(N == 2) {
         double const c = std::cos(angle);
         double const s = std::sin(angle);
         return *this *= BasicAffineMatrix().setAxis(0, {c, s}).setAxis(1, {-s, c});
     }
-    /// By `angle` radians about `axis`, by the right-hand rule.
+    /// Rotates by `angle` radians about `axis`, by the right-hand rule.
     BasicAffineMatrix& rotate(Line const& axis, double angle) requires(N == 3) {
         BasicAffineMatrix rotation(Quaternion(axis.direction, angle));
         return *this *= rotation.setTranslation(axis.point - (axis.point - PointType()) * rotation);
@@ -72,12 +72,12 @@ public:
         return *this *= BasicAffineMatrix(rotation);
     }
 
-    /// This becomes this, then `after`.
+    /// Applies `after` after this.
     constexpr BasicAffineMatrix& operator*=(BasicAffineMatrix const& after) { return *this = *this * after; }
-    /// This becomes `before`, then this.
+    /// Applies `before` before this.
     constexpr BasicAffineMatrix& preMult(BasicAffineMatrix const& before) { return *this = before * *this; }
 
-    /// The change of volume (of area); negative when it mirrors.
+    /// The factor of the volume (of the area); negative for a reflection.
     [[nodiscard]] constexpr double determinant() const {
         if constexpr (N == 2) {
             return axis(0).cross(axis(1));
@@ -85,7 +85,7 @@ public:
             return axis(0).dot(axis(1).cross(axis(2)));
         }
     }
-    /// Nothing when the axes' images lie in a plane (on a line) up to rounding, or when the result is not finite.
+    /// Empty when the axes' images lie in a plane (on a line) up to rounding, or when the result is not finite.
     [[nodiscard]] std::optional<BasicAffineMatrix> invert() const;
     /// The identity when there is no inverse.
     [[nodiscard]] BasicAffineMatrix inverse() const { return invert().value_or(BasicAffineMatrix()); }
@@ -124,7 +124,7 @@ private:
 using AffineMatrix = BasicAffineMatrix<3>;
 using AffineMatrix2 = BasicAffineMatrix<2>;
 
-/// The normal of the transformed surface, by the inverse transpose; the zero normal where the surface collapses.
+/// The normal of the transformed surface, by the inverse transpose; zero where the surface collapses.
 [[nodiscard]] NX_API Normal operator*(Normal const& normal, AffineMatrix const& matrix);
 
 template <int N>

@@ -14,14 +14,14 @@ struct NX_API Line {
     Line() = default;
     Line(Point const& through, Normal const& along) : point(through), direction(along) {}
 
-    /// The place at `distance` from the line's point.
+    /// The point at `distance` from the line's point.
     [[nodiscard]] Point at(double distance) const { return point + direction.vector() * distance; }
-    /// The place on the line that is nearest to `p`.
+    /// The point on the line nearest to `p`.
     [[nodiscard]] Point project(Point const& p) const { return at((p - point).dot(direction.vector())); }
     bool operator==(Line const&) const = default;
 };
 
-/// The line through two points, where its parameter is 0 and 1. A plain value.
+/// The line through two points, at parameter 0 and 1. A plain value.
 struct NX_API ParamLine {
     Point start;
     Point end;

@@ -1,4 +1,4 @@
-// Directions: vectors of length 1.
+// Directions as vectors of length 1.
 #pragma once
 
 #include <cmath>
@@ -8,17 +8,17 @@
 
 namespace urLinear {
 
-/// What the caller knows about the components that it gives to a normal.
+/// The caller's guarantee about the components.
 enum class NormalPromise {
-    none = 0,        ///< any vector, to be normalized
-    unitLength = 1,  ///< of length 1 already, to be stored as it is
+    none = 0,        ///< any vector; the constructor normalizes it
+    unitLength = 1,  ///< a vector of length 1, stored unchanged
 };
 
-/// A direction. Its length is 1, or 0 when it was made from a vector that has none (zero or not finite).
+/// A direction. Its length is 1, or 0 when it was made from a vector without direction (zero or not finite).
 ///
 /// A plain value whose components are the whole storage. By default it points along the last axis.
-/// Components that are of length 1 up to rounding are stored unchanged, so that what was once
-/// normalized stays the same to the last bit however often it is written, read and set again.
+/// Components of length 1 up to rounding are stored unchanged, so that a normalized value stays the same to the last
+/// bit however often it is written, read and set again.
 template <class T, int N>
 class NX_API BasicNormal {
 public:
@@ -36,7 +36,7 @@ public:
         set(BasicVector<T, N>(x, y, z), promise);
     }
     void set(BasicVector<T, N> const& direction, NormalPromise promise = NormalPromise::none) {
-        // Twice what the roundings of sum, root and division can leave in the square of a length.
+        // Twice the error that rounding of sum, root and division can leave in the square of a length.
         constexpr T rounding = 10 * std::numeric_limits<T>::epsilon();
         bool const isUnit = promise == NormalPromise::unitLength || std::abs(direction.lengthSquared() - 1) <= rounding;
         vector_ = isUnit ? direction : direction.normalized();

@@ -16,13 +16,13 @@ struct NX_API Plane {
 
     /// Positive on the side that the normal points to.
     [[nodiscard]] double distance(Point const& p) const { return (p - point).dot(normal.vector()); }
-    /// The place on the plane that is nearest to `p`.
+    /// The point on the plane nearest to `p`.
     [[nodiscard]] Point project(Point const& p) const { return p - normal.vector() * distance(p); }
     bool operator==(Plane const&) const = default;
 };
 
-/// A plane with coordinates: its points lie at (0, 0), (1, 0) and (0, 1). A plain value.
-/// The normal is stored beside the points and is not kept in step with them.
+/// A plane with coordinates: its points lie at (0, 0), (1, 0) and (0, 1). A plain value. The normal is stored
+/// separately and is not updated with the points.
 struct NX_API ParamPlane {
     Point origin;
     Normal normal;
@@ -32,7 +32,7 @@ struct NX_API ParamPlane {
     ParamPlane() = default;
     ParamPlane(Point const& at00, Normal const& perpendicular, Point const& at10, Point const& at01)
         : origin(at00), normal(perpendicular), uPoint(at10), vPoint(at01) {}
-    /// With the normal of the right-hand rule; the zero normal when the points lie on a line.
+    /// Computes the normal by the right-hand rule; zero when the points lie on a line.
     ParamPlane(Point const& at00, Point const& at10, Point const& at01)
         : ParamPlane(at00, Normal((at10 - at00).cross(at01 - at00)), at10, at01) {}
 

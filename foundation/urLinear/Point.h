@@ -1,17 +1,17 @@
-// Places in space and in the plane.
+// Points in space and in the plane.
 #pragma once
 
 #include "foundation/urLinear/Vector.h"
 
 namespace urLinear {
 
-/// A place. A plain value, the origin by default; two places differ by a vector.
+/// A position. A plain value, the origin by default; two points differ by a vector.
 template <class T, int N>
 struct NX_API BasicPoint : Components<BasicPoint<T, N>, T, N> {
     using Base = Components<BasicPoint<T, N>, T, N>;
     using Base::Base;
     constexpr BasicPoint() = default;
-    /// From the other precision.
+    /// Converts from the other precision.
     template <class U>
     constexpr explicit BasicPoint(BasicPoint<U, N> const& other)
         : BasicPoint(Base::generate([&](int i) { return static_cast<T>(other[i]); })) {}

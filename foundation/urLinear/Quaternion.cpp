@@ -1,4 +1,4 @@
-// Quaternions: making, applying and interpolating rotations.
+// Creates, applies and interpolates rotations as quaternions.
 #include "foundation/urLinear/Quaternion.h"
 
 #include <algorithm>
@@ -40,7 +40,7 @@ Quaternion slerp(Quaternion const& a, Quaternion const& b, double t) {
     double const sign = cosine < 0 ? -1 : 1;
     double const angle = std::acos(std::min(std::abs(cosine), 1.0));
     double const sine = std::sin(angle);
-    // So close together the arc is straight, and its sine too small to divide by.
+    // At such a small angle the arc is straight, and the sine too small for a divisor.
     if (sine < epsilonTol) return combine(from, 1 - t, to, sign * t).normalized();
     return combine(from, std::sin((1 - t) * angle) / sine, to, sign * std::sin(t * angle) / sine).normalized();
 }

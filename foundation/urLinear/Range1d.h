@@ -8,8 +8,8 @@
 
 namespace urLinear {
 
-/// The numbers from `min` to `max`, both included; empty when `min` is not at most `max`, and so by default.
-/// A plain value that stores the ends as given.
+/// The numbers from `min` to `max`, both included; empty unless `min` is at most `max`. Empty by default. A plain value
+/// that stores the ends as given.
 struct NX_API Range1d {
     double min = 1;
     double max = 0;
@@ -26,7 +26,7 @@ struct NX_API Range1d {
     /// The number of the range that is nearest to `value`; `value` itself when the range is empty.
     [[nodiscard]] constexpr double clamp(double value) const { return empty() ? value : std::clamp(value, min, max); }
 
-    /// Grows just enough to hold `value`. A NaN is not included.
+    /// Extends just enough to contain `value`. Ignores NaN.
     constexpr void include(double value) { include(Range1d(value)); }
     constexpr void include(Range1d const& other) {
         if (other.empty()) return;
@@ -36,7 +36,7 @@ struct NX_API Range1d {
     bool operator==(Range1d const&) const = default;
 };
 
-/// Compares the ends as they are stored, of empty ranges too.
+/// Compares the stored ends, also of empty ranges.
 [[nodiscard]] inline bool equivalent(Range1d const& a, Range1d const& b, double tolerance = epsilonTol) {
     return equivalent(a.min, b.min, tolerance) && equivalent(a.max, b.max, tolerance);
 }

@@ -1,4 +1,4 @@
-// Boxes: growing, meeting, transforming.
+// Extends, intersects and transforms boxes.
 #include "foundation/urLinear/Range3d.h"
 
 #include <algorithm>

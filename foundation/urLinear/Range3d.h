@@ -1,4 +1,4 @@
-// Boxes along the axes.
+// Axis-aligned boxes.
 #pragma once
 
 #include "foundation/urLinear/AffineMatrix.h"
@@ -6,8 +6,8 @@
 
 namespace urLinear {
 
-/// The box from corner `min` to corner `max`, both included; empty when `min` is not at most `max` in every
-/// component, and so by default. A plain value that stores the corners as given.
+/// The box from corner `min` to corner `max`, both included; empty unless `min` is at most `max` in every component.
+/// Empty by default. A plain value that stores the corners as given.
 struct NX_API Range3d {
     Point min = {1, 1, 1};
     Point max = {0, 0, 0};
@@ -25,16 +25,16 @@ struct NX_API Range3d {
     [[nodiscard]] constexpr Vector size() const { return empty() ? Vector() : max - min; }
     [[nodiscard]] constexpr Point center() const { return min + (max - min) * 0.5; }
 
-    /// Grows just enough to hold `point`. A point with a NaN is not included.
+    /// Extends just enough to contain `point`. Ignores a point with a NaN.
     void include(Point const& point) { include(Range3d(point)); }
     void include(Range3d const& other);
-    /// The smallest range that holds this one transformed; empty stays empty.
+    /// The smallest range that contains this one transformed; empty stays empty.
     [[nodiscard]] Range3d transformed(AffineMatrix const& matrix) const;
 
     bool operator==(Range3d const&) const = default;
 };
 
-/// Compares the corners as they are stored, of empty ranges too.
+/// Compares the stored corners, also of empty ranges.
 [[nodiscard]] inline bool equivalent(Range3d const& a, Range3d const& b, double tolerance = epsilonTol) {
     return equivalent(a.min, b.min, tolerance) && equivalent(a.max, b.max, tolerance);
 }

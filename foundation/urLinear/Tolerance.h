@@ -1,11 +1,11 @@
-// When two numbers count as the same.
+// Compares numbers with a tolerance.
 #pragma once
 
 #include <cmath>
 
 namespace urLinear {
 
-/// Far above the rounding of a chain of transforms, far below any difference that a person can make.
+/// Far above the rounding error of a chain of transforms, far below any difference that a person can make.
 inline constexpr double epsilonTol = 1e-9;
 
 /// True when they differ by at most `tolerance`. Every `equivalent` applies this to each component.

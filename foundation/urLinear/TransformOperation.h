@@ -1,9 +1,9 @@
-// The kinds of transform.
+// Kinds of transforms.
 #pragma once
 
 namespace urLinear {
 
-/// A kind of transform, or as bits several of them.
+/// A kind of transform, or several as bits.
 enum class TransformOperation : int {
     none = 0,
     translate = 1,
@@ -16,7 +16,7 @@ enum class TransformOperation : int {
 [[nodiscard]] constexpr TransformOperation operator|(TransformOperation a, TransformOperation b) noexcept {
     return static_cast<TransformOperation>(static_cast<int>(a) | static_cast<int>(b));
 }
-/// With the bits that flags hold.
+/// Compares with the bits that flags hold.
 [[nodiscard]] constexpr bool operator==(TransformOperation operation, int bits) noexcept {
     return static_cast<int>(operation) == bits;
 }

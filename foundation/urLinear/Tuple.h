@@ -1,4 +1,4 @@
-// The named components that points and vectors are made of, and the plain pair.
+// The named components of points and vectors, and a plain pair.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -8,8 +8,8 @@ namespace urLinear {
 
 /// Base of a value type `Self` with the N = 2 or 3 components x, y(, z) of type T, zero by default.
 ///
-/// The components in this order are the whole storage. `Self` keeps points and vectors apart:
-/// neither converts to nor compares with the other.
+/// The components in this order are the whole storage. `Self` separates points from vectors: neither converts to nor
+/// compares with the other.
 template <class Self, class T, int N>
 struct Components;
 
@@ -60,7 +60,7 @@ template <class Self, class T, int N>
     return result;
 }
 
-/// Two numbers that are neither a place nor a direction, such as texture coordinates.
+/// Two numbers that are neither a position nor a direction, such as texture coordinates.
 struct NX_API Tuple2 : Components<Tuple2, double, 2> {
     using Components::Components;
 };

@@ -8,13 +8,13 @@
 
 namespace urLinear {
 
-/// A displacement: direction and length, without a place. A plain value, zero by default.
+/// A displacement: direction and length, without a position. A plain value, zero by default.
 template <class T, int N>
 struct NX_API BasicVector : Components<BasicVector<T, N>, T, N> {
     using Base = Components<BasicVector<T, N>, T, N>;
     using Base::Base;
     constexpr BasicVector() = default;
-    /// From the other precision.
+    /// Converts from the other precision.
     template <class U>
     constexpr explicit BasicVector(BasicVector<U, N> const& other)
         : BasicVector(Base::generate([&](int i) { return static_cast<T>(other[i]); })) {}
@@ -57,7 +57,7 @@ struct NX_API BasicVector : Components<BasicVector<T, N>, T, N> {
     }
 
     [[nodiscard]] constexpr T lengthSquared() const { return dot(*this); }
-    /// Right also where the squares of the components overflow or vanish.
+    /// Correct even where the squares of the components overflow or underflow.
     [[nodiscard]] T length() const {
         T const squared = lengthSquared();
         if (std::isnormal(squared) || std::isnan(squared)) return std::sqrt(squared);

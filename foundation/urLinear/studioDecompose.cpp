@@ -18,8 +18,8 @@ Vector finitePart(Vector const& vector) {
     return Vector::generate([&](int i) { return std::isfinite(vector[i]) ? vector[i] : 0; });
 }
 
-/// What is left of a unit vector at right angles to the known axes; zero when that is only rounding.
-/// Two passes, because what the first one leaves of a nearly parallel vector is not yet at right angles.
+/// The part of a unit vector at right angles to the known axes; zero if it is only rounding error. Two passes, because
+/// the rest of a nearly parallel vector is not yet at right angles after the first.
 Vector reject(Vector rest, Axes const& known) {
     for (int pass = 0; pass < 2; ++pass) {
         for (Vector const& axis : known) rest -= axis * rest.dot(axis);
@@ -28,7 +28,7 @@ Vector reject(Vector rest, Axes const& known) {
     return rest.length() <= rounding ? Vector() : rest;
 }
 
-/// Gives each axis that is still zero a direction at right angles to the others, its own one if possible.
+/// Gives each axis that is still zero a direction at right angles to the others, its own direction if possible.
 void complete(Axes& axes) {
     for (int k = 0; k < 3; ++k) {
         if (axes[k] != Vector()) continue;
@@ -38,14 +38,14 @@ void complete(Axes& axes) {
     }
 }
 
-/// What the images of the axes are without the part that lies along the axes before them.
+/// The images of the axes, each without its part along the axes before it.
 struct RightAngled {
     Axes axes;     ///< unit vectors at right angles to each other
-    Vector scale;  ///< how long the images are along their own axis
+    Vector scale;  ///< the length of each image along its own axis
 };
 
-/// Turns axes around, and the sign of their scale, until they are right-handed. No scale becomes negative
-/// when that can be helped; then those turn that leave the least rotation.
+/// Reverses axes, and the signs of their scale, until they are right-handed. Avoids negative scales if possible;
+/// otherwise reverses those that leave the smallest rotation.
 void makeRightHanded(RightAngled& parts) {
     RightAngled best;
     double bestRank = -std::numeric_limits<double>::infinity();
@@ -79,9 +79,9 @@ RightAngled orthonormalize(Axes const& images) {
     return parts;
 }
 
-/// The angles of the turns about x, y and z, in this order, that bring the unit axes to `axes`.
-/// The last one is measured after undoing the first, which keeps all three right where y is near a quarter turn
-/// (Herter and Lott, Algorithms for decomposing 3-D orthogonal matrices, 1993).
+/// The angles of the rotations about x, y and z, in this order, that turn the unit axes into `axes`. The last angle is
+/// measured after undoing the first, which keeps all three accurate where y is near a quarter turn (Herter and Lott,
+/// Algorithms for decomposing 3-D orthogonal matrices, 1993).
 Vector eulerAngles(Axes const& axes) {
     auto const& [x, y, z] = axes;
     double const aboutX = std::atan2(y.z, z.z);

@@ -9,7 +9,7 @@
 namespace urOS {
 namespace {
 
-/// The C library's standard output, so that the order of text from here and from `printf` is kept.
+/// The C library's standard output, so that text stays in order with `printf`.
 class StandardOutput final : public IOStream {
 public:
     urUtil::Error read(void* /*buffer*/, std::size_t /*count*/, std::size_t* done) override {
@@ -52,7 +52,7 @@ void AppOutputStream::open(IOStream& stream) {
 }
 
 AppOutputStream& AppOutput::getInstance() {
-    // Never destroyed: other objects of static lifetime may still print while the process ends.
+    // Never destroyed: static objects may still print while the process ends.
     static auto& instance = *new AppOutputStream;
     return instance;
 }

@@ -1,4 +1,4 @@
-// Where the application's own messages go.
+// The output of the application's own messages.
 #pragma once
 
 #include <memory>
@@ -9,18 +9,18 @@
 
 namespace urOS {
 
-/// A text output that can be pointed somewhere else while it is in use. Every print arrives at once.
+/// A text output that can be redirected while it is in use. Every print is flushed at once.
 ///
-/// A new one prints to the standard output, in order with what `printf` prints. One thread at a time.
+/// A new one prints to standard output, in order with `printf`. One thread at a time.
 class NX_API AppOutputStream : public OStream {
 public:
     AppOutputStream();
     ~AppOutputStream();
 
-    /// Goes on in the file of that name, at its end if `append`, otherwise emptied; "-" is the standard output.
-    /// After a failure text is dropped.
+    /// Redirects to the file of that name, at its end if `append`, otherwise emptied; "-" is standard output. After a
+    /// failure text is dropped.
     urUtil::Error open(urString::IString const& name, bool append);
-    /// Goes on in `stream`, which is not owned.
+    /// Redirects to `stream`, which the caller owns.
     void open(IOStream& stream);
 
 private:
@@ -30,7 +30,7 @@ private:
 /// The application's output.
 class NX_API AppOutput {
 public:
-    /// The only one, for as long as the process runs.
+    /// The only instance, which lives as long as the process.
     static AppOutputStream& getInstance();
 };
 

@@ -1,4 +1,4 @@
-// Replacing a file as a whole.
+// Replaces files as a whole.
 #include "foundation/urOS/AtomicFile.h"
 
 #include <array>
@@ -16,10 +16,10 @@ namespace {
 namespace fs = std::filesystem;
 using urUtil::Error;
 
-/// What a chain of links leads to, whether it is there yet or not. The name itself where the system alone knows, as
-/// for the standard output when that is a pipe.
+/// The target of a chain of links, even if it does not exist yet. The name itself where only the system can follow it,
+/// as for standard output when that is a pipe.
 fs::path behindLinks(fs::path name) {
-    constexpr int longestChain = 40;  // of a longer one, opening says why it cannot be followed
+    constexpr int longestChain = 40;  // if it is longer, opening reports the reason
     std::error_code unknown;
     fs::path real = fs::canonical(name, unknown);
     if (!unknown) return real;
@@ -29,7 +29,7 @@ fs::path behindLinks(fs::path name) {
     return name;
 }
 
-/// A name in the target's folder that no other file has, short enough for every file system.
+/// An unused name in the target's folder, short enough for every file system.
 fs::path nameBeside(fs::path const& target) {
     Uuid id;
     id.generate();
@@ -73,7 +73,7 @@ Error AtomicFile::create(Special special) {
         return file_.open(multibyte(target_), openWrite);
     }
     if (exists && !impl::mayWrite(target_)) return Error::fromSystem(errno, target_.string());
-    // Never wider open than the file to be replaced, not even before the permissions are set in full.
+    // Never more permissive than the file to replace, not even before the final permissions are set.
     constexpr int widest = 0666;
     way_ = Way::byReplacing;
     if (createBeside(exists, exists ? static_cast<int>(former.permissions()) & widest : widest)) return {};
@@ -83,13 +83,13 @@ Error AtomicFile::create(Special special) {
     return file_.isOpen() ? openFormer() : Error::fromSystem(errno, "temporary folder");
 }
 
-/// From here on, what others put under the target's name changes nothing.
+/// From here on, later changes of the file at the target's name have no effect.
 Error AtomicFile::openFormer() {
     static_cast<void>(former_.attach(impl::openRegular(target_), File::Ownership::own));
     return former_.isOpen() ? Error() : Error::fromSystem(errno, target_.string());
 }
 
-/// False, and `errno`, when no file can be made there that differs from an existing target in its content alone.
+/// False, with `errno` set, when no file can be created there that differs from an existing target only in its content.
 bool AtomicFile::createBeside(bool exists, int permissions) {
     fs::path name = nameBeside(target_);
     bool isNamed = false;
@@ -130,7 +130,7 @@ Error AtomicFile::replace() {
     if (nameless_ >= 0 && !impl::giveName(nameless_, temporary_)) return Error::fromSystem(errno, target_.string());
     nameless_ = -1;
     if (Error error = file_.sync(); error.isError()) return error;
-    if (Error error = file_.close(); error.isError()) return error;  // an open file keeps its name on Windows
+    if (Error error = file_.close(); error.isError()) return error;  // an open file cannot be renamed on Windows
     std::error_code unmoved;
     fs::rename(temporary_, target_, unmoved);
     if (unmoved == std::errc::device_or_resource_busy) {  // a mount point
@@ -143,11 +143,11 @@ Error AtomicFile::replace() {
     return impl::syncFolder(target_.parent_path());
 }
 
-/// Brings the content from the file that was written into the target.
+/// Copies the content of the temporary file into the target.
 Error AtomicFile::overwrite() {
     std::uint64_t size = 0;
     Error error = file_.size(size);
-    // A full disk is noticed while the old content is still there.
+    // Detects a full disk while the old content still exists.
     if (error.ok() && !impl::reserve(former_.descriptor(), size)) error = Error::fromSystem(errno, target_.string());
     if (error.ok()) error = file_.seek(0);
     if (error.ok()) error = copy(file_, former_);

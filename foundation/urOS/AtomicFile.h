@@ -8,21 +8,21 @@
 
 namespace urOS {
 
-/// Writes beside its target and takes the target's place when committed. An error, an exception or a crash before that
-/// leaves the old file as it was, and nobody reads a half-written one. File and folder are flushed to the disk.
+/// Writes to a file next to its target and replaces the target on commit. An error, an exception or a crash before
+/// that keeps the old file; no reader sees a half-written file. File and folder are flushed to the disk.
 ///
-/// An existing file keeps its names, owner, permissions and extended attributes (access lists): where a new file could
-/// not take its place or would lose one of these, `commit` overwrites the content of the old one. That is so for a file
-/// with several names (hard links), of another owner or group that the process may not give files to, in a folder that
-/// may not be written, and for a mount point. An error or a crash while overwriting can leave a mixture of both
-/// contents: docs/files.md says when.
+/// An existing file keeps its names, owner, permissions and extended attributes (access lists): if a new file could not
+/// replace it or would lose one of these, `commit` overwrites the content of the old file. This applies to a file with
+/// several names (hard links), a file of another owner or group that the process may not give files to, a read-only
+/// folder and a mount point. An error or a crash while overwriting can leave a mixture of both contents: docs/files.md
+/// says when.
 ///
-/// A link is followed: the file it names is replaced, or made. A target that is no regular file (a pipe, a terminal) is
-/// written to directly unless it is refused; a write-protected one is an error. What is not committed is dropped with
-/// the object.
+/// Follows links: replaces or creates the file that a link names. Writes directly to a target that is not a regular
+/// file (a pipe, a terminal), unless that is refused; a write-protected target is an error. The destructor drops
+/// uncommitted content.
 class NX_API AtomicFile final : public IOStream {
 public:
-    /// What becomes of a target that is no regular file.
+    /// How to treat a target that is not a regular file.
     enum class Special { written, refused };
 
     AtomicFile() = default;
@@ -30,13 +30,13 @@ public:
     AtomicFile& operator=(AtomicFile const&) = delete;
     ~AtomicFile() override;
 
-    /// Gets ready to replace the file at `path`; an earlier, uncommitted one is dropped.
+    /// Prepares to replace the file at `path`; drops an earlier, uncommitted content.
     urUtil::Error open(urString::IString const& path, Special special = Special::written);
-    /// Puts the new file in its place, on the disk when this returns. Returns the error of an earlier write, and the
-    /// old file stays. When only flushing the folder fails, returns that error with the new file in place.
+    /// Moves the new file into place; it is on the disk when this returns. Returns the error of an earlier write, and
+    /// the old file stays. If only flushing the folder fails, returns that error with the new file in place.
     urUtil::Error commit();
 
-    /// Nothing is there to be read: an error.
+    /// Always an error: the file is write-only.
     urUtil::Error read(void* buffer, std::size_t count, std::size_t* done = nullptr) override;
     urUtil::Error write(void const* buffer, std::size_t count, std::size_t* done = nullptr) override;
 
@@ -52,12 +52,12 @@ private:
     urUtil::Error overwrite();
     void discard() noexcept;
 
-    File file_;    ///< what is written to
-    File former_;  ///< the target, where its content is to be overwritten
+    File file_;    ///< the file being written
+    File former_;  ///< the target, if its content will be overwritten
     Way way_ = Way::directly;
     std::filesystem::path target_;
-    std::filesystem::path temporary_;  ///< what the open file is called beside the target
-    int nameless_ = -1;                ///< the open file's descriptor as long as it does not have that name
+    std::filesystem::path temporary_;  ///< the name of the open file next to the target
+    int nameless_ = -1;                ///< the open file's descriptor while it does not have that name
     urUtil::Error error_;
 };
 

@@ -1,4 +1,4 @@
-// Diagnostic text that can be switched off.
+// Implements diagnostic output that can be disabled.
 #include "foundation/urOS/DebugChannel.h"
 
 #include "foundation/urOS/AppOutput.h"

@@ -1,4 +1,4 @@
-// Diagnostic text that can be switched off.
+// Diagnostic output that can be disabled.
 #pragma once
 
 #include <cstdarg>
@@ -11,7 +11,7 @@ class OStream;
 
 /// Prints when it is enabled, and costs one check when it is not. New channels are disabled.
 ///
-/// A value: a copy has the same state and output, and from then on its own. One thread at a time.
+/// A value: a copy starts with the same state and output and is then independent. One thread at a time.
 class NX_API DebugChannel {
 public:
     void enable() noexcept { enabled_ = true; }
@@ -19,10 +19,10 @@ public:
     void setEnabled(bool enabled) noexcept { enabled_ = enabled; }
     [[nodiscard]] bool isEnabled() const noexcept { return enabled_; }
 
-    /// Where text goes from now on: `output`, which is not owned, or the application output when null.
+    /// Sends text to `output`, which the caller owns, or to the application output when null.
     void setOutput(OStream* output) noexcept { output_ = output; }
 
-    /// Formats as `printf` does; everything arrives at once.
+    /// Formats as `printf` does and flushes at once.
     [[gnu::format(printf, 2, 3)]] void print(char const* format, ...);
     [[gnu::format(printf, 2, 0)]] void printArg(char const* format, va_list arguments);
 

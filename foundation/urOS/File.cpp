@@ -1,4 +1,4 @@
-// A file of the system as a byte stream, by the calls that POSIX names.
+// Implements files through POSIX calls.
 #include "foundation/urOS/File.h"
 
 #include <sys/stat.h>
@@ -16,7 +16,7 @@ namespace {
 
 using urUtil::Error;
 
-/// As many of the bytes as one call takes on every system.
+/// The number of bytes that one call accepts on every system.
 unsigned oneTransfer(std::size_t bytes) { return static_cast<unsigned>(std::min<std::size_t>(bytes, 1U << 30)); }
 
 int flagsOf(OpenMode mode) {
@@ -59,7 +59,7 @@ Error File::attach(int descriptor, Ownership ownership) {
 Error File::close() {
     int const descriptor = std::exchange(descriptor_, -1);
     if (descriptor < 0 || ownership_ == Ownership::borrowed) return {};
-    // An interrupted close has closed on the systems that matter; repeating it could hit another file.
+    // On the relevant systems an interrupted close has closed the file; repeating it could close another one.
     return ::close(descriptor) == 0 || errno == EINTR ? Error() : Error::fromSystem(errno, "close");
 }
 

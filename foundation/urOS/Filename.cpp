@@ -1,4 +1,4 @@
-// The pieces of a path.
+// Splits and joins paths.
 #include "foundation/urOS/Filename.h"
 
 namespace urOS {

@@ -1,4 +1,4 @@
-// The name of a file and its pieces.
+// File names and their parts.
 #pragma once
 
 #include <compare>
@@ -9,29 +9,29 @@
 
 namespace urOS {
 
-/// A path as text. Nothing here asks the file system, nothing resolves "." or "..".
+/// A path as text. Nothing here accesses the file system or resolves "." or "..".
 class NX_API Filename {
 public:
     Filename() noexcept = default;
     Filename(urString::IString path) noexcept : path_(std::move(path)) {}
 
-    /// `name` inside `folder`, with one separator between them. An absolute name, and one in the empty folder, stays
-    /// as it is.
+    /// `name` inside `folder`, with one separator between them. Returns `name` unchanged if it is absolute or `folder`
+    /// is empty.
     static Filename join(urString::IString const& folder, urString::IString const& name);
 
     [[nodiscard]] bool empty() const noexcept { return path_.empty(); }
     [[nodiscard]] bool isAbsolute() const noexcept;
-    /// What follows the last separator.
+    /// The part after the last separator.
     [[nodiscard]] urString::IString basename() const;
-    /// What precedes the last separator: empty without one, the separator itself for a file in the root.
+    /// The part before the last separator: empty without one, the separator itself for a file in the root.
     [[nodiscard]] Filename directory() const;
-    /// What follows the last dot of the base name; empty without one. The dot that hides a file does not count.
+    /// The part after the last dot of the base name; empty without one. A leading dot (hidden file) does not count.
     [[nodiscard]] urString::IString extension() const;
 
     [[nodiscard]] urString::IString const& text() const noexcept { return path_; }
     operator urString::IString const&() const noexcept { return path_; }
     [[nodiscard]] urString::CString asUTF8() const { return path_.asUTF8(); }
-    /// The bytes that the system knows the file by.
+    /// The path in the system's bytes.
     [[nodiscard]] urString::CString asMultibyte() const { return path_.asMultibyte(); }
 
     friend bool operator==(Filename const& a, Filename const& b) noexcept = default;

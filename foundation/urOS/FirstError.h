@@ -1,4 +1,4 @@
-// Keeping the first of several exceptions while the work goes on.
+// Keeps the first of several exceptions while work continues.
 #pragma once
 
 #include <exception>
@@ -9,12 +9,12 @@
 namespace urOS {
 
 /// Runs pieces of user code one after the other, whatever they throw. Keeps the first exception for the caller; prints
-/// later ones, or drops them.
+/// or drops later ones.
 class FirstError {
 public:
     /// Drops later exceptions.
     FirstError() noexcept = default;
-    /// Prints them. `where` begins the lines printed, and outlives this object.
+    /// Prints later exceptions. Printed lines begin with `where`, which must outlive this object.
     explicit FirstError(char const* where) noexcept : where_(where) {}
 
     /// False if the code has thrown.

@@ -1,4 +1,4 @@
-// What all byte streams share.
+// The common part of all byte streams.
 #include "foundation/urOS/IOStream.h"
 
 #include <array>

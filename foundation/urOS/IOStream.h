@@ -1,4 +1,4 @@
-// The byte stream that everything else reads from and writes to.
+// The base of byte streams.
 #pragma once
 
 #include <cstddef>
@@ -11,15 +11,15 @@ namespace urOS {
 
 /// A source or a destination of bytes, or both.
 ///
-/// One thread at a time. What opens and closes a stream is its class's own matter.
+/// One thread at a time. Derived classes define how a stream is opened and closed.
 class NX_API IOStream {
 public:
     virtual ~IOStream();
 
-    /// Reads up to `count` bytes; `done` tells how many. Fewer is no failure: none means the end, otherwise there
-    /// may be more to come.
+    /// Reads up to `count` bytes; `done` receives their number. Fewer is not a failure: 0 means the end, otherwise more
+    /// bytes may follow.
     virtual urUtil::Error read(void* buffer, std::size_t count, std::size_t* done = nullptr) = 0;
-    /// Writes all `count` bytes or fails; `done` tells how many it wrote.
+    /// Writes all `count` bytes or fails; `done` receives the number written.
     virtual urUtil::Error write(void const* buffer, std::size_t count, std::size_t* done = nullptr) = 0;
 
     /// Appends everything up to the end of the stream to `text`.

@@ -1,4 +1,4 @@
-// A stream into memory.
+// Implements the memory stream.
 #include "foundation/urOS/MemoryIOStream.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// A stream into memory.
+// A stream in memory.
 #pragma once
 
 #include <cstddef>
@@ -12,15 +12,15 @@
 
 namespace urOS {
 
-/// Keeps what is written in blocks of one size, so that growing never copies, and gives it back for reading.
+/// Keeps written data in blocks of one size, so that growing never copies, and returns it on reading.
 ///
-/// The contents outlive `close`: they are read through the blocks, or by opening the stream again for reading.
+/// The contents outlive `close`: read them through the blocks, or open the stream again for reading.
 class NX_API MemoryIOStream final : public IOStream {
 public:
     /// Requires: a block size of at least 1.
     explicit MemoryIOStream(std::size_t blockSize = 4096) noexcept : blockSize_(blockSize) {}
 
-    /// Begins at the start of the contents, with `openAppend` at their end; `openNew` drops them.
+    /// Starts at the beginning of the contents, with `openAppend` at their end; `openNew` drops them.
     urUtil::Error open(OpenMode mode);
     urUtil::Error close();
 
@@ -28,7 +28,7 @@ public:
     /// Overwrites from the current position on.
     urUtil::Error write(void const* buffer, std::size_t count, std::size_t* done = nullptr) override;
 
-    /// An error, and no move, beyond the end of the contents.
+    /// An error, without moving, beyond the end of the contents.
     urUtil::Error seek(std::size_t position);
     [[nodiscard]] std::size_t tell() const noexcept { return position_; }
     [[nodiscard]] std::size_t size() const noexcept { return size_; }

@@ -1,4 +1,4 @@
-// Text on top of a byte stream.
+// Implements text output on a byte stream.
 #include "foundation/urOS/OStream.h"
 
 #include <utility>
@@ -10,7 +10,7 @@ namespace urOS {
 OStream::~OStream() {
     try {
         pass();
-    } catch (...) {  // NOLINT(bugprone-empty-catch): there is nobody left to tell
+    } catch (...) {  // NOLINT(bugprone-empty-catch): a destructor cannot report
     }
 }
 

@@ -1,4 +1,4 @@
-// Characters and formatted text on top of a byte stream.
+// Formatted text output on a byte stream.
 #pragma once
 
 #include <array>
@@ -12,10 +12,10 @@
 
 namespace urOS {
 
-/// Collects text and hands it to a byte stream in large pieces.
+/// Collects text and passes it to a byte stream in large pieces.
 ///
-/// The stream is not owned and must outlive this object, whose destruction writes the rest; who must know whether
-/// that worked calls `flush` before. The first error stays: from then on text is dropped. One thread at a time.
+/// The caller owns the stream, which must outlive this object. The destructor writes the rest; call `flush` before to
+/// learn whether that worked. The first error stays, and all later text is dropped. One thread at a time.
 class NX_API OStream {
 public:
     enum class Flush { whenFull, afterEachPrint };
@@ -35,18 +35,18 @@ public:
         used_ += text.size();
     }
 
-    /// Formats as `printf` does, but with a point as decimal mark in every locale.
+    /// Formats as `printf` does, but with a decimal point in every locale.
     [[gnu::format(printf, 2, 3)]] void print(char const* format, ...);
     [[gnu::format(printf, 2, 0)]] void printArg(char const* format, va_list arguments);
 
-    /// Hands everything to the stream. The result is the first error there was, now or earlier.
+    /// Passes all text to the stream. Returns the first error so far, if any.
     urUtil::Error flush();
     [[nodiscard]] urUtil::Error const& error() const noexcept { return error_; }
 
 protected:
-    /// No stream yet: text is dropped.
+    /// Without a stream: text is dropped.
     explicit OStream(Flush flush) noexcept : flush_(flush) {}
-    /// From here on text goes to `stream`, which may be null. What was collected goes to the former one first.
+    /// Sends later text to `stream`, which may be null. Collected text goes to the former stream first.
     void redirect(IOStream* stream);
 
 private:

@@ -3,12 +3,12 @@
 
 namespace urOS {
 
-/// What an open stream is for: a sum of the first four.
+/// The purpose of an open stream: a sum of the first four.
 enum OpenMode : int {
     openWrite = 1,
     openRead = 2,
-    openAppend = 4,  ///< with `openWrite`: everything goes to the end; a missing file is created
-    openNew = 8,     ///< a missing file is created, an existing one emptied
+    openAppend = 4,  ///< with `openWrite`: writes at the end; creates a missing file
+    openNew = 8,     ///< creates a missing file, empties an existing one
     openForWriting = openWrite | openNew,
 };
 

@@ -1,4 +1,4 @@
-// Measures elapsed time.
+// Implements the stopwatch.
 #include "foundation/urOS/StopWatch.h"
 
 namespace urOS {

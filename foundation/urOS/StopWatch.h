@@ -7,17 +7,17 @@
 
 namespace urOS {
 
-/// Adds up the time between its starts and stops. New watches stand at zero. A value; one thread at a time.
+/// Adds up the time between its starts and stops, from zero. A value; one thread at a time.
 class NX_API StopWatch {
 public:
-    /// A watch that runs already runs on.
+    /// No effect while running.
     void start() noexcept;
-    /// Adds the time since the start; a watch that stands stays as it is.
+    /// Adds the time since the start. No effect while stopped.
     void stop() noexcept;
-    /// Back to zero; a watch that runs begins anew.
+    /// Resets to zero; a running watch continues from there.
     void clear() noexcept;
 
-    /// Seconds so far, the current run included.
+    /// The seconds so far, including the current run.
     [[nodiscard]] double elapsed() const noexcept;
     [[nodiscard]] bool isRunning() const noexcept { return running_; }
 

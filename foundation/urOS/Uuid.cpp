@@ -1,4 +1,4 @@
-// Making, writing and reading identifiers.
+// Generates, formats and parses identifiers.
 #include "foundation/urOS/Uuid.h"
 
 #include <charconv>

@@ -13,8 +13,8 @@
 
 namespace urOS {
 
-/// Sixteen bytes that name one thing in the world. A value without padding, so that its bytes may be stored as
-/// they are and given back through the constructor from four words.
+/// Sixteen bytes that identify one thing in the world. A value without padding; its bytes may be stored as they are and
+/// passed back to the constructor as four words.
 class NX_API Uuid {
 public:
     /// The nil identifier, all zero.
@@ -22,9 +22,9 @@ public:
     /// The words in the order of the text form: `a` is its first eight digits.
     constexpr Uuid(std::uint32_t a, std::uint32_t b, std::uint32_t c, std::uint32_t d) noexcept : words_{a, b, c, d} {}
 
-    /// Becomes a new random identifier (version 4) that nobody else has.
+    /// Becomes a new, unique random identifier (version 4).
     void generate();
-    /// Reads the form that `asString` gives, in either case of letters. False, and unchanged, for anything else.
+    /// Parses the format of `asString`, in upper or lower case. False, and unchanged, for anything else.
     [[nodiscard]] bool parse(std::string_view text) noexcept;
     /// Lower-case digits in groups of 8, 4, 4, 4 and 12.
     [[nodiscard]] urString::CString asString() const;

@@ -1,4 +1,4 @@
-// The text of exceptions, and their way to the application output.
+// Describes exceptions and prints them to the application output.
 #include "foundation/urOS/reportException.h"
 
 #include "foundation/urOS/AppOutput.h"
@@ -18,7 +18,7 @@ std::string exceptionText(std::exception_ptr const& exception) {
 void reportException(char const* where, std::exception_ptr const& exception) noexcept {
     try {
         AppOutput::getInstance().print("%s: %s\n", where, exceptionText(exception).c_str());
-    } catch (...) {  // NOLINT(bugprone-empty-catch): there is nobody left to tell
+    } catch (...) {  // NOLINT(bugprone-empty-catch): nowhere else to report
     }
 }
 

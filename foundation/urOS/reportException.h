@@ -1,4 +1,4 @@
-// What becomes of an exception that nobody can be given.
+// Reports exceptions that cannot be thrown to a caller.
 #pragma once
 
 #include <exception>
@@ -8,10 +8,10 @@
 
 namespace urOS {
 
-/// What the exception says of itself; "unknown exception" for one that is no `std::exception`.
+/// The exception's message; "unknown exception" for one that is not a `std::exception`.
 [[nodiscard]] NX_API std::string exceptionText(std::exception_ptr const& exception);
 
-/// Prints "where: text" on the application output. Never fails: with no memory for that it prints nothing.
+/// Prints "where: text" on the application output. Never fails: prints nothing when memory is exhausted.
 NX_API void reportException(char const* where, std::exception_ptr const& exception) noexcept;
 
 }  // namespace urOS

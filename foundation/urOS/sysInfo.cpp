@@ -1,4 +1,4 @@
-// Facts about the process and the machine.
+// Queries facts about the process and the machine.
 #include "foundation/urOS/sysInfo.h"
 
 #include "foundation/urOS/impl/residentMemory.h"

@@ -7,10 +7,10 @@
 
 namespace urOS {
 
-/// Asks the system anew on every call. Any thread.
+/// Queries the system on every call. Any thread.
 class NX_API SysInfo {
 public:
-    /// The memory that the process occupies now, in KiB; 0 where the system does not tell.
+    /// The resident memory of the process in KiB; 0 if the system does not report it.
     [[nodiscard]] std::uint64_t processResidentMemory() const noexcept;
 };
 

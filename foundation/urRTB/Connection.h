@@ -9,7 +9,7 @@
 
 namespace urRTB {
 
-/// Names one connection of a signal; dropping the handle leaves the connection as it is.
+/// Names one connection of a signal; destroying the handle does not end the connection.
 ///
 /// Copies name the same connection. A handle may outlive the signal: the connection has then ended, and every
 /// operation does nothing. Used on the thread that uses the signal.
@@ -33,8 +33,8 @@ public:
     }
     [[nodiscard]] bool blocked() const noexcept { return connected() && function_->blocked(); }
 
-    /// Who is called, for diagnosis: the name of a plain function as far as it is known, the class of a callable
-    /// (for a lambda that names the function it was written in); empty without a connection.
+    /// Describes the callback for diagnosis: the name of a plain function if known, the class of a callable (for a
+    /// lambda this names its enclosing function); empty without a connection.
     [[nodiscard]] std::string describe() const { return function_ ? function_->onDescribe() : std::string(); }
 
 private:
@@ -45,7 +45,7 @@ private:
     ur::Reference<FunctionBase> function_;
 };
 
-/// Owns one connection: it ends when the owner goes or takes another.
+/// Owns one connection: ends it when the owner is destroyed or takes another.
 class NX_API ScopedConnection {
 public:
     ScopedConnection() noexcept = default;
@@ -58,7 +58,7 @@ public:
     ~ScopedConnection() { connection_.disconnect(); }
 
     [[nodiscard]] Connection const& get() const noexcept { return connection_; }
-    /// Gives up the connection, which goes on.
+    /// Gives up the connection, which continues.
     Connection release() noexcept { return std::exchange(connection_, Connection()); }
     void disconnect() noexcept { release().disconnect(); }
 
@@ -66,7 +66,7 @@ private:
     Connection connection_;
 };
 
-/// Blocks one connection for as long as the object lives.
+/// Blocks one connection while this object lives.
 class NX_API ScopedBlock {
 public:
     [[nodiscard]] explicit ScopedBlock(Connection connection) noexcept : connection_(std::move(connection)) {

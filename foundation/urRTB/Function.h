@@ -1,4 +1,4 @@
-// Callbacks by the arguments that they take: plain functions and anything callable.
+// Callbacks of signals: plain functions and other callables.
 #pragma once
 
 #include <concepts>
@@ -14,16 +14,16 @@
 
 namespace urRTB {
 
-/// How an argument of type A travels through an emission: references and scalars as they are, the rest uncopied.
+/// The type that passes an argument of type A: A itself if a reference or a scalar, otherwise a const reference.
 template <class A>
 using Passed = std::conditional_t<std::is_reference_v<A> || std::is_scalar_v<A>, A, A const&>;
 
-/// What a signal of the given arguments can call.
+/// A callable that accepts the signal's arguments.
 template <class F, class... Args>
 concept Callback = std::invocable < std::decay_t<F>
 &, Passed<Args>... > ;
 
-/// A callback that takes the given arguments.
+/// A callback with the given arguments.
 template <class... Args>
 class Function : public FunctionBase {
 public:

@@ -1,4 +1,4 @@
-// How a callback leaves its signal.
+// Removes callbacks from their signal.
 #include "foundation/urRTB/FunctionBase.h"
 
 #include "foundation/ur/TypeInfo.h"
@@ -30,8 +30,8 @@ void FunctionBase::leave() noexcept {
     end();
 }
 
-// Gives the callback behind this one. Leaving may run code that removes that one too: it keeps its place meanwhile,
-// and leaves in its turn.
+// Returns the next callback. Leaving may run code that removes that one too: it keeps its place meanwhile and leaves
+// later.
 FunctionBase* FunctionBase::leaveForNext() noexcept {
     FunctionBase* left = this;
     do {
@@ -49,7 +49,7 @@ void FunctionBase::unlink() noexcept {
     next_->previous_ = previous_;
 }
 
-// Runs code of the callback's owner, which may do anything to the signal: the ring must be whole by now.
+// Runs code of the callback's owner, which may do anything to the signal: the ring must be consistent by now.
 void FunctionBase::end() noexcept {
     onDisconnected();
     unref();

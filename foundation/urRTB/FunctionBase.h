@@ -1,4 +1,4 @@
-// The callback object of a signal, which is also its place among the signal's connections.
+// The callback object of a signal, and its node in the signal's connections.
 #pragma once
 
 #include <cstdint>
@@ -11,12 +11,12 @@ namespace urRTB {
 
 class SignalBase;
 
-/// One callback of one signal: made with `new`, given to the signal's `addCallback`, owned by the signal.
+/// One callback of one signal: created with `new`, passed to the signal's `addCallback`, owned by the signal.
 ///
-/// Connected callbacks form a ring in connection order. An emission holds the lock of the callback that it runs:
-/// a callback removed meanwhile is never called again but keeps its place until its last lock is released, so an
-/// emission can always walk on. Handles (`Connection`) keep the object alive, not the connection.
-/// Belongs to the thread that uses its signal.
+/// Connected callbacks form a ring in connection order. An emission locks the callback that it runs: a callback removed
+/// meanwhile is never called again but keeps its place until its last lock is released, so the emission can continue
+/// from it. Handles (`Connection`) keep the object alive, not the connection. Belongs to the thread that uses its
+/// signal.
 class NX_API FunctionBase : public ur::ReferenceCount {
 public:
     FunctionBase(FunctionBase const&) = delete;
@@ -30,16 +30,16 @@ private:
     friend class SignalBase;
     friend class Connection;
 
-    /// What is called: see `Connection::describe`.
+    /// A description of the callback: see `Connection::describe`.
     [[nodiscard]] virtual std::string onDescribe() const;
-    /// The connection has ended and the callback is not running: frees what it captured. Called once.
+    /// The connection has ended and the callback is not running: frees its captures. Called once.
     virtual void onDisconnected() noexcept;
 
     [[nodiscard]] bool connected() const noexcept { return (silence_ & removed) == 0; }
     [[nodiscard]] bool blocked() const noexcept { return (silence_ & ~removed) != 0; }
     [[nodiscard]] bool callable() const noexcept { return silence_ == 0; }
     void lock() noexcept { ++locks_; }
-    /// Drops a lock. True when that was the last, so that the callback has to leave.
+    /// Releases a lock. True when it was the last, so that the callback must leave.
     [[nodiscard]] bool unlock() noexcept { return --locks_ == 0; }
 
     void join(SignalBase& signal) noexcept;
@@ -51,9 +51,9 @@ private:
 
     static constexpr std::uint32_t removed = 1U << 31;
 
-    std::uint32_t silence_ = removed;  ///< the blocks not yet lifted; `removed` before and after the connection
-    std::uint32_t locks_ = 0;          ///< one for the connection, one for each emission that needs the place
-    SignalBase* signal_ = nullptr;     ///< null once the signal has let go of all its connections
+    std::uint32_t silence_ = removed;  ///< number of active blocks; `removed` before and after the connection
+    std::uint32_t locks_ = 0;          ///< one for the connection, one per emission that needs the place
+    SignalBase* signal_ = nullptr;     ///< null once the signal has released all its connections
     FunctionBase* next_ = this;
     FunctionBase* previous_ = this;
 };

@@ -1,4 +1,4 @@
-// The signal: calls whatever is connected to it.
+// A signal that calls its connected callbacks.
 #pragma once
 
 #include <concepts>
@@ -20,7 +20,7 @@ namespace urRTB {
 template <class... Args>
 class Signal : public SignalBase {
 public:
-    /// An exception from a callback leaves at once; later callbacks are not called.
+    /// An exception from a callback passes to the caller at once; later callbacks are not called.
     void emit(Passed<Args>... args) const { callAll<Walk>(args...); }
 
     /// As `emit`, but also calls the callbacks that are connected meanwhile. Ends when no more are.
@@ -46,12 +46,12 @@ public:
         return {};
     }
 
-    /// As above, until `client` goes at the latest.
+    /// As above, at most until `client` is destroyed.
     template <Callback<Args...> F>
     Connection addCallback(SignalClient& client, F&& callable) {
         return client.own(addCallback(std::forward<F>(callable)));
     }
-    /// Calls a member function of `object`, until `client` goes at the latest.
+    /// Calls a member function of `object`, at most until `client` is destroyed.
     template <class C, class Method>
     Connection addCallback(SignalClient& client, C* object, Method method) {
         return addCallback(client, [object, method](Passed<Args>... args) { std::invoke(method, object, args...); });

@@ -1,4 +1,4 @@
-// Connecting, counting and letting go of all connections.
+// Adds, counts and ends connections.
 #include "foundation/urRTB/SignalBase.h"
 
 namespace urRTB {
@@ -45,13 +45,13 @@ ur::vector<Connection> SignalBase::connections() const {
 
 void SignalBase::disconnectAll() noexcept {
     if (!first_) return;
-    // The end of a callback may destroy this signal: from here on nothing may look at it.
+    // A callback's destructor may destroy this signal: do not access it from here on.
     FunctionBase* item = takeEnded();
     while (item) std::exchange(item, item->next_)->end();
 }
 
-// Parts with all callbacks before any of their owners' code runs. Those that an emission stands on keep their places,
-// for the emission to walk on; the others are the result, a chain in order.
+// Removes all callbacks before any of their owners' code runs. Those that an emission stands on keep their places, so
+// that the emission can continue; returns the others as a chain in order.
 FunctionBase* SignalBase::takeEnded() noexcept {
     FunctionBase* chain = nullptr;
     FunctionBase** end = &chain;
@@ -71,7 +71,7 @@ FunctionBase* SignalBase::takeEnded() noexcept {
     return chain;
 }
 
-// The end of one callback may make another connection here. Emissions under way walk out on what stays in the ring.
+// The end of one callback may make another connection here. Running emissions leave through the remaining ring.
 void SignalBase::letGo() noexcept {
     do disconnectAll();
     while (hasConnections());

@@ -1,4 +1,4 @@
-// What signals of all argument types share: their connections and the walk over them.
+// The common base of all signals: connections and the iteration over them.
 #pragma once
 
 #include <cstddef>
@@ -22,7 +22,7 @@ public:
     [[nodiscard]] bool hasConnections() const noexcept;
     /// Takes time in proportion to the connections.
     [[nodiscard]] std::size_t connectionCount() const noexcept;
-    /// Blocked connections count, ended ones do not; in the order in which they were made.
+    /// Includes blocked connections, not ended ones; in the order in which they were made.
     [[nodiscard]] ur::vector<Connection> connections() const;
     /// No callback connected now is called again, not even by an emission under way.
     void disconnectAll() noexcept;
@@ -35,7 +35,7 @@ protected:
         if (first_) letGo();
     }
 
-    /// Takes over `function`, which no signal owns yet. Null gives a handle without a connection.
+    /// Takes ownership of `function`, which no signal owns yet. Null returns an empty handle.
     Connection add(FunctionBase* function) noexcept;
     [[nodiscard]] bool idle() const noexcept { return first_ == nullptr; }
 

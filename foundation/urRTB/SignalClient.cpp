@@ -1,4 +1,4 @@
-// The bookkeeping of owned connections.
+// Tracks owned connections.
 #include "foundation/urRTB/SignalClient.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ std::size_t SignalClient::connectionCount() const noexcept {
     return static_cast<std::size_t>(count);
 }
 
-// Keeps at least half of the room free afterwards, so that the cost per connection stays constant.
+// Leaves at least half of the capacity free, so that the cost per connection stays constant.
 void SignalClient::forgetEnded() {
     auto const ended =
         std::stable_partition(connections_.begin(), connections_.end(), [](auto const& c) { return c.connected(); });

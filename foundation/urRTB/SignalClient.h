@@ -1,4 +1,4 @@
-// The owner of connections.
+// An owner of connections.
 #pragma once
 
 #include <cstddef>
@@ -9,24 +9,23 @@
 
 namespace urRTB {
 
-/// Owns connections to any number of signals and ends them when it goes.
+/// Owns connections to any number of signals and ends them when destroyed.
 ///
-/// Usually a member of the object whose member functions are connected, declared last so that it goes first.
-/// A copied client starts without connections, and assigning leaves both sides alone.
-/// Used by one thread at a time, like the signals it is connected to.
+/// Usually a member of the object whose member functions are connected, declared last so that it is destroyed first. A
+/// copied client starts without connections; assigning changes neither side's. One thread at a time, like its signals.
 class NX_API SignalClient {
 public:
     SignalClient() noexcept = default;
     SignalClient(SignalClient const& /*other*/) noexcept {}
     SignalClient& operator=(SignalClient const& /*other*/) noexcept { return *this; }
     ~SignalClient() {
-        while (!connections_.empty()) disconnectAll();  // again if the end of one gave this client another
+        while (!connections_.empty()) disconnectAll();  // repeat if the end of one added another
     }
 
-    /// Makes the connection one of the client's, and returns it.
+    /// Adds the connection to the client and returns it.
     Connection own(Connection const& connection);
     void disconnectAll() noexcept;
-    /// The number of connections owned that have not ended.
+    /// The number of owned connections that have not ended.
     [[nodiscard]] std::size_t connectionCount() const noexcept;
 
 private:

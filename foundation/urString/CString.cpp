@@ -1,4 +1,4 @@
-// Changing a text, and formatting one in no locale.
+// Changes and formats texts, independently of the locale.
 #include "foundation/urString/CString.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ using impl::TextRep;
 
 namespace {
 
-/// Room for at least `needed` bytes and enough that repeated growth stays linear.
+/// A capacity of at least `needed` bytes, large enough that repeated growth stays linear.
 std::size_t grownCapacity(TextRep const& rep, std::size_t needed) {
     return std::max(needed, std::min(rep.capacity() + rep.capacity() / 2, TextRep::maxSize));
 }
@@ -127,7 +127,7 @@ CString CString::vformat(char const* format, va_list arguments) {
     char brief[256];
     va_list again;
     va_copy(again, arguments);
-    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller's va_start, which the analyzer overlooks
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller called va_start
     int const length = std::vsnprintf(brief, sizeof brief, format, arguments);
     CString result;
     if (length > 0 && std::size_t(length) < sizeof brief) {

@@ -13,16 +13,16 @@ namespace urString {
 
 class CString;
 
-/// What can stand beside a CString in a comparison without being copied into one.
+/// A type that can be compared with a CString without conversion.
 template <class T>
 concept ForeignText = std::convertible_to<T const&, std::string_view> && !std::same_as<T, CString>;
 
-/// The framework's text: any bytes, bounded by a length, with a NUL behind them; UTF-8 where it is meant as text.
+/// The framework's text: any bytes with a length, followed by a NUL; UTF-8 where the bytes are text.
 ///
-/// Sixteen bytes, up to fifteen of text held in place, so that it can sit in items and dictionary entries.
-/// Order and equality are by bytes as unsigned numbers, and a text comes before every longer one that it begins.
-/// Positions beyond the end mean the end, counts beyond it reach to it. Arguments may be part of the text that
-/// is changed. A moved-from text is empty. A value: different threads may use different copies.
+/// Sixteen bytes; holds up to fifteen bytes of text inline, so that it fits into items and dictionary entries. Order
+/// and equality compare bytes as unsigned numbers; a prefix comes before the longer text. Positions beyond the end mean
+/// the end, counts beyond it reach to it. Arguments may be part of the changed text. A moved-from text is empty. A
+/// value: different threads may use different copies.
 class NX_API CString {
 public:
     using value_type = char;
@@ -43,17 +43,17 @@ public:
     CString& operator=(CString const&) = default;
     CString& operator=(CString&&) noexcept = default;
 
-    /// The text, where `readable` bytes can be read from its start on, at least its own: with sixteen of them a short
-    /// text is taken in one step.
+    /// The text, if `readable` bytes can be read from its start, at least its size: with sixteen of them, a short text
+    /// is copied in one step.
     [[nodiscard]] static CString ofReadable(std::string_view text, std::size_t readable) { return {text, readable}; }
-    /// The text that `printf` would print; empty when the format is in error. Numbers have a point as their
-    /// decimal mark, whatever the process's locale is.
+    /// The text that `printf` would print; empty when the format is invalid. Numbers have a decimal point, whatever the
+    /// process's locale is.
     [[gnu::format(printf, 1, 2)]] static CString format(char const* format, ...);
     [[gnu::format(printf, 1, 0)]] static CString vformat(char const* format, va_list arguments);
 
     [[nodiscard]] char const* c_str() const noexcept { return rep_.data(); }
     [[nodiscard]] char const* data() const noexcept { return rep_.data(); }
-    /// Valid until the text changes its size or moves; the NUL behind it must stay.
+    /// Valid until the text changes its size or moves; do not overwrite the NUL after it.
     [[nodiscard]] char* data() noexcept { return rep_.data(); }
     [[nodiscard]] std::size_t size() const noexcept { return rep_.size(); }
     [[nodiscard]] std::size_t length() const noexcept { return rep_.size(); }
@@ -67,7 +67,7 @@ public:
     [[nodiscard]] iterator end() noexcept { return data() + size(); }
     [[nodiscard]] const_iterator begin() const noexcept { return data(); }
     [[nodiscard]] const_iterator end() const noexcept { return data() + size(); }
-    /// NUL beyond the end.
+    /// NUL at and beyond the end.
     [[nodiscard]] char operator[](std::size_t position) const noexcept {
         return position < size() ? data()[position] : '\0';
     }
@@ -98,33 +98,33 @@ public:
 
     void clear() noexcept { rep_.setSize(0); }
     CString& erase(std::size_t position = 0, std::size_t count = npos) { return replace(position, count, {}); }
-    /// Puts `text` in the place of `count` bytes.
+    /// Replaces `count` bytes by `text`.
     CString& replace(std::size_t position, std::size_t count, std::string_view text);
-    /// Replaces every `from`, left to right and not again in what was put in; gives their number. An empty `from`
-    /// is found nowhere.
+    /// Replaces every `from`, left to right, not within inserted text; returns the number of replacements. An empty
+    /// `from` is never found.
     std::size_t replace(std::string_view from, std::string_view to);
     void reserve(std::size_t capacity);
     void resize(std::size_t size, char fill = '\0');
-    /// Lets `write(char* bytes, std::size_t size)` fill a text of `size` bytes, which hold the former text as far
-    /// as that goes and anything behind it; the result of `write`, at most `size`, is the size that stays.
+    /// Calls `write(char* bytes, std::size_t size)` to fill a text of `size` bytes, which first hold the former text
+    /// and then undefined bytes. `write` returns the final size, at most `size`.
     template <class Write>
     void resizeAndOverwrite(std::size_t size, Write write) {
         reserve(size);
         rep_.setSize(size);
         rep_.setSize(write(rep_.data(), size));
     }
-    /// The letters a to z only, in every locale.
+    /// Changes only the letters a to z, in every locale.
     CString& toUpperCase() noexcept;
     CString& toLowerCase() noexcept;
 
-    /// The first place at or after `from`, or npos.
+    /// The first position at or after `from`, or npos.
     [[nodiscard]] std::size_t find(std::string_view text, std::size_t from = 0) const noexcept {
         return view().find(text, from);
     }
     [[nodiscard]] std::size_t find(char character, std::size_t from = 0) const noexcept {
         return view().find(character, from);
     }
-    /// The last place at or before `from`, or npos.
+    /// The last position at or before `from`, or npos.
     [[nodiscard]] std::size_t rfind(std::string_view text, std::size_t from = npos) const noexcept {
         return view().rfind(text, from);
     }
@@ -171,7 +171,7 @@ private:
 
 static_assert(sizeof(CString) == 16);
 
-/// The order of texts as a function object; looks up by any text without copying it.
+/// The order of texts as a function object; looks up by any text type without copying.
 struct less {
     using is_transparent = void;
 

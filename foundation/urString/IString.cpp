@@ -1,4 +1,4 @@
-// Wide text: what comes in from bytes and wide characters, what goes out, and the changes.
+// Converts wide text from and to bytes and wide characters, and edits it.
 #include "foundation/urString/IString.h"
 
 #include <algorithm>

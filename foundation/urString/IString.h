@@ -1,4 +1,4 @@
-// Wide text: characters rather than bytes, and the road between the two.
+// Wide text: Unicode characters, and their conversion from and to bytes.
 #pragma once
 
 #include <compare>
@@ -13,26 +13,26 @@
 
 namespace urString {
 
-/// What bytes mean. Both read well-formed UTF-8 as what it says and differ in what they do with other bytes.
+/// How bytes are decoded. Both decode well-formed UTF-8; they differ in other bytes.
 ///
-/// `multibyte`, for names that the system gives (files, environment): a byte that belongs to no character becomes
-/// a character of its own, U+DC80 to U+DCFF, and `asMultibyte` gives the same byte again, so that every file can
-/// be named. The process's locale has no say: a path means the same file whatever `setlocale` was called with.
-/// `utf8`, for text: each ill-formed piece becomes one U+FFFD, and what is written is always valid UTF-8.
+/// `multibyte`, for names from the system (files, environment): a byte that belongs to no character becomes its own
+/// character, U+DC80 to U+DCFF, and `asMultibyte` returns the same byte again, so that every file can be named. The
+/// process's locale has no effect: a path names the same file whatever `setlocale` was called with. `utf8`, for text:
+/// each ill-formed piece becomes one U+FFFD, and the output is always valid UTF-8.
 enum class Encoding : int { multibyte = 0, utf8 = 1 };
 
-/// Text as Unicode characters, for file names and for what people read and write.
+/// Text as Unicode characters, for file names and human-readable text.
 ///
-/// Always holds characters only: Unicode scalar values, and the stand-ins for undecodable bytes that
-/// `Encoding::multibyte` describes; anything else given to it becomes U+FFFD. NULs are characters like others
-/// where a length is given. Order is by character number. Positions beyond the end mean the end, counts beyond
-/// it reach to it. A value: different threads may use different copies.
+/// Contains only characters: Unicode scalar values, and the substitutes for undecodable bytes that
+/// `Encoding::multibyte` describes; other input becomes U+FFFD. NULs are ordinary characters where a length is given.
+/// The order is by character number. Positions beyond the end mean the end, counts beyond it reach to it. A value:
+/// different threads may use different copies.
 class NX_API IString {
 public:
     static constexpr std::size_t npos = std::u32string::npos;
 
     IString() noexcept = default;
-    /// As `assign` does, for each of these; null gives the empty text.
+    /// As `assign` for each of these types; null gives the empty text.
     IString(char const* text, Encoding encoding = Encoding::multibyte, bool* error = nullptr);
     IString(std::string_view text, Encoding encoding, bool* error = nullptr);
     IString(wchar_t const* text);
@@ -43,7 +43,7 @@ public:
     [[gnu::format(printf, 1, 2)]] static IString format(char const* format, ...);
     [[gnu::format(printf, 1, 0)]] static IString vformat(char const* format, va_list arguments);
 
-    /// Takes over the characters of `text`. `error`, where given, tells whether any byte was no UTF-8.
+    /// Decodes `text`. `error`, if not null, receives whether any byte was not UTF-8.
     IString& assign(std::string_view text, Encoding encoding, bool* error = nullptr);
     IString& assign(char const* text, std::size_t size, Encoding encoding, bool* error = nullptr);
     /// Up to the terminating NUL; null gives the empty text.
@@ -51,7 +51,7 @@ public:
     IString& assign(std::wstring_view text);
 
     [[nodiscard]] CString asUTF8() const;
-    /// The size of `asUTF8` with the NUL behind it.
+    /// The size of `asUTF8` including the terminating NUL.
     [[nodiscard]] std::size_t asUTF8StoreSize() const noexcept;
     [[nodiscard]] CString asMultibyte() const;
     /// In the platform's wide form: UTF-32, or UTF-16 where `wchar_t` has two bytes.
@@ -61,7 +61,7 @@ public:
     [[nodiscard]] std::size_t size() const noexcept { return text_.size(); }
     [[nodiscard]] bool empty() const noexcept { return text_.empty(); }
     [[nodiscard]] std::u32string_view view() const noexcept { return text_; }
-    /// NUL beyond the end.
+    /// NUL at and beyond the end.
     [[nodiscard]] char32_t operator[](std::size_t position) const noexcept {
         return position < text_.size() ? text_[position] : U'\0';
     }
@@ -72,20 +72,20 @@ public:
     IString& operator+=(char32_t character) { return append(character); }
     void clear() noexcept { text_.clear(); }
     IString& erase(std::size_t position = 0, std::size_t count = npos);
-    /// Puts `text` in the place of `count` characters.
+    /// Replaces `count` characters by `text`.
     IString& replace(std::size_t position, std::size_t count, IString const& text);
-    /// Replaces every `from`, left to right and not again in what was put in; gives their number. An empty `from`
-    /// is found nowhere.
+    /// Replaces every `from`, left to right, not within inserted text; returns the number of replacements. An empty
+    /// `from` is never found.
     std::size_t replace(IString const& from, IString const& to);
 
-    /// The first place at or after `from`, or npos.
+    /// The first position at or after `from`, or npos.
     [[nodiscard]] std::size_t find(IString const& text, std::size_t from = 0) const noexcept {
         return text_.find(text.text_, from);
     }
     [[nodiscard]] std::size_t find(char32_t character, std::size_t from = 0) const noexcept {
         return text_.find(character, from);
     }
-    /// The last place at or before `from`, or npos.
+    /// The last position at or before `from`, or npos.
     [[nodiscard]] std::size_t rfind(IString const& text, std::size_t from = npos) const noexcept {
         return text_.rfind(text.text_, from);
     }

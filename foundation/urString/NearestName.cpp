@@ -1,4 +1,4 @@
-// Comparing names by the bytes in which they differ.
+// Compares names by edit distance.
 #include "foundation/urString/NearestName.h"
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t longestCompared = 63;
 
-/// The number of bytes to insert, drop or replace to make one of the other (Wagner and Fischer, 1974).
+/// The number of bytes to insert, delete or replace to turn one into the other (Wagner and Fischer, 1974).
 std::size_t editDistance(std::string_view a, std::string_view b) {
     std::array<std::size_t, longestCompared + 1> row{};
     std::iota(row.begin(), row.end(), 0U);

@@ -1,4 +1,4 @@
-// What a misspelt name was probably to be.
+// Suggests the probable name for a misspelt one.
 #pragma once
 
 #include <cstddef>
@@ -9,17 +9,17 @@
 
 namespace urString {
 
-/// Takes names one after the other and keeps the one that is most like a wanted one: it differs in at most a third of
-/// its bytes. Of names and of what is wanted, the first 63 bytes are compared.
+/// Takes names one by one and keeps the one nearest to a wanted name: they differ in at most a third of the bytes.
+/// Compares the first 63 bytes of each name.
 class NX_API NearestName {
 public:
     explicit NearestName(std::string_view wanted);
 
-    /// Whether the name is now the nearest.
+    /// Whether `name` is now the nearest.
     bool offer(std::string_view name);
-    /// Empty when no name was like the wanted one.
+    /// Empty when no name is near enough.
     [[nodiscard]] CString const& get() const noexcept { return nearest_; }
-    /// "; do you mean NAME?", or nothing.
+    /// "; do you mean NAME?", or an empty text.
     [[nodiscard]] CString question() const;
 
 private:

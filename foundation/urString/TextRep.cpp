@@ -1,4 +1,4 @@
-// Taking and giving back the heap block of a long text.
+// Allocates and frees the heap block of a long text.
 #include "foundation/urString/TextRep.h"
 
 #include <cstdlib>
@@ -16,7 +16,7 @@ constexpr std::size_t smallestBlock = 16;
 /// The code of the smallest block of at least `bytes` bytes.
 unsigned blockCode(std::size_t bytes) {
     std::size_t const last = (bytes < smallestBlock ? smallestBlock : bytes) - 1;
-    // The three leading bits, rounded up, choose the step within the octave; eight of them are the next octave.
+    // The three leading bits, rounded up, select the step within the octave; eight of them are the next octave.
     unsigned const shift = last < smallestBlock ? 2 : static_cast<unsigned>(std::bit_width(last)) - 3;
     return (shift - 2) * 4 + static_cast<unsigned>(last >> shift) + 1 - 4;
 }

@@ -1,4 +1,4 @@
-// The sixteen bytes that hold a text: inline when it is short, on the heap when it is long.
+// The sixteen-byte representation of a text: inline when short, on the heap when long.
 #pragma once
 
 #include <array>
@@ -14,7 +14,7 @@
 
 namespace urString::impl {
 
-/// The masks of two words that keep their first bytes in memory, for each number of bytes below sixteen.
+/// For each byte count below sixteen, the masks of two words that keep their first bytes in memory.
 inline constexpr auto firstBytes = [] {
     std::array<std::array<std::uint64_t, 2>, 16> masks{};
     for (std::size_t count = 0; count < masks.size(); ++count) {
@@ -26,22 +26,22 @@ inline constexpr auto firstBytes = [] {
     return masks;
 }();
 
-/// Owned bytes with a NUL behind them; the layout and the comparisons under `CString`.
+/// Owned bytes followed by a NUL; the layout and the comparisons of `CString`.
 ///
-/// Two words. The last byte in memory is the tag. Inline, it is 15 - size, so that for a text of 15 bytes it is
-/// its terminator as well, and every byte between the text and the tag is zero: equal short texts are equal
-/// words. On the heap, its top bit is set and the rest is the code of the block's size; the first word is the
-/// block's address and the other seven bytes of the second are the size of the text.
+/// Two words. The last byte in memory is the tag. Inline, the tag is 15 - size, so it also terminates a text of 15
+/// bytes; every byte between the text and the tag is zero, so equal short texts are equal words. On the heap, the tag's
+/// top bit is set and the rest is the code of the block's size; the first word is the block's address and the other
+/// seven bytes of the second word are the size of the text.
 class NX_API TextRep {
 public:
     static constexpr std::size_t inlineCapacity = 15;
-    static constexpr std::size_t maxSize = (std::size_t(7) << 33) - 1;  // the largest block that a code can name
+    static constexpr std::size_t maxSize = (std::size_t(7) << 33) - 1;  // the largest block that has a code
 
     constexpr TextRep() noexcept = default;
-    /// Throws `std::length_error` beyond `maxSize`, `std::bad_alloc` when there is no memory.
+    /// Throws `std::length_error` beyond `maxSize`, `std::bad_alloc` when memory is exhausted.
     TextRep(char const* text, std::size_t size) { take(text, size); }
-    /// The same where `readable` bytes can be read, at least `size`: with sixteen of them, a short text needs no look
-    /// at its size.
+    /// The same if `readable` bytes can be read, at least `size`: with sixteen of them, a short text is copied without
+    /// checking its size.
     TextRep(char const* text, std::size_t size, std::size_t readable) {
         if (size <= inlineCapacity && readable > inlineCapacity) [[likely]] {
             keepInline(load<std::uint64_t>(text), load<std::uint64_t>(text + 8), size);
@@ -67,7 +67,7 @@ public:
             release();
     }
 
-    /// A text of `size` bytes of any value in a block that can take `capacity` bytes: to be written at once.
+    /// An uninitialized text of `size` bytes in a block for `capacity` bytes; the caller must fill it at once.
     [[nodiscard]] static TextRep ofSize(std::size_t size, std::size_t capacity) {
         TextRep result;
         if (capacity > inlineCapacity) {
@@ -91,10 +91,10 @@ public:
     [[nodiscard]] char* data() noexcept { return isInline() ? reinterpret_cast<char*>(words_) : block(); }
     [[nodiscard]] std::string_view view() const noexcept { return {data(), size()}; }
 
-    /// Requires: at most `capacity()`. Bytes that join the text keep the value that they have.
+    /// Requires: at most `capacity()`. Bytes added to the text keep their present value.
     void setSize(std::size_t size) noexcept {
         if (isInline()) {
-            // Said here, since g++ 12 takes a size that it knows to be larger for an index out of bounds.
+            // Stated explicitly because g++ 12 warns of an index out of bounds when it knows a larger size.
             if (size > inlineCapacity) __builtin_unreachable();
             keepInline(words_[0], words_[1], size);
         } else {
@@ -102,7 +102,7 @@ public:
             words_[1] = std::uint64_t(size) << sizeShift | std::uint64_t(tag()) << tagShift;
         }
     }
-    /// Adds `count` bytes to the text where there is room and gives their place, to be written at once; else null.
+    /// Extends the text by `count` bytes if there is room and returns their address, to fill at once; otherwise null.
     [[nodiscard]] char* extend(std::size_t count) noexcept {
         std::size_t const former = size();
         if (count > capacity() - former) [[unlikely]]
@@ -115,7 +115,7 @@ public:
         block()[former + count] = '\0';
         return block() + former;
     }
-    /// Moves to a block that can take `capacity` bytes.
+    /// Moves to a block for `capacity` bytes.
     void enlarge(std::size_t capacity);
     void swap(TextRep& other) noexcept {
         std::swap(words_[0], other.words_[0]);
@@ -126,12 +126,12 @@ public:
         if (a.words_[0] == b.words_[0] && a.words_[1] == b.words_[1]) return true;
         return !(a.isInline() && b.isInline()) && a.view() == b.view();
     }
-    /// By bytes as unsigned numbers; a text comes before every longer one that it begins.
+    /// Compares bytes as unsigned numbers; a prefix comes before the longer text.
     friend std::strong_ordering operator<=>(TextRep const& a, TextRep const& b) noexcept {
         if (!a.isInline() || !b.isInline()) [[unlikely]]
             return compareBytes(a.view(), b.view());
         if (a.words_[0] != b.words_[0]) return inMemoryOrder(a.words_[0]) <=> inMemoryOrder(b.words_[0]);
-        // The tag is the least byte here and falls as the size grows; inverted, it lets the shorter come first.
+        // The tag is the lowest byte here and decreases with the size; inverted, it puts the shorter text first.
         return (inMemoryOrder(a.words_[1]) ^ 0xff) <=> (inMemoryOrder(b.words_[1]) ^ 0xff);
     }
 
@@ -142,11 +142,11 @@ private:
     static constexpr std::uint64_t sizeMask = (std::uint64_t(1) << 56) - 1;
     static constexpr unsigned heapTag = 0x80;
 
-    /// Four block sizes to the octave, from 16 bytes on: what growth and allocators round to anyway.
+    /// Four block sizes per octave, from 16 bytes on; growth and allocators round to similar sizes anyway.
     [[nodiscard]] static constexpr std::size_t blockBytes(unsigned code) noexcept {
         return std::size_t(4 + code % 4) << (2 + code / 4);
     }
-    /// The bytes of a word as a number that orders as they do in memory.
+    /// The bytes of a word as a number whose order is their order in memory.
     [[nodiscard]] static std::uint64_t inMemoryOrder(std::uint64_t word) noexcept {
         return littleEndian ? __builtin_bswap64(word) : word;
     }
@@ -157,7 +157,7 @@ private:
         return word;
     }
 
-    /// Most texts differ in their first eight bytes: worth a look before the call.
+    /// Most texts differ in their first eight bytes: compare these before the call.
     [[nodiscard]] static std::strong_ordering compareBytes(std::string_view a, std::string_view b) noexcept {
         if (a.size() >= 8 && b.size() >= 8) {
             std::uint64_t const first = load<std::uint64_t>(a.data());
@@ -168,8 +168,8 @@ private:
     }
 
     [[nodiscard]] unsigned tag() const noexcept { return static_cast<unsigned char>(words_[1] >> tagShift); }
-    /// Read as a pointer, not as a number: g++ 12 takes an element of an array that is cast to a pointer for the
-    /// array's own address, and concludes that `strlen` of it stays below the array's sixteen bytes.
+    /// Read as a pointer, not as a number: g++ 12 takes an array element cast to a pointer for the array's own address
+    /// and assumes that its `strlen` is below sixteen.
     [[nodiscard]] char* block() const noexcept {
         char* block;
         static_assert(sizeof block == sizeof words_[0]);
@@ -180,7 +180,7 @@ private:
         words_[0] = 0;
         words_[1] = std::uint64_t(inlineCapacity) << tagShift;  // NOLINT(clang-analyzer-unix.Malloc): another holds it
     }
-    /// Becomes the text. Requires: a new text.
+    /// Stores the text. Requires: a new object.
     void take(char const* text, std::size_t size) {
         if (size <= inlineCapacity) [[likely]] {
             pack(text, size);
@@ -188,12 +188,12 @@ private:
             std::memcpy(makeRoom(size, size), text, size);
         }
     }
-    /// Becomes the inline text of the first `size` bytes of two words.
+    /// Stores the first `size` bytes of two words inline.
     void keepInline(std::uint64_t first, std::uint64_t second, std::size_t size) noexcept {
         words_[0] = first & firstBytes[size][0];
         words_[1] = (second & firstBytes[size][1]) | std::uint64_t(inlineCapacity - size) << tagShift;
     }
-    /// Becomes the inline text, without the call that a copy of unknown length would be. Requires: a new text.
+    /// Stores the text inline, without the call that a copy of unknown length needs. Requires: a new object.
     void pack(char const* text, std::size_t size) noexcept {
         if (!littleEndian) {
             std::memcpy(words_, text, size);
@@ -209,7 +209,7 @@ private:
         }
         words_[1] = (words_[1] & ~(std::uint64_t(0xff) << tagShift)) | std::uint64_t(inlineCapacity - size) << tagShift;
     }
-    /// Becomes an unwritten heap text of `size` bytes. Requires: no block is held.
+    /// Allocates an uninitialized heap text of `size` bytes. Requires: no block is held.
     char* makeRoom(std::size_t size, std::size_t capacity);
     void release() noexcept;
 

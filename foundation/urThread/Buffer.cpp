@@ -1,4 +1,4 @@
-// Making and joining buffers.
+// Creates and merges buffers.
 #include "foundation/urThread/Buffer.h"
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 
 namespace urThread {
 
-/// Bytes with room behind them. What buffers see of it never changes; the rest belongs to the first buffer that claims
+/// Bytes followed by spare room. The bytes that buffers see never change; the first buffer that claims the rest owns
 /// it.
 class Buffer::Storage {
 public:
@@ -27,7 +27,7 @@ public:
         if (!charge_) charge_ = ur::Charge(account, capacity_);
     }
 
-    /// Puts the bytes of `added` behind the first `size`. False when there is no room, or something is there already.
+    /// Appends the bytes of `added` after the first `size`. False when there is no room, or bytes are there already.
     bool append(std::size_t size, Buffer const& added) noexcept {
         if (added.size() > capacity_ - size) return false;
         if (!used_.compare_exchange_strong(size, size + added.size(), std::memory_order_relaxed)) return false;
@@ -76,7 +76,7 @@ ur::Reference<Buffer> mergeBuffers(ur::Reference<Buffer> const& a, ur::Reference
     if (first.size() == 0) return make(second.storage_, second.size());
     std::size_t const size = first.size() + second.size();
     if (first.storage_->append(first.size(), second)) return make(first.storage_, size);
-    // With room for what is merged next: so the copies of a body that comes in blocks are about three times its size.
+    // Reserves room for the next merge, so the copies of a body that arrives in blocks are about three times its size.
     auto const& charged = first.storage_->account() ? first.storage_ : second.storage_;
     auto storage =
         std::make_shared<Buffer::Storage>(std::max(size, first.size() + first.size() / 2), charged->account());

@@ -1,4 +1,4 @@
-// Bytes that threads pass on without copying them.
+// Byte blocks that threads share without copying.
 #pragma once
 
 #include <cstddef>
@@ -13,18 +13,18 @@
 
 namespace urThread {
 
-/// A counted block of bytes, filled when it is made and never changed: any number of threads may read it.
+/// A counted block of bytes, filled at construction and never changed: any number of threads may read it.
 ///
-/// Buffers may share their storage, of which each sees the beginning.
+/// Buffers may share storage; each sees a prefix of it.
 class NX_API Buffer : public ReferenceCount {
 public:
-    /// No bytes.
+    /// An empty buffer.
     Buffer() = default;
-    /// A copy of `size` bytes, which may be null when `size` is 0.
+    /// Copies `size` bytes; `bytes` may be null when `size` is 0.
     Buffer(void const* bytes, std::size_t size);
-    /// A copy of the bytes of `text`.
+    /// Copies the bytes of `text`.
     explicit Buffer(std::string_view text);
-    /// Takes the bytes over without copying them.
+    /// Takes over the bytes without copying.
     explicit Buffer(ur::vector<char>&& bytes);
     ~Buffer() override;
 
@@ -32,8 +32,8 @@ public:
     [[nodiscard]] char const* data() const noexcept { return data_; }
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
 
-    /// Charges the storage, and what it is merged into, for as long as a buffer shares it. The first account stays. Not
-    /// while other threads use buffers with the same storage. Throws `ur::BudgetSpent`.
+    /// Charges the storage, and those that it is merged into, while a buffer uses it. The first account stays.
+    /// Requires: no other thread uses buffers with the same storage. Throws `ur::BudgetSpent`.
     void chargeTo(std::shared_ptr<ur::Account> const& account);
 
 private:
@@ -47,9 +47,9 @@ private:
     std::size_t size_ = 0;
 };
 
-/// A new buffer with the bytes of `a` and then those of `b`; null counts as empty. Merging one block after the other
-/// into the last result copies each byte a few times at most, however many blocks there are. Charged buffers are merged
-/// on the thread of their account only; throws `ur::BudgetSpent` when that has no room.
+/// A new buffer with the bytes of `a` followed by those of `b`; null counts as empty. Repeatedly merging a block into
+/// the last result copies each byte a few times at most. Merge charged buffers only on their account's thread; throws
+/// `ur::BudgetSpent` when the account has no room.
 [[nodiscard]] NX_API ur::Reference<Buffer> mergeBuffers(ur::Reference<Buffer> const& a, ur::Reference<Buffer> const& b);
 
 }  // namespace urThread

@@ -1,4 +1,4 @@
-// The queue behind its lock.
+// Implements the queue and its lock.
 #include "foundation/urThread/RunQueue.h"
 
 #include <condition_variable>
@@ -22,8 +22,8 @@ Clock::time_point after(std::chrono::nanoseconds limit) {
 
 }  // namespace
 
-// Shared with a running `service`, which goes on when a runnable destroys the queue. Runnables are dropped
-// outside the lock, since their destructors may add to the queue.
+// Shared with a running `service`, which continues when a runnable destroys the queue. Runnables are released outside
+// the lock, since their destructors may add to the queue.
 struct RunQueue::State {
     bool add(Work& work) {
         {
@@ -35,20 +35,20 @@ struct RunQueue::State {
         return true;
     }
 
-    // The oldest runnable if it is older than the one numbered `end`, otherwise null.
+    // Takes the oldest runnable if its number is below `end`; otherwise null.
     Work takeBefore(std::uint64_t end) {
         std::lock_guard const lock(mutex);
         return !closed && firstNumber < end ? takeFirst() : nullptr;
     }
 
-    // By the servicing thread: the number of the next runnable that is added.
+    // Called by the servicing thread: returns the number of the next runnable to be added.
     std::uint64_t beginService() {
         std::lock_guard const lock(mutex);
         home = std::this_thread::get_id();
         return firstNumber + queued.size();
     }
 
-    // Whether this is the servicing thread, on which what is queued has to be dropped.
+    // Closes the queue. True on the servicing thread, which must drop the queued runnables.
     bool close() {
         std::lock_guard const lock(mutex);
         closed = true;
@@ -76,8 +76,8 @@ struct RunQueue::State {
     std::mutex mutex;
     std::condition_variable changed;
     std::deque<Work> queued;
-    std::uint64_t firstNumber = 0;  // of the first in `queued`; counted from the making of the queue
-    bool closed = false;            // nothing runs any more; what is queued waits for its end
+    std::uint64_t firstNumber = 0;  // number of the first in `queued`; the first one ever added has 0
+    bool closed = false;            // nothing runs any more; queued runnables wait to be dropped
     std::thread::id home = std::this_thread::get_id();
 };
 

@@ -1,4 +1,4 @@
-// A piece of work that one thread hands to another.
+// Work that one thread passes to another.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -6,10 +6,10 @@
 
 namespace urThread {
 
-/// Work for a run queue; held by the thread that made it, by the queue, or by both.
+/// Work for a run queue; held by the thread that created it, by the queue, or by both.
 class NX_API Runnable : public ReferenceCount {
 public:
-    /// Called once for each time the object was added to a queue, on the thread that services the queue.
+    /// Called on the servicing thread, once for each time the object was added to a queue.
     virtual void run() = 0;
 
 protected:

@@ -1,4 +1,4 @@
-// Starting a thread, waiting for it and keeping what its callbacks throw.
+// Starts threads, waits for them and keeps their exceptions.
 #include "foundation/urThread/Thread.h"
 
 #include <cerrno>
@@ -24,7 +24,7 @@ urUtil::Error outcomeOf(urRTB::Signal<>& signal) {
 }  // namespace
 
 struct Thread::Run {
-    std::mutex beginning;  // held until `start` is done with the object, which a callback may destroy
+    std::mutex beginning;  // held until `start` no longer needs the object, which a callback may destroy
     urUtil::Error outcome;
 };
 

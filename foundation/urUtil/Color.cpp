@@ -1,4 +1,4 @@
-// Colours: between float and 8-bit channels.
+// Converts colours between float and 8-bit channels.
 #include "foundation/urUtil/Color.h"
 
 #include <algorithm>

@@ -7,8 +7,8 @@ namespace urUtil {
 
 struct Color8;
 
-/// A colour with an opacity, nominally 0 to 1 in each channel; nothing clamps what is stored.
-/// Opaque black by default. The four channels in the order r, g, b, a are the whole storage.
+/// A colour with an opacity, nominally 0 to 1 per channel; stored values are not clamped. Opaque black by default. The
+/// four channels in the order r, g, b, a are the whole storage.
 struct NX_API Color {
     float r = 0;
     float g = 0;
@@ -17,7 +17,7 @@ struct NX_API Color {
 
     constexpr Color() = default;
     constexpr Color(float red, float green, float blue, float alpha = 1) : r(red), g(green), b(blue), a(alpha) {}
-    /// 0 to 255 become 0 to 1.
+    /// Maps 0 to 255 to 0 to 1.
     explicit Color(Color8 const& color);
 
     /// Channel 0 to 3 in storage order.
@@ -36,7 +36,7 @@ struct NX_API Color8 {
     constexpr Color8() = default;
     constexpr Color8(unsigned char red, unsigned char green, unsigned char blue, unsigned char alpha = 255)
         : r(red), g(green), b(blue), a(alpha) {}
-    /// The nearest of the 256 steps in each channel; outside 0 to 1 the end, and 0 for a NaN.
+    /// Rounds each channel to the nearest of 256 steps and clamps it to 0 to 1; a NaN becomes 0.
     explicit Color8(Color const& color);
 
     /// Channel 0 to 3 in storage order.

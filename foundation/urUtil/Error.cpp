@@ -1,4 +1,4 @@
-// Errors: the shared record of a failure.
+// Implements the shared text of a failure.
 #include "foundation/urUtil/Error.h"
 
 #include <string>

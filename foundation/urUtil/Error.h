@@ -1,4 +1,4 @@
-// The outcome of a call into the system.
+// The result of a call into the system.
 #pragma once
 
 #include <memory>
@@ -9,26 +9,26 @@
 
 namespace urUtil {
 
-/// Tells whether a call that depends on the system succeeded, and if not, why.
+/// Says whether a call that depends on the system succeeded, and if not, why.
 ///
-/// A value: success unless built as a failure, and then it never changes its mind. Success costs
-/// neither memory nor time; copies of a failure share its text, also between threads.
-/// There is no conversion to bool, because both readings of it are in use: ask `ok` or `isError`.
+/// An immutable value: success unless constructed as a failure. Success costs neither memory nor time; copies of a
+/// failure share its text, also between threads. It does not convert to bool, because both meanings of true are in use:
+/// call `ok` or `isError`.
 class [[nodiscard]] Error {
 public:
     Error() noexcept = default;
-    /// A failure, whatever the code. Codes are `errno` values; 0 when none fits.
+    /// A failure, whatever the code. Codes are `errno` values, or 0 when none fits.
     NX_API Error(int code, std::string_view message);
-    /// The failure that `errno` value `code` stands for, as "what: the system's text of it".
+    /// The failure of `errno` value `code`, with the message "what: the system's text".
     NX_API static Error fromSystem(int code, std::string_view what);
-    /// The same of the `errno` value that `code` comes to, whatever the system's own numbers are.
+    /// The same for the `errno` value that `code` corresponds to on any system.
     NX_API static Error fromSystem(std::error_code code, std::string_view what);
 
     [[nodiscard]] bool ok() const noexcept { return !failure_; }
     [[nodiscard]] bool isError() const noexcept { return !ok(); }
     /// 0 for success.
     [[nodiscard]] NX_API int code() const noexcept;
-    /// Empty for success. Lives as long as this error or a copy of it.
+    /// Empty for success. Valid while this error or a copy of it lives.
     [[nodiscard]] NX_API std::string_view message() const noexcept;
 
 private:

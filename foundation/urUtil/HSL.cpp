@@ -1,4 +1,4 @@
-// The conversions between channels and hue, saturation, lightness.
+// Converts between colour channels and hue, saturation, lightness.
 #include "foundation/urUtil/HSL.h"
 
 #include <algorithm>
@@ -14,8 +14,8 @@ double wrapTurns(double turns) { return std::isfinite(turns) ? turns - std::floo
 
 }  // namespace
 
-// In double, because there the sum of two channels does not round: a colour that is not quite a grey has a
-// lightness between 0 and 1, and nothing below divides by zero.
+// In double, where the sum of two channels is exact: a colour that is not quite a grey has a lightness between 0 and 1,
+// and nothing below divides by zero.
 HSL RGBtoHSL(Color const& color) {
     double const r = clampUnit(color.r);
     double const g = clampUnit(color.g);

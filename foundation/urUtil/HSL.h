@@ -1,4 +1,4 @@
-// Hue, saturation and lightness, and the way to and from channels.
+// Hue, saturation and lightness, and their conversions.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -22,12 +22,12 @@ struct NX_API HSL {
     bool operator==(HSL const&) const = default;
 };
 
-/// Channels outside 0 to 1 count as the nearer end, NaN as 0. The opacity plays no part.
-/// Formulas here and below: CSS Color Module Level 4, section 7, with hue in turns.
+/// Clamps channels to 0 to 1; NaN counts as 0. Ignores the opacity. Formulas here and below: CSS Color Module Level 4,
+/// section 7, with hue in turns.
 [[nodiscard]] NX_API HSL RGBtoHSL(Color const& color);
 
-/// Sets r, g and b of `out` and leaves its opacity. The hue wraps around at whole turns;
-/// saturation and lightness outside 0 to 1 count as the nearer end; what is not finite counts as 0.
+/// Sets r, g and b of `out` and keeps its opacity. The hue wraps around at whole turns; saturation and lightness are
+/// clamped to 0 to 1; values that are not finite count as 0.
 NX_API void HSLtoRGB(HSL const& hsl, Color& out);
 
 }  // namespace urUtil

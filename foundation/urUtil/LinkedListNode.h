@@ -1,16 +1,16 @@
-// A node of a doubly linked list that its objects carry in themselves.
+// Intrusive nodes of doubly linked lists.
 #pragma once
 
 #include "foundation/ur/Export.h"
 
 namespace urUtil {
 
-/// Base of a class T whose objects are strung on a list: `class Page : public LinkedListNode<Page>`.
+/// Base of a class T whose objects are linked into a list: `class Page : public LinkedListNode<Page>`.
 ///
-/// Both links are null while the node is in no list. A plain node made a sentinel stands for a circular
-/// list: its next is the head and its previous the tail, and it is both of them while the list is empty.
-/// The list owns nothing. A copy gets the links of its original but no neighbour points to it; therefore
-/// the destructor leaves the links alone, and a node that is in a list is unlinked before it dies.
+/// Both links are null while the node is in no list. A plain node made a sentinel represents a circular list: its next
+/// is the head and its previous the tail; in an empty list both are the sentinel itself. The list owns nothing. A copy
+/// gets the links of its original, but no neighbour points to it; so the destructor does not change the links, and a
+/// node must be unlinked before it is destroyed.
 template <class T>
 class NX_API LinkedListNode {
 public:
@@ -27,17 +27,17 @@ public:
     /// Makes this an empty circular list. Requires: in no list.
     void makeSentinel() noexcept { next_ = previous_ = this; }
 
-    /// Puts this node directly before `position`; before a sentinel is the tail. Requires: in no list.
+    /// Inserts this node directly before `position`; before a sentinel it becomes the tail. Requires: in no list.
     void insertBefore(LinkedListNode& position) noexcept { join(position.previous_, &position); }
-    /// Puts this node directly after `position`; after a sentinel is the head. Requires: in no list.
+    /// Inserts this node directly after `position`; after a sentinel it becomes the head. Requires: in no list.
     void insertAfter(LinkedListNode& position) noexcept { join(&position, position.next_); }
-    /// Joins the neighbours and nulls both links. Nothing when in no list.
+    /// Joins the neighbours and sets both links to null. No effect when in no list.
     void unlink() noexcept {
         if (previous_) previous_->next_ = next_;
         if (next_) next_->previous_ = previous_;
         next_ = previous_ = nullptr;
     }
-    /// Takes this node to the place directly before `position`. Requires: both in one circular list, and not the same.
+    /// Moves this node directly before `position`. Requires: both are in one circular list and different.
     void moveBefore(LinkedListNode& position) noexcept {
         previous_->next_ = next_;
         next_->previous_ = previous_;

@@ -19,8 +19,8 @@ std::atomic<std::uint64_t>& state() {
     return state;
 }
 
-/// SplitMix64 (Steele, Lea, Flood 2014): its state only ever advances by a constant, so that threads
-/// can share it through one atomic addition.
+/// SplitMix64 (Steele, Lea, Flood 2014): its state only advances by a constant, so that threads can share it through
+/// one atomic addition.
 std::uint64_t nextBits() {
     constexpr std::uint64_t step = 0x9E3779B97F4A7C15U;
     std::uint64_t bits = state().fetch_add(step, std::memory_order_relaxed) + step;

@@ -1,4 +1,4 @@
-// Random numbers for everyday use.
+// Pseudo-random numbers.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 
 namespace urUtil {
 
-// One generator serves the whole process, from any thread and without a lock. It starts at a different
-// place in every run unless it is seeded. Not for secrets.
+// One generator serves the whole process, from any thread and without a lock. It starts at a different state in every
+// run unless it is seeded. Not for secrets.
 
 /// From 0 to 1, 1 excluded.
 [[nodiscard]] NX_API double random();
@@ -17,7 +17,7 @@ namespace urUtil {
 /// From `a` to `b`, `b` excluded, whichever is greater; `a` when they are equal.
 [[nodiscard]] NX_API double random(double a, double b);
 
-/// The same seed gives the same numbers, as long as one thread draws them.
+/// The same seed gives the same numbers, as long as only one thread draws them.
 NX_API void seedRandom(std::uint64_t seed);
 
 }  // namespace urUtil

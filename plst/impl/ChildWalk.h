@@ -1,4 +1,4 @@
-// Walking over the children of one container after the other, for walks over trees that keep their own stacks.
+// Iterates over the children of one container, for tree walks that keep their own stacks.
 #pragma once
 
 #include "plst/Array.h"
@@ -6,7 +6,7 @@
 
 namespace nxPLST::impl {
 
-/// Stands on an element of an array, or behind the last one. Ends when the array changes.
+/// Points to an element of an array, or to its end. Invalid when the array changes.
 class ElementWalk {
 public:
     ElementWalk() noexcept = default;
@@ -23,14 +23,14 @@ private:
     ur::Reference<Item> const* end_ = nullptr;
 };
 
-/// Stands on a member of a dictionary, or behind the last one. Ends when the dictionary changes.
+/// Points to a member of a dictionary, or to its end. Invalid when the dictionary changes.
 class MemberWalk {
 public:
     MemberWalk() noexcept = default;
     explicit MemberWalk(Dictionary const& dictionary) noexcept
         : map_(&dictionary.dictionary()), member_(map_->begin()) {}
 
-    /// False for the walk over no dictionary.
+    /// False without a dictionary.
     explicit operator bool() const noexcept { return map_; }
     [[nodiscard]] bool atEnd() const noexcept { return member_ == map_->end(); }
     [[nodiscard]] urString::CString const& key() const noexcept { return member_->first; }
@@ -43,7 +43,7 @@ private:
     Dictionary::Map::const_iterator member_;
 };
 
-/// The children of an open container that are still to come.
+/// The remaining children of an open container.
 struct ChildWalk {
     ElementWalk elements;
     MemberWalk members;

@@ -1,4 +1,4 @@
-// Keeps writers from writing out a tree that shares items without end.
+// Stops writers from expanding shared items without limit.
 #pragma once
 
 #include <algorithm>
@@ -10,21 +10,21 @@
 
 namespace nxPLST::impl {
 
-/// Lets the text of one tree grow. When it is long and one of its items has several references, the tree is measured,
+/// Limits the text of one tree. When the text is long and one of its items has several references, measures the tree
 /// once; the text ends there if the tree shares items and would exceed the limit for such trees.
 class ExpansionGuard {
 public:
     explicit ExpansionGuard(std::uint64_t most) noexcept : most_(most), unchecked_(std::min(most, shortText)) {}
 
     void watch(Item const* root) noexcept { root_ = root; }
-    /// Whether a text of so many bytes may go on, with `next` if that is not null.
+    /// Whether a text of `written` bytes may continue, with `next` if that is not null.
     [[nodiscard]] bool allows(std::size_t written, Item const* next) {
         mayShare_ |= next && next != root_ && next->referenceCount() > 1;
         return written <= unchecked_ || !mayShare_ || check();
     }
 
 private:
-    /// Texts of up to this size are not worth a look at the tree.
+    /// Shorter texts do not justify measuring the tree.
     static constexpr std::uint64_t shortText = std::uint64_t(16) << 20;
 
     bool check() {

@@ -1,4 +1,4 @@
-// Making the items of whole trees.
+// Creates the items of whole trees.
 #pragma once
 
 #include <new>
@@ -9,7 +9,7 @@
 
 namespace nxPLST::impl {
 
-/// Makes items like `ur::make`, nearly always without a call. Stays on the thread that made it.
+/// Creates items like `ur::make`, nearly always without a call. Stays on the thread that created it.
 class ItemSource {
 public:
     template <class Kind, class... Arguments>

@@ -1,4 +1,4 @@
-// A stack for values on their way into a container.
+// A stack of values that will move into a container.
 #pragma once
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 
 namespace nxPLST::impl {
 
-/// Grows at its end; what lies on top is taken off together. T must be empty after it was moved from.
+/// Grows at its end; the top values are removed together. T must be empty after a move from it.
 template <class T>
 class ScratchStack {
 public:
@@ -30,10 +30,10 @@ public:
     [[nodiscard]] T& top() noexcept { return top_[-1]; }
     [[nodiscard]] std::size_t size() const noexcept { return static_cast<std::size_t>(top_ - begin_); }
     [[nodiscard]] bool empty() const noexcept { return top_ == begin_; }
-    /// What was pushed since the size was `size`.
+    /// The values pushed since the size was `size`.
     [[nodiscard]] std::span<T> above(std::size_t size) noexcept { return {begin_ + size, top_}; }
     void pop() noexcept { std::destroy_at(--top_); }
-    /// Forgets what is above: all of it must have been moved from.
+    /// Drops the values above `size`, which must have been moved from.
     void cut(std::size_t size) noexcept { top_ = begin_ + size; }
 
 private:
@@ -41,7 +41,7 @@ private:
 
     [[nodiscard]] std::size_t capacity() const noexcept { return static_cast<std::size_t>(end_ - begin_); }
 
-    /// Kept apart, so that pushing is short enough to lie in its callers.
+    /// Separate, so that pushing is short enough to be inlined.
     [[gnu::noinline]] void grow() {
         std::size_t const size = this->size();
         std::size_t const larger = std::max(firstCapacity, 2 * capacity());

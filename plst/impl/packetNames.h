@@ -1,4 +1,4 @@
-// What the packets of items are called.
+// The packet type names of items.
 #pragma once
 
 #include <array>

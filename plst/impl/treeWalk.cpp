@@ -1,4 +1,4 @@
-// Walks over whole trees with stacks of their own.
+// Walks over whole trees with explicit stacks.
 #include "plst/impl/treeWalk.h"
 
 #include <cmath>
@@ -20,13 +20,13 @@ namespace {
 
 bool isContainer(Item const& item) { return item.type() == ArrayType || item.type() == DictionaryType; }
 
-/// How deep a walk recurses before it keeps containers on a list. Leaves room on a 512 KiB stack under the address
+/// The depth up to which a walk recurses; deeper containers go to a list. Fits a 512 KiB stack under the address
 /// sanitizer, whose frames are many times larger.
 constexpr int recursionLimit = 50;
 
 // Copying ------------------------------------------------------------------------------------------------------
 
-/// Copies trees node by node in the order in which they are read later, so that neighbours lie together.
+/// Copies trees node by node in reading order, so that neighbours lie together.
 class TreeCopy {
 public:
     ur::Reference<Item> run(Item const& root) {
@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    /// A container below the recursion limit, and the still empty copy that is to receive copies of its children.
+    /// A container below the recursion limit, and its still empty copy.
     struct Deep {
         Item const* source;
         Item* copy;
@@ -58,7 +58,7 @@ private:
         }
     }
 
-    /// Not inlined, so that scalars are copied without saving registers for it.
+    /// Not inlined, so that scalars are copied without saving registers for this.
     [[gnu::noinline]] ur::Reference<Item> filled(Item const& source, ur::Reference<Item> copy) {
         if (depth_ == recursionLimit) {
             deep_.push_back({&source, copy.get()});
@@ -103,8 +103,7 @@ bool equalScalars(Item const& a, Item const& b) {
     }
 }
 
-/// Asks each pair of children where it stands, so that what follows a difference is not looked at. `agreeing` compares
-/// what is no container.
+/// Compares pairs of children in order and stops at the first difference. `agreeing` compares scalars.
 class TreeComparison {
 public:
     using Scalars = bool (*)(Item const& a, Item const& b);
@@ -119,7 +118,7 @@ public:
     }
 
 private:
-    /// What is still to come of two containers of one class and size: one child at least.
+    /// The remaining children of two containers of one class and size: at least one.
     struct Pair {
         ChildWalk a, b;
     };
@@ -142,7 +141,7 @@ private:
         return item;
     }
 
-    /// Two containers agree so far when their classes and sizes do; their children come next.
+    /// Two containers agree so far if their classes and sizes do; their children follow.
     bool agree(Item const* a, Item const* b) {
         if (!a || !b) return a == b;
         if (!isContainer(*a)) return agreeing_(*a, *b);
@@ -151,7 +150,7 @@ private:
         return a->type() == ArrayType ? entered(static_cast<Array const&>(*a), static_cast<Array const&>(*b))
                                       : entered(static_cast<Dictionary const&>(*a), static_cast<Dictionary const&>(*b));
     }
-    /// A difference ends the comparison: what has been opened before is equal so far. Items of one holder come once.
+    /// The comparison ends at a difference, so all opened pairs are equal so far. Items with one holder occur once.
     bool comesAgain(Item const& a, Item const& b) {
         if (&a == &b) return true;
         if (a.referenceCount() == 1 && b.referenceCount() == 1) return false;
@@ -178,7 +177,7 @@ private:
 class Dismantling;
 [[gnu::tls_model("initial-exec")]] constinit thread_local Dismantling* current = nullptr;
 
-/// The dismantling of one tree, kept by the outermost destructor on its own stack.
+/// The destruction of one tree; lives on the stack of the outermost destructor.
 class Dismantling {
 public:
     Dismantling() noexcept { current = this; }
@@ -207,7 +206,7 @@ public:
     }
 
 private:
-    /// Lets an item go. The storage of those that nobody else holds is given back with that of their like.
+    /// Releases an item. Frees the storage of items without other holders in batches.
     void drop(ur::Reference<Item>& holder) noexcept {
         if (!holder || holder->referenceCount() > 1) return holder.reset();
         switch (holder->type()) {
@@ -226,7 +225,7 @@ private:
         nodes.add(item);
     }
 
-    /// Not inlined, so that scalars are dropped without saving registers for it.
+    /// Not inlined, so that scalars are dropped without saving registers for this.
     [[gnu::noinline]] void dropContainer(ur::Reference<Item>& holder) noexcept {
         if (setAside(holder)) return;
         Item* const item = holder.release();
@@ -239,7 +238,7 @@ private:
         }
     }
 
-    /// What lies too deep waits in a list, as long as there is memory for that.
+    /// Containers that are too deep wait in a list, as long as there is memory for it.
     bool setAside(ur::Reference<Item>& container) noexcept {
         if (depth_ < recursionLimit) return false;
         try {

@@ -1,4 +1,4 @@
-// Conversions between items and the framework's value types.
+// Tests conversions between items and the framework's value types.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -47,7 +47,7 @@ T readInto(T out, Reference<Item> item) {
     return out;
 }
 
-/// It is written as these numbers, and read back as it was.
+/// The value is written as these numbers and read back unchanged.
 template <class T>
 void expectNumbers(T const& value, std::vector<double> const& numbers) {
     EXPECT_EQ(numbersOf(value), numbers);
@@ -102,7 +102,7 @@ TEST(Convert, KeepsTheLowBitsOfColourChannels) {
     }
 }
 
-TEST(Convert, CarriesTextInUtf8) {
+TEST(Convert, WritesTextAsUtf8) {
     urString::IString const wide(L"gr\u00fc\u00df \U0001F600");
     auto const item = written(wide);
     EXPECT_STREQ(asString(item)->value().c_str(), "gr\u00fc\u00df \U0001F600");
@@ -123,7 +123,7 @@ TEST(Convert, ReadsMatricesFromRows) {
     EXPECT_EQ(readInto(urLinear::AffineMatrix(), four), urLinear::AffineMatrix());
 }
 
-TEST(Convert, LeavesTheTargetAloneWhenTheShapeIsAnother) {
+TEST(Convert, LeavesTheTargetUnchangedForAnotherShape) {
     std::vector<Reference<Item>> const others = {nullptr, written("text"), array({1}), arrayOf({written("a"), nullptr}),
                                                  arrayOf({array({1, 2, 3, 4}), nullptr, array({1, 2, 3, 4})})};
     for (auto const& item : others) {

@@ -1,4 +1,4 @@
-// Trees that share items, written out.
+// Tests the expanded sizes of trees that share items.
 
 #include <filesystem>
 #include <limits>
@@ -24,7 +24,7 @@ std::uint64_t itemsIn(Item const* item) {
     return items;
 }
 
-TEST(Expansion, IsWhatTheTextComesToForAnyTree) {
+TEST(Expansion, IsTheSizeOfTheTextOfAnyTree) {
     bool seenSharing = false;
     for (unsigned seed = 0; seed < 2000; ++seed) {
         auto const tree = RandomTrees(seed).sharingTree(6);
@@ -57,7 +57,7 @@ TEST(Expansion, CountsToTheLargestNumberInNoTime) {
     });
 }
 
-TEST(Expansion, BeyondTheLimitIsWrittenInNoForm) {
+TEST(Expansion, BeyondTheLimitIsNotWritten) {
     auto const longText = make<String>(urString::CString(std::string(1 << 20, 'x')));
     auto const textAThousandTimes = make<Array>();
     while (textAThousandTimes->size() < 1000) textAThousandTimes->insert(longText);

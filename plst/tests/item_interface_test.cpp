@@ -1,4 +1,4 @@
-// Items inside packets of other formats.
+// Tests items inside packets of other formats.
 #include <gtest/gtest.h>
 
 #include "foundation/io/tests/packetFiles.h"
@@ -12,7 +12,7 @@ namespace {
 using namespace nxPLST;
 using namespace nxPLST::test;
 
-/// A format of its own: packets "own" with whatever a test puts into them.
+/// A custom format: packets "own" with the content of each test.
 class OwnFormat {
 public:
     std::string write(std::function<void(WriteInterface&)> const& fill) {
@@ -59,7 +59,7 @@ TEST(ItemInterfaces, ServeFormatsThatHoldItemsAmongOtherThings) {
     OwnFormat format;
     std::string const bytes = format.write([&](WriteInterface& items) {
         items.context().writeIntValue(4711);
-        items.writeItem(parent->objectAt(0));  // by itself first, so that the tree must not write it again
+        items.writeItem(parent->objectAt(0));  // first alone, so that the tree must not write it again
         items.writeArray(parent);
         items.writeItem(nullptr);
         items.writeDouble(asDouble(parent->objectAt(1)));
@@ -80,7 +80,7 @@ TEST(ItemInterfaces, ServeFormatsThatHoldItemsAmongOtherThings) {
     EXPECT_EQ(status, 0);
 }
 
-TEST(ItemInterfaces, BringBackTreesOfAnyShape) {
+TEST(ItemInterfaces, RestoreTreesOfAnyShape) {
     OwnFormat format;
     for (unsigned seed = 0; seed < 100; ++seed) {
         auto const tree = RandomTrees(seed).sharingTree(5);
@@ -90,10 +90,10 @@ TEST(ItemInterfaces, BringBackTreesOfAnyShape) {
     }
 }
 
-TEST(ItemInterfaces, RefuseAReferenceToWhatIsNoItem) {
+TEST(ItemInterfaces, RefuseAReferenceToANonItem) {
     OwnFormat format;
     std::string bytes = format.write([](WriteInterface& items) { items.writeItem(nullptr); });
-    bytes[bytes.rfind('\xC0')] = '\xC1';  // the null reference becomes one to the object around it
+    bytes[bytes.rfind('\xC0')] = '\xC1';  // turns the null reference into one to the enclosing object
     int const status = format.read(bytes, [](ReadInterface& items) { EXPECT_EQ(items.readItem(), nullptr); });
     EXPECT_EQ(status, number(ioStatus::malformed));
 }

@@ -1,4 +1,4 @@
-// Item trees: sharing, copying, shape comparison, casts, depth.
+// Tests sharing, copying, comparing, casts and depth of item trees.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -15,7 +15,7 @@ using namespace nxPLST::test;
 Reference<Item> number(double value) { return make<Double>(value); }
 Reference<Item> text(char const* value) { return make<String>(value); }
 
-/// Nests arrays and dictionaries in turn, `depth` levels around a number.
+/// Nests arrays and dictionaries alternately, `depth` levels around a number.
 Reference<Item> nested(int depth) {
     Reference<Item> item = number(1);
     for (int i = 0; i < depth; ++i) item = i % 2 ? Reference<Item>(dictionaryOf({{"k", item}})) : arrayOf({item});
@@ -73,7 +73,7 @@ TEST(Congruent, ComparesShapesAndNeverValues) {
     for (auto const& one : cases) EXPECT_EQ(one.a->congruent(*one.b), one.expected) << (&one - cases);
 }
 
-/// Notes when it is asked.
+/// Records calls of its comparison.
 class Witness final : public Item {
 public:
     Witness(std::string& log, char name) : Item(static_cast<Type>(7)), log_(log), name_(name) {}
@@ -131,7 +131,7 @@ TEST(Depth, DestructionReachesSharedAndUnsharedChildrenOnce) {
     EXPECT_EQ(kept->referenceCount(), 1);
 }
 
-TEST(Trees, MayBeDroppedOnAnotherThread) {
+TEST(Trees, MayBeDestroyedOnAnotherThread) {
     Reference<Item> tree;
     std::thread([&tree] { tree = nested(10000); }).join();
     EXPECT_EQ(tree->referenceCount(), 1);

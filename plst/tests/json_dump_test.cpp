@@ -1,4 +1,4 @@
-// The readable dump: layout, tolerance, files, depth.
+// Tests the readable dump: layout, tolerance, files, depth.
 #include <algorithm>
 #include <fstream>
 
@@ -14,7 +14,7 @@ namespace {
 
 using namespace test;
 
-/// A tree written in JSON, in which null elements cannot be said.
+/// A tree from JSON, which cannot express null elements.
 Reference<Item> tree(char const* json) {
     Reference<Item> item;
     EXPECT_TRUE(convertFromJSON(item, json));
@@ -106,7 +106,7 @@ TEST(Dump, IndentsOnlyWhileThatIsFreeOrInProportion) {
     std::string bareCut = cut;
     std::erase(bareCut, ' ');
     EXPECT_EQ(bareCut, bare);
-    // The nth line has 4n spaces and stands behind 7n - 5 other bytes.
+    // The nth line has 4n spaces and follows 7n - 5 other bytes.
     std::size_t const common = static_cast<std::size_t>(std::ranges::mismatch(cut, whole).in1 - cut.begin());
     std::size_t spaces = 0;
     std::size_t lines = 0;

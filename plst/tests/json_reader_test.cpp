@@ -1,4 +1,4 @@
-// Reading JSON: what it means, what is refused, and yajl's word on everything.
+// Tests reading JSON: results, refusals, and agreement with yajl.
 #include <fstream>
 
 #include "foundation/ur/tests/smallStack.h"
@@ -75,7 +75,7 @@ TEST(ReadJson, KeepsTheLastOfManyEqualKeys) {
     EXPECT_TRUE(convertFromJSON(item, urString::CString(text + "\"\":0}")) && same(item, expected));
 }
 
-/// The item of the tape's next value, without nulls as in trees.
+/// The item of the tape's next value, without nulls, as in trees.
 Reference<Item> takeItem(JsonTape const& tape, JsonTape::Entry const*& next) {
     JsonTape::Entry const& entry = *next++;
     switch (entry.kind) {
@@ -110,7 +110,7 @@ void agreeOnTape(std::string const& text, bool accepted, Item const* plain) {
     EXPECT_EQ(next - tape.entries().data(), static_cast<std::ptrdiff_t>(tape.entries().size())) << text;
 }
 
-/// Both readers and the tape beside yajl used plainly; whether the fast reader took the text.
+/// Compares both readers and the tape with plain yajl; returns whether the fast reader accepted the text.
 bool agree(std::string const& text) {
     Reference<Item> plain;
     Reference<Item> careful;
@@ -118,7 +118,7 @@ bool agree(std::string const& text) {
     EXPECT_EQ(impl::readWithYajl(careful, text.data(), text.size()), accepted) << text;
     EXPECT_TRUE(same(careful.get(), plain.get())) << text;
     agreeOnTape(text, accepted, plain.get());
-    // In a block of its own size, so that reading beyond it is seen.
+    // In a block of exactly its size, so that a read beyond it is detected.
     std::vector<char> const block(text.begin(), text.end());
     Reference<Item> const fast = impl::FastJsonReader({block.data(), block.size()}).read();
     if (!fast) return false;
@@ -126,7 +126,7 @@ bool agree(std::string const& text) {
     return true;
 }
 
-TEST(ReadJson, IsYajlsReadingOfAnyText) {
+TEST(ReadJson, AgreesWithYajlOnAnyText) {
     for (std::string const& text : jsonTexts()) {
         agree(text);
         for (std::size_t size = 0; size < text.size(); ++size) agree(text.substr(0, size));
@@ -138,7 +138,7 @@ TEST(ReadJson, IsYajlsReadingOfAnyText) {
     EXPECT_GT(fast, texts / 50);
 }
 
-TEST(ReadJson, TakesOrdinaryTextsTheFastWay) {
+TEST(ReadJson, UsesTheFastReaderForOrdinaryTexts) {
     RandomTrees random(1);
     for (int i = 0; i < 1000; ++i) {
         std::string text;
@@ -159,7 +159,7 @@ TEST(ReadJson, OrdersKeysWhicheverCameBefore) {
     for (int i = 0; i < 5000; ++i) {
         unsigned const members = random.below(random.below(4) == 0 ? 30 : 5);
         unsigned const first = random.below(50);
-        unsigned const step = random.below(8) == 0 ? random.below(50) : 7;  // else all different
+        unsigned const step = random.below(8) == 0 ? random.below(50) : 7;  // otherwise all are different
         text += i > 0 ? ",{" : "{";
         for (unsigned m = 0; m < members; ++m) {
             text += (m > 0 ? ",\"k" : "\"k") + std::to_string((first + m * step) % 50) + "\":" + std::to_string(m);

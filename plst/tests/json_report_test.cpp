@@ -1,4 +1,4 @@
-// Reports of faults and losses.
+// Tests reports of faults and losses.
 #include "foundation/ur/tests/smallStack.h"
 #include "plst/JsonReport.h"
 #include "plst/tests/plainYajl.h"
@@ -18,7 +18,7 @@ JsonReport report(std::string const& text) {
     return report;
 }
 
-TEST(JsonFault, IsTheFirstByteThatNoTextCouldHave) {
+TEST(JsonFault, IsTheFirstInvalidByte) {
     struct Case {
         std::string text;
         std::size_t offset, line, column;
@@ -59,9 +59,9 @@ TEST(JsonFault, IsTheFirstByteThatNoTextCouldHave) {
     }
 }
 
-/// Up to a fault everything could still become JSON, and the byte there ends that. Without one, both readers lose the
-/// same.
-TEST(JsonReport, TellsOfAnyTextWhereItsSoundPartEndsOrWhatWasLost) {
+/// Before a fault the text could still become JSON; with its byte it cannot. Without a fault, both readers lose the
+/// same values.
+TEST(JsonReport, ReportsTheFaultOrTheLossesOfAnyText) {
     NewTrees random;
     for (int i = 0; i < 15000; ++i) {
         std::string const text = mutated(random);
@@ -78,7 +78,7 @@ TEST(JsonReport, TellsOfAnyTextWhereItsSoundPartEndsOrWhatWasLost) {
         ASSERT_TRUE(before.reason.empty() || before.location.offset == offset || before.reason.startsWith("byte-order"))
             << text;
         JsonReport const with = report(text.substr(0, offset + 1));
-        // yajl lets a text end within a string or a comment that comes too late.
+        // yajl accepts a text that ends inside a string or a comment after the value.
         ASSERT_TRUE(with.location.offset == offset || with.reason.empty()) << text;
     }
 }

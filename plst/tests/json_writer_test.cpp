@@ -1,4 +1,4 @@
-// Strict JSON: its layout, its numbers and its refusals, beside yajl's generator.
+// Tests strict JSON: its layout, numbers and refusals, compared with yajl's generator.
 #include <bit>
 #include <cstdint>
 #include <limits>
@@ -163,7 +163,7 @@ TEST(JsonNumber, IsWhatPrintfPrints) {
     EXPECT_EQ(brief(-std::nan("")), "-nan");
 }
 
-TEST(JsonNumber, IsReadBackAsTheSameDoubleButForTheOnesNamed) {
+TEST(JsonNumber, IsReadBackAsTheSameDoubleWithTheNamedExceptions) {
     NewTrees random;
     auto numbers = make<Array>();
     auto others = make<Array>();
@@ -196,7 +196,7 @@ TEST(JsonNumber, HasAPointInEveryLocale) {
     for (double value : {0.5, 1e-7, 1.5e300, 123456789012.75}) {
         EXPECT_EQ(exact(value).find(','), std::string::npos);
         EXPECT_EQ(asJSON(make<Double>(value)).find(','), urString::CString::npos);
-        for (char const* form : {"[%s]", "%s", "/**/%s"}) {  // each reader in its turn
+        for (char const* form : {"[%s]", "%s", "/**/%s"}) {  // one for each reader
             std::string text(form);
             text.replace(text.find("%s"), 2, exact(value));
             Reference<Item> item;

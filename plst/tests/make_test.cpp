@@ -1,4 +1,4 @@
-// Trees in the natural form: made in place, read by key and path, compared and printed by value, of all ordinary types.
+// Tests trees made in place, read by key and path, compared and printed by value, for all ordinary types.
 #include "plst/make.h"
 
 #include <gtest/gtest.h>
@@ -67,7 +67,7 @@ TEST(Trees, AreReadByKeyAndByPath) {
     EXPECT_EQ(valueOf<double>(at(constant, ".places[2]")), 5);
 }
 
-/// The item, which gives the value back; items of another shape leave a value alone.
+/// The item converts back to the value; items of another shape leave a value unchanged.
 template <class T>
 std::string both(T const& value) {
     ur::Reference<Item> item;

@@ -1,4 +1,4 @@
-// Item trees as packets.
+// Tests item trees as packets.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -29,7 +29,7 @@ std::string bytesOf(Reference<Item const> item, int expectedStatus = 0) {
     return std::string(stream.contents());
 }
 
-/// What reading these bytes gives and reports.
+/// The result and the report of reading these bytes.
 struct Reading : PacketReport {
     explicit Reading(std::string bytes) {
         ioTest::Trickle stream(std::move(bytes), 1000);
@@ -45,7 +45,7 @@ Reference<Item> readBack(std::string_view bytes) {
     return reading.item;
 }
 
-/// Holds every kind of item, a shared one and every form that a value has.
+/// Contains every kind of item, a shared item and every form of a value.
 Reference<Dictionary> sample() {
     auto const shared = make<String>("shared");
     return dictionaryOf(
@@ -56,7 +56,7 @@ Reference<Dictionary> sample() {
          {"text", make<String>("a text that is longer than what one token can tell")}});
 }
 
-TEST(ItemPackets, BringEveryTreeBack) {
+TEST(ItemPackets, RestoreEveryTree) {
     Reference<Item> const trees[] = {
         nullptr,     make<Bool>(true),   make<Double>(std::nan("")),          make<String>(""),
         arrayOf({}), make<Dictionary>(), arrayOf({nullptr, make<Double>(2)}), sample(),
@@ -68,7 +68,7 @@ TEST(ItemPackets, BringEveryTreeBack) {
     }
 }
 
-/// What a format of its own makes of a tree, through the smallest buffers.
+/// Writes and reads a tree in a custom format through the smallest buffers.
 Reference<Item> throughSmallBuffers(Reference<Item> const& tree, std::size_t extra) {
     auto const types = [](ioSimplePacketRegistry& registry) {
         ReadInterface::registerTypes(registry, nullptr);
@@ -159,7 +159,7 @@ TEST(ItemPackets, AreAsTheDocumentationShows) {
     for (std::string line; std::getline(page, line);) {
         if (line.starts_with("```")) inside = line == "```hex";
         if (!inside || line.starts_with("```")) continue;
-        // What stands behind the digits, two spaces away, explains them.
+        // The text after the digits, two spaces away, explains them.
         std::istringstream digits(line.substr(0, line.find("  ", line.find_first_not_of(' '))));
         for (std::string byte; digits >> byte;) documented += static_cast<char>(std::stoi(byte, nullptr, 16));
     }
@@ -191,7 +191,7 @@ std::string fileWith(std::initializer_list<std::string_view> types) {
     return bytes;
 }
 
-/// Reading must end, and what it calls a success must be a tree.
+/// Reading must end, and a success must give a tree.
 void expectSoundReading(std::string const& bytes) {
     Reading const reading(bytes);
     bool const isTree = reading.ok && reading.item;
@@ -212,7 +212,7 @@ TEST(ItemPackets, ReadEveryChangedByteAsAFaultOrAsATree) {
 
 TEST(ItemPackets, SurviveRandomTokens) {
     std::string const start = fileWith({"SimpleItem", "Array", "Dictionary", "Double", "Unknown"}) + "\xA0";
-    // Tokens that make sense somewhere: packets, small and long numbers, texts, references, marks.
+    // Tokens that are valid in some place: packets, small and long numbers, texts, references, marks.
     std::string const tokens =
         "\x80\x81\x82\x83\x84\xA1\xA1\xA2\xA3\xA4\xE0\x61k\xE1\x20\x22\x24\x3F\x61x\x60\xC0\xC1\xC2\x01\x02\x03\x04\x04"
         "\x04\x06";
@@ -224,7 +224,7 @@ TEST(ItemPackets, SurviveRandomTokens) {
     }
 }
 
-TEST(ItemPackets, DoNotBelieveASizeBeforeTheElementsAreThere) {
+TEST(ItemPackets, ReserveNoRoomForASizeBeforeItsElementsArrive) {
     std::string const head = fileWith({"SimpleItem", "Array"}) + "\xA0\x81";
     for (char const* size : {"\x3F\xDF\xFF\xFF\xFF\x0F" /* 2^31 - 1 */, "\x21" /* -1 */}) {
         Reading const reading(head + size + "\xC0\xC0\xC0");
@@ -244,12 +244,12 @@ TEST(ItemPackets, GoAMillionLevelsDeepOnASmallStack) {
         ::test::leastStack);
 }
 
-TEST(ItemPackets, BegunInsideEachOtherWhereNoReferenceIsAreRefusedBeforeTheStackEnds) {
+TEST(ItemPackets, NestedWithoutReferencesAreRefusedBeforeTheStackOverflows) {
     std::string const bytes = fileWith({"Array"}) + std::string(1000000, '\x80');
     ::test::onSmallStack([&] { EXPECT_EQ(Reading(bytes).status, number(ioStatus::tooDeep)); }, ::test::leastStack);
 }
 
-/// What one hears of a writer that waits for an answer when it has written its file.
+/// The reading end of a pipe whose writer waits for an answer after its file.
 class Pipe final : public urOS::IOStream {
 public:
     explicit Pipe(std::string bytes) : bytes_(std::move(bytes)) {}
@@ -266,7 +266,7 @@ private:
     std::size_t at_ = 0;
 };
 
-TEST(ItemPackets, WaitForNoByteBehindTheirFile) {
+TEST(ItemPackets, WaitForNoByteAfterTheirFile) {
     for (double const number : {1.0, 1000.0, 1e6, 0.5}) {
         Pipe pipe(bytesOf(arrayOf({make<Double>(number)})));
         Reference<Item> item;

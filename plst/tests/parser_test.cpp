@@ -1,4 +1,4 @@
-// The typed reader, in both modes.
+// Tests the shape checks in both modes.
 #include <gtest/gtest.h>
 
 #include "plst/Parser.h"

@@ -1,4 +1,4 @@
-// Paths: what they are spelled like, and where they lead.
+// Tests the syntax of paths and the values that they lead to.
 #include <gtest/gtest.h>
 
 #include "plst/Path.h"

@@ -1,4 +1,4 @@
-// The installed yajl used in the plainest way, to compare the JSON bridge with.
+// Plain use of the installed yajl, for comparison with the JSON functions.
 #pragma once
 
 #include <yajl/yajl_gen.h>

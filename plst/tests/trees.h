@@ -1,4 +1,4 @@
-// Trees and JSON texts for tests: made, random, compared to the bit.
+// Trees and JSON texts for tests: fixed, random, compared to the bit.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -64,7 +64,7 @@ inline Reference<Dictionary> dictionaryOf(std::vector<std::pair<char const*, Ref
     return dictionary;
 }
 
-/// An item of a kind that nobody knows.
+/// An item of an unknown kind.
 class Stranger final : public Item {
 public:
     Stranger() : Item(static_cast<Type>(7)) {}
@@ -83,19 +83,19 @@ class RandomTrees {
 public:
     explicit RandomTrees(unsigned seed) : random_(seed) {}
 
-    /// One in `oddity` items is a null, a NaN, an infinity or a stranger; none when it is 0.
+    /// One in `oddity` items is a null, a NaN, an infinity or a stranger; none when `oddity` is 0.
     Reference<Item> tree(int depth, unsigned oddity) {
         return oddity > 0 && below(oddity) == 0 ? odd() : item(depth, [&] { return tree(depth - 1, oddity); });
     }
 
-    /// Some items are nulls, and some are in it more than once.
+    /// Some items are null, and some occur several times.
     Reference<Item> sharingTree(int depth) {
         if (below(7) == 0) return made_.empty() ? nullptr : made_[below(static_cast<unsigned>(made_.size()))];
         made_.push_back(item(depth, [&] { return sharingTree(depth - 1); }));
         return made_.back();
     }
 
-    /// A container has what `child` gives; there is none below depth 1.
+    /// A container whose children `child` makes; there are none below depth 1.
     template <class Child>
     Reference<Item> item(int depth, Child child) {
         switch (below(depth > 0 ? 6 : 4)) {
@@ -116,7 +116,7 @@ public:
         }
     }
 
-    /// Of any length and bytes but NUL, mostly short and plain.
+    /// Any length and any bytes except NUL, mostly short and plain.
     urString::CString text() {
         std::string text;
         for (unsigned n = below(4) == 0 ? below(70) : below(18); n > 0; --n) {
@@ -157,14 +157,14 @@ private:
     std::vector<Reference<Item>> made_;
 };
 
-/// Others each time; failures tell their seed.
+/// Uses new seeds in each run; failures report their seed.
 struct NewTrees : RandomTrees {
     explicit NewTrees(unsigned seed = std::random_device()())
         : RandomTrees(seed), trace(__FILE__, __LINE__, "seed " + std::to_string(seed)) {}
     testing::ScopedTrace const trace;
 };
 
-/// Texts that between them touch everything that a reader of JSON has to decide.
+/// Texts that together cover every decision of a JSON reader.
 inline std::vector<std::string> const& jsonTexts() {
     static std::vector<std::string> const texts = {
         R"({"a":1,"b":[1,2.5,-3e-4,true,false,null,"x"],"c":{"d":{}},"e":[]})",
@@ -193,7 +193,7 @@ inline std::vector<std::string> const& jsonTexts() {
     return texts;
 }
 
-/// One of the texts, most often one of the first, with some bytes changed, dropped, doubled or brought in.
+/// One of the texts, mostly one of the first, with some bytes changed, dropped, doubled or inserted.
 inline std::string mutated(RandomTrees& random) {
     auto const any = [&]() -> std::string const& {
         return jsonTexts()[random.below(random.below(2) ? 2 : static_cast<unsigned>(jsonTexts().size()))];

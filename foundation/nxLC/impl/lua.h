@@ -5,8 +5,7 @@
 
 namespace nxLC::impl {
 
-/// Pushes the address of a variable, as a key that scripts cannot create. The variable's value does not matter. Never
-/// raises.
+/// Pushes the address of a variable as a key that scripts cannot create; its value does not matter. Never raises.
 inline void pushAddress(lua_State* state, char const& place) noexcept {
     lua_pushlightuserdata(state, const_cast<char*>(&place));
 }

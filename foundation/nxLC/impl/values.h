@@ -20,8 +20,7 @@ enum Outcome : int {
     shortErrorOutcome = -3  ///< the short text is the error
 };
 
-/// Appends the stack values of a function that Lua called as arguments of `function`, valid for the duration of the
-/// call.
+/// Appends the values on a Lua function's stack as arguments of `function`, valid during the call.
 void readArguments(Binding& binding, lua_State* state, nxRFL::Function const& function, nxRFL::Stack& stack);
 /// Appends the Lua values from `first` up to the top.
 void readValues(Binding& binding, lua_State* state, int first, nxRFL::Stack& stack);

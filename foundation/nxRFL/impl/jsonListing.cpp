@@ -1,4 +1,4 @@
-// The listing for other programs.
+// Writes the JSON listing.
 #include "foundation/nxRFL/Parameter.h"
 #include "foundation/nxRFL/impl/listings.h"
 
@@ -8,7 +8,7 @@ using urString::CString;
 
 namespace {
 
-/// Writes JSON, one value after the other; puts the commas.
+/// Writes JSON values one after the other and adds the commas.
 class JsonText {
 public:
     JsonText& open(char bracket) {

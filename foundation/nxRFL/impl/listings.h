@@ -7,9 +7,9 @@
 
 namespace nxRFL::impl {
 
-/// The types of what a script passes: without the object of a method.
+/// The types of the arguments that a script passes, without the object of a method.
 [[nodiscard]] std::span<urString::CString const> argumentTypes(Function const& function);
-/// Visits each function that may run when the one given is called.
+/// Visits each function that a call of the given one may run.
 template <class Visit>
 void forEachForm(Function const& function, Visit&& visit) {
     if (function.overloads().empty()) return visit(function);

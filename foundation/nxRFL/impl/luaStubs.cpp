@@ -1,4 +1,4 @@
-// The listing for editors of Lua: declarations without bodies.
+// Writes the listing for Lua editors: declarations without bodies.
 #include <set>
 
 #include "foundation/nxRFL/Parameter.h"
@@ -15,7 +15,7 @@ CString dotted(CString name) {
     return name;
 }
 
-/// The type as editors know it; empty for none.
+/// The type in the editors' notation; empty for none.
 CString annotation(CString const& type) {
     if (type == "void") return {};
     if (type == "object" || type == "value") return "any";
@@ -25,7 +25,7 @@ CString annotation(CString const& type) {
     return dotted(type);
 }
 
-/// Visits the name, whether calls may leave it out, and the annotation of each argument.
+/// Visits each argument's name, whether calls may omit it, and its annotation.
 template <class Visit>
 void forEachParameter(Function const& function, Visit visit) {
     auto const named = function.parameters();
@@ -37,7 +37,7 @@ void forEachParameter(Function const& function, Visit visit) {
     }
 }
 
-/// Writes the declarations, and each table before what lies in it.
+/// Writes the declarations; each table comes before its content.
 class StubText {
 public:
     void declareOuterTablesOf(CString const& name) {

@@ -1,4 +1,4 @@
-// A small native world and its registration, for the tests of all that shows it to others.
+// A small native world and its registration, shared by the tests.
 #pragma once
 
 #include <functional>
@@ -11,7 +11,7 @@ namespace farm {
 
 using urString::CString;
 
-/// Counts what is alive of it, as everything here that a test can leak.
+/// Counts its live objects, so that tests detect leaks.
 template <class T>
 struct Counted {
     Counted() { ++alive; }
@@ -47,7 +47,7 @@ struct Swimmer {
     int depth = 3;
 };
 
-// The second base lies behind the first: pointers to the two differ.
+// The second base lies after the first: pointers to the two differ.
 class Duck : public Animal, public Swimmer {
 public:
     using Animal::Animal;
@@ -62,12 +62,12 @@ class SecretDuck : public Duck {
     using Duck::Duck;
 };
 
-/// Owned by the program, unless given to a script.
+/// The program owns it, unless it is given to a script.
 struct Barn : Counted<Barn> {
     ur::vector<ur::Reference<Animal>> animals;
 };
 
-/// Something to destroy in the frame of every call.
+/// An object with a destructor in the frame of every call.
 struct Token : Counted<Token> {};
 
 inline void expose(nxRFL::Database& database) {

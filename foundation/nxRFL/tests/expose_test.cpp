@@ -1,4 +1,4 @@
-// Registered classes and functions: checked calls, inheritance, handles, callbacks, iterators.
+// Tests registered classes and functions: checked calls, inheritance, handles, callbacks, iterators.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -83,7 +83,7 @@ TEST_F(Exposed, NamesFunctionArgumentExpectedAndFound) {
     EXPECT_EQ(messageOf(member("farm::Animal", "weight").second, duck, "heavy"),
               "farm::Animal.weight: argument 1 must be number, but is string");
     Stack const ducks = call(member("farm::Duck", "make").function, false);
-    Reader unnamed(ducks);  // of no function, so that nobody knows of what else the object is
+    Reader unnamed(ducks);  // without a function, so the object's class is unknown
     EXPECT_THROW(unnamed.readObject(ur::TypeInfo::of<Animal>()), Exception);
     EXPECT_NE(unnamed.readObject(ur::TypeInfo::of<Duck>()), nullptr);
     EXPECT_EQ(messageOf(first), "farm::tools.first takes 2 arguments, but got 0");
@@ -235,7 +235,7 @@ TEST(Resolving, FindsTheClassOfAnObjectAndConvertsPointersOnTheWay) {
 
     EXPECT_EQ(resolve(static_cast<Animal*>(secret.get())).objectClass, animals);
     ducks->setHasHiddenSubclasses();
-    ExposeClass<int>(database, "late");  // registering anything makes it look again
+    ExposeClass<int>(database, "late");  // any registration clears the cache
     EXPECT_EQ(resolve(static_cast<Animal*>(secret.get())).objectClass, ducks);
     auto const hidden = resolve(static_cast<Swimmer*>(secret.get()));
     EXPECT_TRUE(hidden.objectClass == ducks && hidden.pointer == static_cast<Duck*>(secret.get()));

@@ -1,4 +1,4 @@
-// The three listings of a small database.
+// Tests the three listings of a small database.
 #include <gtest/gtest.h>
 
 #include "foundation/nxRFL/ExposeClass.h"
@@ -50,7 +50,7 @@ struct Listing : testing::Test {
             .add("d", [] { return std::pair(1, 2); })
             .add("e", nxRFL::overloads([] { return true; }, [](double, CString const&) {}));
     }
-    /// The listing of `format` behind what every database knows.
+    /// The listing of `format` after the built-in part of every database.
     [[nodiscard]] CString listed(ListingFormat format, char const* first) const {
         CString const text = nxRFL::listing(database, format);
         return text.substr(text.find(first));

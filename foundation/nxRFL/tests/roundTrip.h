@@ -1,4 +1,4 @@
-// Values on a stack and back, for tests.
+// Test helpers that write values to a stack and read them back.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ Stack written(T const& value) {
     return stack;
 }
 
-/// What reading it over `into` gives.
+/// Reads the value over `into` and returns it.
 template <class T>
 T readBack(Stack const& stack, T into = {}) {
     Reader reader(stack);

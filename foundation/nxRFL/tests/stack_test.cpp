@@ -1,4 +1,4 @@
-// Writing and reading items, and what is said about items of the wrong kind.
+// Tests writing and reading items, and the messages about items of the wrong kind.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -143,7 +143,7 @@ TEST(Stack, CopiesSingleItemsWithAllThatTheyHold) {
     writer.writeItem(item);
     writer.writeItem(Stack());
     writer.endArray();
-    writer.writeItem(copies);  // of itself
+    writer.writeItem(copies);  // copies itself
     EXPECT_EQ(copies.size(), 2U);
     Reader copied(copies);
     for (int i = 0; i < 2; ++i) {
@@ -239,7 +239,7 @@ TEST(Callback, GivesNoResultsOfAFunctionThatFails) {
     EXPECT_FALSE(Callback(nullptr).call(one, results));
 }
 
-TEST(Database, LetsAStackGoWithTheLastThatHoldsItIfItWasGiven) {
+TEST(Database, DestroysAGivenStackWithItsLastHolder) {
     Database database;
     Class const& stacks = *database.getClass("nxRFL::Stack");
     Counting object;
@@ -264,7 +264,7 @@ TEST(Stack, TakesAnEmptyContainerForEitherKind) {
 }
 
 TEST(Reader, ReadsWholeNumbersOnlyWithinTheirRange) {
-    // One letter for each type that takes the number: int, unsigned, byte, long.
+    // One letter for each type that accepts the number: int, unsigned, byte, long.
     std::pair<double, std::string> const rows[] = {{0, "iubl"},
                                                    {-1, "il"},
                                                    {2147483647, "iul"},
@@ -379,15 +379,15 @@ TEST(Stack, IsChargedWithItsCopies) {
     for (int i = 0; i < 2000; ++i) Writer(copy).writeNull();
     EXPECT_GE(account->native(), 2000 * sizeof(double));
     copy.clear();
-    EXPECT_LT(account->native(), 1000U);  // without the storage of 2000 values
+    EXPECT_LT(account->native(), 1000U);  // does not count the storage of 2000 values
 }
 
-TEST(Stack, ChainsOfStacksThatHoldEachOtherGoInALoop) {
+TEST(Stack, ChainsOfStacksThatHoldEachOtherAreDestroyedWithoutRecursion) {
     nxRFL::Database database;
     nxRFL::Class const& stacks = *database.getClass("nxRFL::Stack");
     auto const account = std::make_shared<ur::Account>();
     {
-        Stack both;  // which go together
+        Stack both;  // two stacks that are destroyed together
         for (int i = 0; i < 2; ++i) {
             auto held = std::make_unique<Stack>();
             held->chargeTo(account);

@@ -1,4 +1,4 @@
-// Ordinary C++ types across the border: texts, containers, enumerations, structures, data members.
+// Tests conversions of ordinary C++ types: texts, containers, enumerations, structures, data members.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -69,7 +69,7 @@ struct Place : ur::ReferenceCount {
     }
 };
 
-TEST(OrdinaryValues, AreDataMembersAndArguments) {
+TEST(OrdinaryValues, WorkAsDataMembersAndArguments) {
     Database database;
     Class& places = ExposeClass<Place>(database, "test::Place")
                         .addProperty("x", &Place::x)

@@ -1,4 +1,4 @@
-// Rows of objects that are chained through their entries.
+// Queues of objects, linked through their table entries.
 #pragma once
 
 #include <cstdint>
@@ -7,10 +7,10 @@
 
 namespace nxTXN::impl {
 
-/// Objects of one manager in the order in which they were pushed; those that have gone since are passed over.
+/// Objects of one manager in the order in which they were pushed; destroyed objects are skipped.
 ///
-/// Pushing takes no memory and cannot fail, as it must be where destructors run. Each object is in the queue once at
-/// most. Requires: the table is not compacted while the queue holds anything.
+/// Pushing allocates nothing and cannot fail, since destructors push. Each object is in the queue at most once.
+/// Requires: the table is not compacted while the queue is not empty.
 template <std::uint32_t Entry::*next>
 class EntryQueue {
 public:
@@ -22,7 +22,7 @@ public:
         (empty() ? first_ : objects_[last_].*next) = index;
         last_ = index;
     }
-    /// Null when the first object has gone.
+    /// Null when the first object is destroyed.
     [[nodiscard]] Object* pop() noexcept {
         Entry const& entry = objects_[first_];
         first_ = entry.*next;
@@ -30,7 +30,7 @@ public:
     }
     void clear() noexcept { first_ = Entry::none; }
 
-    /// Calls `visit(Object&)` for each. Objects may come and go meanwhile, but none be pushed.
+    /// Calls `visit(Object&)` for each object. Objects may be created and destroyed meanwhile, but not pushed.
     template <class Visit>
     void forEach(Visit visit) const {
         for (std::uint32_t i = first_; i != Entry::none; i = objects_[i].*next) {

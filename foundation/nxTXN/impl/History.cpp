@@ -1,4 +1,4 @@
-// Transactions, and the steps that they become.
+// Implements transactions and steps.
 #include "foundation/nxTXN/impl/History.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@
 namespace nxTXN::impl {
 
 History::~History() {
-    ++holds_;  // for good
+    ++holds_;  // never released
     {
         Lifetimes::Deferral const deferral(lifetimes_);
         Busy const busy(*this);
@@ -142,8 +142,8 @@ bool History::commit() {
     return true;
 }
 
-// The outer transaction, or an earlier step, keeps what it has recorded itself: that is older. Hooks must wait until
-// the records that stay are counted.
+// The outer transaction, or an earlier step, keeps its own records: they are older. Hooks must wait until the remaining
+// records are counted.
 std::uint32_t History::merge(Level const& level, std::uint32_t stamp) {
     Busy const busy(*this);
     return records_.filterTop(level.begin, level.records, [this, stamp](Record const& record) {
@@ -170,7 +170,7 @@ void History::restoreStamps(Level const& level) {
     });
 }
 
-// Whoever records is about to change, and looking costs time: what is recorded is compared only where a step that
+// An object is recorded before it changes, and comparing costs time: records are compared only where a step that
 // changes nothing would do harm or is likely.
 bool History::changedAnything(Level const& level) noexcept {
     bool const harmless = redoCount() == 0 && !lifetimes_.droppedUnborn();
@@ -189,7 +189,7 @@ bool History::anyIsDifferent(Level const& level) noexcept {
     return changed;
 }
 
-// What was made and has gone again does not count, since undo would bring back nothing of it.
+// Objects created and destroyed in the transaction do not count, since undo would not restore them.
 bool History::isDifferent(Record& record, Level const& level) noexcept {
     if (!record.subject) return false;
     if (lifetimes_.isPassing(*record.subject, level.birthsBegin)) return false;
@@ -228,12 +228,12 @@ ur::Reference<SharedName> History::shared(urString::CString const& name) const {
     return ur::Reference<SharedName>(new SharedName(name));
 }
 
-// Undo and redo seal the newest step, so that nothing is undone when it is joined.
+// Undo and redo seal the newest step, so that a later transaction cannot join it and undo nothing.
 bool History::joinsNewestStep(Level const& level) const noexcept {
     return level.coalesceKey && level.coalesceKey == coalesceKey_ && !sealed_ && present_ > 0;
 }
 
-// The newest step is the new present; its records slide down into the place of those that go.
+// The newest step becomes the present; its records move down into the place of the discarded ones.
 void History::discardUndone() {
     if (present_ + 1 == steps_.size()) {
         ++present_;
@@ -256,7 +256,7 @@ void History::discardUndone() {
     ++present_;
 }
 
-// What a step made that is done stays.
+// What a done step created stays.
 void History::discardOldest() {
     Lifetimes::Deferral const deferral(lifetimes_);
     Busy const busy(*this);
@@ -337,7 +337,7 @@ bool History::abort() {
     Hold const hold(*this);
     urOS::FirstError errors;
     {
-        Busy const busy(*this);  // also while what the abort leaves behind is retired
+        Busy const busy(*this);  // also while the objects that the abort leaves are retired
         Lifetimes::Deferral const deferral(lifetimes_);
         Level const level = std::move(levels_.back());
         levels_.pop_back();
@@ -358,8 +358,8 @@ void History::takeBack(Level const& level, urOS::FirstError& errors) noexcept {
     records_.pop(level.begin, level.records);
 }
 
-// Records of several managers may name the objects of one: all of them are settled together, with no history of theirs
-// moving meanwhile. A hook may take a manager away.
+// Records of several managers may name one manager's objects: all of them are settled together, and no history of
+// theirs moves meanwhile. A hook may destroy a manager.
 void History::settle(urOS::FirstError& errors) noexcept {
     lifetimes_.beginSettling();
     for (History* other : peers_) {

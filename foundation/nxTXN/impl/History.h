@@ -18,24 +18,24 @@
 
 namespace nxTXN::impl {
 
-/// A transaction that is open.
+/// An open transaction.
 struct Level {
     ur::Reference<SharedName> name;  // of the step that it may become
     void const* coalesceKey;
     RecordStore::Place begin;
     std::uint32_t records;
-    std::uint32_t outerRecords;  // those of the transactions around it
+    std::uint32_t outerRecords;  // the number of records of the enclosing transactions
     std::uint32_t stamp;
     std::uint32_t birthsBegin;
     TransactionKind kind;
-    bool keeps;  // it records, for the history or for abort alone
+    bool keeps;  // whether it records, for the history or only for abort
 };
 
-/// The open transactions of a manager, and its steps in the order in which they were made: the ones that are done, up
-/// to the present, then those undone.
+/// The open transactions of a manager and its steps, in the order in which they were made: the done steps, up to the
+/// present, then the undone ones.
 ///
-/// Records lie in the same order, those of open transactions on top. What commit and abort need is reserved before a
-/// change is made: they never fail for want of memory.
+/// Records lie in the same order, those of open transactions on top. Memory for commit and abort is reserved before a
+/// change is made, so they never fail for lack of memory.
 class History {
 public:
     History(Manager& manager, Sizes const& sizes) noexcept
@@ -48,7 +48,7 @@ public:
     History(History const&) = delete;
     History& operator=(History const&) = delete;
 
-    /// While one lives, the history does too: hooks may destroy the manager.
+    /// Keeps the history alive: hooks may destroy the manager.
     class Hold {
     public:
         explicit Hold(History& history) noexcept : history_(history) { ++history_.holds_; }
@@ -60,12 +60,12 @@ public:
         History& history_;
     };
 
-    /// The manager goes; the history is deleted when nothing holds it.
+    /// The manager is destroyed; the history is deleted when no `Hold` is left.
     void end() noexcept {
         manager_ = nullptr;
         if (holds_ == 0) delete this;
     }
-    /// Null once the manager has gone.
+    /// Null once the manager is destroyed.
     [[nodiscard]] Manager* manager() noexcept { return manager_; }
     [[nodiscard]] Lifetimes& lifetimes() noexcept { return lifetimes_; }
     /// Throws when the fields of an object are too large for a record.
@@ -75,27 +75,27 @@ public:
 
     std::uint32_t enter(Object& object, bool counted, bool makingIsChange);
     void transact(Object& object);
-    /// Takes the object out of all records that may name it.
+    /// Removes the object from all records that may name it.
     static void forgetEverywhere(Object const& object) noexcept;
-    /// A record of this manager keeps the object, which may be another manager's. Throws, and does not, for want of
-    /// memory. False when nothing can keep it.
+    /// A record of this manager keeps the object, which may belong to another manager. Throws, without an effect, when
+    /// memory is exhausted. False when nothing can keep it.
     [[nodiscard]] bool pin(Object& object) {
         if (object.history_ != this) return pinForeign(object);
         lifetimes_.addPin(object);
         return true;
     }
-    /// Visits the fields of an object that is being put back.
+    /// Visits the fields of an object that is being restored.
     void visitRestoring(Object& object, Serializer& pass) {
         Restoring const restoring(*this);
         object.onTransact(pass);
     }
-    /// Has the object read its fields.
+    /// Makes the object read its fields.
     void putBack(Object& object, Content const& content) {
         RestoringPass pass(content.reader());
         visitRestoring(object, pass);
     }
 
-    /// Whether this manager or a peer is putting fields back.
+    /// Whether this manager or a peer is restoring fields.
     [[nodiscard]] bool restoring() const noexcept;
 
     void begin(urString::CString const& name, TransactionKind kind, void const* coalesceKey);
@@ -110,7 +110,7 @@ public:
     }
     [[nodiscard]] std::size_t undoCount() const noexcept { return present_; }
     [[nodiscard]] std::size_t redoCount() const noexcept { return steps_.size() - present_; }
-    /// Requires: there are more steps than that.
+    /// Requires: `step` is below the number of steps.
     [[nodiscard]] urString::CString const& nameOf(std::size_t step) const noexcept { return steps_[step].name->text; }
 
     void setUnrecordedChange(UnrecordedChange policy) noexcept { unrecordedChange_ = policy; }
@@ -136,7 +136,7 @@ private:
         bool before_;
     };
 
-    /// While one lives, fields are being put back.
+    /// While one lives, fields are being restored.
     class Restoring {
     public:
         explicit Restoring(History& history) noexcept : history_(history) { ++history_.restorings_; }
@@ -189,15 +189,15 @@ private:
     Lifetimes lifetimes_;
     RecordStore records_;
     Steps steps_;
-    std::size_t present_ = 0;            // the steps before it are done
+    std::size_t present_ = 0;            // the number of done steps
     ur::vector<Level> levels_;           // innermost last
     Writer writer_;                      // for one record
-    Replay replay_;                      // has room for aborting what is open
-    ur::vector<History*> peers_;         // managers whose records and objects are mixed with ours
-    History* settledBy_ = nullptr;       // the one among them whose undo, redo or abort settles our objects
+    Replay replay_;                      // has room for aborting the open transactions
+    ur::vector<History*> peers_;         // managers whose records and objects refer to ours or are referred to by ours
+    History* settledBy_ = nullptr;       // the peer whose undo, redo or abort settles our objects
     std::uint32_t stamp_ = 0;            // of the newest transaction
     void const* coalesceKey_ = nullptr;  // of the newest step
-    bool sealed_ = false;                // the newest step takes no more
+    bool sealed_ = false;                // the newest step accepts no more changes
     unsigned restorings_ = 0;
     bool busy_ = false;
     UnrecordedChange unrecordedChange_ = UnrecordedChange::report;

@@ -1,4 +1,4 @@
-// Existence and deletion of transaction objects.
+// Tracks the existence of transaction objects and deletes them.
 #include "foundation/nxTXN/impl/Lifetimes.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 namespace nxTXN::impl {
 namespace {
 
-/// Runs a hook where nobody can be given what it throws.
+/// Runs a hook where no caller can receive its exception.
 template <class Hook>
 void runReporting(char const* name, Hook&& hook) noexcept {
     try {
@@ -22,10 +22,10 @@ void runReporting(char const* name, Hook&& hook) noexcept {
     }
 }
 
-// An object without a manager counts the records that need it in place of its index, if it is one that counts.
+// A counted object without a manager stores the number of records that need it in place of its index.
 constexpr std::uint32_t uncounted = ~0U;
 
-// An object that is being destroyed may be referred to once more, by its own destructor, without dying again.
+// An object's destructor may create another reference to it without a second destruction.
 constexpr std::uint32_t referencesOfTheDeleted = 1U << 30;
 
 }  // namespace
@@ -114,7 +114,7 @@ void Lifetimes::retireWaiting() noexcept {
     }
 }
 
-// Entries may move while hooks run, which may make new objects: none is held across one.
+// Entries may move while hooks run, since hooks may create objects: hold no entry across a hook.
 void Lifetimes::retire(RefCountedObject& object) noexcept {
     if (object.references_ == 0 && entryOf(object).exists()) cease(object);
     if (object.references_ == 0) {
@@ -184,7 +184,7 @@ void Lifetimes::abandonUnborn(std::uint32_t begin, std::uint32_t end) noexcept {
     for (std::uint32_t i = begin; i < end; ++i) {
         Entry& entry = objects_[i];
         if (!entry.object || !entry.unborn) continue;
-        entry.born = false;  // no step around this one may do its making again
+        entry.born = false;  // no step around this one may redo its creation
         if (!entry.counted) continue;
         auto& object = static_cast<RefCountedObject&>(*entry.object);
         if (object.references_ > 0) continue;
@@ -206,7 +206,7 @@ void Lifetimes::returned(Object& object) noexcept {
     Lifetimes& lifetimes = object.history_->lifetimes();
     Entry& entry = lifetimes.entryOf(object);
     if (!entry.dead || !lifetimes.mayReturn(object)) return;
-    // The owner of a field that does not count as a reference is notified as well when the object goes.
+    // The owner of a field that is not a counted reference is notified as well when the object goes.
     entry.notified = false;
     lifetimes.note(object);
 }
@@ -240,12 +240,12 @@ void Lifetimes::beginSettling() noexcept {
     changed_.forEach([this](Object& object) {
         Entry& entry = entryOf(object);
         if (entry.dead && static_cast<RefCountedObject&>(object).references_ > 0) revive(entry);
-        entry.queued = false;  // what the hooks bring about may queue it again
+        entry.queued = false;  // hooks may queue it again
         addPin(object);
     });
 }
 
-// Nothing is noted while hooks run, since nothing is restored then.
+// Nothing is queued while hooks run, since nothing is restored then.
 void Lifetimes::notifyChanges(urOS::FirstError& errors) noexcept {
     settling_ = Settling::notifying;
     changed_.forEach([this, &errors](Object& object) {
@@ -273,8 +273,8 @@ void Lifetimes::keepOrDrop(Object& object) noexcept {
     if (counted.references_ == 0) measure(counted);
 }
 
-// All objects are notified first, while everything is still in place; then references between objects go, and with them
-// what only those kept.
+// First all objects are notified, while everything is still in place. Then references between objects are released, and
+// with them the objects that only those kept.
 void Lifetimes::close() noexcept {
     changed_.forEach([this](Object& object) { entryOf(object).queued = false; });  // another manager has touched them
     closing_ = true;

@@ -1,4 +1,4 @@
-// Which objects exist, and when they are deleted.
+// Tracks which objects exist, and deletes them.
 #pragma once
 
 #include <cstddef>
@@ -12,12 +12,12 @@
 
 namespace nxTXN::impl {
 
-/// Follows the objects of one manager from their making to their deletion.
+/// Tracks the objects of one manager from creation to deletion.
 ///
-/// An object is *dead* when its last reference has gone and *unborn* when its making is undone; it exists when it is
-/// neither. A dead object is deleted when no record pins it. Objects are retired one at a time: what loses its
-/// last reference meanwhile waits for its turn, so that long chains need no stack. All of this works without memory:
-/// it also happens where a lack of memory could not be reported.
+/// An object is *dead* when its last reference is gone, and *unborn* when its creation is undone; it exists when it is
+/// neither. A dead object is deleted when no record pins it. Objects are retired one at a time: an object that loses
+/// its last reference meanwhile waits for its turn, so that long chains need no stack. None of this allocates, because
+/// it also runs where a lack of memory cannot be reported.
 class Lifetimes {
 public:
     explicit Lifetimes(std::uint32_t mostPins) noexcept : mostPins_(mostPins) {}
@@ -32,8 +32,8 @@ public:
     /// Requires: not busy.
     void compact(std::span<std::uint32_t* const> bounds);
 
-    /// A record needs the object, or needs it no longer. An object whose manager has gone counts for itself; false for
-    /// one that could go then without any record being notified.
+    /// A record needs the object, or no longer needs it. An object whose manager is destroyed counts for itself; false
+    /// for one that could be destroyed without notice to the record.
     [[nodiscard]] static bool pin(Object& object) noexcept;
     /// The same for an object of this manager.
     void addPin(Object const& object) noexcept {
@@ -41,14 +41,14 @@ public:
         if (entry.pins != mostPins_) ++entry.pins;
     }
     static void unpin(Object& object) noexcept;
-    /// The history holds so many bytes more, or fewer, because of the object.
+    /// The history holds `bytes` more, or fewer, because of the object.
     static void count(Object const& object, std::ptrdiff_t bytes) noexcept;
 
     void lastReferenceGone(RefCountedObject& object) noexcept;
-    /// Deletes an object whose manager has gone unless something needs it.
+    /// Deletes an object whose manager is destroyed, unless something needs it.
     static void removeOrphan(RefCountedObject& object) noexcept;
 
-    /// While one lives, objects are not retired; the end of the outermost one makes up for it.
+    /// While one lives, objects are not retired; the end of the outermost one retires them.
     class Deferral {
     public:
         explicit Deferral(Lifetimes& lifetimes) noexcept : lifetimes_(lifetimes) { ++lifetimes_.deferrals_; }
@@ -64,41 +64,41 @@ public:
     };
     [[nodiscard]] bool busy() const noexcept { return deferrals_ > 0 || !changed_.empty(); }
 
-    /// A record gave the object back to a field.
+    /// A record restored the object into a field.
     static void returned(Object& object) noexcept;
-    /// Does or undoes the making of the objects from `begin` to `end`.
+    /// Redoes or undoes the creation of the objects from `begin` to `end`.
     void setBirths(std::uint32_t begin, std::uint32_t end, Birth birth) noexcept;
-    /// Settling decides which of the objects touched since the last time exist, and notifies those for which that
+    /// Settling decides which of the objects touched since the last settling exist, and notifies those whose existence
     /// changed. Objects are not retired meanwhile.
     enum class Settling : std::uint8_t { none, begun, notifying, notified };
     [[nodiscard]] Settling settling() const noexcept { return settling_; }
     void beginSettling() noexcept;
     void notifyChanges(urOS::FirstError& errors) noexcept;
     void endSettling() noexcept;
-    /// The undone making of the objects from `begin` to `end` is final.
+    /// The creation of the objects from `begin` to `end` stays undone for good.
     void abandonUnborn(std::uint32_t begin, std::uint32_t end) noexcept;
-    /// The objects from `begin` on were made in a transaction that is not recorded.
+    /// The objects from `begin` on were created in a transaction that is not recorded.
     void forgetBirths(std::uint32_t begin) noexcept;
-    /// What has become of the objects made in recorded transactions from `begin` on.
+    /// The state of the objects created in recorded transactions from `begin` on.
     enum class Made : std::uint8_t { nothing, passing, lasting };
     [[nodiscard]] Made made(std::uint32_t begin) noexcept;
-    /// Whether the object was one of those, and exists no longer.
+    /// Whether the object is one of those and no longer exists.
     [[nodiscard]] bool isPassing(Object const& object, std::uint32_t begin) noexcept {
         Entry const& entry = entryOf(object);
         return object.index_ >= begin && entry.born && !entry.exists();
     }
-    /// Deletes what the manager owns, or lets go of it when references are left.
+    /// Deletes the manager's objects, or releases them when references are left.
     void close() noexcept;
 
-    /// Whether an object has gone whose making was undone, since the last call of `forgetDropped`.
+    /// Whether an unborn object was destroyed since the last call of `forgetDropped`.
     [[nodiscard]] bool droppedUnborn() const noexcept { return droppedUnborn_; }
     void forgetDropped() noexcept { droppedUnborn_ = false; }
 
-    /// The bytes of the objects that only records keep, and those that were counted because of objects.
+    /// The bytes of objects that only records keep, and the bytes counted because of objects.
     [[nodiscard]] std::size_t bytes() const noexcept { return bytes_; }
 
 private:
-    /// Whether the object may come and go without being destroyed, since fields are being put back.
+    /// Whether the object survives the loss of its last reference, since fields are being restored.
     [[nodiscard]] bool mayReturn(Object const& object) const noexcept;
     void note(Object& object) noexcept;
     void keepOrDrop(Object& object) noexcept;
@@ -118,7 +118,7 @@ private:
 
     std::uint32_t const mostPins_;
     ObjectTable objects_;
-    EntryQueue<&Entry::nextWaiting> waiting_{objects_};  // counted ones, to be retired
+    EntryQueue<&Entry::nextWaiting> waiting_{objects_};  // counted objects to retire
     EntryQueue<&Entry::nextChanged> changed_{objects_};  // touched since the last settling
     std::size_t bytes_ = 0;
     unsigned deferrals_ = 0;

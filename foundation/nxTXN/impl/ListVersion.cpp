@@ -1,4 +1,4 @@
-// Keeping the ways between the versions that are held, and no others.
+// Keeps the versions that are held and the paths between them, and no others.
 #include "foundation/nxTXN/impl/ListVersion.h"
 
 #include <utility>
@@ -13,7 +13,7 @@ ListVersion::ListVersion(ListVersion& parent, ListChange const& change, RefCount
       object_(&object),
       change_(change),
       depth_(parent.depth_ + 1) {
-    static_cast<void>(Lifetimes::pin(object));  // one that counts
+    static_cast<void>(Lifetimes::pin(object));  // a counted object
     Lifetimes::count(object, sizeof(ListVersion));
 }
 
@@ -23,7 +23,7 @@ ListVersion::~ListVersion() {
     Lifetimes::unpin(*object_);
 }
 
-// Letting go of an object may run hooks, which change lists: first the tree is in order.
+// Releasing an object may run hooks that change lists, so the tree is put in order first.
 void ListVersion::trim(ListVersion* version) noexcept {
     ListVersion* gone = nullptr;
     while (version && version->holders_ == 0) {

@@ -1,4 +1,4 @@
-// What a list was at one time.
+// A version of a list.
 #pragma once
 
 #include <cstddef>
@@ -8,13 +8,13 @@
 
 namespace nxTXN::impl {
 
-/// One change of a list, and how to take it back.
+/// One change of a list, which can be reversed.
 struct ListChange {
     enum class Kind : std::uint8_t { inserted, erased, moved };
 
     Kind kind;
-    std::size_t from;  ///< the index inserted at, erased at or moved from
-    std::size_t to;    ///< moved to: the index afterwards
+    std::size_t from;  ///< the index of the insertion or erasure, or the old index of a move
+    std::size_t to;    ///< the new index of a move
 
     [[nodiscard]] ListChange inverse() const noexcept {
         switch (kind) {
@@ -26,13 +26,14 @@ struct ListChange {
     }
 };
 
-/// A node of the tree of what a list has been: each version differs from its parent by one change. The list holds the
-/// present one, records hold those that undo, redo and abort lead to, and others exist only as ways between these.
+/// A node in the tree of a list's versions: each version differs from its parent by one change. The list holds the
+/// present version, records hold those that undo, redo and abort restore; other versions exist only on paths between
+/// these.
 class ListVersion {
 public:
-    /// The first one.
+    /// The first version.
     ListVersion() noexcept = default;
-    /// What becomes of `parent` by the change, whose object is kept in memory meanwhile.
+    /// The version after `change` is made to `parent`; keeps the change's object in memory.
     ListVersion(ListVersion& parent, ListChange const& change, RefCountedObject& object) noexcept;
     ListVersion(ListVersion const&) = delete;
     ListVersion& operator=(ListVersion const&) = delete;
@@ -42,7 +43,7 @@ public:
         if (--holders_ == 0) trim(const_cast<ListVersion*>(this));
     }
 
-    /// Null for the oldest one that is needed, which has no change.
+    /// Null for the oldest version needed, which has no change.
     [[nodiscard]] ListVersion* parent() const noexcept { return parent_; }
     [[nodiscard]] std::uint64_t depth() const noexcept { return depth_; }
     [[nodiscard]] ListChange const& change() const noexcept { return change_; }

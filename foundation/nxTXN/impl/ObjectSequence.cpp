@@ -1,4 +1,4 @@
-// Pieces that split when they are full, and join when two of them fill less than half of one.
+// Splits full pieces, and joins two neighbours that together fill less than half of one.
 #include "foundation/nxTXN/impl/ObjectSequence.h"
 
 #include <iterator>
@@ -69,7 +69,7 @@ void ObjectSequence::joinWithNext(std::size_t piece) noexcept {
 }
 
 void ObjectSequence::clear() noexcept {
-    std::vector<Piece> const gone = std::exchange(pieces_, {});  // what goes may look here
+    std::vector<Piece> const gone = std::exchange(pieces_, {});  // destructors may look at this sequence
     size_ = 0;
 }
 

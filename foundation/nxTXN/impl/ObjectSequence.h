@@ -1,4 +1,4 @@
-// References to objects, in order.
+// An ordered sequence of object references.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@
 
 namespace nxTXN::impl {
 
-/// A long sequence into whose middle much is inserted: pieces of limited length, none of them empty.
+/// A long sequence with fast insertion in the middle: pieces of limited length, none of them empty.
 class ObjectSequence {
 public:
     using Element = ur::Reference<RefCountedObject>;
@@ -18,11 +18,11 @@ public:
     explicit ObjectSequence(std::size_t mostInPiece) noexcept : mostInPiece_(mostInPiece) {}
 
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
-    /// The elements from `index` to the end of their piece. Requires: there is one.
+    /// The elements from `index` to the end of their piece. Requires: `index` is below the size.
     [[nodiscard]] std::span<Element const> run(std::size_t index) const noexcept;
-    /// Nothing has happened when it throws. Requires: `index` is not beyond the end.
+    /// Changes nothing when it throws. Requires: `index` is not beyond the end.
     void insert(std::size_t index, Element element);
-    /// Requires: there is one.
+    /// Requires: `index` is below the size.
     [[nodiscard]] Element take(std::size_t index) noexcept;
     void clear() noexcept;
 
@@ -33,14 +33,14 @@ private:
         std::size_t offset;
     };
 
-    /// The place before which an element with that index goes: at the end of a piece rather than at the start of one.
+    /// The insertion place for that index: the end of a piece rather than the start of the next.
     [[nodiscard]] Place placeOf(std::size_t index) const noexcept;
     [[nodiscard]] Piece emptyPiece() const;
     void split(std::size_t piece);
     void joinWithNext(std::size_t piece) noexcept;
 
     std::size_t mostInPiece_;
-    std::vector<Piece> pieces_;  ///< each with room for the most
+    std::vector<Piece> pieces_;  ///< each has room for the most elements
     std::size_t size_ = 0;
 };
 

@@ -1,4 +1,4 @@
-// Entering and leaving the table.
+// Adds and removes entries.
 #include "foundation/nxTXN/impl/ObjectTable.h"
 
 namespace nxTXN::impl {

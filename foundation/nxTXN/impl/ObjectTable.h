@@ -1,4 +1,4 @@
-// The objects of one manager, with what is known of each.
+// The objects of one manager and their states.
 #pragma once
 
 #include <cstddef>
@@ -10,23 +10,23 @@
 
 namespace nxTXN::impl {
 
-/// What the manager knows of one object.
+/// The state of one object.
 struct Entry {
-    Object* object;  // null once it has gone
+    Object* object;  // null once destroyed
 
     std::uint32_t pins : 25;     // records that need it
     std::uint32_t counted : 1;   // it is a RefCountedObject, deleted by the manager
-    std::uint32_t born : 1;      // made in a transaction whose undoing unmakes it
-    std::uint32_t unborn : 1;    // its making is undone
+    std::uint32_t born : 1;      // created in a transaction whose undo reverts the creation
+    std::uint32_t unborn : 1;    // its creation is undone
     std::uint32_t dead : 1;      // its last reference has gone
     std::uint32_t notified : 1;  // `onTxnDestroyed` was called
     std::uint32_t queued : 1;    // it is in one of the queues of its Lifetimes
-    std::uint32_t existed : 1;   // while it is among the changes: what it was before
+    std::uint32_t existed : 1;   // while it is in the changes: its state before
 
-    /// While it lives: the transaction that recorded it last. When dead: its bytes that count as history.
+    /// While it lives: the last transaction that recorded it. When dead: its bytes that count as history.
     std::uint32_t stamp;
 
-    std::uint32_t nextWaiting;  // the index of the next object in the queue of that name, or none
+    std::uint32_t nextWaiting;  // the index of the next object in `waiting_`, or none
     std::uint32_t nextChanged;
 
     static constexpr std::uint32_t none = ~0U;
@@ -36,23 +36,23 @@ struct Entry {
 };
 static_assert(sizeof(Entry) == 24);
 
-/// All objects in the order in which they were made. An object knows its index.
+/// All objects in order of creation. An object knows its index.
 class ObjectTable {
 public:
-    /// The index of the new entry.
+    /// Returns the index of the new entry.
     std::uint32_t add(Entry const& entry);
     void remove(std::uint32_t index) noexcept;
 
     [[nodiscard]] Entry& operator[](std::uint32_t index) noexcept { return entries_[index]; }
-    /// Indices from here on are those of objects yet to be made.
+    /// Objects created later get indices from here on.
     [[nodiscard]] std::uint32_t size() const noexcept { return static_cast<std::uint32_t>(entries_.size()); }
 
-    /// Whether closing gaps would save more than growing.
+    /// Whether closing gaps saves more than growing.
     [[nodiscard]] bool worthCompacting() const noexcept {
         return entries_.size() == entries_.capacity() && gone_ > entries_.size() / 2;
     }
-    /// Closes the gaps and calls `moved(object, index)` for every object. `bounds` are indices kept elsewhere, in
-    /// ascending order; they are changed to bound the same objects as before.
+    /// Closes the gaps and calls `moved(object, index)` for every object. `bounds` are external indices in ascending
+    /// order; they are adjusted to bound the same objects as before.
     template <class Moved>
     void compact(std::span<std::uint32_t* const> bounds, Moved moved);
 

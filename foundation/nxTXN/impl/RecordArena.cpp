@@ -49,7 +49,7 @@ void RecordArena::truncate(Place place) noexcept {
 }
 
 void RecordArena::slide(Place& to, std::byte const* piece, std::size_t bytes) noexcept {
-    // The piece has room where it is now, so a block with room is found there at the latest.
+    // The piece fits where it is now, so the loop finds a block with room there at the latest.
     Block* block = &blocks_[to.block - first_];
     for (; block->size - to.offset < bytes; block = &blocks_[to.block - first_]) {
         block->used = to.offset;

@@ -1,4 +1,4 @@
-// The memory of records: blocks that are filled one behind the other.
+// The memory of records: blocks that are filled one after the other.
 #pragma once
 
 #include <cstddef>
@@ -10,10 +10,10 @@
 
 namespace nxTXN::impl {
 
-/// Hands out pieces of memory like a stack that may also be taken from its bottom.
+/// Allocates pieces of memory like a stack that can also be released from its bottom.
 ///
-/// Pieces lie packed in blocks, so that a piece costs no more than its bytes and blocks go as a whole. Requires:
-/// sizes are multiples of eight.
+/// Pieces lie packed in blocks, so a piece takes only its bytes, and blocks are freed as a whole. Requires: sizes are
+/// multiples of eight.
 class RecordArena {
 public:
     explicit RecordArena(Sizes const& sizes) noexcept
@@ -27,7 +27,7 @@ public:
         friend bool operator==(Place, Place) = default;
     };
 
-    /// The next `allocate` of so many bytes cannot fail.
+    /// Ensures that the next `allocate(bytes)` cannot fail.
     void makeRoom(std::size_t bytes) {
         if (blocks_.empty() || blocks_.back().size - blocks_.back().used < bytes) addBlock(bytes);
     }
@@ -44,14 +44,14 @@ public:
         return inNextBlock(place);
     }
 
-    /// Frees what lies above, or below, `place`.
+    /// Frees the pieces above, or below, `place`.
     void truncate(Place place) noexcept;
     void trim(Place place) noexcept;
 
-    /// What is taken from the system, without the block in reserve.
+    /// The bytes allocated from the system, without the spare block.
     [[nodiscard]] std::size_t heldBytes() const noexcept;
 
-    /// Moves a piece down to `to`, at or below where it is, and `to` behind it. What lay between is lost.
+    /// Moves a piece down to `to`, at or below its place, and `to` to the position after it. Anything between is lost.
     void slide(Place& to, std::byte const* piece, std::size_t bytes) noexcept;
 
 private:
@@ -67,10 +67,10 @@ private:
 
     std::size_t const smallestBlock_;
     std::size_t const largestBlock_;
-    ur::vector<Block> blocks_;  // those that were trimmed have no bytes, until there are too many of them
+    ur::vector<Block> blocks_;  // trimmed blocks have no bytes; they are removed when there are too many
     std::uint32_t first_ = 0;   // the number of the first of these
     Place bottom_;
-    Block spare_ = {};  // the last one freed, so that going to and fro over a boundary does not allocate
+    Block spare_ = {};  // the block freed last, so that crossing a boundary repeatedly does not allocate
 };
 
 }  // namespace nxTXN::impl

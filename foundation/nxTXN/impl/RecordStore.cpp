@@ -1,4 +1,4 @@
-// Making records, exchanging what they hold, and letting go of what they keep.
+// Creates records, exchanges their contents, and releases what they keep.
 #include "foundation/nxTXN/impl/RecordStore.h"
 
 #include <algorithm>
@@ -30,7 +30,7 @@ void letGo(std::uintptr_t* word) noexcept {
 
 void RecordStore::push(Object& subject, Content const& content, Hook hook, std::uint32_t formerStamp) {
     history_.expectStorable(content.data.size(), content.words.size());
-    // At least enough for the address of a content elsewhere.
+    // At least enough for the address of an external content.
     std::size_t const room = std::max(content.bytes(), sizeof(std::byte*));
     arena_.makeRoom(sizeof(Record) + room);
     keep(content.words);
@@ -41,7 +41,7 @@ void RecordStore::push(Object& subject, Content const& content, Hook hook, std::
     record->formerStamp = formerStamp;
     bytes_ += record->bytes();
     store(*record, record->behind(), content);
-    static_cast<void>(history_.pin(subject));  // one of this manager
+    static_cast<void>(history_.pin(subject));  // an object of this manager
 }
 
 void RecordStore::replaceUnlike(Record& record, Content const& content, std::byte* elsewhere) noexcept {
@@ -52,7 +52,7 @@ void RecordStore::replaceUnlike(Record& record, Content const& content, std::byt
     *reinterpret_cast<std::byte**>(record.behind()) = elsewhere;
 }
 
-// Lets go of the content.
+// Releases the content.
 void RecordStore::drop(Record& record) noexcept {
     Content const content = record.content();
     release(content.words);

@@ -1,4 +1,4 @@
-// Records in the order in which they were made.
+// Records in order of creation.
 #pragma once
 
 #include <algorithm>
@@ -17,7 +17,7 @@ namespace nxTXN::impl {
 
 class History;
 
-/// Copies without a call what most contents are: one number.
+/// Copies without a call in the most frequent case: one number.
 inline void copyBytes(std::byte* to, std::byte const* from, std::size_t count) noexcept {
     if (count == sizeof(double)) {
         std::memcpy(to, from, sizeof(double));
@@ -33,19 +33,19 @@ struct Content {
 
     [[nodiscard]] Reader reader() const noexcept { return {data, words}; }
     [[nodiscard]] std::size_t bytes() const noexcept { return bytes(data.size(), words.size()); }
-    /// What it takes to store it: the pointers lie behind the bytes, at a multiple of eight.
+    /// The bytes needed to store the content: the pointers lie after the data, at a multiple of eight.
     [[nodiscard]] static std::size_t bytes(std::size_t data, std::size_t words) noexcept {
         return (data + 7) / 8 * 8 + words * sizeof(std::uintptr_t);
     }
 };
 
-/// What one object was or, when its step is undone, what it is to be again.
+/// The former fields of one object or, when its step is undone, the fields to redo.
 ///
-/// The content follows the header. One that has taken the place of a smaller content lies elsewhere, and its address
-/// follows the header.
+/// The content follows the header. A content that replaced a smaller one lies elsewhere, and its address follows the
+/// header.
 struct Record {
-    Object* subject;           // null once it has gone
-    std::uint32_t room : 31;   // bytes behind the header
+    Object* subject;           // null once destroyed
+    std::uint32_t room : 31;   // bytes after the header
     std::uint32_t hooked : 1;  // the subject gave a restore hook
     std::uint32_t dataBytes;
     std::uint32_t words;
@@ -53,7 +53,7 @@ struct Record {
 
     [[nodiscard]] std::size_t bytes() const noexcept { return sizeof(Record) + room; }
     [[nodiscard]] std::byte* behind() noexcept { return reinterpret_cast<std::byte*>(this + 1); }
-    /// Whether a content of that size takes the place of the present one as it is.
+    /// Whether a content of that size fits in place of the present one.
     [[nodiscard]] bool isAlike(std::size_t otherDataBytes, std::size_t otherWords) const noexcept {
         return otherDataBytes == dataBytes && otherWords == words;
     }
@@ -69,7 +69,7 @@ struct Record {
 };
 static_assert(sizeof(Record) == 24);
 
-/// Keeps records and, through them, their subjects and whatever their pointers keep.
+/// Keeps records and, through them, their subjects and the targets of their pointers.
 class RecordStore {
 public:
     using Place = RecordArena::Place;
@@ -80,10 +80,10 @@ public:
 
     enum class Hook : bool { none, given };
 
-    /// A record of `subject` on top; nothing is left of it when it throws.
+    /// Adds a record of `subject` on top; changes nothing when it throws.
     void push(Object& subject, Content const& content, Hook hook, std::uint32_t formerStamp);
-    /// Exchanges the content for one whose pointers are kept already. `elsewhere` takes it, and becomes the record's,
-    /// unless it is null because the content fits.
+    /// Exchanges the content for one whose pointers are already kept. `elsewhere` receives it and becomes the record's;
+    /// null if the content fits into the record.
     void replace(Record& record, Content const& content, std::byte* elsewhere) noexcept {
         if (!record.isAlike(content.data.size(), content.words.size())) {
             return replaceUnlike(record, content, elsewhere);
@@ -98,7 +98,7 @@ public:
     }
 
     [[nodiscard]] Place top() const noexcept { return arena_.top(); }
-    /// Calls `visit(Record&)` for `count` records from `place` on; the result is the place behind them.
+    /// Calls `visit(Record&)` for `count` records from `place` on; returns the place after them.
     template <class Visit>
     Place visit(Place place, std::uint32_t count, Visit visit) {
         while (count-- > 0) {
@@ -119,18 +119,18 @@ public:
         return false;
     }
 
-    /// Lets go of the `count` records from `place` on, which are the topmost, or of the `count` lowest ones.
+    /// Releases the `count` records from `place` on, which are the topmost, or the `count` lowest ones.
     void pop(Place place, std::uint32_t count) noexcept;
     void popBottom(std::uint32_t count) noexcept;
     void clear() noexcept;
-    /// Of the topmost `count` records, which begin at `place`, keeps those that `wanted(Record&)`. Gives their number.
+    /// Keeps those of the topmost `count` records, from `place` on, that `wanted(Record&)`. Returns their number.
     template <class Wanted>
     std::uint32_t filterTop(Place place, std::uint32_t count, Wanted wanted);
 
-    /// Has the targets of pointers kept, or not kept any longer. None is kept when it throws.
+    /// Keeps the targets of pointers, or releases them. Keeps none when it throws.
     void keep(std::span<std::uintptr_t> words);
     static void release(std::span<std::uintptr_t> words) noexcept;
-    /// Takes `gone` out of every record: as a subject, and as the target of a pointer, which becomes null.
+    /// Removes `gone` from every record: as a subject, and as the target of a pointer, which becomes null.
     void forget(Object const& gone) noexcept;
     static void forget(Object const& gone, std::span<std::uintptr_t> words) noexcept;
 

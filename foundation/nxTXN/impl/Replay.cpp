@@ -1,4 +1,4 @@
-// Putting back what records hold.
+// Restores objects from records.
 #include "foundation/nxTXN/impl/Replay.h"
 
 #include <algorithm>
@@ -11,7 +11,7 @@
 namespace nxTXN::impl {
 namespace {
 
-/// Puts one object back when its hook says so.
+/// Restores one object when its hook asks for it.
 class ContentRestorer final : public Restorer {
 public:
     ContentRestorer(History& history, Object const* subject, Content const& content) noexcept
@@ -27,7 +27,7 @@ public:
             throw;
         }
     }
-    /// Not null when reading a field failed: the object is neither what it was nor what it should be.
+    /// Not null when reading a field failed: the object is in neither the old nor the new state.
     [[nodiscard]] std::exception_ptr const& failure() const noexcept { return failure_; }
 
 private:
@@ -40,15 +40,15 @@ private:
 
 }  // namespace
 
-// The usual step is one object without a hook, so that no other code runs between saving a field and putting it back.
+// The usual step is one object without a hook, so no other code runs between saving and restoring a field.
 bool Replay::restore(Step const& step, Order order, urOS::FirstError& errors) {
     beginCapture();
     Record* const only = onlyPlainRecord(step);
     return only ? restorePlain(*only, errors) : restoreHooked(step, order, errors);
 }
 
-// What can fail for want of memory comes first. From the first restored field on the step either gets through, whatever
-// hooks throw, or all is put back because a field could not be read.
+// Operations that need memory come first. From the first restored field on, the step either completes, whatever hooks
+// throw, or is reverted because a field could not be read.
 bool Replay::restoreHooked(Step const& step, Order order, urOS::FirstError& errors) {
     if (!errors.guard([&] { capture(step); })) return false;
     kept_ = writer_.words().size();
@@ -106,7 +106,7 @@ void Replay::capture(Record& record) {
     plan(record, record.subject ? save(*record.subject, writer_) : nullptr, dataBegin, wordsBegin);
 }
 
-// What the object is now lies in the writer, from there to its end.
+// The object's present fields lie in the writer, from there to its end.
 void Replay::plan(Record& record, RestoreHook hook, std::size_t dataBegin, std::size_t wordsBegin) {
     std::size_t const dataBytes = writer_.data().size() - dataBegin;
     std::size_t const words = writer_.words().size() - wordsBegin;
@@ -137,7 +137,7 @@ void Replay::exchange() noexcept {
     writer_.clear();
 }
 
-// False when a field could not be read: then all is back as it was.
+// False when a field could not be read: then everything is reverted.
 bool Replay::restoreAll(urOS::FirstError& errors) {
     for (Restoration const& item : work_) {
         if (restoreOne(item, item.record->content(), errors)) continue;
@@ -170,7 +170,7 @@ bool Replay::restoreByHook(Restoration const& item, Content const& content, urOS
     ContentRestorer restorer(history_, record.subject, content);
     errors.guard([&] { item.hook(record.subject, restorer); });
     errors.guard([&] { restorer.restore(record.subject); });
-    if (restorer.failure()) errors.add(restorer.failure());  // the hook may have kept it to itself
+    if (restorer.failure()) errors.add(restorer.failure());  // the hook may have caught it
     return !restorer.failure();
 }
 
@@ -181,8 +181,7 @@ void Replay::notifyModified(urOS::FirstError& errors) noexcept {
     }
 }
 
-// The room for this was made when the records were. Goes on whatever fails: an abort must end with as much restored as
-// can be.
+// Uses memory reserved with the records. Continues after any failure: an abort must restore as much as possible.
 void Replay::takeBack(RecordStore::Place begin, std::uint32_t records, urOS::FirstError& errors) noexcept {
     work_.clear();
     records_.visit(begin, records, [&](Record& record) {

@@ -1,4 +1,4 @@
-// Undo, redo and abort of the fields of objects.
+// Restores the fields of objects for undo, redo and abort.
 #pragma once
 
 #include <cstddef>
@@ -15,18 +15,18 @@ namespace nxTXN::impl {
 
 class History;
 
-/// Puts records back into their objects, and what the objects were into the records.
+/// Moves records into their objects, and the objects' state into the records.
 ///
-/// Undo and redo first save what the objects of a step are now, then restore them, and at last exchange the two. Until
-/// the exchange nothing in the records has changed, so a step whose fields cannot be saved or read is put back as it
-/// was. Abort restores only, in memory that was reserved when the records were made.
+/// Undo and redo first save the present state of a step's objects, then restore them, and finally exchange the two.
+/// Until the exchange the records are unchanged, so a step whose fields cannot be saved or read is reverted. Abort only
+/// restores, in memory that was reserved when the records were made.
 class Replay {
 public:
     Replay(History& history, RecordStore& records) noexcept : history_(history), records_(records) {}
 
     enum class Order : bool { forwards, backwards };
-    /// False, with all objects as before, if a field cannot be saved or read: `discard` ends the replay then, and
-    /// `exchange` otherwise.
+    /// False, with all objects as before, if a field cannot be saved or read. End the replay with `discard` then,
+    /// otherwise with `exchange`.
     [[nodiscard]] bool restore(Step const& step, Order order, urOS::FirstError& errors);
     void discard() noexcept;
     void exchange() noexcept;
@@ -36,16 +36,16 @@ public:
     void reserve(std::size_t records) {
         if (records > work_.capacity()) work_.reserve(2 * records);
     }
-    /// Calls `onTxnModified` of the restored objects that exist.
+    /// Calls `onTxnModified` on the restored objects that exist.
     void notifyModified(urOS::FirstError& errors) noexcept;
 
-    /// Takes an object that goes out of what was saved.
+    /// Removes a destroyed object from the saved state.
     void forget(Object const& gone) noexcept { RecordStore::forget(gone, writer_.mutableWords()); }
-    /// Adds what the object is to the writer.
+    /// Adds the object's state to the writer.
     static RestoreHook save(Object& object, Writer& writer);
 
 private:
-    /// A record on its way back into its object, and where in the writer lies what the object is now.
+    /// A record to restore, and the position of the object's present state in the writer.
     struct Restoration {
         Record* record;
         RestoreHook hook;
@@ -53,7 +53,7 @@ private:
         std::size_t wordsBegin = 0;
         std::uint32_t dataBytes = 0;
         std::uint32_t words = 0;
-        std::byte* elsewhere = nullptr;  // room for it, if it does not fit into the record
+        std::byte* elsewhere = nullptr;  // memory for that state, if it does not fit into the record
     };
 
     [[nodiscard]] Record* onlyPlainRecord(Step const& step) noexcept;
@@ -73,10 +73,10 @@ private:
 
     History& history_;
     RecordStore& records_;
-    Writer writer_;                                 // what the objects are now
-    std::size_t kept_ = 0;                          // words of the writer whose targets are kept
+    Writer writer_;                                 // the objects' present state
+    std::size_t kept_ = 0;                          // number of words in the writer whose targets are kept
     ur::vector<Restoration> work_;                  // in the order of restoring
-    ur::vector<RecordStore::Elsewhere> elsewhere_;  // owns the room that `work_` refers to
+    ur::vector<RecordStore::Elsewhere> elsewhere_;  // owns the memory that `work_` refers to
 };
 
 }  // namespace nxTXN::impl

@@ -25,13 +25,13 @@ struct Step {
     ur::Reference<SharedName> name;
     RecordStore::Place begin = {};  // of its records
     std::uint32_t records = 0;
-    std::uint32_t stamp = 0;  // of the objects that it recorded
+    std::uint32_t stamp = 0;  // stamp of the objects that it recorded
     std::uint32_t birthsBegin = 0;
     std::uint32_t birthsEnd = 0;
 };
 
-/// Steps in a row that grows and shrinks at its end and is forgotten from its beginning. They lie in blocks, so that a
-/// long row grows without being copied.
+/// A sequence of steps that grows and shrinks at its end and drops steps from its beginning. It lies in blocks, so that
+/// a long sequence grows without copying.
 class Steps {
 public:
     explicit Steps(Sizes const& sizes) noexcept : blockBits_(sizes.stepBlockBits) {}
@@ -42,7 +42,7 @@ public:
     [[nodiscard]] Step const& operator[](std::size_t i) const noexcept { return slot(begin_ + i); }
     [[nodiscard]] Step& back() noexcept { return slot(end_ - 1); }
 
-    /// The next `push` takes no memory.
+    /// Ensures that the next `push` does not allocate.
     void makeRoom() {
         if (end_ == blocks_.size() * blockSize()) blocks_.push_back(std::make_unique<Step[]>(blockSize()));
     }
@@ -52,7 +52,7 @@ public:
     }
     Step popBack() noexcept {
         Step step = std::move(slot(--end_));
-        if (end_ + 2 * blockSize() <= blocks_.size() * blockSize()) blocks_.pop_back();  // one stays in reserve
+        if (end_ + 2 * blockSize() <= blocks_.size() * blockSize()) blocks_.pop_back();  // keeps one block in reserve
         return step;
     }
     Step popFront() noexcept {
@@ -71,7 +71,7 @@ private:
 
     unsigned const blockBits_;
     ur::vector<std::unique_ptr<Step[]>> blocks_;
-    std::size_t begin_ = 0;  // in the first block
+    std::size_t begin_ = 0;  // index in the first block
     std::size_t end_ = 0;
 };
 

@@ -1,4 +1,4 @@
-// One line per class, on the debug channel.
+// Writes one line per class to the debug channel.
 #include "foundation/nxTXN/impl/diagnostics.h"
 
 #include <mutex>

@@ -5,7 +5,7 @@
 
 namespace nxTXN::impl {
 
-/// Says on the debug channel, once per class of object and `where`, that a change was applied and not recorded.
+/// Reports on the debug channel, once per class and `where`, that a change was applied but not recorded.
 void reportUnrecorded(Object const& object, char const* where);
 
 }  // namespace nxTXN::impl

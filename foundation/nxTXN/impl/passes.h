@@ -1,4 +1,4 @@
-// The visits to the fields of an object.
+// Serializers that visit the fields of an object.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 namespace nxTXN::impl {
 
-/// Learns the restore hook.
+/// Finds the restore hook.
 class HookPass : public Serializer {
 public:
     void beginObject(Object* /*object*/, RestoreHook hook) final {
@@ -24,7 +24,7 @@ private:
     RestoreHook hook_ = nullptr;
 };
 
-/// Learns the restore hook and saves the fields.
+/// Finds the restore hook and saves the fields.
 class SavingPass final : public HookPass {
 public:
     explicit SavingPass(Writer& writer) noexcept : writer_(writer) {}
@@ -35,7 +35,7 @@ private:
     Writer& writer_;
 };
 
-/// Puts the fields back, or the first so many of them.
+/// Restores all fields, or a number of the first ones.
 class RestoringPass final : public Serializer {
 public:
     explicit RestoringPass(Reader reader, std::size_t fields = std::numeric_limits<std::size_t>::max()) noexcept
@@ -54,7 +54,7 @@ private:
     std::size_t fields_;
 };
 
-/// Saves each field and puts it back at once. Calls `keep` after each field that is saved, before the field is lost.
+/// Saves each field and restores it at once. Calls `keep` after saving a field and before the field is overwritten.
 template <class Keep>
 class SwappingPass final : public Serializer {
 public:
@@ -70,7 +70,7 @@ public:
     }
     void endObject(Object* /*object*/) override {}
 
-    /// The fields that are saved, and perhaps changed.
+    /// The number of fields that are saved, and perhaps changed.
     [[nodiscard]] std::size_t saved() const noexcept { return saved_; }
 
 private:
@@ -80,7 +80,7 @@ private:
     std::size_t saved_ = 0;
 };
 
-/// Lets go of what the fields hold.
+/// Releases what the fields hold.
 class ClearingPass final : public Serializer {
 public:
     void beginObject(Object* /*object*/, RestoreHook /*hook*/) override {}

@@ -1,4 +1,4 @@
-// How the pointers of a record are stored: marked in their lowest bits with how their targets are kept.
+// Stores the pointers of a record; the lowest bits mark how the targets are kept.
 #pragma once
 
 #include <cstddef>
@@ -10,12 +10,12 @@
 
 namespace nxTXN::impl {
 
-/// What a word is. Objects and `Holding`s leave two bits free; any address may lie in a second word.
+/// The kind of a word. Objects and `Holding`s leave two bits free; a second word can hold any address.
 enum class Mark : std::uintptr_t {
-    address = 0,  ///< an address whose two lowest bits are zero; nothing is kept
+    address = 0,  ///< an address whose two lowest bits are zero; its target is not kept
     object = 1,   ///< the address of a transaction object, which is kept
     keeper = 2,   ///< a transaction object, which is kept; then an address
-    held = 3,     ///< how to hold an address, or nothing; then the address
+    held = 3,     ///< how to hold an address, or nothing; the address follows
 };
 
 constexpr std::uintptr_t markBits = 3;
@@ -29,8 +29,8 @@ T* pointerOf(std::uintptr_t word) noexcept {
     return reinterpret_cast<T*>(word & ~markBits);  // NOLINT(performance-no-int-to-ptr)
 }
 
-/// Calls `onObject(Object&, word*)` for every transaction object that the words keep, with the word that names it,
-/// and `onHeld(void const*, Holding const&)` for everything else that they hold.
+/// Calls `onObject(Object&, word*)` for every transaction object that the words keep, with the word that names it, and
+/// `onHeld(void const*, Holding const&)` for everything else that they hold.
 template <class OnObject, class OnHeld>
 void visitKept(std::span<std::uintptr_t> words, OnObject onObject, OnHeld onHeld) {
     for (std::size_t i = 0; i < words.size(); ++i) {

@@ -10,7 +10,7 @@
 
 namespace nxTXN::test {
 
-/// What happened, in words separated by spaces; reading it empties it.
+/// A log of events, as words separated by spaces; reading it empties it.
 class Log {
 public:
     void add(std::string const& word) { text_ += (text_.empty() ? "" : " ") + word; }

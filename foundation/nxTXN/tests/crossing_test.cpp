@@ -1,5 +1,5 @@
-// Random transactions of two managers whose objects refer to each other, beside a model whose records exchange states
-// with the present. Managers come and go.
+// Compares random transactions of two managers, whose objects refer to each other, with a model. Managers are created
+// and destroyed.
 #include <array>
 #include <map>
 #include <optional>
@@ -15,7 +15,7 @@ namespace {
 constexpr unsigned rootsEach = 3;
 constexpr impl::Sizes tinyBlocks{.smallestBlock = 64, .largestBlock = 128, .stepBlockBits = 1};
 
-/// Roots refer to leaves, which are made unrecorded in either manager and known by numbers; 0 is none.
+/// Roots refer to leaves, which are created unrecorded in either manager and identified by numbers; 0 is none.
 class Crossing {
 public:
     explicit Crossing(unsigned seed) : random_(seed) {
@@ -39,7 +39,7 @@ public:
             default: return change(side, {1.0 * pick(3), target(side)}, pick(rootsEach));
         }
     }
-    /// Objects are what the model says, no more of them are left than are needed, and each knows whether it exists.
+    /// Objects match the model, no more are left than needed, and each knows whether it exists.
     void check() {
         std::set<int> reached, kept;
         for (Side const& side : sides_) {
@@ -97,7 +97,7 @@ private:
         side.states.resize(rootsEach);
         for (unsigned i = 0; i < rootsEach; ++i) side.roots.push_back(ur::make<Node>(*side.manager, "root"));
     }
-    /// What the other side's records name of this one is forgotten; what its objects refer to stays, without a manager.
+    /// The other side's records forget this side's objects; objects that its objects refer to stay, without a manager.
     void replaceManager(Side& side) {
         for (auto const& [leaf, number] : numbers_) {
             if (leaf->txnManager() != side.manager.get()) continue;
@@ -181,11 +181,11 @@ private:
     }
 
     std::mt19937 random_;
-    std::map<Node const*, int> numbers_;  // of the leaves that are left
-    std::set<int> told_;                  // those that have heard that they do not exist
+    std::map<Node const*, int> numbers_;  // of the remaining leaves
+    std::set<int> told_;                  // those notified that they do not exist
     int newest_ = 0;
     std::array<Side, 2> sides_;
-    NodeReference made_;  // for the change to come
+    NodeReference made_;  // for the next change
 };
 
 TEST(Crossing, OneManagerMayRestoreWhileAnotherDoes) {
@@ -220,7 +220,7 @@ TEST(Crossing, OneManagerMayRestoreWhileAnotherDoes) {
     EXPECT_FALSE(root->next());
 }
 
-TEST(CrossingModel, TwoManagersKeepWhatTheirRecordsNameOfEachOther) {
+TEST(CrossingModel, KeepReferencesBetweenTheRecordsOfTwoManagers) {
     for (unsigned seed = 1; seed <= 60; ++seed) {
         Crossing play(seed);
         for (int i = 0; i < 1500; ++i) {

@@ -1,4 +1,4 @@
-// Steps: making them, walking over them, taking back and forgetting them.
+// Tests making, undoing, redoing and forgetting steps.
 #include <stdexcept>
 
 #include "foundation/nxTXN/HookError.h"
@@ -51,7 +51,7 @@ TEST_F(History, WalksBackAndForthAndNamesItsSteps) {
     EXPECT_EQ(names(), "Move | Paint");
     EXPECT_EQ(node->value(), 1);
     edit(manager, [&] { ur::make<Node>(manager, "temporary")->setValue(1); });
-    EXPECT_EQ(names(), "Move | Paint");  // nothing was done
+    EXPECT_EQ(names(), "Move | Paint");  // nothing changed
     EXPECT_TRUE(manager.undo() && manager.redo());
     set(7, "Scale");
     EXPECT_EQ(names(), "Move Scale |");
@@ -269,7 +269,7 @@ TEST_F(History, CountsTheBytesOfObjectsThatOnlyItKeeps) {
     EXPECT_EQ(Node::alive, 1);
     EXPECT_LT(manager.historyBytes(), 1000u);
     edit(manager, addBig);
-    manager.undo();  // now it is the history that keeps it
+    manager.undo();  // now only the history keeps it
     EXPECT_EQ(names(), "| edit");
 }
 
@@ -314,7 +314,7 @@ TEST_F(History, AppliesReportsOrRefusesWhatNoTransactionRecords) {
     urOS::MemoryIOStream output;
     ASSERT_TRUE(output.open(urOS::openForWriting).ok());
     urOS::AppOutput::getInstance().open(output);
-    changeEverywhere(10);  // with the channel off
+    changeEverywhere(10);  // while the channel is disabled
     debugChannel().enable();
     manager.setUnrecordedChange(UnrecordedChange::apply);
     changeEverywhere(20);

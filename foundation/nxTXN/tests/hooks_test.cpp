@@ -1,4 +1,4 @@
-// When hooks run, and what happens when they throw or meddle.
+// Tests when hooks run, and what happens when they throw or interfere.
 #include <memory>
 #include <set>
 #include <stdexcept>
@@ -10,7 +10,7 @@
 namespace nxTXN::test {
 namespace {
 
-/// root -> a, and b beside them; everything logs.
+/// root -> a, and a separate b; everything logs.
 struct Hooks : testing::Test {
     Log log;
     Manager manager;
@@ -49,7 +49,7 @@ TEST_F(Hooks, RunInTheOrderOfTheRecordAndBackwardsOnUndo) {
     EXPECT_EQ(log.take(), "root:restored b:restored root:modified 12 b:modified 12");
 }
 
-TEST_F(Hooks, TellOfDestructionAtOnceAndOfExistenceAfterRestoring) {
+TEST_F(Hooks, NotifyDestructionAtOnceAndExistenceAfterRestoring) {
     edit(manager, [&] { root->setNext(nullptr); });
     EXPECT_EQ(log.take(), "a:destroyed a:gone");
     manager.undo();
@@ -105,7 +105,7 @@ TEST_F(Hooks, ARestoreHookChoosesTheMoment) {
     EXPECT_EQ(root->value(), 50) << "fields are restored once";
 }
 
-/// What an operation that throws says of its outcome.
+/// The outcome that a throwing operation reports.
 template <class Operation>
 std::string outcomeOf(Operation operation) {
     try {
@@ -117,7 +117,7 @@ std::string outcomeOf(Operation operation) {
     return "no error";
 }
 
-TEST_F(Hooks, AnExceptionOfAHookLeavesTheStepWhollyDone) {
+TEST_F(Hooks, AnExceptionOfAHookStillCompletesTheStep) {
     edit(manager, [&] {
         root->setValue(2);
         root->setNext(nullptr);
@@ -227,7 +227,7 @@ TEST_F(Hooks, AFieldThatCannotBeSavedOrReadLeavesTheStepUndone) {
         }
         EXPECT_TRUE((manager.*turn)());
     };
-    edit(manager, [&] { other->set(1); });  // a step of one object goes another way than one of several
+    edit(manager, [&] { other->set(1); });  // a step of one object takes another path than a step of several
     edit(manager, [&] {
         root->setNext(nullptr);
         fragile->set(2);
@@ -241,7 +241,7 @@ TEST_F(Hooks, AFieldThatCannotBeSavedOrReadLeavesTheStepUndone) {
     other->restoreHook = [](Object* object, Restorer& restorer) {
         try {
             restorer.restore(object);
-        } catch (std::runtime_error const&) {  // kept from the library, which must know nevertheless
+        } catch (std::runtime_error const&) {  // hides it from the library, which must notice nevertheless
         }
     };
     expectUnchanged(&Manager::redo, 2);
@@ -254,7 +254,7 @@ TEST_F(Hooks, AFieldThatCannotBeSavedOrReadLeavesTheStepUndone) {
     manager.abort();
     EXPECT_EQ(state(), "22-");
 
-    manager.undo();  // so that the end of the next transaction looks whether anything has changed
+    manager.undo();  // makes the end of the next transaction check for changes
     manager.begin();
     fragile->set(fragile->value);
     Fragile::failWriteIn = 0;
@@ -381,7 +381,7 @@ TEST(HookLifetime, SavingAFieldMayDestroyTheManager) {
     field->transact();
 }
 
-TEST_F(Hooks, MayRecordWhatAnObjectTakesWithIt) {
+TEST_F(Hooks, MayRecordTheObjectsThatAnObjectDestroys) {
     a().setNext(ur::make<Node>(manager, "child", &log));
     Node* const child = a().next().get();
     Node* const parent = &a();

@@ -1,4 +1,4 @@
-// Which objects exist, who keeps them and when they are deleted.
+// Tests which objects exist, what keeps them and when they are deleted.
 #include <array>
 #include <map>
 #include <optional>
@@ -105,7 +105,7 @@ TEST_F(Lifetime, AReferenceKeepsAnObjectWhoseMakingIsUndone) {
     EXPECT_EQ(others(), 0);
 }
 
-TEST_F(Lifetime, AMemberOfAListThatOwnsNothingHearsEachTimeItGoes) {
+TEST_F(Lifetime, AMemberOfAListThatOwnsNothingIsNotifiedEachTimeItGoes) {
     Log log;
     NodeReference member = make("m", &log);
     member->onHook = [&](std::string const& hook) {
@@ -119,7 +119,7 @@ TEST_F(Lifetime, AMemberOfAListThatOwnsNothingHearsEachTimeItGoes) {
     manager.undo();
     EXPECT_EQ(log.take(), "m:extant");
     EXPECT_EQ(root->list().size(), 1u);
-    // Before the second step only a variable held it: with nothing to hold it now, it leaves the list again.
+    // Before the second step only a variable held it; now nothing does, so it leaves the list again.
     manager.undo();
     EXPECT_EQ(log.take(), "m:gone");
     EXPECT_EQ(others(), 1);
@@ -266,7 +266,7 @@ TEST_F(Lifetime, ForgetsAnObjectThatItsOwnerDestroys) {
     manager.clear();
     EXPECT_EQ(manager.historyBytes(), 0U);
 
-    // A pointer into it becomes null, and what was written after that pointer stays in its place.
+    // A pointer to it becomes null, and data written after that pointer stays in place.
     struct Pointing : RefCountedObject {
         using RefCountedObject::RefCountedObject;
         Owned* owner = nullptr;
@@ -341,7 +341,7 @@ TEST_F(Lifetime, ObjectsOfTwoManagersMayReferToEachOther) {
 }
 
 TEST_F(Lifetime, KeepsTrackOfObjectsThroughAnyNumberOfThem) {
-    // Undone births must stay those of their step while the gaps between the objects are closed again and again.
+    // Undone creations must stay with their step while the gaps between objects are closed repeatedly.
     auto const makePassing = [this](int count) {
         while (count-- > 0) NodeReference const passing = make("passing");
     };

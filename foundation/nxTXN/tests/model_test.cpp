@@ -1,4 +1,4 @@
-// Random transactions over a smallBlocks graph, beside a model that remembers the whole graph at every step.
+// Compares random transactions over a small graph with a model that remembers the whole graph at every step.
 #include <deque>
 #include <random>
 
@@ -12,7 +12,7 @@ constexpr unsigned rootCount = 4;
 constexpr unsigned chainLength = 6;
 constexpr impl::Sizes smallBlocks{.smallestBlock = 64, .largestBlock = 512, .stepBlockBits = 1};
 
-/// The objects on the way from each root, with their values; objects that cannot be reached do not count.
+/// The objects reachable from each root, with their values.
 using State = std::vector<std::vector<std::pair<Node const*, double>>>;
 
 class Play {
@@ -34,7 +34,7 @@ public:
         }
     }
 
-    /// With the history gone, exactly what can be reached is left.
+    /// Without history, exactly the reachable objects are left.
     void finish() {
         while (manager_.depth() > 0) abort();
         while (manager_.canRedo()) turn(&Manager::redo, future_, past_, &Step::after);
@@ -75,7 +75,7 @@ private:
 
     template <class Change>
     void change(Change change) {
-        if (!levels_.empty()) change();  // the model knows nothing of unrecorded changes
+        if (!levels_.empty()) change();  // the model does not cover unrecorded changes
     }
     void relink(Node& from) {
         NodeReference target;
@@ -83,7 +83,7 @@ private:
         if (kind == 1) target = ur::make<Node>(manager_, "made", nullptr, ++newest_);
         if (kind == 2) target.reset(&node());
         for (Node const* way = target.get(); way; way = way->next().get()) {
-            if (way == &from) target.reset();  // circles would live as long as the manager does
+            if (way == &from) target.reset();  // cycles would live as long as the manager
         }
         from.setNext(target);
         from.setValue(++newest_);  // what is recorded does change

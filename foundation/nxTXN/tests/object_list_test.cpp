@@ -1,4 +1,4 @@
-// Lists of objects: what undo brings back, what is told, and what it costs.
+// Tests undo, signals and costs of object lists.
 #include <deque>
 #include <random>
 #include <stdexcept>
@@ -20,7 +20,7 @@ Nodes contents(ObjectList<Node> const& list) {
     return nodes;
 }
 
-/// Does what it is told, as the view of a list would.
+/// Applies the signals, as the view of a list would.
 class Mirror {
 public:
     explicit Mirror(ObjectList<Node>& list) {
@@ -42,7 +42,7 @@ private:
     urRTB::SignalClient client_;
 };
 
-/// Random changes and transactions, beside a vector for each point of time that can be returned to.
+/// Compares random changes and transactions with a vector for each state that can be restored.
 class ListPlay {
 public:
     explicit ListPlay(unsigned seed) : random_(seed) {
@@ -122,7 +122,7 @@ private:
         while (past_.size() > manager_.undoCount()) past_.pop_front();
         while (future_.size() > manager_.redoCount()) future_.pop_front();
     }
-    // Transient changes since the step come back with it.
+    // Transient changes made since the step are restored with it.
     void turn(bool (Manager::*way)(), std::deque<Step>& from, std::deque<Step>& to, Nodes Step::*result) {
         if (!(manager_.*way)()) return;
         ASSERT_FALSE(from.empty());
@@ -132,7 +132,7 @@ private:
         from.pop_back();
         check();
     }
-    // Changes belong to recorded transactions: what is changed outside would be lost by undo.
+    // Changes belong to recorded transactions: undo would lose changes made outside.
     template <class Change>
     void change(Change change) {
         if (levels_.empty()) begin();
@@ -255,7 +255,7 @@ TEST_F(ObjectListUse, KeepWhatUndoMayBringBackAndNoMore) {
     EXPECT_EQ(Node::alive, 1);
 }
 
-TEST_F(ObjectListUse, TellAfterTheStepAndWhatListenersChangeAfterThat) {
+TEST_F(ObjectListUse, SignalAfterTheStepAndListenersChangesAfterThat) {
     Mirror const before(list);
     list.insertedSignal().addCallback(client, [this](std::size_t, Node& inserted) {
         log.add("told" + std::to_string(list.size()));

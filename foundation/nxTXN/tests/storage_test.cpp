@@ -1,4 +1,4 @@
-// The memory of records and steps beside plain lists, with blocks so small that few pieces fill them.
+// Compares the memory of records and steps with plain lists, using tiny blocks.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -11,7 +11,7 @@
 namespace nxTXN::impl {
 namespace {
 
-/// A piece begins with its own size and a number.
+/// Starts with its own size and a number.
 struct Piece {
     RecordArena::Place place;
     std::uint32_t bytes;
@@ -29,7 +29,7 @@ struct ArenaPlay {
         std::byte* const memory = arena.allocate(bytes);
         std::memset(memory, static_cast<int>(piece.number), bytes);
         std::memcpy(memory, &piece.bytes, sizeof piece.bytes);
-        if (arena.at(piece.place) != memory) piece.place.block = ~0U;  // told by `check`
+        if (arena.at(piece.place) != memory) piece.place.block = ~0U;  // `check` reports it
         pieces.push_back(piece);
     }
     void truncate(std::size_t count) {

@@ -1,4 +1,4 @@
-// Regions of equal nodes, and where they come from.
+// Regions of equal nodes, and their source.
 #pragma once
 
 #include <cstddef>
@@ -12,19 +12,19 @@ namespace ur::impl {
 struct Chunk;
 class Heap;
 
-/// An aligned piece of memory holding nodes of one size; its header lies at its start.
+/// An aligned memory block of nodes of one size; its header lies at its start.
 struct Region {
     static constexpr std::size_t bytes = regionBytes;
 
     Heap* heap;
     Chunk* chunk;
-    FreeNode* free;  // what came back since the heap took the last of them
+    FreeNode* free;  // nodes freed since the heap last took all of them
     Region* previous;
     Region* next;
-    std::uint32_t untilSettled;  // how many nodes come back before the heap looks at this region
-    std::uint16_t nodes;         // as many as fit
+    std::uint32_t untilSettled;  // the number of nodes to free before the heap checks this region
+    std::uint16_t nodes;         // the number that fits
     std::uint8_t sizeClass;
-    bool listed;  // in its heap's list of regions with room
+    bool listed;  // whether it is in its heap's list of regions with room
 
     [[nodiscard]] static Region* of(void const* node) {
         return reinterpret_cast<Region*>(reinterpret_cast<std::uintptr_t>(node) & ~std::uintptr_t(bytes - 1));
@@ -33,7 +33,7 @@ struct Region {
 
 static_assert(sizeof(Region) % 16 == 0, "nodes of a multiple of 16 bytes lie on multiples of 16");
 
-/// Cuts regions from larger chunks; a chunk goes back to the system when all its regions are back. Any thread.
+/// Cuts regions from larger chunks; a chunk returns to the system when all its regions are free. Any thread.
 class RegionSource {
 public:
     /// Never destroyed: nodes may outlive every static object.
@@ -42,7 +42,7 @@ public:
     /// Memory for one region, with only its `chunk` set. Throws `std::bad_alloc`.
     [[nodiscard]] Region* take();
     void put(Region* region) noexcept;
-    /// How many chunks it holds, of which at most one is empty.
+    /// The number of chunks, of which at most one is empty.
     [[nodiscard]] std::size_t chunkCount() noexcept;
 
 private:
@@ -51,7 +51,7 @@ private:
 
     std::mutex mutex_;
     Chunk* withRoom_ = nullptr;
-    // Kept, so that a tree made and dropped in turn does not go to the system each time.
+    // Kept, so that alternately building and destroying a tree does not call the system each time.
     Chunk* empty_ = nullptr;
     std::size_t chunks_ = 0;
 };

@@ -12,10 +12,10 @@ constexpr std::size_t chunkBytes = Region::bytes * regionsPerChunk;
 constexpr auto regionAlignment = static_cast<std::align_val_t>(Region::bytes);
 constexpr std::uint32_t allFree = (1U << regionsPerChunk) - 1;
 
-/// What is asked of the system at a time.
+/// The unit of allocation from the system.
 struct Chunk {
     char* memory;
-    std::uint32_t freeRegions;  // one bit each
+    std::uint32_t freeRegions;  // one bit per region
     Chunk* previous;
     Chunk* next;
 };

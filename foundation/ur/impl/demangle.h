@@ -1,11 +1,11 @@
-// Names as they read in source.
+// Demangles names.
 #pragma once
 
 #include <string>
 
 namespace ur::impl {
 
-/// The name that the platform's linker spells `name`; `name` itself where that is unknown.
+/// The source form of the linker name `name`; `name` itself if unknown.
 [[nodiscard]] std::string demangle(char const* name);
 
 }  // namespace ur::impl

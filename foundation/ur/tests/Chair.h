@@ -1,4 +1,4 @@
-// Described types for the tests of all forms that values take.
+// Described types for tests of all value formats.
 #pragma once
 
 #include <array>

@@ -21,11 +21,11 @@ struct MapAudit {
 
     enum class Fill { least, any };
 
-    /// What is wrong; empty when all is well. With `any`, blocks may have less than the least number of entries.
+    /// The faults found, or an empty text. With `any`, blocks may have fewer than the least number of entries.
     static std::string faults(Map const& map, Fill fill = Fill::least) { return MapAudit(map, fill).check(); }
-    /// The nodes and separators from the root down: two maps with the same text react alike to everything.
+    /// The nodes and separators from the root down: maps with equal text behave alike.
     static std::string structure(Map const& map) { return MapAudit(map, Fill::any).drawn(); }
-    /// One for a map of one block.
+    /// 1 for a map of one block.
     static std::uint32_t levels(Map const& map) { return root(map) ? root(map)->level + 2 : 1; }
 
 private:
@@ -44,7 +44,7 @@ private:
             blocks_.push_back(map_.first_);
         }
         checkLinks();
-        if (faults_.empty()) checkLookUps();  // walks along what was found sound
+        if (faults_.empty()) checkLookUps();  // needs a sound structure
         return faults_;
     }
 

@@ -1,4 +1,4 @@
-// Calls on an ordered map and on the standard's, drawn one after the other, with an audit.
+// Applies random calls to an ordered map and to std::map, with audits.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@
 
 namespace ur::test {
 
-/// A key that is counted and whose copies can be made to fail. Moved-from keys differ from all others.
+/// A counted key whose copies can be made to fail. Moved-from keys differ from all others.
 struct MapKey {
     MapKey(int number) : value(number) { ++alive; }  // NOLINT(google-explicit-constructor): written as a number
     MapKey(MapKey const& other) : value(other.value) {
@@ -33,14 +33,14 @@ struct MapKey {
     friend std::ostream& operator<<(std::ostream& out, MapKey const& key) { return out << key.value; }
 
     static constexpr int movedFrom = -1000000;
-    /// How many copies succeed before one fails; negative for all.
+    /// The number of copies that succeed before one fails; negative means no limit.
     static inline int copiesLeft = -1;
     static inline long alive = 0;
 
     int value;
 };
 
-/// Plays on maps of `blockSize` entries a block and `fanOut` children a branch.
+/// Plays on maps with `blockSize` entries per block and `fanOut` children per branch.
 template <std::uint32_t blockSize, std::uint32_t fanOut>
 class MapPlay {
 public:
@@ -50,7 +50,7 @@ public:
     /// Keys lie below `keys`.
     MapPlay(std::function<unsigned()> draw, unsigned keys) : draw_(std::move(draw)), keys_(keys) {}
 
-    /// What differs after the next call; empty when nothing does. Not all of the map is looked at.
+    /// Makes the next call and returns the differences; empty when there are none. Does not check the whole map.
     std::string step() {
         int const key = below(keys_);
         int const kind = below(32);
@@ -62,7 +62,7 @@ public:
         if (kind < 30) return compare(map_.upper_bound(key), model_.upper_bound(key));
         return kind == 30 ? eraseRun(key) : replaceWhole();
     }
-    /// What is wrong with the map; empty when nothing is.
+    /// The faults of the map; empty when there are none.
     std::string audit() const {
         std::string faults = Audit::faults(map_);
         if (!faults.empty()) return faults;

@@ -1,4 +1,4 @@
-// A folder for a test to write in.
+// A temporary folder for tests.
 #pragma once
 
 #include <filesystem>
@@ -7,7 +7,7 @@
 
 namespace test {
 
-/// New and empty, and gone with all that is in it when this is.
+/// Creates a new, empty folder; the destructor removes it with its content.
 class TemporaryFolder {
 public:
     TemporaryFolder() {

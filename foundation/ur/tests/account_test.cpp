@@ -1,4 +1,4 @@
-// What an account counts, refuses and has collected.
+// Tests counting, refusal and collection.
 #include "foundation/ur/Account.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@ using ur::Account;
 using ur::BudgetSpent;
 using ur::Charge;
 
-TEST(Account, CountsWhatLivesAndRefusesWhatIsTooMuch) {
+TEST(Account, CountsLiveBytesAndRefusesTooMany) {
     auto const account = std::make_shared<Account>();
     account->changeScript(100);
     account->setBounds({.allowed = 1000});
@@ -25,13 +25,13 @@ TEST(Account, CountsWhatLivesAndRefusesWhatIsTooMuch) {
     EXPECT_EQ(second.bytes(), 500U);
     first = std::move(second);
     EXPECT_EQ(account->native(), 500U);
-    first.set(2000);  // is there already
+    first.set(2000);  // already in use
     EXPECT_FALSE(account->allows(1));
     account->setBounds({});
     EXPECT_TRUE(account->allows(Account::unlimited - 2100));
     first = {};
     EXPECT_EQ(account->used(), 100U);
-    first.add(Account::unlimited);  // on no account
+    first.add(Account::unlimited);  // without an account
 }
 
 struct Garbage final : Account::Collector {
@@ -58,7 +58,7 @@ TEST(Account, LooksForGarbageBeforeItRefuses) {
     EXPECT_EQ(garbage.collections, 1);
     EXPECT_THROW(Charge(account, 101), BudgetSpent);
     EXPECT_EQ(garbage.collections, 2);
-    // Now nearly all is in use: the next step is due at the limit.
+    // Now nearly all is in use: the next collection is due at the limit.
     EXPECT_EQ(account->bounds().collectAt, 1600U);
     EXPECT_FALSE(account->wantsCollection());
 }

@@ -1,4 +1,4 @@
-// The ordered map: its structure in every state that few keys reach, and its entries beside the standard map's.
+// Tests the ordered map: its structure in every state that few keys reach, and its entries against std::map.
 #include "foundation/ur/BlockMap.h"
 
 #include <gtest/gtest.h>
@@ -29,8 +29,8 @@ std::string faults(Map const& map) {
     return ur::impl::MapAudit<Map>::faults(map);
 }
 
-/// Every state that inserting and erasing `keys` different keys in any order leads to, found step by step. All orders
-/// of inserting and erasing them are paths through these states.
+/// Every state that inserting and erasing `keys` different keys in any order can reach. All orders are paths through
+/// these states.
 template <class Map>
 class States {
 public:
@@ -47,7 +47,7 @@ public:
     [[nodiscard]] std::uint32_t levels() const { return levels_; }
 
 private:
-    /// Inserts each key of the path, or erases it where it is there.
+    /// Inserts each key of the path, or erases it if it exists.
     void expand(std::vector<int> const& path) {
         Map map;
         for (int key : path) {
@@ -81,8 +81,8 @@ std::vector<std::vector<int>> orders() {
     std::vector<int> const down(up.rbegin(), up.rend());
     std::vector<int> inwards;                                    // from both ends
     std::vector<int> outwards;                                   // from the middle
-    std::vector<int> drifting;                                   // downwards, each few upwards
-    std::vector<int> high(up.begin() + manyKeys / 2, up.end());  // then all lower ones in no order
+    std::vector<int> drifting;                                   // downwards, with small upward steps
+    std::vector<int> high(up.begin() + manyKeys / 2, up.end());  // then all lower ones in random order
     for (int i = 0; i < manyKeys / 2; ++i) {
         inwards.insert(inwards.end(), {i, manyKeys - 1 - i});
         outwards.insert(outwards.end(), {manyKeys / 2 + i, manyKeys / 2 - 1 - i});
@@ -114,7 +114,7 @@ std::vector<Insert<Map>> waysToInsert() {
             }};
 }
 
-/// Builds a map in one order and takes it apart in another; audits it after each step.
+/// Builds a map in one order and empties it in another; audits it after each step.
 template <class Map>
 void buildAndTakeApart(std::vector<int> const& in, std::vector<int> const& out, Insert<Map> const& insert) {
     Map map;
@@ -163,7 +163,7 @@ TEST(BlockMap, FillsItsNodesWhenKeysAscend) {
     EXPECT_EQ(std::count(nodes.begin(), nodes.end(), '('), 8 + 2 + 1) << "four of five children in each but the last";
 }
 
-/// With an audit every so many steps.
+/// With an audit at regular intervals.
 template <std::uint32_t blockSize, std::uint32_t fanOut>
 void playRandomly(unsigned seed, unsigned keys, int steps, int auditEvery) {
     SCOPED_TRACE("seed " + std::to_string(seed) + ", keys " + std::to_string(keys));
@@ -187,7 +187,7 @@ TEST(BlockMap, DoesWhatTheStandardMapDoes) {
     playRandomly<64, 64>(seed, 30000, 1000000, 49999);
 }
 
-// At the sizes that programs have.
+// At realistic sizes.
 TEST(BlockMap, FindsEveryOneOfManyEntries) {
     constexpr int many = 200000;
     using Map = ur::map<int, int>;
@@ -258,7 +258,7 @@ TEST(BlockMap, MovesWhatCannotBeCopied) {
     EXPECT_EQ(sizeof moved, sizeof(void*));
 }
 
-TEST(BlockMap, LetsWhatIsErasedComeBackToIt) {
+TEST(BlockMap, LetsDestructorsOfErasedEntriesUseTheMap) {
     ur::map<int, std::shared_ptr<void>> map;
     map[1] = std::shared_ptr<void>(&map, [&map](void*) {
         map.erase(2);

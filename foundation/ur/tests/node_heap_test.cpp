@@ -1,4 +1,4 @@
-// The node storage: reuse, order, memory given back across threads.
+// Tests the node storage: reuse, order, freeing across threads.
 #include <gtest/gtest.h>
 
 #if defined(__linux__)
@@ -103,7 +103,7 @@ TEST(NodeHeap, NodesMadeOnOneThreadAndDroppedOnAnotherDoNotAddUp) {
         nodes = take(count, 48);
         std::thread([&nodes] { giveBack(nodes, 48); }).join();
     }
-    // One round holds 4.8 MB; thirty rounds that added up would hold more than 250 MB.
+    // One round holds 4.8 MB; thirty rounds without reuse would hold more than 250 MB.
     EXPECT_LT(residentKiB() - before, 64 * 1024);
 }
 
@@ -198,7 +198,7 @@ TEST(NodeHeap, FillsTheGapsOfItsRegionsBeforeItTakesMore) {
     giveBack(nodes, 40);
     giveBack(kept, 40);
     EXPECT_LE(RegionSource::instance().chunkCount(), before + 1);
-    // Threads that end at one time leave a heap each, for those that come after them.
+    // Threads that end at the same time each leave a heap for later threads.
     for (int round = 0; round < 40; ++round) {
         std::latch both(2);
         auto const work = [&both] {

@@ -1,4 +1,4 @@
-// Counted references, class identities, the ordered map and the hash.
+// Tests counted references, class identities, the ordered map and the hash.
 #include <gtest/gtest.h>
 
 #include <cstdlib>

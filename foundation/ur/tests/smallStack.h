@@ -1,4 +1,4 @@
-// Running work on a stack as small as the smallest that the library must do with.
+// Runs work on the smallest stack that the library supports.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,10 +9,10 @@
 
 namespace test {
 
-/// What the library must do with; walks that keep their own stacks do with it under the sanitizers, too.
+/// The smallest supported stack; walks that keep their own stacks fit into it even under the sanitizers.
 inline constexpr std::size_t leastStack = 512 * 1024;
 
-/// More than such a stack has room for, at any size of a frame.
+/// Deeper than such a stack allows, at any frame size.
 inline constexpr int manyLevels = 100000;
 
 // Under AddressSanitizer every frame is several times as large.
@@ -22,7 +22,7 @@ inline constexpr std::size_t smallStack = 2048 * 1024;
 inline constexpr std::size_t smallStack = leastStack;
 #endif
 
-// ThreadSanitizer keeps its state of a thread, 785 KiB with g++ 12, on that thread's stack.
+// ThreadSanitizer keeps its per-thread state, 785 KiB with g++ 12, on that thread's stack.
 #if defined(__SANITIZE_THREAD__)
 inline constexpr std::size_t takenStack = 800 * 1024;
 #else

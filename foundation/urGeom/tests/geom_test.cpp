@@ -1,4 +1,4 @@
-// Boxes, and a tetrahedron seen as a compact mesh, by its adjacency and as connected elements.
+// Tests boxes, and a tetrahedron as a compact mesh, as adjacency and as connected elements.
 #include <cmath>
 #include <set>
 
@@ -12,7 +12,7 @@ namespace {
 
 using urLinear::Point;
 
-/// Edges of length 1 along the axes from the origin, and the face across them.
+/// Edges of length 1 along the axes from the origin, and the face between their ends.
 ur::Reference<CompactMesh> tetrahedron() {
     auto mesh = ur::make<CompactMesh>();
     for (Point const& p : {Point(), Point(1, 0, 0), Point(0, 1, 0), Point(0, 0, 1)}) mesh->addVertex(p);

@@ -1,4 +1,4 @@
-// Images in every format.
+// Tests images in every format.
 #include "foundation/urImage/Image.h"
 #include "foundation/ur/Reference.h"
 

@@ -1,4 +1,4 @@
-// Matrices and quaternions: the conventions by example, the arithmetic against Eigen.
+// Tests matrices and quaternions: conventions by example, arithmetic against Eigen.
 #include <gtest/gtest.h>
 
 #include <numbers>
@@ -23,7 +23,7 @@ TEST(AffineMatrix, KeepsTheConventions) {
     EXPECT_EQ(Point() * product, Point(4, 0, 0)) << "a.preMult(b) is b, then a";
 }
 
-TEST(AffineMatrix, MutatorsComposeAfterWhatIsThere) {
+TEST(AffineMatrix, MutatorsComposeAfterTheExistingTransform) {
     Draw draw(1);
     for (int i = 0; i < 100; ++i) {
         AffineMatrix const start = draw.matrix();
@@ -60,7 +60,7 @@ TEST(AffineMatrix, InverseUndoesItHoweverUnequalTheAxes) {
     }
 }
 
-TEST(AffineMatrix, SingularOnesSayThatTheyHaveNoInverse) {
+TEST(AffineMatrix, SingularOnesReportNoInverse) {
     Draw draw(3);
     AffineMatrix const singular[] = {
         AffineMatrix(0),

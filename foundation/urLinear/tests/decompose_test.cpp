@@ -1,4 +1,4 @@
-// The decomposition: what it finds in plain transforms, and that any matrix can be made again from it.
+// Tests the steps found in plain transforms, and that any matrix can be rebuilt.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -21,7 +21,7 @@ Parts decompose(AffineMatrix const& matrix) {
     return parts;
 }
 
-/// Decomposes and checks that the parts are finite and make the matrix again, up to rounding of its size.
+/// Decomposes and checks that the parts are finite and rebuild the matrix, up to rounding of its size.
 Parts decomposeAndRebuild(AffineMatrix const& matrix) {
     Parts const parts = decompose(matrix);
     AffineMatrix const rebuilt = studioCompose(parts.translation, parts.scale, parts.rotation, parts.shear);
@@ -53,7 +53,7 @@ TEST(StudioDecompose, FindsTheStepsOfPlainTransforms) {
     EXPECT_EQ(Point(0, 1, 0) * studioCompose({}, {1, 2, 1}, {}, {5, 0, 0}), Point(5, 2, 0)) << "y moves along x";
 }
 
-TEST(StudioDecompose, AnyMatrixCanBeMadeAgain) {
+TEST(StudioDecompose, AnyMatrixCanBeRebuilt) {
     Draw draw(9);
     for (int i = 0; i < 3000; ++i) {
         AffineMatrix matrix = draw.matrix();
@@ -69,7 +69,7 @@ TEST(StudioDecompose, AnyMatrixCanBeMadeAgain) {
     }
 }
 
-TEST(StudioDecompose, WhatIsNotFiniteCountsAsZero) {
+TEST(StudioDecompose, NonFiniteCoefficientsCountAsZero) {
     AffineMatrix matrix = AffineMatrix().translate({HUGE_VAL, 2, 3});
     matrix.coefficient(0) = std::nan("");
     Parts const parts = decompose(matrix);

@@ -1,4 +1,4 @@
-// Random values, and the same values as Eigen knows them.
+// Random values, and their Eigen counterparts.
 #pragma once
 
 #include <Eigen/Geometry>

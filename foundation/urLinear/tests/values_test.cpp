@@ -1,4 +1,4 @@
-// Vectors, normals, lines, planes and ranges.
+// Tests vectors, normals, lines, planes and ranges.
 #include <gtest/gtest.h>
 
 #include <limits>

@@ -1,4 +1,4 @@
-// Opening files as the system numbers them.
+// Opens file descriptors.
 #pragma once
 
 #include <fcntl.h>
@@ -17,14 +17,14 @@
 
 namespace urOS::impl {
 
-/// What is wrong with the name of a file. The system would take what stands before a NUL: another file.
+/// The fault of a file name, if any. The system would use only the part before a NUL: another file.
 inline urUtil::Error faultOfName(std::string_view name) {
     if (name.empty()) return urUtil::Error::fromSystem(ENOENT, "a file without a name");
     std::size_t const end = name.find('\0');
     return end == std::string_view::npos ? urUtil::Error() : urUtil::Error::fromSystem(EINVAL, name.substr(0, end));
 }
 
-/// A descriptor through which bytes go unchanged and which no child process gets; -1, and `errno`, if there is none.
+/// A binary-mode descriptor that no child process inherits; -1, with `errno` set, on failure.
 inline int openDescriptor(std::filesystem::path const& path, int flags, int permissions) {
 #if defined(_WIN32)
     return ::_wopen(path.c_str(), flags | _O_BINARY | _O_NOINHERIT, permissions);
@@ -33,7 +33,7 @@ inline int openDescriptor(std::filesystem::path const& path, int flags, int perm
 #endif
 }
 
-/// Not 0, and `errno`, if what was written through the descriptor may not be on the disk.
+/// Not 0, with `errno` set, if the written data may not be on the disk.
 inline int flushToDisk(int descriptor) {
 #if defined(_WIN32)
     return ::_commit(descriptor);
@@ -42,7 +42,7 @@ inline int flushToDisk(int descriptor) {
 #endif
 }
 
-/// Makes bytes go unchanged through a descriptor that somebody else opened.
+/// Switches a descriptor opened elsewhere to binary mode.
 inline void carryBytes([[maybe_unused]] int descriptor) {
 #if defined(_WIN32)
     ::_setmode(descriptor, _O_BINARY);

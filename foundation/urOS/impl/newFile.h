@@ -1,4 +1,4 @@
-// New files that are to take the place of others; one source file per family of systems.
+// New files that replace others; one source file per family of systems.
 #pragma once
 
 #include <cstdint>
@@ -8,29 +8,29 @@
 
 namespace urOS::impl {
 
-// Those that can fail leave the reason in `errno`.
+// On failure these set `errno`.
 
 [[nodiscard]] bool mayWrite(std::filesystem::path const& file);
 
-/// Opens a new file for writing and reading. It has `name`, or no name yet: then nothing is left of it when the process
-/// dies. A descriptor; negative if there is none.
+/// Opens a new file for reading and writing. It has `name`, or no name yet: then it disappears if the process dies.
+/// Returns a descriptor; negative on failure.
 [[nodiscard]] int openNew(std::filesystem::path const& name, int permissions, bool& isNamed);
-/// Gives a file without a name its first one.
+/// Gives a nameless file its name.
 [[nodiscard]] bool giveName(int descriptor, std::filesystem::path const& name);
-/// Opens a new file in the folder for temporary files, which is gone when it is closed.
+/// Opens a new file in the folder for temporary files; closing deletes it.
 [[nodiscard]] int openScratch();
-/// Opens an existing file for writing. Fails for links, and waits for nothing.
+/// Opens an existing file for writing. Fails for links and never waits.
 [[nodiscard]] int openRegular(std::filesystem::path const& file);
 
-/// Makes a new file like the one that it is to replace: owner, permissions, extended attributes. False when something
-/// of that cannot be had, or when the former file has other names, which would go on naming it.
+/// Gives a new file the owner, permissions and extended attributes of the file to replace. False when that is not
+/// possible, or when the former file has other names, which would keep naming it.
 [[nodiscard]] bool resemble(int descriptor, std::filesystem::path const& former);
 
-/// Makes sure that the disk has room for a file of that size, as far as the system can tell.
+/// Reserves disk space for a file of that size, as far as the system supports it.
 [[nodiscard]] bool reserve(int descriptor, std::uint64_t bytes);
 [[nodiscard]] bool resize(int descriptor, std::uint64_t bytes);
 
-/// Flushes the names in a folder to the disk. Success where the system gives no way to.
+/// Flushes the names in a folder to the disk. Succeeds where the system has no such operation.
 urUtil::Error syncFolder(std::filesystem::path const& folder);
 
 }  // namespace urOS::impl

@@ -1,4 +1,4 @@
-// New files where files have owners and, on Linux, may lack a name.
+// New files on systems where files have owners and, on Linux, may be nameless.
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -21,7 +21,7 @@ using urUtil::Error;
 
 constexpr mode_t permissionBits = 07777;
 
-/// Negative where the file system has no files without a name, or none that could be named later.
+/// Negative where the file system has no nameless files, or none that can be named later.
 int openNameless([[maybe_unused]] fs::path const& folder, [[maybe_unused]] int permissions) {
 #ifdef O_TMPFILE
     if (::faccessat(AT_FDCWD, "/proc/self/fd", X_OK, AT_EACCESS) != 0) return -1;
@@ -33,7 +33,7 @@ int openNameless([[maybe_unused]] fs::path const& folder, [[maybe_unused]] int p
 
 #if defined(__linux__)
 
-/// What a call that is first asked for the size gives; empty where files have no attributes.
+/// The result of a call that first returns the size; empty where files have no attributes.
 template <class Get>
 std::string textFrom(Get get) {
     std::string text;
@@ -53,12 +53,12 @@ bool copyAttributes(fs::path const& from, int to) {
         char const* const name = names.c_str() + at;
         std::string const value =
             textFrom([&](char* text, std::size_t size) { return ::getxattr(from.c_str(), name, text, size); });
-        // A label that the system gave already may be one that the process must not set.
+        // The system may already have set a label that the process must not set.
         bool const isThere =
             value == textFrom([&](char* text, std::size_t size) { return ::fgetxattr(to, name, text, size); });
         if (!isThere && ::fsetxattr(to, name, value.data(), value.size(), 0) != 0) return false;
     }
-    // The folder may have given the new file one that the former does not have.
+    // The folder may have given the new file an attribute that the former does not have.
     return ::flistxattr(to, nullptr, 0) <= static_cast<ssize_t>(names.size());
 }
 
@@ -110,7 +110,7 @@ bool resemble(int descriptor, fs::path const& former) {
     if (old.st_nlink > 1) return false;
     bool const sameOwner = old.st_uid == now.st_uid && old.st_gid == now.st_gid;
     if (!sameOwner && ::fchown(descriptor, old.st_uid, old.st_gid) != 0) return false;
-    // The permissions last: they may be part of an access list.
+    // Permissions come last: they may be part of an access list.
     return copyAttributes(former, descriptor) && ::fchmod(descriptor, old.st_mode & permissionBits) == 0;
 }
 
@@ -127,7 +127,7 @@ bool resize(int descriptor, std::uint64_t bytes) { return ::ftruncate(descriptor
 
 Error syncFolder(fs::path const& folder) {
     int const descriptor = openDescriptor(folder.empty() ? "." : folder, O_RDONLY | O_DIRECTORY, 0);
-    if (descriptor < 0) return {};  // it may be written, but not read
+    if (descriptor < 0) return {};  // writable but not readable
     int const flushed = flushToDisk(descriptor);
     Error error =
         flushed == 0 || errno == EINVAL ? Error() : Error::fromSystem(errno, folder.string() + ": flush to disk");

@@ -1,4 +1,4 @@
-// New files where access comes from the folder that they lie in.
+// New files on systems where access rights come from the folder.
 #include <sys/stat.h>
 #include <unistd.h>
 

@@ -5,7 +5,7 @@
 
 namespace urOS::impl {
 
-/// In bytes; 0 where the system does not tell.
+/// In bytes; 0 if the system does not report it.
 std::uint64_t residentBytes() noexcept;
 
 }  // namespace urOS::impl

@@ -12,7 +12,7 @@ namespace urOS::impl {
 std::uint64_t residentBytes() noexcept {
     int const file = ::open("/proc/self/statm", O_RDONLY | O_CLOEXEC);
     if (file < 0) return 0;
-    // Numbers of pages: the address space, then what of it is resident, then more.
+    // Numbers of pages: the address space, the resident part, then more.
     std::array<char, 128> text{};
     ssize_t const size = ::read(file, text.data(), text.size() - 1);
     ::close(file);

@@ -1,4 +1,4 @@
-// The application output, caught for as long as a test needs it.
+// Captures the application output for a test.
 #pragma once
 
 #include <string>
@@ -8,7 +8,7 @@
 
 namespace urOS {
 
-/// Keeps what is printed on the application output while it lives.
+/// Captures the text printed on the application output while it lives.
 class CapturedOutput {
 public:
     CapturedOutput() {

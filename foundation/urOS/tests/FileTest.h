@@ -1,4 +1,4 @@
-// A folder for each test of files.
+// A fixture with a folder for each file test.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ namespace urOS {
 
 namespace fs = std::filesystem;
 
-/// Each test in a folder of its own.
+/// Each test has its own folder.
 class Files : public testing::Test {
 protected:
     [[nodiscard]] std::string path(char const* name = ".") const { return (folder_ / name).string(); }

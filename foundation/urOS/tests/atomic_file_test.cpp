@@ -1,4 +1,4 @@
-// Replacing files as a whole.
+// Tests replacing files as a whole.
 #include "foundation/urOS/AtomicFile.h"
 #include "foundation/urOS/tests/FileTest.h"
 
@@ -13,7 +13,7 @@
 
 namespace {
 
-/// The system calls that a commit makes, in order, and the one that is to fail.
+/// The system calls of a commit, in order, and the one that must fail.
 struct Calls {
     std::string log;
     std::string failing;
@@ -21,7 +21,7 @@ struct Calls {
 };
 Calls calls;
 
-/// Notes the call and passes it on, or lets it fail.
+/// Records the call and passes it on, or makes it fail.
 template <class Function, class... Arguments>
 int noted(std::string const& what, char const* name, Function* /*like*/, Arguments... arguments) {
     calls.log += what + ", ";
@@ -35,7 +35,7 @@ int noted(std::string const& what, char const* name, Function* /*like*/, Argumen
 
 }  // namespace
 
-// These stand before the C library's in this program.
+// These override the C library's functions in this program.
 extern "C" int fsync(int file) {
     struct stat facts = {};
     fstat(file, &facts);
@@ -105,14 +105,14 @@ TEST_F(AtomicFiles, ThatAreNotCommittedOrFailLeaveTheOldFileAndNothingElse) {
 
 #if defined(__linux__)
 
-/// What a file is besides its content.
+/// The properties of a file except its content.
 struct Facts {
     explicit Facts(std::string const& path) { EXPECT_EQ(stat(path.c_str(), &facts), 0); }
     [[nodiscard]] bool sameFile(Facts const& other) const { return facts.st_ino == other.facts.st_ino; }
     struct stat facts = {};
 };
 
-/// Nobody's rights for as long as it lives, where the test has all rights.
+/// Drops the process's privileges while it lives, if the test runs with all rights.
 class Unprivileged {
 public:
     Unprivileged() { EXPECT_TRUE(!wasRoot_ || seteuid(nobody) == 0); }
@@ -125,7 +125,7 @@ private:
     bool const wasRoot_ = geteuid() == 0;
 };
 
-TEST_F(AtomicFiles, AreOnTheDiskBeforeTheyTakeTheNameAndTheirNameAfterwards) {
+TEST_F(AtomicFiles, AreOnTheDiskBeforeTheRenameAndTheirNameAfterwards) {
     calls = {};
     EXPECT_TRUE(save("new").ok());
     EXPECT_EQ(calls.log, "sync file, rename, sync folder, ");
@@ -146,7 +146,7 @@ TEST_F(AtomicFiles, AreOnTheDiskBeforeTheyTakeTheNameAndTheirNameAfterwards) {
     calls = {};
 }
 
-TEST_F(AtomicFiles, ArePutIntoTheOldOneWhereItHasMoreThanItsContentToLose) {
+TEST_F(AtomicFiles, OverwriteTheOldOneWhereItHasMoreThanItsContentToLose) {
     bool const isRoot = geteuid() == 0;
     struct Case {
         char const* what;
@@ -197,7 +197,7 @@ TEST_F(AtomicFiles, ArePutIntoTheOldOneWhereItHasMoreThanItsContentToLose) {
     fs::permissions(path(), static_cast<fs::perms>(0777));
 }
 
-TEST_F(AtomicFiles, ThatAreToBePutIntoTheOldOneLeaveItUntilTheyFit) {
+TEST_F(AtomicFiles, OverwriteTheOldOneOnlyWhenTheyFit) {
     ::test::TemporaryFolder const scratch;
     setenv("TMPDIR", scratch.path().c_str(), 1);
     fs::create_hard_link(target(), path("again"));

@@ -1,4 +1,4 @@
-// Files as streams.
+// Tests files as streams.
 #include "foundation/urOS/File.h"
 #include "foundation/urOS/AtomicFile.h"
 #include "foundation/urOS/OStream.h"
@@ -8,7 +8,7 @@ namespace urOS {
 namespace {
 
 TEST_F(Files, WriteFromTheStartReadSeekAndAppend) {
-    constexpr bool namesAreBytes = sizeof(fs::path::value_type) == 1;  // then one that is no UTF-8 is a name, too
+    constexpr bool namesAreBytes = sizeof(fs::path::value_type) == 1;  // then a name need not be UTF-8
     std::string const name = path(namesAreBytes ? "caf\xC3\xA9 \xFF" : "caf\xC3\xA9");
     put(name, "something longer that has to go");
     File file;
@@ -30,7 +30,7 @@ TEST_F(Files, WriteFromTheStartReadSeekAndAppend) {
     EXPECT_TRUE(file.write("x", 1).isError());
 }
 
-TEST_F(Files, WhatCannotBeOpenedSaysWhy) {
+TEST_F(Files, OpeningReportsTheReasonOfAFailure) {
     File file;
     urUtil::Error const error = file.open(wide(path("none/none")), openRead);
     EXPECT_EQ(error.code(), ENOENT);
@@ -46,8 +46,8 @@ TEST_F(Files, WhatCannotBeOpenedSaysWhy) {
     EXPECT_EQ(textOf(path("other")), "kept");
 }
 
-TEST_F(Files, KnowTheirPlaceAndCloseOnlyWhatIsTheirs) {
-    std::string const text(40000, 'x');  // more than is read at once
+TEST_F(Files, KnowTheirPlaceAndCloseOnlyTheirOwnDescriptors) {
+    std::string const text(40000, 'x');  // more than one read takes
     put(path("long"), text);
     File file;
     ASSERT_TRUE(file.open(wide(path("long")), openRead | openWrite).ok());

@@ -1,4 +1,4 @@
-// Memory streams, names, identifiers, watches and the outputs for messages.
+// Tests memory streams, file names, identifiers, stopwatches and message outputs.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -130,7 +130,7 @@ TEST(StopWatch, AddsUpOnlyWhileItRuns) {
     EXPECT_EQ(watch.elapsed(), 0.0);
 }
 
-TEST(SysInfo, ResidentMemoryGrowsWithWhatIsTouched) {
+TEST(SysInfo, ResidentMemoryGrowsWithTouchedMemory) {
     std::uint64_t const before = sysInfo().processResidentMemory();
     std::vector<char> touched(64U << 20, 'x');
     std::uint64_t const after = sysInfo().processResidentMemory();

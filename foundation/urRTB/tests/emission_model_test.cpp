@@ -1,4 +1,4 @@
-// Random callbacks that connect, disconnect, block, emit again and throw, against plain bookkeeping.
+// Compares random callbacks that connect, disconnect, block, emit again and throw with a plain model.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -16,7 +16,7 @@ public:
     int run() {
         for (int step = 0; step < 60; ++step) {
             act(), emit();
-            // Nothing stays locked: exactly the callbacks still connected hold what they captured.
+            // Nothing stays locked: exactly the connected callbacks still hold their captures.
             auto const isConnected = [](Entry const& entry) { return entry.connected; };
             EXPECT_EQ(token_.use_count() - 1, std::count_if(entries_.begin(), entries_.end(), isConnected));
             EXPECT_EQ(signal_.connectionCount() + 1, static_cast<std::size_t>(token_.use_count()));
@@ -93,13 +93,13 @@ private:
     urRTB::Signal<> signal_;
 };
 
-TEST(Emission, CallsWhoeverIsConnectedAndUnblockedWhenItsTurnComes) {
+TEST(Emission, CallsEveryConnectedAndUnblockedCallbackInTurn) {
     int calls = 0;
     for (unsigned seed = 1; seed <= 2000 && !HasFailure(); ++seed) {
         SCOPED_TRACE(seed);
         calls += Play(seed).run();
     }
-    EXPECT_GT(calls, 200'000);  // no idle play
+    EXPECT_GT(calls, 200'000);  // the play was not idle
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Forms of callbacks, what owns what, and who may go when.
+// Tests forms of callbacks, ownership, and destruction during emissions.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -25,7 +25,7 @@ struct Tripler {
 struct Doubler final : urRTB::FunctionArg<int> {
     explicit Doubler(std::shared_ptr<int> held = nullptr) : held_(std::move(held)) {}
     void call(int number) override { note(2 * number); }
-    std::shared_ptr<int> held_;  // until no handle names the connection any more
+    std::shared_ptr<int> held_;  // as long as a handle names the connection
 };
 static_assert(sizeof(Signal<int>) == sizeof(void*));
 
@@ -37,7 +37,7 @@ protected:
     std::shared_ptr<int> const token = std::make_shared<int>();  // captured to see how long captures live
 };
 
-TEST_F(SignalTest, TakesEveryFormOfCallbackAndTellsWhatEachCalls) {
+TEST_F(SignalTest, TakesEveryFormOfCallbackAndDescribesEach) {
     Signal<int> one;
     SignalClient client;
     Tripler tripler;
@@ -67,7 +67,7 @@ TEST_F(SignalTest, TakesEveryFormOfCallbackAndTellsWhatEachCalls) {
     EXPECT_EQ(Connection().describe(), "");
 }
 
-TEST_F(SignalTest, HandlesOutliveTheSignalButNotWhatTheCallbackCaptured) {
+TEST_F(SignalTest, HandlesOutliveTheSignalButNotTheCallbacksCaptures) {
     auto signal = std::make_unique<Signal<>>();
     Connection const first = signal->addCallback([token = token] {});
     Connection const second = signal->addCallback([token = token] {});
@@ -102,7 +102,7 @@ TEST_F(SignalTest, ScopedOwnersEndWhatTheyOwnAndCopiedSignalsOwnNothing) {
     EXPECT_TRUE(ScopedConnection(signal.addCallback(note)).release().connected());
 }
 
-TEST_F(SignalTest, AClientEndsItsConnectionsAndForgetsThoseOfSignalsThatWent) {
+TEST_F(SignalTest, AClientEndsItsConnectionsAndForgetsThoseOfDestroyedSignals) {
     Signal<int> lasting;
     {
         SignalClient client;
@@ -114,7 +114,7 @@ TEST_F(SignalTest, AClientEndsItsConnectionsAndForgetsThoseOfSignalsThatWent) {
     EXPECT_FALSE(lasting.hasConnections());
 }
 
-TEST_F(SignalTest, TheEndOfAConnectionMayDestroyTheSignalAndTheClientInTheMidstOfAnEmission) {
+TEST_F(SignalTest, TheEndOfAConnectionMayDestroyTheSignalAndTheClientDuringAnEmission) {
     struct Node {
         explicit Node(std::shared_ptr<int> held) : token(std::move(held)) {}
         std::shared_ptr<int> token;
@@ -131,7 +131,7 @@ TEST_F(SignalTest, TheEndOfAConnectionMayDestroyTheSignalAndTheClientInTheMidstO
     Node* const node = ownedByItsCallbacks();
     node->signal.addCallback(node->client, [&, node, token = token] {
         node->client.disconnectAll();
-        EXPECT_EQ(held(), 1);  // what runs keeps what it captured
+        EXPECT_EQ(held(), 1);  // a running callback keeps its captures
     });
     node->signal.addCallback([] { log += "never"; });
     node->signal.emit();
@@ -162,7 +162,7 @@ TEST_F(SignalTest, DisconnectingInAnyOrderNeverSearches) {
     for (auto& connection : connections) connection = signal.addCallback(note);
     std::shuffle(connections.begin(), connections.end(), std::mt19937(5));
     for (auto const& connection : connections) connection.disconnect();
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));  // searching takes minutes
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));  // a search would take minutes
 }
 
 }  // namespace

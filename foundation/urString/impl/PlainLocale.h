@@ -1,4 +1,4 @@
-// The "C" locale for one thread.
+// Sets the "C" locale for one thread.
 #pragma once
 
 #include <clocale>
@@ -11,7 +11,7 @@
 
 namespace urString::impl {
 
-/// The calling thread formats and parses in the "C" locale while this lives; no other thread notices.
+/// While this lives, the calling thread formats and parses in the "C" locale; other threads are not affected.
 class PlainLocale {
 public:
     PlainLocale(PlainLocale const&) = delete;

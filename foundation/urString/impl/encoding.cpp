@@ -1,4 +1,4 @@
-// UTF-8 in both directions, strict about what is well-formed and unable to fail.
+// Strict UTF-8 decoding and encoding that never fails.
 #include "foundation/urString/impl/encoding.h"
 
 #include <utf8.h>
@@ -9,8 +9,8 @@ namespace urString::impl {
 
 namespace {
 
-/// What may follow a lead byte: how many bytes, and the bounds of the first of them, which keep out overlong
-/// forms, surrogates and numbers beyond U+10FFFF (table 3-7 of the Unicode standard).
+/// The valid bytes after a lead byte: their number, and the bounds of the first, which exclude overlong forms,
+/// surrogates and numbers beyond U+10FFFF (table 3-7 of the Unicode standard).
 struct Continuation {
     std::size_t count = 0;
     unsigned char low = 0x80;
@@ -28,7 +28,7 @@ Continuation continuationOf(unsigned char lead) noexcept {
     return {3};
 }
 
-/// The length of the ill-formed piece at the start of `bytes`: as much as could have begun a character (Unicode's
+/// The length of the ill-formed piece at the start of `bytes`: the longest possible start of a character (Unicode's
 /// "maximal subpart"), at least one byte. Requires: no well-formed character starts here.
 std::size_t illFormedLength(std::string_view bytes) noexcept {
     auto [count, low, high] = continuationOf(static_cast<unsigned char>(bytes[0]));
@@ -54,7 +54,7 @@ bool isByte(char32_t character, Encoding encoding) noexcept {
     return character < 0x80 || (encoding == Encoding::multibyte && isEscape(character));
 }
 
-/// UTF-8 has no form of an escape.
+/// UTF-8 cannot encode an escape.
 char32_t encodable(char32_t character) noexcept { return isEscape(character) ? replacementCharacter : character; }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Bytes to characters and back, for every encoding that IString knows.
+// Converts bytes to characters and back, for every encoding of IString.
 #pragma once
 
 #include <cstddef>
@@ -12,11 +12,11 @@ namespace urString::impl {
 
 constexpr char32_t replacementCharacter = 0xfffd;
 
-/// The character for a byte that belongs to no character; on the way back it is this byte again.
+/// The character for a byte that belongs to no character; encoding turns it back into the byte.
 [[nodiscard]] constexpr char32_t escapeOf(unsigned char byte) { return 0xdc00 + char32_t(byte); }
 [[nodiscard]] constexpr bool isEscape(char32_t character) { return 0xdc80 <= character && character <= 0xdcff; }
 
-/// The character itself where an IString may hold it, otherwise the replacement character.
+/// The character itself if an IString may contain it, otherwise the replacement character.
 [[nodiscard]] constexpr char32_t held(char32_t character) {
     bool const surrogate = 0xd800 <= character && character <= 0xdfff;
     return character > 0x10ffff || (surrogate && !isEscape(character)) ? replacementCharacter : character;

@@ -1,4 +1,4 @@
-// A locale whose decimal mark is a comma, for tests of what must not depend on the locale.
+// A locale with a decimal comma, for tests of locale independence.
 #pragma once
 
 #include <clocale>
@@ -9,8 +9,8 @@
 
 namespace test {
 
-/// While it lives, the process is in a locale with a decimal comma, compiled for the occasion; `active` is false
-/// where the system has no means to compile one (on Debian: the package locales).
+/// While it lives, the process uses a locale with a decimal comma, compiled for the test; `active` is false if the
+/// system cannot compile one (on Debian: the package locales).
 class CommaLocale {
 public:
     CommaLocale() : former_(std::setlocale(LC_ALL, nullptr)) {

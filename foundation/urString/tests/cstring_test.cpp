@@ -1,4 +1,4 @@
-// CString: against std::string under random edits, its order, its limits, and printf-style formatting.
+// Tests CString: random edits against std::string, order, limits, and printf-style formatting.
 #include "foundation/urString/CString.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ using urString::CString;
 
 namespace {
 
-/// The same text in a block, however short it is.
+/// The same text in a heap block, even if it is short.
 CString onHeap(std::string_view text) {
     CString result;
     result.reserve(40);
@@ -26,7 +26,7 @@ CString onHeap(std::string_view text) {
     return result;
 }
 
-/// Two texts under the same random edits: the real one, and the standard's as the model.
+/// Applies the same random edits to a CString and to a std::string as the model.
 class Pair {
 public:
     explicit Pair(unsigned seed) : random_(seed) {}
@@ -130,12 +130,12 @@ TEST(CString, OrdersAndEqualsByBytesHoweverItIsStored) {
     }
 }
 
-TEST(CString, IsTheSameHoweverMuchCanBeReadBehindIt) {
+TEST(CString, IsTheSameHoweverMuchCanBeReadAfterIt) {
     std::string const bytes("text\0and what\xff follows it", 25);
     for (std::size_t size = 0; size <= 20; ++size) {
         std::string_view const text(bytes.data(), size);
         for (std::size_t readable = size; readable <= 24; ++readable) {
-            // In a block of its own size, so that reading beyond it is seen.
+            // In a block of exactly its size, so that a read beyond it is detected.
             std::vector<char> const block(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(readable));
             CString const copy = CString::ofReadable({block.data(), size}, readable);
             ASSERT_EQ(copy.view(), text);
@@ -159,7 +159,7 @@ TEST(CString, KeepsEveryByteAndGivesItsTextAwayWhenMoved) {
         CString source(bytes);
         CString target = std::move(source);
         EXPECT_EQ(target, bytes);
-        EXPECT_TRUE(source.empty());  // NOLINT(bugprone-use-after-move): that is the promise
+        EXPECT_TRUE(source.empty());  // NOLINT(bugprone-use-after-move): a moved-from text is empty
         target = std::as_const(target);
         EXPECT_EQ(target, bytes);
     }
@@ -168,7 +168,7 @@ TEST(CString, KeepsEveryByteAndGivesItsTextAwayWhenMoved) {
 
 [[gnu::noinline]] CString rootAtLength() { return "/./././././././././././"; }
 
-TEST(CString, IsMeasuredWholeByWhoeverTakesItsBytes) {
+TEST(CString, ReportsItsWholeSizeToUsersOfItsBytes) {
     CString const text = rootAtLength();
     EXPECT_TRUE(std::filesystem::is_directory(text.c_str()));
 }

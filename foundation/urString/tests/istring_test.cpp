@@ -1,4 +1,4 @@
-// IString: what bytes become, what comes back, and its edits.
+// Tests IString: decoding, encoding and edits.
 #include "foundation/urString/IString.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ using urString::IString;
 namespace {
 
 using namespace std::string_view_literals;
-using Case = std::pair<std::string_view, std::u32string_view>;  // bytes, and the characters that they are
+using Case = std::pair<std::string_view, std::u32string_view>;  // bytes, and their characters
 
 TEST(IString, ReadsWellFormedUtf8AsWhatItSays) {
     Case const cases[] = {
@@ -44,7 +44,7 @@ TEST(IString, ReplacesEachIllFormedPieceOnceAndReportsIt) {
         {"\xff\xfe", U"\ufffd\ufffd"},
         {"a\xc3", U"a\ufffd"},
         {"\xc3(", U"\ufffd("},
-        {"\xc0\xaf", U"\ufffd\ufffd"},                      // overlong: 0xc0 begins nothing
+        {"\xc0\xaf", U"\ufffd\ufffd"},                      // overlong: 0xc0 starts no character
         {"\xe0\x9f\xbf", U"\ufffd\ufffd\ufffd"},            // overlong
         {"\xe2\x82", U"\ufffd"},                            // cut short: one piece
         {"\xe2\x82z", U"\ufffdz"},                          //

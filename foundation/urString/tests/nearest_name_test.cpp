@@ -1,4 +1,4 @@
-// Guessing what a misspelt name was to be.
+// Tests suggestions for misspelt names.
 #include <gtest/gtest.h>
 
 #include "foundation/urString/NearestName.h"

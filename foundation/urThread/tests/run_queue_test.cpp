@@ -1,4 +1,4 @@
-// The run queue: what runs, when, and what is dropped.
+// Tests which runnables run, when, and which are dropped.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -25,7 +25,7 @@ protected:
     std::unique_ptr<RunQueue> queue = std::make_unique<RunQueue>();
 };
 
-TEST_F(RunQueueTest, RunsWhatWasQueuedWhenTheServiceBegan) {
+TEST_F(RunQueueTest, RunsTheRunnablesQueuedWhenTheServiceBegan) {
     queue->add(nullptr);
     EXPECT_EQ(queue->service(), 0U);
     add([this] { note("3"), log += "1"; });
@@ -48,7 +48,7 @@ TEST_F(RunQueueTest, AnExceptionKeepsTheRestQueuedInOrder) {
     EXPECT_EQ(log, "ab");
 }
 
-TEST_F(RunQueueTest, WhatIsQueuedAtTheEndIsDroppedAndNotRun) {
+TEST_F(RunQueueTest, RunnablesLeftAtTheEndAreDroppedAndNotRun) {
     auto const token = std::make_shared<int>();
     auto const addOnTheWay = [this](void*) { note("late"); };
     add([this] { queue->close(); });
@@ -63,7 +63,7 @@ TEST_F(RunQueueTest, WhatIsQueuedAtTheEndIsDroppedAndNotRun) {
     EXPECT_EQ(log, "");
 }
 
-TEST_F(RunQueueTest, WhatIsQueuedIsDroppedByTheServicingThread) {
+TEST_F(RunQueueTest, QueuedRunnablesAreDroppedByTheServicingThread) {
     std::thread::id droppedBy;
     auto const addWatched = [&] {
         add([atEnd = std::shared_ptr<void>(nullptr, [&](void*) { droppedBy = std::this_thread::get_id(); })] {});
@@ -105,12 +105,12 @@ TEST_F(RunQueueTest, WaitingEndsWithTheLimitAnAdditionOrTheClose) {
     EXPECT_FALSE(queue->wait(1h));
 }
 
-TEST(RunQueue, TellsItsHostOfAdditionsAndLosesNone) {
+TEST(RunQueue, NotifiesItsHostOfAdditionsAndLosesNone) {
     struct HostQueue : RunQueue {
         void onAdd() override { ++additions; }
         std::atomic<std::size_t> additions = 0;
     } queue;
-    std::size_t ran = 0;  // counted on this thread only
+    std::size_t ran = 0;  // only this thread changes it
     auto const addMany = [&] {
         for (int i = 0; i < 2000; ++i) queue.add([&ran] { ++ran; });
     };

@@ -1,4 +1,4 @@
-// Threads, the counts and the bytes that they share.
+// Tests threads, reference counts and shared buffers.
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -26,10 +26,10 @@ TEST(Thread, EmitsItsSignalOnANewThreadOncePerRun) {
         EXPECT_EQ(thread.start().code(), EALREADY);
         EXPECT_TRUE(thread.wait().ok() && thread.start().ok());
     }
-    EXPECT_EQ(runs, 2);  // the second run was waited for by the destructor
+    EXPECT_EQ(runs, 2);  // the destructor waited for the second run
 }
 
-TEST(Thread, WaitTellsWhatACallbackThrew) {
+TEST(Thread, WaitReturnsTheExceptionOfACallback) {
     Thread thread;
     auto connection = thread.getSignal().addCallback([] { throw std::runtime_error("no memory card"); });
     ASSERT_TRUE(thread.start().ok());
@@ -90,8 +90,8 @@ TEST(Buffer, MergesBlockAfterBlockAtTheCostOfTheBody) {
         most = std::max(most, account->native());
     }
     EXPECT_EQ(body->size(), 10'000'000U);
-    EXPECT_LE(most, 25'000'000U + 7'500'000U);  // the last two of growing storages, and the half that is kept
-    // What grew out of a buffer is not seen in it, nor in what else grows out of it.
+    EXPECT_LE(most, 25'000'000U + 7'500'000U);  // the last two growing storages, and the half that is kept
+    // A buffer does not see bytes that a merge appends to its storage, and neither do its other merges.
     auto const other = mergeBuffers(half, ur::make<Buffer>("y"));
     EXPECT_EQ(half->size(), 5'000'000U);
     EXPECT_EQ(other->data()[5'000'000], 'y');

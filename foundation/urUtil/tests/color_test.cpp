@@ -1,4 +1,4 @@
-// Colours: steps of a byte, hue and lightness.
+// Tests colours: byte steps, hue and lightness.
 #include <gtest/gtest.h>
 
 #include <cmath>

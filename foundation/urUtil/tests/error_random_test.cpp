@@ -1,4 +1,4 @@
-// Errors and random numbers.
+// Tests errors and random numbers.
 #include <gtest/gtest.h>
 
 #include <cerrno>

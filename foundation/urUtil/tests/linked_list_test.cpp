@@ -1,4 +1,4 @@
-// List nodes against a plain vector.
+// Compares list nodes with a plain vector.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace {
 struct Page : urUtil::LinkedListNode<Page> {};
 using Node = urUtil::LinkedListNode<Page>;
 
-/// The pages of the list in order; on the way every link is checked against the one back.
+/// The pages of the list in order; checks every link against its reverse link.
 std::vector<Page*> pagesOf(Node& sentinel) {
     std::vector<Page*> pages;
     for (Node* node = sentinel.next(); node != &sentinel; node = node->next()) {

@@ -1,4 +1,4 @@
-// The scan of plain valid JSON, which is nearly all JSON there is.
+// Scans plain valid JSON, which is nearly all JSON.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@
 
 namespace nxPLST::impl {
 
-/// A text that a scan tells of, and how many bytes can be read from its start on: perhaps more than it has.
+/// A scanned text, and how many bytes can be read from its start: perhaps more than it has.
 struct ScannedText {
     std::string_view view;
     std::size_t readable;
@@ -18,18 +18,18 @@ struct ScannedText {
     [[nodiscard]] urString::CString copy() const { return urString::CString::ofReadable(view, readable); }
 };
 
-/// What encloses a value.
+/// The kind of the enclosing container.
 enum class Inside { array, dictionary };
 
-/// Tells a sink what a text holds in one pass, or gives up.
+/// Passes the values of a text to a sink in one pass, or gives up.
 ///
-/// It takes no text that yajl refuses, and tells the same of those it takes. Whatever is unusual (a comment, a single
-/// number, half of a surrogate pair, a number out of range) makes it give up, and yajl decides. The text must be an
-/// object or an array: its last bracket stops all scanning, so that only texts have to look for the end.
+/// It accepts no text that yajl refuses, and reports the same values for those it accepts. At anything unusual (a
+/// comment, a single number, half of a surrogate pair, a number out of range) it gives up, and yajl decides. The text
+/// must be an object or an array: its last bracket stops all scanning, so that only texts must check for the end.
 ///
 /// `Sink` has `null<inside>()`, `boolean<inside>(bool)`, `number<inside>(double)`, `text<inside>(ScannedText)`,
-/// `key(ScannedText)` before the value, `open(inside)` and `close()` for containers, and tells by `isOpen()` and
-/// `current()` whether and in which one it is. What it is given lives until the next call.
+/// `key(ScannedText)` before the value, `open(inside)` and `close()` for containers. `isOpen()` returns whether it is
+/// in a container, `current()` in which kind. Arguments are valid until the next call.
 template <class Sink>
 class FastJsonScan {
 public:
@@ -50,7 +50,7 @@ public:
     }
 
 private:
-    // These read what is at a place and give the place behind it, or null when they give up.
+    // These read from a position and return the position after it, or null when they give up.
 
     static bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
     static char const* skipSpace(char const* at) {
@@ -60,8 +60,8 @@ private:
         return at;
     }
 
-    /// Reads values until their container ends or the next value is a container, which begins. In an object the key of
-    /// the first one has been read.
+    /// Reads values until their container ends or the next value is a container, which begins. In an object, the first
+    /// key was already read.
     template <Inside inside>
     char const* readValues(char const* at) {
         for (;;) {
@@ -115,8 +115,8 @@ private:
         return *at == ':' ? skipSpace(at + 1) : nullptr;
     }
 
-    /// From behind the opening quote to behind the closing one, which is before the last bracket. The text lives until
-    /// the next one is read.
+    /// Reads from after the opening quote to after the closing one, which is before the last bracket. The text is valid
+    /// until the next one is read.
     char const* readText(char const* at, ScannedText& text) {
         char const* const stop = runEnd<Stop::atEscapesAndUtf8>(at, end_);
         if (stop == end_ || *stop != '"') [[unlikely]]
@@ -125,7 +125,7 @@ private:
         return stop + 1 < end_ ? stop + 1 : nullptr;
     }
 
-    /// A text that has escapes or more than ASCII, which is plain up to `stop`.
+    /// A text with escapes or non-ASCII characters; it is plain up to `stop`.
     char const* readUnusualText(char const* at, char const* stop, ScannedText& text) {
         unescaped_.clear();
         for (; stop != end_ && *stop != '"'; stop = runEnd<Stop::atEscapesAndUtf8>(stop, end_)) {
@@ -145,7 +145,7 @@ private:
         return stop + 1;
     }
 
-    /// From the bracket to the first child's value, or past the whole when there is none.
+    /// From the bracket to the first child's value, or past the whole container when it is empty.
     char const* open(char const* at) {
         bool const isDictionary = *at == '{';
         sink_.open(isDictionary ? Inside::dictionary : Inside::array);
@@ -154,7 +154,7 @@ private:
         return isDictionary ? readKey(at) : at;
     }
 
-    /// Closes what ends at `at` and goes on to the next value, or past the last bracket.
+    /// Closes the container that ends at `at` and continues to the next value, or past the last bracket.
     char const* close(char const* at) {
         while (*at == ']' || *at == '}') {
             if ((sink_.current() == Inside::dictionary) != (*at == '}')) return nullptr;

@@ -1,4 +1,4 @@
-// The grammar of JSON, with comments, for reports.
+// Checks the grammar of JSON, with comments, for reports.
 #include "plst/impl/json/JsonInspector.h"
 
 #include <algorithm>
@@ -32,7 +32,7 @@ JsonLocation locate(std::string_view text, std::size_t offset) {
     return location;
 }
 
-/// What a key means. Halves of surrogate pairs stay as they are spelled.
+/// The unescaped text of a key. Halves of surrogate pairs stay as they are spelled.
 urString::CString unescaped(std::string_view spelling) {
     if (spelling.find('\\') == std::string_view::npos) return urString::CString(spelling);
     std::string text;
@@ -121,7 +121,7 @@ bool JsonInspector::inspect() {
     return scanner_.passSpace() && (scanner_.atEnd() || scanner_.fail("expected the end of the text"));
 }
 
-/// Passes a scalar, or what comes before the first value in a container.
+/// Skips a scalar, or everything before the first value in a container.
 bool JsonInspector::passValue(bool& valueComes) {
     char const first = scanner_.next();
     if (first != '[' && first != '{') {
@@ -135,7 +135,7 @@ bool JsonInspector::passValue(bool& valueComes) {
     return first == '[' || !valueComes || passKey("expected a key in quotes or '}'");
 }
 
-/// Passes the end of the innermost container, or what comes before the next value in it.
+/// Skips the end of the innermost container, or everything before the next value in it.
 bool JsonInspector::passBehindValue(bool& valueComes) {
     Frame& frame = frames_.back();
     char const next = scanner_.next();
@@ -181,7 +181,7 @@ bool JsonInspector::passScalar() {
     return true;
 }
 
-/// A fault between tokens.
+/// Reports a fault between tokens.
 bool JsonInspector::fail(char const* expected) {
     endedEarly_ = scanner_.atEnd();
     return scanner_.fail(endedEarly_ ? "there is no value in the text" : expected);
@@ -192,7 +192,7 @@ void JsonInspector::open(bool isArray) {
     ++scanner_.at;
 }
 
-/// Of members with equal keys, all but the last are lost.
+/// All but the last of the members with equal keys are lost.
 void JsonInspector::close() {
     auto const first = members_.begin() + static_cast<std::ptrdiff_t>(frames_.back().firstMember);
     std::stable_sort(first, members_.end(), [](Member const& a, Member const& b) { return a.key < b.key; });

@@ -1,4 +1,4 @@
-// Finding out what is wrong with a JSON text, and what of it a tree cannot hold.
+// Finds faults in a JSON text, and values that a tree cannot hold.
 #pragma once
 
 #include <cstddef>
@@ -11,18 +11,18 @@
 
 namespace nxPLST::impl {
 
-/// Goes through a text once more, with a memory of where in it it is, to fill a report.
+/// Scans a text again and tracks the position in it, to fill a report.
 class JsonInspector {
 public:
     explicit JsonInspector(std::string_view text) : text_(text), scanner_(text) {}
 
-    /// Reports the fault of a text that was refused. Call one of these, once.
+    /// Reports the fault of a refused text. Call only one of these, once.
     void reportFault(JsonReport& report);
-    /// Reports the losses of a text that was read.
+    /// Reports the losses of an accepted text.
     void reportLosses(JsonReport& report);
 
 private:
-    /// An open container, and the child of it that the text has come to.
+    /// An open container and its current child.
     struct Frame {
         char const* start;
         bool isArray;
@@ -37,7 +37,7 @@ private:
         std::string_view spelling;
     };
 
-    // These are false at a fault.
+    // These return false at a fault.
     bool inspect();
     bool passValue(bool& valueComes);
     bool passBehindValue(bool& valueComes);
@@ -56,7 +56,7 @@ private:
     bool endedEarly_ = false;  // between tokens
     std::vector<Frame> frames_;
     std::vector<Member> members_;
-    std::vector<JsonLoss> losses_;  // a heap with the last one first
+    std::vector<JsonLoss> losses_;  // a heap; the last one in the text is first
     std::size_t lossCount_ = 0;
 };
 

@@ -1,4 +1,4 @@
-// The numbers that need more than the digits of an integer.
+// Reads numbers beyond the digits of an integer.
 #include "plst/impl/json/JsonNumberReader.h"
 
 #include <algorithm>
@@ -8,10 +8,10 @@
 namespace nxPLST::impl {
 namespace {
 
-/// Beyond any exponent that the digits of a text could make up for.
+/// Larger than any exponent that the digits of a text could compensate.
 constexpr long hugeExponent = std::numeric_limits<long>::max() / 16;
 
-/// Whether a number that no double comes near is one of the large ones. Requires: it is not 0.
+/// Whether a number that no double approximates is too large rather than too small. Requires: it is not 0.
 bool isLarge(char const* text, char const* end) {
     long magnitude = 0;  // of 0.d1d2d3…·10^magnitude with d1 not 0
     bool leading = true;
@@ -30,7 +30,7 @@ bool isLarge(char const* text, char const* end) {
     return magnitude + (negative ? -exponent : exponent) > 0;
 }
 
-/// The end of a number without an exponent whose digits fit 126 bits, as the strict writer's do; otherwise null.
+/// Reads a number without an exponent whose digits fit 126 bits, such as the strict writer's; otherwise null.
 char const* readDecimal(char const* text, char const* end, double& value) {
     constexpr int mostDigits = 37;
     bool const negative = *text == '-';

@@ -1,4 +1,4 @@
-// JSON numbers as doubles, correctly rounded and in no locale.
+// Reads JSON numbers as doubles, correctly rounded and independent of the locale.
 #pragma once
 
 #include <cstdint>
@@ -8,17 +8,17 @@
 
 namespace nxPLST::impl {
 
-/// The double nearest to the decimal number that begins at `text`, and its end. A number that is too small for a
-/// double gives a zero with its sign; null when it is too large. Requires: a number as JSON writes it.
+/// Reads the decimal number at `text` as the nearest double and returns its end. Numbers too small for a double become
+/// a zero with their sign; null when the number is too large. Requires: a valid JSON number.
 char const* readReal(char const* text, char const* end, double& value) noexcept;
 
-/// Whole numbers go through a signed 64-bit integer, so that -0 is 0. False when [text, end) lies outside of
-/// -2^63+1 to 2^63-1. Requires: a number as JSON writes it, without a point and an exponent.
+/// Reads whole numbers through a signed 64-bit integer, so that -0 becomes 0. False when [text, end) is outside -2^63+1
+/// to 2^63-1. Requires: a valid JSON number without a point or exponent.
 bool readInteger(char const* text, char const* end, double& value) noexcept;
 
-/// The number at `text` and its end; null when JSON has no such number or `readInteger` or `readReal` refuses it.
-/// An exponent without digits is not part of the number. Requires: a minus sign or a digit at `text`, and before
-/// `end` a byte that is no part of a number.
+/// Reads the number at `text` and returns its end; null when it is not a JSON number or `readInteger` or `readReal`
+/// refuses it. An exponent without digits is not part of the number. Requires: a minus sign or a digit at `text`, and
+/// before `end` a byte that is not part of a number.
 inline char const* readNumber(char const* text, char const* end, double& value) noexcept {
     constexpr int mostWhole = std::numeric_limits<std::int64_t>::digits10;
     constexpr int mostDigits = std::numeric_limits<std::uint64_t>::digits10;

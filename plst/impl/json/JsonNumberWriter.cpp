@@ -1,8 +1,8 @@
-// Exact decimal digits of doubles by integer arithmetic.
+// Computes exact decimal digits of doubles by integer arithmetic.
 //
-// A double is m/2^b with whole m. Multiplied by a power of ten so that twelve digits stand before the point, the
-// values that people usually write fit 128 bits; the standard library does the rest. In that range no double lies
-// so close below a power of ten that rounding the twentieth digit would carry into one digit more.
+// A double is m/2^b with whole m. Multiplied by a power of ten so that twelve digits stand before the point, usual
+// values fit 128 bits; the standard library handles the rest. In that range no double lies so close below a power of
+// ten that rounding the twentieth digit would carry into one more digit.
 #include "plst/impl/json/JsonNumberWriter.h"
 
 #include <algorithm>
@@ -38,16 +38,16 @@ char* putWhole(char* to, std::uint64_t value) {
     return putEight(to, value % eightDigitLimit);
 }
 
-/// How a value from 2^n up to below 2^(n+1) becomes twelve digits and a fraction.
+/// Converts a value from 2^n to below 2^(n+1) to twelve digits and a fraction.
 struct Scale {
-    double powerOfTen;        // the only one that may lie there
-    std::uint64_t factor[2];  // 5^k·2^s, for values below it and for those from it on
+    double powerOfTen;        // the only one that can lie in the range
+    std::uint64_t factor[2];  // 5^k·2^s, for values below it and for values from it on
     int exponent;             // the decimal exponent of values below it
 };
 
 constexpr int leastBinaryExponent = -14;
 constexpr auto scales = [] {
-    // As doubles, these are not below the powers of ten that they stand for, so comparing with them is exact.
+    // As doubles, these are not below the powers of ten that they represent, so comparing with them is exact.
     constexpr double powersOfTen[] = {1e-4, 1e-3, 1e-2, 1e-1, 1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10};
     std::array<std::uint64_t, 17> fiveTo{1};
     for (std::size_t i = 1; i < fiveTo.size(); ++i) fiveTo[i] = 5 * fiveTo[i - 1];
@@ -88,7 +88,7 @@ Digits twentyDigits(double value) {
     return {static_cast<std::uint64_t>(product >> 64) + carry, carry ? 0 : rounded, scale.exponent + reachesPower};
 }
 
-/// Moves the eleven characters there on by one and puts another in front of them.
+/// Moves the eleven characters at `at` on by one and puts `character` before them.
 void insert(char* at, char character) {
     std::uint64_t words[2];
     std::memcpy(&words[0], at, 8);

@@ -1,4 +1,4 @@
-// Numbers as JSON text, in the two precisions that the writers use.
+// Writes numbers as JSON text, in the two precisions of the writers.
 #pragma once
 
 #include <bit>
@@ -13,9 +13,8 @@
 
 namespace nxPLST::impl {
 
-// The results hold digit values, the first one in the lowest byte. The numbers are split into halves, pairs and
-// single digits, all lanes of a word at once. With q = v/n, (v << s) - q·((n << s) - 1) is the rest of the division
-// above q.
+// Results hold digit values, the first one in the lowest byte. The numbers are split into halves, pairs and single
+// digits, in all lanes of a word at once. With q = v/n, (v << s) - q·((n << s) - 1) is the remainder above q.
 
 [[nodiscard]] inline std::uint64_t fourDigits(std::uint64_t value) noexcept {
     std::uint64_t const hundreds = (value * 10486) >> 20;
@@ -24,7 +23,7 @@ namespace nxPLST::impl {
     return (pairs << 8) - tens * ((10 << 8) - 1);
 }
 
-/// The first number that `eightDigits` cannot take apart.
+/// The lowest number that `eightDigits` cannot split.
 inline constexpr std::uint64_t eightDigitLimit = 100000000;
 
 [[nodiscard]] inline std::uint64_t eightDigits(std::uint64_t value) noexcept {
@@ -66,10 +65,10 @@ void storeDigits(char* to, std::uint64_t digits) noexcept {
     std::memcpy(to, &word, sizeof word);
 }
 
-/// Room that either function may need behind `to`, its working space included.
+/// The space that either function may need from `to` on, including its working space.
 inline constexpr std::size_t numberRoom = 48;
 
-/// Writes what "%g" prints in the C locale, NaN and infinities included; gives the end of the text.
+/// Writes what "%g" prints in the C locale, NaN and infinities included; returns the end of the text.
 char* writeShortNumber(char* to, double value) noexcept;
 
 /// Writes a number below `eightDigitLimit`.
@@ -83,10 +82,10 @@ inline char* writeShortWhole(char* to, std::uint64_t value) noexcept {
 /// `writeExactNumber` for any number.
 char* writeAnyExactNumber(char* to, double value) noexcept;
 
-/// Writes what "%.20g" prints in the C locale; gives the end of the text. Requires: a finite value.
+/// Writes what "%.20g" prints in the C locale; returns the end of the text. Requires: a finite value.
 inline char* writeExactNumber(char* to, double value) noexcept {
     constexpr auto limit = static_cast<double>(eightDigitLimit);
-    // As numbers, the bits of what is negative lie above those of the limit.
+    // As integers, the bits of negative values are above those of the limit.
     if (std::bit_cast<std::uint64_t>(value) < std::bit_cast<std::uint64_t>(limit)) {
         auto const whole = static_cast<std::int32_t>(value);
         if (static_cast<double>(whole) == value) return writeShortWhole(to, static_cast<std::uint64_t>(whole));

@@ -1,4 +1,4 @@
-// Passing the tokens of JSON.
+// Skips the tokens of JSON.
 #include "plst/impl/json/JsonScanner.h"
 
 #include "plst/impl/json/JsonNumberReader.h"
@@ -32,7 +32,7 @@ bool JsonScanner::passSpace() noexcept {
     return true;
 }
 
-/// Stands on the comment's last byte afterwards.
+/// Stops at the comment's last byte.
 bool JsonScanner::passComment() noexcept {
     std::string_view const rest(at + 1, static_cast<std::size_t>(end_ - at - 1));
     bool const isLine = rest.starts_with('/');
@@ -62,7 +62,7 @@ bool JsonScanner::passText(std::string_view& contents) noexcept {
     return fail("the text ends inside a string");
 }
 
-/// Stands on the sequence's last byte afterwards.
+/// Stops at the sequence's last byte.
 bool JsonScanner::passEscape() noexcept {
     ++at;
     if (atEnd()) return fail("the text ends inside a string");
@@ -76,7 +76,7 @@ bool JsonScanner::passEscape() noexcept {
     return true;
 }
 
-/// Stands on the character's last byte afterwards.
+/// Stops at the character's last byte.
 bool JsonScanner::passUtf8() noexcept {
     auto const lead = static_cast<unsigned char>(*at);
     int const more = lead < 0xC0 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF8 ? 3 : 0;

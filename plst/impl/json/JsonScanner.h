@@ -1,20 +1,20 @@
-// The tokens of a JSON text, and what is wrong with one that is none.
+// Scans JSON tokens and describes invalid ones.
 #pragma once
 
 #include <string_view>
 
 namespace nxPLST::impl {
 
-/// Steps through a text token by token, up to the first byte at which no JSON text could go on.
+/// Scans a text token by token, up to the first byte at which no valid JSON could continue.
 ///
-/// The functions stand on the first byte of what they pass. They are false at a fault, which `reason` then tells
-/// and `at` points to.
+/// The functions start at the first byte of the token. They return false at a fault; `reason` then describes it and
+/// `at` points to it.
 class JsonScanner {
 public:
     explicit JsonScanner(std::string_view text) noexcept : at(text.data()), end_(at + text.size()) {}
 
     bool passSpace() noexcept;
-    /// `contents` is what stands between the quotes, escapes as they are.
+    /// `contents` receives the bytes between the quotes, with escapes unchanged.
     bool passText(std::string_view& contents) noexcept;
     bool passNumber(bool& isInteger) noexcept;
     bool passWord(std::string_view word) noexcept;
@@ -22,7 +22,7 @@ public:
     [[nodiscard]] bool atEnd() const noexcept { return at == end_; }
     /// NUL at the end.
     [[nodiscard]] char next() const noexcept { return atEnd() ? '\0' : *at; }
-    /// Records a fault at the current place, or at another.
+    /// Records a fault at the current position, or at another.
     bool fail(char const* why) noexcept;
     bool fail(char const* why, char const* place) noexcept;
 

@@ -1,4 +1,4 @@
-// The text between the quotes of JSON: UTF-8, escapes, and runs of bytes that stand for themselves.
+// JSON strings: UTF-8, escapes, and runs of bytes that need none.
 #pragma once
 
 #include <bit>
@@ -13,18 +13,18 @@
 
 namespace nxPLST::impl {
 
-/// The length of the UTF-8 sequence that begins at `at`, or 0 when none does. As yajl does, it lets longer forms
-/// than needed pass, and surrogates. Requires: at least one byte before `end`.
+/// The length of the UTF-8 sequence at `at`, or 0 when there is none. Like yajl, it accepts overlong forms and
+/// surrogates. Requires: at least one byte before `end`.
 [[nodiscard]] int utf8Length(char const* at, char const* end) noexcept;
 
-/// Appends what the escape sequence at `at` means and gives its end. Null when it is none, or half of a surrogate
-/// pair. Requires: a backslash at `at`.
+/// Appends the character of the escape sequence at `at` and returns its end. Null when it is invalid, or half of a
+/// surrogate pair. Requires: a backslash at `at`.
 char const* readEscape(char const* at, char const* end, std::string& text);
 
-/// Room that an escape sequence may need.
+/// The space that an escape sequence may need.
 inline constexpr std::size_t longestEscape = 6;
 
-/// Writes the escape sequence of a code unit, which is \uXXXX; gives its end.
+/// Writes the escape sequence \uXXXX of a code unit; returns its end.
 inline char* putUnit(char* to, unsigned unit) noexcept {
     static constexpr char digits[] = "0123456789ABCDEF";
     *to++ = '\\';
@@ -32,7 +32,7 @@ inline char* putUnit(char* to, unsigned unit) noexcept {
     for (int shift = 12; shift >= 0; shift -= 4) *to++ = digits[unit >> shift & 0xF];
     return to;
 }
-/// Writes the escape sequence of a quote, a backslash or a control character, the short one if there is one.
+/// Writes the escape sequence of a quote, a backslash or a control character, the short form if there is one.
 inline char* putEscape(char* to, char character) noexcept {
     char letter = character;
     switch (character) {
@@ -53,10 +53,10 @@ inline char* putEscape(char* to, char character) noexcept {
 /// The value of a hexadecimal digit; negative for other characters.
 [[nodiscard]] int hexDigit(char c) noexcept;
 
-/// What ends a run of bytes that are copied as they are.
+/// The bytes that end a run of bytes to copy unchanged.
 enum class Stop {
     atEscapes,         ///< a quote, a backslash or a control character
-    atEscapesAndUtf8,  ///< those, and whatever is not ASCII
+    atEscapesAndUtf8,  ///< those, and all non-ASCII bytes
 };
 
 namespace scan {
@@ -69,7 +69,7 @@ namespace scan {
 
 constexpr std::uint64_t inEach(std::uint64_t byte) { return byte * 0x01010101'01010101; }
 
-/// The top bit of each byte below `limit`; bytes above the lowest of them in significance may be wrong.
+/// The top bit of each byte below `limit`; bits above the lowest one set may be wrong.
 constexpr std::uint64_t below(std::uint64_t word, std::uint64_t limit) {
     return (word - inEach(limit)) & ~word & inEach(0x80);
 }
@@ -93,7 +93,7 @@ template <Stop stop>
     __m128i const bytes = _mm_loadu_si128(reinterpret_cast<__m128i const*>(text));
     __m128i const quotes = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('"'));
     __m128i const backslashes = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\\'));
-    // As signed numbers, all that is not ASCII lies below the control characters.
+    // As signed numbers, non-ASCII bytes are below the control characters.
     __m128i const others = stop == Stop::atEscapesAndUtf8
                                ? _mm_cmplt_epi8(bytes, _mm_set1_epi8(' '))
                                : _mm_cmpeq_epi8(_mm_min_epu8(bytes, _mm_set1_epi8(' ' - 1)), bytes);

@@ -1,4 +1,4 @@
-// The layout of the readable dump.
+// Implements the layout of the readable dump.
 #include "plst/impl/json/JsonTextWriter.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ bool JsonTextWriter::write(Item const* root) {
     return out_.flush().ok() && !stopped_;
 }
 
-/// Writes the next child of the innermost container, or closes it. A child that is a container is only opened.
+/// Writes the next child of the innermost container, or closes it. Only opens a child that is a container.
 void JsonTextWriter::writeNext(ChildWalk& children) {
     if (children.atEnd()) {
         put(children.inDictionary() ? JsonToken::closeObject : JsonToken::closeArray);

@@ -1,4 +1,4 @@
-// The writer of the readable dump.
+// Writes the readable dump.
 #pragma once
 
 #include <cstddef>
@@ -10,10 +10,10 @@
 
 namespace nxPLST::impl {
 
-/// Writes one tree for people to read: members indented on lines of their own, texts as they are.
+/// Writes one tree for people to read: members indented on separate lines, texts without escapes.
 ///
-/// Indentation may grow with the square of the depth, so it stops where it would take up more than a fixed size
-/// and a multiple of the rest.
+/// Indentation may grow with the square of the depth, so it stops where it would exceed both a fixed size and a
+/// multiple of the rest.
 class JsonTextWriter {
 public:
     static constexpr std::size_t usualFreeIndentation = std::size_t(64) << 20;
@@ -22,8 +22,8 @@ public:
                             std::size_t freeIndentation = usualFreeIndentation)
         : out_(stream), freeIndentation_(freeIndentation), guard_(mostExpandedBytes) {}
 
-    /// Writes the tree, for a null one nothing, and a line feed. False when the stream had an error, or when the tree
-    /// shares so much that only a beginning was written. Call it once.
+    /// Writes the tree, nothing if it is null, and a line feed. False when the stream failed, or when the tree shares
+    /// so many items that only its beginning was written. Call it once.
     [[nodiscard]] bool write(Item const* root);
 
 private:
@@ -44,7 +44,7 @@ private:
     JsonToken last_ = JsonToken::none;
     std::size_t indentWidth_ = 0;
     std::size_t indented_ = 0;  // bytes of indentation so far
-    std::size_t written_ = 0;   // all others
+    std::size_t written_ = 0;   // all other bytes
     ur::vector<ChildWalk> stack_;
     std::size_t const freeIndentation_;
     ExpansionGuard guard_;

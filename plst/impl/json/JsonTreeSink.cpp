@@ -1,4 +1,4 @@
-// Giving containers their children.
+// Moves children into their containers.
 #include "plst/impl/json/JsonTreeSink.h"
 
 #include <algorithm>
@@ -46,7 +46,7 @@ void JsonTreeSink::fill(Dictionary::Map& map, std::span<Member> members) {
     }
 }
 
-/// Takes any members; of equal keys the last one stays.
+/// Handles any members; the last one of equal keys stays.
 void JsonTreeSink::fillSlowly(Dictionary::Map& map, std::span<Member> members) {
     auto const before = [](Member const& a, Member const& b) { return a.key < b.key; };
     if (!std::is_sorted(members.begin(), members.end(), before)) {

@@ -1,4 +1,4 @@
-// Building items from what a scan tells.
+// Builds items from scanned values.
 #pragma once
 
 #include <cmath>
@@ -16,15 +16,15 @@
 
 namespace nxPLST::impl {
 
-/// Makes the tree of one text. Children wait beside each other until their container closes and takes them together.
+/// Builds the tree of one text. Children wait on a stack until their container closes and takes them together.
 class JsonTreeSink {
 public:
-    /// The tree, when all has been told.
+    /// The tree, after the scan has ended.
     [[nodiscard]] ur::Reference<Item> takeRoot() {
         return !root_ && !elements_.empty() ? std::move(elements_.top()) : std::move(root_);
     }
-    /// Whether the tree has everything: no null and no repeated key was dropped, and no number was rounded that may
-    /// have been whole.
+    /// Whether the tree is complete: no null or repeated key was dropped, and no number that may have been whole was
+    /// rounded.
     [[nodiscard]] bool lostNothing() const noexcept { return lostNothing_; }
 
     [[nodiscard]] bool isOpen() const noexcept { return !frames_.empty(); }
@@ -41,7 +41,7 @@ public:
     }
     template <Inside inside>
     void number(double value) {
-        constexpr double exactWholes = 0x1p53;  // all whole numbers up to here are doubles
+        constexpr double exactWholes = 0x1p53;  // all whole numbers up to this are doubles
         if (std::fabs(value) >= exactWholes) [[unlikely]]
             lostNothing_ = false;
         add<inside>(items_.make<Double>(value));
@@ -63,7 +63,7 @@ private:
         urString::CString key;
         ur::Reference<Item> value;
     };
-    /// An open container: the first of its children in `elements_` or `members_`.
+    /// An open container: the index of its first child in `elements_` or `members_`.
     struct Frame {
         std::size_t first;
         Inside inside;

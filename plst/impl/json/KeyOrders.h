@@ -1,4 +1,4 @@
-// The order of the keys of dictionaries that are read one after the other.
+// Predicts the order of keys in consecutive dictionaries.
 #pragma once
 
 #include <array>
@@ -12,12 +12,12 @@ namespace nxPLST::impl {
 
 /// Sorts the keys of small dictionaries.
 ///
-/// Dictionaries of one text mostly have the same keys in the same places. So the order of the last one with as many
-/// members is the guess for the next, and often all that is left to do is to see that it holds.
+/// Dictionaries of one text mostly have the same keys in the same places. So the order of the last dictionary with as
+/// many members is the guess for the next, and often it only has to be checked.
 class KeyOrders {
 public:
-    /// The places of the members by ascending keys, until the next call. Null when it takes more: two keys are equal,
-    /// or there are no or many members.
+    /// The indices of the members by ascending keys, valid until the next call. Null when this does not apply: two keys
+    /// are equal, or there are no or too many members.
     template <class Member>
     [[nodiscard]] std::uint8_t const* of(std::span<Member const> members) noexcept {
         if (members.empty() || members.size() > mostMembers) return nullptr;
@@ -51,7 +51,7 @@ private:
         return order.data();
     }
 
-    /// For each size, places in the order of their keys; all zero for one that has not come yet.
+    /// For each size, the member indices in key order; all zero for a size not seen yet.
     std::array<std::array<std::uint8_t, mostMembers>, mostMembers> orders_{};
 };
 

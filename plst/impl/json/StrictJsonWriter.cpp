@@ -1,4 +1,4 @@
-// Strict JSON straight into the text, without the generator whose output it repeats.
+// Writes strict JSON directly into the text, with the same output as yajl's generator.
 #include "plst/impl/json/StrictJsonWriter.h"
 
 #include <cmath>
@@ -13,21 +13,21 @@
 namespace nxPLST::impl {
 namespace {
 
-// Texts and indents are copied in blocks, so there must be room for one more than is written.
+// Texts and indents are copied in blocks, so one more block than written must fit.
 constexpr std::size_t textBlock = 16;
 constexpr std::size_t indentBlock = 32;
 
-/// Enough for the longest indent, a short text as a key, any scalar but a long text, brackets and separators.
+/// Enough for the longest indent, a short text as a key, any scalar except a long text, brackets and separators.
 constexpr std::size_t itemRoom = 512 + indentBlock + 2 * textBlock + numberRoom + 16;
 
 constexpr int noItem = -1;
 
 int kindOf(Item const* item) { return item ? item->type() : noItem; }
 
-/// Null for a number that JSON has no form for.
+/// Null for a number without a JSON form.
 char* putNumber(char* to, double value) { return std::isfinite(value) ? writeExactNumber(to, value) : nullptr; }
 
-/// An item of an unknown kind is not written at all.
+/// An item of an unknown kind is not written.
 bool isKnown(int kind) { return kind >= noItem && kind <= DictionaryType; }
 
 char* putWord(char* to, std::string_view word) {
@@ -37,7 +37,7 @@ char* putWord(char* to, std::string_view word) {
 char* putColon(char* to) { return putWord(to, ": "); }
 char* putSeparator(char* to) { return putWord(to, ",\n"); }
 
-/// Copies the text as far as no byte needs an escape, and moves both places on.
+/// Copies the text up to the first byte that needs an escape, and advances both positions.
 void copyPlain(char*& to, char const*& from, char const* end) {
     while (end - from >= static_cast<std::ptrdiff_t>(textBlock)) {
         std::memcpy(to, from, textBlock);
@@ -52,7 +52,7 @@ void copyPlain(char*& to, char const*& from, char const* end) {
     from = stop;
 }
 
-/// The end of the line before one that is not written after all: the separator goes, a bracket stays as it is.
+/// The position where the line ends if the next one is not written: removes a separator, keeps a bracket.
 char* withoutSeparator(char* to) { return to[-2] == ',' ? to - 2 : to; }
 
 }  // namespace
@@ -68,7 +68,7 @@ bool StrictJsonWriter::write(Item const* root) {
     return guard_.allows(sink_.sizeAt(to + 1), nullptr);
 }
 
-/// Makes room for an item and writes the spaces in front of it.
+/// Makes room for an item and writes the spaces before it.
 inline char* StrictJsonWriter::startLine(char* to, std::size_t indent) {
     to = sink_.room(to, itemRoom);
     std::memset(to, ' ', indentBlock);
@@ -77,11 +77,11 @@ inline char* StrictJsonWriter::startLine(char* to, std::size_t indent) {
     return to + indent;
 }
 
-/// Behind the text is room for a colon and most values.
+/// After the text there is room for a colon and most values.
 inline char* StrictJsonWriter::putText(char* to, urString::CString const& text) {
     static_assert(sizeof text == textBlock);
     std::string_view const view = text.view();
-    // A short text lies in its object, which is one block.
+    // A short text lies inside its object, which is one block.
     bool const isShort = view.data() == reinterpret_cast<char const*>(&text);
     if (isShort && runInSixteen<Stop::atEscapes>(view.data()) >= static_cast<int>(view.size())) [[likely]] {
         to[0] = '"';
@@ -92,7 +92,7 @@ inline char* StrictJsonWriter::putText(char* to, urString::CString const& text) 
     return putAnyText(to, view);
 }
 
-/// Keys need no such look: there are no more of them than the containers that are looked at.
+/// Keys need no such check: there are no more of them than containers checked.
 inline char* StrictJsonWriter::putString(char* to, String const& string) {
     if (string.value().size() > textBlock && !guard_.allows(sink_.sizeAt(to), &string)) [[unlikely]]
         return refuse(to);
@@ -155,7 +155,7 @@ char* StrictJsonWriter::putChildren(char* to, Dictionary const& dictionary, std:
     return valueDue ? putSeparator(to) : to;
 }
 
-/// A member after one whose value left no trace: its key takes that value's place, and its value must be a text to
+/// A member after one whose value was not written: its key takes that value's place, and its value must be a text to
 /// take the place of a key.
 char* StrictJsonWriter::putMisplaced(char* to, Dictionary::Map::value_type const& member, std::size_t indent,
                                      bool& valueDue) {

@@ -1,4 +1,4 @@
-// The writer of strict JSON.
+// Writes strict JSON.
 #pragma once
 
 #include <cstddef>
@@ -13,17 +13,17 @@
 
 namespace nxPLST::impl {
 
-/// Writes one tree, byte for byte and refusal for refusal as yajl's generator does with its beautify option set
-/// and numbers formatted with "%.20g".
+/// Writes one tree with the same bytes and refusals as yajl's generator with its beautify option and numbers formatted
+/// with "%.20g".
 ///
-/// Each child is written with the comma and the line feed behind it; the closing bracket takes the last comma back.
-/// It recurses no deeper than the generator goes.
+/// Each child is written with its comma and line feed; the closing bracket removes the last comma. The recursion is no
+/// deeper than the generator's limit.
 class StrictJsonWriter {
 public:
     StrictJsonWriter(urString::CString& text, std::uint64_t mostExpandedBytes)
         : sink_(text), guard_(mostExpandedBytes) {}
 
-    /// Whether nothing in the tree was refused. What came before a refusal is written. Call it once.
+    /// Whether nothing in the tree was refused. The part before a refusal is written. Call it once.
     bool write(Item const* root);
 
 private:
@@ -35,8 +35,8 @@ private:
     static constexpr std::size_t indentStep = 4;
     static constexpr std::size_t deepestIndent = 127 * indentStep;  // the generator refuses containers here
 
-    // These write to a place where there is room for an item and give the place behind it. Null after a refusal; a
-    // refused number has left the text as it was, any other refusal has told the sink where it ends.
+    // These write to `to`, where there is room for an item, and return the position after it. Null after a refusal; a
+    // refused number leaves the text unchanged, any other refusal has set the sink's end.
     char* putValue(char* to, Item const* item, int kind, std::size_t indent);
     template <class Container>
     char* putContainer(char* to, Brackets brackets, Container const& container, std::size_t indent);

@@ -1,4 +1,4 @@
-// JSON in a style of one's choice.
+// Writes JSON in a given style.
 #include "plst/impl/json/StyledJsonWriter.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace nxPLST::impl {
 namespace {
 
 constexpr std::size_t widestIndent = 16;
-// Indentation would grow with the square of the depth.
+// Without a limit, indentation would grow with the square of the depth.
 constexpr std::size_t deepestIndent = 127;
 
 }  // namespace
@@ -84,7 +84,7 @@ bool StyledJsonWriter::open(Container const& container, char opening) {
     return true;
 }
 
-/// Whole numbers are read with 64 bits: larger ones need an exponent, and the zero below zero a fraction.
+/// The reader uses 64 bits for whole numbers: larger ones need an exponent, and -0 a fraction.
 bool StyledJsonWriter::writeNumber(double value) {
     if (!std::isfinite(value)) return false;
     if (value == 0 && std::signbit(value)) {
@@ -100,7 +100,7 @@ bool StyledJsonWriter::writeNumber(double value) {
     return problem == std::errc();
 }
 
-/// Pieces that are no UTF-8 become U+FFFD, since no reader would take them.
+/// Invalid UTF-8 becomes U+FFFD, since no reader would accept it.
 void StyledJsonWriter::writeText(urString::CString const& text) {
     text_ += '"';
     char const* at = text.data();
@@ -115,7 +115,7 @@ void StyledJsonWriter::writeText(urString::CString const& text) {
     text_ += '"';
 }
 
-/// Writes what is left of a text, and the quote behind it.
+/// Writes the rest of a text and the closing quote.
 void StyledJsonWriter::writeUnicode(std::string_view rest) {
     urString::IString const characters(rest, urString::Encoding::utf8);
     for (char32_t const character : characters.view()) {
@@ -139,7 +139,7 @@ void StyledJsonWriter::writeAscii(char character) {
     text_.append(escape, putEscape(escape, character));
 }
 
-/// Writes a character as one escape sequence, or as the two of its surrogates.
+/// Writes a character as one escape sequence, or as a surrogate pair.
 void StyledJsonWriter::writeUnits(char32_t character) {
     char escapes[2 * longestEscape];
     char* end = escapes;

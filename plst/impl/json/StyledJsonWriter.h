@@ -1,4 +1,4 @@
-// The writer of JSON for programs.
+// Writes JSON for programs.
 #pragma once
 
 #include <string>
@@ -10,12 +10,12 @@
 
 namespace nxPLST::impl {
 
-/// Writes one tree of any depth in a style of one's choice. All that it writes is JSON that is read here.
+/// Writes one tree of any depth in a given style. The reader here accepts all its output.
 class StyledJsonWriter {
 public:
     explicit StyledJsonWriter(JsonStyle const& style);
 
-    /// False when the tree holds a number that JSON has no form for, or shares too much. Call it once.
+    /// False when the tree contains a number without a JSON form, or shares too many items. Call it once.
     [[nodiscard]] bool write(Item const* root);
     [[nodiscard]] std::string const& text() const noexcept { return text_; }
 
@@ -36,7 +36,7 @@ private:
     bool const asciiOnly_;
     ExpansionGuard guard_;
     ur::vector<ChildWalk> open_;
-    bool isFirst_ = true;  // of the innermost container's children
+    bool isFirst_ = true;  // whether the next child is the innermost container's first
 };
 
 }  // namespace nxPLST::impl

@@ -1,4 +1,4 @@
-// Appending to a text piece by piece, without the text's own bookkeeping for each piece.
+// Appends to a text in pieces, without the text's bookkeeping for each piece.
 #pragma once
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 
 namespace nxPLST::impl {
 
-/// Grows a text at its end. The text has its true size again when the sink is gone.
+/// Extends a text at its end. The text has its true size again after the sink is destroyed.
 class TextSink {
 public:
     explicit TextSink(urString::CString& text) : text_(text) { expose(text.size(), text.capacity()); }
@@ -18,12 +18,12 @@ public:
         text_.resizeAndOverwrite(used(), [](char*, std::size_t size) { return size; });
     }
 
-    /// Where the text goes on: room for `bytes` bytes, of which those before `advanceTo` are the text's.
+    /// The end of the text, with room for `bytes` bytes; those before `advanceTo` become part of the text.
     [[nodiscard]] char* room(std::size_t bytes) { return room(at_, bytes); }
     void advanceTo(char* at) noexcept { at_ = at; }
-    /// How long the text is that has been written up to `at`.
+    /// The length of the text that ends at `at`.
     [[nodiscard]] std::size_t sizeAt(char const* at) const noexcept { return static_cast<std::size_t>(at - begin_); }
-    /// The same, where the text has been written up to `at` since.
+    /// The same, when the text was written up to `at` meanwhile.
     [[nodiscard]] char* room(char* at, std::size_t bytes) {
         if (bytes <= static_cast<std::size_t>(end_ - at)) [[likely]]
             return at;

@@ -1,4 +1,4 @@
-// The memory of yajl: its blocks are linked in a ring.
+// Implements yajl's memory: the blocks are linked in a ring.
 #include "plst/impl/json/YajlScan.h"
 
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// The scan by yajl, which decides what JSON is.
+// Scans by yajl, which defines the accepted JSON.
 #pragma once
 
 #include <yajl/yajl_parse.h>
@@ -11,10 +11,10 @@
 
 namespace nxPLST::impl {
 
-/// Hands memory to yajl and takes all of it back when it goes, whatever became of yajl.
+/// Provides memory to yajl; the destructor frees all of it, whatever state yajl is in.
 ///
-/// Yajl does not look whether it gets what it asks for. So a lack of memory throws, through yajl, whose objects must
-/// not be used any more then: not even to free them.
+/// Yajl does not check allocation results. So lack of memory throws through yajl, whose objects must not be used
+/// afterwards, not even to free them.
 class YajlMemory {
 public:
     YajlMemory() noexcept { ring_.next = ring_.previous = &ring_; }
@@ -22,11 +22,11 @@ public:
     YajlMemory& operator=(YajlMemory const&) = delete;
     ~YajlMemory();
 
-    /// For `yajl_alloc`, which copies them; its parser must not outlive this.
+    /// For `yajl_alloc`, which copies them; the parser must not outlive this object.
     [[nodiscard]] yajl_alloc_funcs* functions() noexcept { return &functions_; }
 
 private:
-    /// Lies before each block.
+    /// Precedes each block.
     struct alignas(std::max_align_t) Link {
         Link* next;
         Link* previous;
@@ -41,8 +41,8 @@ private:
     Link ring_;
 };
 
-/// Tells a sink, as FastJsonScan does, what yajl makes of a text, comments allowed. What is no container may be alone;
-/// it then counts as inside an array.
+/// Passes yajl's reading of a text to a sink, as FastJsonScan does; comments allowed. A scalar may be alone; it then
+/// counts as inside an array.
 template <class Sink>
 class YajlScan {
 public:
@@ -65,7 +65,7 @@ private:
         return {{reinterpret_cast<char const*>(text), length}, length};
     }
 
-    /// False when it is out of range. Its own conversions follow the locale.
+    /// False when it is out of range. Yajl's own conversions follow the locale.
     bool tellNumber(std::string_view text) {
         double value = 0;
         char const* const end = text.data() + text.size();
@@ -76,7 +76,7 @@ private:
         return isRead;
     }
 
-    /// Calls `tell` for what encloses the next value.
+    /// Calls `tell` for the kind of container that encloses the next value.
     template <class Tell>
     void inCurrent(Tell tell) {
         if (sink_.isOpen() && sink_.current() == Inside::dictionary) {
@@ -86,8 +86,8 @@ private:
         }
     }
 
-    /// Runs `tell`, which is false for what must be refused, for yajl; 0 makes yajl stop. An exception waits until yajl
-    /// has.
+    /// Runs `tell` for yajl; false means that the text must be refused. Returning 0 stops yajl. An exception waits
+    /// until yajl has stopped.
     template <class Tell>
     static int guard(void* context, Tell tell) noexcept {
         auto& scan = *static_cast<YajlScan*>(context);

@@ -1,4 +1,4 @@
-// Decimal digits as numbers, and their correctly rounded division by powers of ten.
+// Parses decimal digits and divides by powers of ten with correct rounding.
 #pragma once
 
 #include <array>
@@ -16,14 +16,14 @@ namespace decimal {
 
 inline constexpr std::uint64_t smallTenTo[] = {1, 10, 100, 1000, 10000, 100000, 1000000, 10000000, 100000000};
 
-/// The number that eight digit values make, the first one in the lowest byte: pairs, then fours, then all.
+/// The number of eight digit values, the first one in the lowest byte: combines pairs, then fours, then all.
 inline std::uint64_t valueOfEight(std::uint64_t digits) noexcept {
     digits = digits * (1 + (10 << 8)) >> 8;
     digits = (digits & 0x00FF00FF'00FF00FF) * (1 + (100 << 16)) >> 16;
     return (digits & 0x0000FFFF'0000FFFF) * (1 + (std::uint64_t(10000) << 32)) >> 32;
 }
 
-/// A power of five shifted so that its top bit is set, and what divides by it without a division.
+/// A power of five shifted so that its top bit is set, and the reciprocal that replaces a division by it.
 struct Divisor {
     std::uint64_t value = 0;
     std::uint64_t reciprocal = 0;  // (2^128-1)/value - 2^64
@@ -46,7 +46,7 @@ inline constexpr auto divisors = [] {
 
 }  // namespace decimal
 
-/// Continues `value` with the digits in [text, end), as far as its bits go, and gives the place behind them.
+/// Continues `value` with the digits in [text, end), as far as its bits suffice; returns the position after them.
 template <class Number>
 inline char const* takeDigits(char const* text, char const* end, Number& value) noexcept {
     using namespace decimal;
@@ -71,8 +71,8 @@ inline char const* takeDigits(char const* text, char const* end, Number& value) 
 
 namespace decimal {
 
-/// The double nearest to (high·2^64+low)·2^exponent/10^tenths, a tie to the even one. Requires: high from 2^61 to
-/// below 2^62, and tenths from 0 to mostTenths.
+/// The double nearest to (high·2^64+low)·2^exponent/10^tenths, ties to even. Requires: high from 2^61 to below 2^62,
+/// and tenths from 0 to mostTenths.
 inline double quotient(std::uint64_t high, std::uint64_t low, int exponent, int tenths) noexcept {
     Divisor const& by = divisors[tenths];
     // Möller and Granlund, "Improved division by invariant integers".
@@ -86,7 +86,7 @@ inline double quotient(std::uint64_t high, std::uint64_t low, int exponent, int 
         ++whole;
         rest -= by.value;
     }
-    // At least 61 bits, so that the lowest may stand for all that follow when the conversion rounds to 53.
+    // At least 61 bits, so the lowest can represent all following bits when the conversion rounds to 53.
     auto const sticky = static_cast<std::int64_t>(whole | (rest != 0));
     int const scale = exponent + by.shift - tenths;
     return static_cast<double>(sticky) * std::bit_cast<double>(std::uint64_t(1023 + scale) << 52);
@@ -94,7 +94,7 @@ inline double quotient(std::uint64_t high, std::uint64_t low, int exponent, int 
 
 }  // namespace decimal
 
-/// The double nearest to digits/10^tenths, a tie to the even one. Requires: 0 <= tenths <= mostTenths.
+/// The double nearest to digits/10^tenths, ties to even. Requires: 0 <= tenths <= mostTenths.
 inline double quotient(std::uint64_t digits, int tenths) noexcept {
     if (digits == 0) return 0;
     int const shift = std::countl_zero(digits);

@@ -1,4 +1,4 @@
-// The two readers of JSON.
+// Selects between the two JSON readers.
 #include "plst/impl/json/readJson.h"
 
 #include <utility>

@@ -1,4 +1,4 @@
-// Reading JSON: a fast reader for plain valid texts, and yajl, which decides about all others.
+// Reads JSON: a fast reader for plain valid texts, and yajl, which decides about all others.
 #pragma once
 
 #include <cstddef>
@@ -10,11 +10,11 @@ namespace nxPLST::impl {
 
 enum class JsonReading {
     refused,       ///< nothing was read
-    whole,         ///< the tree has everything that is in the text
-    perhapsLossy,  ///< the tree may lack something
+    whole,         ///< the tree has everything in the text
+    perhapsLossy,  ///< the tree may lack some values
 };
 
-/// Puts the tree of `text` into `out`, unless the text is refused.
+/// Stores the tree of `text` in `out`, unless the text is refused.
 JsonReading readJson(ur::Reference<Item>& out, std::string_view text);
 
 /// Builds the tree of a text in one pass, or gives up: then yajl decides.
@@ -24,7 +24,7 @@ public:
 
     /// The tree, or null after giving up. Call it once.
     ur::Reference<Item> read();
-    /// As of JsonTreeSink.
+    /// As `JsonTreeSink::lostNothing`.
     [[nodiscard]] bool lostNothing() const noexcept { return sink_.lostNothing(); }
 
 private:
@@ -32,7 +32,7 @@ private:
     JsonTreeSink sink_;
 };
 
-/// What yajl makes of the text, comments allowed. False when it refuses it; `out` then keeps its value.
+/// Reads the text with yajl, comments allowed. False when yajl refuses it; `out` then keeps its value.
 bool readWithYajl(ur::Reference<Item>& out, char const* text, std::size_t length);
 
 }  // namespace nxPLST::impl
