@@ -6,7 +6,9 @@
 #include <functional>
 #include <limits>
 
+#include "plst/JsonReport.h"
 #include "plst/impl/json/FastJsonScan.h"
+#include "plst/impl/json/JsonInspector.h"
 #include "plst/impl/json/YajlScan.h"
 
 namespace nxPLST {
@@ -95,6 +97,13 @@ bool JsonTape::read(std::string_view text) {
         if (scan([&](Sink& sink) { return impl::YajlScan<Sink>(sink).run(text); })) return true;
     }
     entries_.clear();
+    return false;
+}
+
+bool JsonTape::read(std::string_view text, JsonReport& report) {
+    report = {};
+    if (read(text)) return true;
+    impl::JsonInspector(text, &charge_).reportFault(report);
     return false;
 }
 

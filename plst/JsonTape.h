@@ -13,6 +13,8 @@
 
 namespace nxPLST {
 
+struct JsonReport;
+
 /// The values of a JSON text in sequence: each container before its content, each key before its value.
 ///
 /// Contains everything in the text, nulls and repeated keys included. A value: copies share only the text that was
@@ -40,6 +42,8 @@ public:
     /// Parses `text`, which must be a single JSON value and must live while the texts of entries are used. False for
     /// texts that `convertFromJSON` refuses, and from 4 GiB on; then there are no entries.
     bool read(std::string_view text);
+    /// The same; `report` says why a text is refused. It has no losses.
+    bool read(std::string_view text, JsonReport& report);
 
     [[nodiscard]] ur::vector<Entry> const& entries() const noexcept { return entries_; }
     /// Requires: `entry` is a text or a key.

@@ -41,6 +41,7 @@ bool convertToJSON(CString& text, ur::Reference<Item const> item, std::uint64_t 
 bool writeJson(urString::CString& text, ur::Reference<Item const> item, JsonStyle const& style) {
     impl::StyledJsonWriter writer(style);
     if (!writer.write(item.get())) return false;
+    if (style.charge) style.charge->add(writer.text().size());
     text.append(writer.text());
     return true;
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "foundation/ur/Account.h"
 #include "foundation/urString/CString.h"
 #include "foundation/urString/IString.h"
 #include "plst/Expansion.h"
@@ -37,6 +38,9 @@ struct JsonStyle {
     bool asciiOnly = false;  ///< writes non-ASCII characters as escape sequences
     /// The longest text for a tree that shares items.
     std::uint64_t mostExpandedBytes = mostExpandedText;
+    /// If set, the bytes of the text are added to this charge while it grows, and `writeJson` throws `ur::BudgetSpent`
+    /// beyond its account's limit.
+    ur::Charge* charge = nullptr;
 };
 
 /// Appends JSON of a tree of any depth, with integers up to 2^53 in full and other numbers with the fewest digits that

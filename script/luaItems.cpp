@@ -6,13 +6,16 @@
 #include <exception>
 #include <typeinfo>
 
+#include "foundation/nxLC/ReflectionData.h"
 #include "foundation/nxLC/protect.h"
 #include "foundation/nxLC/walkValue.h"
+#include "foundation/nxRFL/Database.h"
 #include "plst/Array.h"
 #include "plst/Bool.h"
 #include "plst/Dictionary.h"
 #include "plst/Double.h"
 #include "plst/String.h"
+#include "script/impl/itemFromLua.h"
 #include "script/impl/makeRoom.h"
 
 namespace nxSupport {
@@ -70,15 +73,21 @@ void pushAny(lua_State* state, Item const* item) {
     lua_pushnil(state);
 }
 
-/// Builds the items of a Lua value. What is open is held by what encloses it, and all of it by the root.
+constexpr std::size_t nodeBytes = 32;    ///< about, of an item with its allocation
+constexpr std::size_t memberBytes = 24;  ///< about, of a reference in its container, with a key
+
+/// Builds the items of a Lua value, and charges them. An open container is held by the one that encloses it, and all
+/// of them by the root.
 class ItemSink final : public nxLC::ValueSink {
 public:
+    explicit ItemSink(ur::Charge& charge) noexcept : charge_(charge) {}
     [[nodiscard]] Reference<Item> takeRoot() noexcept { return std::move(root_); }
 
     void onNil() override {}
     void onBoolean(bool value) override { add(ur::make<nxPLST::Bool>(value)); }
     void onNumber(double value) override { add(ur::make<nxPLST::Double>(value)); }
     void onText(char const* bytes, std::size_t size) override {
+        charge_.add(size);
         CString text(bytes, static_cast<std::size_t>(std::find(bytes, bytes + size, '\0') - bytes));
         if (isKeyNext()) {
             open_.back().key = std::move(text);
@@ -116,6 +125,7 @@ private:
         return !open_.empty() && open_.back().dictionary && !open_.back().hasKey;
     }
     void add(Reference<Item> item) {
+        charge_.add(nodeBytes + memberBytes);
         if (open_.empty()) {
             root_ = std::move(item);
         } else if (Open& top = open_.back(); top.array) {
@@ -126,6 +136,7 @@ private:
         }
     }
 
+    ur::Charge& charge_;
     Reference<Item> root_;
     ur::vector<Open> open_;
 };
@@ -144,11 +155,21 @@ void pushPListItem(lua_State* state, Reference<Item const> item) {
     }
 }
 
+std::shared_ptr<ur::Account> impl::accountOf(lua_State* state) {
+    auto const* const data = nxLC::ReflectionData::find(state);
+    return data ? data->getDB()->account() : nullptr;
+}
+
+Reference<Item const> impl::itemFromLua(lua_State* state, int index, ur::Charge& charge) {
+    ItemSink sink(charge);
+    nxLC::walkValue(state, index, sink);
+    return sink.takeRoot();
+}
+
 Reference<Item const> popPListItem(lua_State* state, int index) {
     try {
-        ItemSink sink;
-        nxLC::walkValue(state, index, sink);
-        return sink.takeRoot();
+        ur::Charge charge(impl::accountOf(state), 0);
+        return impl::itemFromLua(state, index, charge);
     } catch (std::exception const&) {
         return nullptr;
     }

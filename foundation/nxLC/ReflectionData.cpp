@@ -63,6 +63,8 @@ void ReflectionData::clearPropertyAssignmentHook(lua_State* state) noexcept {
 
 void ReflectionData::setLimits(Limits const& limits) noexcept { binding_.meter.setLimits(limits); }
 
+void ReflectionData::spend(std::uint64_t instructions) { binding_.meter.spendOrThrow(instructions); }
+
 void ReflectionData::interrupt() noexcept { binding_.meter.interrupt(); }
 
 void ReflectionData::end() noexcept {

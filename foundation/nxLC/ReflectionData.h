@@ -1,6 +1,8 @@
 // Binds a reflection database to a Lua state.
 #pragma once
 
+#include <cstdint>
+
 #include "foundation/nxRFL/Object.h"
 #include "foundation/ur/Export.h"
 
@@ -52,6 +54,9 @@ public:
 
     /// Applies to calls from native code that begin later.
     void setLimits(Limits const& limits) noexcept;
+    /// Called by a native function of the running script: counts its work as this many instructions. Throws an
+    /// `nxRFL::Exception` with the reason if the script must end. Does nothing while no script runs.
+    void spend(std::uint64_t instructions);
     /// Ends the running script, if any, with an error. Safe in signal handlers and on any thread while the state is
     /// open.
     void interrupt() noexcept;

@@ -20,7 +20,7 @@ public:
     void value(int index);
 
 private:
-    /// Fails if this many values exceed the budget.
+    /// Counts values. Fails if they exceed the budget, or the script must end.
     void spend(std::size_t values);
     void text(int index);
     void table(int index);
@@ -32,6 +32,7 @@ private:
 
     lua_State* state_;
     ValueSink& sink_;
+    impl::Meter* meter_;  ///< null for an unbound state
     std::size_t budget_;  ///< the number of values still allowed
     bool isRepeating_ = false;
 };
@@ -43,6 +44,8 @@ constexpr std::size_t bytesOfValue = 16;
 constexpr char const* wrongKeys = "is a table whose keys are neither 1 to n nor all strings";
 
 Walk::Walk(lua_State* state, ValueSink& sink) noexcept : state_(state), sink_(sink) {
+    impl::Binding* const binding = impl::Binding::find(state);
+    meter_ = binding ? &binding->meter : nullptr;
     // Values that are visited once fit into the state's memory, where a value takes 16 bytes or more.
     budget_ = static_cast<std::size_t>(lua_gc(state, LUA_GCCOUNT, 0)) * 1024 / bytesOfValue;
 }
@@ -50,11 +53,11 @@ Walk::Walk(lua_State* state, ValueSink& sink) noexcept : state_(state), sink_(si
 void Walk::spend(std::size_t values) {
     if (values > budget_ && !std::exchange(isRepeating_, true)) {
         // Shared parts are visited at every occurrence; this bounds their number.
-        impl::Binding const* const binding = impl::Binding::find(state_);
-        budget_ += binding ? binding->meter.limits().repeatedValues : Limits().repeatedValues;
+        budget_ += meter_ ? meter_->limits().repeatedValues : Limits().repeatedValues;
     }
     if (values > budget_) fail("is a table with itself in it, or with parts that it holds too often");
     budget_ -= values;
+    if (meter_) meter_->spendOrThrow(values);
 }
 
 void Walk::text(int index) {

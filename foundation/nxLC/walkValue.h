@@ -33,7 +33,9 @@ protected:
 /// Passes the value at `index` to `sink`, without calling metamethods. A table with the keys 1 to n, or without keys,
 /// is an array; one with text keys is a dictionary. Throws an `nxRFL::Exception` that continues "argument 1 …" for a
 /// table with other keys, a value that the sink rejects, a table inside itself or nested deeper than Lua's stack
-/// allows, and tables whose shared parts expand far beyond the memory that they occupy.
+/// allows, and tables whose shared parts expand far beyond the memory that they occupy. Each value counts as an
+/// instruction of the running script, each 16 bytes of text as another; if the script must end, the exception is the
+/// reason.
 NX_API void walkValue(lua_State* state, int index, ValueSink& sink);
 
 }  // namespace nxLC

@@ -1,21 +1,20 @@
 // Pushing what a JSON text holds, and writing one.
 #include "script/impl/jsonFunctions.h"
 
-#include <cstdio>
-#include <exception>
-
 #include "foundation/nxLC/ReflectionData.h"
 #include "foundation/nxLC/protect.h"
-#include "foundation/nxRFL/Database.h"
 #include "foundation/ur/Account.h"
 #include "plst/JsonReport.h"
 #include "plst/JsonTape.h"
+#include "script/impl/itemFromLua.h"
 #include "script/impl/makeRoom.h"
 #include "script/luaItems.h"
 
 namespace nxSupport::impl {
 
+using nxLC::ReflectionData;
 using nxPLST::JsonTape;
+using urString::CString;
 
 namespace {
 
@@ -69,92 +68,100 @@ private:
     JsonTape::Entry const* next_;
 };
 
-constexpr int budgetSpent = -1;
+void spend(ReflectionData* data, std::size_t instructions) {
+    if (data) data->spend(instructions);
+}
 
-/// The number of results: the value, or none; or `budgetSpent`.
-int decode(lua_State* state, std::string_view text) {
+/// Pushes the value of the tape. False, with nothing pushed, if it is nested too deeply or Lua has no memory.
+bool pushValue(lua_State* state, JsonTape const& tape) {
     try {
-        auto* const reflection = nxLC::ReflectionData::find(state);
-        JsonTape tape(reflection ? reflection->getDB()->account() : nullptr);
-        if (!tape.read(text)) return 0;
         nxLC::protect(state, 0, 1, [&tape](lua_State* inner) {
             TapePusher(inner, tape).pushNext();
             return 1;
         });
+        return true;
+    } catch (nxRFL::Exception const&) {
+        return false;
+    }
+}
+
+/// Pushes the value of the text. False, with nothing pushed and the reason in `why`, if it has none. Throws if the
+/// script must end or the memory is spent.
+bool decode(lua_State* state, std::string_view text, CString& why) {
+    auto* const data = ReflectionData::find(state);
+    spend(data, text.size());
+    JsonTape tape(accountOf(state));
+    nxPLST::JsonReport report;
+    if (!tape.read(text, report)) {
+        why = CString::format("line %zu, column %zu: %s", report.location.line, report.location.column,
+                              report.reason.c_str());
+        return false;
+    }
+    spend(data, tape.entries().size());
+    if (pushValue(state, tape)) return true;
+    spend(data, 0);
+    why = "the value is nested too deeply, or there is no memory";
+    return false;
+}
+
+int pushBytes(lua_State* state, CString const& text) {
+    nxLC::protect(state, 0, 1, [&text](lua_State* inner) {
+        lua_pushlstring(inner, text.data(), text.size());
         return 1;
-    } catch (ur::BudgetSpent const&) {
-        return budgetSpent;
-    } catch (std::exception const&) {
-        return 0;
-    }
+    });
+    return 1;
 }
 
-/// Why there is no value. In plain bytes, since errors of Lua pass by destructors.
-struct Reason {
-    char text[400] = "the value is nested too deeply, or there is no memory";
-};
-
-Reason reasonOf(std::string_view text) noexcept {
-    Reason reason;
-    try {
-        nxPLST::JsonReport report;
-        ur::Reference<nxPLST::Item> item;
-        if (nxPLST::convertFromJSON(item, urString::CString(text), report)) return reason;
-        std::snprintf(reason.text, sizeof reason.text, "line %zu, column %zu: %s", report.location.line,
-                      report.location.column, report.reason.c_str());
-    } catch (std::exception const&) {  // for want of memory
-    }
-    return reason;
-}
-
-int sayWhy(lua_State* state, char const* why) {
+/// Pushes nil and the reason.
+int fail(lua_State* state, CString const& why) {
     lua_pushnil(state);
-    lua_pushstring(state, why);
-    return 2;
+    return 1 + pushBytes(state, why);
 }
 
-/// The text on the stack, or null; otherwise why there is none.
-char const* encode(lua_State* state, unsigned indent) noexcept {
+int encode(lua_State* state, unsigned indent) {
+    auto* const data = ReflectionData::find(state);
+    ur::Charge charge(accountOf(state), 0);
+    ur::Reference<nxPLST::Item const> item;
     try {
-        auto const item = popPListItem(state, 1);
-        if (!item)
-            return "the value has no JSON form: it is nil or holds what is no boolean, number, string or plain table";
-        urString::CString text;
-        if (!nxPLST::writeJson(text, item, {.indent = indent}))
-            return "the value has no JSON form: it holds a number that is not finite, or too much that is shared";
-        nxLC::protect(state, 0, 1, [&text](lua_State* inner) {
-            lua_pushlstring(inner, text.data(), text.size());
-            return 1;
-        });
-        return nullptr;
-    } catch (std::exception const&) {
-        return "there is no memory for the text";
+        item = itemFromLua(state, 1, charge);
+    } catch (nxRFL::Exception const& error) {
+        spend(data, 0);
+        return fail(state, "the value has no JSON form: it " + error.message());
     }
+    if (!item) return fail(state, "the value has no JSON form: it is nil");
+    CString text;
+    if (!nxPLST::writeJson(text, item, {.indent = indent, .charge = &charge}))
+        return fail(state, "the value has no JSON form: it holds a number that is not finite");
+    spend(data, text.size());
+    return pushBytes(state, text);
 }
 
 }  // namespace
 
 int decodeJson2(lua_State* state) {
     if (lua_gettop(state) != 1 || !lua_isstring(state, 1)) return 0;
-    // Up to the first NUL. Of a number this makes a text, and may raise: nothing has been made yet.
-    int const results = decode(state, lua_tostring(state, 1));
-    return results == budgetSpent ? luaL_error(state, "%s", ur::BudgetSpent().what()) : results;
+    // Up to the first NUL. May raise, since it converts a number.
+    char const* const text = lua_tostring(state, 1);
+    return nxLC::guard(state, [=] {
+        CString why;
+        return decode(state, text, why) ? 1 : 0;
+    });
 }
 
 int decodeJson(lua_State* state) {
     std::size_t size = 0;
     char const* const text = luaL_checklstring(state, 1, &size);
-    int const results = decode(state, {text, size});
-    if (results == budgetSpent) return luaL_error(state, "%s", ur::BudgetSpent().what());
-    return results > 0 ? results : sayWhy(state, reasonOf({text, size}).text);
+    return nxLC::guard(state, [=] {
+        CString why;
+        return decode(state, {text, size}, why) ? 1 : fail(state, why);
+    });
 }
 
 int encodeJson(lua_State* state) {
     luaL_checkany(state, 1);
     auto const indent = luaL_optinteger(state, 2, 0);
     if (indent < 0) return luaL_argerror(state, 2, "the spaces of a level are 0 or more");
-    char const* const why = encode(state, static_cast<unsigned>(indent));
-    return why ? sayWhy(state, why) : 1;
+    return nxLC::guard(state, [=] { return encode(state, static_cast<unsigned>(indent)); });
 }
 
 }  // namespace nxSupport::impl

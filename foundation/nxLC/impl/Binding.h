@@ -141,7 +141,7 @@ public:
     UsedStacks(UsedStacks const&) = delete;
     UsedStacks& operator=(UsedStacks const&) = delete;
     ~UsedStacks() {
-        binding_.meter.spend(stacks_->arguments.length() + stacks_->results.length());
+        binding_.meter.spend(stacks_->results.length());
         stacks_->arguments.clear();
         stacks_->results.clear();
         --binding_.callDepth;

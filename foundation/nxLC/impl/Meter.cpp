@@ -45,16 +45,24 @@ void Meter::detach(lua_State* state) noexcept {
 
 void* Meter::allocate(void* meter, void* block, std::size_t oldSize, std::size_t newSize) {
     auto& self = *static_cast<Meter*>(meter);
-    if (newSize > oldSize && !self.account_->allows(newSize - oldSize)) {
-        self.refused_ = true;
-        return nullptr;
-    }
+    if (newSize > oldSize && !self.grants(newSize - oldSize)) return nullptr;
     void* const result = self.allocator_(self.allocatorData_, block, oldSize, newSize);
     if (result || newSize == 0) {
         self.size_ += newSize - oldSize;
         self.account_->changeScript(newSize - oldSize);
     }
     return result;
+}
+
+bool Meter::grants(std::size_t bytes) noexcept {
+    if (!account_->allows(bytes)) {
+        refused_ = true;
+        return false;
+    }
+    if (bytes < largeBlock) [[likely]]
+        return true;
+    spendBytes(bytes);
+    return !mustStop();
 }
 
 /// Combines `bounds` with the limits of a call.
@@ -101,6 +109,11 @@ char const* Meter::reason() const noexcept {
     if (!stopped_) return nullptr;
     if (ended_) return "the script has ended";
     return interrupted_ ? "interrupted" : "instruction budget spent";
+}
+
+void Meter::spendOrThrow(std::uint64_t instructions) {
+    spend(instructions);
+    if (mustStop()) throw nxRFL::Exception(reason());
 }
 
 void Meter::tick(lua_State* state) {

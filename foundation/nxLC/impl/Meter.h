@@ -20,11 +20,13 @@ namespace nxLC::impl {
 /// later a thousand at a time. All threads together never run more than what was counted.
 ///
 /// When a script has used up its instructions or is interrupted, every further instruction of its thread raises an
-/// error, so catching the error does not help. Refused memory is Lua's ordinary error.
+/// error, so catching the error does not help. Refused memory is Lua's ordinary error. A single instruction may fill a
+/// large block of memory, so such blocks count by their size and are refused to a script that must end.
 class Meter final : private ur::Account::Collector {
 public:
-    static constexpr int period = 1000;     ///< the most instructions between two checks
-    static constexpr int firstPeriod = 50;  ///< of a coroutine
+    static constexpr int period = 1000;                     ///< the most instructions between two checks
+    static constexpr int firstPeriod = 50;                  ///< of a coroutine
+    static constexpr std::size_t bytesPerInstruction = 16;  ///< when texts are copied or searched
 
     /// `running` is the thread to collect on.
     Meter(std::shared_ptr<ur::Account> account, lua_State* const& running) noexcept
@@ -69,6 +71,9 @@ public:
     }
     /// Counts the work of a native function, such as copying values. Never raises.
     void spend(std::uint64_t instructions) noexcept { instructions_ += instructions; }
+    void spendBytes(std::size_t bytes) noexcept { spend(bytes / bytesPerInstruction); }
+    /// Counts, then throws an `nxRFL::Exception` with the reason if the script must end.
+    void spendOrThrow(std::uint64_t instructions);
 
     /// Frees memory that only garbage holds, if it is much. Never raises. Requires: no native operation is half done.
     void relieve(lua_State* state) noexcept {
@@ -77,7 +82,10 @@ public:
     }
 
 private:
+    static constexpr std::size_t largeBlock = 4096;
+
     static void* allocate(void* meter, void* block, std::size_t oldSize, std::size_t newSize);
+    [[nodiscard]] bool grants(std::size_t bytes) noexcept;
     void collect() noexcept override { collect(running_); }
     void collect(lua_State* state) noexcept;
     [[nodiscard]] ur::Account::Bounds bounded(ur::Account::Bounds bounds) noexcept;

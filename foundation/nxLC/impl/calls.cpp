@@ -112,6 +112,7 @@ bool readPlain(Binding& binding, lua_State* state, int index, PlainValue& value)
         case LUA_TSTRING:
             value.kind = PlainValue::Kind::text;
             value.bytes = lua_tolstring(state, index, &value.size);
+            binding.meter.spendBytes(value.size);
             return true;
         case LUA_TUSERDATA: return readPlainObject(binding, state, index, value);
         default: return false;

@@ -26,13 +26,17 @@ CString takeText(lua_State* state) {
     return result;
 }
 
+/// The reason for Lua's "not enough memory".
+CString whyRefused(Meter const& meter) {
+    if (meter.stopped()) return meter.reason();
+    return meter.memoryRefused() ? "memory budget spent" : "not enough memory";
+}
+
 CString messageOf(lua_State* state) {
     if (lua_type(state, -1) == LUA_TSTRING) {
         Binding const* const binding = Binding::find(state);
-        bool const isRefusal =
-            binding && binding->meter.memoryRefused() && std::strcmp(lua_tostring(state, -1), "not enough memory") == 0;
         CString text = takeText(state);
-        return isRefusal ? CString("memory budget spent") : text;
+        return binding && text == "not enough memory" ? whyRefused(binding->meter) : text;
     }
     CString text = CString::format("(error object is a %s value)", luaL_typename(state, -1));
     lua_pop(state, 1);

@@ -2,9 +2,11 @@
 #include "foundation/nxLC/impl/libraries.h"
 
 #include <algorithm>
+#include <bit>
 #include <climits>
 #include <cstdint>
 #include <initializer_list>
+#include <string_view>
 
 #include "foundation/nxLC/impl/Binding.h"
 
@@ -31,11 +33,22 @@ void remove(lua_State* state, char const* table, std::initializer_list<char cons
 /// Calls the function that is the first upvalue, with the arguments of the running function.
 int callOriginal(lua_State* state) { return lua_tocfunction(state, lua_upvalueindex(1))(state); }
 
-constexpr std::size_t longestPattern = 10000;
+/// Counts the work of a library function as instructions, before it begins. Raises if the script must end.
+void spend(lua_State* state, std::uint64_t instructions) {
+    Binding* const binding = Binding::find(state);
+    if (!binding) return;
+    binding->meter.spend(instructions);
+    if (binding->meter.mustStop()) luaL_error(state, "%s", binding->meter.reason());
+}
 
-/// Refuses patterns so long that matching them might overflow the native stack. The second upvalue is true if the
-/// fourth argument can make the pattern plain text.
+constexpr std::size_t longestPattern = 10000;
+constexpr std::size_t shortText = 1024;  ///< shorter ones are not counted
+
+/// Refuses patterns so long that matching them might overflow the native stack. Counts one pass over the text. The
+/// second upvalue is true if the fourth argument can make the pattern plain text.
 int matchBounded(lua_State* state) {
+    std::size_t const size = lua_type(state, 1) == LUA_TSTRING ? lua_objlen(state, 1) : 0;
+    if (size >= shortText) spend(state, size / Meter::bytesPerInstruction);
     bool const isPlain = lua_toboolean(state, lua_upvalueindex(2)) && lua_toboolean(state, 4);
     if (lua_type(state, 2) == LUA_TSTRING && lua_objlen(state, 2) > longestPattern && !isPlain)
         return luaL_error(state, "the pattern is too long");
@@ -78,9 +91,7 @@ int moveBounded(lua_State* state) {
     if (!(position >= 0 && fits(position))) return luaL_error(state, "the position is out of bounds");
     double const moved = static_cast<double>(lua_objlen(state, 1)) - position;
     if (moved > mostMoved) return luaL_error(state, "too many elements to move");
-    Binding* const binding = moved > 0 ? Binding::find(state) : nullptr;
-    if (binding) binding->meter.spend(static_cast<std::uint64_t>(moved));
-    if (binding && binding->meter.mustStop()) return luaL_error(state, "%s", binding->meter.reason());
+    if (moved > 0) spend(state, static_cast<std::uint64_t>(moved));
     return callOriginal(state);
 }
 
@@ -92,6 +103,21 @@ int removeBounded(lua_State* state) {
 
 /// `insert` with two arguments appends the second, which may be a number.
 int insertBounded(lua_State* state) { return lua_gettop(state) == 3 ? moveBounded(state) : callOriginal(state); }
+
+/// Counts the comparisons of a table whose elements need no script function for them.
+int sortCounted(lua_State* state) {
+    std::uint64_t const count = lua_type(state, 1) == LUA_TTABLE ? lua_objlen(state, 1) : 0;
+    spend(state, count * static_cast<std::uint64_t>(std::bit_width(count)));
+    return callOriginal(state);
+}
+
+/// Counts what a collection goes through.
+int collectCounted(lua_State* state) {
+    std::string_view const option = luaL_optstring(state, 1, "collect");
+    std::uint64_t const bytes = static_cast<std::uint64_t>(lua_gc(state, LUA_GCCOUNT, 0)) * 1024;
+    if (option == "collect" || option == "step") spend(state, bytes / Meter::bytesPerInstruction);
+    return callOriginal(state);
+}
 
 /// Its address is the registry key.
 char const proxiesKey = 0;
@@ -159,7 +185,9 @@ void openLibraries(lua_State* state, Library library) {
         bound(state, LUA_STRLIBNAME, {"find", "match", "gmatch", "gsub"}, &matchBounded);
     }
     bound(state, "_G", {"unpack"}, &unpackBounded);
+    bound(state, "_G", {"collectgarbage"}, &collectCounted);
     bound(state, LUA_STRLIBNAME, {"rep"}, &repeatBounded);
+    bound(state, LUA_TABLIBNAME, {"sort"}, &sortCounted);
     bound(state, LUA_TABLIBNAME, {"insert"}, &insertBounded);
     bound(state, LUA_TABLIBNAME, {"remove"}, &removeBounded);
 }

@@ -70,6 +70,7 @@ void readValue(Binding& binding, lua_State* state, int index, Writer& writer, Ob
         case LUA_TSTRING: {
             std::size_t size = 0;
             char const* const text = lua_tolstring(state, index, &size);
+            binding.meter.spendBytes(size);
             return writer.writeText(CString(text, size));
         }
         case LUA_TUSERDATA:
@@ -153,6 +154,7 @@ void readArguments(Binding& binding, lua_State* state, Function const& function,
             // They stay on Lua's stack, and so alive, for the duration of the call.
             readValue(binding, state, i, writer, Object::Hold::borrowed);
         } catch (Exception const& error) {
+            if (binding.meter.stopped()) throw;
             throw Exception(argumentName(function, i - 1) + error.message());
         }
     }
@@ -166,6 +168,7 @@ void readValues(Binding& binding, lua_State* state, int first, Stack& stack) {
         try {
             readValue(binding, state, i, writer, Object::Hold::shared);
         } catch (Exception const& error) {
+            if (binding.meter.stopped()) throw;
             throw Exception(CString::format("value %d ", i - first + 1) + error.message());
         }
     }

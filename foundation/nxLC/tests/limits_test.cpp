@@ -300,4 +300,23 @@ TEST_F(Sandbox, CountsTheElementsThatLibrariesMove) {
     EXPECT_EQ(run("for i = 1, 100 do table.insert(long, 1, i) end"), "test:1: instruction budget spent");
 }
 
+TEST_F(Sandbox, CountsTheBytesThatLibrariesHandle) {
+    std::string const data =
+        "local text, list, objects = ('x'):rep(2^22), {}, {} "
+        "for i = 1, 2^15 do list[i] = i * 7919 % 1000 objects[i] = {} end ";
+    for (char const* const work :
+         {"string.rep('x', 2^24)", "text:find('y')", "text:gmatch('y')", "text:gsub('y', 'z')", "table.sort(list)",
+          "collectgarbage()", "collectgarbage('step', 10000)", "farm.tools.echo(text)", "farm.tools.echo({text})"}) {
+        state->setLimits({.instructions = 20'000'000});
+        succeed(data + "for i = 1, 5 do " + work + " end");
+        EXPECT_TRUE(run(data + "while true do pcall(function() " + work + " end) end").ends_with("budget spent"))
+            << work;
+        EXPECT_EQ(run("local t = {} for i = 1, 100000 do t[i] = i end"), "ok") << "the state still works";
+    }
+    state->setLimits({.instructions = 1'000'000});
+    EXPECT_EQ(run("string.rep('x', 2^25)"), "instruction budget spent") << "refused as memory, with the true reason";
+    succeed("collectgarbage('count') collectgarbage('stop') collectgarbage('restart')");
+    succeed("for i = 1, 5000 do assert(('x'):rep(1000):find('x')) end");
+}
+
 }  // namespace

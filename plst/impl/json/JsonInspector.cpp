@@ -100,6 +100,7 @@ void JsonInspector::reportFault(JsonReport& report) {
 }
 
 void JsonInspector::reportLosses(JsonReport& report) {
+    seeksLosses_ = true;
     static_cast<void>(inspect());
     std::sort(losses_.begin(), losses_.end(), before);
     JsonLocation location;
@@ -188,6 +189,8 @@ bool JsonInspector::fail(char const* expected) {
 }
 
 void JsonInspector::open(bool isArray) {
+    if (charge_ && frames_.size() == frames_.capacity())
+        charge_->add(std::max<std::size_t>(frames_.size(), 1) * sizeof(Frame));
     frames_.push_back({scanner_.at, isArray, members_.size()});
     ++scanner_.at;
 }
@@ -207,11 +210,12 @@ void JsonInspector::close() {
 }
 
 void JsonInspector::addMember() {
-    if (frames_.empty() || frames_.back().isArray) return;
+    if (!seeksLosses_ || frames_.empty() || frames_.back().isArray) return;
     members_.push_back({unescaped(frames_.back().key), frames_.back().key});
 }
 
 void JsonInspector::addLoss(JsonLoss::Kind kind, char const* start) {
+    if (!seeksLosses_) return;
     ++lossCount_;
     bool const isFull = losses_.size() == JsonReport::mostLosses;
     if (isFull && losses_.front().location.offset < offset(start)) return;

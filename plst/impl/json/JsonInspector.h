@@ -14,9 +14,12 @@ namespace nxPLST::impl {
 /// Scans a text again and tracks the position in it, to fill a report.
 class JsonInspector {
 public:
-    explicit JsonInspector(std::string_view text) : text_(text), scanner_(text) {}
+    /// `charge` may be null.
+    explicit JsonInspector(std::string_view text, ur::Charge* charge = nullptr)
+        : text_(text), scanner_(text), charge_(charge) {}
 
-    /// Reports the fault of a refused text. Call only one of these, once.
+    /// Reports the fault of a refused text. Call only one of these, once. Takes some fifty bytes for each level of
+    /// nesting, which are charged: throws `ur::BudgetSpent`.
     void reportFault(JsonReport& report);
     /// Reports the losses of an accepted text.
     void reportLosses(JsonReport& report);
@@ -53,6 +56,8 @@ private:
 
     std::string_view text_;
     JsonScanner scanner_;
+    ur::Charge* charge_;
+    bool seeksLosses_ = false;
     bool endedEarly_ = false;  // between tokens
     std::vector<Frame> frames_;
     std::vector<Member> members_;

@@ -22,6 +22,7 @@ constexpr std::size_t deepestIndent = 127;
 StyledJsonWriter::StyledJsonWriter(JsonStyle const& style)
     : indent_(std::min<std::size_t>(style.indent, widestIndent)),
       asciiOnly_(style.asciiOnly),
+      charge_(style.charge),
       guard_(style.mostExpandedBytes) {}
 
 bool StyledJsonWriter::write(Item const* root) {
@@ -31,6 +32,11 @@ bool StyledJsonWriter::write(Item const* root) {
         if (!writeNext()) return false;
     }
     return guard_.allows(text_.size(), nullptr);
+}
+
+void StyledJsonWriter::chargeGrowth() {
+    charge_->add(text_.capacity() - charged_);
+    charged_ = text_.capacity();
 }
 
 /// Writes the next child of the innermost container, or closes it.
@@ -62,6 +68,7 @@ bool StyledJsonWriter::writeNext() {
 
 bool StyledJsonWriter::writeItem(Item const* item) {
     if (!guard_.allows(text_.size(), item)) return false;
+    if (charge_ && text_.capacity() > charged_) chargeGrowth();
     if (!item) {
         text_ += "null";
         return true;

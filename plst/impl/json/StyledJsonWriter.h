@@ -20,6 +20,7 @@ public:
     [[nodiscard]] std::string const& text() const noexcept { return text_; }
 
 private:
+    void chargeGrowth();
     bool writeNext();
     bool writeItem(Item const* item);
     bool writeNumber(double value);
@@ -34,6 +35,8 @@ private:
     std::string text_;
     std::size_t const indent_;
     bool const asciiOnly_;
+    ur::Charge* const charge_;
+    std::size_t charged_ = 0;
     ExpansionGuard guard_;
     ur::vector<ChildWalk> open_;
     bool isFirst_ = true;  // whether the next child is the innermost container's first

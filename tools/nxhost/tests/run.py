@@ -89,6 +89,17 @@ USAGE = [  # arguments, standard input, exit code, what is in the output
         "host.document:set('name' .. i % 10, {i, ('x'):rep(10000)})", "host.document:validate('name', print)",
         "host.later(function() end)", "host.document:edit(('n'):rep(200) .. i, function() host.document:set('a', i) end)",
         "host.cache:resource('name' .. i, print)")),
+    (["--instructions", "100000", "-e", "for i = 1, 30000 do end print('ended')"], "", 0, "ended"),
+    (["--instructions", "100000", "-e", "for i = 1, 300000 do end"], "", 1, "instruction budget spent"),
+    *((["--sandbox", "--instructions", "3000000", "--memory", "100M", "-e", f"local t, s = {{}}, ('[1,'):rep(100000) "
+        f"for i = 1, 100000 do t[i] = i end local d = {{}} for i = 1, 60 do d = {{d, d}} end while true do {work} end"],
+       "", 1, "instruction budget spent") for work in (
+        "nx.encodeJSON(t)", "pcall(nx.encodeJSON, d)", "pcall(nx.decodeJSON, s)", "nx.decodeJSON2(s)",
+        "pcall(nx.createLCStack, t)", "host.registry:setKey('s', s)", "host.registry:setKey('t', t)")),
+    *((["--sandbox", "--memory", "20M", "-e", make], "", 1, "memory budget spent") for make in (
+        "local t, s = {}, ('x'):rep(1000000) for i = 1, 15 do t[i] = s end nx.encodeJSON(t)",
+        "local t = {} for i = 1, 100000 do t[i] = i end nx.encodeJSON(t, 16) nx.encodeJSON({t, t, t})",
+        "nx.decodeJSON(('['):rep(3000000))", "nx.decodeJSON(('[1,'):rep(5000000))")),
     (["--list", "script.lua"], "", 2, "nxhost: a listing takes neither a script nor -e or -i"),
     (["--list", "--stubs"], "", 0, "\n---@class nxhost.Connection : nxNet.Connection\n"),
     (["--list", "--stubs"], "", 0, "\n---@param text string\n---@return any value\nfunction nx.decodeJSON2(text) end\n"),
@@ -244,7 +255,7 @@ def untested(nxhost):
 def uncompleted(nxhost):
     """What bash does not offer."""
     script = subprocess.run([nxhost, "--completion"], check=True, capture_output=True, text=True).stdout
-    for word, wanted in (("--st", "--stubs --stats"), ("file", "")):
+    for word, wanted in (("--st", "--stubs --stall --stats"), ("file", "")):
         run = subprocess.run(["bash", "-c", f'{script}\nCOMP_WORDS=(nxhost {word}) COMP_CWORD=1; _nxhost; echo "${{COMPREPLY[@]}}"'],
                              capture_output=True, text=True)
         if run.stdout.strip() != wanted or run.stderr:

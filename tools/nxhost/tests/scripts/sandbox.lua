@@ -1,4 +1,4 @@
--- options: --sandbox --instructions 5000 --memory 20M
+-- options: --sandbox --instructions 5000000 --memory 20M
 -- A sandboxed script reaches no files, not even by uploads, and is stopped when it uses too much.
 print(io, os and os.execute, require, dofile, loadstring, debug)
 local request = host.network:createRequest()
