@@ -37,7 +37,7 @@ bool FileSink::openDevice(urString::CString const& path) {
         ::close(descriptor);
         return false;
     }
-    device_ = std::make_shared<PipeWriter>(descriptor);
+    device_ = std::make_shared<PipeWriter>(descriptor, transfers_.options().stallLimit);
     return true;
 }
 

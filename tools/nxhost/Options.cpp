@@ -77,6 +77,8 @@ constexpr Option options[] = {
      [](Options& o, std::string_view value) { o.cacheLimit = sizeIn(value, "--cache"); }},
     {"--time", "SECONDS", "let a transfer take at most SECONDS (3600; 0: for ever)",
      [](Options& o, std::string_view value) { o.network.timeLimit = secondsIn(value, "--time"); }},
+    {"--stall", "SECONDS", "give up a transfer or a pipe after SECONDS without a byte (60; 0: never)",
+     [](Options& o, std::string_view value) { o.network.stallLimit = secondsIn(value, "--stall"); }},
     {"--body", "SIZE", "refuse answers of more than SIZE bytes (1G; 0: none)",
      [](Options& o, std::string_view value) { o.network.bodyLimit = sizeIn(value, "--body"); }},
     {"--private", "", "let the sandbox reach loopback, link-local and private addresses",

@@ -26,6 +26,7 @@ struct NetworkOptions {
     std::vector<std::string> schemes{"http", "https"};
     std::string authorities;               ///< a file of certificates to trust; empty: those of the system
     double timeLimit = 3600;               ///< of a transfer, in seconds; 0 for none
+    double stallLimit = 60;                ///< seconds in which some byte must move, and a host answer; 0 for none
     std::uint64_t bodyLimit = 1ULL << 30;  ///< of an answer's body, in bytes; 0 for none
     bool sandboxed = false;                ///< no files, no proxies; scripts cannot raise the time limit
     bool reachesPrivate = false;           ///< also in the sandbox

@@ -9,13 +9,13 @@
 
 #include "foundation/nxRFL/Exception.h"
 #include "foundation/urUtil/Error.h"
+#include "tools/nxhost/deadline.h"
 
 namespace nxhost {
 namespace {
 
 using urString::CString;
 
-constexpr std::chrono::seconds longestStall{60};
 constexpr std::size_t mostWaitingBytes = std::size_t(16) << 20U;
 
 /// As write, but a pipe that nobody reads any more is an error only, and no signal.
@@ -72,7 +72,9 @@ bool PipeWriter::advance() {
     return error_.empty();
 }
 
-PipeWriter::Clock::time_point PipeWriter::deadline() const noexcept { return lastProgress_ + longestStall; }
+PipeWriter::Clock::time_point PipeWriter::deadline() const noexcept {
+    return deadlineAfter(lastProgress_, stallLimit_);
+}
 
 void PipeWriter::flush() {
     while (waits()) {

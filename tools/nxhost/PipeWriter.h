@@ -19,8 +19,9 @@ class PipeWriter {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// Takes over the descriptor, which does not block.
-    explicit PipeWriter(int descriptor) noexcept : descriptor_(descriptor) {}
+    /// Takes over the descriptor, which does not block. Gives up a reader that takes nothing for `stallLimit` seconds;
+    /// 0 for no limit.
+    PipeWriter(int descriptor, double stallLimit) noexcept : descriptor_(descriptor), stallLimit_(stallLimit) {}
     PipeWriter(PipeWriter const&) = delete;
     PipeWriter& operator=(PipeWriter const&) = delete;
     ~PipeWriter() { close(); }
@@ -49,6 +50,7 @@ private:
     void close();
 
     int descriptor_;
+    double stallLimit_;
     std::deque<ur::Reference<urThread::Buffer>> waiting_;
     std::size_t written_ = 0;  ///< of the first one
     std::size_t bytes_ = 0;    ///< of all, as far as they are not written

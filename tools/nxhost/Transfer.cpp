@@ -2,9 +2,11 @@
 #include "tools/nxhost/Transfer.h"
 
 #include <algorithm>
+#include <cmath>
 #include <string_view>
 
 #include "tools/nxhost/addresses.h"
+#include "tools/nxhost/deadline.h"
 #include "tools/nxhost/setOption.h"
 #include "tools/nxhost/trimmed.h"
 
@@ -14,7 +16,6 @@ namespace {
 using urString::CString;
 
 constexpr long connectSeconds = 30;
-constexpr long stallSeconds = 60;
 constexpr std::size_t mostHeaderBytes = 1 << 20;
 
 TransferError errorFor(CURLcode code) {
@@ -68,7 +69,8 @@ struct Transfer::Callbacks {
             self.isPaused_ = self.isHeld_;
             if (self.isPaused_) return CURL_WRITEFUNC_PAUSE;
             self.bodyBytes_ += size;
-            self.isTooLarge_ = self.options_.bodyLimit != 0 && self.bodyBytes_ > self.options_.bodyLimit;
+            self.isTooLarge_ =
+                self.options_.bodyLimit != 0 && std::max(self.bodyBytes_, self.announced()) > self.options_.bodyLimit;
             if (self.isTooLarge_) return 0;
             self.events_.emplace_back(Received{ur::make<urThread::Buffer>(bytes, size)});
             return size;
@@ -162,15 +164,22 @@ int Transfer::status() const {
     return static_cast<int>(status);
 }
 
+/// The size of the body by the answer's header, or 0.
+std::uint64_t Transfer::announced() const {
+    curl_off_t bytes = 0;
+    curl_easy_getinfo(handle_.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &bytes);
+    return static_cast<std::uint64_t>(std::max<curl_off_t>(bytes, 0));
+}
+
 void Transfer::setUp(double timeLimit) {
     CURL* const handle = handle_.get();
     setOption(handle, CURLOPT_ERRORBUFFER, errorText_);
     setOption(handle, CURLOPT_QUICK_EXIT, 1L);  // cancelling does not wait for a name to be resolved
     setOption(handle, CURLOPT_USERAGENT, "nxhost/" NX_VERSION);
-    setOption(handle, CURLOPT_CONNECTTIMEOUT, connectSeconds);
+    long const stall = static_cast<long>(std::ceil(std::min(options_.stallLimit, mostSeconds)));
+    setOption(handle, CURLOPT_CONNECTTIMEOUT, stall > 0 ? std::min(stall, connectSeconds) : connectSeconds);
     setOption(handle, CURLOPT_LOW_SPEED_LIMIT, 1L);
-    setOption(handle, CURLOPT_LOW_SPEED_TIME, stallSeconds);
-    constexpr double mostSeconds = 1e6;
+    setOption(handle, CURLOPT_LOW_SPEED_TIME, stall);
     if (timeLimit > 0)
         setOption(handle, CURLOPT_TIMEOUT_MS, std::max(1L, static_cast<long>(std::min(timeLimit, mostSeconds) * 1000)));
     if (!options_.authorities.empty()) setOption(handle, CURLOPT_CAINFO, options_.authorities.c_str());

@@ -46,6 +46,7 @@ private:
     void keepToPublicHosts();
     [[nodiscard]] Failed failure(CURLcode result) const;
     [[nodiscard]] int status() const;
+    [[nodiscard]] std::uint64_t announced() const;
     void noteHeaderLine(std::string_view line);
     void noteProgress(Progressed const& progress);
 

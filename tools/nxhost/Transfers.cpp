@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "tools/nxhost/Connection.h"
+#include "tools/nxhost/deadline.h"
 
 namespace nxhost {
 namespace {
@@ -64,8 +65,8 @@ void Transfers::start(Connection& connection) {
     curl_easy_setopt(handle, CURLOPT_PRIVATE, &connection);
     if (!transfer->hasEvents() && curl_multi_add_handle(multi_, handle) != CURLM_OK)
         transfer->fail({TransferError::other, "no transfer can be added"});
-    jobs_.emplace(&connection,
-                  Job{ur::Reference<Connection>(&connection), std::move(transfer), deadlineAfter(timeLimit)});
+    jobs_.emplace(&connection, Job{ur::Reference<Connection>(&connection), std::move(transfer),
+                                   deadlineAfter(Clock::now(), timeLimit)});
 }
 
 void Transfers::stop(Connection& connection) noexcept {
@@ -78,14 +79,6 @@ double Transfers::limited(double seconds) const noexcept {
     double const most = options_.timeLimit;
     if (!options_.sandboxed || most == 0) return seconds;
     return seconds > 0 && seconds < most ? seconds : most;
-}
-
-/// libcurl has the same one, but has finished early with what is still to be written.
-Transfers::Clock::time_point Transfers::deadlineAfter(double seconds) const {
-    constexpr double mostSeconds = 1e6;
-    if (seconds <= 0) return Clock::time_point::max();
-    return Clock::now() +
-           std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(std::min(seconds, mostSeconds)));
 }
 
 void Transfers::waitFor(std::shared_ptr<PipeWriter> const& pipe) {

@@ -65,14 +65,13 @@ private:
     struct Job {
         ur::Reference<Connection> connection;
         std::unique_ptr<Transfer> transfer;
-        Clock::time_point deadline;
-        Pipes pipes = {};  ///< that it is held for
+        Clock::time_point deadline;  ///< libcurl has the same, but not for what is still to be written
+        Pipes pipes = {};            ///< that it is held for
 
         [[nodiscard]] bool hasEvents() const noexcept { return pipes.empty() && transfer->hasEvents(); }
     };
 
     [[nodiscard]] double limited(double seconds) const noexcept;
-    [[nodiscard]] Clock::time_point deadlineAfter(double seconds) const;
     void advancePipes();
     static void giveUp(Job& job);
     [[nodiscard]] int mostMilliseconds() const;

@@ -1,5 +1,6 @@
 """An HTTP server on the loopback that answers well and badly, for the tests of transfers."""
 import http.server
+import socket
 import ssl
 import threading
 import time
@@ -96,6 +97,26 @@ class Handler(http.server.BaseHTTPRequestHandler):
         self.wfile.write(b"12345")
         self.until_client_goes()
 
+    def on_announced(self):
+        """The start of a body of the size asked for."""
+        self.send_response(200)
+        self.send_header("Content-Length", self.query["size"])
+        self.end_headers()
+        self.wfile.write(b"12345")
+        self.until_client_goes()
+
+    def on_full(self):
+        """The address of a socket that accepts no more connections."""
+        full = socket.socket()
+        full.bind(("127.0.0.1", 0))
+        full.listen(0)
+        waiting = [socket.socket() for _ in range(4)]
+        for client in waiting:
+            client.setblocking(False)
+            client.connect_ex(full.getsockname())
+        self.server.kept += [full, *waiting]
+        self.send(f"http://127.0.0.1:{full.getsockname()[1]}/".encode())
+
     def on_deaf(self):
         """Does not read what is sent to it until it is told to."""
         self.server.listen_again.wait()
@@ -146,6 +167,7 @@ class Server(http.server.ThreadingHTTPServer):
         super().__init__((address, 0), Handler)
         self.requests = 0
         self.listen_again = threading.Event()
+        self.kept = []
         scheme = "http"
         if certificate:
             context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)

@@ -38,3 +38,11 @@ end)
 connection:start()
 net.wait(connection)
 print("huge", received == size, wrong, connection.received == size, collectgarbage("count") < 50 * 1024)
+-- A gigabyte is allowed, by default.
+for _, announced in ipairs{2 ^ 30, 2 ^ 30 + 1} do
+    connection = net.connection(("/announced?size=%d"):format(announced))
+    connection:setDataFunc(function() connection:cancel() end)
+    connection:start()
+    net.wait(connection)
+    print("announced", connection.status, connection.errorText)
+end
