@@ -207,27 +207,60 @@ TEST(BlockMap, FindsEveryOneOfManyEntries) {
     EXPECT_EQ(faults(up), "");
 }
 
+/// Runs `act` with one more copy of a key succeeding each time, until nothing fails.
+template <class Act>
+void withFailingCopies(Act const& act) {
+    bool failed = true;
+    for (int copies = 0; failed && !testing::Test::HasFailure(); ++copies) failed = act(copies);
+}
+
+/// Whether `act` threw when only `copies` copies of keys succeeded.
+template <class Act>
+bool fails(int copies, Act const& act) {
+    MapKey::copiesLeft = copies;
+    bool failed = false;
+    try {
+        act();
+    } catch (std::bad_alloc const&) {
+        failed = true;
+    }
+    MapKey::copiesLeft = -1;
+    return failed;
+}
+
 TEST(BlockMap, StaysWholeWhenTheCopyOfAKeyFails) {
     using Map = Small<2, 3>;
+    std::array<void (*)(Map&, MapKey const&), 5> const ways = {
+        [](Map& map, MapKey const& key) { map[key] = 0; }, [](Map& map, MapKey const& key) { map.ascending(key) = 0; },
+        [](Map& map, MapKey const& key) { map.try_emplace(map.lower_bound(key), key, 0); },
+        [](Map& map, MapKey const& key) { map.try_emplace(map.begin(), key, 0); },
+        [](Map& map, MapKey const& key) {
+            bool const isLast = map.empty() || std::prev(map.end())->first < key;
+            isLast ? map.emplaceLast(key, 0) : map.try_emplace(map.end(), key, 0);
+        }};
     for (int size = 0; size < 40; ++size) {
-        for (int at = -1; at < 2 * size; at += 2) {
-            for (int copies = 0;; ++copies) {
-                Map map;
-                for (int i = 0; i < size; ++i) map[2 * i] = i;
-                MapKey const key(at);
-                MapKey::copiesLeft = copies;
-                bool failed = false;
-                try {
-                    map[key] = at;
-                } catch (std::bad_alloc const&) {
-                    failed = true;
-                }
-                MapKey::copiesLeft = -1;
-                ASSERT_EQ(faults(map), "");
-                ASSERT_EQ(map.size() + failed, size + 1U);
-                if (!failed) break;
+        for (int at = -1; at <= 2 * size; at += 2) {
+            for (auto const way : ways) {
+                withFailingCopies([&](int copies) {
+                    Map map;
+                    for (int i = 0; i < size; ++i) map[2 * i] = i;
+                    MapKey const key(at);
+                    bool const failed = fails(copies, [&] { way(map, key); });
+                    EXPECT_EQ(faults(map), "") << size << " " << at;
+                    EXPECT_EQ(map.size() + failed, size + 1U);
+                    return failed;
+                });
             }
         }
+        withFailingCopies([&](int copies) {
+            Map map;
+            for (int i = 0; i < size; ++i) map[i] = i;
+            Map filled;
+            bool const failed = fails(copies, [&] { filled.copyWith(map, [](int value) { return value; }); });
+            EXPECT_EQ(faults(filled), "") << size;
+            EXPECT_TRUE(failed ? filled.size() < map.size() : filled == map);
+            return failed;
+        });
     }
 }
 
