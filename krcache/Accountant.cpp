@@ -1,4 +1,4 @@
-// Counting locked, hot and external bytes.
+// Counts locked, working-set and external bytes.
 #include "krcache/Accountant.h"
 
 #include "krcache/debugChannel.h"

@@ -9,11 +9,11 @@
 
 namespace urKRCache {
 
-/// Counts the bytes that are locked, that an interaction touches and that other code takes, and keeps their peaks.
+/// Counts the bytes of locked resources, of the resources that an interaction uses and of other code, with their peaks.
 ///
-/// Owned by the manager, which calls it. Prints new peaks on the cache's debug channel. Sizes are those that the shims
-/// have at the time of a call. Counters are wide inside; the 32-bit results stop at the largest value. They are
-/// signed, because bytes may go that an interaction did not see coming. The same thread as its manager.
+/// Owned by the manager, which calls it. Prints new peaks on the cache's debug channel. It uses the size that a shim
+/// has at the time of the call. Counters have 64 bits; the 32-bit results stop at the largest value. Counters are
+/// signed, because an interaction may subtract bytes that it never added. Same thread as its manager.
 class NX_API Accountant {
 public:
     Accountant() noexcept;
@@ -21,12 +21,12 @@ public:
     Accountant& operator=(Accountant const&);
     ~Accountant();
 
-    /// Opens an interaction; one that is open already begins anew.
+    /// Starts an interaction, or restarts the current one.
     void startInteraction() noexcept;
-    /// The peak of the interaction becomes the working set when there was no larger one.
+    /// Ends the interaction. Its peak becomes the working set unless an earlier one was larger.
     void endInteraction();
 
-    /// The first access in an interaction makes a resource hot.
+    /// Marks a resource as hot on its first access in an interaction.
     void resourceAccessed(Shim* shim) {
         if (inInteraction_ && !shim->hot_) makeHot(*shim);
     }
@@ -35,13 +35,13 @@ public:
     }
     void resourceLocked(Shim* shim);
     void resourceUnlocked(Shim* shim) noexcept;
-    /// The resource leaves memory: dropped or paged out.
+    /// Called when the resource leaves memory, dropped or paged out.
     void resourceCleared(Shim* shim) noexcept {
         if (shim->isResourceLocked()) lockedSize_ -= shim->size_;
         if (shim->hot_) forgetHot(*shim);
     }
 
-    /// Bytes that other code takes count as locked and as hot.
+    /// Counts bytes that other code takes as locked and as hot.
     void addExternal(unsigned bytes);
     void removeExternal(unsigned bytes);
 
@@ -49,7 +49,7 @@ public:
     [[nodiscard]] unsigned maxWorkingSet() const noexcept;
 
 private:
-    friend struct CacheProbe;  // for the tests alone
+    friend struct CacheProbe;  // for the tests only
     friend class Audit;
     friend class ManagerImpl;
     friend class Removals;

@@ -1,4 +1,4 @@
-// What keys do by default.
+// The defaults of keys.
 #include "krcache/KeyData.h"
 
 #include <typeinfo>

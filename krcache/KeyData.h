@@ -1,4 +1,4 @@
-// The description of a resource: what it is called and how it is built.
+// Base class of keys. A key identifies a resource and builds it.
 #pragma once
 
 #include <cstddef>
@@ -16,12 +16,12 @@ namespace urKRCache {
 
 class ManagerImpl;
 
-/// Names one resource and knows how to build it. Modules derive their own keys.
+/// Identifies one resource and builds it. Modules derive their own keys.
 ///
-/// The manager keeps the first of several equal keys and asks that one. What compares and hashes must not change
-/// while the key is in use. Every hook may use the cache, also for the key's own shim: a resource that is being
-/// built or paged is then absent. An exception from a hook reaches the caller of the cache and leaves the cache
-/// whole; a hook must not destroy the manager. The same thread as its manager.
+/// Of several equal keys the manager keeps and calls the first one only. State that `onCompare` or `onHash` reads must
+/// not change while the key is in use. Every hook may use the cache, even for the key's own shim; while a resource is
+/// being built or paged, an access to it returns null. An exception from a hook reaches the caller of the cache and
+/// leaves the cache intact. A hook must not destroy the manager. Same thread as its manager.
 class NX_API KeyData : public ur::ReferenceCount, public ur::NodeAllocated {
 public:
     /// Emitted each time the resource has been cleared, after `onResourceCleared`.
@@ -29,17 +29,17 @@ public:
 
     ~KeyData() override;
 
-    /// Whether `getPredeterminedSize` tells how large the resource will be, so that room can be made first.
+    /// Whether `getPredeterminedSize` returns the resource's size, so that room can be made before building it.
     [[nodiscard]] virtual bool hasPredeterminedSize() const;
-    /// In bytes. Asked once, when the shim is made.
+    /// In bytes. Called once, when the shim is created.
     [[nodiscard]] virtual unsigned getPredeterminedSize() const;
-    /// Whether the resource's bytes show up in the resident size of the process.
+    /// Whether the resource's bytes are part of the resident size of the process.
     [[nodiscard]] virtual bool isResidential() const;
 
-    /// Negative, 0 or positive. Classes come in the platform's order of type identities; within one class
-    /// `onCompare` decides.
+    /// Negative, 0 or positive. Keys of different classes follow the platform's order of type identities; keys of one
+    /// class follow `onCompare`.
     [[nodiscard]] int compare(KeyData const* other) const;
-    /// Equal for keys that compare equal. Computed once, unless it is 0.
+    /// Keys that compare equal have equal hashes. The hash is computed once, or each time if it is 0.
     [[nodiscard]] unsigned hash() const {
         if (memo_.hash == 0) memo_.hash = onHash();
         return memo_.hash;
@@ -48,24 +48,24 @@ public:
 protected:
     KeyData() noexcept;
 
-    /// A hash of the dynamic class, for `onHash` to start from.
+    /// A hash of the dynamic class; `onHash` can start from it.
     [[nodiscard]] unsigned getTypeHash() const;
 
-    /// Shows the visitor the shims of all sub-keys: removing one of them removes this key as well.
+    /// Passes the shims of all sub-keys to the visitor. Removing a sub-key also removes this key.
     virtual void onVisitSubKeys(KeyVisitor& visitor) const;
-    /// The key has been removed, after all that was built from its resource.
+    /// Called after the key and everything built from its resource were removed.
     virtual void onKeyRemoved();
-    /// The resource has been dropped; paging it out does not count.
+    /// Called after the resource was dropped, but not after it was paged out.
     virtual void onResourceCleared();
-    /// As `compare`. Requires of the caller: `other` has this object's dynamic class.
+    /// As `compare`. The caller passes only an `other` of this object's dynamic class.
     [[nodiscard]] virtual int onCompare(KeyData const* other) const = 0;
     /// As `hash`.
     [[nodiscard]] virtual unsigned onHash() const = 0;
-    /// Null when there is nothing to build now; the next access asks again.
+    /// Builds the resource. Null if there is nothing to build now; the next access calls it again.
     [[nodiscard]] virtual ur::Reference<Resource> onCreateResource() const = 0;
 
 private:
-    /// The resource is in place and counted: after building, and each time after it has been read back.
+    /// Called when the resource is in place and counted: after it was built, and each time it was read back.
     virtual void onInitializeResource(ur::Reference<Resource> resource) const;
 
     friend class ManagerImpl;
@@ -80,7 +80,8 @@ private:
     }
     void visitSubKeys(KeyVisitor& visitor) const { onVisitSubKeys(visitor); }
 
-    /// What the cache remembers of this very object. A copy starts without, since it may yet be changed.
+    /// What the cache stores about this object. A copy starts with an empty memo, because the copy may still be
+    /// changed.
     struct Memo {
         Memo() noexcept = default;
         Memo(Memo const& /*other*/) noexcept {}
@@ -91,7 +92,7 @@ private:
         Memo& operator=(Memo&&) noexcept = default;
         ~Memo() = default;
 
-        Shim* shim = nullptr;  ///< that was made for it: found again without the table
+        Shim* shim = nullptr;  ///< the shim created for this object; saves looking in the table
         ManagerImpl const* owner = nullptr;
         unsigned hash = 0;
     };

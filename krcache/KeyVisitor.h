@@ -7,7 +7,7 @@ namespace urKRCache {
 
 class Shim;
 
-/// Called for the shims that a key's resource is built from, by `KeyData::onVisitSubKeys`.
+/// `KeyData::onVisitSubKeys` calls it for each shim that the key's resource is built from.
 class NX_API KeyVisitor {
 public:
     KeyVisitor() noexcept = default;

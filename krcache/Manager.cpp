@@ -1,4 +1,4 @@
-// The manager's interface, and how the process finds its manager and its debug channel.
+// The public interface of the manager, and the process-wide manager and debug channel.
 #include "krcache/Manager.h"
 
 #include <limits>

@@ -9,10 +9,10 @@
 
 namespace urKRCache {
 
-/// A stretch of the page file: free, or holding what one paged-out resource wrote.
+/// A chunk of the page file, either free or used by one paged-out resource.
 ///
-/// Owned by the page file, whose chunks follow each other without gaps. A resource's chunk keeps checksums of its
-/// blocks in memory, so that nothing is read back that has not been written here.
+/// Owned by the page file, whose chunks follow each other without gaps. A used chunk keeps checksums of its blocks in
+/// memory, so that bytes changed by others are detected on reading.
 class NX_API PageFileEntry : public urUtil::LinkedListNode<PageFileEntry> {
 public:
     PageFileEntry() noexcept = default;
@@ -27,14 +27,14 @@ public:
     [[nodiscard]] bool inUse() const noexcept { return inUse_; }
 
 private:
-    friend struct CacheProbe;  // for the tests alone
+    friend struct CacheProbe;  // for the tests only
     friend class FileStream;
     friend class PageFile;
 
     std::uint64_t size_ = 0;
     std::uint64_t offset_ = 0;
-    std::uint64_t written_ = 0;         ///< how much of the size the resource has used
-    ur::vector<std::uint64_t> checks_;  ///< one for each block of what is written
+    std::uint64_t written_ = 0;         ///< how many bytes the resource has written
+    ur::vector<std::uint64_t> checks_;  ///< one for each block written
     bool inUse_ = false;
 };
 

@@ -1,4 +1,4 @@
-// Counting the holders of a shim and keeping its relatives.
+// Counts the references of a shim and keeps its links to other shims.
 #include "krcache/Shim.h"
 
 #include <exception>
@@ -54,8 +54,8 @@ void Shim::addChild(Shim& child) {
     child.weakRef();
 }
 
-// In place, so that it takes no memory. Cutting one link may move the mirror of the next, when both lead to the same
-// child. Parents keep the place of a link, empty: they go next, and others may have noted their places in it.
+// Works in place, without allocating. Cutting one link may move the mirror of the next one when both lead to the same
+// child. `parents` keeps a cut link as an empty entry, because other shims refer to its entries by index.
 void Shim::cutLinks() noexcept {
     if (!relatives_) return;
     for (Link const& link : relatives_->children) {
@@ -76,7 +76,7 @@ Shim* Shim::nextFormerParent() noexcept {
     while (relatives_ && relatives_->visited < relatives_->parents.size()) {
         if (Shim* const parent = relatives_->parents[relatives_->visited++].shim) return parent;
     }
-    if (relatives_) relatives_->visited = 0;  // they are visited once more, to be let go of
+    if (relatives_) relatives_->visited = 0;  // the second pass releases them
     return nullptr;
 }
 

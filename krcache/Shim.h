@@ -21,12 +21,12 @@ class Manager;
 class PageFileEntry;
 struct ClassUsage;
 
-/// Through which clients reach the resource of a key: they hold it by `ur::Reference` and hand it to the manager.
+/// A client's handle to the resource of a key: clients hold it by `ur::Reference` and pass it to the manager.
 ///
-/// Made and owned by its manager, which also holds one reference until the key is removed. After that a shim has
-/// no manager, no key and no resource, and only waits for its last reference. Shims of keys and of their sub-keys
-/// know each other: the children are what a resource is built from, the parents what is built from it.
-/// The same thread as its manager.
+/// Created and owned by its manager, which also holds one reference until the key is removed. After that a shim has no
+/// manager, no key and no resource, and exists until its last reference is gone. The shims of a key and of its sub-keys
+/// are linked: a resource is built from those of its shim's children, and those of the parents are built from it. Same
+/// thread as its manager.
 class NX_API Shim : public urUtil::LinkedListNode<Shim> {
 public:
     enum KeyType : int {
@@ -39,26 +39,27 @@ public:
     ~Shim() override;
 
     void ref() const noexcept { ++strongCount_; }
-    /// May remove the key from the manager, and with it all that is built from it.
+    /// Releases a reference. May remove the key from the manager, with everything built from it.
     void unref() const noexcept {
         --strongCount_;
         if (strongCount_ == weakCount_ && manager_) [[unlikely]]
             lastUnref();
         if (strongCount_ == 0) delete this;
     }
-    /// One of the references is held on behalf of a dependent. Nothing for a retained shim, like its counterpart.
+    /// Declares that a dependent holds one of the references; `weakUnref` undoes this. Does nothing for a retained
+    /// shim.
     void weakRef() const noexcept { weakCount_ += keyType_ == WeakCounted ? 1 : 0; }
     void weakUnref(int count) const noexcept { weakCount_ -= keyType_ == WeakCounted ? count : 0; }
 
-    /// The resource is in memory.
+    /// Whether the resource is in memory.
     [[nodiscard]] bool isResourceAllocated() const noexcept { return resource_ && !pageEntry_; }
     [[nodiscard]] bool isResourceLocked() const noexcept { return lockCount_ > 0; }
-    /// The resource is in the page file.
+    /// Whether the resource is in the page file.
     [[nodiscard]] bool isResourceSerialized() const noexcept { return pageEntry_ != nullptr; }
-    /// Null once the key has been removed.
+    /// Null after the key has been removed.
     [[nodiscard]] ur::Reference<KeyData> keyData() const noexcept { return key_; }
     [[nodiscard]] KeyType keyType() const noexcept { return keyType_; }
-    /// Null once the key has been removed.
+    /// Null after the key has been removed.
     [[nodiscard]] Manager* manager() const noexcept { return manager_; }
 
     static void* operator new(std::size_t /*bytes*/) { return ur::allocateNode(nodeSize); }
@@ -66,7 +67,7 @@ public:
 
 private:
     friend class Accountant;
-    friend struct CacheProbe;  // for the tests alone
+    friend struct CacheProbe;  // for the tests only
     friend class KeyTable;
     friend class Audit;
     friend class ManagerImpl;
@@ -74,16 +75,16 @@ private:
     friend class Removals;
     friend class Reports;
 
-    /// Whole cache lines, so that what an access needs, the first one, is not spread over two.
+    /// Whole cache lines, so that the members needed by an access lie in the first line.
     static constexpr std::size_t nodeSize = 128;
 
-    /// A relative, and the place of the link back in the relative's own list. Null where it has been cut.
+    /// A linked shim, and the index of the opposite link in its list. Null if cut.
     struct Link {
         Shim* shim;
         std::uint32_t mirror;
     };
     using Links = std::vector<Link, ur::NodeAllocator<Link>>;
-    /// Most shims have none: then this costs one pointer.
+    /// Most shims have no links; this way they pay for one pointer only.
     struct Relatives {
         static void* operator new(std::size_t bytes) { return ur::allocateNode(bytes); }
         static void operator delete(void* relatives) noexcept { ur::deallocateNode(relatives, sizeof(Relatives)); }
@@ -91,11 +92,11 @@ private:
         Links children;
         Links parents;
         std::uint32_t cutParents = 0;      ///< links among the parents that have been cut
-        std::uint32_t visited = 0;         ///< how many of the former relatives the removal has come to
-        ur::Reference<Resource> resource;  ///< kept until the dependents are gone, whose resources hold it
+        std::uint32_t visited = 0;         ///< the number of former relatives that the removal has visited
+        ur::Reference<Resource> resource;  ///< kept until the dependents, whose resources may hold it, are gone
     };
-    /// How far the removal of a shim has come. From `dependents` on its links are cut: nobody's list names it any
-    /// more, while its own lists still hold those that they led to.
+    /// The state of a shim's removal. From `dependents` on its links are cut: no other shim's list contains it, but its
+    /// own lists still hold references to the former relatives.
     enum class Removal : std::uint8_t { none, clear, dependents, release, finish, done };
 
     Shim(Manager& manager, ur::Reference<KeyData> key, KeyType type);
@@ -109,36 +110,37 @@ private:
     }
     [[nodiscard]] bool hasLinks() const noexcept { return relatives_ && removal_ < Removal::dependents; }
     void addChild(Shim& child);
-    /// Cuts all links, and holds those that they led to.
+    /// Cuts all links and takes a reference to each shim that they led to.
     void cutLinks() noexcept;
-    /// The next former parent; null after the last.
+    /// The next former parent; null after the last one.
     [[nodiscard]] Shim* nextFormerParent() noexcept;
-    /// The former parents, then the former children, one after the other, with the count that cutting took.
+    /// The next of the former parents and then children, with the reference that `cutLinks` took. Null after the last
+    /// one.
     [[nodiscard]] Shim* takeFormerRelative() noexcept;
     void forgetParent(std::uint32_t place) noexcept;
     void compactParents() noexcept;
 
-    // What looking up and accessing need fills one cache line, together with the links of the list.
+    // The members that look-ups and accesses need fill one cache line, together with the links of the list.
     ur::Reference<KeyData> key_;
     ur::Reference<Resource> resource_;
-    PageFileEntry* pageEntry_ = nullptr;  ///< where the payload is while it is not in memory
+    PageFileEntry* pageEntry_ = nullptr;  ///< the payload's chunk while it is paged out
     mutable std::int32_t strongCount_ = 0;
     mutable std::int32_t weakCount_ = 0;
     std::int32_t lockCount_ = 0;
     bool hot_ = false;       ///< accessed during the current interaction
-    bool building_ = false;  ///< being built or read back: accesses from inside find nothing
-    bool paging_ = false;    ///< a stream is open on the chunk
+    bool building_ = false;  ///< being built or read back: nested accesses return null
+    bool paging_ = false;    ///< a stream on the chunk is open
     Removal removal_ = Removal::none;
     Manager* manager_;
-    std::uint32_t size_;  ///< in bytes: expected at first, then as measured last
+    std::uint32_t size_;  ///< in bytes: first the expected size, then the last measured one
     KeyType keyType_;
     bool residential_;
     bool serializable_ = false;
-    std::uint32_t hash_ = 0;       ///< by which the manager's table finds it again
-    std::uint32_t serial_ = 0;     ///< tells shims apart in dumps and traces
-    ClassUsage* usage_ = nullptr;  ///< what the resources of this class of keys take
+    std::uint32_t hash_ = 0;       ///< its hash in the manager's table
+    std::uint32_t serial_ = 0;     ///< identifies the shim in dumps and traces
+    ClassUsage* usage_ = nullptr;  ///< the totals of this class of keys
     std::unique_ptr<Relatives> relatives_;
-    Shim* below_ = nullptr;  ///< whose removal goes on after that of this one
+    Shim* below_ = nullptr;  ///< the next lower shim on the stack of removals
 };
 
 }  // namespace urKRCache

@@ -1,4 +1,4 @@
-// Counts of what a manager has done and holds.
+// Counts of a manager's work and contents.
 #pragma once
 
 #include <cstdint>
@@ -14,19 +14,20 @@ struct ClassUsage {
     std::uint64_t bytes = 0;      ///< in memory now, as measured when they were built or read back
     std::uint64_t builds = 0;     ///< calls of `onCreateResource`
     std::uint64_t resources = 0;  ///< in memory now
-    double buildSeconds = 0;      ///< in the builds, with the sources built on the way; beyond sixteen an estimate
+    double buildSeconds = 0;      ///< in builds, including the sources built within; estimated after the first 16
+                                  ///< builds
 };
 
-/// Counts since the manager was made, unless said otherwise. A value.
+/// Counts since the manager was created, unless stated otherwise. A value.
 struct Statistics {
     std::uint64_t hits = 0;             ///< accesses that found the resource in memory
-    std::uint64_t builds = 0;           ///< resources that keys have built
-    std::uint64_t buildsWithout = 0;    ///< times that a key built nothing
+    std::uint64_t builds = 0;           ///< resources built by keys
+    std::uint64_t buildsWithout = 0;    ///< calls in which a key built nothing
     std::uint64_t clearedForLimit = 0;  ///< resources dropped to stay within the limit
     std::uint64_t clearedOnRequest = 0;
     std::uint64_t clearedByRemoval = 0;
-    std::uint64_t clearedByPageFailure = 0;   ///< dropped because the page file could not take or give them
-    std::uint64_t clearedByBuildFailure = 0;  ///< dropped because initialising them threw
+    std::uint64_t clearedByPageFailure = 0;   ///< dropped because the page file could not store or return them
+    std::uint64_t clearedByBuildFailure = 0;  ///< dropped because their initialisation threw
     std::uint64_t pagesOut = 0;
     std::uint64_t pagesOutBytes = 0;
     std::uint64_t pagesIn = 0;

@@ -1,4 +1,4 @@
-// Recordings as text.
+// Converts recordings to text and back.
 #include "krcache/TraceRecorder.h"
 
 #include <array>
@@ -14,7 +14,7 @@ using Entry = TraceRecorder::Entry;
 
 constexpr std::array<std::string_view, 6> names = {"hit", "build", "out", "in", "clear", "remove"};
 
-/// The text up to `end`, which is taken off with it; false when there is none.
+/// Moves the text before `end` to `piece` and removes it, with `end`, from `text`. False if there is no `end`.
 bool takeUpTo(std::string_view& text, char end, std::string_view& piece) {
     std::size_t const place = text.find(end);
     if (place == std::string_view::npos) return false;

@@ -1,4 +1,4 @@
-// A recording of what a cache was asked for and did.
+// Records the requests and events of a cache.
 #pragma once
 
 #include <cstdint>
@@ -9,10 +9,10 @@
 
 namespace urKRCache {
 
-/// Keeps events in memory, twelve bytes each, and writes them as text: one "event key size" a line.
+/// Keeps events in memory, 12 bytes each, and writes them as text lines of the form "event key size".
 ///
-/// The host owns it and gives it to `Manager::setTraceRecorder`. Files are for replaying the load against another
-/// limit or another cache. Hits, builds and page-ins together are the accesses. A value.
+/// The host owns it and passes it to `Manager::setTraceRecorder`. Files serve to replay the load with another limit or
+/// another cache. Hits, builds and page-ins together are the accesses. A value.
 class NX_API TraceRecorder {
 public:
     enum class Event : std::uint8_t { hit, build, pageOut, pageIn, clear, remove };
@@ -31,7 +31,7 @@ public:
     void clear() noexcept { entries_.clear(); }
 
     urUtil::Error write(urOS::IOStream& stream) const;
-    /// Replaces the entries by those of a file. A failure, also for a line of another form, leaves them as they were.
+    /// Replaces the entries by those of a file. On failure, including a malformed line, the entries stay unchanged.
     urUtil::Error read(urOS::IOStream& stream);
 
 private:

@@ -1,4 +1,4 @@
-// Where the cache says what it does.
+// The debug channel of the cache.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -6,7 +6,7 @@
 
 namespace urKRCache {
 
-/// The channel of all caches of the process; disabled at first. The same thread as the managers.
+/// The channel of all caches of the process; disabled by default. Same thread as the managers.
 [[nodiscard]] NX_API urOS::DebugChannel& debugChannel();
 
 }  // namespace urKRCache

@@ -1,4 +1,4 @@
-// What must always hold between two calls of a manager.
+// Checks what must hold between two calls of a manager.
 #include "krcache/impl/Audit.h"
 
 #include "krcache/impl/ManagerImpl.h"

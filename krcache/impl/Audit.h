@@ -1,4 +1,4 @@
-// Checking a cache.
+// Checks the invariants of a cache.
 #pragma once
 
 #include <cstddef>
@@ -10,16 +10,16 @@ namespace urKRCache {
 class ManagerImpl;
 class Shim;
 
-/// Checks every invariant of a manager between two of its calls.
+/// Checks every invariant of a manager. Use it between two calls of the manager.
 class Audit {
 public:
     explicit Audit(ManagerImpl const& manager) noexcept : manager_(manager) {}
 
-    /// The first fault found; empty when there is none.
+    /// Describes the first fault; empty if there is none.
     [[nodiscard]] urString::CString fault() const;
 
 private:
-    // Null when there is none.
+    // These return null if there is no fault.
     [[nodiscard]] char const* faultOf(Shim const& shim) const;
     [[nodiscard]] char const* faultOfLinks(Shim const& shim) const;
     [[nodiscard]] char const* faultOfList() const;

@@ -1,4 +1,4 @@
-// Moving the limit, and sampling the resident size.
+// Changes the limit and samples the resident size.
 #include "krcache/impl/Budget.h"
 
 namespace urKRCache {

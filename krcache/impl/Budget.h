@@ -1,4 +1,4 @@
-// The bytes of resources in memory, and the limit that they are kept to.
+// Counts the bytes of resources in memory against the limit.
 #pragma once
 
 #include <algorithm>
@@ -11,10 +11,11 @@
 
 namespace urKRCache {
 
-/// Counts the bytes of a manager's resources and tells whether they exceed its limit.
+/// Counts the bytes of a manager's resources and reports whether they exceed its limit.
 ///
-/// The counters are the sums of what resources reported when they came into memory, less what each reported when it
-/// left. In resident-size mode the limit bounds the resident size of the process together with what is not residential.
+/// Each counter is the sum of the sizes that resources reported when they came into memory, minus those they reported
+/// when they left. In resident-size mode the limit bounds the resident size of the process plus what is not
+/// residential.
 class Budget {
 public:
     explicit Budget(Tuning const& tuning) noexcept : tuning_(tuning) {}
@@ -24,12 +25,12 @@ public:
         if (residential) residentialUsed_.add(size);
         peak_ = std::max(peak_, used_.total);
     }
-    /// A resource leaves memory that has `size` now and had `added` when it came.
+    /// Subtracts a resource that leaves memory. It has `size` now and had `added` when it came.
     void take(unsigned size, unsigned added, bool residential) noexcept {
         used_.take(size, added);
         if (residential) residentialUsed_.take(size, added);
     }
-    /// Counts bytes that are to come, for as long as it lives.
+    /// Reserves bytes that are about to be used, during its lifetime.
     class Room {
     public:
         Room(Budget& budget, std::uint64_t bytes, bool residential) noexcept
@@ -40,18 +41,18 @@ public:
         Reservation const resident_;
     };
 
-    /// 0 for none.
+    /// 0 for no limit.
     [[nodiscard]] std::uint64_t limit() const noexcept { return limit_; }
     void setLimit(std::uint64_t bytes) noexcept;
-    /// Moves the limit because other code takes bytes, or gives them back. The limit does not become 0, which means
-    /// none: what it cannot give is owed until bytes come back.
+    /// Lowers the limit because other code takes bytes; `giveBack` raises it again. The limit never becomes 0, which
+    /// means no limit: the part that it cannot give up is remembered as a debt until bytes come back.
     void lend(unsigned bytes) noexcept;
     void giveBack(unsigned bytes) noexcept;
     [[nodiscard]] std::uint64_t used() const noexcept { return used_.total + reserved_; }
     [[nodiscard]] std::uint64_t usedByResources() const noexcept { return used_.total; }
     [[nodiscard]] std::uint64_t peak() const noexcept { return peak_; }
     [[nodiscard]] bool isOverLimit() const noexcept { return bounded() > bound_; }
-    /// By how much. Requires: over the limit.
+    /// The bytes over the limit. Requires: over the limit.
     [[nodiscard]] std::uint64_t excess() const noexcept { return static_cast<std::uint64_t>(bounded() - bound_); }
 
     [[nodiscard]] bool usesResidentSize() const noexcept { return usesResidentSize_; }
@@ -59,11 +60,11 @@ public:
         usesResidentSize_ = true;
         measureOtherResident();
     }
-    /// Measures the resident size once enough bytes were requested since the last time.
+    /// Measures the resident size again if enough bytes were requested since the last time.
     void sampleResidentSize(std::uint64_t incoming);
 
 private:
-    friend struct CacheProbe;  // for the tests alone
+    friend struct CacheProbe;  // for the tests only
     friend class Audit;
 
     static constexpr std::int64_t noBound = std::numeric_limits<std::int64_t>::max();
@@ -74,14 +75,14 @@ private:
 
     Tuning const& tuning_;
     ResourceBytes used_;
-    ResourceBytes residentialUsed_;  ///< the part of `used_` that shows in the resident size
+    ResourceBytes residentialUsed_;  ///< the part of `used_` that is resident
     std::uint64_t peak_ = 0;
     std::uint64_t limit_ = 0;
-    std::int64_t bound_ = noBound;  ///< the limit, when there is one
-    std::uint64_t debt_ = 0;        ///< bytes lent that the limit was too small to give up
-    std::uint64_t reserved_ = 0;    ///< what room is being made for
+    std::int64_t bound_ = noBound;  ///< the limit, if there is one
+    std::uint64_t debt_ = 0;        ///< bytes lent that exceeded the limit
+    std::uint64_t reserved_ = 0;    ///< bytes that room is being made for
     std::uint64_t residentialReserved_ = 0;
-    /// The resident size less what is ours of it, at the last sample. Negative where resources claim more than they
+    /// The resident size at the last sample, minus our part of it. Negative when resources claim more memory than they
     /// have touched.
     std::int64_t otherResident_ = 0;
     std::uint64_t bytesSinceSample_ = 0;

@@ -1,4 +1,4 @@
-// Moving a payload block by block.
+// Moves a payload block by block.
 #include "krcache/impl/FileStream.h"
 
 #define XXH_INLINE_ALL  // nothing of it is exported or linked
@@ -82,7 +82,7 @@ Error FileStream::read(void* buffer, std::size_t count, std::size_t* done) {
     return {};
 }
 
-// 0 at the end and after a failure.
+// Returns 0 at the end and after a failure.
 std::size_t FileStream::readSome(char* bytes, std::size_t count) {
     if (taken_ == filled_) {
         auto const next =

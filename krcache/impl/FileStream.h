@@ -10,11 +10,11 @@
 
 namespace urKRCache {
 
-/// Moves bytes between a resource and its chunk: block by block, each with a checksum that is kept in memory.
+/// Moves bytes between a resource and its chunk in blocks, and keeps a checksum of each block in memory.
 ///
-/// Never passes the chunk's end, and when reading never the end of what was written. To the resource a failure shows
-/// as a count that falls short, never as an error: what to do about it is for the manager, which asks for it. The
-/// first failure stays, and afterwards nothing moves. Streams on different chunks may be open at the same time.
+/// Never passes the chunk's end, and when reading never the end of what was written. The resource sees a failure only
+/// as a short count; the manager calls `error` and decides what to do. The first failure stays, and afterwards no bytes
+/// are moved. Streams on different chunks may be open at the same time.
 class FileStream final : public urOS::IOStream {
 public:
     enum class Direction { read, write };
@@ -29,7 +29,7 @@ public:
     urUtil::Error read(void* buffer, std::size_t count, std::size_t* done = nullptr) override;
     urUtil::Error write(void const* buffer, std::size_t count, std::size_t* done = nullptr) override;
 
-    /// Passes on what has been written so far. Afterwards nothing more may be written.
+    /// Writes the buffered rest. No writes may follow.
     void finish() noexcept;
     [[nodiscard]] urUtil::Error const& error() const noexcept { return error_; }
     /// Null unless memory ran out.

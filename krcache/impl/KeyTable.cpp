@@ -1,4 +1,4 @@
-// Growing and shrinking the table of keys, and looking up while it changes.
+// Grows and shrinks the table of keys, and finds keys while it changes.
 #include "krcache/impl/KeyTable.h"
 
 #include <bit>
@@ -6,7 +6,7 @@
 
 namespace urKRCache {
 
-// For keys whose comparison uses the cache: the candidates are held, so that comparing may do what it likes.
+// For keys whose comparison uses the cache: it holds the candidates, so that a comparison may remove them.
 ur::Reference<Shim> KeyTable::findHeld(KeyData const& key, std::uint32_t hash) const {
     ur::vector<ur::Reference<Shim>> candidates;
     for (std::size_t place = home(hash); slots_[place].shim; place = after(place)) {
@@ -19,14 +19,14 @@ ur::Reference<Shim> KeyTable::findHeld(KeyData const& key, std::uint32_t hash) c
     return {};
 }
 
-// Null only after a look at all candidates during which none came in.
+// Returns null only if no shim was added while all candidates were compared.
 Shim* KeyTable::findAmongAll(KeyData const& key, std::uint32_t hash) const {
     std::uint64_t before = 0;
     do {
         before = version_;
         ur::Reference<Shim> found = findHeld(key, hash);
         if (!found || found->removal_ != Shim::Removal::none) continue;
-        --found->strongCount_;  // the table has another; giving up this one must not remove what is asked for
+        --found->strongCount_;  // the table holds another one; dropping this one must not remove the result
         return found.release();
     } while (version_ != before);
     return nullptr;
@@ -68,14 +68,14 @@ ur::Reference<Shim> KeyTable::take(Shim const& shim) noexcept {
     return taken;
 }
 
-/// The shim's slot, or the empty one at which a search for it ends.
+/// The shim's slot, or the empty slot that ends the search.
 std::size_t KeyTable::placeOf(Shim const& shim) const noexcept {
     std::size_t place = home(shim.hash_);
     while (slots_[place].shim && slots_[place].shim != &shim) place = after(place);
     return place;
 }
 
-// Moves back what lies behind the hole and would no longer be found past it.
+// Moves back each later slot that the hole would make unreachable.
 void KeyTable::close(std::size_t hole) noexcept {
     std::size_t const mask = capacity_ - 1;
     for (std::size_t place = after(hole); slots_[place].shim; place = after(place)) {

@@ -9,31 +9,31 @@
 
 namespace urKRCache {
 
-/// Finds the shim of a key by its hash and by comparing; holds one reference to each shim. Those that are being
-/// removed are still here, but not found.
+/// Finds the shim of a key by hash and comparison. Holds one reference to each shim. Shims that are being removed are
+/// still in the table but are not found.
 ///
-/// Open addressing: a slot has the hash beside the shim, so that a look-up reads a shim only when it is very
-/// likely the right one. Comparing runs code of the keys, which may change the table: then nothing that was read
-/// before counts any more.
+/// Open addressing: a slot stores the hash next to the shim, so that a look-up reads a shim only when it is very likely
+/// the right one. Comparisons run code of keys, which may change the table: afterwards everything read before must be
+/// read again.
 class KeyTable {
 public:
-    /// `slots`: how many there are at first; a power of two, 2 at least.
+    /// `slots`: the initial number of slots; a power of two, at least 2.
     explicit KeyTable(std::size_t slots) noexcept : firstSlots_(slots) {}
     KeyTable(KeyTable const&) = delete;
     KeyTable& operator=(KeyTable const&) = delete;
 
-    /// Null when there is no equal key.
+    /// Null if no key is equal.
     [[nodiscard]] Shim* find(KeyData const& key) const;
-    /// Requires: no equal key is here, and the shim has its key's hash.
+    /// Requires: the table has no equal key, and the shim has its key's hash.
     void insert(Shim& shim);
-    /// Gives the table's reference to the caller; null when the shim is not here.
+    /// Moves the table's reference to the caller. Null if the shim is not here.
     ur::Reference<Shim> take(Shim const& shim) noexcept;
 
-    /// Whether a look-up would come to this very shim.
+    /// Whether a look-up can reach this shim.
     [[nodiscard]] bool reaches(Shim const& shim) const noexcept { return size_ > 0 && slots_[placeOf(shim)].shim; }
 
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
-    /// Differs after every change.
+    /// Changes with every insertion and removal.
     [[nodiscard]] std::uint64_t version() const noexcept { return version_; }
 
     /// Calls `visit` with every shim. Requires: `visit` runs no code of keys, resources or clients.
@@ -44,8 +44,8 @@ public:
         }
     }
 
-    /// The first shim at or behind `place`, which moves there; null when there is none. Walking on from one place is
-    /// for taking out all, when nothing comes in.
+    /// The first shim at or after `place`, which is moved there. Null if there is none. Continuing from the same place
+    /// is only correct while shims are taken out and none are added.
     [[nodiscard]] Shim* firstFrom(std::size_t& place) const noexcept {
         while (place < capacity_ && !slots_[place].shim) ++place;
         return place < capacity_ ? slots_[place].shim : nullptr;
@@ -70,7 +70,7 @@ private:
 
     std::size_t firstSlots_;
     std::unique_ptr<Slot[]> slots_;
-    std::size_t capacity_ = 0;  ///< a power of two, or 0 at first
+    std::size_t capacity_ = 0;  ///< a power of two, or 0 before the first insertion
     std::size_t size_ = 0;
     unsigned shift_ = 64;
     std::uint64_t version_ = 0;

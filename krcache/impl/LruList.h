@@ -1,4 +1,4 @@
-// The resources that eviction may take, least recently used first.
+// Lists the resources that may be evicted, least recently used first.
 #pragma once
 
 #include <cstddef>
@@ -7,7 +7,7 @@
 
 namespace urKRCache {
 
-/// A circular list through the shims themselves; it holds none of them.
+/// A circular list linked through the shims. It holds no references.
 class LruList {
 public:
     LruList() noexcept { sentinel_.makeSentinel(); }
@@ -27,7 +27,7 @@ public:
         shim.unlink();
         --count_;
     }
-    /// Makes a shim of the list the most recently used.
+    /// Makes a listed shim the most recently used.
     void touch(Shim& shim) noexcept {
         if (shim.next() != &sentinel_) shim.moveBefore(sentinel_);
     }

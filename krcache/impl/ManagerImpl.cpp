@@ -1,4 +1,4 @@
-// Finding, building, evicting and locking.
+// Finds, builds, evicts and locks resources.
 #include "krcache/impl/ManagerImpl.h"
 
 #include <algorithm>
@@ -55,9 +55,9 @@ ur::Reference<Shim> ManagerImpl::findOrCreateShim(ur::Reference<KeyData> const& 
 ur::Reference<Shim> ManagerImpl::createShim(ur::Reference<KeyData> const& key, Shim::KeyType type) {
     std::uint64_t const before = table_.version();
     ur::Reference<Shim> shim(new Shim(manager_, key, type));
-    shim->manager_ = nullptr;  // not before it is in the table, from which it is to be removed
+    shim->manager_ = nullptr;  // set once it is in the table, because removal takes it from there
     shim->hash_ = key->hash();
-    // Asking the key for its hash and sizes may have brought an equal key in.
+    // Computing the key's hash and sizes may have inserted an equal key.
     Shim* const rival = table_.version() == before ? nullptr : table_.find(*key);
     if (rival) return ur::Reference<Shim>(rival);
     if (dying_) {
@@ -85,13 +85,14 @@ void ManagerImpl::linkSources(Shim& shim, KeyData const& key) {
     key.visitSubKeys(visitor);
     if (!isAttached(shim)) return;
     for (ur::Reference<Shim> const& source : sources) {
-        // What is built from something removed is as good as removed itself.
+        // A source's removal removes its dependents, so remove this shim as well.
         if (!isAttached(*source)) return removals_.remove(shim);
     }
     for (ur::Reference<Shim> const& source : sources) shim.addChild(*source);
 }
 
-/// Removes a shim because of an exception, which counts more than one from here. Its key may have used it already.
+/// Removes a shim because of an exception. An exception from the removal is only reported. The key may already have
+/// used the shim.
 void ManagerImpl::withdraw(Shim& shim) noexcept {
     try {
         removals_.remove(shim);
@@ -114,7 +115,7 @@ void ManagerImpl::noteHit(Shim& shim) {
     record(TraceRecorder::Event::hit, shim);
 }
 
-// An event that there is no memory for is left out of the trace. Nothing else depends on whether there is a trace.
+// If memory runs out, the event is left out of the trace. Nothing else depends on the trace.
 void ManagerImpl::recordTraced(TraceRecorder::Event event, Shim const& shim) noexcept {
     try {
         trace_->record(event, shim.serial_, shim.size_);
@@ -137,7 +138,7 @@ ur::Reference<Resource> ManagerImpl::accessAbsent(Shim& shim) {
     return shim.resource_;
 }
 
-/// Looking at the clock takes as long as a small build: of many builds, a few stand for all.
+/// Reading the clock takes as long as a small build, so only a sample of many builds is timed.
 ur::Reference<Resource> ManagerImpl::buildTimed(KeyData const& key, ClassUsage& usage) const {
     std::uint64_t const build = usage.builds++;
     bool const isEarly = build < tuning_.timedBuilds;
@@ -150,10 +151,10 @@ ur::Reference<Resource> ManagerImpl::buildTimed(KeyData const& key, ClassUsage& 
     return built;
 }
 
-/// Tells the observer of the start of a build and, when this goes, of its end.
+/// Reports the start of a build to the observer and, on destruction, its end.
 class ManagerImpl::ObservedBuild {
 public:
-    /// Requires: there is one.
+    /// Requires: an observer is set.
     ObservedBuild(ManagerImpl& manager, ur::TypeInfo keyClass) noexcept
         : manager_(manager), observer_(manager.observer_) {
         observer_->onBuildBegin(keyClass);
@@ -179,7 +180,7 @@ ur::Reference<Resource> ManagerImpl::buildObserved(KeyData const& key, ClassUsag
     return built;
 }
 
-// False when nothing was built, or the shim was removed meanwhile.
+// False if nothing was built, or the shim was removed meanwhile.
 bool ManagerImpl::createResource(Shim& shim) {
     makeSpace(shim.size_, shim.residential_);
     if (!isAttached(shim)) return false;
@@ -199,7 +200,7 @@ bool ManagerImpl::createResource(Shim& shim) {
     return true;
 }
 
-/// Counts a resource that has come into memory, and makes the room that it needs.
+/// Counts a resource that came into memory, and evicts others if needed.
 void ManagerImpl::account(Shim& shim, KeyData const& key, unsigned size, TraceRecorder::Event event) {
     unsigned const expected = std::exchange(shim.size_, size);
     budget_.add(size, shim.residential_);
@@ -221,9 +222,9 @@ void ManagerImpl::makeSpace(std::uint64_t bytes, bool residential) {
     enforceMemoryLimit(bytes);
 }
 
-// What hooks build gets its room at once, by an eviction inside this one. Hooks may bring resources back as fast as
-// they go: once as many have gone as there were at first, or so many evictions are under way, hooks build nothing more,
-// so that this ends and takes little of the stack. What hooks ask for beyond that is left to the evictions under way.
+// A resource that a hook builds gets its room at once, by a nested eviction. Hooks may build resources as fast as they
+// are evicted. So hooks build nothing more after as many clears as there were resources at first, or at the deepest
+// nesting: the loop then ends and needs little stack. Further requests of hooks are left to the evictions under way.
 void ManagerImpl::evict() {
     if (evictions_ == tuning_.nestedHooks) return;
     if (evictions_ == 0) clearsWithBuilds_ = lru_.count() + 1;
@@ -263,7 +264,7 @@ void ManagerImpl::clearAllocated(Shim& shim, unsigned size, Cause cause) {
     dropResource(shim, cause);
 }
 
-/// Releases the resource and notifies its key. Requires: its bytes are out of the counters already.
+/// Releases the resource and notifies its key. Requires: its bytes are already subtracted from the counters.
 void ManagerImpl::dropResource(Shim& shim, Cause cause) {
     ur::Reference<KeyData> const key = shim.key_;
     takeResource(shim, cause).reset();

@@ -1,4 +1,4 @@
-// The state of a manager: its keys, and the order in which resources leave memory.
+// The manager's state: keys, eviction order and counters.
 #pragma once
 
 #include <cstddef>
@@ -21,11 +21,11 @@ namespace urKRCache {
 
 /// Finds and builds resources, evicts them in the order of their last use, and locks them.
 ///
-/// `Budget` counts bytes, `Pager` moves payloads, `Removals` removes keys, `Reports` and `Audit` look. Each step leaves
-/// the cache whole before it calls a hook, and after a hook takes nothing for granted: the shim may have been cleared,
-/// paged, locked or removed meanwhile. Always so: a shim is in the list exactly when its resource is in memory and not
-/// locked; the counters are the sums of the sizes of the shims whose resource is in memory, but for what resources have
-/// grown or shrunk.
+/// `Budget` counts bytes, `Pager` moves payloads, `Removals` removes keys, `Reports` and `Audit` only read. Each step
+/// makes the cache consistent before it calls a hook. After a hook it assumes nothing: the shim may have been cleared,
+/// paged, locked or removed. Invariants: a shim is in the list if and only if its resource is in memory and not locked;
+/// each counter is the sum of the sizes of the shims whose resource is in memory, apart from what resources have grown
+/// or shrunk.
 class ManagerImpl {
 public:
     ManagerImpl(Manager& manager, urString::IString const& folder, Tuning const& tuning);
@@ -33,7 +33,7 @@ public:
     ManagerImpl& operator=(ManagerImpl const&) = delete;
     ~ManagerImpl() = default;
 
-    /// The shim that was made for this very key; null when there is none.
+    /// The shim created for this key object; null if there is none.
     [[nodiscard]] Shim* known(KeyData const& key) const noexcept {
         return key.memo_.owner == this ? key.memo_.shim : nullptr;
     }
@@ -82,7 +82,7 @@ public:
 
 private:
     friend class Audit;
-    friend struct CacheProbe;  // for the tests alone
+    friend struct CacheProbe;  // for the tests only
     friend class Pager;
     friend class Removals;
     friend class Reports;
@@ -103,7 +103,7 @@ private:
     [[nodiscard]] bool isAttached(Shim const& shim) const noexcept {
         return shim.manager_ && shim.removal_ == Shim::Removal::none;
     }
-    /// Not in hooks of evictions that would not end otherwise.
+    /// False in hooks of evictions that would otherwise not end.
     [[nodiscard]] bool mayBuild() const noexcept {
         return evictions_ == 0 || (evictions_ < tuning_.nestedHooks && clearsWithBuilds_ > 0);
     }
@@ -115,7 +115,7 @@ private:
     void unlink(Shim& shim) noexcept {
         if (shim.lockCount_ <= 0) lru_.remove(shim);
     }
-    /// The resource, which has that size now, leaves memory, and the shim the list.
+    /// Subtracts a resource that leaves memory and removes its shim from the list. `size`: its size now.
     void takeFromUsed(Shim& shim, unsigned size) noexcept {
         budget_.take(size, shim.size_, shim.residential_);
         accountant_.resourceCleared(&shim);
@@ -151,14 +151,15 @@ private:
     Budget budget_;
     Removals removals_;
     Accountant accountant_;
-    bool isWatched_ = false;  ///< someone wants to know of hits
+    bool isWatched_ = false;  ///< something records or counts hits
     bool clearCheck_ = false;
     bool dying_ = false;
-    unsigned evictions_ = 0;            ///< under way, each in a hook of the one before
-    std::size_t clearsWithBuilds_ = 0;  ///< how many more clears of theirs leave hooks free to build
+    unsigned evictions_ = 0;            ///< nested evictions under way
+    std::size_t clearsWithBuilds_ = 0;  ///< how many more clears the evictions may do before hooks build nothing
     TraceRecorder* trace_ = nullptr;
     ManagerObserver* observer_ = nullptr;
-    Statistics statistics_;                                                 ///< without what is computed on demand
+    Statistics statistics_;                                                 ///< without the counts that are computed on
+                                                                            ///< demand
     std::uint64_t cleared_[static_cast<std::size_t>(Cause::pageOut)] = {};  ///< by cause; paging out clears nothing
     std::unordered_map<ur::TypeInfo, ClassUsage> usages_;
     ClassUsage* lastUsage_ = nullptr;

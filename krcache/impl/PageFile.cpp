@@ -1,4 +1,4 @@
-// Cutting the page file into chunks and joining free ones.
+// Splits the page file into chunks and joins free ones.
 #include "krcache/impl/PageFile.h"
 
 #include <algorithm>
@@ -30,7 +30,7 @@ PageFileEntry* PageFile::allocate(std::uint64_t bytes) {
     return &entry;
 }
 
-// What is behind so many bytes becomes a free chunk, which is before the entry in the list.
+// The bytes of the entry after the first `bytes` become a free chunk, which precedes the entry in the list.
 void PageFile::split(PageFileEntry& entry, std::uint64_t bytes) {
     auto rest = std::make_unique<PageFileEntry>();
     rest->offset_ = entry.offset_ + bytes;
@@ -39,7 +39,7 @@ void PageFile::split(PageFileEntry& entry, std::uint64_t bytes) {
     rest.release()->insertBefore(entry);
 }
 
-// False when the file would become longer than it may.
+// False if the file would exceed its size limit.
 bool PageFile::extend(std::uint64_t bytes) {
     PageFileEntry* const last = objectOf(entries_.next());
     std::uint64_t const end = last ? last->offset_ + last->size_ : 0;

@@ -1,4 +1,4 @@
-// Writing payloads to the page file and reading them back.
+// Writes payloads to the page file and reads them back.
 #include "krcache/impl/Pager.h"
 
 #include <string>
@@ -12,7 +12,7 @@
 
 namespace urKRCache {
 
-/// `size`: what the resource takes now. Its chunk has the size that it had when it came.
+/// `size`: the resource's size now. Its chunk has the size that the resource had on entry.
 void Pager::pageOut(Shim& shim, unsigned size) {
     PageFileEntry* const chunk = file_.allocate(shim.size_);
     if (!chunk) {
@@ -37,7 +37,7 @@ void Pager::pageOut(Shim& shim, unsigned size) {
     manager_.noteLeaving(shim, Leaving::pageOut);
 }
 
-// False when the payload is lost, or the shim was removed meanwhile.
+// False if the payload is lost, or the shim was removed meanwhile.
 bool Pager::pageIn(Shim& shim) {
     manager_.makeSpace(shim.size_, shim.residential_);
     PageFileEntry* const chunk = shim.pageEntry_;
@@ -62,8 +62,7 @@ bool Pager::pageIn(Shim& shim) {
     return true;
 }
 
-// Whether the payload has been moved whole. One that has not is lost: the key builds the resource anew when it is
-// needed.
+// Returns whether the whole payload was moved. If not, it is lost, and the key builds the resource again when needed.
 bool Pager::endPaging(Shim& shim, PageFileEntry& chunk, FileStream const& stream,
                       std::exception_ptr const& thrownByResource) {
     std::exception_ptr const& thrown = thrownByResource ? thrownByResource : stream.thrown();
@@ -79,14 +78,14 @@ bool Pager::endPaging(Shim& shim, PageFileEntry& chunk, FileStream const& stream
     return !wasRemoved && !isLost;
 }
 
-/// Gives up the chunk; while a stream is open on it, the code that opened the stream releases it.
+/// Releases the chunk. If a stream is open on it, the code that opened the stream releases the chunk later.
 void Pager::release(Shim& shim) {
     PageFileEntry* const chunk = std::exchange(shim.pageEntry_, nullptr);
     if (!shim.paging_) file_.release(chunk);
 }
 
-// A file that could not be opened is reported once, not at every eviction. A report that there is no memory for is left
-// out, since the loss is still to be dealt with.
+// A file that could not be opened is reported only once. If memory runs out, the report is left out, because the loss
+// must still be handled.
 void Pager::reportLoss(Shim const& shim, urUtil::Error const& why) noexcept {
     bool const isOpen = file_.openError().ok();
     if (!isOpen && std::exchange(isLossReported_, true)) return;

@@ -1,4 +1,4 @@
-// Paging of resources.
+// Pages resources out and in.
 #pragma once
 
 #include <cstddef>
@@ -18,25 +18,25 @@ class Shim;
 
 /// Moves the payloads of a manager's resources to its page file and back.
 ///
-/// A payload that is not moved whole is lost: its resource is dropped, and the key builds it anew when it is needed.
-/// The hooks of resources may do anything meanwhile but destroy the manager.
+/// If a payload is not moved completely, it is lost: the resource is dropped, and the key builds it again when needed.
+/// Hooks of resources may do anything meanwhile except destroy the manager.
 class Pager {
 public:
     Pager(ManagerImpl& manager, urString::IString const& folder, Tuning const& tuning)
         : manager_(manager),
           file_(urOS::Filename::join(folder, "urKRCachePageFile.dat"), tuning.pageExtension, tuning.pageBlock) {}
 
-    /// `size`: what the resource takes now.
+    /// `size`: the resource's size now.
     void pageOut(Shim& shim, unsigned size);
-    /// False when the payload is lost, or the shim was removed meanwhile.
+    /// False if the payload is lost, or the shim was removed meanwhile.
     bool pageIn(Shim& shim);
-    /// Gives up the chunk of the shim.
+    /// Releases the shim's chunk.
     void release(Shim& shim);
-    /// What is wrong with the file, which has that many chunks in use; null when nothing is.
+    /// Describes a fault of the file, which should have `used` chunks in use; null if there is none.
     [[nodiscard]] char const* fault(std::size_t used) const { return file_.fault(used); }
 
 private:
-    friend struct CacheProbe;  // for the tests alone
+    friend struct CacheProbe;  // for the tests only
 
     bool endPaging(Shim& shim, PageFileEntry& chunk, FileStream const& stream,
                    std::exception_ptr const& thrownByResource);
@@ -44,7 +44,7 @@ private:
 
     ManagerImpl& manager_;
     PageFile file_;
-    bool isLossReported_ = false;  ///< that there is no page file
+    bool isLossReported_ = false;  ///< the missing page file was reported
 };
 
 }  // namespace urKRCache

@@ -1,4 +1,4 @@
-// Removing keys with all that is built from them.
+// Removes keys with everything built from them.
 #include "krcache/impl/Removals.h"
 
 #include <new>
@@ -9,16 +9,16 @@
 
 namespace urKRCache {
 
-// Removals take no memory: they are on a stack of their own, which leads through the shims, so that a chain of
-// dependents of any length needs no more of the thread's. What a hook removes is gone when the hook goes on; but where
-// hooks would nest without end, as do the destructors of keys in a long chain, it waits for the hook to return.
+// Removals allocate nothing: they form a stack that is linked through the shims, so that a chain of dependents of any
+// length does not deepen the thread's stack. What a hook removes is gone before the hook continues, unless hooks nest
+// too deeply, as destructors of keys in a long chain do; then it waits until the hook returns.
 void Removals::remove(Shim& shim) {
     Shim const* const below = top_;
     push(shim);
     if (runs_ < manager_.tuning_.nestedHooks) run(below);
 }
 
-/// Begins a removal. From here on no look-up finds the shim.
+/// Begins a removal. From here on look-ups do not find the shim.
 void Removals::push(Shim& shim) noexcept {
     if (!manager_.isAttached(shim)) return;
     shim.ref();
@@ -28,7 +28,7 @@ void Removals::push(Shim& shim) noexcept {
     shim.below_ = std::exchange(top_, &shim);
 }
 
-// Throws what a hook has thrown first, once everything has been removed.
+// Throws a hook's first exception after everything has been removed.
 void Removals::run(Shim const* below) {
     ++runs_;
     while (top_ != below) step(*top_);
@@ -36,7 +36,8 @@ void Removals::run(Shim const* below) {
     if (runs_ == 0) std::exchange(failure_, urOS::FirstError()).rethrow();
 }
 
-/// Runs hooks for the shim on top of the stack. Of the removals that had to wait, those begun first go first.
+/// Runs hooks for the shim on top of the stack. Reverses the removals that had to wait, so that the earliest runs
+/// first.
 template <class Work>
 void Removals::callHooks(Shim& shim, Work&& work) noexcept {
     failure_.guard(work);
@@ -48,8 +49,8 @@ void Removals::callHooks(Shim& shim, Work&& work) noexcept {
     }
 }
 
-// Former relatives are let go of one at a time, since each may be the last that counts: its removal, on top then, ends
-// first.
+// Former relatives are released one at a time, because each reference may be the last one that counts: that relative's
+// removal, then on top, ends first.
 void Removals::step(Shim& shim) noexcept {
     using Removal = Shim::Removal;
     switch (shim.removal_) {
@@ -88,7 +89,7 @@ void Removals::clearForRemoval(Shim& shim) {
     shim.key_->resourceCleared();
 }
 
-/// The size now, or what the resource reported when it came if asking it throws.
+/// The size now, or the shim's last known size if asking the resource throws.
 unsigned Removals::sizeForRemoval(Shim const& shim) noexcept {
     unsigned size = shim.size_;
     if (shim.pageEntry_) return size;
@@ -109,7 +110,7 @@ void Removals::finish(Shim& shim) noexcept {
     });
 }
 
-/// Gives up one reference. Where it is the last that counts, the removal waits on top of the stack.
+/// Releases one reference. If it is the last one that counts, the removal is pushed on the stack.
 void Removals::letGo(Shim& relative) noexcept {
     if (relative.strongCount_ - 1 == relative.weakCount_) push(relative);
     relative.unref();
@@ -123,8 +124,8 @@ void Removals::removeReporting(Shim& shim) noexcept {
     }
 }
 
-// Keys that name each other are never without dependents: they come last. So does, in any order, what there was no
-// memory to sort.
+// Keys in a cycle always have dependents, so they come last. If memory for sorting runs out, the rest goes in any
+// order.
 void Removals::removeAll() noexcept {
     manager_.dying_ = true;
     try {
@@ -139,7 +140,7 @@ void Removals::removeAll() noexcept {
     while (Shim* const shim = manager_.table_.firstFrom(place)) removeReporting(*shim);
 }
 
-/// Removes the shims, and what has no dependents left afterwards.
+/// Removes the shims, and then those that have no dependents left.
 void Removals::removeEach(ur::vector<ur::Reference<Shim>> shims) {
     while (!shims.empty()) {
         ur::Reference<Shim> const root = std::move(shims.back());

@@ -1,4 +1,4 @@
-// The removals of a cache.
+// Removes keys with everything built from them.
 #pragma once
 
 #include "foundation/ur/Reference.h"
@@ -10,17 +10,17 @@ namespace urKRCache {
 
 class ManagerImpl;
 
-/// Removes shims with all that is built from them, and what only they kept.
+/// Removes shims with everything built from them, and with sources that only they kept.
 ///
-/// Shims that are being removed form a stack, linked through themselves, so that a chain of dependents of any length
-/// needs no memory. What a hook removes is gone when the hook goes on, except where hooks would nest too deeply.
+/// Shims that are being removed form a stack linked through the shims, so that a chain of dependents of any length
+/// needs no memory. What a hook removes is gone before the hook continues, unless hooks nest too deeply.
 class Removals {
 public:
     explicit Removals(ManagerImpl& manager) noexcept : manager_(manager) {}
 
-    /// Throws what a hook has thrown first, once everything has been removed.
+    /// Throws a hook's first exception after everything has been removed.
     void remove(Shim& shim);
-    /// Dependents before what they are built from; what still asks for shims meanwhile gets removed ones.
+    /// Removes dependents before their sources. Shims requested meanwhile are returned removed.
     void removeAll() noexcept;
 
 private:
@@ -37,8 +37,8 @@ private:
     void callHooks(Shim& shim, Work&& work) noexcept;
 
     ManagerImpl& manager_;
-    Shim* top_ = nullptr;  ///< the one to go on with, above those that wait for it; each is held
-    unsigned runs_ = 0;    ///< under way, each in a hook of the one before
+    Shim* top_ = nullptr;  ///< top of the stack; a reference to each shim in it is held
+    unsigned runs_ = 0;    ///< nested runs under way
     urOS::FirstError failure_;
 };
 

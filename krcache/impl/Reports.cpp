@@ -1,4 +1,4 @@
-// Usage by class, counts since the start, and dependencies as text and as a graph.
+// Reports usage by class, counts, and dependencies as text and as a graph.
 #include "krcache/impl/Reports.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ char const* stateOf(Shim const& shim) {
 
 }  // namespace
 
-// Resources are asked for their sizes now; they are held, since that runs code of theirs.
+// Holds the resources, because asking them for their sizes runs their code.
 void Reports::logUsageByType() const {
     urOS::DebugChannel& channel = debugChannel();
     if (!channel.isEnabled()) return;
@@ -57,7 +57,7 @@ Statistics Reports::statistics() const {
     return result;
 }
 
-/// All shims in the order of their creation.
+/// All shims in order of creation.
 ur::vector<Shim const*> Reports::inOrder() const {
     ur::vector<Shim const*> shims;
     shims.reserve(manager_.table_.size());

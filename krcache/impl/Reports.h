@@ -10,16 +10,16 @@ namespace urKRCache {
 class ManagerImpl;
 class Shim;
 
-/// Describes what a manager has done and holds, for people and programs.
+/// Describes the work and contents of a manager for people and programs.
 class Reports {
 public:
     explicit Reports(ManagerImpl const& manager) noexcept : manager_(manager) {}
 
-    /// Bytes by class, on the debug channel.
+    /// Prints bytes by class on the debug channel.
     void logUsageByType() const;
     [[nodiscard]] Statistics statistics() const;
     void printDependencies(urOS::OStream& out) const;
-    /// In the language of Graphviz.
+    /// In the DOT language.
     void printDependenciesAsDot(urOS::OStream& out) const;
 
 private:

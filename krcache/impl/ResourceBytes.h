@@ -6,10 +6,10 @@
 
 namespace urKRCache {
 
-/// What each resource told when it came into memory, less what each told when it left, but never below zero.
+/// Sums the sizes that resources reported on entry, minus those that they reported on leaving; never below 0.
 struct ResourceBytes {
     void add(unsigned size) noexcept { total += size; }
-    /// `added`: what has been added for this resource.
+    /// `added`: the size that was added for this resource.
     void take(unsigned size, unsigned added) noexcept {
         std::uint64_t const taken = std::min<std::uint64_t>(size, total);
         total -= taken;
@@ -17,7 +17,7 @@ struct ResourceBytes {
     }
 
     std::uint64_t total = 0;
-    std::int64_t resized = 0;  ///< by how much more was taken than had been added
+    std::int64_t resized = 0;  ///< how many more bytes were taken than added
 };
 
 }  // namespace urKRCache

@@ -1,4 +1,4 @@
-// A file of our own that nobody else may read or share.
+// A private file that is deleted when it is closed.
 #pragma once
 
 #include <cstddef>
@@ -9,10 +9,10 @@
 
 namespace urKRCache {
 
-/// An open file that is deleted with this object. No other user can read it and no link leads elsewhere.
+/// An open file that is deleted with this object. No other user can read it, and no link leads elsewhere.
 ///
-/// It is locked for as long as it is open: a second one of that name does not open, in this process or another,
-/// but one left behind by a process that was killed is emptied and taken over.
+/// It is locked while open: a second object with the same name fails to open it, in this process or another. A file
+/// left behind by a killed process is emptied and reused.
 class ScratchFile {
 public:
     ScratchFile() noexcept = default;
@@ -22,10 +22,10 @@ public:
 
     urUtil::Error open(std::string const& path);
     [[nodiscard]] bool isOpen() const noexcept { return descriptor_ >= 0; }
-    /// How long the file may become.
+    /// The largest size that a file may have.
     [[nodiscard]] static std::uint64_t sizeLimit() noexcept;
 
-    /// All of it or a failure; positions beyond the end are fine for writing.
+    /// Both move all bytes or fail. Writing after the end extends the file.
     urUtil::Error writeAt(std::uint64_t position, char const* bytes, std::size_t count) noexcept;
     urUtil::Error readAt(std::uint64_t position, char* bytes, std::size_t count) noexcept;
 

@@ -1,4 +1,4 @@
-// Scratch files where files have owners, links and advisory locks.
+// Scratch files on POSIX systems, with owners, links and advisory locks.
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/resource.h>
@@ -21,7 +21,7 @@ using urUtil::Error;
 constexpr mode_t onlyOurs = 0600;
 constexpr int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
-/// Moves all bytes by repeating `move`, which gives what the system calls give.
+/// Moves all bytes by repeating `move`, which returns what the system calls return.
 template <class Move>
 Error moveAll(std::size_t count, Move move, char const* what) noexcept {
     std::size_t done = 0;
@@ -45,7 +45,7 @@ bool isAt(int descriptor, std::string const& path) noexcept {
            ours.st_ino == named.st_ino;
 }
 
-/// Takes an open file over, and empties it.
+/// Checks and locks an open file, and empties it.
 Error makeOurs(int descriptor, std::string const& path, bool& deletedMeanwhile) {
     struct stat status = {};
     if (::fstat(descriptor, &status) != 0) return Error::fromSystem(errno, "status");
@@ -81,9 +81,10 @@ ScratchFile::~ScratchFile() {
 
 Error ScratchFile::open(std::string const& path) {
     std::error_code unknown;
-    path_ = std::filesystem::absolute(path, unknown).string();  // the process may go elsewhere before it ends
+    path_ = std::filesystem::absolute(path, unknown).string();  // absolute, because the process may change its
+                                                                // directory
     if (unknown) path_ = path;
-    // The file's former owner may delete it between our opening and our locking it, but hardly time and again.
+    // The file's former owner may delete it between our open and our lock, but hardly several times in a row.
     Error error;
     bool deletedMeanwhile = true;
     for (int attempt = 0; attempt < 10 && deletedMeanwhile; ++attempt) {
@@ -92,7 +93,7 @@ Error ScratchFile::open(std::string const& path) {
     return error;
 }
 
-// Writing beyond the limit of the process would raise a signal that ends it.
+// Writing beyond the process's limit would raise a signal that ends the process.
 std::uint64_t ScratchFile::sizeLimit() noexcept {
     constexpr std::uint64_t largest = std::numeric_limits<off_t>::max();
     struct rlimit limit = {};

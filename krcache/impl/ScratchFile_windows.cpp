@@ -1,4 +1,4 @@
-// Scratch files where a file can be kept from all others while it is open.
+// Scratch files on Windows, opened without sharing.
 #include <windows.h>
 
 #include <fcntl.h>
@@ -23,7 +23,7 @@ Error lastError(char const* what) {
     return Error::fromSystem(std::error_code(static_cast<int>(::GetLastError()), std::system_category()), what);
 }
 
-/// Moves all bytes by repeating `move`, which is a call of the system for files at a position.
+/// Moves all bytes by repeating `move`, a system call that reads or writes at a position.
 template <class Move, class Byte>
 Error moveAll(Move move, int descriptor, std::uint64_t position, Byte* bytes, std::size_t count, char const* what) {
     for (std::size_t done = 0; done < count;) {
@@ -50,7 +50,7 @@ ScratchFile::~ScratchFile() {
 
 Error ScratchFile::open(std::string const& path) {
     path_ = path;
-    // Shared with nobody; a link is opened itself, and refused.
+    // No sharing. A link is opened itself, and then refused.
     constexpr DWORD flags = FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_OPEN_REPARSE_POINT;
     HANDLE const file = ::CreateFileW(std::filesystem::path(path).c_str(), GENERIC_READ | GENERIC_WRITE | DELETE, 0,
                                       nullptr, OPEN_ALWAYS, flags, nullptr);

@@ -1,4 +1,4 @@
-// Values that hold for as long as a scope runs.
+// Values that hold for the duration of a scope.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +6,7 @@
 
 namespace urKRCache {
 
-/// Sets a variable for as long as a scope runs.
+/// Sets a variable for the duration of a scope.
 template <class T>
 class Scoped {
 public:
@@ -20,7 +20,7 @@ private:
     T former_;
 };
 
-/// Adds to a counter for as long as a scope runs.
+/// Adds to a counter for the duration of a scope.
 class Reservation {
 public:
     Reservation(std::uint64_t& counter, std::uint64_t bytes) noexcept : counter_(counter), bytes_(bytes) {

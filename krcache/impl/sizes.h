@@ -1,4 +1,4 @@
-// Byte counts as callers and readers get them.
+// Converts byte counts for results and messages.
 #pragma once
 
 #include <algorithm>
@@ -7,15 +7,15 @@
 
 namespace urKRCache::impl {
 
-/// Room that the checks of the limit leave between a peak and the limit.
+/// The distance that a peak must keep from the limit.
 inline constexpr std::int64_t limitMargin = 1048576;
 
-/// The count, or the largest that 32 bits hold.
+/// The count, or the largest 32-bit value if it is larger.
 [[nodiscard]] constexpr unsigned saturated(std::uint64_t bytes) noexcept {
     return static_cast<unsigned>(std::min<std::uint64_t>(bytes, std::numeric_limits<unsigned>::max()));
 }
 
-/// As messages show it: in single precision, which is what their two decimals are rounded from.
+/// For messages: in single precision, from which their two decimals are rounded.
 [[nodiscard]] constexpr double megabytes(std::uint64_t bytes) noexcept {
     return static_cast<double>(static_cast<float>(bytes) * 0x1p-20F);
 }

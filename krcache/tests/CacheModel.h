@@ -1,4 +1,4 @@
-// A manager beside a plain model of it: both do the same, and must say and hold the same.
+// Compares a manager with a plain model: both do the same calls and must give the same results.
 #pragma once
 
 #include <algorithm>
@@ -18,7 +18,7 @@ struct ElsewhereKey : Key {
     bool isResidential() const override { return false; }
 };
 
-/// What a manager should do, without graphs, tables or files: arrays, a list, and recursion.
+/// The expected behaviour of a manager, without graphs, tables or files: arrays, a list, and recursion.
 struct PlainCache {
     static constexpr int count = 24;
     static constexpr unsigned payloadSize = 8;
@@ -27,12 +27,12 @@ struct PlainCache {
         bool exists = false, isWeak = false, isSerializable = false, isHot = false, isRemoving = false;
         State state = State::absent;
         int locks = 0, builds = 0, held = 0, references = 0;
-        unsigned size = 0;   ///< as told last
+        unsigned size = 0;   ///< as last reported
         unsigned bytes = 0;  ///< of the resource, now
         std::vector<int> children, parents;
     };
 
-    /// Size of the n-th resource that a key builds; `Key::none` for none.
+    /// The size of the n-th resource that a key builds; `Key::none` if it builds none.
     static unsigned sizeOf(int key, int build) {
         unsigned const hash = static_cast<unsigned>(key * 7919 + build * 104729) * 2654435761U >> 8;
         if (hash % 11 == 0) return Key::none;
@@ -101,7 +101,7 @@ struct PlainCache {
         }
         entry.exists = entry.isHot = false;
     }
-    /// A reference goes that is not the client's; the client's are in `held`.
+    /// Releases a reference that is not the client's; `held` counts the client's.
     void unref(int key) { --entries[key].references, dropped(key); }
     void dropped(int key) {
         Entry const& entry = entries[key];
@@ -203,12 +203,12 @@ private:
     }
 };
 
-/// Plays calls that it draws on a manager and on the model.
+/// Makes the same random calls on a manager and on the model.
 class CacheModel {
 public:
     explicit CacheModel(std::function<unsigned()> draw) : draw_(std::move(draw)) {}
 
-    /// One call on both. What differs then, or an empty text.
+    /// Makes one call on both. Returns the difference, or an empty text.
     std::string step() {
         play(static_cast<int>(draw_() % PlainCache::count));
         for (int key = 0; key < PlainCache::count; ++key) {
@@ -263,8 +263,8 @@ private:
         isStart ? model_.startInteraction() : model_.endInteraction();
         isStart ? cache_.manager.startInteraction() : cache_.manager.endInteraction();
     }
-    // The manager holds all shims meanwhile and lets go of them in the order of its table, which the model does not
-    // know: left out when that could matter.
+    // The manager holds all shims meanwhile and releases them in the order of its table, which the model does not know.
+    // The call is skipped when the order could matter.
     void clearAll() {
         for (Entry const& entry : model_.entries) {
             if (entry.isWeak && entry.parents.size() > 1) return;
@@ -340,7 +340,7 @@ private:
     Cache cache_{{.tableSlots = 2, .pageExtension = 9000, .pageBlock = 5}};
     PlainCache model_;
     std::array<ur::Reference<Shim>, PlainCache::count> held_;
-    std::array<Blob*, PlainCache::count> blobs_;  ///< the last that each key has built
+    std::array<Blob*, PlainCache::count> blobs_;  ///< the last one that each key built
     std::vector<unsigned> externals_;
     std::string wrong_;
 };

@@ -1,4 +1,4 @@
-// Keys, resources and outputs that the tests of the cache share.
+// Keys, resources and outputs shared by the cache's tests.
 #pragma once
 
 #include <cstdlib>
@@ -20,7 +20,7 @@ using Hook = std::function<void()>;
 
 constexpr std::uint64_t megabyte = 1048576;
 
-/// Counts as `size` bytes and pages `payload`.
+/// Has `size` bytes and pages `payload`.
 struct Blob : Resource {
     explicit Blob(unsigned bytes, std::string text = "payload") : size(bytes), payload(std::move(text)) {}
 
@@ -45,7 +45,7 @@ struct Blob : Resource {
     Hook onPage = [] {}, onSize = [] {};
 };
 
-/// Equal by number. Builds a blob of `size` bytes; what else it does is up to its hooks.
+/// Compares by number. Builds a blob of `size` bytes and calls its hooks.
 struct Key : KeyData {
     explicit Key(int id, unsigned bytes = 1000) : number(id), size(bytes) {}
 
@@ -73,7 +73,7 @@ struct Key : KeyData {
     int number;
     unsigned size;  ///< `none`: builds nothing
     unsigned expected = 0;
-    unsigned hash = 7;  ///< the same for all unless set, so that comparing decides
+    unsigned hash = 7;  ///< the same for all by default, so that the comparison decides
     std::vector<ur::Reference<Shim>> sources;
     std::function<ur::Reference<Resource>()> make;
     Hook onBuild = [] {}, onInitialize = [] {}, onCleared = [] {}, onRemoved = [] {}, onComparing = [] {};
@@ -81,7 +81,7 @@ struct Key : KeyData {
     mutable int builds = 0, hashes = 0;
 };
 
-/// What is printed on the cache's channel while this lives.
+/// Collects what is printed on the cache's channel during its lifetime.
 struct Messages {
     Messages() {
         static_cast<void>(stream_.open(urOS::openForWriting));
@@ -92,7 +92,7 @@ struct Messages {
         debugChannel().disable();
         debugChannel().setOutput(nullptr);
     }
-    /// Since the last time.
+    /// The messages since the last call.
     std::string take() {
         std::string text(stream_.contents().view());
         static_cast<void>(stream_.open(urOS::openForWriting));

@@ -1,4 +1,4 @@
-// What the audit says of each thing that can be wrong.
+// The audit's report for each possible fault.
 #include "krcache/impl/ManagerImpl.h"
 #include "krcache/tests/TestKeys.h"
 
@@ -7,7 +7,7 @@ namespace urKRCache {
 using ur::make;
 using ur::Reference;
 
-/// A cache with a resource in each state, and what breaks it. Each fault is undone by causing it again.
+/// A cache with a resource in each state, and functions that break it. Causing a fault again undoes it.
 struct CacheProbe : test::Cache {
     using Node = urUtil::LinkedListNode<Shim>;
     struct Fault {

@@ -1,4 +1,4 @@
-// Keys and resources that use the cache, or throw, while the cache calls them.
+// Keys and resources that use the cache, or throw, from their hooks.
 #include <random>
 #include <stdexcept>
 
@@ -62,7 +62,7 @@ TEST_F(HooksTest, ResourcesMayComeBackWhileTheyAreCleared) {
     }
     manager.clearResource(b);
     EXPECT_TRUE(b->isResourceAllocated());
-    for (unsigned const limit : {1500, 1}) {  // evicting one brings it back: the limit wins in the end
+    for (unsigned const limit : {1500, 1}) {  // evicting one rebuilds it: the limit must win in the end
         manager.setMemoryLimit(limit);
         EXPECT_LE(manager.getMemoryUsed(), limit);
     }
@@ -137,7 +137,7 @@ TEST_F(HooksTest, AskingForTheSizeMayThrowOrTakeTheResourceAway) {
     EXPECT_EQ(manager.numKeys(), 1);
 }
 
-/// Every hook of every key and resource does something drawn at random with the cache, and hooks of that do too.
+/// Every hook of every key and resource makes a random call of the cache, and so do the hooks called from there.
 struct Meddlers {
     explicit Meddlers(unsigned seed) : random(seed) {}
 
@@ -184,11 +184,11 @@ struct Meddlers {
         any() = std::move(made);
     }
 
-    static constexpr int numbers = 16;  ///< of different keys
+    static constexpr int numbers = 16;  ///< the number of different keys
     std::mt19937 random;
     std::vector<Reference<Shim>> shims{12};
     int depth = 0;
-    Cache cache;  // goes first: the hooks use the rest
+    Cache cache;  // destroyed first: its hooks use the other members
     Manager* manager = &cache.manager;
 };
 

@@ -1,4 +1,4 @@
-// What the model does not play: which keys are equal, wide counters, resident sizes, and the way to the manager.
+// Tests what the model leaves out: equality of keys, wide counters, resident sizes, and finding the manager.
 #include <gmock/gmock.h>
 
 #include <stdexcept>
@@ -96,7 +96,7 @@ TEST_F(ManagerTest, ResidentSizeModeBoundsTheWholeProcess) {
     access(a);
     manager.setUseResidentSize();
     EXPECT_GT(manager.getResidentSize(), megabyte);
-    manager.setMemoryLimit(megabyte);  // less than the process has without the cache
+    manager.setMemoryLimit(megabyte);  // less than the process uses without the cache
     EXPECT_FALSE(a->isResourceAllocated());
     messages.take();
     manager.allocatingExternalResource(10), manager.deletedExternalResource(10);
@@ -131,7 +131,7 @@ TEST(ResidentSize, IsSampledNowAndThenAndLessThanResourcesClaim) {
     cache.manager.enforceMemoryLimit(0);
     EXPECT_TRUE(!elsewhere->isResourceAllocated() && claims->isResourceAllocated() && samples == 4);
     cache.manager.clear();
-    resident = 1500, cache.access(elsewhere), cache.access(claims);  // room for the claim takes none from others
+    resident = 1500, cache.access(elsewhere), cache.access(claims);  // reserving the claim takes no room from others
     EXPECT_TRUE(elsewhere->isResourceAllocated() && claims->isResourceAllocated());
 }
 

@@ -1,4 +1,4 @@
-// Random calls on a manager and on a plain model of it, with an audit after each.
+// Makes random calls on a manager and on a plain model of it, with an audit after each call.
 #include <cstdlib>
 #include <random>
 
@@ -7,7 +7,7 @@
 namespace urKRCache::test {
 namespace {
 
-// NX_CACHE_STEPS and NX_CACHE_SEED replay and prolong the play.
+// NX_CACHE_STEPS sets the number of steps; NX_CACHE_SEED repeats a run.
 unsigned fromEnvironment(char const* name, unsigned otherwise) {
     char const* const text = std::getenv(name);
     return text ? static_cast<unsigned>(std::strtoul(text, nullptr, 10)) : otherwise;

@@ -1,4 +1,4 @@
-// The page file: its chunks, what goes through it, and what can go wrong with it.
+// The page file: its chunks, its streams, and its failures.
 #include <gmock/gmock.h>
 
 #if defined(__linux__)
@@ -26,7 +26,7 @@ using ur::make;
 using ur::Reference;
 
 struct PageFileTest : testing::Test {
-    /// The chunks from the start of the file: sizes, negative for free ones.
+    /// The sizes of the chunks from the start of the file; negative for free ones.
     std::vector<std::int64_t> chunks(std::size_t inUse) {
         EXPECT_EQ(file.fault(inUse), nullptr);
         std::vector<std::int64_t> sizes;
@@ -158,7 +158,7 @@ TEST_F(PagingTest, AResourceThatHasGrownIsDropped) {
     EXPECT_TRUE(!a->isResourceAllocated() && payload(a) == "12345");
 }
 
-// Where other programs can harm an open file, and files have limits.
+// Needs systems on which other programs can change an open file, and files have size limits.
 #if defined(__linux__)
 
 TEST_F(PagingTest, WhatTheFileLosesIsBuiltAgain) {
@@ -181,7 +181,7 @@ TEST_F(PagingTest, AFullDiskDropsUntilThereIsRoom) {
     manager.clearResource(a), messages.take();
     rlimit former{};
     ::getrlimit(RLIMIT_FSIZE, &former);
-    rlimit const limit{120'000, former.rlim_max};  // the file has promised more: writing fails half-way
+    rlimit const limit{120'000, former.rlim_max};  // less than the file's chunks: writing fails half-way
     sighandler_t const handler = ::signal(SIGXFSZ, SIG_IGN);
     ::setrlimit(RLIMIT_FSIZE, &limit);
     manager.clearResource(b);
@@ -196,7 +196,7 @@ TEST_F(PagingTest, AFullDiskDropsUntilThereIsRoom) {
     EXPECT_TRUE(b->isResourceSerialized());
 }
 
-/// Whether a manager on that folder can page; if not it drops, once with a message.
+/// Whether a manager in that folder can page. If not, it drops resources and reports that once.
 bool canPage(fs::path const& folder) {
     Messages messages;
     Manager manager(nameOf(folder));
@@ -221,7 +221,7 @@ struct ScratchFileTest : testing::Test {
 };
 
 TEST_F(ScratchFileTest, IsNeverOpenedOrDeletedWhereItWouldNotBeOurs) {
-    EXPECT_FALSE(canPage("/proc"));  // nobody can create files there, not even root
+    EXPECT_FALSE(canPage("/proc"));  // no user, not even root, can create files there
     EXPECT_FALSE(canPage("/no/such/folder"));
     std::ofstream(other) << "precious";
     std::vector<Hook> const traps = {[&] { fs::create_symlink(other, file); },
@@ -238,7 +238,7 @@ TEST_F(ScratchFileTest, IsNeverOpenedOrDeletedWhereItWouldNotBeOurs) {
         Manager const manager(nameOf(folder.path()));
         fs::rename(other, file);
     }
-    EXPECT_EQ(fs::file_size(file), 8);  // someone else's file of that name stays
+    EXPECT_EQ(fs::file_size(file), 8);  // another program's file of that name stays
 }
 
 TEST_F(ScratchFileTest, OfALivingManagerIsLeftAloneAndOfAKilledOneTakenOver) {

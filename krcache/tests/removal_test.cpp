@@ -1,4 +1,4 @@
-// Removing keys with what is built from them.
+// Removing keys with everything built from them.
 #include <memory>
 
 #include "foundation/ur/tests/smallStack.h"
@@ -10,7 +10,7 @@ namespace {
 using ur::make;
 using ur::Reference;
 
-/// Writes down when it goes.
+/// Logs its destruction.
 struct Mortal : Blob {
     Mortal(std::string& where, int which) : Blob(1000), log(where), number(which) {}
     ~Mortal() override { log += " d" + std::to_string(number); }
@@ -19,7 +19,7 @@ struct Mortal : Blob {
 };
 
 struct RemovalTest : testing::Test {
-    /// A shim whose resource is there; told are when that goes (d), when the key hears of it (c) and is removed (r).
+    /// A shim whose resource is built. Logs when the resource is destroyed (d), cleared (c) and the key is removed (r).
     Reference<Shim> add(int number, std::vector<Reference<Shim>> sources = {}) {
         auto const key = make<Key>(number);
         key->sources = std::move(sources);
@@ -31,7 +31,7 @@ struct RemovalTest : testing::Test {
         return shim;
     }
 
-    /// A shim that is removed, together with its only dependent, when the client gives it up.
+    /// A shim that is removed, with its only dependent, when the client releases it.
     Reference<Shim> addLoose(int number, std::vector<Reference<Shim>> held = {}) {
         auto const key = make<Key>(number), dependent = make<Key>(-number);
         key->onRemoved = [this, number] { log += " r" + std::to_string(number); };
@@ -124,7 +124,7 @@ TEST_F(RemovalTest, KeysThatNameEachOtherOrThemselvesCanBeRemoved) {
 }
 
 TEST_F(RemovalTest, AChainOfAHundredThousandNeedsNoStack) {
-    /// Resources hold the ones that they are built from.
+    /// The resource holds the resources that it is built from.
     struct Stage : Blob {
         explicit Stage(Reference<Resource> from) : Blob(10), source(std::move(from)) {}
         Reference<Resource> source;
@@ -150,7 +150,7 @@ TEST_F(RemovalTest, AChainOfAHundredThousandNeedsNoStack) {
         int const others = manager->numKeys();
         Reference<Shim> last;
         for (int number = 200'000; number < 230'000; ++number) last = addLoose(number, {std::move(last)});
-        last.reset();  // each key's destructor gives up the next shim
+        last.reset();  // each key's destructor releases the next shim
         EXPECT_EQ(manager->numKeys(), others);
         cache.reset();
     };

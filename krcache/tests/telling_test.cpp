@@ -1,4 +1,4 @@
-// What the cache tells about itself: counts, dependencies, traces, and observers.
+// What the cache reports about itself: counts, dependencies, traces, and observers.
 #include <gmock/gmock.h>
 
 #include <chrono>
@@ -30,7 +30,7 @@ TEST_F(TellingTest, StatisticsCountWhatHappenedAndTracesKeepIt) {
     manager.setTraceRecorder(&recorder);
     auto const a = shim(make<Key>(1, 1000)), b = shim(make<Key>(2, 500)), patch = shim(make<PatchKey>(3, 70));
     for (auto const& one : {a, b, patch, a}) access(one);
-    for (unsigned const limit : {1100, 0}) manager.setMemoryLimit(limit);  // b goes
+    for (unsigned const limit : {1100, 0}) manager.setMemoryLimit(limit);  // drops b
     manager.setSerializable(patch);
     manager.clearResource(a), manager.clearResource(patch);
     access(patch), access(b);
@@ -118,7 +118,7 @@ TEST_F(TellingTest, AnObserverSeesBuildsAndWhyResourcesGo) {
     auto const source = shim(make<Key>(1, 1000)), patch = shim(make<PatchKey>(2, 70));
     keyOf(patch).onBuild = [&] { access(source); };
     access(patch);
-    manager.setMemoryLimit(100);  // the source goes
+    manager.setMemoryLimit(100);  // drops the source
     manager.setSerializable(patch);
     manager.clear();
     manager.removeResource(patch);
