@@ -10,7 +10,7 @@
 
 namespace nxSupport {
 
-/// Carries the application's start parameters, whose keys are the host's. Subscribers may change them.
+/// Carries the application's start parameters; the host defines their keys. Subscribers may change them.
 class NX_API AppInitMsg : public Broadcaster::Message {
 public:
     explicit AppInitMsg(ur::Reference<nxPLST::Dictionary> parameters) noexcept : parameters_(std::move(parameters)) {}

@@ -1,4 +1,4 @@
-// The way of a task from the main thread to the worker and back.
+// Runs a task on a worker and completes it on the main thread.
 #include "support/messaging/AsyncTask.h"
 
 #include <atomic>
@@ -19,7 +19,7 @@
 
 namespace nxSupport {
 
-/// The end of a task on its way through the run queue. Owns the count that `startThread` added to the task.
+/// Completes or fails a task from the run queue. Owns the reference that `startThread` took.
 class CompletionTask final : public urThread::Runnable {
 public:
     explicit CompletionTask(AsyncTask& task) noexcept : task_(&task) {}
@@ -28,7 +28,7 @@ public:
 
     void run() override;
     void setFailed() noexcept { failed_ = true; }
-    /// A `wait` has told the end instead.
+    /// Releases the task, because `wait` has already reported the failure.
     void letGo() noexcept { task_ = nullptr; }
 
 private:
@@ -40,11 +40,11 @@ private:
     bool failed_ = false;
 };
 
-/// What the worker has told last, on its way to the main thread.
+/// The worker's last progress, passed to the main thread.
 struct TaskProgress {
     explicit TaskProgress(AsyncTask::ProgressSignal& told) : signal(&told) {}
 
-    /// Whether nothing was under way before.
+    /// Returns whether no earlier progress was still in the queue.
     bool set(double newFraction, std::string_view newText) {
         std::lock_guard const lock(mutex);
         fraction = newFraction;
@@ -60,7 +60,7 @@ struct TaskProgress {
         if (signal) signal->emit(done, told);
     }
 
-    AsyncTask::ProgressSignal* signal;  // the main thread's; null once there is nothing more to tell
+    AsyncTask::ProgressSignal* signal;  // used by the main thread only; null once no more progress is reported
     std::mutex mutex;
     double fraction = 0;
     std::string text;
@@ -70,21 +70,22 @@ struct TaskProgress {
 struct TaskImpl final : ur::ImplBase {
     explicit TaskImpl(Domain& owner) : domain(&owner) {}
 
-    Domain* domain;  ///< null once it has gone
+    Domain* domain;  ///< null once it is destroyed
     urRTB::ScopedConnection domainWatch;
     urThread::Thread thread;
-    /// Between `startThread` and the end of the work, which hands it to the queue.
+    /// Set by `startThread`; moved to the queue at the end of the work.
     ur::Reference<CompletionTask> completion;
-    CompletionTask* failing = nullptr;  ///< on its way through the queue, after work that threw
+    CompletionTask* failing = nullptr;  ///< the completion in the queue, if the work threw
     urThread::RunQueue* queue = nullptr;
-    std::thread::id home;  ///< the thread that started the task; the count is its own
+    std::thread::id home;  ///< the thread that started the task; only this thread may change the reference count
     bool started = false;
-    urUtil::Error failure;  ///< as far as the thread has told it
+    urUtil::Error failure;  ///< the error that the thread has reported so far
     AsyncTask::ProgressSignal progressSignal;
     std::shared_ptr<TaskProgress> progress = std::make_shared<TaskProgress>(progressSignal);
     std::atomic<bool> cancelled = false;
     std::atomic<bool> waited = false;
-    std::atomic<bool> abandoned = false;  ///< elsewhere than at home: the count is still to drop, by who clears this
+    std::atomic<bool> abandoned = false;  ///< another thread than `home` dropped the completion; the code that clears
+                                          ///< this releases the task
 };
 
 AsyncTask::AsyncTask(Domain& domain) : impl_(std::make_unique<TaskImpl>(domain)) {
@@ -99,7 +100,7 @@ AsyncTask::AsyncTask(Domain& domain) : impl_(std::make_unique<TaskImpl>(domain))
 AsyncTask::~AsyncTask() {
     impl_->progress->signal = nullptr;
     leaveDomain();
-    impl_.reset();  // before the client, which belongs to the thread until that has ended
+    impl_.reset();  // before the client, which the thread may use until it has ended
 }
 
 void AsyncTask::startThread() {
@@ -119,7 +120,7 @@ void AsyncTask::startThread() {
     queueFailure();
 }
 
-/// The task may be gone afterwards, unless this is its worker.
+/// The task may be destroyed afterwards, unless this is its worker.
 void AsyncTask::queueFailure() {
     impl_->failing = impl_->completion.get();
     impl_->failing->setFailed();
@@ -131,7 +132,7 @@ void AsyncTask::threadFunc() {
         execute();
     } catch (...) {
         queueFailure();
-        throw;  // for the thread, which keeps what it was
+        throw;  // the thread keeps the exception
     }
     impl_->queue->add(std::move(impl_->completion));  // from here on the main thread may destroy the task
 }
@@ -144,7 +145,8 @@ void CompletionTask::run() {
 
 void AsyncTask::complete(bool waited) {
     auto const started = ur::Reference<AsyncTask>::adopt(this);
-    static_cast<void>(impl_->thread.wait());  // it may still be inside the queue, which `onComplete` may destroy
+    static_cast<void>(impl_->thread.wait());  // the worker may still be inside the queue, which `onComplete` may
+                                              // destroy
     impl_->progress->signal = nullptr;
     if (impl_->domain) impl_->domain->setAsyncTask(nullptr);
     onComplete(waited);
@@ -171,7 +173,7 @@ void AsyncTask::abandon() noexcept {
     }
 }
 
-/// A domain that waits for its task until there is none must not wait for one that will not complete.
+/// Unsets the domain's task, because a domain must not wait for a task that will not complete.
 void AsyncTask::leaveDomain() noexcept {
     if (impl_->domain && impl_->domain->impl_->asyncTask == this) impl_->domain->setAsyncTask(nullptr);
 }

@@ -1,4 +1,4 @@
-// Work on a thread of its own, completed on the main thread.
+// Runs work on a worker thread and completes it on the main thread.
 #pragma once
 
 #include <memory>
@@ -17,52 +17,54 @@ struct TaskImpl;
 
 /// Runs `execute` once on a worker thread, then `onComplete` from the run queue of its domain.
 ///
-/// Held by reference: the owner keeps one while it needs the task, and a started task lives by itself until it has
-/// completed. The count is plain, so `execute` must leave references to the task alone, as it must leave alone the
-/// domain and all else that it does not own; `isCancelled` and `setProgress` are for it. An exception from it ends the
-/// work, not the process, and the task never completes: the domain forgets it, and `onFailed` is told instead, from the
-/// run queue or from a `wait`. When the queue drops the completion unrun, `onComplete` is not called, but the
-/// task is freed: at once when the main thread drops it from a closed queue. A task whose queue had closed before its
-/// work ended is freed by a `wait`, or when its domain goes after the end of the work. A host that closes the queue and
-/// destroys the domain while tasks work keeps references to them, and waits. All else belongs to the main thread, which
+/// Held by reference: the owner keeps a reference while it needs the task, and a started task keeps itself alive until
+/// it has completed. The reference count is not atomic, so `execute` must not touch references to the task. It must
+/// also not touch the domain or anything else that it does not own; it may call `isCancelled` and `setProgress`. If
+/// `execute` throws, the work ends but not the process, and the task never completes: the domain forgets it, and
+/// `onFailed` is called instead, from the run queue or from `wait`.
+///
+/// If the queue drops the completion without running it, `onComplete` is not called, but the task is freed: at once if
+/// the main thread drops it from a closed queue. If the queue was closed before the work ended, the task is freed by
+/// `wait`, or when its domain is destroyed after the end of the work. A host that closes the queue and destroys the
+/// domain while tasks run keeps references to them and calls `wait`. Everything else belongs to the main thread, which
 /// services the queue.
 class NX_API AsyncTask : public ur::ReferenceCount {
 public:
-    /// The domain reports this task from now on, in place of any other, until it has completed.
+    /// Until it has completed, the task is the one that the domain waits for, in place of any other.
     explicit AsyncTask(Domain& domain);
     AsyncTask(AsyncTask const&) = delete;
     AsyncTask& operator=(AsyncTask const&) = delete;
     ~AsyncTask() override;
 
-    /// Starts the work. Only the first call does. When the system has no thread to give, the task has failed.
+    /// Starts the work; later calls do nothing. If the system cannot create a thread, the task has failed.
     void startThread();
-    /// Waits for the end of the work, and has `onComplete` told so if it still is to run. Of work that threw it tells
-    /// `onFailed`; the task may then be gone.
+    /// Waits for the end of the work. If `onComplete` still has to run, it gets `waited` as true. If the work threw,
+    /// this calls `onFailed`; the task may then be destroyed.
     void wait();
 
-    /// Whether there was no thread, or the work threw, from when `onFailed` is told.
+    /// True if no thread could be created, or if the work threw and `onFailed` has been called.
     [[nodiscard]] bool failed() const noexcept;
-    /// What the system or the exception said; empty unless `failed`.
+    /// The message of the system or of the exception; empty unless `failed`.
     [[nodiscard]] std::string_view failureText() const noexcept;
 
-    /// Asks the work to end early. It completes as ever.
+    /// Asks the work to end early. It completes as usual.
     void cancel() noexcept;
-    /// Any thread.
+    /// May be called from any thread.
     [[nodiscard]] bool isCancelled() const noexcept;
     using ProgressSignal = urRTB::Signal<double, std::string_view>;
-    /// Emitted from the run queue with what `setProgress` told last, and not after the task has completed or failed.
+    /// Emitted from the run queue with the last values of `setProgress`; never after the task has completed or failed.
     [[nodiscard]] ProgressSignal& progressSignal() noexcept;
 
 protected:
-    /// The worker: how much is done, from 0 to 1, and what is being done. Of what is told faster than the queue is
-    /// serviced, the last stays.
+    /// Called by the worker: the fraction done, from 0 to 1, and a text on the current step. If it is called faster
+    /// than the queue is serviced, only the last values are reported.
     void setProgress(double fraction, std::string_view text = {});
-    /// The work, on the worker thread.
+    /// Does the work, on the worker thread.
     virtual void execute() = 0;
-    /// The work is done; `waited` tells that someone has waited for it. What it throws leaves the queue's service.
+    /// Called when the work is done. `waited`: `wait` was called. The queue's `service` passes on an exception.
     virtual void onComplete(bool waited) = 0;
-    /// The work threw, as `text` says, or there was no thread for it. From the run queue, or from a `wait` before;
-    /// not when the queue drops the task.
+    /// Called with a message if the work threw or no thread could be created. It is called from the run queue, or
+    /// earlier from `wait`, but not if the queue drops the task.
     virtual void onFailed(std::string_view text);
 
 private:
@@ -75,7 +77,7 @@ private:
     void abandon() noexcept;
     void leaveDomain() noexcept;
 
-    urRTB::SignalClient client_;  ///< of the thread's signal
+    urRTB::SignalClient client_;  ///< connected to the thread's signal
     std::unique_ptr<TaskImpl> impl_;
 };
 

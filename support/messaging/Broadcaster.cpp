@@ -10,7 +10,7 @@ Broadcaster::SigBase::~SigBase() = default;
 
 Broadcaster::~Broadcaster() {
     if (delivery_) delivery_->cancel();
-    // One by one, sought anew: the end of a callable is its owner's code, which may still broadcast or connect here.
+    // Disconnect one at a time and search again: destroying a callable runs foreign code, which may use this object.
     auto const left = [this] {
         return std::find_if(channels_.begin(), channels_.end(), [](auto const& c) { return !c.second->sigs.empty(); });
     };

@@ -1,4 +1,4 @@
-// The bus that life-cycle messages travel on.
+// The bus that delivers life-cycle messages.
 #pragma once
 
 #include <memory>
@@ -18,17 +18,17 @@ namespace nxSupport {
 /// Delivers life-cycle messages to the functions subscribed to their class, lowest priority first.
 ///
 /// The host creates one and stores it in its call information; modules find it through `ci()`. Subscribers of equal
-/// priority share one signal and run in the order in which they connected.
-/// Main thread only. A subscriber may connect, disconnect, broadcast or destroy the broadcaster while it runs; one
-/// connected meanwhile is called by the same broadcast if its priority is the running one's or still to come. So
-/// subscribers that connect another at their own priority each time never end the broadcast.
+/// priority share one signal and run in the order in which they connected. Main thread only. A subscriber may connect,
+/// disconnect, broadcast or destroy the broadcaster while it runs. A subscriber connected meanwhile is called by the
+/// same broadcast if its priority is the current one or comes later. So a broadcast never ends if its subscribers each
+/// connect another one at their own priority.
 class NX_API Broadcaster {
 public:
     using Priority = nxSupport::Priority;
     using UnitID = nxSupport::UnitID;
     using ModuleID = nxSupport::ModuleID;
 
-    /// The base of messages: made by who broadcasts them, and gone afterwards.
+    /// Base class of messages. The sender creates a message and destroys it after the broadcast.
     class NX_API Message {
     public:
         Message() noexcept = default;
@@ -50,7 +50,7 @@ public:
     private:
         Priority priority_;
     };
-    /// With the signal that calls them.
+    /// The same with the signal that calls them.
     template <class T>
     class Sig final : public SigBase {
     public:
@@ -59,53 +59,53 @@ public:
         urRTB::Signal<T&> signal;
     };
 
-    /// One line of `listeners`.
+    /// A subscriber, as reported by `listeners`.
     struct Listener {
         ur::TypeInfo message;
         Priority priority;
-        urString::CString name;  ///< the function's symbol, or the class of the callable, as far as they are known
+        urString::CString name;  ///< the function's symbol or the callable's class, if known
         bool blocked = false;
     };
 
     Broadcaster() noexcept = default;
     Broadcaster(Broadcaster const&) = delete;
     Broadcaster& operator=(Broadcaster const&) = delete;
-    /// Ends every subscription, then sets the first-time flags to true.
+    /// Disconnects every subscriber, then sets the first-time flags to true.
     virtual ~Broadcaster();
 
-    /// Subscribes a plain function to messages of class T, until it is disconnected. Null subscribes nothing.
+    /// Subscribes a plain function to messages of class T until it is disconnected. A null function is ignored.
     template <class T>
     urRTB::Connection connect(Priority const& priority, void (*function)(T&)) {
         return sigFor<T>(priority).addCallback(function);
     }
-    /// Subscribes anything that can be called with a T&, for as long as the result lives.
+    /// Subscribes any callable that takes a T&, for as long as the result lives.
     template <class T, class F>
     [[nodiscard]] urRTB::ScopedConnection subscribe(Priority const& priority, F&& callable) {
         return sigFor<T>(priority).addCallback(std::forward<F>(callable));
     }
-    /// Calls every subscriber of T. An exception from one leaves at once; later ones are not called.
+    /// Calls every subscriber of T. An exception from a subscriber is passed on at once; later ones are not called.
     template <class T>
     void broadcast(T& message);
-    /// The signal of T at that priority, made if there is none yet. It lives as long as the broadcaster.
+    /// The signal of T at that priority, created if necessary. It lives as long as the broadcaster.
     template <class T>
     urRTB::Signal<T&>& sigFor(Priority const& priority);
 
-    /// Has `*flag` set to true when the broadcaster is destroyed; once for each address.
+    /// Sets `*flag` to true when the broadcaster is destroyed. Adding an address again has no effect.
     void addFirstTimeFlag(bool* flag) { firstTimeFlags_.insert(flag); }
 
-    /// Everybody who listens to anything: class after class, in the order of delivery. For diagnosis.
+    /// All subscribers, grouped by message class and in the order of delivery. For diagnosis.
     [[nodiscard]] ur::vector<Listener> listeners() const;
 
 private:
     using Sigs = ur::list<std::unique_ptr<SigBase>>;
 
-    /// What is known of one message class. Never moves or goes before the broadcaster.
+    /// The data of one message class. It stays at its address until the broadcaster is destroyed.
     struct Channel {
-        Sigs sigs;  ///< of that class, by ascending priority, none twice
+        Sigs sigs;  ///< of this class, by ascending priority, one for each
         urRTB::SignalBase const& (*signal)(SigBase const&) = nullptr;
     };
 
-    /// A broadcast under way, told when the broadcaster goes.
+    /// A running broadcast. It is notified when the broadcaster is destroyed.
     class Delivery {
     public:
         explicit Delivery(Broadcaster& broadcaster) noexcept
@@ -116,7 +116,7 @@ private:
             if (broadcaster_) broadcaster_->delivery_ = outer_;
         }
         [[nodiscard]] bool cancelled() const noexcept { return !broadcaster_; }
-        /// Cancels this one and those around it.
+        /// Cancels this broadcast and those around it.
         void cancel() noexcept {
             for (Delivery* delivery = this; delivery; delivery = delivery->outer_) delivery->broadcaster_ = nullptr;
         }
@@ -132,7 +132,7 @@ private:
 
     ur::map<ur::TypeInfo, std::unique_ptr<Channel>> channels_;
     std::set<bool*> firstTimeFlags_;
-    Delivery* delivery_ = nullptr;  ///< the innermost
+    Delivery* delivery_ = nullptr;  ///< the innermost broadcast
 };
 
 template <class T>

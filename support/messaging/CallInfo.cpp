@@ -1,4 +1,4 @@
-// Finding the current call information.
+// Finds the current call information.
 #include "support/messaging/CallInfo.h"
 
 #include "support/messaging/Domain.h"

@@ -1,4 +1,4 @@
-// The end of a suppression that nobody has ended.
+// Ends a suppression that was not released.
 #include "support/messaging/CallInfoControl.h"
 
 #include "foundation/urOS/FirstError.h"

@@ -1,4 +1,4 @@
-// Work that must not see the call information of the contexts around it.
+// Hides the call information of the surrounding contexts.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -6,11 +6,11 @@
 
 namespace nxSupport {
 
-/// Suppresses a domain's call information for a while: the next context makes one of its own.
+/// Suppresses a domain's call information for a while: the next context creates a new one.
 ///
-/// Suppressions nest, and end in the reverse order of their start; the domain outlives them. The destructor releases
-/// what is still suppressed; what a handler of `callInfoSuppressionChanged` throws then leaves it, or is printed on the
-/// application output when the stack is being unwound already. Main thread only.
+/// Suppressions nest and end in the reverse order of their start. The domain must outlive them. The destructor releases
+/// a suppression that is still active. An exception from a handler of `callInfoSuppressionChanged` then leaves the
+/// destructor; during stack unwinding it is printed on the application output instead. Main thread only.
 class NX_API CallInfoControl {
 public:
     [[nodiscard]] explicit CallInfoControl(Domain& domain) noexcept : domain_(domain) {}
@@ -27,7 +27,7 @@ public:
         suppressed_ = false;
         domain_.callInfoRelease();
     }
-    /// By anyone, not only by this object.
+    /// Whether call information is suppressed, by this object or any other.
     [[nodiscard]] bool isSuppressed() const noexcept { return domain_.callInfoSuppressed(); }
 
 private:

@@ -1,4 +1,4 @@
-// The scope of an operation, its post functions, and the table of modes.
+// Contexts, their post functions, and the table of modes.
 #include "support/messaging/Context.h"
 
 #include <algorithm>

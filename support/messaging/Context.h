@@ -1,4 +1,4 @@
-// The scope in which an operation runs, and the modes that it can run in.
+// The scope in which an operation runs, and its modes.
 #pragma once
 
 #include <chrono>
@@ -20,19 +20,18 @@ enum TransactionType : std::int32_t {
     TxnTransient = 1,
     TxnNone = 2,
     TxnConst = 3,
-    TxnUndecided = 4,  ///< nothing: no transaction is begun, the contexts inside have theirs
+    TxnUndecided = 4,  ///< no transaction is begun here; contexts inside begin theirs
 };
 
-/// A scoped object: the context begins on its domain when it is made and ends when it is destroyed.
+/// A scoped object: the context begins on its domain when it is constructed and ends when it is destroyed.
 ///
-/// Contexts nest and end in the reverse order of their beginning; those of several domains may be interleaved.
-/// When making one throws, because a hook of the domain's owner did, no context has begun.
+/// Contexts nest and end in the reverse order of their beginning; contexts of several domains may be interleaved. If
+/// the constructor throws, because a hook of the domain's owner did, no context has begun.
 ///
-/// A context always ends wholly, whatever the owner's hooks, the domain's signals and the post functions throw.
-/// The first of their exceptions leaves the destructor, unless the stack is being unwound already; that one, and
-/// any further one, is printed on the application output instead. So keep contexts in places whose own
-/// destruction may throw, such as a block: an exception that meets a `noexcept` owner ends the program.
-/// Main thread only.
+/// A context always ends completely, even if the owner's hooks, the domain's signals or the post functions throw. The
+/// first of their exceptions leaves the destructor; during stack unwinding it is printed on the application output
+/// instead, as are all later ones. So keep contexts where a destructor may throw, such as in a block: an exception that
+/// reaches a `noexcept` owner ends the program. Main thread only.
 class NX_API Context {
 public:
     enum Mode : std::uint32_t {
@@ -46,8 +45,9 @@ public:
         NoTxn = 7,
         Undecided = 8,
         AppOnly = 9,
-        Bootstrap = 10,  ///< like any other, but the domain's owner is told nothing
-        Bare = 11,       ///< in no mode stack, with no call information of its own, and the owner is told nothing
+        Bootstrap = 10,  ///< like any other, but the domain owner's hooks are not called
+        Bare = 11,       ///< not in the mode stack, without call information of its own, and the owner's hooks are not
+                         ///< called
     };
     using PostFunction = std::function<void(Domain*)>;
 
@@ -58,23 +58,23 @@ public:
     ~Context() noexcept(false);
 
     [[nodiscard]] Mode mode() const noexcept { return mode_; }
-    /// That of its mode.
+    /// The type that belongs to the mode.
     [[nodiscard]] TransactionType transactionType() const noexcept;
-    /// Null when the domain has been destroyed.
+    /// Null if the domain has been destroyed.
     [[nodiscard]] Domain* domain() const noexcept { return domain_; }
     [[nodiscard]] bool constMode() const noexcept { return isConst(mode_); }
     [[nodiscard]] bool interactiveMode() const noexcept { return mode_ <= InteractionEnd; }
 
-    /// Runs `function` when this context has ended, after those added before. What a post function adds runs too.
-    /// An empty one raises `std::bad_function_call`. After one that throws or destroys the domain, no more are run.
+    /// Runs `function` after this context has ended, after those added before. A post function may add more, which also
+    /// run. An empty one raises `std::bad_function_call`. After one throws or destroys the domain, the rest is skipped.
     void addPostFunction(PostFunction function) const;
 
-    /// Whether `context` is one that has begun and not ended. Asked by those who cannot know whether it still exists.
+    /// Whether `context` has begun and not ended. `context` may point to a destroyed object.
     [[nodiscard]] static bool isActive(Context const* context) noexcept;
 
-    /// The name of a mode; empty for a value that is none.
+    /// The name of a mode; empty for a value that is not a mode.
     [[nodiscard]] static urString::CString const& modeToString(Mode mode) noexcept;
-    /// False, and `mode` as before, when no mode has that name.
+    /// Returns false and leaves `mode` unchanged if no mode has that name.
     [[nodiscard]] static bool modeFromString(Mode& mode, urString::CString const& name) noexcept;
 
 private:
@@ -87,10 +87,10 @@ private:
     Mode const mode_;
     mutable Domain* domain_;
     mutable ur::vector<PostFunction> postFunctions_;
-    mutable std::chrono::steady_clock::time_point begun_;  ///< if an observer was called then
+    mutable std::chrono::steady_clock::time_point begun_;  ///< set only if an observer was called then
 };
 
-/// `TxnUndecided` for a value that is no mode.
+/// Returns `TxnUndecided` for a value that is not a mode.
 [[nodiscard]] NX_API TransactionType mapTransactionType(Context::Mode mode) noexcept;
 
 inline TransactionType Context::transactionType() const noexcept { return mapTransactionType(mode_); }

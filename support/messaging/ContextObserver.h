@@ -1,4 +1,4 @@
-// A view of the contexts of a domain as they come and go.
+// Observes the contexts of a domain.
 #pragma once
 
 #include <chrono>
@@ -9,20 +9,21 @@ namespace nxSupport {
 
 class Context;
 
-/// Called by a domain when each of its contexts begins and ends, Bare and Bootstrap ones included.
+/// Called by a domain when each of its contexts begins and ends, including Bare and Bootstrap ones.
 ///
-/// Not owned by the domain: its owner unsets it before it goes. A context that began unobserved ends
-/// unobserved. May do what the domain owner's hooks may, throw and destroy the domain included. Main thread only.
+/// Not owned by the domain: its owner unsets it before destroying it. If the begin of a context was not observed, its
+/// end is not observed either. It may do what the domain owner's hooks may do, including throwing and destroying the
+/// domain. Main thread only.
 class NX_API ContextObserver {
 public:
     using Clock = std::chrono::steady_clock;
 
     virtual ~ContextObserver() = default;
 
-    /// `context` begins, before any hook has been told.
+    /// `context` begins; no hook has been called yet.
     virtual void onBegin(Context const& context, Clock::time_point when) = 0;
-    /// After all hooks, as the last thing before `context` ceases to be the current one; its post functions are
-    /// still to run. Also called for one that has not begun after all because a hook threw.
+    /// `context` ends: all hooks have been called, but it is still the current one and its post functions have not run.
+    /// Also called for a context that failed to begin because a hook threw.
     virtual void onEnd(Context const& context, Clock::time_point when, Clock::duration lasted) = 0;
 };
 

@@ -1,4 +1,4 @@
-// What a sink does around its hooks.
+// Calls a sink's hooks and records that it is closed.
 #include "support/messaging/DataSink.h"
 
 #include "foundation/ur/keepAlive.h"
@@ -11,7 +11,7 @@ void DataSink::onClose() {}
 
 void DataSink::processData(ur::Reference<urThread::Buffer> data) {
     auto const self = ur::keepAlive(*this);
-    onData(data);  // a copy: the data outlives what the sink does to its own reference
+    onData(data);  // a copy, so that the data survives if the sink releases its own reference
 }
 
 void DataSink::close(bool completed) {

@@ -1,4 +1,4 @@
-// Whatever data is poured into.
+// Base class of objects that receive data.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -8,11 +8,10 @@
 
 namespace nxSupport {
 
-/// Receives buffers until it is closed. Derive from it to do something with them.
+/// Receives buffers until it is closed. Derive from it to use them.
 ///
-/// It only keeps note of having been closed: buffers that come afterwards are passed on as well. The sink stays
-/// alive during its own calls when it is held by reference. Threads may share the reference, but only one at a
-/// time may call the sink.
+/// It only records that it was closed: buffers that arrive afterwards are still passed on. A sink held by reference
+/// stays alive during its own calls. Threads may share the reference, but only one thread at a time may call the sink.
 class NX_API DataSink : public urThread::ReferenceCount {
 public:
     DataSink() noexcept = default;
@@ -21,18 +20,18 @@ public:
     ~DataSink() override;
 
     void processData(ur::Reference<urThread::Buffer> data);
-    /// `completed` tells a normal end from an abort. The sink counts as closed when `onClose` has returned or thrown.
+    /// `completed`: a normal end rather than an abort. The sink is closed once `onClose` has returned or thrown.
     void close(bool completed);
 
     [[nodiscard]] bool closed() const noexcept { return !open_; }
-    /// False as long as the sink has not been closed.
+    /// False until the sink is closed.
     [[nodiscard]] bool completed() const noexcept { return completed_; }
 
 protected:
     virtual void onData(ur::Reference<urThread::Buffer> data) = 0;
 
 private:
-    /// Sees `completed` as it will be, and `closed` as it was.
+    /// During the call `completed` already has its final value, but `closed` is still false.
     virtual void onClose();
 
     bool open_ = true;

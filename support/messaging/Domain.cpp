@@ -1,4 +1,4 @@
-// The domain of a host: its contexts, call information and tasks.
+// The contexts, call information and tasks of a host.
 #include "support/messaging/Domain.h"
 
 #include <algorithm>
@@ -11,10 +11,10 @@ namespace nxSupport {
 
 namespace {
 
-// Of the whole process, main thread only.
+// Counts for the whole process. Main thread only.
 std::int32_t asyncOperationCount = 0;
 
-/// All domains, in no order. Never destroyed: domains may be of static lifetime.
+/// All domains, in any order. Never destroyed, because domains may have static lifetime.
 ur::vector<Domain const*>& domains() {
     static auto& all = *new ur::vector<Domain const*>;
     return all;
@@ -107,7 +107,7 @@ void Domain::callInfoRelease() {
 bool Domain::callInfoSuppressed() const noexcept { return !impl_->suppressedCallInfos.empty(); }
 
 CallInfo const& Domain::callInfoFunc() {
-    static CallInfo const& empty = *new CallInfo;  // never destroyed: code that runs at exit may ask for it
+    static CallInfo const& empty = *new CallInfo;  // never destroyed: code that runs at exit may call this
     if (DomainImpl::active().empty()) return empty;
     auto const& callInfo = DomainImpl::active().back()->domain_->impl_->callInfo;
     return callInfo ? *callInfo : empty;

@@ -22,80 +22,80 @@ struct DomainImpl;
 
 /// Keeps the active contexts and their modes, and the call information of the outermost one.
 ///
-/// Abstract: the host derives from it, owns it, and destroys it when no context is active. If one is, the domain
-/// lets go of it, so that its end does nothing, and a debug build says so on the application output; likewise
-/// when contexts end out of order, where each still takes only itself off the stacks.
+/// Abstract: the host derives from it, owns it, and destroys it when no context is active. If a context is active, the
+/// domain detaches it, so that its end does nothing, and a debug build reports that on the application output. A debug
+/// build also reports contexts that end out of order; each still removes only itself from the stacks.
 ///
-/// A hook or a handler that throws leaves the stacks whole: see `Context` for where its exception goes. Any of
-/// them may destroy the domain. Main thread only, but for what `AsyncTask` does with the run queue.
+/// A hook or handler that throws leaves the stacks intact; see `Context` for its exception. Any of them may destroy the
+/// domain. Main thread only, except for the use of the run queue by `AsyncTask`.
 class NX_API Domain {
 public:
-    /// The last context with a mode is ending: the mode stack is empty, but `getCurrentContext` still gives it.
+    /// The last context with a mode is ending: the mode stack is empty, but `getCurrentContext` still returns it.
     urRTB::Signal<> contextStackEmptied;
-    /// 1 when the suppression of call information starts, 0 when the last one has ended.
+    /// Emits 1 when call information becomes suppressed, 0 when the last suppression has ended.
     urRTB::Signal<std::int32_t> callInfoSuppressionChanged;
-    /// The domain is about to go. What a handler throws is printed on the application output.
+    /// The domain is about to be destroyed. An exception from a handler is printed on the application output.
     urRTB::Signal<Domain*> destroying;
-    /// For the host to emit; nothing here does.
+    /// For the host to emit; the library does not.
     urRTB::Signal<> hostSignal;
 
-    /// A domain of its own when `parent` is null.
+    /// `parent` may be null.
     explicit Domain(Domain* parent);
     Domain(Domain const&) = delete;
     Domain& operator=(Domain const&) = delete;
     virtual ~Domain();
 
-    /// Where asynchronous tasks of this domain complete. Outlives the tasks that have been started.
+    /// The queue in which this domain's asynchronous tasks complete. It must outlive all started tasks.
     virtual urThread::RunQueue& runQueue() = 0;
 
-    /// Called by the context itself, like `endContext`.
+    /// Called by the context, as is `endContext`.
     void beginContext(Context const& context);
     void endContext(Context const& context);
 
-    /// The parent, or this domain when it has none.
+    /// The parent, or this domain if it has none.
     [[nodiscard]] Domain* getPrimary() const noexcept;
     /// The modes of the active contexts except Bare ones, outermost first.
     [[nodiscard]] ur::vector<Context::Mode> const& contextStack() const noexcept;
-    /// The innermost active context; null when there is none.
+    /// The innermost active context; null if there is none.
     [[nodiscard]] Context const* getCurrentContext() const noexcept;
-    /// The outermost active context; null when there is none.
+    /// The outermost active context; null if there is none.
     [[nodiscard]] Context const* getRootContext() const noexcept;
-    /// Whether `domain` is one that exists and has not begun to go. Asked by those who cannot know.
+    /// Whether `domain` exists and its destruction has not begun. `domain` may point to a destroyed object.
     [[nodiscard]] static bool isAlive(Domain const* domain) noexcept;
-    /// The innermost mode is Const or ConstWithRedraw.
+    /// Whether the innermost mode is Const or ConstWithRedraw.
     [[nodiscard]] bool isConst() const noexcept;
 
-    /// Puts off `release` until `unlock`.
+    /// Delays `release` until `unlock`.
     void lock() noexcept { locked_ = true; }
-    /// May destroy the domain, as `release` may.
+    /// Runs a delayed `release`, which may destroy the domain.
     void unlock();
-    /// The domain is not needed any more: calls `onRelease`, at once unless it is locked.
+    /// Declares that the domain is no longer needed: calls `onRelease`, at once unless it is locked.
     void release();
 
     [[nodiscard]] bool callInfoSuppressed() const noexcept;
-    /// Does nothing: a context that needs call information finds it made.
+    /// Does nothing, because contexts create the call information.
     void assertCallInfoCreated() const noexcept {}
 
-    /// The task that `waitForAsyncTask` waits for; null for none. Not owned. Tasks call it themselves.
+    /// The task for `waitForAsyncTask`; null for none. Not owned. Tasks call this themselves.
     void setAsyncTask(AsyncTask* task) noexcept;
-    /// False when there is no task, otherwise true after its work has ended. Does not complete it.
+    /// Waits for the task's work to end but does not complete the task. False if there is no task.
     bool waitForAsyncTask();
-    /// Counts the asynchronous operations that somebody has declared, in all domains together. Tasks declare nothing.
+    /// Count the declared asynchronous operations of all domains. Tasks do not declare any.
     static void declareAsyncOperationBegin() noexcept;
     static void declareAsyncOperationEnd() noexcept;
     [[nodiscard]] bool runningAsyncOperation() const noexcept;
 
-    /// Tells `observer` of every context that begins from now on; null ends that. Not owned.
+    /// Reports every context that begins from now on to `observer`; null stops that. Not owned.
     void setContextObserver(ContextObserver* observer) noexcept;
 
 protected:
-    /// A context has been pushed. When this throws, the context does not begin.
+    /// A context has been pushed. If this throws, the context does not begin.
     virtual void onBeginContext(Context const& context) = 0;
     /// A context starts to end.
     virtual void onEndContext(Context const& context) = 0;
-    /// Fill `callInfo` here; `appOnly` tells that it is made for an AppOnly context.
+    /// Fills `callInfo`. `appOnly`: it is created for an AppOnly context.
     virtual void onCallInfoCreated(CallInfo* callInfo, bool appOnly) = 0;
-    /// `callInfo` is about to go.
+    /// `callInfo` is about to be destroyed.
     virtual void onCallInfoDestroyed(CallInfo* callInfo) = 0;
 
 private:
@@ -104,9 +104,9 @@ private:
     friend class CallInfoControl;
     friend class Context;
     friend struct DomainImpl;
-    friend struct DomainProbe;  // for the tests alone
+    friend struct DomainProbe;  // for the tests only
 
-    /// Released and not locked. Deletes the domain unless overridden.
+    /// Called when the domain is released and not locked. Deletes the domain by default.
     virtual void onRelease();
 
     /// Whether a context of that mode may begin now.

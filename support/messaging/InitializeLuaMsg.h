@@ -1,4 +1,4 @@
-// The message on which modules equip a Lua state.
+// The message on which modules add their functions to a Lua state.
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,10 @@ struct lua_State;
 
 namespace nxSupport {
 
-/// Carries a Lua state, which it does not own, and what kind of state that is to the host.
+/// Carries a Lua state, which it does not own, and the host's type of that state.
 class NX_API InitializeLuaMsg : public Broadcaster::Message {
 public:
-    /// The host's vocabulary; any value can be cast to it.
+    /// Types defined by the host; any value can be cast to it.
     enum Type : std::int32_t { Application = 0 };
 
     InitializeLuaMsg(Type type, lua_State* state) noexcept : type_(type), state_(state) {}

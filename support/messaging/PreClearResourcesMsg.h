@@ -1,4 +1,4 @@
-// The message that comes before cached resources are cleared.
+// The message sent before cached resources are cleared.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -6,7 +6,7 @@
 
 namespace nxSupport {
 
-/// Tells modules to drop and unlock what they hold of the resource cache, so that it can be cleared.
+/// Asks modules to drop and unlock the cached resources that they hold, so that the cache can be cleared.
 class NX_API PreClearResourcesMsg : public Broadcaster::Message {
 public:
     PreClearResourcesMsg() noexcept = default;

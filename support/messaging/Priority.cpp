@@ -1,4 +1,4 @@
-// The order of priorities.
+// Compares priorities.
 #include "support/messaging/Priority.h"
 
 namespace nxSupport {

@@ -7,11 +7,11 @@
 
 namespace nxSupport {
 
-/// The keys of a priority. Both are the host's vocabulary; any value can be cast to them.
+/// The parts of a priority. The host defines both; any value can be cast to them.
 enum UnitID : std::int32_t { LibraryUnit = 0, DefaultUnit = 18 };
 enum ModuleID : std::int32_t { LibraryModule = 0, DefaultModule = 3 };
 
-/// Where a subscriber stands among those of its message: by unit first, then by module. A value.
+/// A subscriber's place among those of its message: by unit first, then by module. A value.
 class Priority {
 public:
     Priority() noexcept = default;
@@ -25,7 +25,7 @@ private:
     ModuleID module_ = DefaultModule;
 };
 
-/// -1, 0 or 1 as `a` comes before, with or after `b`; numbers compare as signed.
+/// Returns -1, 0 or 1 if `a` comes before, with or after `b`. Numbers compare as signed.
 [[nodiscard]] NX_API int compare(Priority const& a, Priority const& b) noexcept;
 
 [[nodiscard]] inline bool operator==(Priority const& a, Priority const& b) noexcept { return compare(a, b) == 0; }

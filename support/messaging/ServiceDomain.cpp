@@ -1,4 +1,4 @@
-// Offering services.
+// Adds the offered services to the call information.
 #include "support/messaging/ServiceDomain.h"
 
 namespace nxSupport {

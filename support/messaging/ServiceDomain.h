@@ -1,4 +1,4 @@
-// A domain that is ready to use.
+// A domain that can be used without deriving from it.
 #pragma once
 
 #include "foundation/urThread/RunQueue.h"
@@ -7,21 +7,21 @@
 
 namespace nxSupport {
 
-/// Offers the services that it is given in every call information, and does nothing when contexts begin and end.
+/// Adds its services to every call information, and does nothing when contexts begin and end.
 ///
 ///     urThread::RunQueue queue;
 ///     nxSupport::Broadcaster broadcaster;
 ///     nxSupport::ServiceDomain application(queue);
 ///     application.offer(&broadcaster);
 ///
-/// Derive from it to act on contexts. The queue and the services are not owned and outlive it.
+/// Derive from it to react to contexts. The queue and the services are not owned and must outlive it.
 class NX_API ServiceDomain : public Domain {
 public:
     explicit ServiceDomain(urThread::RunQueue& queue, Domain* parent = nullptr) : Domain(parent), queue_(queue) {}
 
     urThread::RunQueue& runQueue() override { return queue_; }
 
-    /// Every call information made from now on has `service` under T. Of several under one class the first is found.
+    /// Adds `service` under T to every call information created from now on. Of several per class the first is found.
     template <class T>
     void offer(T* service) {
         services_.emplace_back(ur::TypeInfo::of<T>(), service);

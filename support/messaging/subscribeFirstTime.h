@@ -1,4 +1,4 @@
-// The way in which modules subscribe exactly once to each broadcaster.
+// Subscribes a module exactly once to each broadcaster.
 #pragma once
 
 #include "support/messaging/Broadcaster.h"
@@ -6,11 +6,11 @@
 
 namespace nxSupport {
 
-/// Subscribes `function` to messages of class T on the current call information's broadcaster, before all modules
-/// of the host, unless `firstTime` says that this has been done. True when it is done now.
+/// Subscribes `function` to messages of class T on the current call information's broadcaster, before all modules of
+/// the host. Does nothing if `firstTime` is false. Returns true if it subscribed.
 ///
-/// `firstTime` is a static of the caller that starts as true: it becomes false here, and true again when that
-/// broadcaster goes. It stays true when there is no broadcaster, so that a later call can subscribe.
+/// `firstTime` is a static variable of the caller that starts as true. This function sets it to false, and the
+/// broadcaster's destructor sets it to true again. Without a broadcaster it stays true, so a later call can subscribe.
 template <class T>
 bool subscribeFirstTime(bool& firstTime, void (*function)(T&)) {
     if (!firstTime) return false;

@@ -12,8 +12,8 @@
 
 namespace nxSupport {
 
-/// Stands for a member in lists. It outlives the member and is then empty, since undo may bring back a list that names
-/// a member that has gone. Shared by the member and the lists.
+/// Refers to a member in lists. Shared by the member and the lists. It outlives the member and is then empty, because
+/// undo may restore a list with a member that no longer exists.
 template <class Member>
 class MemberEntry : public ur::NodeAllocated {
 public:
@@ -26,17 +26,17 @@ public:
     [[nodiscard]] Member* member() const noexcept { return member_; }
     void detach() noexcept { member_ = nullptr; }
 
-    std::uint32_t slot = 0;  ///< in the list that it was added to last
+    std::uint32_t slot = 0;  ///< its index in the list that it was last added to
 
 private:
     Member* member_;
     mutable std::uint32_t holders_ = 0;
 };
 
-/// Members in the order in which they were added; it does not own them.
+/// Lists members in the order in which they were added. It does not own them.
 ///
-/// Adding and removing take constant time, also while the list is walked: a removed member leaves an empty slot that
-/// walks skip, and slots keep their positions until the last walk has ended.
+/// Adding and removing take constant time, even during a walk: a removed member leaves an empty slot that walks skip,
+/// and slots keep their positions until the last walk has ended.
 template <class Member>
 class MemberList {
 public:
@@ -44,21 +44,21 @@ public:
         if (untidy_) remove(member);
         add(*member.entry_);
     }
-    /// The first occurrence; nothing when there is none.
+    /// Removes the first occurrence; does nothing if there is none.
     void remove(Member& member) noexcept {
         std::size_t const slot = find(member);
         if (slot == slots_.size()) return;
         empty(slot);
         closeGaps();
     }
-    /// The next so many calls of `add` take no memory.
+    /// Reserves memory, so that the next `members` calls of `add` do not allocate.
     void makeRoom(std::size_t members) {
         std::size_t const needed = slots_.size() + members;
         if (slots_.capacity() < needed) slots_.reserve(std::max(needed, 2 * slots_.size()));
     }
-    /// Makes the members those that `next()` gives, `count` of them with nulls, and behind them those that are members
-    /// already and that `stays`. A list that is walked keeps its slots, and gets new ones behind them. Memory is asked
-    /// for before anything changes, and none for giving a list its former members back.
+    /// Replaces the members by the `count` results of `next()`, of which nulls are ignored, followed by those former
+    /// members for which `stays` is true. A list that is being walked keeps its slots and adds new ones after them.
+    /// Memory is reserved before anything changes. Restoring a list to its former members needs no memory.
     template <class Next, class Stays>
     void assign(std::size_t count, Next next, Stays stays) {
         std::size_t const former = slots_.size();
@@ -69,14 +69,14 @@ public:
         }
         walks_ > 0 ? replaceWalked(former, stays) : replace(former, stays);
     }
-    /// A member may have moved elsewhere without being removed.
+    /// Declares that a member may have moved to another list without being removed.
     void expectStrays() noexcept { untidy_ = true; }
     void clear() noexcept {
         for (std::size_t slot = 0; slot < slots_.size(); ++slot) empty(slot);
         closeGaps();
     }
-    /// Leaves each of those that `stays(member, named)` in the list, once; `named` says whether the last `assign` named
-    /// it. To be called when all is in place again.
+    /// Keeps each member for which `stays(member, named)` is true, once. `named`: the last `assign` named it. Requires:
+    /// all objects are restored.
     template <class Stays>
     void tidy(Stays stays) {
         for (std::size_t slot = 0; slot < slots_.size(); ++slot) {
@@ -98,11 +98,11 @@ public:
             std::count_if(slots_.begin(), slots_.end(), [](auto const& entry) { return entry && entry->member(); }));
     }
     [[nodiscard]] std::size_t slotCount() const noexcept { return slots_.size(); }
-    /// A member may cease to exist without being removed.
+    /// Declares that a member may cease to exist without being removed.
     void expectAbsent() noexcept { absent_ = true; }
-    /// Whether it may name members that do not exist, or that have moved elsewhere.
+    /// Whether the list may contain members that do not exist or have moved to another list.
     [[nodiscard]] bool mayNameAbsent() const noexcept { return absent_; }
-    /// Null where a member was removed, and beyond the last slot.
+    /// Null where a member was removed, and after the last slot.
     [[nodiscard]] Member* at(std::size_t slot) const noexcept {
         return slot < slots_.size() && slots_[slot] ? slots_[slot]->member() : nullptr;
     }
@@ -130,12 +130,12 @@ private:
         slots_[slot].reset();
         ++gone_;
     }
-    // The entry knows where it is, unless undo has brought back a list that it was in before.
+    // The entry's slot is right unless undo has restored a list that contained the entry before.
     [[nodiscard]] std::size_t find(Member const& member) const noexcept {
         if (at(member.entry_->slot) == &member) return member.entry_->slot;
         return static_cast<std::size_t>(std::find(slots_.begin(), slots_.end(), member.entry_) - slots_.begin());
     }
-    // Both: the first `former` slots give way to those behind them.
+    // Both replace the first `former` slots by those after them.
     template <class Stays>
     void replace(std::size_t former, Stays stays) {
         std::rotate(slots_.begin(), slots_.begin() + static_cast<std::ptrdiff_t>(former), slots_.end());
@@ -178,10 +178,10 @@ private:
 
     ur::vector<ur::Reference<Entry>> slots_;
     std::size_t gone_ = 0;   ///< empty slots
-    std::size_t named_ = 0;  ///< the slots that the last `assign` filled with those it named
+    std::size_t named_ = 0;  ///< the number of slots that the last `assign` filled with named members
     unsigned walks_ = 0;
-    bool absent_ = false;  ///< may name members that do not exist
-    bool untidy_ = false;  ///< may name members twice, or some that have moved elsewhere
+    bool absent_ = false;  ///< may contain members that do not exist
+    bool untidy_ = false;  ///< may contain members twice, or some that have moved to another list
 };
 
 }  // namespace nxSupport

@@ -1,4 +1,4 @@
-// Properties with a type.
+// Properties with a C++ type.
 #pragma once
 
 #include <utility>
@@ -8,10 +8,10 @@
 
 namespace nxSupport {
 
-/// A property whose value is read and set as a T, through the item shape that T has. Values without a shape, such as a
-/// `Units::Length`, are kept as a number in a unit of one's own choice.
+/// A property whose value is read and set as a T, through T's item shape. A type without a shape, such as
+/// `Units::Length`, can be stored as a number in a unit of your choice.
 ///
-/// Holds nothing at first; reading then gives the fallback and setting does nothing. Copies share the property.
+/// Holds no property at first; reading then returns the fallback and setting does nothing. Copies share the property.
 template <class T>
 class Prop : public PropertyTBase {
     static_assert(nxPLST::Shaped<T>,
@@ -28,15 +28,15 @@ public:
         return Prop(Property::createUnTxd(name, nxPLST::itemOf(value)));
     }
 
-    /// Whether there is a value that has the shape of T.
+    /// Whether there is a value with the shape of T.
     [[nodiscard]] bool isSet() const { return pty() && nxPLST::hasShape<T>(pty()->value()); }
-    /// `fallback` when there is no value of that shape.
+    /// Returns `fallback` if there is no value of that shape.
     [[nodiscard]] T get(T fallback = T()) const {
         if (isSet()) nxPLST::convert(fallback, pty()->value());
         return fallback;
     }
-    /// As `Property::setValue`, but an equal value changes nothing, tells nobody and makes no step. False also when
-    /// there is no property.
+    /// As `Property::setValue`, but setting an equal value changes nothing, notifies nobody and adds no step. Also
+    /// returns false if there is no property.
     bool set(T const& value) {
         if (!pty()) return false;
         auto item = nxPLST::itemOf(value);
@@ -44,8 +44,8 @@ public:
     }
     bool set(T const& value, PropertyModType type) { return pty() && pty()->setValue(nxPLST::itemOf(value), type); }
 
-    /// Calls `listener(value, type)` for changes made through other members of the joined set, until the handle goes.
-    /// Changes to values of another shape are left out. Requires: there is a property.
+    /// Calls `listener(value, type)` for changes through other members of the joined set, as long as the handle lives.
+    /// Changes to values of another shape are skipped. Requires: there is a property.
     template <class F>
     requires std::invocable<F&, T const&, PropertyModType>
     [[nodiscard]] urRTB::ScopedConnection subscribe(F listener) {

@@ -1,4 +1,4 @@
-// Names, validation, the order of notifications, and joining.
+// Names, validation, order of notifications, and joining.
 #include "support/properties/Property.h"
 
 #include <utility>
@@ -16,7 +16,7 @@ using Start = JoinedPropertyIterator::Start;
 
 namespace {
 
-/// The members of one side, held so that listeners may drop them.
+/// Holds the members of one side, because listeners may drop them.
 template <class Member, class Data>
 ur::vector<ur::Reference<Member>> snapshot(Data* data) {
     ur::vector<ur::Reference<Member>> members;
@@ -53,7 +53,7 @@ bool Property::validate(ItemReference& candidate) {
     return validate(members, candidate);
 }
 
-// Leaves the walk on the member whose validators ran, or at its end.
+// Leaves the iterator on the member whose validators ran, or at the end.
 bool Property::validate(JoinedPropertyIterator& members, ItemReference& candidate) {
     for (; members.valid(); members.next()) {
         Property const& member = members.current();
@@ -66,13 +66,13 @@ bool Property::validate(JoinedPropertyIterator& members, ItemReference& candidat
     return true;
 }
 
-// A listener may have moved this property to another joined set, or given its set a second side: then all that is told.
+// If a listener has moved this property to another joined set, or has given its set a second side, walk the new set.
 void Property::tell(JoinedPropertyIterator& members, PropertyModType type) {
     if (!members.isCurrent()) return broadcast(type);
     members.forEach(Start::skip, [type](Property& member) { member.send(type); });
 }
 
-// Members whom validators let join are told of the change as well.
+// Members that joined during validation are notified of the change as well.
 template <class Change>
 bool Property::changeValidated(ItemReference& value, Change change) {
     JoinedPropertyIterator members(*this, Start::include);
@@ -170,7 +170,7 @@ void Property::join(ur::Reference<Property const> other) {
         txd->storeValue(other->value(), Propagate::no);
         txd->setTwin(*untxd);
     }
-    // All that there may be no memory for, so that not only a part of them moves.
+    // Allocate everything before moving anything, so that running out of memory does not move a part only.
     for (auto const& property : transacted) property->prepareAttaching(*txd);
     if (txd) txd->members().makeRoom(transacted.size());
     if (untxd) untxd->members().makeRoom(untransacted.size());

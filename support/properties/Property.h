@@ -1,4 +1,4 @@
-// Named holders of one value, which may be shared.
+// Named properties; several may share one value.
 #pragma once
 
 #include <cstdint>
@@ -22,26 +22,26 @@ class PropertyHold;
 struct JoinedData;
 }  // namespace impl
 
-/// The stages of a change that listeners are told of.
+/// The stages of a change, as listeners receive them.
 enum PropertyModType : std::int32_t {
     ModifyStart = 0,    ///< about to happen: the old value is still in place
     ModifyPerform = 1,  ///< the value has changed
     ModifyEnd = 2,      ///< complete
-    ModifyAll = 3,      ///< for `setValue` only: the three stages one after the other
+    ModifyAll = 3,      ///< for `setValue` only: the three stages in order
 };
 
-/// A named value that listeners follow and validators may correct.
+/// A named value with listeners, which are notified of changes, and validators, which may correct new values.
 ///
-/// Properties that share a value form a joined set, which every property belongs to; `join` and the clones make it
-/// larger. Setting through one member tells the others, in member order, never the one it was set through. A
-/// `TxdProperty` is undone and redone with its manager's history, an `UnTxdProperty` is plain; a set may have both.
-/// Held by reference. Main thread only. Listeners and validators may set, join, clone and drop properties and
-/// throw; a member added during a change is told the stages that come after.
+/// Properties that share a value form a joined set. Every property belongs to one; `join` and the clones enlarge it.
+/// Setting through one member notifies the others in member order, but not that member itself. A `TxdProperty` is
+/// undone and redone with its manager's history, an `UnTxdProperty` is not; a set may contain both. Held by reference.
+/// Main thread only. Listeners and validators may set, join, clone and drop properties and throw. A member added during
+/// a change receives the later stages.
 class NX_API Property {
 public:
     using ItemReference = ur::Reference<nxPLST::Item const>;
     using Listener = void (*)(ur::Reference<Property const> property, PropertyModType type);
-    /// May put another item into `candidate`.
+    /// May replace the item in `candidate`.
     using Validator = void (*)(ur::Reference<Property const> property, ItemReference& candidate);
     using ModifySignal = urRTB::Signal<ur::Reference<Property const>, PropertyModType>;
     using ValidationSignal = urRTB::Signal<ur::Reference<Property const>, ItemReference&>;
@@ -56,13 +56,14 @@ protected:
 
 public:
     [[nodiscard]] virtual bool isTransacted() const = 0;
-    /// Validates and stores, then tells the other members this one stage. With `ModifyAll` as below. An interactive
-    /// edit sets with `ModifyStart` once, `ModifyPerform` at each move and `ModifyEnd` at the end.
+    /// Validates and stores, then notifies the other members of this one stage. `ModifyAll` works like the other
+    /// overload. An interactive edit sets with `ModifyStart` once, with `ModifyPerform` at each move and with
+    /// `ModifyEnd` at the end.
     virtual bool setValue(ItemReference value, PropertyModType type) = 0;
-    /// Validates, then tells the other members of all three stages and stores in between. False when a validator
-    /// put another value in the place of this one, which is what is stored then.
+    /// Validates, then notifies the other members of all three stages and stores in between. Returns false if a
+    /// validator replaced the value; the replacement is then stored.
     virtual bool setValue(ItemReference value) = 0;
-    /// Null when no value was ever stored.
+    /// Null if no value was ever stored.
     [[nodiscard]] virtual ItemReference value() const = 0;
     virtual void ref() const = 0;
     virtual void unref() const = 0;
@@ -70,46 +71,46 @@ public:
     [[nodiscard]] virtual TxnModifiedSignal* txnModifiedSignal() = 0;
 
     [[nodiscard]] urString::CString const& name() const noexcept { return name_; }
-    /// The name after its last point.
+    /// The part of the name after its last point.
     [[nodiscard]] urString::CString basename() const;
 
-    /// For as long as the property lives. Null connects nothing.
+    /// Both connect for the lifetime of the property. Null connects nothing.
     void connect(Listener listener) { listeners().addCallback(listener); }
     void connectValidation(Validator validator) { validators().addCallback(validator); }
-    /// Calls `listener(property, type)`, a copy of any callable, until the handle goes. `urRTB::ScopedBlock` of the
-    /// handle's connection silences it for a while.
+    /// Calls `listener(property, type)`, a copy of any callable, as long as the handle lives. `urRTB::ScopedBlock`
+    /// blocks the handle's connection for a while.
     template <urRTB::Callback<ur::Reference<Property const>, PropertyModType> F>
     [[nodiscard]] urRTB::ScopedConnection subscribe(F&& listener) {
         return listeners().addCallback(std::forward<F>(listener));
     }
-    /// Calls `validator(property, candidate)` until the handle goes.
+    /// Calls `validator(property, candidate)` as long as the handle lives.
     template <urRTB::Callback<ur::Reference<Property const>, ItemReference&> F>
     [[nodiscard]] urRTB::ScopedConnection subscribeValidation(F&& validator) {
         return validators().addCallback(std::forward<F>(validator));
     }
 
-    /// A new property without a value, or with one.
+    /// Creates a property without a value, or with one.
     [[nodiscard]] static ur::Reference<Property> createTxd(nxTXN::Manager& manager, urString::CString const& name);
     [[nodiscard]] static ur::Reference<Property> createTxd(nxTXN::Manager& manager, urString::CString const& name,
                                                            ItemReference value);
     [[nodiscard]] static ur::Reference<Property> createUnTxd(urString::CString const& name);
     [[nodiscard]] static ur::Reference<Property> createUnTxd(urString::CString const& name, ItemReference value);
-    /// A new member of this property's joined set, under its name or another. Nobody is told. Null for a property
-    /// that is neither of the two kinds.
+    /// Creates a member of this property's joined set, with the same name or another. Notifies nobody. Null for a
+    /// property that is of neither kind.
     [[nodiscard]] ur::Reference<Property> cloneTxd(nxTXN::Manager& manager) const { return cloneTxd(manager, name_); }
     [[nodiscard]] ur::Reference<Property> cloneTxd(nxTXN::Manager& manager, urString::CString const& name) const;
     [[nodiscard]] ur::Reference<Property> cloneUnTxd() const { return cloneUnTxd(name_); }
     [[nodiscard]] ur::Reference<Property> cloneUnTxd(urString::CString const& name) const;
-    /// Moves this property and its whole joined set into that of `other`, whose value they take on without
-    /// validation. Each one moved tells its own listeners all three stages; nobody else is told.
+    /// Moves this property and its whole joined set into the set of `other`. They take its value without validation.
+    /// Each moved property notifies its own listeners of all three stages; nobody else is notified.
     void join(ur::Reference<Property const> other);
 
 protected:
-    /// Runs the validators of the first member that has any. False when they changed the candidate.
+    /// Runs the validators of the first member that has any. False if they changed the candidate.
     [[nodiscard]] bool validate(ItemReference& candidate);
-    /// Tells this property's own listeners.
+    /// Notifies this property's own listeners.
     void send(PropertyModType type);
-    /// Tells every other member of the joined set.
+    /// Notifies every other member of the joined set.
     void broadcast(PropertyModType type);
 
 private:
@@ -141,8 +142,8 @@ private:
     ValidationSignal validationSignal_;
     ModifySignal modifySignal_;
     Kind kind_ = Kind::other;
-    bool listened_ = false;   ///< somebody has listened to it at some time
-    bool validated_ = false;  ///< likewise
+    bool listened_ = false;   ///< true once there has been a listener
+    bool validated_ = false;  ///< true once there has been a validator
 };
 
 }  // namespace nxSupport

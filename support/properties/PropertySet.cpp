@@ -1,4 +1,4 @@
-// Finding and merging properties by name.
+// Finds and merges properties by name.
 #include "support/properties/PropertySet.h"
 
 #include <utility>
@@ -12,7 +12,7 @@ ur::Reference<Property> PropertySet::find(urString::CString const& name) const {
     return found == map_.end() ? nullptr : found->second;
 }
 
-// The former property goes only when the new one is in its place, since its going may ask this set.
+// The old property is destroyed only when the new one is in place, because its destruction may use this set.
 void PropertySet::insert(ur::Reference<Property> property) {
     if (!property) return;
     std::swap(map_[property->name()], property);

@@ -1,4 +1,4 @@
-// Properties under their names.
+// A set of properties by name.
 #pragma once
 
 #include "foundation/ur/Reference.h"
@@ -9,7 +9,7 @@
 
 namespace nxSupport {
 
-/// A group of properties that one module hands to another, at most one under each name. Holds references to them; a
+/// A group of properties that one module passes to another, at most one for each name. Holds references to them; a
 /// property may be in several sets. Shared by reference, main thread only.
 class NX_API PropertySet : public ur::ReferenceCount {
 public:
@@ -18,14 +18,14 @@ public:
     PropertySet() = default;
     ~PropertySet() override;
 
-    /// Null when no property has that name.
+    /// Null if no property has that name.
     [[nodiscard]] ur::Reference<Property> find(urString::CString const& name) const;
-    /// In the order of the names.
+    /// Sorted by name.
     [[nodiscard]] Map const& getMap() const noexcept { return map_; }
 
-    /// Takes the place of any property of the same name. Null is not inserted.
+    /// Replaces any property of the same name. Null is ignored.
     void insert(ur::Reference<Property> property);
-    /// Adds the properties of `other`, themselves and not copies, whose names are missing here.
+    /// Adds the properties of `other` whose names are missing here. It does not copy them.
     void merge(ur::Reference<PropertySet const> other);
 
 private:

@@ -1,4 +1,4 @@
-// The base of typed wrappers around properties.
+// Base class of typed wrappers around properties.
 #pragma once
 
 #include <utility>
@@ -13,7 +13,7 @@ public:
     PropertyTBase() = default;
     explicit PropertyTBase(ur::Reference<Property> property) : property_(std::move(property)) {}
 
-    /// Holds a new property instead.
+    /// Replaces the property by a new one.
     void allocateTxd(nxTXN::Manager& manager, urString::CString const& name) {
         property_ = Property::createTxd(manager, name);
     }

@@ -1,4 +1,4 @@
-// How transacted properties come, move and go.
+// Creates, moves and restores transacted properties.
 #include "support/properties/TxdProperty.h"
 
 #include <utility>
@@ -23,7 +23,7 @@ TxdProperty::TxdProperty(nxTXN::Manager& manager, urString::CString const& name,
 
 TxdProperty::~TxdProperty() { entry_->detach(); }
 
-// What there may be no memory for comes before the change: a property is always in the list of its data.
+// Everything that may run out of memory comes before the change: a property is always in its data's list.
 void TxdProperty::prepareAttaching(TxdPropertyData& data) {
     if (!isTxnExtant()) return;
     transact();
@@ -36,14 +36,14 @@ void TxdProperty::attachData(ur::Reference<TxdPropertyData> const& data) {
     if (!isTxnExtant()) return;
     transact();
     send(ModifyStart);
-    if (!isTxnExtant()) return;  // a listener has taken back its making, or the manager away
+    if (!isTxnExtant()) return;  // a listener has undone the property's creation or destroyed the manager
     prepareAttaching(*data);
     moveTo(data);
     send(ModifyPerform);
     send(ModifyEnd);
 }
 
-// The reference triple for `data_`. The data object that reading leaves is told, for it may not be put back itself.
+// The handlers of `data_`. They mark the data that the property leaves, because undo may not restore it itself.
 nxTXN::FieldHandlers const TxdProperty::dataHandlers = {
     [](nxTXN::Writer& writer, void const* field) { write(writer, static_cast<TxdProperty const*>(field)->data_); },
     [](nxTXN::Reader& reader, void* field) {
@@ -80,8 +80,8 @@ void TxdProperty::onTxnExtant() {
     }
 }
 
-// The list may not be part of the step that brought this property back or moved it, if it left or came unrecorded. The
-// data may be what another manager has undone, or what has gone with it: then a copy takes its place.
+// If the property left or joined a list unrecorded, the list may not be part of the step that restored or moved the
+// property. The data may have been undone by another manager, or destroyed with it: then use a copy.
 void TxdProperty::rejoinList() {
     if (!data_ || !data_->isTxnExtant()) {
         auto const copy = ur::make<TxdPropertyData>(*txnManager());

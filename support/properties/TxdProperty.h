@@ -1,4 +1,4 @@
-// The property that undo and redo bring back.
+// A property that undo and redo restore.
 #pragma once
 
 #include <utility>
@@ -9,16 +9,16 @@
 
 namespace nxSupport {
 
-/// A property whose value, and whose membership in a joined set, are part of its manager's history.
+/// A property whose value and joined set are part of its manager's history.
 ///
-/// Owned by the manager, held by reference. A reference that outlives the manager has no value any more; a property
-/// that shares the value of another manager keeps that value when the other one goes. A property that is not part of
-/// the present state (`isTxnExtant`) is not told of changes, does not join, and its clones do not share its value.
+/// Owned by the manager, held by reference. If the manager is destroyed first, the property has no value; but a
+/// property that shares the value of another manager keeps it when that manager is destroyed. A property that is not
+/// part of the present state (`isTxnExtant`) is not notified, cannot join, and its clones do not share its value.
 class NX_API TxdProperty final : public Property, public nxTXN::RefCountedObject {
 public:
     TxdProperty(nxTXN::Manager& manager, urString::CString const& name);
     TxdProperty(nxTXN::Manager& manager, urString::CString const& name, ItemReference value);
-    /// A member of those that share `data`.
+    /// Creates a member of those that share `data`.
     TxdProperty(nxTXN::Manager& manager, urString::CString const& name, ur::Reference<TxdPropertyData> data);
 
     [[nodiscard]] bool isTransacted() const override { return true; }
@@ -29,15 +29,15 @@ public:
     void unref() const noexcept override { RefCountedObject::unref(); }
     [[nodiscard]] TxnModifiedSignal* txnModifiedSignal() override { return &txnModified_; }
 
-    /// The shared value, which exists if this property does; null only when the manager has gone.
+    /// The shared value. It exists if this property does; null only if the manager was destroyed.
     [[nodiscard]] ur::Reference<TxdPropertyData> const& data() const noexcept { return data_; }
-    /// Whether it shares the value whose members these are.
+    /// Whether it belongs to the data that owns `members`.
     [[nodiscard]] bool isIn(MemberList<TxdProperty> const& members) const noexcept {
         return data_ && &data_->members() == &members;
     }
-    /// Records what `attachData` is going to change, and has the memory at hand that it needs.
+    /// Records the state that `attachData` will change, and allocates the memory that it needs.
     void prepareAttaching(TxdPropertyData& data);
-    /// Moves this property to those that share `data`, and tells its own listeners all three stages.
+    /// Moves this property to `data`, and notifies its own listeners of all three stages.
     void attachData(ur::Reference<TxdPropertyData> const& data);
 
 protected:

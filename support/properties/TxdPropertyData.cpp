@@ -1,4 +1,4 @@
-// Storing, mirroring and restoring a transacted value.
+// Stores, mirrors and restores a transacted value.
 #include "support/properties/TxdPropertyData.h"
 
 #include <cstdint>
@@ -13,7 +13,7 @@
 
 namespace nxTXN {
 
-// The list triple: a 32-bit count, then the pointers.
+// The functions that record a list: a 32-bit count, then the pointers.
 static void write(Writer& writer, nxSupport::MemberList<nxSupport::TxdProperty> const& members) {
     auto const count = static_cast<std::uint32_t>(members.size());
     writer.writeData(&count, sizeof count);
@@ -35,14 +35,15 @@ static bool readsAs(Reader& reader, nxSupport::MemberList<nxSupport::TxdProperty
 }
 static void read(Reader& reader, nxSupport::MemberList<nxSupport::TxdProperty>& members) {
     Reader ahead = reader;
-    if (readsAs(ahead, members)) {  // needs no memory, as the list must not when only the value has changed
+    if (readsAs(ahead, members)) {  // this path needs no memory, because a change of the value alone must not allocate
+                                    // in the list
         reader = ahead;
         return;
     }
     std::uint32_t count = 0;
     reader.readData(&count, sizeof count);
-    // Null for those whose manager has gone. What became a member unrecorded stays one. Whether a member has moved
-    // shows when all fields are in place.
+    // `readMember` returns null if the member's manager was destroyed. Unrecorded members stay. Whether a member has
+    // moved is known only after all fields are restored.
     members.assign(
         count, [&reader] { return readMember(reader); },
         [&members](nxSupport::TxdProperty const& member) { return member.isIn(members); });
@@ -96,7 +97,7 @@ void TxdPropertyData::onRestore(nxTXN::Object* object, nxTXN::Restorer& restorer
     if (data.untxdTwin() && data.value() != data.formerValue_) data.mirrorRestored();
 }
 
-// Whatever listeners throw, both sides have the same value afterwards.
+// Even if listeners throw, both sides have the same value afterwards.
 void TxdPropertyData::mirrorRestored() {
     impl::MemberWalk<UnTxdPropertyData> members(untxdTwin());
     std::exception_ptr failure;
@@ -145,8 +146,8 @@ void TxdPropertyData::onTxnExtant() {
     formerTwin_.reset();
 }
 
-// Members that came unrecorded outlive the step that made this object, and those of other managers outlive its manager:
-// they go on sharing the value that they had, and the link if it lasts.
+// Unrecorded members outlive the step that created this object, and members of other managers outlive its manager. They
+// continue to share its value, and the link if that lasts.
 void TxdPropertyData::passOn(Heirs which, ItemReference value, ur::Reference<TxdPropertyTwin> const& twin) {
     ur::vector<TxdProperty*> heirs;
     properties_.forEach([&](TxdProperty& member) {

@@ -1,4 +1,4 @@
-// The value that transacted properties share.
+// The value shared by transacted properties.
 #pragma once
 
 #include "foundation/nxTXN/ImmutableReference.h"
@@ -15,7 +15,7 @@ class UnTxdPropertyData;
 
 /// One value in a manager's history, its transacted members, and the link to its untransacted twin.
 ///
-/// A record of it holds the list of members, the reference to the value and the one to the twin: a pointer for each.
+/// A record holds the list of members and the references to the value and to the twin: one pointer each.
 class NX_API TxdPropertyData final : public nxTXN::RefCountedObject {
 public:
     using ItemReference = ur::Reference<nxPLST::Item const>;
@@ -23,20 +23,20 @@ public:
 
     explicit TxdPropertyData(nxTXN::Manager& manager) : RefCountedObject(manager) {}
 
-    /// Null when no value was ever stored.
+    /// Null if no value was ever stored.
     [[nodiscard]] ItemReference value() const { return value_ ? value_->value() : nullptr; }
-    /// Stores without telling anyone, on the untransacted side as well if asked to.
+    /// Stores without notifying anyone, also on the untransacted side if requested.
     void storeValue(ItemReference value, Propagate toTwin);
 
     [[nodiscard]] MemberList<TxdProperty>& members() noexcept { return properties_; }
     void add(TxdProperty& property);
-    /// Nothing when it is no member.
+    /// Does nothing if it is not a member.
     void remove(TxdProperty& property);
 
-    /// The twin; null when there is none.
+    /// The twin; null if there is none.
     [[nodiscard]] UnTxdPropertyData* untxdTwin() const noexcept { return twin_ ? twin_->untxdData() : nullptr; }
     [[nodiscard]] bool isLinkedBy(TxdPropertyTwin const& twin) const noexcept { return twin_ == &twin; }
-    /// Makes the two store each other's values from now on, and no other twin of `untxdData`.
+    /// Links both, so that each stores the other's values from now on. Ends any other link of `untxdData`.
     void setTwin(UnTxdPropertyData& untxdData);
 
 protected:
@@ -54,8 +54,8 @@ private:
     MemberList<TxdProperty> properties_;
     ur::Reference<nxTXN::ImmutableReference<nxPLST::Item const>> value_;
     ur::Reference<TxdPropertyTwin> twin_;
-    ItemReference formerValue_;                  ///< while it is put back: what the members had before
-    ur::Reference<TxdPropertyTwin> formerTwin_;  ///< likewise
+    ItemReference formerValue_;                  ///< the members' value before a restore, during it
+    ur::Reference<TxdPropertyTwin> formerTwin_;  ///< the link before a restore, during it
 };
 
 }  // namespace nxSupport

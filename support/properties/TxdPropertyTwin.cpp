@@ -1,4 +1,4 @@
-// The beginning and the end of a link.
+// Begins and ends a link.
 #include "support/properties/TxdPropertyTwin.h"
 
 #include <utility>

@@ -8,18 +8,18 @@ namespace nxSupport {
 class TxdPropertyData;
 class UnTxdPropertyData;
 
-/// Joins one data object of each kind for as long as both exist. Owned by the transacted one.
+/// Links one data object of each kind for as long as both exist. Owned by the transacted one.
 ///
-/// Its ends are not recorded: once the link has ended, undo and redo bring back an object that leads nowhere.
+/// Its pointers are not recorded: if undo or redo restores a link that has ended, it stays ended.
 class NX_API TxdPropertyTwin final : public nxTXN::RefCountedObject {
 public:
-    /// Ends the link that `untxdData` has, if any.
+    /// Ends the link of `untxdData`, if any.
     TxdPropertyTwin(nxTXN::Manager& manager, TxdPropertyData& txdData, UnTxdPropertyData& untxdData);
 
     [[nodiscard]] TxdPropertyData* txdData() const noexcept { return txdData_; }
-    /// Null when the link has ended.
+    /// Null if the link has ended.
     [[nodiscard]] UnTxdPropertyData* untxdData() const noexcept { return untxdData_; }
-    /// Ends the link on both sides; the values stay what they are.
+    /// Ends the link on both sides; the values stay unchanged.
     void sever() noexcept;
 
 protected:

@@ -1,4 +1,4 @@
-// How untransacted properties come, move and go.
+// Creates, moves and destroys untransacted properties.
 #include "support/properties/UnTxdProperty.h"
 
 #include <utility>

@@ -1,4 +1,4 @@
-// The plain property.
+// A property without history.
 #pragma once
 
 #include <cstdint>
@@ -9,12 +9,12 @@
 
 namespace nxSupport {
 
-/// A property that no history records. It goes with its last reference.
+/// A property that no history records. It is destroyed with its last reference.
 class NX_API UnTxdProperty final : public Property {
 public:
     explicit UnTxdProperty(urString::CString const& name);
     UnTxdProperty(urString::CString const& name, ItemReference value);
-    /// A member of those that share `data`.
+    /// Creates a member of those that share `data`.
     UnTxdProperty(urString::CString const& name, ur::Reference<UnTxdPropertyData> data);
 
     [[nodiscard]] bool isTransacted() const override { return false; }
@@ -29,7 +29,7 @@ public:
 
     /// The shared value; never null.
     [[nodiscard]] ur::Reference<UnTxdPropertyData> const& data() const noexcept { return data_; }
-    /// Moves this property to those that share `data`, and tells its own listeners all three stages.
+    /// Moves this property to `data`, and notifies its own listeners of all three stages.
     void attachData(ur::Reference<UnTxdPropertyData> const& data);
 
 private:

@@ -1,4 +1,4 @@
-// Storing an untransacted value, and leaving the twin.
+// Stores an untransacted value and ends its link.
 #include "support/properties/UnTxdPropertyData.h"
 
 #include <utility>
@@ -14,7 +14,7 @@ UnTxdPropertyData::~UnTxdPropertyData() {
 void UnTxdPropertyData::add(UnTxdProperty& property) { properties_.add(property); }
 void UnTxdPropertyData::remove(UnTxdProperty& property) noexcept { properties_.remove(property); }
 
-// The transacted side first, since recording may fail.
+// Store on the transacted side first, because recording may fail.
 void UnTxdPropertyData::storeValue(ItemReference value, Propagate toTwin) {
     TxdPropertyData* const twin = toTwin == Propagate::yes ? txdData() : nullptr;
     if (twin) twin->storeValue(value, Propagate::no);

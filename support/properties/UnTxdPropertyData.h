@@ -1,4 +1,4 @@
-// The value that untransacted properties share.
+// The value shared by untransacted properties.
 #pragma once
 
 #include "foundation/ur/Reference.h"
@@ -11,23 +11,22 @@ namespace nxSupport {
 
 class UnTxdProperty;
 
-/// One value in plain memory, its members, and the transacted twin that it stores each value in as well.
+/// One value in plain memory, its members, and the transacted twin in which it also stores each value.
 class NX_API UnTxdPropertyData final : public ur::ReferenceCount {
 public:
     using ItemReference = ur::Reference<nxPLST::Item const>;
     using Propagate = TxdPropertyData::Propagate;
 
     [[nodiscard]] ItemReference const& value() const noexcept { return value_; }
-    /// Stores without telling anyone, on the transacted side as well if asked to.
+    /// Stores without notifying anyone, also on the transacted side if requested.
     void storeValue(ItemReference value, Propagate toTwin);
 
     [[nodiscard]] MemberList<UnTxdProperty>& members() noexcept { return properties_; }
     void add(UnTxdProperty& property);
-    /// Nothing when it is no member.
+    /// Does nothing if it is not a member.
     void remove(UnTxdProperty& property) noexcept;
 
-    /// The transacted twin; null when there is none, and as soon as undo has put the other side back to a state without
-    /// the link.
+    /// The transacted twin. Null if there is none, or if undo has restored a state without the link.
     [[nodiscard]] TxdPropertyData* txdData() const noexcept {
         return link_ && link_->txdData()->isLinkedBy(*link_) ? link_->txdData() : nullptr;
     }
@@ -39,7 +38,7 @@ private:
 
     MemberList<UnTxdProperty> properties_;
     ItemReference value_;
-    TxdPropertyTwin* link_ = nullptr;  ///< which then leads here
+    TxdPropertyTwin* link_ = nullptr;  ///< a link whose `untxdData` is this object
 };
 
 }  // namespace nxSupport

@@ -1,4 +1,4 @@
-// The saved forms that are neither the bytes nor the parts of a value, and the sizes of large fields.
+// Saves types that are neither saved as bytes nor part by part, and returns the sizes of large fields.
 #include "support/properties/fields.h"
 
 #include <algorithm>
@@ -15,7 +15,7 @@ void writeText(Writer& writer, char const* text, std::size_t size) {
     writer.writeData(text, size);
 }
 
-/// Empty when nothing was written.
+/// Empty if nothing was written.
 urString::CString readText(Reader& reader) {
     std::uint32_t size = 0;
     read(reader, size);
@@ -27,7 +27,7 @@ urString::CString readText(Reader& reader) {
     return text;
 }
 
-// A transacted property is kept as what its manager knows, so that its last reference still ends its existence.
+// A transacted property is written as its manager's object, so that its last reference still ends its existence.
 void writeProperty(Writer& writer, nxSupport::Property const* property) {
     if (auto const* const object = dynamic_cast<Object const*>(property)) {
         writer.writePtr(property, object);

@@ -1,4 +1,4 @@
-// The saved forms of the framework's value types, for transaction objects that record fields of them.
+// Saves the framework's value types in fields of transaction objects.
 #pragma once
 
 #include <cstdint>
@@ -25,10 +25,10 @@
 
 namespace nxTXN {
 
-// Multi-byte values are saved in the machine's own order: records live in memory only. `read` takes exactly what
-// `write` gave. Where there is a `clear` for a value type, it has nothing to do.
+// Multi-byte values are saved in the machine's byte order, because records live in memory only. `read` consumes exactly
+// the bytes that `write` wrote. A `clear` of a value type does nothing.
 
-/// Whether a type is saved as its bytes. One line here is all that a type of this form needs.
+/// Whether a type is saved as its bytes. To add a type of this form, add one line here.
 template <class T>
 inline constexpr bool savedAsBytes = false;
 template <>
@@ -62,19 +62,19 @@ void read(Reader& reader, T& value) {
 template <SavedAsBytes T>
 void clear(Clear& /*cleared*/, T& /*value*/) {}
 
-// Without the padding at the end.
+// Saves the members without the padding at the end.
 NX_API void write(Writer& writer, urGeom::MeshCoord const& value);
 NX_API void read(Reader& reader, urGeom::MeshCoord& value);
 NX_API void write(Writer& writer, urOS::Uuid const& value);
 NX_API void read(Reader& reader, urOS::Uuid& value);
-// Read through `Normal::set`, whose rule for lengths applies.
+// Reads through `Normal::set`, which applies its rule for lengths.
 NX_API void write(Writer& writer, urLinear::Normal const& value);
 NX_API void read(Reader& reader, urLinear::Normal& value);
 NX_API void clear(Clear& cleared, urLinear::Normal& value);
 
 namespace impl {
 
-// The parts of a type that is saved part by part. One function here is all that a type of this form needs.
+// The parts of a type that is saved part by part. To add a type of this form, add one function here.
 template <class Value, class T>
 concept Is = std::is_same_v<std::remove_const_t<Value>, T>;
 
@@ -109,13 +109,13 @@ void read(Reader& reader, T& value) {
 template <SavedInParts T>
 void clear(Clear& /*cleared*/, T& /*value*/) {}
 
-// A length of four bytes, then the bytes; an IString in UTF-8, whose NUL counts.
+// A 4-byte length, then the bytes. An IString is saved in UTF-8, with its NUL counted.
 NX_API void write(Writer& writer, urString::CString const& value);
 NX_API void write(Writer& writer, urString::IString const& value);
 NX_API void read(Reader& reader, urString::CString& value);
 NX_API void read(Reader& reader, urString::IString& value);
 
-// Pointers. The property is kept alive by the record; mesh elements are not, their mesh must be.
+// Pointers. A record keeps a property alive, but not the mesh of a mesh element.
 NX_API void write(Writer& writer, ur::Reference<nxSupport::Property> const& reference);
 NX_API void write(Writer& writer, ur::Reference<nxSupport::Property const> const& reference);
 NX_API void write(Writer& writer, ur::TypeInfo const& value);
@@ -130,17 +130,17 @@ NX_API void read(Reader& reader, urGeom::TopoMeshEdge& handle);
 NX_API void read(Reader& reader, urGeom::TopoMeshFace& handle);
 NX_API void read(Reader& reader, urGeom::TopoMeshVertex& handle);
 NX_API void read(Reader& reader, urGeom::TopoMeshEntity& entity);
-/// Lets go of the property.
+/// Releases the property.
 NX_API void clear(Clear& cleared, ur::Reference<nxSupport::Property>& reference);
 NX_API void clear(Clear& cleared, ur::Reference<nxSupport::Property const>& reference);
 NX_API void clear(Clear& cleared, ur::TypeInfo& value);
 
-/// What a field occupies beside its own object, for size hooks.
+/// The bytes that a field occupies outside its own object, for size hooks.
 [[nodiscard]] NX_API std::uint32_t getSize(urGeom::CompactMesh const& mesh);
 [[nodiscard]] NX_API std::uint32_t getSize(urGeom::MeshAdjTris const& adjacency);
 [[nodiscard]] NX_API std::uint32_t getSize(urGeom::MeshAdjVertices const& adjacency);
 [[nodiscard]] NX_API std::uint32_t getSize(urGeom::MeshSubset const& subset);
-/// The pixels and 32 bytes; the largest value when it is more.
+/// The bytes of the pixels plus 32, at most the largest value.
 [[nodiscard]] NX_API std::uint32_t getSize(urImage::Image const& image);
 
 }  // namespace nxTXN

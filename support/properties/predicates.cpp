@@ -1,4 +1,4 @@
-// The shapes of a value under the names of its types.
+// Checks the shape of a property's value.
 #include "support/properties/predicates.h"
 
 #include "plst/shape.h"

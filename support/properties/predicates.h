@@ -1,13 +1,13 @@
-// What shape the value of a property has.
+// Checks the shape of a property's value.
 #pragma once
 
 #include "support/properties/Property.h"
 
 namespace nxSupport {
 
-/// A single number. False, as below, when there is no value or no property.
+/// Whether the value is a single number. All return false if there is no value or no property.
 [[nodiscard]] NX_API bool isDouble(ur::Reference<Property const> property);
-/// An array of three numbers: value, minimum and maximum. Both accept the same items, whole numbers or not.
+/// Whether the value is an array of three numbers: value, minimum and maximum. Both accept fractions.
 [[nodiscard]] NX_API bool isBoundedDouble(ur::Reference<Property const> property);
 [[nodiscard]] NX_API bool isBoundedInt(ur::Reference<Property const> property);
 

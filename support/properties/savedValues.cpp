@@ -1,4 +1,4 @@
-// Saving and loading the values of a property set.
+// Saves and loads the values of a property set.
 #include "support/properties/savedValues.h"
 
 namespace nxSupport {
@@ -16,7 +16,7 @@ LoadReport loadValues(PropertySet& set, nxPLST::Dictionary const& values) {
     for (auto const& [name, value] : values.dictionary()) {
         if (!set.find(name)) report.extra.push_back(name);
     }
-    // A copy, since listeners may change the set.
+    // a copy, because listeners may change the set
     PropertySet::Map const properties(set.getMap().begin(), set.getMap().end());
     for (auto const& [name, property] : properties) {
         auto const value = values.find(name);

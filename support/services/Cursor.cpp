@@ -1,4 +1,4 @@
-// Requests for cursors.
+// Requests for mouse cursors.
 #include "support/services/Cursor.h"
 
 #include <utility>
@@ -15,7 +15,7 @@ Cursor::Cursor(void const* client, urString::CString const& name, CursorSlot* sl
 Cursor::Cursor(void const* client, urString::CString const& name, CursorSlot* slot, ur::Reference<urImage::Image> image,
                urLinear::Point2 const& hotspot)
     : client_(client), name_(name), image_(std::move(image)), hotspot_(hotspot), link_(slot->link_) {
-    ref();  // a listener that holds the cursor for a while must not end it
+    ref();  // so that a listener that holds and releases the cursor does not destroy it
     try {
         slot->add(client, *this);
     } catch (...) {

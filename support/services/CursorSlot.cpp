@@ -1,4 +1,4 @@
-// Precedence among cursors.
+// Finds the cursor with precedence.
 #include "support/services/CursorSlot.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace nxSupport {
 CursorSlot::CursorSlot(void* client) : client_(client), link_(ur::make<impl::SlotLink>(*this)) {}
 
 CursorSlot::~CursorSlot() {
-    ref();  // a handler that holds the slot for a while must not end it once more
+    ref();  // so that a handler that holds and releases the slot does not destroy it again
     try {
         slotDestroyed.emit(this);
     } catch (...) {
@@ -34,7 +34,7 @@ void CursorSlot::remove(void const* client, Cursor& cursor) {
     tellRemoved(client, cursor);
 }
 
-/// No request of a cursor outlives it, also not one that was added for another client.
+/// Removes all requests of the cursor, including those added for other clients.
 void CursorSlot::removeDying(void const* client, Cursor& cursor) {
     forget(cursor);
     tellRemoved(client, cursor);

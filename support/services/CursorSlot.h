@@ -1,4 +1,4 @@
-// Where requests for mouse cursors compete.
+// Decides which of several cursor requests a view shows.
 #pragma once
 
 #include <utility>
@@ -11,18 +11,18 @@
 
 namespace nxSupport {
 
-/// Decides which cursor a view shows: that of the newest request that is still there.
+/// Decides which cursor a view shows: the one requested last among the remaining requests.
 ///
-/// Belongs to the view, its client, which listens to the signals and shows what has precedence; held by reference.
-/// Says what happens on the debug code `Debug_Cursors`. Handlers of its signals may do anything, destroy the slot
-/// included. Main thread only.
+/// Belongs to a view, its client, which listens to the signals and shows the cursor with precedence; held by reference.
+/// Prints events on the debug code `Debug_Cursors`. Handlers of its signals may do anything, including destroying the
+/// slot. Main thread only.
 class NX_API CursorSlot : public ur::ReferenceCount {
 public:
-    /// Another cursor may have precedence now.
+    /// The cursor with precedence may have changed.
     urRTB::Signal<> cursorsChanged;
-    /// The image of a cursor has changed.
+    /// A cursor's image has changed.
     urRTB::Signal<CursorSlot*> cursorUpdated;
-    /// The slot is about to go. What a handler throws is printed on the application output.
+    /// The slot is about to be destroyed. An exception from a handler is printed on the application output.
     urRTB::Signal<CursorSlot*> slotDestroyed;
 
     explicit CursorSlot(void* client);
@@ -31,17 +31,17 @@ public:
 
     [[nodiscard]] void* client() const noexcept { return client_; }
 
-    /// Requests for `client`; a cursor calls these itself. Requires: `cursor` was made for this slot.
+    /// Adds a request for `client`. Cursors call these themselves. Requires: `cursor` was created for this slot.
     void add(void const* client, Cursor& cursor);
-    /// Takes back the oldest such request, if there is one.
+    /// Removes the oldest request of that client and cursor, if any.
     void remove(void const* client, Cursor& cursor);
     void update(void const* client, Cursor& cursor);
     /// While disabled, no cursor has precedence.
     void disable(bool disabled);
 
-    /// Null when there is no request or the slot is disabled.
+    /// Null if there is no request or the slot is disabled.
     [[nodiscard]] Cursor* cursorWithPrecedence() const;
-    /// The client of the newest request, also when the slot is disabled; null when there is none.
+    /// The client of the newest request, even if the slot is disabled; null if there is none.
     [[nodiscard]] void const* subclientWithPrecedence() const noexcept;
 
 protected:

@@ -1,4 +1,4 @@
-// The tables of debug codes, and their switches.
+// The table of debug codes, and their switches.
 #include "support/services/Debug.h"
 
 #include <algorithm>
@@ -73,7 +73,7 @@ constexpr std::array<char const*, 2> actionDescriptions = {"Copy To iTunes", "Co
 
 constexpr char const* unknown = "~ unknown ~";
 
-/// Null for a value that has no row.
+/// Null for a value without a row.
 Row const* rowOf(DebugCode code) noexcept {
     auto const index = static_cast<std::uint32_t>(code);
     return index < rows.size() ? &rows[index] : nullptr;
@@ -89,7 +89,7 @@ Debug& Debug::getInstance() {
 Debug::Debug() : channels_(NUM_CODES), ownChannels_(NUM_CODES) {
     for (int i = 0; i < NUM_CODES; ++i) codes_[rows[i].name] = static_cast<DebugCode>(i);
     std::transform(ownChannels_.begin(), ownChannels_.end(), channels_.begin(), [](auto& own) { return &own; });
-    // Not opened, it drops text, as it would from then on.
+    // If opening fails, the application output drops text, now and later.
     static_cast<void>(urOS::AppOutput::getInstance().open(urString::IString("-"), false));
 }
 

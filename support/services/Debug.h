@@ -1,4 +1,4 @@
-// The switches and outputs of diagnostic topics.
+// Switches and outputs of debug codes.
 #pragma once
 
 #include <cstdarg>
@@ -13,20 +13,20 @@
 
 namespace nxSupport {
 
-/// Keeps for each debug code whether it is on and where its text goes, and the indentation of what is printed.
+/// Stores the state and the output of each debug code, and the indentation of printed text.
 ///
-/// One for the process, made on first use with all codes off; `DebugPrint` is the usual way to print. Values that
-/// are no code are off: nothing switches them, they print nothing and no signal is emitted for them. Main thread
-/// only. Handlers of `codeChanged` may switch codes in their turn.
+/// There is one object for the process, created on first use with all codes off. Code usually prints through
+/// `DebugPrint`. A value that is not a code is always off: it cannot be switched, prints nothing and emits no signal.
+/// Main thread only. Handlers of `codeChanged` may switch codes themselves.
 class NX_API Debug {
 public:
-    /// A code has been switched by `enable`, `disable` or `toggle`, perhaps to what it was before.
+    /// Emitted after `enable`, `disable` or `toggle`, even if the state stays the same.
     urRTB::Signal<DebugCode> codeChanged;
-    /// For the host to emit; nothing here does.
+    /// For the host to emit; the library does not.
     urRTB::Signal<> hostSignal;
 
-    /// The first call also opens the application output on the standard output: a host that wants it elsewhere
-    /// opens it after that.
+    /// The first call also opens the application output on the standard output. A host that wants it elsewhere opens it
+    /// after that call.
     static Debug& getInstance();
     Debug(Debug const&) = delete;
     Debug& operator=(Debug const&) = delete;
@@ -37,16 +37,16 @@ public:
     void enable(DebugCode code);
     void disable(DebugCode code);
     void toggle(DebugCode code);
-    /// From now on the code has the state and the output of `channel`, which is not owned and must outlive its use.
+    /// The code takes its state and output from `channel` from now on. The channel is not owned and must stay valid.
     void provideChannel(DebugCode code, urOS::DebugChannel& channel) noexcept;
 
-    /// What the code is about, for people; empty for `NUM_CODES`, "~ unknown ~" for any other value.
+    /// A description for people; empty for `NUM_CODES`, "~ unknown ~" for any other value.
     [[nodiscard]] static urString::CString describe(DebugCode code);
-    /// The name as in source, also of `NUM_CODES`; empty for what is no code.
+    /// The name as in source, including that of `NUM_CODES`; empty for other values.
     [[nodiscard]] static urString::CString getCodeName(DebugCode code);
-    /// `NUM_CODES` when no code has that name.
+    /// Returns `NUM_CODES` if no code has that name.
     [[nodiscard]] DebugCode findCodeByName(urString::CString const& name) const;
-    /// "~ unknown ~" for what is no action.
+    /// Returns "~ unknown ~" for a value that is not an action.
     [[nodiscard]] static urString::CString getActionDescription(DebugAction action);
 
     /// The number of spaces before each line.
@@ -54,9 +54,9 @@ public:
     void incrementIndent() noexcept { indent_ += 2; }
     void decrementIndent() noexcept { indent_ -= 2; }
 
-    /// Prints indented text, without ending the line, if the code is on.
+    /// Prints indented text if the code is on. Does not end the line.
     [[gnu::format(printf, 3, 4)]] void print_(DebugCode code, char const* format, ...);
-    /// The same, ending the line if `newline`.
+    /// The same; ends the line if `newline`.
     [[gnu::format(printf, 4, 0)]] void vprint(DebugCode code, bool newline, char const* format, va_list arguments);
 
 private:
@@ -66,7 +66,7 @@ private:
     [[nodiscard]] static bool isCode(DebugCode code) noexcept { return code >= 0 && code < NUM_CODES; }
     void set(DebugCode code, bool enabled);
 
-    ur::vector<urOS::DebugChannel*> channels_;  ///< those in use, by code
+    ur::vector<urOS::DebugChannel*> channels_;  ///< the channels in use, by code
     ur::vector<urOS::DebugChannel> ownChannels_;
     ur::map<urString::CString, DebugCode, urString::less> codes_;  ///< by name
     std::int32_t indent_ = 0;

@@ -5,7 +5,7 @@
 
 namespace nxSupport {
 
-/// A topic of diagnostic output, which `Debug` switches.
+/// A topic of diagnostic output. `Debug` switches it on and off.
 enum DebugCode : std::int32_t {
     Debug_Fab = 0,
     Debug_SymmetricBrushing = 1,
@@ -24,7 +24,7 @@ enum DebugCode : std::int32_t {
     Debug_Skeleton = 14,
     Debug_Tools = 15,
     Debug_Undo = 16,
-    Debug_Resources = 17,  ///< switches the resource cache's own channel as well
+    Debug_Resources = 17,  ///< also switches the resource cache's own channel
     Debug_Manips = 18,
     Debug_HUD = 19,
     Debug_HUD_Draw = 20,
@@ -56,10 +56,10 @@ enum DebugCode : std::int32_t {
     Debug_GLWidget = 46,
     Debug_GL = 47,
     Debug_QTouch = 48,
-    NUM_CODES = 49,  ///< the number of codes; no topic
+    NUM_CODES = 49,  ///< the number of codes; not a topic
 };
 
-/// Something that a debug menu offers to do.
+/// An action in a debug menu.
 enum DebugAction : std::int32_t {
     DebugAction_CopyToITunes = 0,
     DebugAction_CopyFromITunes = 1,

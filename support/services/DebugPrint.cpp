@@ -1,4 +1,4 @@
-// Nested printing.
+// Prints indented text for nested functions.
 #include "support/services/DebugPrint.h"
 
 #include <string_view>
@@ -27,7 +27,7 @@ void DebugPrint::leave() noexcept {
     s_functions.pop_back();
 }
 
-/// Whether the printer that printed last and the one around it are in the same function.
+/// Whether the last two printers that have printed belong to the same function.
 bool DebugPrint::isSameFunction() {
     std::size_t const count = s_functions.size();
     return count >= 2 && std::string_view(s_functions[count - 1]) == s_functions[count - 2];

@@ -1,4 +1,4 @@
-// The printer that functions use for diagnostic text.
+// Prints diagnostic text for one function.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -7,14 +7,15 @@
 
 namespace nxSupport {
 
-/// A scoped object that prints for one function on one code; what functions print that run inside is indented.
+/// A scoped object that prints for one function on one code, and indents the text of the functions called inside.
 ///
-/// Costs a check when the code is off, and does nothing, even if the code is switched on later. From its first line
-/// until it goes, lines of other functions stand two spaces further in; those of the same function do not indent
-/// again. Printers go in the reverse order of their making, as local variables do. Main thread only.
+/// If the code is off at construction, it only costs a check and stays off, even if the code is switched on later. From
+/// its first line to its destruction, lines of other functions are indented by two more spaces; lines of the same
+/// function are not. Printers must be destroyed in the reverse order of construction, as local variables are. Main
+/// thread only.
 class NX_API DebugPrint {
 public:
-    /// `function`: the full name, which is not copied and must outlive the printer.
+    /// `function`: the full name. It is not copied and must outlive the printer.
     DebugPrint(char const* function, DebugCode code)
         : debug_(Debug::getInstance()), function_(function), code_(code), enabled_(debug_.isEnabled(code)) {}
     DebugPrint(DebugPrint const&) = delete;
@@ -23,7 +24,7 @@ public:
         if (printed_) leave();
     }
 
-    /// Prints one line, formatted as `printf` does.
+    /// Prints one line, formatted like `printf`.
     [[gnu::format(printf, 2, 3)]] void operator()(char const* format, ...);
 
 private:

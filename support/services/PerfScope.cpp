@@ -1,4 +1,4 @@
-// Charging time.
+// Charges time to activities.
 #include "support/services/PerfScope.h"
 
 #include "support/services/Performance.h"

@@ -1,4 +1,4 @@
-// The scoped object by which code charges its time to activities.
+// A scoped object that charges time to activities.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -6,10 +6,10 @@
 
 namespace nxSupport {
 
-/// Charges the time from each `charge` to the next, or to its own end, to one activity at most.
+/// Charges the time from each `charge` to the next, or to its own destruction, to at most one activity.
 ///
-/// Usually a local variable. A copy is charging the same activity, and either of the two then stops its watch.
-/// What it charges is also recorded on the active `Timeline`, if there is one. Main thread only.
+/// Usually a local variable. A copy charges the same activity; the first of the two to stop also stops its watch. The
+/// charged time is also recorded on the active `Timeline`, if there is one. Main thread only.
 class NX_API PerfScope {
 public:
     PerfScope() noexcept = default;
@@ -17,8 +17,8 @@ public:
     PerfScope& operator=(PerfScope const&) noexcept = default;
     virtual ~PerfScope();
 
-    /// Charges `code` from now on, or nothing for `Perf_None`. Charging what is being charged already goes on
-    /// without a break. A value that is neither changes nothing.
+    /// Charges `code` from now on, or nothing for `Perf_None`. Charging the current activity again continues it without
+    /// a break. Any other value is ignored.
     void charge(PerformanceCode code);
 
 private:

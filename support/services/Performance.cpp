@@ -1,4 +1,4 @@
-// The table of activities, and their watches.
+// The table of activities, and their stopwatches.
 #include "support/services/Performance.h"
 
 #include <array>
@@ -33,7 +33,7 @@ constexpr std::array<Row, numPerformanceCodes> rows = {{
     {"Tumble = %4.8f", true},
 }};
 
-/// Null for a value that is no activity.
+/// Null for a value that is not an activity.
 Row const* rowOf(PerformanceCode code) noexcept {
     return isActivity(code) ? &rows[static_cast<std::size_t>(code)] : nullptr;
 }

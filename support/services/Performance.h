@@ -1,4 +1,4 @@
-// How much time each activity has taken.
+// Measures the time of each activity.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -13,25 +13,25 @@ class OStream;
 
 namespace nxSupport {
 
-/// Keeps a stopwatch for each activity, which `PerfScope` starts and stops, and how its time is shown.
+/// Keeps a stopwatch for each activity, which `PerfScope` starts and stops, and the format of its time.
 ///
-/// One for the process, made on first use; a copy has the times of that moment. Main thread only.
+/// There is one object for the process, created on first use; a copy keeps the times of that moment. Main thread only.
 class NX_API Performance {
 public:
     static Performance& getInstance();
 
-    /// For a value that is no activity, a watch that stands at zero and that nobody else reads.
+    /// For a value that is not an activity, returns a watch at zero that is used for nothing else.
     [[nodiscard]] urOS::StopWatch& getWatch(PerformanceCode code);
-    /// Whether charging an activity forgets its time so far. False until the host sets it.
+    /// Whether charging an activity first resets its time. False by default; the host may set it.
     [[nodiscard]] static bool& clearEachCharge();
 
-    /// Whether people are shown the reciprocal, a rate; false for a value that is no activity.
+    /// Whether to show the reciprocal, which is a rate. False for a value that is not an activity.
     [[nodiscard]] static bool displayInverse(PerformanceCode code) noexcept;
-    /// The `printf` format, for one floating-point number, that shows the time (or the rate);
-    /// "~ unknown ~" for a value that is no activity.
+    /// The `printf` format for the time (or rate), with one floating-point number. "~ unknown ~" for a value that is
+    /// not an activity.
     [[nodiscard]] static urString::CString labelFormat(PerformanceCode code);
 
-    /// Prints each activity that has time, by its label, one a line.
+    /// Prints each activity with a time, with its label, one per line.
     void printTimes(urOS::OStream& out) const;
 
 private:

@@ -1,4 +1,4 @@
-// The activities that time is charged to.
+// The activities to which time is charged.
 #pragma once
 
 #include <cstdint>
@@ -24,13 +24,13 @@ enum PerformanceCode : std::int32_t {
     Perf_DrawShadow = 14,
     Perf_DrawTotal = 15,
     Perf_Tumble = 16,
-    Perf_None = 18,  ///< no activity: nothing is charged
+    Perf_None = 18,  ///< not an activity: no time is charged
 };
 
-/// The number of activities, which are the values from 0 on.
+/// The number of activities. They have the values from 0 on.
 inline constexpr std::int32_t numPerformanceCodes = 17;
 
-/// False for `Perf_None` and for any value that has no name.
+/// Whether the value is an activity. False for `Perf_None` and for any value without a name.
 [[nodiscard]] constexpr bool isActivity(PerformanceCode code) noexcept {
     return code >= 0 && code < numPerformanceCodes;
 }

@@ -1,4 +1,4 @@
-// The table behind registries.
+// Stores the values of registries.
 #include "support/services/Registry.h"
 
 #include <utility>
@@ -10,7 +10,7 @@ namespace nxSupport {
 
 namespace {
 
-/// Of the table, and of the handle to the value.
+/// The bytes of an entry in the table and of its value's handle.
 constexpr std::size_t bytesOfEntry = 128;
 
 }  // namespace
@@ -30,7 +30,7 @@ Registry::~Registry() {
 }
 
 void Registry::setKey(urString::CString const& key, RegistryValue const& value) {
-    // The former value goes last, from outside the table: what it holds may use the registry when it is destroyed.
+    // The old value is destroyed last, outside the table, because its destructor may use the registry.
     RegistryValue next = value;
     if (!hasKey(key)) impl_->charge.add(key.size() + bytesOfEntry);
     std::swap(impl_->values[key], next);

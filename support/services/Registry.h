@@ -1,4 +1,4 @@
-// Named values that scripts and the host share.
+// Named values shared by scripts and the host.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -9,10 +9,10 @@ namespace nxSupport {
 
 class RegistryImpl;
 
-/// A table of values under text keys, in memory only. Main thread only.
+/// A table of values with text keys, in memory only. Main thread only.
 ///
-/// The registry that was made without another owns the table. A copy is a view of the same table and must not outlive
-/// that one. With what scripts stored in it, it goes before their reflection database, which knows their objects.
+/// A registry that was not copied owns the table. A copy is a view of the same table and must not outlive its owner. A
+/// registry with values from scripts must be destroyed before their reflection database, which knows their objects.
 class NX_API Registry {
 public:
     Registry();
@@ -20,12 +20,12 @@ public:
     Registry& operator=(Registry const&) = delete;
     ~Registry();
 
-    /// A key may be set to no value: it exists all the same.
+    /// Sets a key, possibly to no value; the key then still exists.
     void setKey(urString::CString const& key, RegistryValue const& value);
-    /// Charges the keys that are set from now on; values are charged by the stacks that hold them.
+    /// Charges the keys that are set from now on. The stacks that hold the values charge the values.
     void chargeTo(std::shared_ptr<ur::Account> const& account);
     [[nodiscard]] bool hasKey(urString::CString const& key) const;
-    /// Shares the stored item, which stays when the key is set anew. No value when there is no such key.
+    /// A handle to the stored item. It stays valid when the key is set again. No value if the key does not exist.
     [[nodiscard]] RegistryValue getKey(urString::CString const& key) const;
 
 private:

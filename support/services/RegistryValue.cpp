@@ -1,4 +1,4 @@
-// Holding one item.
+// Holds one item.
 #include "support/services/RegistryValue.h"
 
 #include <utility>

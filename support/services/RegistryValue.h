@@ -1,4 +1,4 @@
-// A script value that native code keeps.
+// A script value held by native code.
 #pragma once
 
 #include <memory>
@@ -16,22 +16,22 @@ class Writer;
 
 namespace nxSupport {
 
-/// A shared handle to one item of any kind that reflection carries, or to nothing: a number, a text, a table, an
-/// object, a function.
+/// A shared handle to one item of any kind that reflection supports, such as a number, a text, a table, an object or a
+/// function; or to nothing.
 ///
-/// Copies share the item, which lives as long as any of them; the last may go on any thread if what the item holds
-/// may. What native code writes to scripts through it is a copy of the item.
+/// Copies share the item, which lives as long as any of them. The last copy may be destroyed on any thread if that is
+/// safe for the item's content. Scripts receive a copy of the item.
 class NX_API RegistryValue {
 public:
     /// No value.
     RegistryValue() noexcept = default;
-    /// Takes over `stack`, which holds exactly one item. A null item, or no stack, makes no value.
+    /// Takes ownership of `stack`, which holds exactly one item. No value if the item is null or `stack` is null.
     explicit RegistryValue(nxRFL::Stack* stack);
 
     [[nodiscard]] explicit operator bool() const noexcept { return stack_ != nullptr; }
 
-    /// The stack with the item, never null. Asking a handle without a value puts a null item into it: from then on it
-    /// counts as one with a value.
+    /// The stack with the item, never null. If the handle has no value, this stores a null item in it, and it then
+    /// counts as having a value.
     [[nodiscard]] nxRFL::Stack const* getItem() const;
 
 private:
@@ -42,9 +42,9 @@ private:
 
 namespace nxRFL {
 
-/// Copies the next item, of any kind; a null makes no value.
+/// Copies the next item, of any kind. A null item gives no value.
 NX_API void read(Reader& reader, nxSupport::RegistryValue& value);
-/// Copies the item; null for no value.
+/// Copies the item; writes null if there is no value.
 NX_API void write(Writer& writer, nxSupport::RegistryValue const& value);
 
 template <>

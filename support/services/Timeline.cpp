@@ -1,4 +1,4 @@
-// Time lines: what is recorded, and its form as trace-event JSON.
+// Records time lines and writes them as trace-event JSON.
 #include "support/services/Timeline.h"
 
 #include <algorithm>
@@ -19,7 +19,7 @@ using impl::Recording;
 
 namespace {
 
-// Performance scopes may begin in one context and end in another: what is to nest, nests on a track of its own.
+// Performance scopes may begin in one context and end in another, so they have a track of their own.
 constexpr int mainTrack = 1;
 constexpr int performanceTrack = 2;
 
@@ -28,7 +28,7 @@ constexpr std::array<char const*, 8> categories = {"context", "script", "cache",
 constexpr std::array<char const*, 6> reasons = {"limit",        "request",       "removal",
                                                 "page failure", "build failure", "page out"};
 
-/// Writes `text`, made valid UTF-8 where it is not, as a JSON string.
+/// Writes `text` as a JSON string; replaces invalid UTF-8.
 void writeQuoted(urOS::OStream& out, std::string_view text) {
     out.put('"');
     for (char const c : urString::IString(text, urString::Encoding::utf8).asUTF8()) {
@@ -52,14 +52,14 @@ void writeTrackName(urOS::OStream& out, int track, char const* name) {
     out.print("{\"name\":\"thread_name\",\"ph\":\"M\",\"pid\":1,\"tid\":%d,\"args\":{\"name\":\"%s\"}}", track, name);
 }
 
-/// The label without the number behind it.
+/// The label without the number after it.
 std::string activityName(std::uint32_t code) {
     urString::CString const label = Performance::labelFormat(static_cast<PerformanceCode>(code));
     std::string_view const name = label.view().substr(0, label.find('='));
     return std::string(name.substr(0, name.find_last_not_of(" .") + 1));
 }
 
-/// Writes the events of one recording.
+/// Writes the events of a recording.
 class Writer {
 public:
     Writer(Recording const& recording, urOS::IOStream& stream) : recording_(recording), out_(stream) {}
@@ -100,7 +100,7 @@ private:
         out_.put('}');
     }
 
-    /// What every event starts with; more and the brace follow.
+    /// Writes the members that every event has; the caller adds more and closes the brace.
     urOS::OStream& begin(Event const& event, char const* phase, std::int64_t when) {
         out_.write(",\n{\"name\":");
         writeQuoted(out_, nameOf(event));
@@ -111,7 +111,7 @@ private:
         return out_;
     }
 
-    /// Spans overlap: viewers draw each beginning and end with one number on a track of its own.
+    /// Spans may overlap: viewers draw the begin and end events with one number on their own track.
     void writeSpan(Event const& event) {
         auto const number = static_cast<unsigned long long>(++spans_);
         begin(event, "b", event.begin).print(",\"id\":%llu}", number);
@@ -152,7 +152,7 @@ Timeline::~Timeline() {
     if (active_ == this) active_ = nullptr;
 }
 
-// A watch that runs already runs on when it is started again, and so does its event.
+// Starting a running watch again has no effect, and neither has starting its event again.
 void Timeline::beginPerformance(PerformanceCode code) noexcept {
     if (!isActivity(code)) return;
     Recording::Index& index = recording_->openActivities[static_cast<std::size_t>(code)];
@@ -214,7 +214,7 @@ void Timeline::onBegin(Context const& context, ContextObserver::Clock::time_poin
     });
 }
 
-// Searched from the back: contexts of several domains need not end in the reverse order of their beginning.
+// Searches from the back. Contexts of several domains need not end in the reverse order of their beginning.
 void Timeline::onEnd(Context const& context, ContextObserver::Clock::time_point when,
                      ContextObserver::Clock::duration /*lasted*/) noexcept {
     auto& open = recording_->openContexts;

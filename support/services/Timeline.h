@@ -1,4 +1,4 @@
-// A recording of what an application did when, for trace viewers.
+// Records the times of an application's events for trace viewers.
 #pragma once
 
 #include <cstddef>
@@ -17,42 +17,41 @@ namespace impl {
 struct Recording;
 }
 
-/// Records when contexts, script calls, performance scopes, cache builds and spans begin and end, when the cache drops
-/// resources, marks, and the course of counters; writes that as trace-event JSON, which the common trace viewers open.
+/// Records the begin and end of contexts, script calls, performance scopes, cache builds and spans; drops by the cache;
+/// marks; and values of counters. Writes them as trace-event JSON, which the common trace viewers open.
 ///
-/// The host owns it and connects what it wants to see: `Domain::setContextObserver` for contexts,
-/// `urKRCache::Manager::setObserver` for the cache, `setActive` for performance scopes and script calls; it undoes
-/// the first two before the time line goes. Recording never fails: beyond the limit, or without memory, what
-/// begins is counted but not kept. Main thread only.
+/// The host owns it and connects it: to contexts with `Domain::setContextObserver`, to the cache with
+/// `urKRCache::Manager::setObserver`, to performance scopes and script calls with `setActive`. The host undoes the
+/// first two before it destroys the time line. Recording never fails: beyond the limit, or without memory, new events
+/// are counted but not kept. Main thread only.
 class NX_API Timeline final : public ContextObserver, public urKRCache::ManagerObserver {
 public:
-    /// Keeps at most so many events, of some 32 bytes each.
+    /// Keeps at most `limit` events of about 32 bytes each.
     explicit Timeline(std::size_t limit = 1U << 20U);
     Timeline(Timeline const&) = delete;
     Timeline& operator=(Timeline const&) = delete;
     ~Timeline() override;
 
-    /// Where performance scopes and script calls are recorded from now on; null, as at first: nowhere.
+    /// Sets the time line that records performance scopes and script calls from now on; null, the default, for none.
     static void setActive(Timeline* timeline) noexcept { active_ = timeline; }
     [[nodiscard]] static Timeline* active() noexcept { return active_; }
 
-    /// The time of an activity starts or ends. `PerfScope` calls these.
+    /// Called by `PerfScope` when the time of an activity starts or ends.
     void beginPerformance(PerformanceCode code) noexcept;
     void endPerformance(PerformanceCode code) noexcept;
 
-    /// A script function of that name is entered. Gives the depth of calls before, for `endScriptCalls`.
+    /// Records the entry of a script function. Returns the previous depth of calls, for `endScriptCalls`.
     std::size_t beginScriptCall(std::string_view name) noexcept;
-    /// Ends the calls that are deeper than `depth`: one when a function returns, several when an error has left
-    /// several at once.
+    /// Ends the calls deeper than `depth`: one when a function returns, several when an error leaves several functions.
     void endScriptCalls(std::size_t depth) noexcept;
 
-    /// Something that overlaps with other things begins, such as a transfer. Gives what `endSpan` takes.
+    /// Begins something that may overlap with other spans, such as a transfer. Returns the argument for `endSpan`.
     std::size_t beginSpan(std::string_view name) noexcept;
-    /// It ends, once, with that result.
+    /// Ends a span with a result. Call it once for each span.
     void endSpan(std::size_t span, std::string_view result) noexcept;
-    /// Something has happened, such as a step of the history.
+    /// Records an event without duration, such as a step of the history.
     void mark(std::string_view name) noexcept;
-    /// A counter has this value from now on.
+    /// Records the value of a counter from now on.
     void count(std::string_view counter, double value) noexcept;
 
     void onBegin(Context const& context, ContextObserver::Clock::time_point when) noexcept override;
@@ -64,11 +63,11 @@ public:
     void onLeave(ur::TypeInfo keyClass, unsigned bytes, urKRCache::Leaving why) noexcept override;
 
     [[nodiscard]] std::size_t eventCount() const noexcept;
-    /// Events that were not kept.
+    /// The number of events that were not kept.
     [[nodiscard]] std::size_t droppedCount() const noexcept;
 
-    /// Writes a whole trace of what has been recorded so far; what has not ended yet appears as begun. Times are
-    /// in microseconds since the time line was made.
+    /// Writes a complete trace of the recording so far. Events that have not ended appear as begun. Times are in
+    /// microseconds since the time line was created.
     urUtil::Error write(urOS::IOStream& stream) const;
 
 private:
@@ -76,7 +75,7 @@ private:
     std::unique_ptr<impl::Recording> recording_;
 };
 
-/// Records one script call on the active time line, from its making to its end, however the call ends.
+/// Records one script call on the active time line during its lifetime, even if the call ends with an error.
 class NX_API ScriptCallScope {
 public:
     explicit ScriptCallScope(std::string_view name) noexcept : timeline_(Timeline::active()) {

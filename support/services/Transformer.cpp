@@ -1,4 +1,4 @@
-// Gestures and their matrices, and what kind a matrix is of.
+// Gestures, their matrices, and the classification of matrices.
 #include "support/services/Transformer.h"
 
 #include <cmath>
@@ -100,7 +100,7 @@ Vector Transformer::getScaleDelta() const noexcept {
     });
 }
 
-/// About the centre, in the frame of the start matrix.
+/// Scales about the centre, in the frame of the start matrix.
 void Transformer::computeScale(Vector const& factors, AffineMatrix& result) const {
     Vector const c = center_ - Point();
     result.identity();

@@ -1,4 +1,4 @@
-// Releasing cached memory.
+// Releases cached memory.
 #include "support/services/clearResources.h"
 
 #include "krcache/Manager.h"

@@ -1,4 +1,4 @@
-// Reading lists of debug codes, and guessing what a misspelt name should have been.
+// Reads lists of debug codes and suggests corrections of misspelt names.
 #include "support/services/debugList.h"
 
 #include <charconv>
@@ -20,7 +20,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
 }
 
-/// What is left to compare when case and the prefix that all names have do not count.
+/// The name in lower case without the prefix that all names have, for comparison.
 urString::CString essence(std::string_view name) {
     urString::CString result(name);
     result.toLowerCase();
@@ -28,7 +28,7 @@ urString::CString essence(std::string_view name) {
     return result;
 }
 
-/// `NUM_CODES` when no name is like the entry.
+/// Returns `NUM_CODES` if no name is similar to the entry.
 DebugCode nearestCode(std::string_view entry) {
     urString::CString const wanted = essence(entry);
     urString::NearestName nearest(wanted.view());
@@ -40,7 +40,7 @@ DebugCode nearestCode(std::string_view entry) {
     return meant;
 }
 
-/// `NUM_CODES` for any number that is too large, and for what is none.
+/// Returns `NUM_CODES` if the number is too large or the entry is not a number.
 DebugCode codeOfNumber(std::string_view entry) {
     unsigned number = 0;
     auto const [end, error] = std::from_chars(entry.data(), entry.data() + entry.size(), number);
@@ -53,7 +53,7 @@ void set(DebugCode code, State state) {
     state == State::on ? debug.enable(code) : debug.disable(code);
 }
 
-/// False when the entry names no code.
+/// Returns false if the entry names no code.
 bool apply(std::string_view entry, State state) {
     if (entry == "*") {
         for (int i = 0; i < NUM_CODES; ++i) set(static_cast<DebugCode>(i), state);
@@ -66,7 +66,7 @@ bool apply(std::string_view entry, State state) {
     return true;
 }
 
-/// Takes the text up to the next comma off the list.
+/// Removes the text up to the next comma from the list and returns it.
 std::string_view takeEntry(std::string_view& list) {
     std::size_t const end = std::min(list.find(','), list.size());
     std::string_view const entry = trimmed(list.substr(0, end));

@@ -1,4 +1,4 @@
-// The display's facts, and what follows from them.
+// Facts about the display, and tolerances that depend on them.
 #include "support/services/display.h"
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace {
 double displayDPI = 132.0;
 double displayScale = 1.0;
 
-/// Toward zero; the nearest int for what is beyond them all, and 0 for no number.
+/// Rounds toward zero. Returns the nearest int for larger values, and 0 for not-a-number.
 int truncate(double value) noexcept {
     using Limits = std::numeric_limits<int>;
     if (value != value) return 0;

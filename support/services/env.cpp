@@ -1,4 +1,4 @@
-// The variable of each code.
+// The environment variable of each code.
 #include "support/services/env.h"
 
 #include <cstdlib>

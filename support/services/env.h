@@ -1,4 +1,4 @@
-// The environment variables that switch something.
+// Environment variables that switch features.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace nxSupport {
 
-/// Each names the variable NX_ and its own name in capitals: what that means is up to the code that asks.
+/// Each code names the variable NX_ plus its name in capitals. The calling code defines the variable's meaning.
 enum EnvVarCode : std::int32_t {
     EnvVar_Debug = 0,                  ///< NX_DEBUG
     EnvVar_Platform = 1,               ///< NX_PLATFORM
@@ -25,8 +25,8 @@ enum EnvVarCode : std::int32_t {
     EnvVar_Graphics = 13,              ///< NX_GRAPHICS
 };
 
-/// The variable's text, read at each call; it belongs to the environment. Null when it is unset, and for a code
-/// without a variable. Main thread only.
+/// The variable's text, read at each call and owned by the environment. Null if it is unset or the code has no
+/// variable. Main thread only.
 [[nodiscard]] NX_API char const* env(EnvVarCode const& code) noexcept;
 
 }  // namespace nxSupport

@@ -1,4 +1,4 @@
-// Where the system keeps its fonts.
+// Finds the system's fonts folder.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -6,7 +6,7 @@
 
 namespace nxSupport {
 
-/// The system's fonts folder; empty when there is none.
+/// The system's fonts folder; empty if there is none.
 [[nodiscard]] NX_API urOS::Filename getFontsPath();
 
 }  // namespace nxSupport

@@ -1,4 +1,4 @@
-// The graphics driver's facts.
+// Facts about the graphics driver.
 #include "support/services/graphics.h"
 
 namespace nxSupport {

@@ -1,4 +1,4 @@
-// Formatted text on the application output.
+// Prints formatted text on the application output.
 #include "support/services/nx_printf.h"
 
 #include "foundation/urOS/AppOutput.h"

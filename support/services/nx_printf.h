@@ -1,4 +1,4 @@
-// Formatted text on the application output.
+// Prints formatted text on the application output.
 #pragma once
 
 #include <cstdarg>
@@ -7,7 +7,7 @@
 
 namespace nxSupport {
 
-/// Prints as `printf` does, but on the application output. Main thread only.
+/// Like `printf`, but prints on the application output. Main thread only.
 [[gnu::format(printf, 1, 2)]] NX_API void nx_printf(char const* format, ...);
 [[gnu::format(printf, 1, 0)]] NX_API void nx_vprintf(char const* format, va_list arguments);
 

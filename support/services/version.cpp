@@ -1,4 +1,4 @@
-// What is being built.
+// The product's name and version.
 #include "support/services/version.h"
 
 namespace nxSupport {

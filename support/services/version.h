@@ -11,7 +11,7 @@ namespace nxSupport {
 [[nodiscard]] NX_API int getVersionMajor() noexcept;
 [[nodiscard]] NX_API int getVersionMinor() noexcept;
 [[nodiscard]] NX_API int getVersionRevision() noexcept;
-/// The three numbers with points between them.
+/// The three numbers, separated by points.
 [[nodiscard]] NX_API urString::CString getVersionString();
 
 }  // namespace nxSupport

@@ -1,4 +1,4 @@
-// Attributes by the type of their value.
+// Attributes with a value type.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -10,7 +10,7 @@ namespace nxSupport {
 template <class T>
 class NX_API Attribute : public AttributeBase {
 public:
-    /// The value now.
+    /// Returns the current value.
     [[nodiscard]] virtual T evaluate() const = 0;
 };
 

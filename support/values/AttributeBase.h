@@ -1,4 +1,4 @@
-// What attributes of every value type share.
+// Base class of attributes of every value type.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -6,7 +6,7 @@
 
 namespace nxSupport {
 
-/// A value that is computed on demand, chained by reference to the attributes that it is computed from.
+/// A value computed on demand. It holds references to the attributes that it is computed from.
 class NX_API AttributeBase : public ur::ReferenceCount {
 public:
     /// Whether the value can change from one evaluation to the next.

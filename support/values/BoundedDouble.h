@@ -5,9 +5,9 @@
 
 namespace nxSupport {
 
-/// A value and its range. The range is information, for slider ends and fractions: nothing here clamps.
+/// A value and its range. The range is for display, such as slider ends and fractions; values are not clamped.
 ///
-/// Without a range given, the range is empty: minimum 1, maximum 0.
+/// The default range is empty: minimum 1, maximum 0.
 class BoundedDouble {
 public:
     BoundedDouble() noexcept = default;
@@ -29,8 +29,8 @@ public:
     }
     void setRange(urLinear::Range1d const& range) noexcept { setRange(range.min, range.max); }
 
-    /// Where `x` lies in the range: 0 at the minimum, 1 at the maximum, beyond them outside. A range of no width
-    /// gives an infinity or not-a-number.
+    /// The position of `x` in the range: 0 at the minimum, 1 at the maximum. If minimum and maximum are equal, it is an
+    /// infinity or not-a-number.
     [[nodiscard]] double fractionalValue(double x) const noexcept { return (x - minimum_) / (maximum_ - minimum_); }
     [[nodiscard]] double fractionalValue() const noexcept { return fractionalValue(value_); }
 

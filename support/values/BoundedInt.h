@@ -5,7 +5,7 @@
 
 namespace nxSupport {
 
-/// A value and its range. The range is information: nothing here clamps. Without one given it is empty, 1 to 0.
+/// A value and its range. The range is for display; values are not clamped. The default range is empty, 1 to 0.
 class BoundedInt {
 public:
     BoundedInt() noexcept = default;

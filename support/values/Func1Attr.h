@@ -1,4 +1,4 @@
-// Attributes that are functions of one other attribute.
+// Attributes computed from one other attribute.
 #pragma once
 
 #include <utility>
@@ -9,13 +9,13 @@
 
 namespace nxSupport {
 
-/// A `Result` computed from the value of an attribute of type `Input`, which it holds and which is not null.
+/// Computes a `Result` from an attribute of type `Input`. It holds that attribute, which is not null.
 template <class Result, class Input>
 class NX_API Func1Attr : public Attribute<Result> {
 public:
     explicit Func1Attr(ur::Reference<Attribute<Input>> input) noexcept : input_(std::move(input)) {}
 
-    /// The answer of the input.
+    /// The result of the input's `dynamic`.
     [[nodiscard]] bool dynamic() const override { return input_->dynamic(); }
 
 protected:

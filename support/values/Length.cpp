@@ -1,4 +1,4 @@
-// Conversion and comparison of lengths.
+// Converts and compares lengths.
 #include "support/values/Length.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Lengths with their units.
+// Lengths with units.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,7 @@
 
 namespace nxSupport::Units {
 
-/// The units that lengths are shown in; the values index the conversion table.
+/// Units of length. Their values index the conversion table.
 enum LengthUnits : std::int32_t {
     Millimeters = 0,
     Centimeters = 1,
@@ -25,12 +25,12 @@ namespace impl {
 NX_API extern double const s_conversions[9];
 }  // namespace impl
 
-/// A length in its unit. A unit outside the enumeration converts to not-a-number.
+/// A length and its unit. A unit outside the enumeration converts to not-a-number.
 class NX_API Length {
 public:
     Length() noexcept = default;
     Length(double value, LengthUnits units) noexcept : value_(value), units_(units) {}
-    /// `other` converted to `units`; the value is copied unchanged when it is in that unit already.
+    /// `other` converted to `units`. If it already has that unit, the value is copied unchanged.
     Length(Length const& other, LengthUnits units) noexcept;
 
     [[nodiscard]] double value() const noexcept { return value_; }
@@ -41,11 +41,11 @@ private:
     LengthUnits units_ = Meters;
 };
 
-/// Whether two lengths differ by at most `tolerance`, compared in millimetres. False when one is not a number.
+/// Whether two lengths differ by at most `tolerance`, compared in millimetres. False if one is not a number.
 [[nodiscard]] NX_API bool equivalent(Length const& a, Length const& b, Length const& tolerance) noexcept;
 
-/// Whether two lengths differ by less than `relativeTolerance` times the larger magnitude, compared in the unit
-/// of `a`. Two exact zeros are equivalent in any units; a zero and a non-zero only under a tolerance above 1.
+/// Whether two lengths differ by less than `relativeTolerance` times the larger magnitude, compared in the unit of `a`.
+/// Two exact zeros are equivalent in any units; a zero and a non-zero only with a tolerance above 1.
 [[nodiscard]] NX_API bool equivalent(Length const& a, Length const& b, double relativeTolerance) noexcept;
 
 }  // namespace nxSupport::Units

@@ -1,4 +1,4 @@
-// The ramp between two values.
+// Computes a linear ramp.
 #include "support/values/RampAttr.h"
 
 #include <utility>
@@ -18,7 +18,7 @@ double RampAttr::evaluate() const {
     if (x < inputLow_) return outputLow_;
     if (x > inputHigh_) return outputHigh_;
     double const t = (x - inputLow_) / (inputHigh_ - inputLow_);
-    // Rounding can lead past an end.
+    // Rounding can produce a value beyond an end.
     urLinear::Range1d outputs(outputLow_);
     outputs.include(outputHigh_);
     return outputs.clamp(outputLow_ * (1.0 - t) + outputHigh_ * t);

@@ -1,4 +1,4 @@
-// The linear ramp between two points.
+// A linear ramp between two points.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -7,9 +7,9 @@
 
 namespace nxSupport {
 
-/// Rises or falls in a straight line between two points, and stays level outside of them.
+/// Rises or falls linearly between two points, and stays constant outside of them.
 ///
-/// When both inputs are the same, the value is level below and above and not-a-number at that very input.
+/// If both inputs are equal, the value is constant below and above and not-a-number at that input.
 class NX_API RampAttr final : public Func1Attr<double, double> {
 public:
     /// From `y0` at input 0 to `y1` at input 1.

@@ -1,4 +1,4 @@
-// The smooth step between two values.
+// Computes a sinusoidal ease.
 #include "support/values/SineAttr.h"
 
 #include <cmath>

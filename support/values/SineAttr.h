@@ -1,4 +1,4 @@
-// The sinusoidal ease between two values.
+// A sinusoidal ease between two values.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -7,7 +7,7 @@
 
 namespace nxSupport {
 
-/// Eases from `from` at input 0 to `to` at input 1, and swings back and forth outside, with a period of 2.
+/// Eases from `from` at input 0 to `to` at input 1. Outside it oscillates with a period of 2.
 class NX_API SineAttr final : public Func1Attr<double, double> {
 public:
     SineAttr(ur::Reference<Attribute<double>> input, double from, double to) noexcept;

@@ -1,4 +1,4 @@
-// How contexts begin and end.
+// Begins and ends contexts.
 #include "support/messaging/impl/DomainImpl.h"
 
 #include <algorithm>
@@ -22,7 +22,7 @@ bool callsHooks(Context const& context) noexcept { return context.mode() != Cont
 }  // namespace
 
 ur::vector<Context const*>& DomainImpl::active() noexcept {
-    static auto& all = *new ur::vector<Context const*>;  // never destroyed: domains may be of static lifetime
+    static auto& all = *new ur::vector<Context const*>;  // never destroyed, because domains may have static lifetime
     return all;
 }
 

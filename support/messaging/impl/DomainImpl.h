@@ -18,13 +18,13 @@ class ContextObserver;
 
 /// Begins and ends the contexts of a domain, and keeps their modes and call information.
 ///
-/// Any hook, observer or handler may destroy the domain, and this with it. The domain then lets go of its contexts, so
-/// every step that calls one asks the context afterwards whether it still has a domain.
+/// Any hook, observer or handler may destroy the domain, and this object with it. The domain then detaches its
+/// contexts, so every step that calls one checks afterwards whether the context still has a domain.
 struct DomainImpl final : ur::ImplBase {
     DomainImpl(Domain& owner, Domain* parent) noexcept : domain(owner), primary(parent ? parent : &owner) {}
     DomainImpl(DomainImpl const&) = delete;
     DomainImpl& operator=(DomainImpl const&) = delete;
-    /// Lets go of contexts that are still active.
+    /// Detaches contexts that are still active.
     ~DomainImpl() override;
 
     /// If it throws, the context has not begun.
@@ -39,15 +39,16 @@ struct DomainImpl final : ur::ImplBase {
 
     Domain& domain;
     Domain* const primary;
-    ur::vector<Context::Mode> modeStack;  ///< all but Bare ones
+    ur::vector<Context::Mode> modeStack;  ///< all modes except Bare
     std::shared_ptr<CallInfo> callInfo;
-    std::size_t callInfoDepth = 0;  ///< size of the mode stack with the context that made `callInfo`; 0 without
+    std::size_t callInfoDepth = 0;  ///< size of the mode stack including the context that created `callInfo`; 0 without
+                                    ///< it
     ur::vector<std::pair<std::shared_ptr<CallInfo>, std::size_t>> suppressedCallInfos;
     AsyncTask* asyncTask = nullptr;
     ContextObserver* observer = nullptr;
 
 private:
-    // Steps of the two. Results are false when the domain is gone.
+    // The steps of `begin` and `end`. They return false if the domain was destroyed.
     [[nodiscard]] bool reportBegin(Context const& context);
     [[nodiscard]] bool createCallInfo(Context const& context);
     [[nodiscard]] bool dropCallInfo(Context const& context, urOS::FirstError& errors) noexcept;
@@ -57,7 +58,7 @@ private:
     void push(Context const& context);
     void popMode(Context const& context) noexcept;
     void pop(Context const& context) noexcept;
-    /// A hook may have suppressed it, or released another one in its place.
+    /// Removes `ending`. A hook may have suppressed it, or may have released another one.
     void forget(std::shared_ptr<CallInfo> const& ending) noexcept;
 };
 

@@ -1,4 +1,4 @@
-// What a debug build says about mistakes of the host.
+// Reports mistakes of the host in debug builds.
 #pragma once
 
 #include "foundation/urOS/AppOutput.h"
@@ -11,7 +11,7 @@ inline constexpr bool debugBuild = false;
 inline constexpr bool debugBuild = true;
 #endif
 
-/// Prints one line on the application output in a debug build, nothing in others.
+/// Prints one line on the application output in debug builds; does nothing in others.
 inline void reportMisuse([[maybe_unused]] char const* what) {
     if constexpr (debugBuild) urOS::AppOutput::getInstance().print("%s\n", what);
 }

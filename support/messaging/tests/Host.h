@@ -1,4 +1,4 @@
-// A host as small as can be, which keeps a log of what it is told.
+// A minimal host that logs its hooks.
 #pragma once
 
 #include <functional>
@@ -14,14 +14,14 @@
 
 namespace nxSupport {
 
-/// The door to what users do not see.
+/// Gives tests access to private functions of `Domain`.
 struct DomainProbe {
     static bool compatible(Domain const& domain, int mode) {
         return domain.isCompatibleMode(static_cast<Context::Mode>(mode));
     }
 };
 
-/// As the observer of its own contexts it is told of them as well, but only when a test asks for that.
+/// Can also observe its own contexts; a test has to set it as the observer.
 class Host : public Domain, public ContextObserver {
 public:
     struct Queue : urThread::RunQueue {
@@ -35,11 +35,11 @@ public:
     }
     urThread::RunQueue& runQueue() override { return queue; }
 
-    /// Adds to the log; throws when that is what the test wants to fail.
+    /// Adds to the log; throws if the test wants this call to fail.
     void tell(std::string const& what) {
         log += what + " ";
         if (what == failing) throw std::runtime_error(what + " failed");
-        auto const last = telling;  // may destroy this host
+        auto const last = telling;  // a copy, because the call may destroy this host
         last(what);
     }
     std::string takeLog() { return std::exchange(log, {}); }

@@ -1,4 +1,4 @@
-// Tasks between the main thread and their workers, and data sinks.
+// Tasks, their workers, and data sinks.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -68,7 +68,7 @@ TEST_F(AsyncTasks, TellThatTheyWereWaitedForEvenFromTheQueueItself) {
     host->queue.add([this] { EXPECT_TRUE(host->waitForAsyncTask()); });
     task->startThread();
     while (host->queue.size() < 2) std::this_thread::yield();
-    EXPECT_EQ(host->queue.service(), 2U);  // waits with the completion behind it in the queue
+    EXPECT_EQ(host->queue.service(), 2U);  // waits with the completion after it in the queue
     EXPECT_EQ(counts.waited, 1);
 }
 
@@ -123,7 +123,7 @@ TEST_F(AsyncTasks, AreCancelledAndTellTheirLastProgress) {
     EXPECT_EQ(told, (std::vector<std::pair<double, std::string>>{{0.3, "reading"}, {1, "cancelled"}}));
     EXPECT_EQ(counts.completed, 1);
 
-    auto dropped = ur::make<Task>(*host, counts);  // with its progress still in the queue
+    auto dropped = ur::make<Task>(*host, counts);  // destroyed with its progress still in the queue
     Task* const working = dropped.get();
     dropped->work = [working] { working->setProgress(0.5); };
     dropped->startThread();
@@ -149,12 +149,12 @@ TEST_F(AsyncTasks, AndTheirDomainsMayGoInAnyOrder) {
     EXPECT_FALSE(host->waitForAsyncTask());
     task = ur::make<Task>(*host, counts);
     host.reset();
-    task->startThread();  // there is nowhere to complete
+    task->startThread();  // without a domain it does nothing
     task->wait();
     EXPECT_EQ(counts.executed, 0);
 }
 
-/// Of a thread: says that nothing of the thread's own runs any more.
+/// A thread-local whose destructor reports that the thread runs no more of its own code.
 struct AtThreadExit {
     ~AtThreadExit() { ended = true; }
     std::atomic<bool>& ended;
@@ -203,7 +203,7 @@ TEST_F(AsyncTasks, FindTheirWorkersOutOfTheQueueWhichTheyMayDestroy) {
     EXPECT_FALSE(host);
 }
 
-// Half of the hosts complete what they started, the others close their queue on it.
+// Half of the hosts complete their tasks, the others close the queue before that.
 TEST(AThousandTasks, AreStartedWaitedForAbandonedAndThrownIn) {
     std::mt19937 random(20240);
     for (int round = 0; round < 10; ++round) {
@@ -226,13 +226,13 @@ TEST(AThousandTasks, AreStartedWaitedForAbandonedAndThrownIn) {
         if (closes) host.queue.close();
         while (!closes && counts.completed < due && host.queue.wait(10s)) host.queue.service();
         for (auto const& task : kept) task->wait();
-        host.queue.service();  // tells those that threw
+        host.queue.service();  // reports those that threw
         kept.clear();
         EXPECT_TRUE(counts.executed == 100 && counts.destroyed == 100);
     }
 }
 
-/// Is dropped and throws while it closes.
+/// Releases its last reference and throws in `onClose`.
 struct Sink : DataSink {
     explicit Sink(std::string& text) : log(text) { self.reset(this); }
     ~Sink() override { log += closed() && completed() ? "gone" : "open"; }

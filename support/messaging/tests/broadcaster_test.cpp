@@ -1,4 +1,4 @@
-// Who is called when, and what subscribers may do meanwhile.
+// The order of delivery, and what subscribers may do during a broadcast.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -64,11 +64,11 @@ TEST(Broadcaster, LetsSubscribersThrowConnectAndBroadcast) {
     bool fails = true;
     auto const reentrant = broadcaster.subscribe<Note>(at(5, 0), [&](Note&) {
         if (fails) throw std::runtime_error("no");
-        broadcaster.connect(at(4, 0), noteA);  // its turn is over
-        broadcaster.connect(at(6, 0), noteC);  // still to come, as is the next one
+        broadcaster.connect(at(4, 0), noteA);  // an earlier priority: not called by this broadcast
+        broadcaster.connect(at(6, 0), noteC);  // called by this broadcast, as is the next one
         broadcaster.connect(at(5, 0), noteB);
         PreClearResourcesMsg other;
-        broadcaster.broadcast(other);  // of a class not seen before
+        broadcaster.broadcast(other);  // the first use of this message class
     });
     EXPECT_THROW(sent(broadcaster), std::runtime_error);
     fails = false;

@@ -1,4 +1,4 @@
-// Random lives of two domains, beside a few plain lines that say what should be seen.
+// Makes random contexts on two domains and compares them with a plain model.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -10,7 +10,7 @@ namespace {
 
 using namespace nxSupport;
 
-/// What a domain should say of itself. Call informations are numbers, 0 for none.
+/// The expected state of a domain. Call informations are numbers, 0 for none.
 struct Plain {
     std::vector<Context::Mode> modes;
     std::vector<Context const*> contexts;
@@ -18,14 +18,14 @@ struct Plain {
     bool suppressed = false;
 };
 
-/// Contexts and suppressions drawn at random, within each other. What one of them changes ends with it.
+/// Opens random nested contexts and suppressions. The end of each restores the state before it.
 class Lives {
 public:
     explicit Lives(unsigned seed) : random_(seed) {
         for (Host& host : hosts_)
             host.provide = [this](CallInfo& info) { info.add(numbers_.emplace_back(new int(made_)).get()); };
     }
-    /// Inside a context of the domain `latest`, which is -1 for none.
+    /// Opens `scopes` scopes inside a context of the domain `latest`; -1 for none.
     void live(std::size_t scopes, int latest) {
         for (; scopes > 0; --scopes) {
             int const i = static_cast<int>(random_() % 2);
@@ -39,7 +39,7 @@ public:
 private:
     void begin(int i) {
         auto mode = static_cast<Context::Mode>(random_() % 12);
-        if (mode == Context::Bootstrap) mode = Context::Bare;  // nobody could number its call information
+        if (mode == Context::Bootstrap) mode = Context::Bare;  // its call information has no number
         if (mode != Context::Bare) {
             plain_[i].modes.push_back(mode);
             if (plain_[i].info == 0) plain_[i].info = ++made_;

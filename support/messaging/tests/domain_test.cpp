@@ -32,7 +32,7 @@ TEST(Modes, AreCompatibleAsTheStackAllows) {
     using C = Context;
     struct {
         std::vector<C::Mode> stack;
-        char const* compatible;  // one mark for each mode
+        char const* compatible;  // one character for each mode
     } const rows[] = {
         {{}, "yyyyyyyyyyyy."},
         {{C::Undecided}, "yyyyyyy.y...."},

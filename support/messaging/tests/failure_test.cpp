@@ -1,4 +1,4 @@
-// User code that throws or destroys, and hosts that make mistakes: the stacks stay whole.
+// User code that throws or destroys, and mistakes of the host: the stacks stay intact.
 #include <gmock/gmock.h>
 
 #include <optional>
@@ -11,7 +11,7 @@ namespace {
 
 using namespace nxSupport;
 
-/// A whole context, which tells its host "<Const info +Const -Const ~info emptied >Const post after".
+/// Runs a whole context. The log is then "<Const info +Const -Const ~info emptied >Const post after".
 void runContext(Host* host) {
     host->setContextObserver(host);
     Context const context(host, Context::Const);
@@ -29,11 +29,11 @@ void expectSound(Host& host) {
 TEST(ThrowingHook, LeavesNoTraceOfTheContext) {
     std::string const begun = "<Const info +Const ", ended = begun + "-Const ~info emptied >Const post ";
     std::pair<std::string, std::string> const rows[] = {
-        // Nothing has begun then: no hook is told of an end.
+        // The context has not begun, so onEndContext is not called.
         {"<Const", "<Const >Const "},
         {"info", "<Const info >Const "},
         {"+Const", begun + "~info >Const "},
-        // The rest still ends.
+        // The remaining hooks are still called.
         {"-Const", ended + "after "},
         {"~info", ended + "after "},
         {"emptied", ended + "after "},

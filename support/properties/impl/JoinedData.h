@@ -6,7 +6,7 @@
 
 namespace nxSupport::impl {
 
-/// The data objects of a property's joined set. Either may be null; both are for a property of neither kind.
+/// The data objects of a property's joined set. Either may be null; both are null for a property of neither kind.
 struct JoinedData {
     explicit JoinedData(Property const& property) noexcept {
         if (TxdProperty const* const transacted = asTxd(property)) {
@@ -18,7 +18,7 @@ struct JoinedData {
         }
     }
 
-    /// The property as what it is; null when it is something else.
+    /// Casts the property to its class; null if it is of another kind.
     [[nodiscard]] static TxdProperty const* asTxd(Property const& property) noexcept {
         return property.kind_ == Property::Kind::transacted ? static_cast<TxdProperty const*>(&property) : nullptr;
     }

@@ -1,4 +1,4 @@
-// The walk over a joined set.
+// Walks over a joined set.
 #pragma once
 
 #include "support/properties/impl/JoinedData.h"
@@ -9,8 +9,8 @@ namespace nxSupport::impl {
 
 /// Walks over the members that a joined set has when the walk begins: the transacted ones, then the untransacted.
 ///
-/// Members that leave the set meanwhile are passed over, and those that join it are not reached before the next
-/// `forEach`. Keeps the start property and both data objects alive, but not the member that it stands on.
+/// Skips members that leave the set meanwhile, and reaches members that join it only in the next `forEach`. Keeps the
+/// start property and both data objects alive, but not the current member.
 class JoinedPropertyIterator {
 public:
     enum class Start : bool { include, skip };
@@ -27,7 +27,7 @@ public:
         txd_.valid() ? txd_.next() : untxd_.next();
         settle();
     }
-    /// Visits the members from the first one on, with or without the start property.
+    /// Visits all members from the first one, with or without the start property.
     template <class Visit>
     void forEach(Start handling, Visit visit) {
         Property const* const skipped = handling == Start::skip ? &start_.property() : nullptr;
@@ -43,7 +43,7 @@ public:
         }
     }
 
-    /// Whether the set that is walked still is that of the start property, with both its sides.
+    /// Whether the walked set is still the start property's set and has the same two sides.
     [[nodiscard]] bool isCurrent() const noexcept {
         JoinedData const shared(start_.property());
         return shared.txd == txd_.data() && shared.untxd == untxd_.data();
@@ -68,8 +68,8 @@ private:
         current_ = nullptr;
     }
 
-    // Undo may list a property that has moved elsewhere unrecorded, or that nobody holds any more: those are no
-    // members.
+    // After undo, a list may contain properties that moved away unrecorded or that no reference holds any more. These
+    // are not members.
     [[nodiscard]] bool takesPart(TxdProperty const& member) const noexcept {
         return member.data() == txd_.data() && (!txd_.data()->members().mayNameAbsent() || member.isTxnExtant());
     }

@@ -1,4 +1,4 @@
-// The walk over the members of one data object.
+// Walks over the members of one data object.
 #pragma once
 
 #include <cstddef>
@@ -7,8 +7,8 @@
 
 namespace nxSupport::impl {
 
-/// Reaches the members that the data object has when the walk is made or rewound; those added later are not reached.
-/// Keeps the data object, which may be null, alive.
+/// Reaches the members that the data object has when the walk is created or rewound, but not those added later. Keeps
+/// the data object alive; it may be null.
 template <class Data>
 class MemberWalk {
 public:

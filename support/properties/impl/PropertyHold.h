@@ -1,11 +1,11 @@
-// A reference to a property for the time of an emission.
+// Holds a property during an emission.
 #pragma once
 
 #include "support/properties/impl/JoinedData.h"
 
 namespace nxSupport::impl {
 
-/// Keeps a property alive during an emission. Counts without virtual calls where the class is known.
+/// Keeps a property alive during an emission. For known classes it counts without virtual calls.
 class PropertyHold {
 public:
     explicit PropertyHold(Property const& property) noexcept

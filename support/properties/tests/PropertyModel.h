@@ -12,10 +12,11 @@
 
 namespace nxSupport::test {
 
-/// Says what properties hold, tell and do on undo, with numbers for properties, data objects and links; 0 is none.
+/// Models the values and notifications of properties and their undo. Properties, data objects and links are numbers; 0
+/// is none.
 ///
-/// What a history records is a `State` under the number of its object; records exchange states with the present. All
-/// changes are made in transactions, no property is dropped, and one whose making is undone takes part in nothing.
+/// A history records a `State` for the number of its object; undo and redo exchange it with the current state. All
+/// changes happen in transactions, and no property is dropped. A property whose creation is undone is ignored.
 class PropertyModel {
 public:
     using Ids = std::vector<int>;
@@ -45,7 +46,7 @@ public:
             for (int const member : moved[kind]) move(member, data[kind]);
         }
     }
-    /// Whether `setValue` says that no validator changed the value.
+    /// Returns the expected result of `setValue`: whether no validator changed the value.
     bool set(int property, int value, PropertyModType type) {
         bool const unchanged = !validate(property, value);
         if (type == ModifyAll) return set(property, value), unchanged;
@@ -61,7 +62,7 @@ public:
         tellOthers(property, ModifyEnd);
         return unchanged;
     }
-    /// The rule of the validators: some numbers are replaced by the next one.
+    /// The validators' rule: some numbers are replaced by the next one.
     static bool isReplaced(int value) { return value % 100 == 20; }
     void addValidator(int property) { validating_.insert(property); }
 
@@ -85,12 +86,12 @@ public:
     [[nodiscard]] bool extant(int property) const { return unborn_.count(property) == 0; }
     /// Whether its joined set has both sides, even if one of them has no members.
     [[nodiscard]] bool isMirrored(int property) const { return twinOf(states_.at(property).data) != 0; }
-    /// What was told since the last time.
+    /// The notifications since the last call.
     std::string take() { return std::exchange(told_, {}); }
 
     struct State {
-        int data = 0;  // of a property
-        Ids members;   // and the rest of a data object
+        int data = 0;  // for a property
+        Ids members;   // these three are for a data object
         int value = 0;
         int link = 0;
         bool operator==(State const&) const = default;
@@ -100,7 +101,7 @@ public:
         std::set<int> births;
     };
     std::vector<Step> past, future;
-    bool isOpen = false;  // a transaction that gathers the next step
+    bool isOpen = false;  // a transaction that collects the next step
 
 private:
     enum class Direction { back, forth };
@@ -253,11 +254,11 @@ private:
     }
 
     int newest_ = 0;
-    std::map<int, State> states_;  // of properties and data objects
+    std::map<int, State> states_;  // by property or data object
     std::set<int> transacted_;
     std::set<int> unborn_;
     std::set<int> validating_;
-    std::map<int, std::pair<int, int>> links_;  // the transacted and the untransacted data, or 0 once it has ended
+    std::map<int, std::pair<int, int>> links_;  // the transacted and the untransacted data, or 0 for an ended link
     Step present_;
     std::string told_;
 };

@@ -1,4 +1,4 @@
-// Calls drawn at random, on properties with their history and on the plain model of them.
+// Makes random calls on properties with their history and on the plain model.
 #pragma once
 
 #include <functional>
@@ -13,16 +13,16 @@
 
 namespace nxSupport::test {
 
-/// Plays on both sides at once and compares everything that they hold, tell and return.
+/// Makes each call on both sides and compares all values, notifications and results.
 class PropertyPlay {
 public:
-    /// `draw` gives any number.
+    /// `draw` returns any number.
     explicit PropertyPlay(std::function<unsigned()> draw) : draw_(std::move(draw)) {
         heard_.values = true;
         for (int i = 0; i < 4; ++i) inTransaction([this] { create(); });
     }
 
-    /// One call; empty, or what differs after it.
+    /// Makes one call. Returns an empty text, or the first difference after the call.
     std::string step() {
         wrongResult_ = nullptr;
         act();
@@ -66,7 +66,7 @@ private:
     }
 
     unsigned pick(unsigned below) { return draw_() % below; }
-    /// A property that takes part in the present state.
+    /// A property that is part of the present state.
     std::pair<int, PropertyReference> any() {
         std::vector<std::pair<int, PropertyReference>> extant;
         for (auto const& entry : properties_) {

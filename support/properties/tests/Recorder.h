@@ -1,4 +1,4 @@
-// Tests listen to properties and write down what they hear.
+// Records the notifications of properties for tests.
 #pragma once
 
 #include <string>
@@ -23,7 +23,7 @@ inline double numberOf(Property const& property) {
 
 constexpr char const* stageNames[] = {"start", "perform", "end"};
 
-/// Listens to properties and keeps what it hears: "name:stage", separated by spaces. Reading empties it.
+/// Listens to properties and records "name:stage" for each notification, separated by spaces. `take` empties it.
 class Recorder {
 public:
     void follow(PropertyReference const& property) {
@@ -40,7 +40,7 @@ public:
     }
     std::string take() { return std::exchange(text_, {}); }
 
-    bool values = false;  ///< whether the number at that moment is noted as well
+    bool values = false;  ///< whether to record the number at that moment as well
 
 private:
     std::string text_;

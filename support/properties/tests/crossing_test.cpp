@@ -1,5 +1,4 @@
-// What crosses the borders of a history: values of another manager, changes that are not recorded around ones that are,
-// links while a step is being taken back.
+// Several histories: values of another manager, unrecorded changes among recorded ones, links during an undo.
 #include <functional>
 #include <memory>
 
@@ -15,7 +14,7 @@ using nxTXN::Manager;
 
 TxdProperty& txd(PropertyReference const& property) { return dynamic_cast<TxdProperty&>(*property); }
 
-/// Whether a change of the property is taken back by abort, and by undo of the one step that it is.
+/// Checks that abort undoes a change of the property, and that undo undoes it as one step.
 void expectRecorded(Manager& manager, PropertyReference const& property) {
     double const before = numberOf(*property);
     manager.begin("aborted");
@@ -46,7 +45,7 @@ TEST(Crossing, APropertyOutlivesTheManagerOfTheValueThatItShares) {
             EXPECT_EQ(second->redo(), undoneBefore || i > 0);
             EXPECT_EQ(numberOf(*c), 2);
             EXPECT_TRUE(second->undo());
-            EXPECT_EQ(numberOf(*c), undoneBefore ? 1 : -1);  // a value is kept by its record in its own manager only
+            EXPECT_EQ(numberOf(*c), undoneBefore ? 1 : -1);  // only its own manager's record keeps a value
         }
         EXPECT_FALSE(t->value());
         PropertyReference const late = t->cloneTxd(*second, "late");
@@ -96,7 +95,7 @@ TEST(Crossing, AChangeCostsTheBytesThatThePageTells) {
     }
 }
 
-/// Acts while fields are being put back.
+/// Runs an action while fields are being restored.
 struct Watcher : nxTXN::RefCountedObject {
     using RefCountedObject::RefCountedObject;
     std::function<void()> action;
@@ -117,7 +116,7 @@ TEST(Crossing, ALinkEndsAsSoonAsOneOfItsEndsDoes) {
             u = t->cloneUnTxd("u");
             t->setValue(number(2));
         });
-        watcher->action = [&] {  // once the link is taken back
+        watcher->action = [&] {  // runs once the link is undone
             EXPECT_EQ(numberOf(*t), 1);
             if (relinked) other = u->cloneTxd(manager, "other");
             u->setValue(number(5));

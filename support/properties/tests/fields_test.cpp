@@ -1,4 +1,4 @@
-// The saved forms of all value types: what they occupy, and that they come back.
+// The saved forms of all value types: their sizes, and reading them back.
 #include "support/properties/fields.h"
 
 #include <cstring>
@@ -18,8 +18,8 @@ using ur::test::Wood;
 using urLinear::Normal;
 using urLinear::Point;
 
-/// Each value is saved in so many bytes and pointers, and comes back over one that is in the way. Plain values are
-/// saved as they lie in memory.
+/// Checks that each value is saved in that many bytes and pointers and is read back over another value. Plain values
+/// must be saved as their bytes in memory.
 template <class... Values>
 void expectKept(std::size_t bytes, std::size_t pointers, Values const&... values) {
     auto const expectOne = [=]<class T>(T const& value) {

@@ -1,4 +1,4 @@
-// Random calls on properties and their history beside the model, every notification compared.
+// Compares random calls on properties and their history with the model, including every notification.
 #include <random>
 
 #include "support/properties/tests/PropertyPlay.h"

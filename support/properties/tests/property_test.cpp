@@ -1,4 +1,4 @@
-// What every property does, of either kind, and what listeners may do to it.
+// What holds for properties of both kinds, and what listeners may do to them.
 #include <functional>
 #include <stdexcept>
 
@@ -11,7 +11,7 @@ namespace {
 
 enum class Sides { transacted, untransacted, both };
 
-/// Three members of one joined set, p, q and r in this order, each listened to.
+/// Three members of one joined set, p, q and r in this order, each with a listener.
 struct Trio {
     explicit Trio(Sides kind)
         : p(kind == Sides::untransacted ? Property::createUnTxd("p", number(1))
@@ -46,7 +46,7 @@ TEST(Property, TakesWhatValidatorsLeaveAndSaysWhetherTheyReplacedTheItem) {
     auto const first = q->subscribeValidation([&](auto const&, Item& item) { item = replacement; });
     auto const second = q->subscribeValidation([&](auto const&, Item& item) { seen = item; });
     EXPECT_TRUE(p->setValue(candidate));
-    replacement = number(5);  // equal, but another item
+    replacement = number(5);  // an equal value in another item
     EXPECT_FALSE(p->setValue(candidate));
     EXPECT_TRUE(seen == replacement && q->value() == replacement);
     Recorder heard;
@@ -70,7 +70,7 @@ TEST(Property, CallsPlainFunctionsForGood) {
 TEST(Property, ListenersMayDoAnything) {
     struct Case {
         std::string what;
-        std::function<void(Trio&)> action;  // by q's listener, at the first start of a change through p
+        std::function<void(Trio&)> action;  // run by q's listener at the first start of a change through p
         std::string heard;
     };
     PropertyReference other;

@@ -41,12 +41,12 @@ TEST(SavedValues, ComeBackWithAReportOfWhatDidNotFit) {
     EXPECT_THAT(report.wrongShape, testing::ElementsAre("point"));
     EXPECT_THAT(report.corrected, testing::ElementsAre("strict"));
     EXPECT_EQ(numberOf(*set->find("number")), 1);
-    asDouble(saved->find("new"))->set(8);  // the property has a copy
+    asDouble(saved->find("new"))->set(8);  // does not change the property, which holds a copy
     EXPECT_EQ(numberOf(*set->find("new")), 7);
     EXPECT_FALSE(report.complete());
 }
 
-/// Sets a value, reads it back, and finds values of other shapes to be none.
+/// Sets a value, reads it back, and checks that values of other shapes do not count as set.
 template <class T>
 void expectTyped(T const& value, T const& fallback) {
     auto property = Prop<T>::createUnTxd("p", value);

@@ -1,5 +1,5 @@
-// The two kinds of storage where the history and its model do not reach: links that end, properties that go, listeners
-// that throw, changes that are not recorded.
+// What the model of the history leaves out: links that end, properties that are destroyed, listeners that throw,
+// unrecorded changes.
 #include <memory>
 #include <stdexcept>
 #include <vector>
@@ -25,7 +25,7 @@ struct Storage : testing::Test {
         edit(manager, [&] { property->setValue(number(value)); });
     }
     static TxdProperty& txd(PropertyReference const& property) { return dynamic_cast<TxdProperty&>(*property); }
-    /// Whether a value set through one reaches the other.
+    /// Whether a value set through one can be read from the other.
     static bool share(PropertyReference const& a, PropertyReference const& b) {
         Item const item = number(99);
         a->setValue(item);
@@ -97,7 +97,7 @@ TEST_F(Storage, UndoKeepsMembersThatCameUnrecordedAndDropsThoseThatLeftUnrecorde
     EXPECT_TRUE(share(late, p));
 }
 
-/// What a list of members needs to know of one.
+/// The part of a member that a list of members needs.
 struct Member {
     ur::Reference<MemberEntry<Member>> const entry_ = ur::make<MemberEntry<Member>>(*this);
 };

@@ -1,4 +1,4 @@
-// Recording events.
+// Records events.
 #include "support/services/impl/Recording.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// What a time line has recorded.
+// The events of a time line.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@
 
 namespace nxSupport::impl {
 
-/// The events in the order in which they began, and which of them have not ended.
+/// The events in the order in which they began, and the list of those that have not ended.
 struct Recording {
     using Clock = std::chrono::steady_clock;
     using Index = std::size_t;
@@ -25,21 +25,21 @@ struct Recording {
     enum class Kind : std::uint8_t { context, script, build, performance, drop, span, mark, counter };
 
     struct Event {
-        std::int64_t begin;       ///< in nanoseconds since the time line was made
-        std::int64_t duration;    ///< in nanoseconds; `open` while it has not ended; of a counter the bits of its value
-        std::uint32_t name;       ///< the mode or the activity; otherwise the place in `names`
-        std::uint32_t bytes = 0;  ///< of a span, the place of its result in `names`
+        std::int64_t begin;       ///< in nanoseconds since the time line was created
+        std::int64_t duration;    ///< in nanoseconds; `open` until it has ended; for a counter the bits of its value
+        std::uint32_t name;       ///< the mode or the activity; for other kinds an index in `names`
+        std::uint32_t bytes = 0;  ///< for a span, the index of its result in `names`
         Kind kind;
         urKRCache::Leaving why{};
     };
 
     static constexpr std::int64_t open = -1;
     static constexpr Index notKept = ~Index(0);
-    static constexpr std::size_t longestName = 120;  ///< bytes; what is longer is cut
+    static constexpr std::size_t longestName = 120;  ///< in bytes; longer names are cut
 
     explicit Recording(std::size_t eventLimit) : limit(eventLimit) { openActivities.fill(notKept); }
 
-    /// Does what may fail for want of memory; a failure counts as an event not kept.
+    /// Does work that may run out of memory; a failure counts as a dropped event.
     template <class Work>
     void attempt(Work&& work) noexcept {
         try {
@@ -49,7 +49,7 @@ struct Recording {
         }
     }
     Index begin(Kind kind, std::uint32_t name, Clock::time_point when = Clock::now());
-    /// What is not kept gets no name either.
+    /// An event that is not kept gets no name either.
     template <class Named>
     Index beginNamed(Kind kind, Named const& named) {
         return begin(kind, isFull() ? 0 : nameOf(named));
@@ -64,7 +64,7 @@ struct Recording {
 
     std::size_t const limit;
     Clock::time_point const origin = Clock::now();
-    std::deque<Event> events;  ///< a deque, so that growing does not stop the world that is being measured
+    std::deque<Event> events;  ///< a deque, because a growing vector would disturb the times being measured
     std::size_t dropped = 0;
     ur::vector<urString::CString> names;
     ur::map<urString::CString, std::uint32_t, urString::less> namePlaces;

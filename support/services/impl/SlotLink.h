@@ -1,4 +1,4 @@
-// How cursors know whether their slot is still there.
+// Lets cursors detect whether their slot still exists.
 #pragma once
 
 #include "foundation/ur/ReferenceCount.h"
@@ -9,11 +9,11 @@ class CursorSlot;
 
 namespace impl {
 
-/// Shared by a slot and all cursors that were made for it.
+/// Shared by a slot and all cursors created for it.
 struct SlotLink : ur::ReferenceCount {
     explicit SlotLink(CursorSlot& to) noexcept : slot(&to) {}
 
-    CursorSlot* slot;  ///< null once the slot has gone
+    CursorSlot* slot;  ///< null after the slot was destroyed
 };
 
 }  // namespace impl

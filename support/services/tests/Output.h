@@ -1,4 +1,4 @@
-// A test whose printed lines are caught.
+// A test fixture that captures printed lines.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -11,17 +11,17 @@
 
 namespace nxSupport {
 
-/// Catches the application output, and leaves no debug code on.
+/// Captures the application output, and switches all debug codes off at the end.
 struct OutputTest : testing::Test {
     ~OutputTest() override { switchDebugCodes("-*"); }
 
-    /// Since the last time.
+    /// The output since the last call.
     std::string printed() {
         std::string const all = captured.text();
         return all.substr(std::exchange(taken, all.size()));
     }
 
-    Debug& debug = Debug::getInstance();  // opens the application output when it is made
+    Debug& debug = Debug::getInstance();  // opens the application output on its creation
     urOS::CapturedOutput captured;
     std::size_t taken = 0;
 };

@@ -12,7 +12,7 @@ namespace nxSupport {
 namespace {
 
 struct ClearResourcesTest : OutputTest, Host {
-    /// A shim whose resource is there.
+    /// A shim whose resource is built.
     ur::Reference<urKRCache::Shim> built(int number) {
         auto shim = cache.shim(ur::make<urKRCache::test::Key>(number, 100));
         cache.access(shim);
@@ -60,7 +60,7 @@ TEST_F(ClearResourcesTest, SubscribersUnlockFirst) {
 
 TEST_F(ClearResourcesTest, DoesWithoutWhatTheHostDoesNotOffer) {
     auto const shim = built(1);
-    clearResources();  // no context at all
+    clearResources();  // without any context
     int told = 0;
     auto const subscription = broadcaster.subscribe<PreClearResourcesMsg>({}, [&](PreClearResourcesMsg&) { ++told; });
     provide = [this](CallInfo& callInfo) { callInfo.add(&broadcaster); };

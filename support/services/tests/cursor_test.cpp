@@ -1,4 +1,4 @@
-// Cursors and the slot where they compete.
+// Cursors, and the slot that decides between them.
 #include <stdexcept>
 
 #include "support/services/CursorSlot.h"
@@ -60,7 +60,7 @@ TEST_F(CursorTest, EveryChangeIsToldAndLogged) {
     slot->disable(true);
     slot->disable(false);
     static_cast<void>(winner());
-    slot->remove(&widget, *a);  // no such request
+    slot->remove(&widget, *a);  // does nothing without such a request
     a.reset();
     EXPECT_EQ(takeLog(), "changed updated changed changed changed changed ");
     auto const expected = urString::CString::format(
@@ -80,7 +80,7 @@ TEST_F(CursorTest, ACopyIsNoRequest) {
     copy.reset();
     EXPECT_EQ(takeLog(), "changed ");
     EXPECT_EQ(winner(), "arrow");
-    slot->add(&widget, *a);  // once more, for someone else
+    slot->add(&widget, *a);  // a second request, for another client
     a.reset();
     EXPECT_EQ(winner(), "none") << "no request outlives its cursor";
 }
@@ -89,7 +89,7 @@ TEST_F(CursorTest, CursorsAndCopiesOutliveTheirSlot) {
     auto const a = cursor(tool, "arrow");
     auto const copy = make<Cursor>(*a);
     slot->slotDestroyed.addCallback([&](CursorSlot* dying) {
-        ur::Reference<CursorSlot> const held(dying);  // does not end it again
+        ur::Reference<CursorSlot> const held(dying);  // must not destroy it again
         log += held->cursorWithPrecedence()->name().c_str();
         throw std::runtime_error("handler");
     });

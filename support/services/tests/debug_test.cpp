@@ -1,4 +1,4 @@
-// Debug codes: their tables, their switches, and what printers print.
+// Debug codes: tables, switches, and printing.
 #include "krcache/debugChannel.h"
 #include "support/services/DebugPrint.h"
 #include "support/services/tests/Output.h"
@@ -48,7 +48,7 @@ TEST_F(DebugTest, SwitchingTellsAndTheResourcesCodeSwitchesTheCacheToo) {
     std::string told;
     urRTB::ScopedConnection const telling = debug.codeChanged.addCallback([&](DebugCode changed) {
         told += std::to_string(changed) + (debug.isEnabled(changed) ? "+ " : "- ");
-        // Handlers may switch in their turn, and hear of that as well.
+        // Handlers may switch codes, and are then called again.
         if (changed == Debug_Undo && debug.isEnabled(Debug_Undo)) debug.toggle(Debug_Undo);
     });
     debug.toggle(Debug_Resources);
@@ -59,7 +59,7 @@ TEST_F(DebugTest, SwitchingTellsAndTheResourcesCodeSwitchesTheCacheToo) {
     debug.disable(Debug_Undo);
     EXPECT_EQ(told, "17+ 17- 16+ 16- 16- ");
 
-    static urOS::DebugChannel provided;  // stays in use
+    static urOS::DebugChannel provided;  // static, because the code continues to use it
     provided.enable();
     debug.provideChannel(debugCode(5), provided);
     EXPECT_TRUE(debug.isEnabled(debugCode(5)));
@@ -72,7 +72,7 @@ TEST_F(DebugTest, LinesAreIndentedAndEndOnlyWhenAsked) {
     for (int i = 0; i < 2; ++i) debug.incrementIndent();
     debug.print_(Debug_Tools, "%d%%", 1234);
     DebugPrint("f", Debug_Tools)("%05d", 7);
-    for (int i = 0; i < 3; ++i) debug.decrementIndent();  // once too often does no harm
+    for (int i = 0; i < 3; ++i) debug.decrementIndent();  // one call too many has no effect
     debug.print_(Debug_Tools, "left");
     EXPECT_EQ(printed(), "    1234%    00007\nleft");
     debug.incrementIndent();
@@ -87,7 +87,7 @@ void middle() {
     DebugPrint print("ns::middle", Debug_Tools);
     print("middle");
     inner();
-    std::string const sameName = "ns::middle";  // equal by content
+    std::string const sameName = "ns::middle";  // at another address
     DebugPrint again(sameName.c_str(), Debug_Tools);
     again("middle again");
     inner();
@@ -95,7 +95,7 @@ void middle() {
 
 TEST_F(DebugTest, PrintersOfNestedFunctionsIndentAndThoseOfOneFunctionDoNot) {
     debug.enable(Debug_Tools);
-    DebugPrint early("early", Debug_Undo);  // off when made
+    DebugPrint early("early", Debug_Undo);  // off at construction
     debug.enable(Debug_Undo);
     for (int round = 0; round < 2; ++round) {
         DebugPrint print("ns::outer", Debug_Tools);

@@ -1,4 +1,4 @@
-// Charging time to activities, and printing.
+// Charges time to activities, and prints it.
 #include <chrono>
 #include <thread>
 
@@ -19,7 +19,7 @@ struct PerformanceTest : OutputTest {
     }
     ~PerformanceTest() override { performance = pristine; }
 
-    /// The codes whose watches run.
+    /// The codes whose watches are running.
     std::vector<int> running() {
         std::vector<int> result;
         for (int i = 0; i < numPerformanceCodes; ++i)
@@ -37,7 +37,7 @@ TEST_F(PerformanceTest, AScopeChargesOneActivityAtATime) {
     {
         PerfScope scope;
         EXPECT_EQ(running(), Codes());
-        for (int const value : {2, 2, 17, -1, 19, 2}) {  // what is no activity changes nothing
+        for (int const value : {2, 2, 17, -1, 19, 2}) {  // values that are not activities change nothing
             scope.charge(performanceCode(value));
             EXPECT_EQ(running(), Codes{2});
         }
@@ -75,7 +75,7 @@ TEST_F(PerformanceTest, TimesArePrintedByLabelAndRatesAsReciprocals) {
         wait();
         performance.getWatch(one).stop();
     }
-    performance.getWatch(performanceCode(17)).start();  // nobody's
+    performance.getWatch(performanceCode(17)).start();  // not an activity
     performance.printTimes(urOS::AppOutput::getInstance());
     static_cast<void>(urOS::AppOutput::getInstance().flush());
     nx_printf("%s = %.2f%c", "pi", 3.14159, '\n');

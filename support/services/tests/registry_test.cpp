@@ -1,4 +1,4 @@
-// Values that scripts and the host share, and handles to them.
+// Values shared by scripts and the host, and handles to them.
 #include <gtest/gtest.h>
 
 #include <thread>
@@ -65,7 +65,7 @@ TEST(Registry, SharesValuesThatOutliveTheirKeysAndIsSeenThroughItsCopies) {
     std::thread([value = std::move(last)] { EXPECT_EQ(numberIn(value), 2); }).join();
 }
 
-/// Looks into the registry when it goes.
+/// Reads the registry in its destructor.
 struct Nosy : ur::ReferenceCount {
     Nosy(Registry& seen, bool& found) : registry(seen), hasKey(found) {}
     ~Nosy() override { hasKey = registry.hasKey("key") && !registry.getKey("key"); }

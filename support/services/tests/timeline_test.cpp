@@ -1,4 +1,4 @@
-// Time lines: what is recorded, and the trace that is written.
+// Time lines: recording, and the written trace.
 #include <gmock/gmock.h>
 
 #include "foundation/urOS/MemoryIOStream.h"
@@ -19,7 +19,7 @@ namespace {
 
 using nxPLST::asDictionary;
 
-/// The trace as the library's own reader sees it.
+/// The trace, read by the library's own reader.
 struct Trace {
     explicit Trace(Timeline const& timeline) {
         urOS::MemoryIOStream stream;
@@ -31,7 +31,7 @@ struct Trace {
         for (auto const& one : nxPLST::asArray(root->get("traceEvents"))->array()) events.push_back(asDictionary(one));
         events.erase(events.begin(), events.begin() + 2);  // the names of the two tracks
     }
-    /// Of each event in turn, phase and name.
+    /// The phase and name of each event.
     [[nodiscard]] std::string text() const {
         std::string all;
         for (std::size_t i = 0; i < events.size(); ++i) all += text(i, "ph") + ' ' + text(i, "name") + '\n';
@@ -40,7 +40,7 @@ struct Trace {
     [[nodiscard]] std::string text(std::size_t i, char const* member) const {
         return nxPLST::asString(events[i]->get(member))->value().c_str();
     }
-    /// -1 when there is none.
+    /// Returns -1 if there is none.
     [[nodiscard]] double number(std::size_t i, char const* member) const {
         auto const value = nxPLST::asDouble(events[i]->get(member));
         return value ? value->value() : -1;
@@ -67,7 +67,7 @@ TEST(Timeline, RecordsEveryKindOfEventAndWritesATrace) {
         Context const look(&host, Context::Const);
         cache.manager.clear();
     }
-    frame.charge(Perf_DrawTotal);  // goes on
+    frame.charge(Perf_DrawTotal);  // continues
     Context const unfinished(&host, Context::Bare);
 
     Trace const trace(timeline);
@@ -131,7 +131,7 @@ TEST(Timeline, KeepsTimesToTheNanosecondAndNoneBeforeItsOwnBeginning) {
         {0s, 1500007ns}, {1500007ns, 0s}, {-1h, 1ns}};
     for (auto const& [from, to] : spans) {
         Context const context(&host, Context::Const);
-        timeline.onEnd(context, begin, {});  // begun unseen
+        timeline.onEnd(context, begin, {});  // its begin was not observed
         timeline.onBegin(context, begin + from);
         timeline.onEnd(context, begin + to, {});
     }
@@ -168,7 +168,7 @@ TEST(Timeline, KeepsNoMoreThanItsLimitAndForgetsNothingOnTheWayOut) {
             ScriptCallScope const call(std::to_string(i));
             scope.charge(i % 2 == 0 ? Perf_DrawInit : Perf_Tumble);
         }
-        timeline.onBuildEnd(1);  // of a build that had begun before
+        timeline.onBuildEnd(1);  // its begin was not observed
         timeline.onLeave(ur::TypeInfo::of<int>(), 1, urKRCache::Leaving::limit);
         Trace const trace(timeline);
         EXPECT_EQ(trace.text(), "B outer\nX 0\nX Draw Init\n");

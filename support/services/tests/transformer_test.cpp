@@ -26,7 +26,7 @@ AffineMatrix deltaOf(Transformer const& transformer, bool raw = false) {
     return result;
 }
 
-/// Random values, none of them near zero where that would spoil an inverse.
+/// Random values, not near zero where an inverse would become inaccurate.
 struct Draw {
     explicit Draw(unsigned seed) : engine(seed) {}
 
@@ -91,7 +91,7 @@ TEST_F(TransformerTest, ListenersHearOfEachStepAndEveryGestureStartsAnew) {
     transformer.startTranslate({});
     for (double const x : {1, 3}) transformer.setTranslate({x, 0, 0});
     expect({3, 0, 0}, {2, 0, 0});
-    transformer.startTranslate({});  // without an end of the one before
+    transformer.startTranslate({});  // without finishing the previous one
     expect({}, {});
     transformer.setTranslate({5, 0, 0});
     expect({5, 0, 0}, {5, 0, 0});
@@ -129,7 +129,7 @@ TEST_F(TransformerTest, ScalesKeepTheirCentreAndStayNonUniform) {
     transformer.setScale({2, 2, 2});
     EXPECT_EQ(transformer.getCurrentOp(), Op::nonUniformScale);
     EXPECT_EQ(transformer.getScaleDelta(), Vector(1, 1, 2.0 / 3));
-    // Along the axes of the start matrix, whatever the object's place.
+    // Along the axes of the start matrix, wherever the object is.
     transformer.setScale({1, 1, 3});
     Vector const along = start.axis(2);
     EXPECT_TRUE(equivalent((center + along) * totalOf(transformer), center + 3 * along));
@@ -152,7 +152,7 @@ TEST_F(TransformerTest, FlatteningStaysFinite) {
     EXPECT_EQ(totalOf(transformer), AffineMatrix(2.0) * flat);
 }
 
-/// Random gestures of every kind. The deltas in turn make the total, by the rule for products of each kind.
+/// Random gestures of every kind. The product of the deltas must be the total.
 TEST_F(TransformerTest, DeltasMakeTheTotal) {
     for (unsigned seed = 0; seed < 400; ++seed) {
         SCOPED_TRACE(seed);
@@ -186,7 +186,7 @@ TEST_F(TransformerTest, DeltasMakeTheTotal) {
                 EXPECT_NEAR(angles += delta, angle, 1e-9);
             }
             if (seed % 4 != 3) continue;
-            // Doing the raw transform before the start matrix is doing the other after it.
+            // The raw transform before the start matrix must equal the other one after it.
             EXPECT_TRUE(equivalent(start * totalOf(transformer), totalOf(transformer, true) * start, 1e-6));
             EXPECT_TRUE(equivalent(start * deltaOf(transformer), deltaOf(transformer, true) * start, 1e-6));
         }

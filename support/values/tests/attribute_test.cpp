@@ -1,4 +1,4 @@
-// Ramps and sines over a leaf that the test sets.
+// Ramps and sines of an attribute that the test sets.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -47,7 +47,7 @@ TEST(Length, ComparesWithinATolerance) {
     EXPECT_FALSE(equivalent(metre, Length(1000.4, Millimeters), Length(0.3, Millimeters)));
     EXPECT_TRUE(equivalent(Length(3, Millimeters), Length(5, Millimeters), Length(2, Millimeters)));
     EXPECT_FALSE(equivalent(metre, nan, metre));
-    // Relative to the larger of the two.
+    // Relative to the larger length.
     EXPECT_TRUE(equivalent(Length(0, Meters), Length(0, Feet), 0.0));
     EXPECT_FALSE(equivalent(metre, Length(0, Meters), 1.0));
     EXPECT_TRUE(equivalent(metre, Length(0, Meters), 1.01));
