@@ -1,4 +1,4 @@
-// The place of one callback.
+// Holds one callback.
 #pragma once
 
 #include <functional>
@@ -7,8 +7,8 @@
 
 namespace nxNet {
 
-/// Holds a callable or nothing. A callable that is replaced or dropped while it runs stays whole until it returns, and
-/// nothing of the slot is touched after a call: it may have gone. A copied slot holds a copied callable.
+/// Holds a callable or nothing. A callable that is replaced or dropped while it runs stays valid until it returns.
+/// After the call the slot is not used, because it may be destroyed. A copied slot holds a copied callable.
 template <class... Arguments>
 class CallbackSlot {
 public:
@@ -24,12 +24,12 @@ public:
     }
     ~CallbackSlot() = default;
 
-    /// Holds `function` instead; nothing when it is empty.
+    /// Replaces the callable; an empty `function` removes it.
     void set(Function function) {
         auto next = function ? std::make_shared<Function>(std::move(function)) : nullptr;
         function_.swap(next);
     }
-    /// Does nothing when nothing is held.
+    /// Does nothing if the slot is empty.
     void operator()(Arguments... arguments) const {
         if (auto const running = function_) (*running)(std::forward<Arguments>(arguments)...);
     }

@@ -1,4 +1,4 @@
-// How a connection tells its end.
+// Ends connections.
 #include "net/Connection.h"
 
 #include <utility>
@@ -10,7 +10,7 @@ namespace nxNet {
 Connection::~Connection() = default;
 
 void Connection::cancel() {
-    auto const self = ur::keepAlive(*this);  // the host may drop its reference when it stops
+    auto const self = ur::keepAlive(*this);  // the host may drop its reference in `onCancel`
     onCancel();
     finish(Cancelled);
 }
@@ -30,7 +30,7 @@ void Connection::finish(Status status) {
     status_ = status;
     auto const statusFunc = std::exchange(statusFunc_, {});
     static_cast<void>(std::exchange(dataFunc_, {}));
-    // Either function may have held the last reference, so nothing of the connection is used from here on.
+    // Either function may have held the last reference, so use no members from here on.
     statusFunc();
 }
 

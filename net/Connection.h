@@ -1,4 +1,4 @@
-// One transfer, as those who want it and those who perform it see it.
+// One transfer, for the client that requests it and the host that performs it.
 #pragma once
 
 #include <cstdint>
@@ -10,16 +10,16 @@
 
 namespace nxNet {
 
-/// Carries out one request and tells how it goes. Held by reference; made by a `Manager`.
+/// Carries out one request and reports its progress. Held by reference; created by a `Manager`.
 ///
-/// The host derives from it and performs the transfer: `onStart` begins it, after which the host reports
-/// `setConnected`, `dataArrived` for every block and at last one of `setComplete` and `setFailed`, each of which calls
-/// the client's functions before it returns. The end is told once: with it both functions are released, and what is
-/// reported later changes the status but calls nothing.
+/// The host derives from it and performs the transfer. `onStart` begins it; afterwards the host calls `setConnected`,
+/// then `dataArrived` for every block, and finally `setComplete` or `setFailed`. Each of these calls the client's
+/// functions before it returns. The end is reported once and releases both functions; later calls change the status but
+/// call nothing.
 ///
 /// The functions may do anything: start, cancel, replace or remove themselves, throw into the reporting call, or drop
-/// the last reference. So the host touches the connection after a report only while it holds a reference of its own.
-/// One thread at a time, reports included; nothing is locked.
+/// the last reference. So the host may use the connection after such a call only if it holds a reference of its own.
+/// One thread at a time, for calls of the host too; there are no locks.
 class NX_API Connection : public ur::ReferenceCount {
 public:
     enum Status : std::int32_t {
@@ -33,7 +33,7 @@ public:
     using StatusFunc = CallbackSlot<>::Function;
 
     Connection() noexcept = default;
-    /// The copy has the state and copies of the functions. The host's subclass says what becomes of the transfer.
+    /// Copies the state and the functions. The host's subclass decides what happens to the transfer.
     Connection(Connection const&) = default;
     Connection& operator=(Connection const&) = default;
     ~Connection() override;
@@ -43,34 +43,34 @@ public:
     void setRequest(ur::Reference<Request> request) noexcept { request_.swap(request); }
     [[nodiscard]] ur::Reference<Request> getRequest() const noexcept { return request_; }
 
-    /// Is given each block of data as it arrives. An empty function removes the former one.
+    /// Sets the function that receives each block of data. An empty function removes the current one.
     void setDataFunc(DataFunc function) { dataFunc_.set(std::move(function)); }
-    /// Is called whenever the status has changed; at the end for the last time, when the data function is released
-    /// already. An empty function removes the former one.
+    /// Sets the function called after each change of the status. In the last call, at the end, the data function is
+    /// already released. An empty function removes the current one.
     void setStatusFunc(StatusFunc function) { statusFunc_.set(std::move(function)); }
 
-    /// Has the host begin the transfer.
+    /// Asks the host to begin the transfer.
     void start() { onStart(); }
-    /// Has the host stop the transfer, whatever its state, and ends it as cancelled.
+    /// Asks the host to stop the transfer in any state, and ends it as cancelled.
     void cancel();
 
     [[nodiscard]] Status getStatus() const noexcept { return status_; }
-    /// What `setFailed` was called with last; 0 if it never was.
+    /// The argument of the last `setFailed`; 0 if it was never called.
     [[nodiscard]] int getError() const noexcept { return error_; }
 
     // For the host.
 
-    /// The peer is reached. Does nothing when the status says so already.
+    /// The peer is reached. Does nothing if the status is already `Connected`.
     void setConnected();
-    /// Data that nobody wants is dropped.
+    /// Drops the data if there is no data function.
     void dataArrived(ur::Reference<urThread::Buffer> buffer) { dataFunc_(std::move(buffer)); }
-    /// The host's documentation says what `error` means.
+    /// The host documents the values of `error`.
     void setFailed(int error);
     void setComplete() { finish(Complete); }
 
 protected:
     virtual void onStart() = 0;
-    /// Stops the transfer, if there is one. The connection stays alive until it has been told as cancelled.
+    /// Stops the transfer, if there is one. The connection stays alive until the cancellation has been reported.
     virtual void onCancel() = 0;
 
 private:

@@ -1,4 +1,4 @@
-// The end of managers.
+// Destroys managers.
 #include "net/Manager.h"
 
 namespace nxNet {

@@ -1,4 +1,4 @@
-// Where requests and connections come from.
+// Creates requests and connections.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -7,7 +7,7 @@
 
 namespace nxNet {
 
-/// Makes requests and connections. The host derives from it, owns it and hands it to its scripts and modules.
+/// Creates requests and connections. The host derives from it, owns it and passes it to its scripts and modules.
 class NX_API Manager {
 public:
     virtual ~Manager();
@@ -20,9 +20,9 @@ protected:
     Manager(Manager const&) = default;
     Manager& operator=(Manager const&) = default;
 
-    /// A new request; a plain one will do.
+    /// Creates a request; a plain one is enough.
     virtual ur::Reference<Request> onCreateRequest() = 0;
-    /// A new connection of the host's own class.
+    /// Creates a connection of the host's own class.
     virtual ur::Reference<Connection> onCreateConnection() = 0;
 };
 

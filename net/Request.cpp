@@ -1,4 +1,4 @@
-// Filling in requests.
+// Fills in requests.
 #include "net/Request.h"
 
 #include <utility>
@@ -9,7 +9,7 @@ using urString::CString;
 
 namespace {
 
-/// Of a name and its value: their places in the map.
+/// The bytes of a name and its value in the map.
 constexpr std::size_t bytesOfField = 128;
 
 std::size_t bytesOf(Request::Fields const& fields) {

@@ -1,4 +1,4 @@
-// What scripts see of the network.
+// Registers the network's classes for scripts.
 #pragma once
 
 #include "foundation/nxRFL/Database.h"
@@ -6,8 +6,8 @@
 
 namespace nxNet {
 
-/// Registers buffers, connections, managers and requests, and the table of functions "urThread". Scripts get no
-/// manager by it: the host hands them its own. Doing so again changes nothing. Requires: `database` is not null.
+/// Registers buffers, connections, managers and requests, and the table of functions "urThread". Scripts get no manager
+/// from this; the host passes them its own. A second call changes nothing. Requires: `database` is not null.
 NX_API void initializeReflection(nxRFL::Database* database);
 
 }  // namespace nxNet

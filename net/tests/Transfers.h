@@ -1,4 +1,4 @@
-// A host whose transfers the tests perform themselves.
+// A host whose transfers are performed by the tests.
 #pragma once
 
 #include <functional>

@@ -1,4 +1,4 @@
-// What a connection tells and when, whatever its listeners do meanwhile.
+// The reports of a connection, and what its functions may do meanwhile.
 #include <gtest/gtest.h>
 
 #include <stdexcept>
@@ -14,7 +14,7 @@ using BufferRef = ur::Reference<urThread::Buffer>;
 TEST(Request, KeepsOneValueForEachNameInTheOrderOfNames) {
     Request request;
     for (char const* name : {"m", "b", "b"}) request.addHeader(name, request.getHTTPMethod());
-    // Names and values that are texts of the headers themselves, while these grow and move.
+    // Names and values that are texts in the headers themselves, which grow and move meanwhile.
     for (int i = 0; i < 100; ++i)
         request.addHeader(urString::CString::format("x%03d", i), request.getHeaders().begin()->second);
     request.addHeader(request.getHeaders().find("x099")->second, request.getHeaders().begin()->first);
@@ -116,7 +116,7 @@ TEST_P(ConnectionEnd, MayComeFromTheMiddleOfABlockAndBeThrownOutOf) {
         EXPECT_THROW(end(), std::runtime_error);
         EXPECT_EQ(transfer->getStatus(), GetParam().status);
         transfer.reset();
-        log = text;  // whole, though the connection let go of the function and went
+        log = text;  // still valid, although the connection has released the function and is destroyed
     });
     transfer->arrive("block");
     EXPECT_EQ(log, std::string(100, 'x'));
