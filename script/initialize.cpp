@@ -1,4 +1,4 @@
-// Subscribing the registrars.
+// Subscribes the functions that prepare databases and Lua states.
 #include "script/initialize.h"
 
 #include "foundation/nxLC/State.h"
@@ -13,7 +13,7 @@ namespace nxSupport {
 
 namespace {
 
-// They turn true again when the broadcaster goes.
+// The broadcaster's destructor sets them to true again.
 bool luaFirstTime = true;
 bool reflectionFirstTime = true;
 

@@ -1,4 +1,4 @@
-// The library's start-up.
+// Starts up the library.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -14,15 +14,16 @@ class Database;
 namespace nxSupport {
 
 /// Subscribes `registerLuaFunctions` and `registerReflection` to their messages, once for each broadcaster. Call it in
-/// a context of a domain whose call information holds the broadcaster; without one it does nothing.
+/// a context of a domain whose call information holds the broadcaster; does nothing without one.
 NX_API void initialize();
 
-/// The start-up in one call, in a context likewise: `initialize`, then broadcasts the message on which modules register
-/// their classes in the database. False without a broadcaster.
+/// The whole start-up; call it in such a context, too. Calls `initialize`, then broadcasts the message on which modules
+/// register their classes in the database. False if there is no broadcaster.
 NX_API bool initialize(nxRFL::Database& database);
 
-/// Gives a state of that database the global table `nx` unless it has one, then broadcasts the message on which modules
-/// equip it. False, after a line on the application output, when there is no broadcaster or no memory.
+/// Creates the global table `nx` in a state of that database if it has none, then broadcasts the message on which
+/// modules add their functions. If there is no broadcaster or no memory, prints a line on the application output and
+/// returns false.
 NX_API bool initialize(nxLC::State& state, InitializeLuaMsg::Type type = InitializeLuaMsg::Application);
 
 }  // namespace nxSupport

@@ -1,4 +1,4 @@
-// The functions of the table `nx`, and putting them there.
+// Defines the functions of the table `nx` and adds them to it.
 #include "script/luaFunctions.h"
 
 #include <array>
@@ -30,7 +30,7 @@ int random(lua_State* state) {
     return 1;
 }
 
-/// Does nothing, but scripts may call it.
+/// Does nothing; kept because scripts may call it.
 int encodeJson2(lua_State* /*state*/) { return 0; }
 
 int getObjectTableSize(lua_State* state) {
@@ -67,8 +67,8 @@ int createStack(lua_State* state) {
 struct Entry {
     char const* name;
     lua_CFunction function;
-    char const* parameters;   // names, with commas between them
-    char const* annotations;  // for editors, a line each
+    char const* parameters;   // names, separated by commas
+    char const* annotations;  // for editors, one per line
 };
 
 constexpr std::array<Entry, 8> functions{{
@@ -85,7 +85,7 @@ constexpr std::array<Entry, 8> functions{{
     {"createLCStack", &createStack, "...", "---@param ... any\n---@return nxRFL.Stack\n"},
 }};
 
-/// Raises. False, with nothing done, when there is no table to fill.
+/// Raises. Returns false and does nothing if there is no table `nx`.
 bool fillTable(lua_State* state) {
     lua_getfield(state, LUA_GLOBALSINDEX, "nx");
     if (!lua_istable(state, -1)) return false;

@@ -1,4 +1,4 @@
-// What scripts find in the global table `nx`, and their print.
+// The functions of the global table `nx`, and scripts' print.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -7,12 +7,12 @@
 
 namespace nxSupport {
 
-/// Equips the message's Lua state: puts the application's output behind `print`, and fills the global table `nx`, which
-/// the host has made, with decodeJSON2, encodeJSON2, getObjectTableSize, random, setLCPropertyAssignmentHook and
-/// createLCStack. Without that table it says so on the application output and leaves the state as it was.
+/// Prepares the message's Lua state: makes `print` write to the application output, and fills the global table `nx`,
+/// which the host has created, with decodeJSON2, encodeJSON2, getObjectTableSize, random, setLCPropertyAssignmentHook
+/// and createLCStack. Without that table it reports this on the application output and leaves the state unchanged.
 NX_API void registerLuaFunctions(InitializeLuaMsg& message);
 
-/// Declarations of the table `nx` for editors, to be put after `nxRFL::listing` in the format `luaStubs`.
+/// Declarations of the table `nx` for editors, to be appended to `nxRFL::listing` in the format `luaStubs`.
 [[nodiscard]] NX_API urString::CString luaFunctionStubs();
 
 }  // namespace nxSupport

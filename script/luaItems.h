@@ -1,4 +1,4 @@
-// Property lists as Lua values, and back.
+// Converts property lists to Lua values and back.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -9,14 +9,15 @@ struct lua_State;
 namespace nxSupport {
 
 /// Pushes booleans and numbers as such, texts up to their first NUL, arrays and dictionaries as tables; an element of
-/// no kind as nil. Pushes nothing for a null item, an item of no kind, one that is nested thousands of levels
-/// deep, or without memory. Raises no errors of Lua.
+/// no known type as nil. Pushes nothing for a null item, an item of no known type, an item nested thousands of levels
+/// deep, or if memory runs out. Raises no Lua errors.
 NX_API void pushPListItem(lua_State* state, ur::Reference<nxPLST::Item const> item);
 
-/// The item form of the value at `index`, which is positive; the value stays. A table without entries or with the keys
-/// 1 to n is an array, one with texts as keys a dictionary; texts and keys end at their first NUL. Null for everything
-/// else: nil, functions, userdata, threads, tables with other keys or with a value that has no item form, tables in
-/// themselves or nested thousands of levels deep. Raises no errors of Lua.
+/// Returns the item form of the value at `index`, which must be positive; the value stays on the stack. A table that is
+/// empty or has the keys 1 to n is an array; one with only texts as keys is a dictionary; texts and keys end at their
+/// first NUL. Returns null for everything else: nil, functions, userdata, threads, tables with other keys or with a
+/// value without item form, tables that contain themselves or are nested thousands of levels deep. Raises no Lua
+/// errors.
 [[nodiscard]] NX_API ur::Reference<nxPLST::Item const> popPListItem(lua_State* state, int index);
 
 }  // namespace nxSupport

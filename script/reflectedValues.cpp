@@ -1,4 +1,4 @@
-// Reading and writing planes and ranges.
+// Reads and writes planes and ranges.
 #include "script/reflectedValues.h"
 
 namespace nxRFL {

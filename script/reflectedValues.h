@@ -1,4 +1,4 @@
-// The forms of points, matrices, colours and similar values in scripts.
+// The script forms of points, matrices, colours and similar values.
 #pragma once
 
 #include "foundation/nxRFL/typeName.h"
@@ -13,8 +13,8 @@
 
 namespace nxRFL {
 
-/// How many numbers a value is in scripts: an array of its components in storage order. 0 for types of other forms. One
-/// line here is all that a type of this form needs.
+/// The number of components of a type that scripts see as an array, in storage order; 0 for types of other forms. To
+/// add a type of this form, add one line here.
 template <class T>
 inline constexpr int componentCount = 0;
 template <>
@@ -68,7 +68,7 @@ void read(Reader& reader, T& value) {
     for (int i = 0; i < componentCount<T>; ++i) read(reader, impl::component(value, i));
     reader.endArray();
 }
-/// A normal is set from its direction.
+/// A normal is set through its direction.
 template <class T, int count>
 requires Components<urLinear::BasicNormal<T, count>>
 void read(Reader& reader, urLinear::BasicNormal<T, count>& value) {
@@ -91,8 +91,8 @@ struct TypeName<T> {
     static constexpr char name[] = {'n', 'u', 'm', 'b', 'e', 'r', '[', '0' + componentCount<T>, ']', '\0'};
 };
 
-// Dictionaries: of a plane "point" and "normal", of a range "min" and "max". What is missing stays as it is in a plane,
-// and is 0 or the origin in a range.
+// Dictionaries: a plane has "point" and "normal", a range has "min" and "max". A missing entry stays unchanged in a
+// plane, and becomes 0 or the origin in a range.
 
 NX_API void read(Reader& reader, urLinear::Plane& value);
 NX_API void read(Reader& reader, urLinear::Range1d& value);

@@ -1,4 +1,4 @@
-// What scripts see of the support classes.
+// Registers the support classes for scripts.
 #pragma once
 
 #include "foundation/ur/Export.h"
@@ -6,8 +6,8 @@
 
 namespace nxSupport {
 
-/// Registers the classes of transactions, contexts, domains, data sinks and registries, the table of functions
-/// "nxSupport", and what `nxNet` shows, in the message's database. Doing so again changes nothing.
+/// Registers transactions, contexts, domains, data sinks, registries, the table of functions "nxSupport", and
+/// everything of `nxNet` in the message's database. A second call changes nothing.
 NX_API void registerReflection(InitializeReflectionMsg& message);
 
 }  // namespace nxSupport

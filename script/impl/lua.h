@@ -1,4 +1,4 @@
-// Lua 5.1.
+// Includes Lua 5.1.
 #pragma once
 
 #include <lua.hpp>

@@ -1,4 +1,4 @@
-// Bounding how deep tables nest.
+// Limits the nesting of tables.
 #pragma once
 
 #include "foundation/nxRFL/Exception.h"
@@ -6,8 +6,8 @@
 
 namespace nxSupport::impl {
 
-/// Makes room for a table, a key and a plain value. Throws where tables nest so deeply that either stack might end:
-/// each level takes one or two slots of Lua's and some hundred bytes of the native one. May raise.
+/// Reserves Lua stack for a table, a key and a plain value. Throws if the nesting could exhaust the Lua or the native
+/// stack: each level takes one or two Lua slots and a few hundred bytes of native stack. May raise.
 inline void makeRoom(lua_State* state) {
     constexpr int mostSlots = 4000;
     if (lua_gettop(state) > mostSlots || !lua_checkstack(state, 4))

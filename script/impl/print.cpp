@@ -1,4 +1,4 @@
-// Texts of any values, one after the other.
+// Converts any values to text and prints them.
 #include "script/impl/print.h"
 
 #include <exception>
@@ -13,11 +13,11 @@ using urString::CString;
 
 namespace {
 
-/// Leaves the text of the value at index 1, as Lua's tostring has it, on top. Raises.
+/// Pushes the text of the value at index 1, as Lua's tostring returns it. Raises.
 int pushText(lua_State* state) {
     if (!luaL_callmeta(state, 1, "__tostring") || !lua_isstring(state, -1))
         lua_pushfstring(state, "%s: %p", luaL_typename(state, 1), lua_topointer(state, 1));
-    lua_tolstring(state, -1, nullptr);  // makes the text of a number here, where it may raise
+    lua_tolstring(state, -1, nullptr);  // converts a number to text here, where this may raise
     return 1;
 }
 

@@ -1,4 +1,4 @@
-// A host as small as it gets: what scripts need around them, for the tests.
+// A minimal host for scripts in tests.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -20,7 +20,7 @@
 
 namespace nxSupport {
 
-/// Keeps all that is poured into it.
+/// Keeps all data that it receives.
 class TextSink : public DataSink {
 public:
     std::string text;
@@ -30,7 +30,7 @@ private:
     void onClose() override { text += completed() ? "!" : "?"; }
 };
 
-/// Goes through the start-up in its order, and hands scripts a table `host`.
+/// Runs the start-up and gives scripts a table `host`.
 class ScriptHost {
 public:
     ScriptHost() {
@@ -63,14 +63,14 @@ public:
         if (auto const error = state->run("local name, value = ... host[name] = value", "=give", arguments, results))
             ADD_FAILURE() << error->what();
     }
-    /// The error of the script, or "ok".
+    /// Runs a script and returns its error, or "ok".
     std::string run(std::string const& script) {
         Context const context(&domain, Context::AppOnly);
         auto const error = state->run(script, "=test");
         return error ? std::string(error->message().view()) : "ok";
     }
 
-    /// What the network tells of the connection that was made last.
+    /// Reports an event of the most recently created connection.
     void report(urString::CString const& what, urString::CString const& with) const {
         if (what == "connected") transfers.last->setConnected();
         if (what == "data") transfers.last->arrive(with);

@@ -1,4 +1,4 @@
-// Items to Lua values and back, and the start-up.
+// Converting items to Lua values and back, and the start-up.
 #include "foundation/nxLC/StackChecker.h"
 #include "foundation/urOS/tests/CapturedOutput.h"
 #include "plst/json.h"
@@ -29,7 +29,7 @@ struct LuaItems : testing::Test {
     LuaItems() { luaL_openlibs(L); }
     ~LuaItems() override { lua_close(L); }
 
-    /// What popPListItem makes of a Lua expression, as text.
+    /// The item that popPListItem returns for a Lua expression, as text.
     std::string pop(std::string const& expression) {
         nxLC::StackChecker const checker(L, 0);
         EXPECT_EQ(luaL_dostring(L, ("return " + expression).c_str()), 0) << lua_tostring(L, -1);
@@ -86,7 +86,7 @@ TEST_F(LuaItems, BecomeValuesAndTables) {
     EXPECT_EQ(lua_objlen(L, -1), 1U);
     lua_pop(L, 1);
 
-    // Nothing alone and nil inside for what has no form.
+    // An item without a Lua form: nothing on its own, nil inside a table.
     struct Odd : Item {
         Odd() : Item(nxPLST::DoubleType) {}
         [[nodiscard]] Reference<Item> onClone() const override { return nullptr; }
@@ -144,7 +144,7 @@ TEST(StartUp, HappensOncePerBroadcasterAndNeedsTheTable) {
     EXPECT_EQ(output.text(), "nxSupport::registerLuaFunctions: there is no table nx\n");
     EXPECT_EQ(luaL_dostring(L, "assert(nx == nil and debug.getinfo(print).what == 'C') nx = {}"), 0);
 
-    // Without a binding the functions that need one do what they can.
+    // Without a binding, functions that need one return a default or fail.
     host.broadcaster->broadcast(message);
     EXPECT_EQ(luaL_dostring(L,
                             "assert(nx.getObjectTableSize() == 0 and nx.decodeJSON2('[7]')[1] == 7) "

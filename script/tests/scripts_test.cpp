@@ -1,5 +1,5 @@
-// Runs every script in scripts/ and compares what it prints with the .expected file beside it. There, addresses are
-// left out and the text of a line stands in place of its number.
+// Runs every script in scripts/ and compares its output with the .expected file next to it. In the comparison,
+// addresses are removed and the text of a line replaces its number.
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -22,7 +22,7 @@ std::string contents(fs::path const& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// An address begins with 0x or, on Windows, with zeros.
+/// An address begins with 0x, or with zeros on Windows.
 std::string withoutAddresses(std::string text) {
     for (char const* const begin : {"0x", "00000000"}) {
         for (std::size_t at = text.find(begin); at != std::string::npos; at = text.find(begin, at)) {

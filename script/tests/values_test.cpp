@@ -1,4 +1,4 @@
-// The reflected forms of points, ranges, matrices and colours.
+// The script forms of points, ranges, matrices and colours.
 #include "script/reflectedValues.h"
 
 #include <gtest/gtest.h>

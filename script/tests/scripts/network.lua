@@ -40,7 +40,7 @@ host.report("complete", "")
 host.report("data", "late")
 print("last", connection.status, connection.error)
 
--- Functions that fail, remove themselves and end what they hear of.
+-- Functions that fail, remove themselves and end their own connections.
 local second = host.network:createConnection()
 second:setDataFunc(function() second:setDataFunc(nil) error("cannot take it") end)
 second:setStatusFunc(function()

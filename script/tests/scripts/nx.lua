@@ -24,7 +24,7 @@ request.url = "once"
 request.url = "again"
 print(seen, request.url)
 
--- Stacks that hold each other go one after the other, however many there are.
+-- Stacks that hold each other are freed one after the other, however many there are.
 local chain
 for _ = 1, 200000 do chain = nx.createLCStack(chain, 1) end
 local objects = nx.getObjectTableSize()
