@@ -1,4 +1,4 @@
-// Keys that ask a script to build their text.
+// Cache keys whose text is built by a script.
 #include "tools/nxhost/Cache.h"
 
 #include <limits>
@@ -31,7 +31,7 @@ public:
 protected:
     unsigned onGetSizeInBytes() const override { return static_cast<unsigned>(size_); }
     void onSerialize(urOS::IOStream& stream) override {
-        // A failure is the stream's: the cache sees it too, and drops the text.
+        // The stream keeps a failure; the cache detects it and drops the text.
         static_cast<void>(stream.write(text_.data(), size_));
         text_ = CString();
         charge_.set(0);
@@ -48,10 +48,10 @@ private:
     ur::Charge charge_;
 };
 
-/// What the cache and a script's handle need for one key.
+/// The bytes that the cache and a script's handle use for one key.
 constexpr std::size_t bytesOfKey = 768;
 
-/// Names one text and knows the function that builds it. Keys are equal when their names are.
+/// Identifies one text and holds the function that builds it. Keys with equal names are equal.
 class TextKey final : public urKRCache::KeyData {
 public:
     TextKey(CString name, Reference<Shim> source, Reference<Function> build)
@@ -61,7 +61,7 @@ public:
           charge_(build_->getDB()->account(), name_.size() + bytesOfKey) {}
 
     [[nodiscard]] Reference<Shim> const& source() const noexcept { return source_; }
-    /// The text of the source, when it is known already.
+    /// Sets the source's text if it is already known.
     void setSourceText(std::optional<CString> text) noexcept { sourceText_ = std::move(text); }
 
 protected:
@@ -126,7 +126,7 @@ Reference<urKRCache::Resource> access(Manager& manager, Reference<Shim> const& s
     return built;
 }
 
-/// Hands the text of the source to a key, for the time in which that builds its own.
+/// Passes the source's text to a key while that builds its own text.
 class Handed {
 public:
     Handed(Shim const& shim, std::optional<CString> text) : key_(shim.keyData()) {
@@ -142,7 +142,7 @@ private:
     Reference<urKRCache::KeyData> key_;
 };
 
-/// What the text is derived from and what is not there, nearest first.
+/// The chain of sources that are neither in memory nor in the page file, nearest first.
 ur::vector<Reference<Shim>> missingSources(Shim const& shim) {
     ur::vector<Reference<Shim>> result;
     for (auto key = shim.keyData(); key; key = result.back()->keyData()) {
@@ -155,7 +155,7 @@ ur::vector<Reference<Shim>> missingSources(Shim const& shim) {
 
 }  // namespace
 
-/// Sources of sources may be many: they are built from the farthest on, and each is handed to what is built from it.
+/// A chain of sources may be long, so this builds the farthest first and passes each text to the next.
 CString Resource::text() const {
     bool const isThere = shim_->isResourceAllocated() || shim_->isResourceSerialized();
     auto missing = isThere ? ur::vector<Reference<Shim>>() : missingSources(*shim_);

@@ -1,4 +1,4 @@
-// Texts that scripts derive, kept by the resource cache.
+// Texts derived by scripts and kept in the resource cache.
 #pragma once
 
 #include "foundation/nxRFL/Database.h"
@@ -7,20 +7,20 @@
 
 namespace nxhost {
 
-/// A script's handle to one derived text. It is built when it is asked for and absent, and kept while there is room.
+/// A script's handle to one derived text. The text is built when it is read and absent, and stays while there is room.
 class Resource : public ur::ReferenceCount {
 public:
     Resource(urKRCache::Manager& manager, ur::Reference<urKRCache::Shim> shim)
         : manager_(manager), shim_(std::move(shim)) {}
 
-    /// Raises what the function that builds it raised, and when the key has been removed or the text has no room.
+    /// Raises the error of the function that builds it. Also raises if the key was removed or the text does not fit.
     [[nodiscard]] urString::CString text() const;
     [[nodiscard]] bool inMemory() const noexcept { return shim_->isResourceAllocated(); }
-    /// From now on the text goes to a file when there is no room, and comes back from there.
+    /// From now on the text is paged out to a file when memory is short, and read back from there.
     void keepOnDisk() { manager_.setSerializable(shim_); }
     void lock() { manager_.lockResource(shim_); }
     void unlock() { manager_.unlockResource(shim_); }
-    /// Together with all that is derived from it.
+    /// Removes it together with everything derived from it.
     void remove() { manager_.removeResource(shim_); }
 
     [[nodiscard]] ur::Reference<urKRCache::Shim> const& shim() const noexcept { return shim_; }
@@ -30,9 +30,9 @@ private:
     ur::Reference<urKRCache::Shim> shim_;
 };
 
-/// Registers the classes of the cache and of resources: `cache:resource(name, function)` for what `function()` builds,
-/// `cache:derived(name, source, function)` for what `function(text of the source)` builds from it. Scripts can set the
-/// memory limit to no more than `mostMemory`, in bytes; 0 lets them set any.
+/// Registers the classes of the cache and of resources: `cache:resource(name, function)` for a text that `function()`
+/// returns, `cache:derived(name, source, function)` for a text that `function(text of the source)` returns. Scripts
+/// cannot set the memory limit above `mostMemory` bytes; 0 allows any.
 void exposeCache(nxRFL::Database& database, std::uint64_t mostMemory);
 
 }  // namespace nxhost

@@ -1,4 +1,4 @@
-// Passing on to clients what a transfer tells.
+// Passes the events of a transfer to its connection.
 #include "tools/nxhost/Connection.h"
 
 #include <string>
@@ -12,7 +12,7 @@ using urString::CString;
 
 namespace {
 
-/// What libcurl needs while a transfer runs, with its buffers.
+/// The bytes that libcurl uses during a transfer, including its buffers.
 constexpr std::size_t bytesOfTransfer = std::size_t(64) << 10U;
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Transfers as clients and scripts see them.
+// Connections, as clients and scripts use them.
 #pragma once
 
 #include <optional>
@@ -10,35 +10,35 @@
 
 namespace nxhost {
 
-/// A connection that libcurl carries out, with what the answer said about itself. `TransferError` has its error codes.
+/// A connection carried out by libcurl, with data about the answer. `TransferError` lists its error codes.
 ///
-/// `start` does nothing while its transfer runs; afterwards it begins anew. The host's transfers outlive it.
+/// `start` does nothing while the transfer runs; afterwards it starts again. The host's transfers must outlive it.
 class Connection final : public nxNet::Connection {
 public:
     explicit Connection(Transfers& transfers) : transfers_(transfers), timeLimit_(transfers.options().timeLimit) {}
     Connection(Connection const&) = delete;
     Connection& operator=(Connection const&) = delete;
 
-    /// 0 until the answer has begun.
+    /// 0 until the answer begins.
     [[nodiscard]] int responseStatus() const noexcept { return responseStatus_; }
     [[nodiscard]] Headers const& responseHeaders() const noexcept { return responseHeaders_; }
-    /// Whatever the letters' case. Empty when there is none.
+    /// The name's case does not matter. Empty if there is none.
     [[nodiscard]] urString::CString responseHeader(urString::CString const& name) const;
-    /// Where redirections have led.
+    /// The address after all redirections.
     [[nodiscard]] Progressed const& progress() const noexcept { return progress_; }
-    /// Why it failed; empty when it did not.
+    /// The reason of a failure; empty if it has not failed.
     [[nodiscard]] urString::CString const& errorText() const noexcept { return errorText_; }
 
-    /// Of the next start, in seconds; 0 for none.
+    /// For the next start, in seconds; 0 for none.
     [[nodiscard]] double timeLimit() const noexcept { return timeLimit_; }
     void setTimeLimit(double seconds) noexcept { timeLimit_ = seconds; }
-    /// Is called when `progress` has changed, until the transfer ends.
+    /// Sets the function called when `progress` has changed, until the transfer ends.
     void setProgressFunc(std::function<void()> function) { progressFunc_.set(std::move(function)); }
 
-    /// Charges the connection and what it holds from now on, as long as it lives.
+    /// Charges the connection and its data from now on, as long as it lives.
     void chargeTo(std::shared_ptr<ur::Account> const& account);
 
-    /// For the transfer: something has happened.
+    /// Called by the transfer for each event.
     void deliver(TransferEvent event);
 
 protected:
@@ -63,11 +63,11 @@ private:
     void endSpan(std::string_view result) noexcept;
 
     ur::Charge charge_;
-    ur::Charge transferCharge_;        ///< while a transfer runs
-    std::optional<std::size_t> span_;  ///< of the time line, meanwhile
+    ur::Charge transferCharge_;        ///< charged while a transfer runs
+    std::optional<std::size_t> span_;  ///< on the time line, while a transfer runs
 };
 
-/// The host's maker of connections.
+/// Creates the host's connections.
 class Network final : public nxNet::Manager {
 public:
     explicit Network(Transfers& transfers) noexcept : transfers_(transfers) {}

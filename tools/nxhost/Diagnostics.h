@@ -1,4 +1,4 @@
-// Looking at what the host and its scripts do.
+// Diagnostics of the host and its scripts.
 #pragma once
 
 #include <optional>
@@ -16,8 +16,8 @@
 
 namespace nxhost {
 
-/// Switches debug codes as NX_DEBUG says, records the time line for --trace, and counts for --stats. Owned by the host,
-/// and goes before what it looks at.
+/// Switches debug codes by NX_DEBUG, records the time line for --trace, and counts for --stats. Owned by the host, and
+/// destroyed before the objects that it observes.
 class Diagnostics : private nxSupport::ContextObserver {
 public:
     Diagnostics(Options const& options, nxSupport::Domain& domain, urKRCache::Manager& cache, nxTXN::Manager& history,
@@ -26,9 +26,9 @@ public:
     Diagnostics& operator=(Diagnostics const&) = delete;
     ~Diagnostics() override;
 
-    /// Times of activities, counters of the cache and of the history, one subject a line.
+    /// Times of activities, counters of the cache and of the history, one subject per line.
     [[nodiscard]] urString::CString statistics() const;
-    /// Prints the counts on the standard error and writes the time line to `trace`, as far as the options want that.
+    /// Prints the counts on the standard error and writes the time line to `trace`, as the options request.
     urUtil::Error finish(urOS::IOStream& trace) const;
 
 private:
@@ -43,7 +43,7 @@ private:
     ur::Account const& account_;
     urRTB::ScopedConnection stepConnection_;
     std::size_t stepsDone_ = 0;
-    // Counters as the time line has them.
+    // The values last recorded on the time line.
     std::size_t cacheBytes_ = 0;
     std::size_t historyBytes_ = 0;
     std::size_t scriptBytes_ = 0;

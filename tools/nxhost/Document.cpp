@@ -1,4 +1,4 @@
-// Properties and their history, and what scripts see of them.
+// Properties and their history, and the class that scripts use.
 #include "tools/nxhost/Document.h"
 
 #include "foundation/nxRFL/ExposeClass.h"
@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t longestName = 256;
 constexpr std::size_t bytesOfEntry = 2048;    // a name with its property
 constexpr std::size_t bytesOfCallable = 512;  // a listener or a validator
-constexpr std::size_t bytesOfStep = 256;      // what the history does not count: the names of steps
+constexpr std::size_t bytesOfStep = 256;      // memory that the history does not count, such as the names of steps
 
 void tell(nxRFL::Callback const& listener, CString const& name, ScriptValue const& value) {
     nxRFL::Stack arguments;
@@ -32,7 +32,7 @@ void tell(nxRFL::Callback const& listener, CString const& name, ScriptValue cons
     listener.call(arguments, results);
 }
 
-/// What the validator makes of the value. What it fails with fails the change.
+/// Returns the validator's result for the value. A failure of the validator is raised.
 ScriptValue corrected(Function const& validator, CString const& name, ScriptValue const& value) {
     nxRFL::Stack arguments;
     nxRFL::Stack results;
@@ -132,7 +132,7 @@ void Document::validate(CString const& name, Reference<Function> const& function
         }));
 }
 
-/// That of a name seen for the first time is made outside the history: undo takes values back, not properties.
+/// A new name's property is created outside the history, so that undo restores values and does not remove properties.
 Document::Entry& Document::entry(CString const& name) {
     auto const known = entries_.find(name);
     if (known != entries_.end() && known->second.property) return known->second;
@@ -154,7 +154,7 @@ void Document::chargeTo(std::shared_ptr<ur::Account> const& account) {
 
 void Document::chargeCallable(CString const& name) { entriesCharge_.add(bytesOfCallable + name.size()); }
 
-/// The records are there already.
+/// Charges the history's records. They exist already, so the charge cannot be refused.
 void Document::settleHistory() noexcept {
     auto const steps = static_cast<std::size_t>(history_.undoCount() + history_.redoCount());
     historyCharge_.set(history_.historyBytes() + steps * bytesOfStep);

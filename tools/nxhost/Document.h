@@ -1,4 +1,4 @@
-// What scripts edit.
+// The document that scripts edit.
 #pragma once
 
 #include <map>
@@ -12,10 +12,10 @@
 
 namespace nxhost {
 
-/// Named values with undo and redo: a property for each name, there from its first use on, without a value at first.
+/// Named values with undo and redo. Each name has a property, created on first use and without a value at first.
 ///
-/// Owned by the host, and goes before the history. A change outside a transaction is a step of its own. Errors are
-/// raised toward the script.
+/// Owned by the host, and destroyed before the history. A change outside a transaction is a step of its own. Errors are
+/// raised in the script.
 class Document {
 public:
     Document(nxTXN::Manager& history, nxSupport::Domain& domain) : history_(history), domain_(domain) {}
@@ -23,37 +23,37 @@ public:
     Document& operator=(Document const&) = delete;
 
     [[nodiscard]] ScriptValue get(urString::CString const& name) const;
-    /// Null removes the value. Raises in a context that allows no changes.
+    /// Null removes the value. Raises in a context that does not allow changes.
     void set(urString::CString const& name, ScriptValue const& value);
     /// The names that have a value.
     [[nodiscard]] ur::vector<urString::CString> names() const;
 
-    /// Calls `function`; what it changes is one step, or is taken back when it fails.
+    /// Calls `function`; its changes are one step, or are undone if it fails.
     void edit(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
     bool undo();
     bool redo();
 
-    /// Calls `function` with the name and the value after each change, undo and redo included.
+    /// Calls `function` with the name and the value after each change, including undo and redo.
     void listen(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
-    /// Calls `function` with each value that is to be set; what it returns is set instead. When it fails or returns no
-    /// value, nothing is set and the change raises its error.
+    /// Calls `function` with each value to be set; its result is set instead. If it fails or returns no value, nothing
+    /// is set and the change raises its error.
     void validate(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
 
     [[nodiscard]] nxTXN::Manager& history() const noexcept { return history_; }
 
-    /// Charges the values that are set from now on, for as long as the document or its history has them.
+    /// Charges the values that are set from now on, as long as the document or its history holds them.
     void chargeTo(std::shared_ptr<ur::Account> const& account);
 
 private:
     using Property = nxSupport::Property;
     struct Entry {
         ur::Reference<Property> property;
-        ur::Reference<Property> view;  ///< shares the value and hears of what changes it
+        ur::Reference<Property> view;  ///< shares the value and is notified of its changes
         ur::vector<urRTB::ScopedConnection> connections;
     };
 
     Entry& entry(urString::CString const& name);
-    /// For a listener or a validator of that name.
+    /// Charges a listener or a validator of that name.
     void chargeCallable(urString::CString const& name);
     void settleHistory() noexcept;
 

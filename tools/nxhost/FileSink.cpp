@@ -1,4 +1,4 @@
-// Data into a file.
+// Writes data to a file.
 #include "tools/nxhost/FileSink.h"
 
 #include <fcntl.h>
@@ -26,10 +26,11 @@ FileSink::FileSink(urString::CString const& path, Transfers& transfers) : transf
 
 FileSink::~FileSink() = default;
 
-/// False for a regular file, or none. What it opens is what it looks at, so that nobody can exchange it meanwhile.
+/// Returns false for a regular file or a missing one. Opens the path before it checks it, so that the file cannot be
+/// exchanged in between.
 bool FileSink::openDevice(urString::CString const& path) {
     int const descriptor = ::open(path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    // A program that runs cannot be opened, but replaced.
+    // A running program cannot be opened for writing, but its file can be replaced.
     if (descriptor < 0 && errno != ENOENT && errno != ETXTBSY) throwIfFailed(urUtil::Error::fromSystem(errno, path));
     if (descriptor < 0) return false;
     struct stat facts = {};

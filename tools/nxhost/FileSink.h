@@ -1,4 +1,4 @@
-// A file that scripts pour data into.
+// A file to which scripts write data.
 #pragma once
 
 #include <memory>
@@ -10,15 +10,14 @@
 
 namespace nxhost {
 
-/// Writes a file beside its target, which it takes the place of when the sink is closed as completed. Errors are raised
-/// toward the script.
+/// Writes a new file and replaces the target by it when the sink is closed as completed. Errors are raised in the
+/// script.
 ///
-/// A pipe or another device is written as the data come. Nothing waits for its reader: the main loop writes what it
-/// does not take at once, and the transfer that the data come from pauses until then. A pipe without a reader is
-/// refused.
+/// A pipe or another device is written as data arrive, without waiting for its reader: the main loop writes later what
+/// the device does not take at once, and the transfer pauses until then. A pipe without a reader is refused.
 class FileSink final : public nxSupport::DataSink {
 public:
-    /// The transfers outlive this.
+    /// The transfers must outlive this.
     FileSink(urString::CString const& path, Transfers& transfers);
     ~FileSink() override;
 
@@ -37,7 +36,7 @@ private:
 
     Transfers& transfers_;
     urOS::AtomicFile file_;
-    std::shared_ptr<PipeWriter> device_;  ///< null when the target is a regular file
+    std::shared_ptr<PipeWriter> device_;  ///< null if the target is a regular file
     ur::Charge charge_;
 };
 

@@ -29,8 +29,8 @@ namespace {
 
 urKRCache::Manager* theCache = nullptr;
 
-/// Run once with the places where modules lie, the script's name and its arguments. Leaving in C's way would skip the
-/// shut-down.
+/// Run once with the module search paths, the script's name and its arguments. It replaces `os.exit`, which would skip
+/// the shut-down.
 constexpr char const* prelude = R"lua(
     local places, script = ...
     nx = {}
@@ -40,11 +40,11 @@ constexpr char const* prelude = R"lua(
     if os.exit then os.exit = function(code) exit(code == false and 1 or code ~= true and code or 0) end end
 )lua";
 
-/// Calls a script with its arguments. What it returns nobody wants, so it need not be a value that can cross.
+/// Calls a script with its arguments. Drops its results, so that they need not be convertible.
 constexpr char const* runner = "(...)(select(2, ...))";
 constexpr std::string_view runnerInTrace = "\n\tnxhost:1: in main chunk";
 
-/// A script's function that waits for its turn in the run queue.
+/// A script's function in the run queue.
 class Later final : public urThread::Runnable {
 public:
     explicit Later(std::function<void()> function) : function_(std::move(function)) {}
@@ -65,7 +65,7 @@ ur::Reference<nxPLST::Dictionary> startParameters(std::vector<std::string> const
     return result;
 }
 
-/// Folders become patterns of Lua.
+/// Converts folders to Lua search patterns.
 CString packagePath(std::string_view places) {
     CString result;
     while (!places.empty()) {
@@ -80,8 +80,8 @@ CString packagePath(std::string_view places) {
 }  // namespace
 
 // [start]
-// The order is that of the library's start-up: domain, broadcaster and cache exist; a context makes the call
-// information, into which the domain puts the services; the library subscribes; then the two messages.
+// The order of the library's start-up: domain, broadcaster and cache exist; a context creates the call information, to
+// which the domain adds the services; the library subscribes; then the two messages are sent.
 Host::Host(Options const& options)
     : arguments_(options.arguments),
       loop_(options.network, interrupt_),
@@ -114,7 +114,7 @@ Host::~Host() {
 
 void Host::startUp(Options const& options) {
     Context const context(&domain_, Context::NoTxn);
-    // Like any other module: at a later priority than the library, whose classes are then registered.
+    // Like any other module, at a later priority than the library, whose classes are then already registered.
     auto const subscription = broadcaster_.subscribe<nxSupport::InitializeReflectionMsg>(
         {}, [this](nxSupport::InitializeReflectionMsg& message) { registerClasses(*message.getDB()); });
     nxSupport::initialize(database_);
@@ -222,7 +222,7 @@ bool Host::run(std::string_view source, CString const& name) {
     if (isEnding()) return false;
     nxSupport::PerfScope time;
     time.charge(nxSupport::Perf_TaskExecute);
-    nxSupport::ScriptCallScope const scope(name.view().substr(1));  // without the mark of a chunk's name
+    nxSupport::ScriptCallScope const scope(name.view().substr(1));  // without the first character of a chunk's name
     try {
         nxRFL::Stack arguments;
         nxRFL::Writer writer(arguments);
@@ -247,8 +247,8 @@ void Host::finish() {
 }
 
 void Host::report(nxRFL::Exception const& error) {
-    if (chosenCode_) return;                             // how a script ends that has asked for it
-    if (loop_.interrupt().pending() == SIGPIPE) return;  // whoever reads the output has enough of it
+    if (chosenCode_) return;                             // the script has asked for the end
+    if (loop_.interrupt().pending() == SIGPIPE) return;  // the reader of the output has closed it
     CString trace = error.trace();
     if (trace.endsWith(runnerInTrace)) trace.erase(trace.size() - runnerInTrace.size());
     std::fprintf(stderr, "nxhost: %s%s%s\n", error.message().c_str(), trace.empty() ? "" : "\n", trace.c_str());
@@ -285,7 +285,7 @@ ur::Reference<nxSupport::DataSink> Host::fileSink(CString const& path) {
 
 void Host::exit(int code) {
     chosenCode_ = code & 0xFF;
-    state_->end();  // scripts that catch the error end all the same
+    state_->end();  // ends scripts that catch the error as well
     throw nxRFL::Exception("the script ends");
 }
 

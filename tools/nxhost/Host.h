@@ -25,10 +25,10 @@
 
 namespace nxhost {
 
-/// Owns everything that libSupport needs from its host, and runs scripts in it.
+/// Owns all objects that libSupport needs from its host, and runs scripts.
 ///
-/// Its constructor is the start-up, step by step; what it owns goes in the reverse order. One at a time in a process.
-/// Scripts run inside a context of the domain, which their runner begins.
+/// Its constructor is the start-up, step by step; its members are destroyed in the reverse order. One at a time in a
+/// process. Scripts run inside a context of the domain, which the caller begins.
 class Host {
 public:
     explicit Host(Options const& options);
@@ -40,25 +40,25 @@ public:
     [[nodiscard]] HostDomain& domain() noexcept { return domain_; }
     [[nodiscard]] nxLC::State& state() noexcept { return *state_; }
     [[nodiscard]] Diagnostics const& diagnostics() const noexcept { return diagnostics_; }
-    /// Everything that scripts see, with the values in the table `host`.
+    /// Lists everything that scripts can use, with the values in the table `host`.
     [[nodiscard]] urString::CString listing(nxRFL::ListingFormat format) const;
 
-    /// Runs a script with the arguments of the command line. False when it failed, which has been reported.
+    /// Runs a script with the arguments of the command line. False if it failed, which has been reported.
     bool run(std::string_view source, urString::CString const& name);
-    /// Turns the main loop until nothing is to come, or the end is asked for.
+    /// Runs the main loop until no work is left or the end is requested.
     void finish();
 
-    /// A script's error on the standard error: message, place and trace.
+    /// Prints a script's error on the standard error: message, place and trace.
     void report(nxRFL::Exception const& error);
-    /// The script or a signal has asked for the end.
+    /// Whether the script or a signal has requested the end.
     [[nodiscard]] bool isEnding() noexcept { return chosenCode_ || loop_.interrupt().pending() != 0; }
-    /// Failures so far do not matter for the exit code: somebody has seen them.
+    /// Ignores the failures so far for the exit code, because the user has seen them.
     void forgive() noexcept { failed_ = false; }
     [[nodiscard]] bool hasChosenExit() const noexcept { return chosenCode_.has_value(); }
     [[nodiscard]] int exitCode() noexcept;
 
 private:
-    /// What the table `host` holds beside its functions.
+    /// A value in the table `host`, which also holds functions.
     struct Value {
         char const* name;
         urString::CString type;
@@ -72,12 +72,12 @@ private:
     void give(char const* name, T* object);
     void call(char const* chunk, nxRFL::Stack const& arguments);
 
-    // For scripts.
+    // Called by scripts.
     bool turn();
     void later(std::function<void()> function);
     ur::Reference<nxSupport::DataSink> fileSink(urString::CString const& path);
     void exit(int code);
-    /// The part of the listing that is about the class or the table; empty when there is none of that name.
+    /// The listing of that class or table; empty if there is none of that name.
     [[nodiscard]] urString::CString describe(urString::CString const& name) const;
     void onCallbackError(nxRFL::Exception const& error);
 

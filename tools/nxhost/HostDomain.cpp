@@ -1,4 +1,4 @@
-// Contexts as transactions.
+// Transactions of contexts.
 #include "tools/nxhost/HostDomain.h"
 
 #include <utility>
@@ -10,7 +10,7 @@ using nxSupport::Context;
 // [transactions]
 namespace {
 
-/// Undecided contexts leave it to those inside them.
+/// Undecided contexts have none; the contexts inside them have their own.
 bool isTransaction(Context const& context) { return context.transactionType() != nxSupport::TxnUndecided; }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The domain in which everything runs.
+// The domain in which scripts run.
 #pragma once
 
 #include "foundation/nxTXN/Manager.h"
@@ -6,15 +6,15 @@
 
 namespace nxhost {
 
-/// Makes the changes to the document in a context one step of the
-/// history, as its mode demands. The three kinds of interaction contexts that follow each other make one step.
+/// Combines the changes to the document in a context into one step of the history, as the context's mode requires. The
+/// three interaction contexts of one gesture together make one step.
 ///
-/// Owned by the host, like what it is given.
+/// Owned by the host, as are its arguments.
 class HostDomain final : public nxSupport::ServiceDomain {
 public:
     HostDomain(urThread::RunQueue& queue, nxTXN::Manager& history) : ServiceDomain(queue), history_(history) {}
 
-    /// A script's error came up: the innermost context that changes the document is to take its changes back.
+    /// A script has failed: the innermost context that changes the document must undo its changes.
     void noteFailure() noexcept { failed_ = true; }
 
 protected:

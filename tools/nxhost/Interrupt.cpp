@@ -1,4 +1,4 @@
-// The handler of the signals, and what it leaves behind for the main loop.
+// The signal handler, and the state that the main loop reads.
 #include "tools/nxhost/Interrupt.h"
 
 #include <fcntl.h>
@@ -15,17 +15,17 @@
 namespace nxhost {
 namespace {
 
-// What a handler may touch.
+// The state that the signal handler may access.
 std::atomic<nxLC::State*> watched = nullptr;
 std::atomic<int> caught = 0;
-std::atomic<std::int64_t> caughtAt = 0;  // milliseconds
+std::atomic<std::int64_t> caughtAt = 0;  // in milliseconds
 std::atomic<char const*> doomedFile = nullptr;
 std::atomic<char const*> doomedFolder = nullptr;
-int pipeEnds[2] = {-1, -1};  // a byte in it wakes whoever polls
+int pipeEnds[2] = {-1, -1};  // a byte in the pipe wakes threads that poll
 static_assert(std::atomic<nxLC::State*>::is_always_lock_free && std::atomic<int>::is_always_lock_free &&
               std::atomic<std::int64_t>::is_always_lock_free);
 
-constexpr std::int64_t patience = 1000;  // milliseconds in which further signals are the same request
+constexpr std::int64_t patience = 1000;  // in milliseconds: further signals within this time are the same request
 
 std::int64_t milliseconds() noexcept {
     timespec now = {};
@@ -44,13 +44,13 @@ extern "C" void onSignal(int number) {
     int const before = errno;
     std::int64_t const now = milliseconds();
     if (caught == 0) {
-        caughtAt = now;  // before `caught`: another thread that sees the one compares with the other
+        caughtAt = now;  // set before `caught`: a thread that sees `caught` compares with this
     } else if (number != SIGPIPE && now - caughtAt >= patience) {
         dieOf(number);
     }
     caught = number;
     if (nxLC::State* const state = watched) state->interrupt();
-    if (write(pipeEnds[1], "!", 1) < 0) errno = 0;  // full: it is readable anyway
+    if (write(pipeEnds[1], "!", 1) < 0) errno = 0;  // the pipe is full and thus already readable
     errno = before;
 }
 
@@ -85,8 +85,9 @@ void Interrupt::removeWhenKilled(char const* file, char const* folder) noexcept 
 int Interrupt::pending() const noexcept { return caught; }
 
 void Interrupt::clear() noexcept {
-    if (caught != 0) std::clearerr(stdout);  // a write that it interrupted is repeated by the next one
-    caught = 0;                              // first: a signal that comes between the two is seen by who asks for it
+    if (caught != 0) std::clearerr(stdout);  // the next write repeats an interrupted one
+    caught = 0;                              // before the reads: a signal in between is seen by the next call of
+                                             // `pending`
     char bytes[16];
     while (read(pipeEnds[0], bytes, sizeof bytes) > 0) continue;
 }

@@ -1,4 +1,4 @@
-// Ctrl-C, the requests to terminate, and a pipe that nobody reads any more.
+// Handles Ctrl-C, termination requests and closed pipes.
 #pragma once
 
 #include <csignal>
@@ -10,12 +10,12 @@ class State;
 
 namespace nxhost {
 
-/// Catches the signals INT, TERM, HUP and PIPE for as long as it lives; there is one at a time.
+/// Catches the signals INT, TERM, HUP and PIPE during its lifetime. One object at a time.
 ///
-/// The first one ends the script that runs and wakes the main loop, which then sees `pending`. One that comes a second
-/// or more after that and before the first was dealt with ends the process in the system's way, without the shut-down;
-/// earlier ones are taken for the same request, since many senders signal a process and then its group. PIPE is no such
-/// second one: it comes with every write.
+/// The first signal ends the running script and wakes the main loop, which then checks `pending`. A further signal, one
+/// second or more later and before `clear`, ends the process as the system does by default, without the shut-down.
+/// Earlier further signals count as the same request, because many senders signal a process and then its group. PIPE
+/// never counts as a further signal, because every write repeats it.
 class Interrupt {
 public:
     Interrupt();
@@ -23,18 +23,18 @@ public:
     Interrupt& operator=(Interrupt const&) = delete;
     ~Interrupt();
 
-    /// Whose scripts to end; null for nobody's. The state outlives this or is taken away before.
+    /// Sets the state whose scripts are ended; null for none. The state must outlive this or be unset before.
     void watch(nxLC::State* state) noexcept;
-    /// The signal that has come, or 0.
+    /// The caught signal, or 0.
     [[nodiscard]] int pending() const noexcept;
-    /// That signal is one that a prompt does not survive.
+    /// Whether the pending signal also ends a prompt.
     [[nodiscard]] bool isFinal() const noexcept { return pending() != 0 && pending() != SIGINT; }
-    /// It has been dealt with.
+    /// Forgets the signal after it has been handled.
     void clear() noexcept;
-    /// Is removed by a signal that ends the process in the system's way; null for nothing. The texts outlive this or
-    /// are taken away before.
+    /// Sets the file and folder to remove when a signal ends the process without shut-down; null for none. The texts
+    /// must outlive this or be unset before.
     void removeWhenKilled(char const* file, char const* folder) noexcept;
-    /// Readable while a signal is pending.
+    /// Becomes readable while a signal is pending.
     [[nodiscard]] int descriptor() const noexcept;
 
 private:

@@ -1,4 +1,4 @@
-// Noticing that values have been dropped.
+// Detects values that have been dropped.
 #include "tools/nxhost/KeptValues.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// The values that scripts have put into the document.
+// The values that scripts have stored in the document.
 #pragma once
 
 #include <memory>
@@ -9,13 +9,13 @@
 
 namespace nxhost {
 
-/// Charges values for as long as somebody else holds them: a property, or the history with the former ones.
+/// Charges values as long as other references exist: in a property, or in the history for former values.
 class KeptValues {
 public:
     void chargeTo(std::shared_ptr<ur::Account> const& account) {
         if (!charge_) charge_ = ur::Charge(account, 0);
     }
-    /// Charges a value that is to be kept; null is none. Throws `ur::BudgetSpent`.
+    /// Charges a value before it is stored; null is ignored. Throws `ur::BudgetSpent`.
     void add(ur::Reference<nxPLST::Item const> const& value);
 
 private:
@@ -27,7 +27,7 @@ private:
     void forgetDropped() noexcept;
 
     ur::vector<Kept> values_;
-    std::size_t lookAt_ = 64;  ///< values, at which it pays to look for dropped ones
+    std::size_t lookAt_ = 64;  ///< the number of values at which to look for dropped ones
     ur::Charge charge_;
 };
 

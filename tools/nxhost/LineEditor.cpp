@@ -1,4 +1,4 @@
-// libedit, its keys from the main loop and its completions from the script state.
+// Connects libedit to the main loop, and completes names from the script state.
 #include "tools/nxhost/LineEditor.h"
 
 #include <unistd.h>
@@ -27,7 +27,7 @@ std::string defaultHistoryFile() {
     return home ? std::string(home) + "/.nxhost_history" : std::string();
 }
 
-/// No name for what a history could be read from without end.
+/// Returns no name for a special file that could be read without end.
 std::string onlyFile(std::string const& name) {
     std::error_code error;
     auto const type = std::filesystem::status(name, error).type();
@@ -41,7 +41,7 @@ std::string_view commonStart(std::string_view a, std::string_view b) {
 
 }  // namespace
 
-/// What libedit calls.
+/// The functions that libedit calls.
 struct LineEditor::Callbacks {
     static LineEditor& self(EditLine* editor) {
         void* data = nullptr;
@@ -73,7 +73,7 @@ LineEditor::LineEditor(Loop& loop, nxLC::State& state)
       state_(state),
       historyFile_(onlyFile(defaultHistoryFile())),
       editor_(el_init("nxhost", stdin, stdout, stderr)) {
-    // Keys are characters of UTF-8, whatever else the user has chosen.
+    // Characters are UTF-8, whatever else the user's locale sets.
     if (!std::setlocale(LC_CTYPE, "") || MB_CUR_MAX == 1) std::setlocale(LC_CTYPE, "C.UTF-8");
     EditLine* const editor = editor_.get();
     el_set(editor, EL_CLIENTDATA, this);
@@ -98,7 +98,7 @@ LineEditor::~LineEditor() {
 LineEditor::Result LineEditor::read(char const* prompt, std::string& line) {
     prompt_ = prompt;
     interrupted_ = false;
-    el_set(editor_.get(), EL_PREP_TERM, 1);  // before the prompt invites keys
+    el_set(editor_.get(), EL_PREP_TERM, 1);  // before the prompt appears and the user types
     int length = 0;
     char const* const text = el_gets(editor_.get(), &length);
     if (interrupted_) {
@@ -120,7 +120,8 @@ LineEditor::Result LineEditor::read(char const* prompt, std::string& line) {
     return Result::line;
 }
 
-/// As libedit's own: 1 for a key, 0 at the end of the input. Bytes are gathered until they make a character.
+/// Returns 1 for a key and 0 at the end of the input, as libedit's own function does. Collects the bytes of a
+/// character.
 int LineEditor::readKey(wchar_t& key) {
     std::mbstate_t state{};
     for (;;) {
@@ -129,7 +130,7 @@ int LineEditor::readKey(wchar_t& key) {
         if (::read(STDIN_FILENO, &byte, 1) != 1) return 0;
         switch (std::mbrtowc(&key, &byte, 1, &state)) {
             case static_cast<std::size_t>(-2): break;
-            case static_cast<std::size_t>(-1): state = {}; break;  // no character: ignored
+            case static_cast<std::size_t>(-1): state = {}; break;  // not a character: ignored
             default: return 1;
         }
     }
@@ -137,7 +138,7 @@ int LineEditor::readKey(wchar_t& key) {
 
 namespace {
 
-/// Where the text begins that has no end in the line; `npos` when there is none.
+/// The start of a text literal that the line does not end; `npos` if there is none.
 std::size_t startOfText(std::string_view line) {
     std::size_t start = line.npos;
     for (std::size_t at = 0; at < line.size(); ++at) {
@@ -152,7 +153,7 @@ std::size_t startOfText(std::string_view line) {
     return start;
 }
 
-/// The files that the unfinished text in the line may be the path of; folders end in a slash.
+/// The files whose path may continue the unfinished text in the line; folders end in a slash.
 nxLC::Completion filesFor(std::string_view line) {
     std::size_t const start = startOfText(line);
     std::string_view const path = line.substr(start);

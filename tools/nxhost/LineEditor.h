@@ -1,4 +1,4 @@
-// Lines typed at a terminal.
+// Reads lines typed at a terminal.
 #pragma once
 
 #include <histedit.h>
@@ -14,17 +14,17 @@ namespace nxhost {
 
 class Loop;
 
-/// Edits lines with libedit: history, kept in a file between runs, and completion of what scripts see. The main loop
-/// goes on while it waits for keys.
+/// Edits lines with libedit, with a history that is kept in a file between runs, and completion of names that scripts
+/// can use. The main loop continues while it waits for keys.
 ///
-/// The file is the one that NXHOST_HISTORY names, none if that is empty, by default ~/.nxhost_history.
+/// NXHOST_HISTORY names the file; if it is empty there is none. The default is ~/.nxhost_history.
 class LineEditor {
 public:
     enum class Result {
         line,
-        dropped,      ///< Ctrl-C on a line with something in it
-        interrupted,  ///< Ctrl-C on an empty line, or the request to terminate; still pending
-        end,          ///< of the input
+        dropped,      ///< Ctrl-C on a line with text
+        interrupted,  ///< Ctrl-C on an empty line, or a termination request; the signal is still pending
+        end,          ///< the end of the input
     };
 
     LineEditor(Loop& loop, nxLC::State& state);
@@ -32,7 +32,7 @@ public:
     LineEditor& operator=(LineEditor const&) = delete;
     ~LineEditor();
 
-    /// The line without its end.
+    /// Reads one line and removes its line end.
     Result read(char const* prompt, std::string& line);
 
 private:

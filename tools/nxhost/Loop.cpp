@@ -1,4 +1,4 @@
-// Working and sleeping.
+// Works and sleeps.
 #include "tools/nxhost/Loop.h"
 
 #include <poll.h>
@@ -25,7 +25,7 @@ bool Loop::turnOrInput(int descriptor) {
     return poll(&input, 1, 0) != 0;
 }
 
-/// False when there was nothing to do.
+/// Returns false if there was nothing to do.
 bool Loop::work() {
     if (interrupt_.pending() != 0) throw Ended();
     bool const ran = queue_.service() > 0;

@@ -7,13 +7,13 @@
 
 namespace nxhost {
 
-/// A signal or the script has asked for the program's end.
+/// Thrown when a signal or the script has requested the program's end.
 struct Ended {};
 
-/// Runs what other threads hand over, moves the transfers on, and sleeps while neither has anything to do.
+/// Runs functions from other threads, advances the transfers, and sleeps while there is nothing to do.
 class Loop {
 public:
-    /// The interrupt outlives the loop.
+    /// The interrupt must outlive the loop.
     Loop(NetworkOptions const& options, Interrupt& interrupt) : interrupt_(interrupt), transfers_(options) {}
     Loop(Loop const&) = delete;
     Loop& operator=(Loop const&) = delete;
@@ -22,13 +22,13 @@ public:
     [[nodiscard]] Transfers& transfers() noexcept { return transfers_; }
     [[nodiscard]] Interrupt& interrupt() noexcept { return interrupt_; }
 
-    /// Something is still to come.
+    /// Whether transfers run or functions wait.
     [[nodiscard]] bool busy() const noexcept { return !transfers_.empty() || queue_.size() > 0; }
-    /// Does what is to be done, or else sleeps until there is something. False when nothing is to come. Throws `Ended`
-    /// when a signal is pending.
+    /// Does pending work, or sleeps until there is some. Returns false if nothing is left to wait for. Throws `Ended`
+    /// if a signal is pending.
     bool turn();
-    /// Does what is to be done, or else sleeps until there is something or input for `descriptor`. True when input can
-    /// be read. Throws likewise.
+    /// Does pending work, or sleeps until there is some or `descriptor` has input. Returns true if input can be read.
+    /// Throws `Ended` if a signal is pending.
     bool turnOrInput(int descriptor);
 
 private:

@@ -1,4 +1,4 @@
-// Reading the command line and the environment.
+// Reads the command line and the environment.
 #include "tools/nxhost/Options.h"
 
 #include <unistd.h>
@@ -16,12 +16,12 @@ namespace {
 
 struct Option {
     std::string_view name;
-    std::string_view argument;  ///< empty when it takes none
+    std::string_view argument;  ///< empty if it takes none
     std::string_view meaning;
     void (*set)(Options& options, std::string_view value);
 };
 
-/// Nothing for a text that is no number, or a negative one.
+/// Returns nothing if the text is not a number or the number is negative.
 template <class Number>
 std::optional<Number> parsed(std::string_view text) {
     Number value{};
@@ -44,7 +44,7 @@ double secondsIn(std::string_view text, std::string_view what) {
     refuse(text, what, "a number of seconds, 0 for no limit");
 }
 
-/// Bytes: a number, or one with K, M or G behind it.
+/// A number of bytes, which K, M or G may follow.
 std::uint64_t sizeIn(std::string_view text, std::string_view what) {
     constexpr std::string_view units = "KMG";
     std::size_t const unit = text.empty() ? units.npos : units.find(text.back());
@@ -136,7 +136,7 @@ void printHelp() {
     for (auto const& exit : exitCodes) putLine(std::string(exit.code), exit.meaning);
 }
 
-/// For bash: the names of the options, and files for what else is typed.
+/// For bash: completes the names of options, and files for everything else.
 void printCompletion() {
     std::printf(
         "_nxhost() {\n    COMPREPLY=()\n    [[ ${COMP_WORDS[COMP_CWORD]} == -* ]] || return\n"
@@ -145,13 +145,13 @@ void printCompletion() {
     std::printf("' -- \"${COMP_WORDS[COMP_CWORD]}\"))\n}\ncomplete -o default -F _nxhost nxhost\n");
 }
 
-/// libcurl takes a list, and "all".
+/// libcurl accepts a list, and "all".
 bool allowsFiles(std::string const& schemes) {
     urString::CString const list = (urString::CString(",").append(schemes) += ',').toLowerCase();
     return list.find(",file,") != list.npos || list.find(",all,") != list.npos;
 }
 
-/// Answers what asks about the program itself.
+/// Answers options about the program itself. False for any other word.
 bool answered(std::string_view word) {
     if (word == "--help" || word == "-h") {
         printHelp();
@@ -178,7 +178,7 @@ void readEnvironment(Options& result) {
         result.undoMemory = sizeIn(text, "NX_UNDO_MEMORY_LIMIT");
 }
 
-/// The option in `words[i]`, with its value, which may be the next word. Leaves `i` at the last word used.
+/// Reads the option in `words[i]` with its value, which may be the next word. Sets `i` to the last word used.
 void readOption(Options& result, int argc, char const* const* words, int& i) {
     std::string_view const word = words[i];
     bool const hasValue = word.starts_with("--") && word.find('=') != word.npos;
@@ -213,7 +213,7 @@ std::optional<Options> readOptions(int argc, char const* const* argv) {
     }
     if (result.network.sandboxed && std::ranges::any_of(result.network.schemes, &allowsFiles))
         throw UsageError{"--allow file is not for the sandbox"};
-    // Otherwise the cache would keep what scripts could use.
+    // Otherwise the cache could use up the memory of scripts.
     if (result.limits.totalMemory != 0 && result.cacheLimit == Options().cacheLimit)
         result.cacheLimit = std::min<std::uint64_t>(result.cacheLimit, result.limits.totalMemory / 4);
     if (i < argc && result.code.empty()) result.script = argv[i++];

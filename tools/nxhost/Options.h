@@ -1,4 +1,4 @@
-// The command line and the environment, read.
+// The options of the command line and the environment.
 #pragma once
 
 #include <csignal>
@@ -13,7 +13,7 @@
 
 namespace nxhost {
 
-/// What the program ends with. Scripts may choose any other by `os.exit`; a signal gives 128 and its number.
+/// The program's exit codes. Scripts may choose any other with `os.exit`; a signal gives 128 plus its number.
 struct ExitCode {
     static constexpr int done = 0;
     static constexpr int scriptFailed = 1;
@@ -21,15 +21,15 @@ struct ExitCode {
     static constexpr int brokenPipe = 128 + SIGPIPE;
 };
 
-/// How transfers may run.
+/// Limits and permissions of transfers.
 struct NetworkOptions {
     std::vector<std::string> schemes{"http", "https"};
-    std::string authorities;               ///< a file of certificates to trust; empty: those of the system
-    double timeLimit = 3600;               ///< of a transfer, in seconds; 0 for none
+    std::string authorities;               ///< a file of trusted certificates; empty for those of the system
+    double timeLimit = 3600;               ///< for each transfer, in seconds; 0 for none
     double stallLimit = 60;                ///< seconds in which some byte must move, and a host answer; 0 for none
-    std::uint64_t bodyLimit = 1ULL << 30;  ///< of an answer's body, in bytes; 0 for none
+    std::uint64_t bodyLimit = 1ULL << 30;  ///< for an answer's body, in bytes; 0 for none
     bool sandboxed = false;                ///< no files, no proxies; scripts cannot raise the time limit
-    bool reachesPrivate = false;           ///< also in the sandbox
+    bool reachesPrivate = false;           ///< private addresses, even in the sandbox
 };
 
 struct Options {
@@ -41,7 +41,7 @@ struct Options {
 
     nxLC::Library library = nxLC::Library::everything;
     nxLC::Limits limits;
-    std::uint64_t cacheLimit = 256 << 20;  ///< bytes; 0 for none
+    std::uint64_t cacheLimit = 256 << 20;  ///< in bytes; 0 for none
     NetworkOptions network;
     std::string traceFile;  ///< empty for none
     bool statistics = false;
@@ -52,12 +52,12 @@ struct Options {
     std::size_t undoMemory = 0;  ///< NX_UNDO_MEMORY_LIMIT, bytes; 0 for none
 };
 
-/// Wrong usage; the text says what is wrong.
+/// Wrong usage. The text describes the mistake.
 struct UsageError {
     std::string message;
 };
 
-/// Nothing when --help, --version or --completion was given and has been answered. Throws `UsageError`.
+/// Returns nothing after --help, --version or --completion has been answered. Throws `UsageError`.
 std::optional<Options> readOptions(int argc, char const* const* argv);
 
 }  // namespace nxhost

@@ -1,4 +1,4 @@
-// Writing without waiting.
+// Writes without waiting.
 #include "tools/nxhost/PipeWriter.h"
 
 #include <unistd.h>
@@ -18,7 +18,7 @@ using urString::CString;
 
 constexpr std::size_t mostWaitingBytes = std::size_t(16) << 20U;
 
-/// As write, but a pipe that nobody reads any more is an error only, and no signal.
+/// Like `write`, but a pipe without a reader gives only an error and no signal.
 ssize_t writeQuietly(int descriptor, char const* bytes, std::size_t size) noexcept {
     sigset_t pipeSignal;
     sigset_t before;

@@ -1,4 +1,4 @@
-// A pipe or another device that data go to.
+// Writes data to a pipe or another device.
 #pragma once
 
 #include <chrono>
@@ -11,36 +11,36 @@
 
 namespace nxhost {
 
-/// An open device, and the data that it has not taken yet. Nothing here waits for its reader.
+/// An open device, and the data that it has not taken yet. Never waits for the device's reader.
 ///
-/// Its sink owns it together with `Transfers`, which write what is left. So data arrive even if the sink has gone. An
-/// error drops what waits, closes the device and stays.
+/// A sink owns it together with `Transfers`, which write the remaining data, so data arrive even after the sink was
+/// destroyed. An error drops the waiting data, closes the device and is kept.
 class PipeWriter {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /// Takes over the descriptor, which does not block. Gives up a reader that takes nothing for `stallLimit` seconds;
-    /// 0 for no limit.
+    /// Takes ownership of the descriptor, which must be non-blocking. Gives up a reader that takes nothing for
+    /// `stallLimit` seconds; 0 for no limit.
     PipeWriter(int descriptor, double stallLimit) noexcept : descriptor_(descriptor), stallLimit_(stallLimit) {}
     PipeWriter(PipeWriter const&) = delete;
     PipeWriter& operator=(PipeWriter const&) = delete;
     ~PipeWriter() { close(); }
 
-    /// Writes what the device takes at once, and keeps the rest. Throws an `nxRFL::Exception` after an error, or when
-    /// too much waits already.
+    /// Writes the bytes that the device takes at once, and keeps the rest. Throws an `nxRFL::Exception` after an error,
+    /// or if too much data waits already.
     void write(ur::Reference<urThread::Buffer> const& data);
-    /// Closes the device as soon as nothing waits. Throws likewise.
+    /// Closes the device as soon as no data waits. Throws as `write` does.
     void finish();
-    /// Drops what waits. `reason` is the error from now on.
+    /// Drops the waiting data. `reason` is the error from now on.
     void abandon(char const* reason);
 
-    /// Writes what the device takes now, and gives up a reader that has taken nothing for too long. False if that
-    /// ended in an error, `errorText`.
+    /// Writes the bytes that the device takes now. Gives up if the reader has taken nothing for too long. Returns false
+    /// if this caused an error; `errorText` describes it.
     bool advance();
     [[nodiscard]] bool waits() const noexcept { return !waiting_.empty(); }
-    /// When `advance` gives up.
+    /// The time at which `advance` gives up.
     [[nodiscard]] Clock::time_point deadline() const noexcept;
-    /// Negative once it is closed.
+    /// Negative after closing.
     [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
     [[nodiscard]] urString::CString const& errorText() const noexcept { return error_; }
 
@@ -52,8 +52,8 @@ private:
     int descriptor_;
     double stallLimit_;
     std::deque<ur::Reference<urThread::Buffer>> waiting_;
-    std::size_t written_ = 0;  ///< of the first one
-    std::size_t bytes_ = 0;    ///< of all, as far as they are not written
+    std::size_t written_ = 0;  ///< bytes of the first waiting buffer that are written
+    std::size_t bytes_ = 0;    ///< bytes of all buffers that are not written
     Clock::time_point lastProgress_;
     bool finishing_ = false;
     urString::CString error_;

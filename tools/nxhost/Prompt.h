@@ -1,4 +1,4 @@
-// Lua typed at a terminal.
+// The interactive Lua prompt.
 #pragma once
 
 #include <string>
@@ -10,10 +10,10 @@ namespace nxhost {
 
 class Host;
 
-/// Reads Lua line by line, runs it and prints what it gives, while the main loop goes on.
+/// Reads Lua line by line, runs it and prints its results, while the main loop continues.
 ///
-/// Lines are gathered until they make a whole chunk. Ctrl-C stops what runs or drops what was typed; on an empty line
-/// it ends the program, as Ctrl-D does.
+/// Collects lines until they form a whole chunk. Ctrl-C stops the running chunk or drops the typed text; on an empty
+/// line it ends the program, as Ctrl-D does.
 class Prompt {
 public:
     explicit Prompt(Host& host);
@@ -21,16 +21,16 @@ public:
     void run();
 
 private:
-    /// False at the end of the input.
+    /// Returns false at the end of the input.
     bool readChunk();
-    /// Null while `text` is only the beginning of a chunk. Throws when it is no Lua.
+    /// Returns null if `text` is only the beginning of a chunk. Throws if it is not Lua.
     [[nodiscard]] ur::Reference<nxRFL::Function> compile(std::string const& text) const;
     void evaluate(ur::Reference<nxRFL::Function> const& chunk) const;
 
     Host& host_;
     ur::Reference<nxRFL::Function> show_;  ///< calls a function and prints its results
     LineEditor editor_;
-    ur::Reference<nxRFL::Function> chunk_;  ///< the last one read; null when there was none
+    ur::Reference<nxRFL::Function> chunk_;  ///< the last chunk read; null before the first
 };
 
 }  // namespace nxhost

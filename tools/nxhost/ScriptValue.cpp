@@ -1,4 +1,4 @@
-// Items from reflection stacks, and back.
+// Converts values on reflection stacks to items and back.
 #include "tools/nxhost/ScriptValue.h"
 
 #include "foundation/nxRFL/Exception.h"
@@ -12,7 +12,7 @@ namespace {
 using nxRFL::Kind;
 using ur::Reference;
 
-/// Deeper trees have no strict JSON form either.
+/// The depth limit. Strict JSON cannot hold deeper trees either.
 constexpr int deepest = 128;
 
 Reference<nxPLST::Item> readTree(nxRFL::Reader& reader, int depth);

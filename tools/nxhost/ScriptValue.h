@@ -1,4 +1,4 @@
-// Property lists as values of scripts.
+// Script values in the form of property lists.
 #pragma once
 
 #include "foundation/nxRFL/typeName.h"
@@ -11,15 +11,15 @@ class Writer;
 
 namespace nxhost {
 
-/// Any value that a script passes and a property list can hold. Null is nil.
+/// A value passed by a script, in a form that a property list can hold. Null is nil.
 struct ScriptValue {
     ur::Reference<nxPLST::Item const> item;
 };
 
-/// About what a value occupies.
+/// The approximate number of bytes that a value occupies.
 [[nodiscard]] std::size_t bytesOf(nxPLST::Item const& item);
 
-/// Raises for what has no item form: objects, functions, nil inside a table, and what is nested too deeply.
+/// Raises for values without an item form: objects, functions, nil inside a table, and values nested too deeply.
 void read(nxRFL::Reader& reader, ScriptValue& value);
 void write(nxRFL::Writer& writer, ScriptValue const& value);
 

@@ -1,4 +1,4 @@
-// Checking a request, and giving libcurl what it says.
+// Checks a request and sets up a libcurl handle for it.
 #include "tools/nxhost/Sending.h"
 
 #include <algorithm>
@@ -29,13 +29,13 @@ bool hasControl(std::string_view text) {
     return std::ranges::any_of(text, [](char c) { return (c >= 0 && c < ' ') || c == '\x7F'; });
 }
 
-/// They say where a message ends, or turn it into another kind: only who writes the message knows.
+/// Whether a header sets a message's length or switches the protocol. Only the message's sender can set these.
 bool framesMessages(CString const& name) {
     constexpr std::string_view names[] = {"content-length", "transfer-encoding", "trailer", "upgrade"};
     return std::ranges::find(names, CString(name).toLowerCase().view()) != std::end(names);
 }
 
-/// libcurl has found no memory otherwise.
+/// A failure means that libcurl found no memory.
 void check(bool succeeded) {
     if (!succeeded) throw std::bad_alloc();
 }
@@ -71,7 +71,7 @@ Sending::Sending(CURL* handle, Request const& request, NetworkOptions const& opt
 void Sending::setAddress(CString const& url, NetworkOptions const& options) {
     setOption(handle_, CURLOPT_URL, url.c_str());
     setOption(handle_, CURLOPT_PROTOCOLS_STR, joined(options.schemes).c_str());
-    // An answer cannot choose what the user has allowed besides.
+    // An answer must not redirect to the further schemes that the user has allowed.
     setOption(handle_, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
     setOption(handle_, CURLOPT_FOLLOWLOCATION, 1L);
     setOption(handle_, CURLOPT_MAXREDIRS, mostHops);
@@ -80,21 +80,21 @@ void Sending::setAddress(CString const& url, NetworkOptions const& options) {
 void Sending::addHeader(std::string const& line) {
     curl_slist* const longer = curl_slist_append(headers_.get(), line.c_str());
     check(longer != nullptr);
-    static_cast<void>(headers_.release());  // the beginning of the longer one
+    static_cast<void>(headers_.release());  // the longer list contains it
     headers_.reset(longer);
 }
 
 void Sending::setHeaders(Request const& request) {
     for (auto const& [name, value] : request.getHeaders()) {
-        // To libcurl "name:" means leaving the header out.
+        // libcurl takes "name:" as a request to omit the header.
         addHeader(std::string(name) + (trimmed(value).empty() ? ";" : ": " + std::string(value)));
     }
-    if (request.getPostData().empty()) addHeader("Content-Type:");  // no form, whatever the method
+    if (request.getPostData().empty()) addHeader("Content-Type:");  // do not declare a form, whatever the method
     setOption(handle_, CURLOPT_HTTPHEADER, headers_.get());
 }
 
-/// The method is sent as it is. What libcurl takes for one of its own kinds of request, it also changes into GET when
-/// an answer redirects as browsers understand it.
+/// Sends the method as it is. But if libcurl knows it as one of its own kinds of request, libcurl changes it to GET
+/// after some redirections, as browsers do.
 void Sending::setBody(Request const& request) {
     CString const& method = request.getHTTPMethod();
     char const* ownMethod = "GET";
@@ -127,7 +127,7 @@ void Sending::setFile(Request const& request) {
     setOption(handle_, CURLOPT_INFILESIZE_LARGE, size);
 }
 
-/// A form of several parts: the post data and then the file.
+/// A form of several parts: the post data, then the file.
 void Sending::setForm(Request::Fields const& fields, curl_off_t fileSize, CString const& path) {
     form_.reset(curl_mime_init(handle_));
     check(form_ != nullptr);
@@ -147,7 +147,7 @@ void Sending::setForm(Request::Fields const& fields, curl_off_t fileSize, CStrin
 CString Sending::encoded(Request::Fields const& fields) const {
     CString result;
     auto const append = [this, &result](CString const& text) {
-        if (text.empty()) return;  // to libcurl the length 0 means up to the NUL
+        if (text.empty()) return;  // libcurl would take the length 0 as "up to the NUL"
         std::unique_ptr<char, Release<&curl_free>> const escaped(
             curl_easy_escape(handle_, text.data(), static_cast<int>(text.size())));
         check(escaped != nullptr);

@@ -1,4 +1,4 @@
-// What a transfer sends.
+// The content that a transfer sends.
 #pragma once
 
 #include <curl/curl.h>
@@ -12,7 +12,7 @@
 
 namespace nxhost {
 
-/// Deletes what a function of libcurl releases.
+/// Deleter that calls a release function of libcurl.
 template <auto release>
 struct Release {
     template <class T>
@@ -21,15 +21,15 @@ struct Release {
     }
 };
 
-/// Sets a libcurl handle up to send a request, and owns what the handle then refers to, so that it outlives the handle.
+/// Sets up a libcurl handle to send a request, and owns the data that the handle uses. It must outlive the handle.
 class Sending {
 public:
-    /// Throws `Failed` for a request that cannot be sent.
+    /// Throws `Failed` if the request cannot be sent.
     Sending(CURL* handle, nxNet::Request const& request, NetworkOptions const& options);
     Sending(Sending const&) = delete;
     Sending& operator=(Sending const&) = delete;
 
-    /// The file that it sends; null for none.
+    /// The file to upload; null for none.
     [[nodiscard]] UploadFile const* file() const noexcept { return file_ ? &*file_ : nullptr; }
 
 private:

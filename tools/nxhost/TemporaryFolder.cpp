@@ -1,4 +1,4 @@
-// Making and removing it, and what others have left.
+// Creates and removes temporary folders, including abandoned ones.
 #include "tools/nxhost/TemporaryFolder.h"
 
 #include <fcntl.h>
@@ -51,7 +51,7 @@ bool isAt(int descriptor, char const* path) noexcept {
            ours.st_ino == named.st_ino;
 }
 
-/// The lock of its maker, or of the cache whose file is in it.
+/// Whether the folder's creator, or the cache whose file is in it, holds a lock.
 bool isHeld(int folder) noexcept {
     if (!lock(folder)) return true;
     Handle const pageFile(openat(folder, pageFileName, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
@@ -64,7 +64,7 @@ void removeUnlessHeld(char const* path) noexcept {
     if (!folder.isOpen() || fstat(folder.get(), &facts) != 0 || facts.st_uid != geteuid()) return;
     if (isHeld(folder.get()) || !isAt(folder.get(), path)) return;
     unlinkat(folder.get(), pageFileName, 0);
-    rmdir(path);  // stays when there is anything else in it
+    rmdir(path);  // fails if the folder contains anything else
 }
 
 void removeAbandoned(fs::path const& parent) {
@@ -88,21 +88,21 @@ TemporaryFolder::TemporaryFolder(Interrupt& interrupt) : interrupt_(interrupt) {
     interrupt_.removeWhenKilled(pageFile_.c_str(), path_.c_str());
 }
 
-/// False, and `errno`, when there can be none.
+/// Returns false and sets `errno` if no folder can be created.
 bool TemporaryFolder::makeIn(fs::path const& parent) {
     removeAbandoned(parent);
-    // Another process may take the new folder for an abandoned one before it is locked.
+    // Before the new folder is locked, another process may take it for an abandoned one and remove it.
     constexpr int mostAttempts = 10;
     for (int i = 0; i < mostAttempts && !make((parent / namePattern).string()); ++i) continue;
     return lock_ >= 0;
 }
 
-/// False when the new folder has gone at once.
+/// Returns false if the new folder was removed at once.
 bool TemporaryFolder::make(std::string const& pattern) {
     std::string name = pattern;
     if (mkdtemp(name.data()) == nullptr) return true;
     int const folder = openFolder(name.c_str());
-    // Where there are no locks nobody else can get one either.
+    // Without support for locks, no other process can lock it either.
     bool const isLost = folder < 0 || (!lock(folder) && errno == EWOULDBLOCK) || !isAt(folder, name.c_str());
     if (isLost) {
         if (folder >= 0) close(folder);

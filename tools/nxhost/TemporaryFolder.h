@@ -1,4 +1,4 @@
-// A folder for what the cache pages out.
+// A temporary folder for the cache's page file.
 #pragma once
 
 #include <filesystem>
@@ -8,14 +8,14 @@
 
 namespace nxhost {
 
-/// A new folder in the one that TMPDIR names, or else in /tmp. It goes with this object, with the cache's file in it.
+/// A new folder in the folder that TMPDIR names, or else in /tmp. The destructor removes it with the cache's file.
 ///
-/// Its process holds a lock on it. So what a killed process has left is known by the lack of one, and a new folder's
-/// maker removes it; only the cache's file is, and only in folders of this user.
+/// Its process holds a lock on it. A folder without a lock was left by a killed process; the next process that creates
+/// a folder removes it. It removes only the cache's file and the empty folder, and only folders of the same user.
 class TemporaryFolder {
 public:
-    /// Throws an `nxRFL::Exception` when neither place has room for it. A signal that kills the process removes it as
-    /// well. The interrupt outlives this.
+    /// Throws an `nxRFL::Exception` if neither place can hold it. A signal that kills the process removes it as well.
+    /// The interrupt must outlive this.
     explicit TemporaryFolder(Interrupt& interrupt);
     TemporaryFolder(TemporaryFolder const&) = delete;
     TemporaryFolder& operator=(TemporaryFolder const&) = delete;
@@ -30,7 +30,7 @@ private:
     Interrupt& interrupt_;
     std::string path_;
     std::string pageFile_;
-    int lock_ = -1;  ///< the folder, open
+    int lock_ = -1;  ///< a descriptor of the folder
 };
 
 }  // namespace nxhost

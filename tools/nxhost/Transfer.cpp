@@ -1,4 +1,4 @@
-// What a transfer is told by libcurl.
+// Receives libcurl's callbacks for one transfer.
 #include "tools/nxhost/Transfer.h"
 
 #include <algorithm>
@@ -52,7 +52,7 @@ TransferError errorFor(CURLcode code) {
 
 }  // namespace
 
-/// What libcurl calls. No exception may pass through it; only memory can be short here.
+/// The functions that libcurl calls. No exception may pass through libcurl; the only possible one is lack of memory.
 struct Transfer::Callbacks {
     template <class Result, class Function>
     static Result guarded(Result otherwise, Function function) noexcept {
@@ -93,7 +93,7 @@ struct Transfer::Callbacks {
             return CURL_PREREQFUNC_OK;
         });
     }
-    /// Asked for each connection that is to be made, when names have been resolved.
+    /// Called before each connection, after names have been resolved.
     static curl_socket_t openPublicSocket(void* transfer, curlsocktype, curl_sockaddr* address) {
         if (!isPublic(&address->addr)) {
             static_cast<Transfer*>(transfer)->isPrivate_ = true;
@@ -142,7 +142,7 @@ int Transfer::waitsFor() const noexcept {
 void Transfer::resume() {
     bool const goesOn = (isPaused_ && !isHeld_) || (waitsFor() >= 0 && sending_->file()->ready());
     if (!goesOn || hasEnded_) return;
-    // What libcurl has kept arrives now.
+    // libcurl now passes on the data that it has kept.
     if (CURLcode const result = curl_easy_pause(handle_.get(), CURLPAUSE_CONT); result != CURLE_OK) end(result);
 }
 
@@ -152,7 +152,7 @@ Failed Transfer::failure(CURLcode result) const {
         return {TransferError::refused, "the sandbox reaches public addresses only"};
     if (UploadFile const* const file = sending_ ? sending_->file() : nullptr; file && !file->errorText().empty())
         return {TransferError::fileUnreadable, file->errorText()};
-    // An answer without a status is reported like a scheme that is not supported.
+    // libcurl reports an answer without a status with the code of an unsupported scheme.
     bool const isGibberish = result == CURLE_UNSUPPORTED_PROTOCOL && isReached_ && status() == 0;
     char const* const text = errorText_[0] == '\0' ? curl_easy_strerror(result) : errorText_;
     return {isGibberish ? TransferError::broken : errorFor(result), text};
@@ -174,7 +174,7 @@ std::uint64_t Transfer::announced() const {
 void Transfer::setUp(double timeLimit) {
     CURL* const handle = handle_.get();
     setOption(handle, CURLOPT_ERRORBUFFER, errorText_);
-    setOption(handle, CURLOPT_QUICK_EXIT, 1L);  // cancelling does not wait for a name to be resolved
+    setOption(handle, CURLOPT_QUICK_EXIT, 1L);  // cancelling need not wait for name resolution
     setOption(handle, CURLOPT_USERAGENT, "nxhost/" NX_VERSION);
     long const stall = static_cast<long>(std::ceil(std::min(options_.stallLimit, mostSeconds)));
     setOption(handle, CURLOPT_CONNECTTIMEOUT, stall > 0 ? std::min(stall, connectSeconds) : connectSeconds);
@@ -195,7 +195,7 @@ void Transfer::setUp(double timeLimit) {
     setOption(handle, CURLOPT_NOPROGRESS, 0L);
 }
 
-/// A proxy would resolve names itself, and reach what it likes.
+/// Also disables proxies, because a proxy would resolve names itself and could reach any address.
 void Transfer::keepToPublicHosts() {
     setOption(handle_.get(), CURLOPT_OPENSOCKETFUNCTION, &Callbacks::openPublicSocket);
     setOption(handle_.get(), CURLOPT_OPENSOCKETDATA, this);
@@ -220,7 +220,7 @@ void Transfer::noteHeaderLine(std::string_view line) {
     if (status() >= firstFinal) events_.emplace_back(Answered{status(), answerHeaders_});
 }
 
-/// Told only as far as it changes, and once for what happened together.
+/// Reports only changes, and combines changes that happen together.
 void Transfer::noteProgress(Progressed const& progress) {
     if (progress == progress_) return;
     progress_ = progress;

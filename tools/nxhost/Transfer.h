@@ -1,4 +1,4 @@
-// One transfer under way.
+// One running transfer.
 #pragma once
 
 #include <curl/curl.h>
@@ -11,32 +11,32 @@
 
 namespace nxhost {
 
-/// A libcurl handle that sends one request and keeps what arrives as events, so that nobody is called from inside
+/// A libcurl handle that sends one request and stores incoming data as events, so that no client is called from inside
 /// libcurl. Owned by `Transfers`, as are the options.
 class Transfer {
 public:
-    /// One whose request cannot be sent has failed already: it has an event of that. `timeLimit` is in seconds, 0 for
-    /// none.
+    /// If the request cannot be sent, the transfer has failed already and has an event for it. `timeLimit` is in
+    /// seconds, 0 for none.
     Transfer(nxNet::Request const& request, NetworkOptions const& options, double timeLimit);
     Transfer(Transfer const&) = delete;
     Transfer& operator=(Transfer const&) = delete;
 
     [[nodiscard]] CURL* handle() const noexcept { return handle_.get(); }
     [[nodiscard]] bool hasEvents() const noexcept { return !events_.empty(); }
-    /// Requires: there is one.
+    /// Requires: there is an event.
     TransferEvent takeEvent();
-    /// Events that have not been taken are dropped.
+    /// Drops the events that were not taken.
     void dropEvents() noexcept { events_.clear(); }
-    /// Nothing will come of it.
+    /// Adds the event of a failure.
     void fail(Failed failure) { events_.emplace_back(std::move(failure)); }
-    /// The file that it sends has nothing yet: its descriptor is readable when it has. Otherwise negative.
+    /// The file's descriptor if the upload waits for data; it becomes readable when there is some. Otherwise negative.
     [[nodiscard]] int waitsFor() const noexcept;
-    /// From now on, until it is released, libcurl keeps what arrives.
+    /// From now on, until `release`, libcurl keeps incoming data.
     void hold() noexcept { isHeld_ = true; }
     void release() noexcept { isHeld_ = false; }
-    /// Goes on after `release`, or with a file that has something again.
+    /// Continues after `release`, or when the upload file has data again.
     void resume();
-    /// libcurl has ended it.
+    /// Called when libcurl has ended the transfer.
     void end(CURLcode result);
 
 private:
@@ -52,7 +52,7 @@ private:
 
     NetworkOptions const& options_;
 
-    // The handle goes first: it uses the others.
+    // Destroyed after the handle, which uses these.
     char errorText_[CURL_ERROR_SIZE] = {};
     std::unique_ptr<Sending> sending_;
     std::unique_ptr<CURL, Release<&curl_easy_cleanup>> handle_{curl_easy_init()};
@@ -62,10 +62,10 @@ private:
     std::uint64_t bodyBytes_ = 0;
     bool isReached_ = false;
     bool isHeld_ = false;
-    bool isPaused_ = false;  ///< libcurl keeps something
+    bool isPaused_ = false;  ///< libcurl keeps data
     bool hasEnded_ = false;
     bool isTooLarge_ = false;
-    bool isPrivate_ = false;  ///< it would have reached an address that is not public
+    bool isPrivate_ = false;  ///< it tried to reach an address that is not public
     Progressed progress_;
     std::deque<TransferEvent> events_;
 };

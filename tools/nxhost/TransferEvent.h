@@ -1,4 +1,4 @@
-// The events of a transfer, and the codes of failures.
+// The events of transfers, and the codes of failures.
 #pragma once
 
 #include <cstdint>
@@ -10,21 +10,21 @@
 
 namespace nxhost {
 
-/// The codes of failed transfers, `error` of a connection. docs/embedding.md explains them.
+/// The failure codes of transfers, `error` of a connection. docs/embedding.md explains them.
 enum class TransferError : int {
     refused = 1,         ///< the request cannot be sent, or its scheme is not allowed
     nameUnknown = 2,     ///< no address for the host's name
-    notReached = 3,      ///< nobody takes the connection
-    notTrusted = 4,      ///< no secure connection, or a certificate that nobody vouches for
+    notReached = 3,      ///< no server accepts the connection
+    notTrusted = 4,      ///< no secure connection, or an untrusted certificate
     tooSlow = 5,         ///< a time limit has passed
-    broken = 6,          ///< no answer, one that is no answer, or one that ends too early
+    broken = 6,          ///< no answer, an invalid one, or one that ends too early
     tooManyHops = 7,     ///< redirected too often
     fileUnreadable = 8,  ///< the file for upload
     other = 9,
-    tooLarge = 10,  ///< an answer's body beyond the limit
+    tooLarge = 10,  ///< the answer's body exceeds the limit
 };
 
-/// Header fields of an answer by their names in small letters. Repeated ones are joined by ", ", cookies by line ends.
+/// Header fields of an answer by lower-case name. Repeated fields are joined by ", ", cookies by line ends.
 using Headers = ur::map<urString::CString, urString::CString>;
 
 struct Reached {};
@@ -35,7 +35,7 @@ struct Answered {
 struct Received {
     ur::Reference<urThread::Buffer> data;
 };
-/// In bytes; totals are 0 while they are not known.
+/// In bytes; a total is 0 while it is unknown.
 struct Progressed {
     std::int64_t received = 0;
     std::int64_t receiveTotal = 0;

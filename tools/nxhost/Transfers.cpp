@@ -1,4 +1,4 @@
-// libcurl's multi interface, and who is told what.
+// Runs transfers with libcurl's multi interface and reports their events.
 #include "tools/nxhost/Transfers.h"
 
 #include <algorithm>
@@ -12,13 +12,13 @@
 namespace nxhost {
 namespace {
 
-/// libcurl's own start and end, once for the process.
+/// Initialises libcurl once for the process.
 struct Library {
     Library() { curl_global_init(CURL_GLOBAL_DEFAULT); }
     ~Library() { curl_global_cleanup(); }
 };
 
-/// Otherwise all requests were refused for it, whatever their scheme.
+/// Checks the schemes, because an unknown one would make libcurl refuse every request.
 void checkSchemes(std::vector<std::string> const& schemes) {
     std::unique_ptr<CURL, Release<&curl_easy_cleanup>> const handle(curl_easy_init());
     for (std::string const& scheme : schemes) {
@@ -27,7 +27,7 @@ void checkSchemes(std::vector<std::string> const& schemes) {
     }
 }
 
-/// Sets a value for as long as this lives.
+/// Sets a variable for the duration of a scope.
 template <class T>
 class Temporarily {
 public:
@@ -74,7 +74,7 @@ void Transfers::stop(Connection& connection) noexcept {
     if (!job.empty()) curl_multi_remove_handle(multi_, job.mapped().transfer->handle());
 }
 
-/// In the sandbox scripts may shorten the time limit only.
+/// In the sandbox, scripts may only shorten the time limit.
 double Transfers::limited(double seconds) const noexcept {
     double const most = options_.timeLimit;
     if (!options_.sandboxed || most == 0) return seconds;
@@ -96,7 +96,7 @@ bool Transfers::owesData() const noexcept {
     return std::ranges::any_of(pipes_, [](auto const& pipe) { return pipe->waits(); });
 }
 
-/// Releases the transfers whose data are written.
+/// Releases the transfers whose data have been written.
 void Transfers::advancePipes() {
     for (auto const& pipe : Pipes(pipes_)) {
         if (!pipe->advance() && onPipeError_) onPipeError_(nxRFL::Exception(pipe->errorText()));
@@ -111,7 +111,7 @@ void Transfers::advancePipes() {
     }
 }
 
-/// What is held is lost.
+/// Drops the data that are held back.
 void Transfers::giveUp(Job& job) {
     if (job.pipes.empty()) return;
     for (auto const& pipe : job.pipes) pipe->abandon("the time limit of the transfer has passed");
@@ -139,7 +139,7 @@ void Transfers::wait(std::span<int const> descriptors) {
     curl_multi_poll(multi_, others.data(), static_cast<unsigned>(others.size()), mostMilliseconds(), nullptr);
 }
 
-/// Until a pipe or a transfer that is held is given up. libcurl knows about the others.
+/// The time until a pipe or a held transfer is given up. libcurl knows the other limits.
 int Transfers::mostMilliseconds() const {
     using std::chrono::milliseconds;
     Clock::time_point const now = Clock::now();
@@ -182,7 +182,7 @@ Transfers::Job* Transfers::nextReady() {
 }
 
 // [tell]
-/// The job may have gone afterwards.
+/// The job may be destroyed afterwards.
 void Transfers::tell(Job& job) {
     ur::Reference<Connection> const connection = job.connection;
     TransferEvent event = job.transfer->takeEvent();

@@ -1,4 +1,4 @@
-// All transfers under way.
+// All running transfers.
 #pragma once
 
 #include <deque>
@@ -17,43 +17,43 @@ namespace nxhost {
 
 class Connection;
 
-/// Moves the transfers on and tells their connections, both only in `advance`. Owned by the main loop.
+/// Advances the transfers and calls their connections, both only in `advance`. Owned by the main loop.
 ///
-/// Data that a pipe does not take at once are written here as well. The transfer that they come from is held meanwhile:
-/// it receives nothing and tells nothing, but its time limit and `stop` hold.
+/// It also writes the data that a pipe did not take at once. Meanwhile it holds the transfer that the data come from:
+/// the transfer receives and reports nothing, but its time limit and `stop` still apply.
 ///
-/// A connection stays alive while its transfer runs. What is told may do anything: start and cancel transfers, or run
-/// the main loop once more from inside. What it throws leaves `advance`, and the rest is told by the next one.
+/// A connection stays alive while its transfer runs. Callbacks may start and cancel transfers or run the main loop
+/// recursively. An exception from a callback leaves `advance`; the next call reports the remaining events.
 class Transfers {
 public:
-    /// Throws `UsageError` for an allowed scheme that there is not.
+    /// Throws `UsageError` if an allowed scheme does not exist.
     explicit Transfers(NetworkOptions const& options);
-    /// Is called when a pipe fails that was waited for.
+    /// Sets the function called when a pipe with waiting data fails.
     void setPipeErrorHandler(std::function<void(nxRFL::Exception const&)> handler) {
         onPipeError_ = std::move(handler);
     }
     Transfers(Transfers const&) = delete;
     Transfers& operator=(Transfers const&) = delete;
-    /// Ends all without a word.
+    /// Ends all transfers without reporting.
     ~Transfers();
 
-    /// Requires: the connection has no transfer. Also what cannot be sent is told by `advance`.
+    /// Requires: the connection has no transfer. If the request cannot be sent, `advance` reports that.
     void start(Connection& connection);
-    /// Nothing when the connection has no transfer.
+    /// Does nothing if the connection has no transfer.
     void stop(Connection& connection) noexcept;
     [[nodiscard]] bool running(Connection const& connection) const noexcept { return jobs_.contains(&connection); }
-    /// Nothing is under way, and no data wait for a pipe.
+    /// Whether no transfer runs and no data wait for a pipe.
     [[nodiscard]] bool empty() const noexcept { return jobs_.empty() && pipes_.empty(); }
-    /// What waits for a pipe is lost unless `advance` goes on.
+    /// Whether data wait for a pipe. They are lost unless `advance` is called again.
     [[nodiscard]] bool owesData() const noexcept;
-    /// Writes to a pipe what it does not take yet. The transfer that is just told is held until then.
+    /// Writes to a pipe the data that it has not taken yet. Holds the transfer that is currently reported until then.
     void waitFor(std::shared_ptr<PipeWriter> const& pipe);
 
-    /// False when there was nothing to tell. What is left when a signal comes waits for the next one.
+    /// Returns false if there was nothing to report. After a signal the remaining events wait for the next call.
     bool advance(Interrupt const& interrupt);
-    /// Sleeps until there may be something to advance, one of `descriptors` is readable or `wake` was called.
+    /// Sleeps until there may be work for `advance`, one of `descriptors` is readable or `wake` is called.
     void wait(std::span<int const> descriptors);
-    /// Any thread.
+    /// May be called from any thread.
     void wake() noexcept { curl_multi_wakeup(multi_); }
 
     [[nodiscard]] NetworkOptions const& options() const noexcept { return options_; }
@@ -65,8 +65,8 @@ private:
     struct Job {
         ur::Reference<Connection> connection;
         std::unique_ptr<Transfer> transfer;
-        Clock::time_point deadline;  ///< libcurl has the same, but not for what is still to be written
-        Pipes pipes = {};            ///< that it is held for
+        Clock::time_point deadline;  ///< libcurl has the same, but not for data that a pipe still has to take
+        Pipes pipes = {};            ///< for which the transfer is held
 
         [[nodiscard]] bool hasEvents() const noexcept { return pipes.empty() && transfer->hasEvents(); }
     };
@@ -82,9 +82,9 @@ private:
     NetworkOptions const options_;
     CURLM* multi_;
     std::map<Connection const*, Job> jobs_;
-    std::deque<Connection const*> ready_;  // some of them may have gone
-    Connection const* told_ = nullptr;     // just now
-    Pipes pipes_;                          // for which data wait
+    std::deque<Connection const*> ready_;  // may contain connections whose transfer has ended
+    Connection const* told_ = nullptr;     // the one being called
+    Pipes pipes_;                          // with waiting data
     std::function<void(nxRFL::Exception const&)> onPipeError_;
 };
 

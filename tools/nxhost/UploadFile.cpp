@@ -1,4 +1,4 @@
-// Reading without waiting.
+// Reads without waiting.
 #include "tools/nxhost/UploadFile.h"
 
 #include <curl/curl.h>
@@ -27,7 +27,7 @@ UploadFile::UploadFile(CString const& path)
 
 UploadFile::~UploadFile() { close(descriptor_); }
 
-/// The system says 0 of files that it makes up when they are read.
+/// The system reports size 0 for files whose content it generates on reading.
 void UploadFile::findSize() {
     struct stat facts = {};
     if (fstat(descriptor_, &facts) != 0 || !S_ISREG(facts.st_mode)) return;

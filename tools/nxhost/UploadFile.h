@@ -1,4 +1,4 @@
-// The file that a transfer sends.
+// The file that a transfer uploads.
 #pragma once
 
 #include <cstddef>
@@ -9,31 +9,30 @@
 
 namespace nxhost {
 
-/// A file open for reading that never keeps the main loop waiting, whatever kind of file it is.
+/// A file open for reading that never makes the main loop wait, whatever kind of file it is.
 ///
-/// Pipes and terminals have data when somebody writes them: until then a transfer pauses.
+/// Pipes and terminals have data only after another program writes; until then the transfer pauses.
 class UploadFile {
 public:
-    /// Throws `Failed` for a file that cannot be opened. Does not wait for somebody to write a pipe.
+    /// Throws `Failed` if the file cannot be opened. Does not wait for a writer of a pipe.
     explicit UploadFile(urString::CString const& path);
     UploadFile(UploadFile const&) = delete;
     UploadFile& operator=(UploadFile const&) = delete;
     ~UploadFile();
 
-    /// In bytes. Nothing if the size is unknown before the end, as for pipes, devices and files that the system makes
-    /// up.
+    /// In bytes. Empty if the size is unknown before the end, as for pipes, devices and generated files.
     [[nodiscard]] std::optional<std::int64_t> size() const noexcept { return size_; }
-    /// Reading would not wait.
+    /// Whether reading would return at once.
     [[nodiscard]] bool ready() const noexcept;
-    /// The last `read` has found nothing yet.
+    /// Whether the last `read` found no data yet.
     [[nodiscard]] bool waits() const noexcept { return waits_; }
     [[nodiscard]] int descriptor() const noexcept { return descriptor_; }
-    /// Why reading has failed; empty when it has not.
+    /// The reason of a read error; empty if there was none.
     [[nodiscard]] urString::CString errorText() const;
 
-    /// What a read function of libcurl returns: the number of bytes, 0 at the end, or that it pauses or aborts.
+    /// The result of a libcurl read function: the number of bytes, 0 at the end, or the code for pause or abort.
     std::size_t read(char* bytes, std::size_t size) noexcept;
-    /// From the start of the file. False when the file has no positions.
+    /// Moves to a position from the start of the file. False if the file cannot seek.
     bool seek(std::int64_t position) noexcept;
 
 private:
@@ -46,7 +45,7 @@ private:
     std::optional<std::int64_t> size_;
     std::int64_t position_ = 0;
     bool waits_ = false;
-    int failure_ = 0;  ///< of the system, or `shortened`
+    int failure_ = 0;  ///< an error number of the system, or `shortened`
 };
 
 }  // namespace nxhost

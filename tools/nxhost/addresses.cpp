@@ -1,4 +1,4 @@
-// The ranges that the registries of addresses set aside.
+// The address ranges that the registries reserve.
 #include "tools/nxhost/addresses.h"
 
 #include <netinet/in.h>
@@ -51,7 +51,7 @@ bool startsWith(Bytes const& bytes, std::initializer_list<std::uint8_t> beginnin
 }
 
 bool isPublic6(Bytes const& bytes) noexcept {
-    // Those in which an address of four bytes is wrapped: mapped, translated, and tunnelled.
+    // Ranges that embed a 4-byte address: mapped, translated, and tunnelled.
     if (startsWith(bytes, {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0xFF, 0xFF})) return isPublic4(wordAt(bytes, 12));
     if (startsWith(bytes, {0, 0x64, 0xFF, 0x9B, 0, 0, 0, 0, 0, 0, 0, 0})) return isPublic4(wordAt(bytes, 12));
     if (startsWith(bytes, {0x20, 0x02})) return isPublic4(wordAt(bytes, 2));

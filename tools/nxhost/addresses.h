@@ -1,12 +1,12 @@
-// Which addresses belong to the public network.
+// Recognises addresses of the public network.
 #pragma once
 
 #include <sys/socket.h>
 
 namespace nxhost {
 
-/// False for loopback, link-local and private addresses, for those that mean no single host of the public network, and
-/// for addresses in which such a one is wrapped.
+/// False for loopback, link-local and private addresses, for those that do not belong to a single host of the public
+/// network, and for addresses that embed such an address.
 [[nodiscard]] bool isPublic(sockaddr const* address) noexcept;
 
 }  // namespace nxhost

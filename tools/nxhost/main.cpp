@@ -21,16 +21,16 @@ struct Failure {
     std::string message;
 };
 
-/// What is opened later must not be taken for a standard stream that the caller has closed.
+/// Opens closed standard streams, so that no file opened later gets their descriptors.
 void reserveStandardFiles() {
     for (int const stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        // Opened the wrong way round, so that using it is an error as before.
+        // Opened for the opposite direction, so that using it is still an error.
         if (fcntl(stream, F_GETFD) < 0)
             static_cast<void>(open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY));
     }
 }
 
-/// `about` is put before messages that do not name the file themselves.
+/// `about` precedes messages that do not name the file themselves.
 void check(urUtil::Error const& error, std::string const& about = "") {
     if (error.isError()) throw Failure{about + (about.empty() ? "" : ": ") + std::string(error.message())};
 }
@@ -51,7 +51,7 @@ CString contents(std::string const& path) {
     return text;
 }
 
-/// The first line may name the program that runs the script; it keeps its number.
+/// The script without a first line that names its interpreter. The line's place stays, so that line numbers are right.
 CString scriptIn(std::string const& path) {
     CString text = contents(path);
     if (text.startsWith("#")) text.erase(0, text.find('\n'));
@@ -74,7 +74,7 @@ void runScripts(Host& host, Options const& options) {
     }
 }
 
-/// Finds out what stands in the way before anything is done in vain.
+/// Finds obstacles before any work is done.
 void prepare(Options const& options, urOS::AtomicFile& trace) {
     if (!options.traceFile.empty()) check(trace.open(urString::IString(options.traceFile.c_str())));
     if (std::string const& file = options.network.authorities; !file.empty())
@@ -95,7 +95,7 @@ int run(Options const& options) {
     return host.exitCode();
 }
 
-/// What was printed may still be in the buffer, and the disk full.
+/// Flushes the output, because its last bytes may fail on a full disk.
 int flushed(int exitCode) {
     if (exitCode == ExitCode::brokenPipe) return exitCode;
     bool const written = urOS::AppOutput::getInstance().flush().ok();

@@ -1,4 +1,4 @@
-// Checking that a script passed a function.
+// Checks that a script passed a function.
 #pragma once
 
 #include "foundation/nxRFL/Exception.h"
@@ -6,7 +6,7 @@
 
 namespace nxhost {
 
-/// Raises when the function that is the argument at `position` of `name` was nil.
+/// Raises if the function, the argument at `position` of `name`, was nil.
 inline void requireFunction(bool given, char const* name, int position) {
     if (given) return;
     throw nxRFL::Exception(urString::CString::format("%s: argument %d must be function, but is null", name, position));

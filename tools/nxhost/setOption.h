@@ -1,4 +1,4 @@
-// Options of libcurl's handles.
+// Sets options of libcurl handles.
 #pragma once
 
 #include <curl/curl.h>
@@ -11,7 +11,7 @@ namespace nxhost {
 
 [[noreturn]] inline void refuse(char const* why) { throw Failed{TransferError::refused, why}; }
 
-/// Throws `Failed` when libcurl does not take the value.
+/// Throws `Failed` if libcurl rejects the value.
 template <class Value>
 void setOption(CURL* handle, CURLoption option, Value value) {
     CURLcode const result = curl_easy_setopt(handle, option, value);

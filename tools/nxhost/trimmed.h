@@ -1,4 +1,4 @@
-// Text without the blanks around it.
+// Removes the blanks around a text.
 #pragma once
 
 #include <string_view>

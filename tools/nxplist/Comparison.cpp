@@ -1,4 +1,4 @@
-// Two trees side by side.
+// Compares two trees.
 #include "tools/nxplist/Comparison.h"
 
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace {
 
 using nxPLST::Item;
 
-/// Two containers of one kind under comparison.
+/// Two containers of the same type that are being compared.
 struct OpenPair {
     Children first;
     Children second;
@@ -32,7 +32,7 @@ public:
     }
 
 private:
-    /// Compares the two values that the innermost pair stands on; containers of one kind are opened.
+    /// Compares the current values of the innermost pair, and opens containers of the same type.
     bool meet(Item const* first, Item const* second) {
         bool const sameKind = first && second && first->type() == second->type();
         if (sameKind && isContainer(first)) {
@@ -46,7 +46,7 @@ private:
         return tell(where + ": " + spell_(first) + " -> " + spell_(second));
     }
 
-    /// Handles the next child of the innermost pair, or closes it. False when the report wants no more.
+    /// Handles the next child of the innermost pair, or closes the pair. False if the report wants no more.
     bool step() {
         OpenPair& pair = open_.back();
         if (pair.first.done() && pair.second.done()) {
@@ -62,7 +62,7 @@ private:
         return goOn;
     }
 
-    /// Items with several holders may come again, on and on: what is known to be equal is not opened again.
+    /// Items with several holders may occur many times: pairs known to be equal are not compared again.
     void close() {
         OpenPair const pair = open_.back();
         open_.pop_back();
@@ -83,7 +83,7 @@ private:
         pair.second.next();
     }
 
-    /// Negative when the next child is in the first container only, positive when in the second only.
+    /// Negative if the next child is in the first container only, positive if in the second only.
     static int keyOrder(OpenPair const& pair) {
         if (pair.first.done()) return 1;
         if (pair.second.done()) return -1;
@@ -97,7 +97,7 @@ private:
         return goOn;
     }
 
-    /// The path of the child that `children`, of the innermost pair, stands on.
+    /// The path of the current child of `children`, which belongs to the innermost pair.
     std::string place(Children const& children) const {
         std::string text;
         for (std::size_t i = 0; i + 1 < open_.size(); ++i) text += open_[i].first.step();

@@ -1,4 +1,4 @@
-// Reading and writing files of every form.
+// Reads and writes files of every form.
 #include "tools/nxplist/Document.h"
 
 #include <unistd.h>
@@ -20,7 +20,7 @@
 namespace nxplist {
 namespace {
 
-/// `about` is put before messages that do not name the file themselves.
+/// `about` precedes messages that do not name the file themselves.
 void check(urUtil::Error const& error, std::string const& about = "") {
     if (error.ok()) return;
     throw Failure{ExitCode::unusable, "nxplist: " + about + (about.empty() ? "" : ": ") + printable(error.message())};
@@ -31,7 +31,7 @@ std::string outputName(std::string const& path) { return path == "-" ? "standard
 bool continuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
 bool isControl(char byte) { return static_cast<unsigned char>(byte) < 0x20 || byte == 0x7F; }
 
-/// The line at `location`, of a long one what is near, and a mark under the place: for people at a terminal.
+/// For people at a terminal: the line at `location`, shortened around that place, and a mark under the place.
 std::string excerpt(std::string_view text, nxPLST::JsonLocation const& location) {
     constexpr std::size_t mostBefore = 100;
     constexpr std::size_t most = 160;
@@ -90,9 +90,9 @@ void readPackets(Document& document, urString::CString const& bytes) {
                                           std::to_string(report.position) + ")"};
 }
 
-/// Throws `Failure` when an item out of a document has no JSON, other than for its numbers.
+/// Throws `Failure` if an item of a document has no JSON form for another reason than its numbers.
 void requireJson(nxPLST::Item const* item, Document const& document, std::uint64_t mostExpandedBytes) {
-    if (document.form != Form::packets) return;  // what came as JSON shares nothing and is UTF-8
+    if (document.form != Form::packets) return;  // a document read from JSON shares nothing and is UTF-8
     requireWithin(item, document.name, mostExpandedBytes);
     std::string const broken = pathOfBrokenText(item);
     if (broken.empty()) return;

@@ -1,4 +1,4 @@
-// Files as trees, and trees as files.
+// Reads files into trees and writes trees to files.
 #pragma once
 
 #include <optional>
@@ -11,27 +11,27 @@
 
 namespace nxplist {
 
-/// A file that cannot be read or written, or input that is invalid: one line for standard error, and the exit code. The
-/// line is empty when reported losses have already given the reason.
+/// A file that cannot be read or written, or invalid input: one line for standard error, and the exit code. The line is
+/// empty if reported losses have already given the reason.
 struct Failure {
     int exitCode;
     std::string message;
 };
 void report(Failure const& failure);
 
-/// What becomes of the losses of reading: they are told on standard error, and may make the input invalid.
+/// What to do with losses on reading: ignore them, report them on standard error, or report them and reject the input.
 enum class Losses { quiet, told, refused };
 
 /// A tree and where it came from.
 struct Document {
-    std::string name;  ///< as messages call it
+    std::string name;  ///< the name used in messages
     Form form = Form::json;
-    ur::Reference<nxPLST::Item> root;  ///< may be null: a JSON text of just `null`, an empty packet file
-    std::uint64_t losses = 0;          ///< how many things reading dropped
-    bool hasComments = false;          ///< reading dropped those as well
+    ur::Reference<nxPLST::Item> root;  ///< may be null: for the JSON text `null` or an empty packet file
+    std::uint64_t losses = 0;          ///< the number of losses on reading
+    bool hasComments = false;          ///< whether reading also dropped comments
 };
 
-/// How messages call an input.
+/// The name of an input in messages.
 std::string inputName(std::string const& path);
 /// The bytes of the file at `path`, or of standard input for "-". Throws `Failure`.
 urString::CString contents(std::string const& path);
@@ -39,20 +39,19 @@ urString::CString contents(std::string const& path);
 /// Reads a file. Throws `Failure`.
 Document load(std::string const& path, std::optional<Form> form, Losses losses);
 
-/// Writes `document` to the file at `path` as a whole or not at all, or to standard output for "-". Throws `Failure`,
-/// also when a text would be longer than the style allows because of what the tree shares.
+/// Writes the whole of `document` to the file at `path`, or to standard output for "-"; on failure the file stays
+/// unchanged. Throws `Failure`, also if shared items would make the text longer than the style allows.
 void store(Document const& document, std::string const& path, Form form, nxPLST::JsonStyle const& style);
 
-/// The JSON of an item out of a document, with a line feed behind it, and without others when the document is one of
-/// lines. Throws `Failure` when there is none, or when it would be longer than the style allows because of what the
-/// item shares.
+/// The JSON of an item of a document, followed by a line feed, and without other line feeds if the document's form is
+/// lines. Throws `Failure` if there is no JSON form, or if shared items would make it longer than the style allows.
 urString::CString jsonText(ur::Reference<nxPLST::Item const> const& item, Document const& document,
                            Options const& options);
 
-/// Throws `Failure` when a tree out of the document of that name shares so much that its JSON would exceed the limit.
+/// Throws `Failure` if the tree, of the document with that name, shares so much that its JSON would exceed the limit.
 void requireWithin(nxPLST::Item const* root, std::string const& name, std::uint64_t limit);
 
-/// `text`, such as the name of a file, as part of one line: without control characters.
+/// `text`, such as a file name, without control characters, to be part of one line.
 std::string printable(std::string_view text);
 
 /// Writes text to standard output. Throws `Failure`.

@@ -1,4 +1,4 @@
-// The way to one place of a tree, and what happens there.
+// Finds and changes one place of a tree.
 #include "tools/nxplist/Edit.h"
 
 #include <type_traits>
@@ -15,14 +15,14 @@ using nxPLST::Item;
 using nxPLST::Path;
 using Slot = ur::Reference<Item>;
 
-/// The position of an index that may count from the end; `size` for one that is nowhere.
+/// The position for an index, which may count from the end; `size` if there is no such position.
 std::size_t position(Array const& array, long index) {
     auto const size = static_cast<long>(array.array().size());
     if (index < 0) index += size;
     return static_cast<std::size_t>(index < 0 || index > size ? size : index);
 }
 
-/// Makes the container in the slot this place's own.
+/// Copies the container in the slot if it is shared.
 template <class Container>
 Container& own(Slot& slot) {
     if (slot->referenceCount() > 1) {
@@ -37,7 +37,7 @@ Container& own(Slot& slot) {
     return static_cast<Container&>(*slot);
 }
 
-/// The slot of an existing child, in a container that is this place's own; null when there is none.
+/// The slot of an existing child, after copying a shared container; null if there is none.
 Slot* childSlot(Slot& parent, Path::value_type const& step) {
     if (auto const* const key = std::get_if<std::string>(&step)) {
         if (!nxPLST::asDictionary(parent)) return nullptr;
@@ -51,7 +51,7 @@ Slot* childSlot(Slot& parent, Path::value_type const& step) {
     return at < array.array().size() ? &array.array()[at] : nullptr;
 }
 
-/// The slot of the container in which the last step of the path leads on.
+/// The slot of the container to which the path's last step applies.
 Slot* parentSlot(Slot& root, Path const& path, std::string& error) {
     Slot* slot = &root;
     std::string reached;

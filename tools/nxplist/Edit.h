@@ -1,4 +1,4 @@
-// Changing one place of a tree.
+// Changes one place of a tree.
 #pragma once
 
 #include <string>
@@ -7,13 +7,13 @@
 
 namespace nxplist {
 
-// Only the place at `path` changes: items on the way to it that are in other places too are copied, not deeply. False
-// when there is no such place, as `error` says; the tree is then as it was.
+// Only the place at `path` changes: shared items on the way to it are copied, one level each. If the place does not
+// exist, the functions return false, set `error` and leave the tree unchanged.
 
-/// Puts `value` there. The last step may be a new key, or the index behind the last element.
+/// Puts `value` there. The last step may be a new key, or the index after the last element.
 bool setAt(ur::Reference<nxPLST::Item>& root, nxPLST::Path const& path, ur::Reference<nxPLST::Item> value,
            std::string& error);
-/// Takes away what is there. The root stays.
+/// Removes the item there. The root cannot be removed.
 bool deleteAt(ur::Reference<nxPLST::Item>& root, nxPLST::Path const& path, std::string& error);
 
 }  // namespace nxplist

@@ -1,4 +1,4 @@
-// Reading and writing line by line.
+// Reads and writes files of lines.
 #include "tools/nxplist/Lines.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 
 using nxPLST::JsonReport;
 
-/// Turns the places of a report on one line into those of the whole.
+/// Converts positions in one line to positions in the whole text.
 class LinePlace {
 public:
     LinePlace(std::size_t offset, std::size_t line, long index) : offset_(offset), line_(line), index_(index) {}
@@ -23,7 +23,7 @@ public:
         location.offset += offset_;
         location.line += line_;
     }
-    /// The reason may name the line where something begins, which is the first of the text.
+    /// The reason may mention the line where something begins, which is always line 1 of that text.
     [[nodiscard]] urString::CString moved(urString::CString reason) const {
         constexpr std::string_view first = "line 1,";
         std::size_t const at = reason.view().find(first);

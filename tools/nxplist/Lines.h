@@ -1,4 +1,4 @@
-// Files with a JSON text on each line.
+// Files with one JSON text per line.
 #pragma once
 
 #include <string_view>
@@ -8,11 +8,11 @@
 
 namespace nxplist {
 
-/// An array of the texts of all lines but blank ones. As `convertFromJSON` with a report, with places in the whole.
+/// Reads each line that is not blank as an element of an array. As `convertFromJSON` with a report; positions are in
+/// the whole text.
 bool convertFromLines(ur::Reference<nxPLST::Item>& out, std::string_view text, nxPLST::JsonReport& report);
 
-/// Appends the elements of an array, or a root of another kind, one to a line. As `writeJson`; `style.indent` plays no
-/// part.
+/// Appends the elements of an array, or a root of another type, one per line. As `writeJson`; ignores `style.indent`.
 bool writeLines(urString::CString& text, ur::Reference<nxPLST::Item const> const& root, nxPLST::JsonStyle style);
 
 }  // namespace nxplist

@@ -1,4 +1,4 @@
-// Finding and telling losses.
+// Finds and reports losses.
 #include "tools/nxplist/Losses.h"
 
 #include <algorithm>
@@ -16,10 +16,10 @@ namespace {
 
 using nxPLST::Item;
 
-/// Goes over every text and key of a tree, a shared item once.
+/// Visits every text and key of a tree; a shared item once.
 class TextWalk {
 public:
-    /// Calls `take` with the text and a function that gives its path; until it is false.
+    /// Called with the text and a function that returns its path, until it returns false.
     using Take = std::function<bool(std::string_view text, std::function<std::string()> const& path)>;
 
     explicit TextWalk(Take take) : take_(std::move(take)) {}
@@ -37,7 +37,7 @@ public:
     }
 
 private:
-    /// Opens a container; what is none is finished here.
+    /// Opens a container; handles any other item at once.
     bool visit(Item const* item) {
         bool const isNew = item && (item->referenceCount() == 1 || met_.insert(item).second);
         if (isNew && isContainer(item)) {

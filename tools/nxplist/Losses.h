@@ -1,4 +1,4 @@
-// What is lost between a text, a tree and another form.
+// Reports what is lost between a text, a tree and another form.
 #pragma once
 
 #include <cstdint>
@@ -10,14 +10,14 @@
 
 namespace nxplist {
 
-/// Prints a line on standard error for each loss of the document of that name.
+/// Prints a line on standard error for each loss. `name` is the document's name.
 void tellLosses(std::string const& name, nxPLST::JsonReport const& report);
 
-/// Prints a line on standard error for each of the first hundred texts and keys that packets cut at a NUL, and how many
-/// more there are. The result counts all. A shared item counts where it comes first.
+/// Prints a line on standard error for each of the first 100 texts and keys that packets cut at a NUL, and the number
+/// of further ones. Returns the total number. A shared item counts once, at its first place.
 std::uint64_t tellCutTexts(std::string const& name, nxPLST::Item const* root);
 
-/// The path of the first text or key that is not UTF-8; empty when there is none.
+/// The path of the first text or key that is not UTF-8; empty if all are.
 std::string pathOfBrokenText(nxPLST::Item const* root);
 
 /// Requires: valid JSON.

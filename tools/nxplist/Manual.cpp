@@ -1,4 +1,4 @@
-// Help, manual page and completion.
+// Prints help, manual page and completion.
 #include "tools/nxplist/Manual.h"
 
 #include <algorithm>
@@ -66,7 +66,7 @@ void putFolded(std::FILE* out, std::string_view text) {
     put(out, "\n");
 }
 
-/// Text of a manual page: markup characters lose their meaning.
+/// Prints text in a manual page with markup characters escaped.
 void putRoff(std::FILE* out, std::string_view text) {
     for (char const c : text) {
         if (c == '\\') {

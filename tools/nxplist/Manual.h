@@ -1,4 +1,4 @@
-// Help, manual page and shell completion, made from the tables of commands and options.
+// Help, manual page and shell completion, generated from the tables of commands and options.
 #pragma once
 
 #include <cstdio>
@@ -11,12 +11,12 @@ namespace nxplist {
 struct OptionText {
     std::string_view name;      // "--to"
     std::string_view argument;  // "FORM", empty for a switch
-    std::string_view values;    // the words that completion offers, separated by spaces
-    std::string_view commands;  // those that take it, separated by spaces
+    std::string_view values;    // words offered by completion, separated by spaces
+    std::string_view commands;  // commands that take it, separated by spaces
     std::string_view summary;
 };
 
-/// Null when there is no option of that name.
+/// Null if no option has that name.
 OptionText const* findOption(std::string_view name);
 [[nodiscard]] bool takes(Command const& command, OptionText const& option);
 

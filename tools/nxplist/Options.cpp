@@ -1,4 +1,4 @@
-// Reading the command line.
+// Reads the command line.
 #include "tools/nxplist/Options.h"
 
 #include <charconv>
@@ -36,7 +36,7 @@ unsigned indentFrom(std::string_view spaces, OptionText const& option) {
     return static_cast<unsigned>(numberFrom(spaces, option, 16, "a number of spaces up to 16"));
 }
 
-/// Answers what asks about the program itself.
+/// Answers options about the program itself. False for any other word.
 bool answered(std::string_view word) {
     if (word == "--help" || word == "-h") {
         printHelp(stdout);

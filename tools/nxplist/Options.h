@@ -1,4 +1,4 @@
-// The command line, read.
+// The options of the command line.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace nxplist {
 
-/// How trees are written down.
+/// The forms in which trees are written.
 enum class Form { json, lines, packets, dump };
 
 struct Options {
@@ -28,13 +28,13 @@ struct Options {
     nxPLST::JsonStyle style{.indent = 4};
 };
 
-/// Wrong usage; the text says what is wrong.
+/// Wrong usage. The text describes the mistake.
 struct UsageError {
     std::string message;
 };
 
-/// Throws `UsageError`. The command is null when one of --help, --version, --man-page, --completion and --complete
-/// was given and has been answered on standard output.
+/// Throws `UsageError`. The command is null after --help, --version, --man-page, --completion or --complete has been
+/// answered on standard output.
 Options readOptions(int argc, char const* const* argv);
 
 }  // namespace nxplist

@@ -1,4 +1,4 @@
-// Lines such as `.brush.size: 4 -> 6`, and what they do to a tree.
+// Applies lines such as `.brush.size: 4 -> 6` to a tree.
 #include "tools/nxplist/Patch.h"
 
 #include <optional>
@@ -15,7 +15,7 @@ namespace {
 using Value = ur::Reference<nxPLST::Item>;
 using nxPLST::Path;
 
-/// A place, and what is there before and afterwards; null for nothing.
+/// A place with its values before and after; null for none.
 struct Difference {
     Path path;
     Value before;
@@ -27,7 +27,8 @@ Value valueFrom(std::string_view json) {
     return nxPLST::convertFromJSON(value, urString::CString(json)) ? value : nullptr;
 }
 
-/// Both parts around a separator, where both can be read: it may also be in a key or a text.
+/// Splits the text at a separator so that both parts can be read. Tries every occurrence, because keys and texts may
+/// contain the separator.
 template <class First, class Second>
 bool splitAt(std::string_view separator, std::string_view text, First first, Second second) {
     for (auto at = text.find(separator); at != text.npos; at = text.find(separator, at + 1)) {
@@ -72,7 +73,8 @@ bool fits(Value const& root, Difference const& difference) {
 }  // namespace
 
 void applyDifferences(Document& document, std::string const& name, std::string_view lines) {
-    std::vector<std::pair<std::size_t, Path>> removals;  // the last first, so that elements keep their places
+    std::vector<std::pair<std::size_t, Path>> removals;  // last first, so that the remaining elements keep their
+                                                         // positions
     std::string error;
     for (std::size_t number = 1; !lines.empty(); ++number) {
         auto const end = std::min(lines.find('\n'), lines.size());

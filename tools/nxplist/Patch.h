@@ -1,4 +1,4 @@
-// Applying what a comparison has printed.
+// Applies the differences that a comparison printed.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 
 namespace nxplist {
 
-/// Changes the document as the lines say that `compareTrees` has printed with values in full. Throws `Failure` with the
-/// line, of the input called `name`, that does not fit; the document is then of no use.
+/// Changes the document by lines that `compareTrees` printed with values in full. Throws `Failure` with the first line
+/// that does not fit; `name` is the name of the lines' input. The document is then unusable.
 void applyDifferences(Document& document, std::string const& name, std::string_view lines);
 
 }  // namespace nxplist

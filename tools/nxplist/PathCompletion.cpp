@@ -1,4 +1,4 @@
-// Finding the steps behind a path that is being typed.
+// Completes a path that is being typed.
 #include "tools/nxplist/PathCompletion.h"
 
 #include <cstdio>
@@ -10,7 +10,7 @@
 namespace nxplist {
 namespace {
 
-/// The longest beginning of `text` that is a path and in front of a step that may still be growing.
+/// The longest prefix of `text` that is a path and precedes a step that may still be incomplete.
 std::string_view completeSteps(std::string_view text) {
     std::string unused;
     for (std::size_t end = text.size(); end > 0;) {

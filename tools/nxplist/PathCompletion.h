@@ -1,4 +1,4 @@
-// What a path on the command line may go on with.
+// Completes paths on the command line.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace nxplist {
 
-/// Prints, a line each, the paths into the file that begin with `text` and have one step more than its complete ones.
-/// Prints nothing when there are none or the file cannot be read: nobody reads errors while he types.
+/// Prints, one per line, the paths in the file that begin with `text` and have one step more than its complete steps.
+/// Prints nothing if there are none or the file cannot be read, because an error would disturb the user's typing.
 void printPathCompletions(std::string const& file, std::string_view text);
 
 }  // namespace nxplist

@@ -1,4 +1,4 @@
-// The progress line.
+// Prints the progress line.
 #include "tools/nxplist/Progress.h"
 
 #include <unistd.h>

@@ -1,11 +1,11 @@
-// A line on the terminal that tells how far a long job has come.
+// Shows the progress of a long job on the terminal.
 #pragma once
 
 #include <cstdint>
 
 namespace nxplist {
 
-/// Shows what is going on for jobs of more than 16 MiB when standard error is a terminal, and wipes it at the end.
+/// Shows the progress of jobs of more than 16 MiB if standard error is a terminal, and clears the line at the end.
 class Progress {
 public:
     explicit Progress(char const* work);
@@ -13,7 +13,7 @@ public:
     Progress& operator=(Progress const&) = delete;
     ~Progress();
 
-    /// `total` is 0 when it is not known.
+    /// `total` is 0 if it is unknown.
     void show(std::uint64_t done, std::uint64_t total);
 
 private:

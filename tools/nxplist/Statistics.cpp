@@ -1,4 +1,4 @@
-// One walk over a tree that counts everything.
+// Counts the parts of a tree in one walk.
 #include "tools/nxplist/Statistics.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace {
 
 using nxPLST::Item;
 
-/// An open container: what has been found below it so far.
+/// An open container, with the totals found below it so far.
 struct OpenTree {
     Children children;
     std::uint64_t items;
@@ -65,10 +65,10 @@ public:
     }
 
 private:
-    /// False for an item that was met before. Only those with several holders can be.
+    /// False for an item that was met before. Only items with several holders can be.
     bool isNew(Item const& item) { return item.referenceCount() == 1 || shared_.insert(&item).second; }
 
-    /// Counts `item`; a container stays open, and the parent's turn comes again when it is left.
+    /// Counts `item`. A container stays open; its parent continues after it is closed.
     void enter(Item const& item) {
         std::uint64_t const bytes = ownBytes(item);
         ++result_.countByType[item.type()];
@@ -82,13 +82,13 @@ private:
 
     void leave() {
         OpenTree const left = open_.back();
-        // Whatever lies deeper than this has enough larger subtrees around it.
+        // A container deeper than this is inside enough larger subtrees.
         if (open_.size() > 1 && open_.size() <= wanted_ + 1) offer(left);
         open_.pop_back();
         add(left.items, left.bytes);
     }
 
-    /// Adds a finished child to the container that holds it, or to the whole.
+    /// Adds a finished child to its container, or to the whole.
     void add(std::uint64_t items, std::uint64_t bytes) {
         if (open_.empty()) {
             result_.bytes = bytes;
@@ -114,7 +114,7 @@ private:
         if (largest.size() > wanted_) largest.pop_back();
     }
 
-    /// Of the innermost open container.
+    /// The path of the innermost open container.
     std::string path() const {
         std::string text;
         for (std::size_t i = 0; i + 1 < open_.size(); ++i) text += open_[i].children.step();

@@ -10,7 +10,7 @@
 
 namespace nxplist {
 
-/// What a tree consists of. A shared item counts once, in the first container that holds it.
+/// The counts of a tree's parts. A shared item counts once, in the first container that holds it.
 struct Statistics {
     struct Subtree {
         std::string path;
@@ -25,7 +25,7 @@ struct Statistics {
     std::vector<Subtree> largest;  ///< containers below the root, largest first
 };
 
-/// `subtrees` is how many of the largest are wanted.
+/// `subtrees`: the number of largest subtrees to return.
 Statistics statisticsOf(nxPLST::Item const& root, std::size_t subtrees);
 
 }  // namespace nxplist

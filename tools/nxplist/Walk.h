@@ -1,4 +1,4 @@
-// Going through the children of containers one by one, without recursion over the depth of a tree.
+// Visits the children of containers one by one, without recursion.
 #pragma once
 
 #include <string>
@@ -13,7 +13,7 @@ inline bool isContainer(nxPLST::Item const* item) {
     return item && (item->type() == nxPLST::ArrayType || item->type() == nxPLST::DictionaryType);
 }
 
-/// Stands on the children of one container in turn.
+/// An iterator over the children of one container.
 class Children {
 public:
     explicit Children(nxPLST::Item const& container) : container_(&container) {
@@ -26,11 +26,11 @@ public:
     [[nodiscard]] nxPLST::Item const* item() const {
         return dictionary() ? entry_->second.get() : elements()[index_].get();
     }
-    /// The last step of the path to the child.
+    /// The last step of the path to the current child.
     [[nodiscard]] std::string step() const {
         return dictionary() ? nxPLST::keyText(key().view()) : nxPLST::indexText(static_cast<long>(index_));
     }
-    /// Of a dictionary's child only.
+    /// Requires: the container is a dictionary.
     [[nodiscard]] urString::CString const& key() const { return entry_->first; }
     void next() {
         if (dictionary()) {

@@ -1,4 +1,4 @@
-// What each command does, and how the manual describes it.
+// The commands, and their descriptions in the manual.
 #include "tools/nxplist/commands.h"
 
 #include <algorithm>
@@ -21,7 +21,7 @@
 namespace nxplist {
 namespace {
 
-/// A second reading of the standard input would find nothing.
+/// Refuses to read standard input twice, because the second time it is empty.
 void requireOneStandardInput(Options const& options) {
     if (std::ranges::count(options.files, "-") > 1) throw UsageError{"standard input can be read only once"};
 }
@@ -54,7 +54,7 @@ bool areSameFile(std::string const& input, std::string const& output) {
     return output != "-" && std::filesystem::equivalent(input == "-" ? "/dev/stdin" : input, output, none);
 }
 
-/// Writes the document that was read from the first file.
+/// Writes a document.
 int put(Options const& options, Document const& document, std::string const& output, Form form) {
     std::uint64_t const cut = form == Form::packets ? tellCutTexts(document.name, document.root.get()) : 0;
     if (cut > 0 && options.strict) return ExitCode::negative;
@@ -120,7 +120,7 @@ nxPLST::Path pathFrom(std::string const& text) {
     return path ? *path : throw UsageError{error};
 }
 
-/// Of a path, its value; of a pattern, all that it fits. Throws `Failure` when there is none.
+/// The value at a path, or all values that match a pattern. Throws `Failure` if there is none.
 std::vector<ur::Reference<nxPLST::Item const>> valuesAt(Document const& document, nxPLST::Pattern const& pattern,
                                                         Options const& options) {
     std::string error = "nothing at " + printable(options.files[1]);
@@ -182,7 +182,7 @@ int deletePlace(Options const& options) {
     return putBack(options, document);
 }
 
-/// Both files, once it is sure that going through each place of a shared item comes to an end.
+/// Loads both files. `goesThroughEachPlace`: also checks that visiting every place of shared items ends in time.
 std::array<Document, 2> loadPair(Options const& options, bool goesThroughEachPlace) {
     requireOneStandardInput(options);
     std::array<Document, 2> pair{loadFile(options, 0), loadFile(options, 1)};

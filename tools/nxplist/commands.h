@@ -10,10 +10,10 @@ namespace nxplist {
 
 struct Options;
 
-/// What the program ends with.
+/// The program's exit codes.
 struct ExitCode {
     static constexpr int done = 0;
-    static constexpr int negative = 1;  ///< differs, invalid, not there
+    static constexpr int negative = 1;  ///< differs, invalid, or not found
     static constexpr int unusable = 2;
 };
 
@@ -23,14 +23,14 @@ struct Command {
     std::string_view name;
     int (*run)(Options const&);  // returns the exit code; throws `UsageError` or `Failure`
     std::string_view arguments;
-    std::size_t least;  // how many arguments it takes
+    std::size_t least;  // the fewest arguments that it takes
     std::size_t most;
     std::string_view summary;
     std::string_view details;
 };
 
 std::span<Command const> commands();
-/// Null when there is no command of that name.
+/// Null if no command has that name.
 Command const* findCommand(std::string_view name);
 
 }  // namespace nxplist

@@ -10,7 +10,7 @@ namespace {
 
 int run(Options const& options) { return options.command ? options.command->run(options) : ExitCode::done; }
 
-/// What was printed may still be in the buffer, and the disk full.
+/// Flushes the output, because its last bytes may fail on a full disk.
 int flushed(int exitCode) {
     if (std::fflush(stdout) == 0 && !std::ferror(stdout)) return exitCode;
     std::fprintf(stderr, "nxplist: cannot write to standard output\n");

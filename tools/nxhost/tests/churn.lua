@@ -1,5 +1,5 @@
--- Edits, undo, scripts, transfers and cache churn together: memory and handles must stay as they are once everything has
--- been in use for a while. The last two arguments are for how many seconds, and by how many KiB the process may grow.
+-- Edits, undo, scripts, transfers and cache misses together: memory and handles must stay constant after a warm-up.
+-- The last two arguments are the seconds to run and the KiB by which the process may grow.
 local net = require "fetch"
 local resident = require "resident"
 local document, cache = host.document, host.cache
@@ -26,7 +26,7 @@ local function edit(i)
     if i % 3 == 0 then document:undo() end
     if i % 9 == 0 then document:redo() end
     if i % 200 == 0 then
-        while document.undoCount > 0 do document:undo() end  -- the next step discards them all
+        while document.undoCount > 0 do document:undo() end  -- the next step discards all of these
     end
 end
 

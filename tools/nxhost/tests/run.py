@@ -54,7 +54,7 @@ def outcome(nxhost, script, arguments, certificate):
     return text if run.returncode == 0 else text + f"--- exit {run.returncode}\n"
 
 
-USAGE = [  # arguments, standard input, exit code, what is in the output
+USAGE = [  # arguments, standard input, exit code, text in the output
     (["-e", "print(...)", "a", "-b"], "", 0, "a\t-b\n"),
     (["-e", "return {1, x = 2}, coroutine.create(function() end)"], "", 0, ""),
     (["-e", "n = 1 print(...)", "-e", "print(n + 1) error('x')", "-e", "print(3)", "a"], "", 1, "a\n2\nnxhost: -e:1: x\n"),

@@ -177,7 +177,7 @@ class Server(http.server.ThreadingHTTPServer):
         self.url = f"{scheme}://{address}:{self.server_port}"
 
     def handle_error(self, request, client_address):
-        pass  # clients that go away are what the tests are about
+        pass  # tests close connections on purpose
 
     def __enter__(self):
         threading.Thread(target=self.serve_forever, args=(0.05,), daemon=True).start()

@@ -1,5 +1,5 @@
--- Many connections in turn, of every fate: none may leave anything behind. The last two arguments are how many, and by
--- how many KiB the process may grow.
+-- Many connections in turn, with every kind of end: none may leave anything behind. The last two arguments are their
+-- number and the KiB by which the process may grow.
 local net = require "fetch"
 local resident = require "resident"
 local fates = {"Complete", "ConnectionFailed", "Cancelled"}

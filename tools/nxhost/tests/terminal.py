@@ -12,7 +12,7 @@ import tempfile
 import time
 from pathlib import Path
 
-SECONDS = 60  # for what never comes
+SECONDS = 60  # for output that never comes
 faulthandler.dump_traceback_later(2 * SECONDS, exit=True)
 nxhost = os.path.abspath(sys.argv[1])
 
@@ -53,7 +53,7 @@ class Terminal:
             while more := os.read(self.terminal, 4096):
                 self.seen += more
         except OSError:
-            pass  # how a terminal ends
+            pass  # a terminal ends this way
         status = os.waitpid(self.process, 0)[1]
         os.close(self.terminal)
         assert os.waitstatus_to_exitcode(status) == code, self.seen.decode(errors="replace")
@@ -133,7 +133,7 @@ def remembers(folder):
     terminal.type("\x03")
     terminal.expect_exit(130)
     Path(folder, "history").unlink()
-    Path(folder, "history").symlink_to("/dev/zero")  # which has no end
+    Path(folder, "history").symlink_to("/dev/zero")  # an endless file
     terminal = Terminal(folder)
     terminal.enter("'there'", "there\r\n")
     terminal.expect("> ")
@@ -187,7 +187,7 @@ def signals(_):
     busy = "print 'there' while true do end"
     signalled(busy, signal.SIGINT, 130, "nxhost: -e:1: interrupted\nstack traceback:\n")
     signalled(busy, signal.SIGTERM, 143, "interrupted")
-    # What is left when the script has ended: a function that never ends, and the wait for a server that never answers.
+    # After the script has ended: a function that never ends, and a server that never answers.
     signalled("host.later(function() " + busy + " end)", signal.SIGINT, 130, "interrupted")
     silent = """
         local connection = host.network:createConnection()
@@ -204,7 +204,7 @@ def signals(_):
 
 def does_not_wait_for_pipes(folder):
     os.mkfifo(pipe := f"{folder}/pipe")
-    reader = os.open(pipe, os.O_RDONLY | os.O_NONBLOCK)  # which never reads
+    reader = os.open(pipe, os.O_RDONLY | os.O_NONBLOCK)  # never reads
     writes = f"""
         local connection, request = host.network:createConnection(), host.network:createRequest()
         request.url = 'file://{nxhost}'
@@ -234,7 +234,7 @@ def running(folder, code):
     return process
 
 
-# A text is in the page file.
+# The text is in the page file.
 PAGED = """
     host.cache.memoryLimit = 1000
     for _, name in ipairs{'a', 'b'} do
@@ -245,7 +245,7 @@ PAGED = """
     assert(host.cache.statistics.pagesOut == 1)
     print 'there' io.stdout:flush() """
 BUSY = "while true do end"
-DEAF = "string.find(('a'):rep(60), ('a?'):rep(60) .. ('a'):rep(60))"  # one instruction, for years
+DEAF = "string.find(('a'):rep(60), ('a?'):rep(60) .. ('a'):rep(60))"  # one instruction that runs for years
 
 
 def leaves_nothing(_):
@@ -258,7 +258,7 @@ def leaves_nothing(_):
                                           (BUSY, [signal.SIGINT, signal.SIGTERM], [130, 143, -2, -15]),
                                           (DEAF, [signal.SIGHUP, None, signal.SIGHUP], [-1])]:
             if code == DEAF and os.environ.get("SANITIZERS") == "thread":
-                continue  # whose run-time library keeps signals back until the program calls it
+                continue  # its run-time library holds back signals until the program calls it
             process = running(folder, code)
             for number in signals_sent:
                 process.send_signal(number) if number else time.sleep(1.1)

@@ -1,7 +1,7 @@
--- What the tests of transfers have in common.
+-- Functions shared by the tests of transfers.
 local module = {base = arg[1], secure = arg[2], folder = arg[3]}
 
---- A connection for `path`, with all that arrives in `body()`. `set(request, connection)` may add to it.
+--- Returns a connection for `path`; `body()` returns the data so far. `set(request, connection)` may prepare both.
 function module.connection(path, set)
     local request = host.network:createRequest()
     request.url = path:find("^/") and module.base .. path or path
@@ -13,14 +13,14 @@ function module.connection(path, set)
     return connection, function() return table.concat(parts) end
 end
 
---- Turns the main loop until the connection has ended.
+--- Runs the main loop until the connection has ended.
 function module.wait(connection)
     while connection.status == "NotConnected" or connection.status == "Connected" do
         if not host.turn() then error("nothing is to come, but the connection is " .. connection.status) end
     end
 end
 
---- Fetches and gives the connection and what arrived.
+--- Fetches `path` and returns the connection and the data.
 function module.fetch(path, set)
     local connection, body = module.connection(path, set)
     connection:start()

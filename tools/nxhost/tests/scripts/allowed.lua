@@ -1,4 +1,4 @@
--- Further schemes are allowed by option, but no answer leads to them.
+-- An option allows further schemes, but no answer may redirect to them.
 -- options: --allow file
 local net = require "fetch"
 

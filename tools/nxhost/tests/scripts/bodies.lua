@@ -1,4 +1,4 @@
--- Large bodies arrive byte for byte, and are never in memory as a whole unless the script keeps them.
+-- Large bodies arrive unchanged, and are in memory as a whole only if the script keeps them.
 local net = require "fetch"
 
 local block = {}

@@ -1,4 +1,4 @@
--- Bodies and times have limits, which options change and scripts may shorten.
+-- Bodies and times have limits. Options change them and scripts may shorten them.
 -- options: --body 100K --time 20
 local net = require "fetch"
 

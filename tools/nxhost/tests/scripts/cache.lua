@@ -1,4 +1,4 @@
--- Texts that are derived, kept under a limit, paged out and rebuilt.
+-- Derived texts, which are kept under a limit, paged out and rebuilt.
 -- options: --cache 1K
 local cache = host.cache
 print(cache.memoryLimit)

@@ -1,4 +1,4 @@
--- A transfer can be cancelled at every stage; it is told once and nothing comes after.
+-- A transfer can be cancelled at every stage; the end is reported once and no event follows.
 local net = require "fetch"
 
 local function start(title, path, set)

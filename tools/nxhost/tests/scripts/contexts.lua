@@ -1,4 +1,4 @@
--- The mode of a context decides what becomes of the changes made in it.
+-- The mode of a context decides what happens to the changes made in it.
 local document, Context = host.document, nxSupport.Context
 local function exec(mode, function_) Context.exec(host.domain, mode, function_) end
 local function state() return tostring(document:get("x")), document.undoCount end
@@ -28,7 +28,7 @@ end)
 print(nxSupport.ci(nxNet.Manager) == host.network, nxSupport.ci(urKRCache.Manager) == host.cache,
       nxSupport.ci(nxSupport.Domain) == host.domain, nxSupport.ci(nxTXN.Manager) ~= nil)
 
--- A span is a call that the time line shows.
+-- A span is a call shown on the time line.
 host.span("layout", function() print("in the span") end)
 print(pcall(host.span, "fails", function() error("inside", 0) end))
 print(pcall(host.span, "nothing"))

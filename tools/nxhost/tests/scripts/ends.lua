@@ -1,4 +1,4 @@
--- A script chooses its end, from wherever it is, whatever it catches.
+-- A script ends itself from any place, even where errors are caught.
 host.later(function()
     coroutine.resume(coroutine.create(function() print("never", pcall(os.exit, 5)) end))
     print "never"

@@ -1,4 +1,4 @@
--- What can go wrong has a code and says why. A failing transfer is told once and leaves nothing behind.
+-- Every failure has a code and a reason. A failing transfer is reported once and leaves nothing behind.
 -- options: --time 60
 local net = require "fetch"
 

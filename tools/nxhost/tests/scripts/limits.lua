@@ -1,4 +1,4 @@
--- The limits of the history come from the environment, as does the way to modules.
+-- The environment sets the limits of the history and the search path of modules.
 -- environment: NX_UNDO_LIMIT=2 NX_UNDO_MEMORY_LIMIT=1K
 local document = host.document
 for i = 1, 5 do document:set("x", i) end

@@ -1,4 +1,4 @@
--- Run queue, turns from inside callbacks, and errors in them.
+-- The run queue, nested runs of the main loop in callbacks, and errors in them.
 local net = require "fetch"
 
 print(host.turn())

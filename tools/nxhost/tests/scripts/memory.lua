@@ -1,5 +1,5 @@
 -- options: --sandbox --memory 24M
--- Whatever scripts make natively counts, is collected when they drop it, and is refused when it is too much.
+-- Native memory that scripts cause is counted, collected when they drop it, and refused beyond the limit.
 local page = ("x"):rep(100000)
 local kept = {}
 local function refused(what, f)

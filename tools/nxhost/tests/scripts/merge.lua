@@ -1,6 +1,6 @@
 -- options: --memory 100M
 -- not under: thread
--- Merging block after block into one body costs about as much as the body.
+-- Merging block after block into one body uses about as much memory as the body.
 local net = require "fetch"
 local resident = require "resident"
 

@@ -1,4 +1,4 @@
--- By option the sandbox reaches private addresses, still without files and for no longer than the option says.
+-- With this option the sandbox reaches private addresses, but still no files, and not beyond the time limit.
 -- options: --sandbox --private --time 0.3
 local function fetch(url, timeLimit)
     local request, connection = host.network:createRequest(), host.network:createConnection()

@@ -1,4 +1,4 @@
--- What is sent arrives, and what is answered can be read.
+-- Requests arrive as sent, and answers can be read.
 local net = require "fetch"
 
 local function show(path, method, set)

@@ -1,4 +1,4 @@
--- With its certificate vouched for, a server is trusted; a name that the certificate does not have is not.
+-- A server with a trusted certificate is accepted; a name that its certificate lacks is refused.
 -- options: --authorities CERTIFICATE
 local net = require "fetch"
 

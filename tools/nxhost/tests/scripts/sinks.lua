@@ -1,4 +1,4 @@
--- Data sinks of the host: files that are there when they are complete.
+-- Data sinks of the host: files that appear when they are complete.
 local net = require "fetch"
 
 local path = net.folder .. "/sunk"

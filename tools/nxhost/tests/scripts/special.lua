@@ -1,4 +1,4 @@
--- Pipes, devices and files that the system makes up: nothing waits for good, and nothing is sent as nothing.
+-- Pipes, devices and generated files: no transfer waits forever, and none is sent as empty.
 local net = require "fetch"
 local pipe = net.folder .. "/pipe"
 os.execute("mkfifo " .. pipe)
@@ -48,7 +48,7 @@ repeat
     if file then file:close() end
 until text ~= ""
 print("read", text)
--- A slow reader holds its own transfer only, and has everything in the end, also what waits when the sink is closed.
+-- A slow reader holds only its own transfer and gets all data, including data that waits when the sink is closed.
 os.execute("(sleep 1; cat) < " .. pipe .. " > " .. copy .. " &")
 repeat there, sink = pcall(host.fileSink, pipe) until there
 local slow = net.connection("/huge?size=3000000")
@@ -71,14 +71,14 @@ while host.turn() do end
 os.execute("sleep 0.2")
 local file = io.open(copy)
 print("slowly", slow.status, file:read("*a") == table.concat(parts) .. rest.data, file:close())
--- More than may wait.
+-- More than the limit of waiting data.
 os.execute("sleep 3 < " .. pipe .. " &")
 repeat there, sink = pcall(host.fileSink, pipe) until there
 local refused
 repeat refused = select(2, pcall(sink.processData, sink, rest)) until refused
 print("too much", (refused:gsub(".*: ", "")))
 sink:close(false)
--- The reader goes; that is an error and does not end the program.
+-- A reader that closes the pipe causes an error and does not end the program.
 pipe = net.folder .. "/unread"
 os.execute("mkfifo " .. pipe)
 os.execute("(true < " .. pipe .. "; touch " .. pipe .. ".gone) &")
