@@ -1,4 +1,4 @@
-// A Qt object with one signal, and one that listens to it.
+// A Qt object with one signal, and a Qt object that listens to it.
 #pragma once
 
 #include <QObject>

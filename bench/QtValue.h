@@ -1,4 +1,4 @@
-// A Qt object with one value and the signals that tell of its changes.
+// A Qt object with one value and signals for its changes.
 #pragma once
 
 #include <QObject>

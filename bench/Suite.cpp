@@ -1,4 +1,4 @@
-// Medians of interleaved runs, printed and kept.
+// Measures medians of interleaved runs, prints and stores them.
 #include "bench/Suite.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ Measured summary(std::vector<double> samples) {
     return {median, median > 0 ? range / median : 0};
 }
 
-/// As many turns as fit the time for a row, between three and a hundred.
+/// As many repetitions as fit the time for a row, between 3 and 100.
 int turnsFor(double secondsPerTurn, bool quick) {
     double const budget = quick ? 0.6 : 3.0;
     return static_cast<int>(std::clamp(budget / std::max(secondsPerTurn, 1e-6), 3.0, 100.0));
@@ -85,7 +85,7 @@ void Suite::compare(std::string const& name, double target, std::function<Sides(
 
 void Suite::compareGrowth(std::string const& subject, std::size_t least,
                           std::function<double(std::size_t)> const& work) {
-    constexpr double steepest = 2.0;  // a larger working set leaves the processor's caches behind
+    constexpr double steepest = 2.0;  // a larger working set no longer fits the processor's caches
     for (std::size_t n = 10 * least; n <= (quick() ? 100 : 1000) * least; n *= 10) {
         double const count = static_cast<double>(n);
         double const factor = 10 * std::log2(count) / std::log2(count / 10);

@@ -1,4 +1,4 @@
-// Comparing our way of doing a piece of work with what a user would pick instead, in one run.
+// Compares our way of doing a task with its alternatives, in one run.
 #pragma once
 
 #include <chrono>
@@ -9,13 +9,13 @@
 
 namespace bench {
 
-/// One way of doing the work. `measure` does it once and gives its cost: seconds, or bytes for rows of memory.
+/// One way of doing the task. `measure` does it once and returns its cost: seconds, or bytes in rows about memory.
 struct Side {
     std::string name;
     std::function<double()> measure;
 };
 
-/// How long `work` takes, in seconds.
+/// The time that `work` takes, in seconds.
 template <class Work>
 double seconds(Work&& work) {
     auto const start = std::chrono::steady_clock::now();
@@ -23,7 +23,7 @@ double seconds(Work&& work) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-/// A side that calls `work` with every number from 0 up to `times`.
+/// A side that calls `work` with every number from 0 to `times` - 1.
 template <class Work>
 Side repeated(char const* name, int times, Work work) {
     return {name, [=] {
@@ -33,10 +33,10 @@ Side repeated(char const* name, int times, Work work) {
             }};
 }
 
-/// Our way first, then the peers'.
+/// Our side first, then the others.
 using Sides = std::vector<Side>;
 
-/// One line of the result: the medians of both sides, our own against the best peer's.
+/// One line of the result: the median of our side and that of the best other side.
 struct Row {
     std::string name;
     double ours;
@@ -44,41 +44,41 @@ struct Row {
     std::string peerName;
     double ratio;
     double target;
-    double spread;  // of ours: (90th - 10th percentile) / median
+    double spread;  // of our side: (90th - 10th percentile) / median
     bool ok;
 };
 
 enum class Unit { seconds, bytes };
 
-/// Runs rows as they are added and keeps their results. The sides of a row take turns, so that a machine whose
-/// speed drifts treats them alike.
+/// Runs rows as they are added and keeps their results. The sides of a row alternate, so that changes of the machine's
+/// speed affect all of them.
 class Suite {
 public:
     struct Options {
         bool quick = false;    // smaller inputs and fewer repetitions
         std::string filter;    // only rows whose names contain it
-        std::string jsonFile;  // where `writeJson` puts the results; empty: nowhere
+        std::string jsonFile;  // the file for `writeJson`; empty for none
     };
 
     explicit Suite(Options options) : options_(std::move(options)) {}
 
-    /// Compares one row. `prepare` makes the sides, and with them the inputs, only when the row is to run; `target`
-    /// is the largest good ratio of ours to the best peer's.
+    /// Compares one row. `prepare` creates the sides and their inputs, only if the row is to run. `target` is the
+    /// largest acceptable ratio of our cost to that of the best other side.
     void compare(std::string const& name, double target, std::function<Sides()> const& prepare,
                  Unit unit = Unit::seconds);
 
-    /// Rows `growth/SUBJECT/N`, N being ten, a hundred and a thousand times `least`: the seconds of `work` for N
-    /// beside those for a tenth of N, ten times, with n log n allowed. A quick run leaves the last out.
+    /// Adds rows `growth/SUBJECT/N` for N = 10, 100 and 1000 times `least`. Each compares the seconds of `work` for N
+    /// with ten times those for N / 10, and allows growth by n log n. A quick run leaves out the last row.
     void compareGrowth(std::string const& subject, std::size_t least, std::function<double(std::size_t)> const& work);
 
     [[nodiscard]] bool quick() const { return options_.quick; }
-    /// `full` work, or a tenth of it in a quick run.
+    /// `full`, or a tenth of it in a quick run.
     [[nodiscard]] int scaled(int full) const { return options_.quick ? (full + 9) / 10 : full; }
 
-    /// Whether no row has run: none has the filter's text in its name.
+    /// Whether no row has run, because no name contains the filter's text.
     [[nodiscard]] bool empty() const { return rows_.empty(); }
     [[nodiscard]] bool allMet() const;
-    /// False when the file could not be written.
+    /// False if the file could not be written.
     [[nodiscard]] bool writeJson() const;
 
 private:
@@ -86,7 +86,7 @@ private:
     std::vector<Row> rows_;
 };
 
-/// Keeps the compiler from dropping a result that nobody reads.
+/// Keeps the compiler from removing a result that is not read.
 template <class T>
 void keep(T const& value) {
     asm volatile("" : : "r,m"(value) : "memory");

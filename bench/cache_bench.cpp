@@ -26,7 +26,7 @@ using urKRCache::Manager;
 using urKRCache::Resource;
 using urKRCache::Shim;
 
-/// What is cached: the tiles of an image pyramid. The same key and the same payload on every side.
+/// The cached data: tiles of an image pyramid. All sides use the same key and the same payload.
 struct Tile {
     std::uint32_t place;
     std::uint32_t level;
@@ -49,7 +49,7 @@ struct TileHash {
 };
 
 constexpr char const* listName = "list+unordered_map";
-constexpr char const* noFolder = "/no/such/folder";  // nothing is paged there
+constexpr char const* noFolder = "/no/such/folder";  // no page file, so nothing is paged
 
 Tile tile(std::size_t number) { return {static_cast<std::uint32_t>(number), static_cast<std::uint32_t>(number % 7)}; }
 
@@ -75,7 +75,7 @@ struct TileKey : KeyData {
     unsigned size;
 };
 
-/// Our cache, with the keys and shims that its users keep.
+/// Our cache, with the keys and shims that its clients hold.
 struct Ours {
     Ours(std::vector<unsigned> const& sizes, std::uint64_t limit) : manager(noFolder) {
         manager.setMemoryLimit64(limit);
@@ -111,7 +111,7 @@ struct QtCache {
     QCache<Tile, Payload> cache;
 };
 
-/// The cache that people write when they need one.
+/// A cache as programmers write it when they need one.
 class ListCache {
 public:
     explicit ListCache(std::uint64_t limit) : limit_(limit) {}
@@ -156,14 +156,14 @@ SharedAccesses randomAccesses(std::size_t keys, int count) {
     return std::make_shared<Accesses const>(std::move(accesses));
 }
 
-/// The keys come round again and again.
+/// Accesses all keys in turn, repeatedly.
 SharedAccesses roundAccesses(std::size_t keys, int count) {
     Accesses accesses(static_cast<std::size_t>(count));
     for (std::size_t i = 0; i < accesses.size(); ++i) accesses[i] = static_cast<std::uint32_t>(i % keys);
     return std::make_shared<Accesses const>(std::move(accesses));
 }
 
-/// A side that makes all accesses on one cache, which it keeps.
+/// A side that makes all accesses on one cache and keeps the cache.
 template <class Cache, class Use>
 Side accessing(char const* name, std::shared_ptr<Cache> cache, SharedAccesses const& accesses, Use use) {
     return {name, [=] {
@@ -181,7 +181,7 @@ constexpr auto byKey = [](Ours& cache, std::size_t key) {
 };
 constexpr auto byPeerKey = [](auto& cache, std::size_t key) { return cache.use(key, 1); };
 
-/// All caches with room for `room` of the keys.
+/// A side for each cache, with room for `room` of the keys.
 template <class Use>
 Sides caches(std::size_t keys, std::size_t room, SharedAccesses const& accesses, Use use) {
     return {accessing("krcache", std::make_shared<Ours>(std::vector(keys, 1U), room), accesses, use),
@@ -189,7 +189,7 @@ Sides caches(std::size_t keys, std::size_t room, SharedAccesses const& accesses,
             accessing(listName, std::make_shared<ListCache>(room), accesses, byPeerKey)};
 }
 
-/// Every access misses: a key comes round again just after it has been evicted.
+/// Every access misses, because it returns to a key just after its eviction.
 Sides misses(std::size_t keys, int count) { return caches(keys, keys / 2, roundAccesses(keys, count), byShim); }
 
 bool isAccess(urKRCache::TraceRecorder::Event event) {
@@ -197,7 +197,7 @@ bool isAccess(urKRCache::TraceRecorder::Event event) {
     return event == Event::hit || event == Event::build || event == Event::pageIn;
 }
 
-/// A recorded load: which keys were asked for, in order, and how large each one's resource is.
+/// A recorded load: the accessed keys in order, and the size of each one's resource.
 struct Trace {
     explicit Trace(std::string const& name) {
         QFile file(QString::fromStdString(NX_BENCH_TRACES "/" + name + ".z"));
@@ -221,7 +221,7 @@ struct Trace {
     std::vector<unsigned> sizes;
 };
 
-/// The trace on caches with room for a quarter of all bytes.
+/// Replays the trace on caches with room for a quarter of all bytes.
 Sides replays(std::string const& name, bool isQuick) {
     Trace trace(name);
     if (isQuick) trace.accesses.resize(trace.accesses.size() / 10);
@@ -234,7 +234,7 @@ Sides replays(std::string const& name, bool isQuick) {
             accessing(listName, std::make_shared<ListCache>(room), accesses, peerUse)};
 }
 
-/// As large as it says.
+/// Occupies as many bytes as it reports.
 struct PageResource final : Resource {
     unsigned onGetSizeInBytes() const override { return static_cast<unsigned>(bytes.size()); }
     void onSerialize(urOS::IOStream& stream) override { static_cast<void>(stream.write(bytes.data(), bytes.size())); }
@@ -280,7 +280,7 @@ Side plainPaging(std::string const& folder, std::size_t pages) {
             }};
 }
 
-/// The limit of the whole process beside that of the resources alone, with as many bytes for them.
+/// Compares a limit of the process's resident size with a limit of the resources alone; both leave the same room.
 Sides residentSizeMode(std::size_t keys, int count) {
     constexpr unsigned size = 4096;
     struct OffHeapKey final : TileKey {
@@ -308,7 +308,7 @@ struct DerivedKey final : TileKey {
     Reference<Shim> source;
 };
 
-/// Makes `count` shims and finds each again by its key.
+/// Creates `count` shims and finds each again by its key.
 double makeAndFind(std::size_t count) {
     Manager manager(noFolder);
     return seconds([&] {
@@ -322,7 +322,7 @@ double makeAndFind(std::size_t count) {
 
 enum class Shape { fan, chain };
 
-/// Makes `count` shims that are built from one, or each from the one before, and removes them with the first.
+/// Creates `count` shims, all built from one or each from the previous one, and removes them with the first.
 template <Shape shape>
 double derive(std::size_t count) {
     Manager manager(noFolder);
@@ -341,7 +341,7 @@ double derive(std::size_t count) {
 
 void addCacheRows(Suite& suite) {
     int const count = suite.scaled(200'000);
-    constexpr int hits = 200'000;  // also in quick runs: processors learn shorter sequences by heart
+    constexpr int hits = 200'000;  // also in quick runs, because processors learn shorter sequences by heart
     suite.compare("cache-hit/shim", 0.5, [=] { return caches(2000, 2000, randomAccesses(2000, hits), byShim); });
     suite.compare("cache-hit/key", 1.0, [=] { return caches(2000, 2000, randomAccesses(2000, hits), byKey); });
     suite.compare("cache-miss", 0.8, [=] { return misses(2000, count); });

@@ -1,4 +1,4 @@
-// Finding keys in dictionaries.
+// Finds keys in dictionaries.
 #include <algorithm>
 #include <map>
 #include <memory>
@@ -21,7 +21,7 @@ std::vector<std::string> makeKeys(int count) {
     return keys;
 }
 
-/// Calls `find` with the keys in a random order, `findsPerRun` times in all.
+/// Calls `find` with the keys in random order, `findsPerRun` times in total.
 template <class Key, class Find>
 Side finding(char const* name, std::vector<std::string> const& texts, Find find) {
     std::vector<Key> keys;
@@ -52,7 +52,7 @@ Sides finders(int count) {
             finding<std::string>("std::map", texts, [=](auto const& key) { return plain->find(key)->second.get(); })};
 }
 
-/// Filling a dictionary with `count` keys in no order, finding each, and taking them out.
+/// Inserts `count` keys in random order, finds each one, and removes them.
 double lifeOfDictionary(std::size_t count) {
     std::vector<urString::CString> keys;
     for (std::string const& text : makeKeys(static_cast<int>(count))) keys.emplace_back(text.c_str());

@@ -1,4 +1,4 @@
-// The inputs that rows share: texts and trees of the shapes that tools meet.
+// The inputs shared by several rows: texts and trees as tools use them.
 #pragma once
 
 #include <string>
@@ -13,11 +13,11 @@ struct Document {
     std::string text;
 };
 
-/// Text-heavy (the ISO 639-3 language list), number-heavy (outlines in full precision), many small objects, and
-/// deeply nested. `quick` makes the generated ones a tenth as long.
+/// Much text (the ISO 639-3 language list), many numbers (outlines in full precision), many small objects, and deep
+/// nesting. `quick` makes the generated ones a tenth as long.
 std::vector<Document> const& documents(bool quick);
 
-/// An array of records of eight nodes each: numbers, texts, truth values, and an array of numbers.
+/// An array of records of eight nodes each: numbers, texts, booleans, and an array of numbers.
 ur::Reference<nxPLST::Item> recordTree(int records);
 
 }  // namespace bench

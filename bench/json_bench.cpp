@@ -21,7 +21,7 @@ boost::json::parse_options const anyDepth = [] {
 
 using Text = std::shared_ptr<std::string const>;
 
-/// The trees outlive the clock: destroying them is measured elsewhere.
+/// The trees live until the clock has stopped, because other rows measure destruction.
 Sides readers(Document const& document) {
     Text const text = std::make_shared<std::string>(document.text);
     return {{"nxPLST",
@@ -49,7 +49,7 @@ Sides readers(Document const& document) {
              }}};
 }
 
-/// Boost.JSON has no indented form: it writes the same values in fewer characters.
+/// Boost.JSON has no indented form, so it writes the same values in fewer characters.
 Sides writers(Document const& document) {
     ur::Reference<nxPLST::Item> ours;
     static_cast<void>(nxPLST::convertFromJSON(ours, document.text.data(), static_cast<unsigned>(document.text.size())));
@@ -88,7 +88,7 @@ void addJsonRows(Suite& suite) {
         suite.compare("json-read/" + document.name, 0.90, [&] { return readers(document); });
     }
     for (Document const& document : documents(suite.quick())) {
-        if (document.name == "nested") continue;  // deeper than strict JSON is written
+        if (document.name == "nested") continue;  // deeper than the limit of strict JSON
         suite.compare("json-write/" + document.name, document.name == "outlines" ? 0.80 : 0.95,
                       [&] { return writers(document); });
     }

@@ -1,4 +1,4 @@
-// The benchmark program: every row, one line each; exits with 1 when a target is missed.
+// The benchmark program: prints one line per row; exits with 1 if a target is missed.
 #include <cstdio>
 #include <cstring>
 

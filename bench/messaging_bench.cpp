@@ -47,8 +47,8 @@ private:
     urThread::RunQueue queue_;
 };
 
-/// What a program without contexts would write for itself, likewise in a library: a scope that pushes its mode,
-/// tells the program's owner, and has it list its services when it is the first.
+/// A program's own replacement for contexts, also in a library: a scope that pushes its mode, calls the program's
+/// owner, and lets it list its services if the scope is the first.
 class PlainScope {
 public:
     struct Owner {
@@ -103,7 +103,7 @@ Side contexts(char const* name, std::shared_ptr<Host> const& host, Context::Mode
     });
 }
 
-/// What is plain code on purpose has this aim only.
+/// The only target of code that is kept plain on purpose.
 Side hundredNanoseconds() {
     return {"100 ns each", [] { return repetitions * 100e-9; }};
 }
@@ -121,7 +121,7 @@ Sides nested() {
             hundredNanoseconds()};
 }
 
-/// Nothing set, beside an observer that looks at nothing: what remains of it must cost next to nothing.
+/// Compares no observer with an observer that does nothing: the checks without an observer must cost next to nothing.
 Sides unobserved() {
     struct Idle : nxSupport::ContextObserver {
         void onBegin(Context const&, Clock::time_point) override {}
@@ -160,7 +160,7 @@ struct Tick : Broadcaster::Message {
 };
 void count(Tick& tick) { ++tick.count; }
 
-/// A bus as one writes it for oneself: it works as long as no subscriber touches it.
+/// A program's own message bus. It works as long as no subscriber changes it.
 class PlainBus {
 public:
     void connect(int priority, std::function<void(Tick&)> function) {
@@ -194,7 +194,7 @@ Sides buses(int subscribers) {
                                    [](PlainBus& bus, int priority) { bus.connect(priority, count); })};
 }
 
-/// Called with a text and a number, as named operations usually are.
+/// Takes a text and a number, as named operations usually do.
 class Scale final : public nxDYD::Function {
 public:
     Scale() : Function("scale") {}
@@ -215,7 +215,7 @@ struct CountingHooks final : nxDYD::Hooks {
     int calls = 0;
 };
 
-/// The caller holds the values already, as items and as plain ones.
+/// The caller already holds the values, both as items and as plain ones.
 Sides dynamicCalls() {
     auto const scale = ur::make<Scale>();
     scale->setHooks(ur::make<CountingHooks>());

@@ -1,4 +1,4 @@
-// Packet streams beside other binary forms of the same tree.
+// Compares packet streams with other binary forms of the same tree.
 #include <cereal/archives/binary.hpp>
 #include <cereal/types/map.hpp>
 #include <cereal/types/string.hpp>
@@ -22,7 +22,7 @@ namespace {
 
 using Tree = ur::Reference<nxPLST::Item>;
 
-/// The tree that a user of cereal would write down.
+/// The tree as a user of cereal would define it.
 struct Node {
     std::variant<bool, double, std::string, std::vector<Node>, std::map<std::string, Node>> value;
 
@@ -48,7 +48,7 @@ Node nodeOf(Tree const& item) {
     return node;
 }
 
-/// Packs the items as MessagePack; unpacked, this gives the object tree that is copied in the write row.
+/// Packs items as MessagePack. Unpacking this gives the object tree that the write row copies.
 void pack(msgpack::packer<msgpack::sbuffer>& out, Tree const& item) {
     if (auto const truth = nxPLST::asBool(item)) out.pack(truth->value());
     if (auto const number = nxPLST::asDouble(item)) out.pack(number->value());

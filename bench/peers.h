@@ -1,4 +1,4 @@
-// The peers' way of building the record tree, and their names.
+// How the other libraries build the record tree, and their names.
 #pragma once
 
 #include <rapidjson/document.h>

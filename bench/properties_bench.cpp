@@ -1,4 +1,4 @@
-// Properties: setting through a joined set, with and without undo, and how the cost of a set grows with its members.
+// Properties: setting in a joined set, with and without undo, and how the cost of a set grows with its members.
 #include <QUndoStack>
 #include <memory>
 #include <string>
@@ -43,7 +43,7 @@ struct OurTrio {
     std::vector<Reference<Property>> members;
 };
 
-/// A value with two listeners to each of its three signals, which tell the same as the stages of a change.
+/// A value with three signals and two listeners to each; the signals correspond to the stages of a change.
 struct QtTrio {
     QtTrio() {
         for (int listener = 0; listener < 2; ++listener) {
@@ -77,7 +77,7 @@ Sides setting(int times) {
             repeated("Qt signals", times, [=](int i) { qt->value.setValue(static_cast<double>(i)); })};
 }
 
-/// Each time in a new history, so that both sides keep the same number of steps; with its menus, as in the undo rows.
+/// Uses a new history each time, so that both sides keep the same number of steps; with menus, as in the undo rows.
 Sides settingWithUndo(int times) {
     return {{"Property",
              [=] {
@@ -102,7 +102,7 @@ Sides settingWithUndo(int times) {
              }}};
 }
 
-/// Builds a joined set, sets through it, moves it into another and takes it apart.
+/// Builds a joined set, sets through it, moves it into another set and dissolves it.
 double lifeOfSet(std::size_t count) {
     nxTXN::Manager manager;
     auto const other = Property::createTxd(manager, "other", number(1));

@@ -1,11 +1,11 @@
-// The groups of rows, one source file each.
+// The groups of rows; each has its own source file.
 #pragma once
 
 #include "bench/Suite.h"
 
 namespace bench {
 
-/// Must come first: what other rows leave free would hide what trees take.
+/// Must come first: otherwise trees would reuse memory that other rows have freed, and their size would be hidden.
 void addMemoryRows(Suite& suite);
 void addJsonRows(Suite& suite);
 void addTreeRows(Suite& suite);

@@ -1,4 +1,4 @@
-// Performance scopes and script calls while no time line is recorded, which must cost next to nothing.
+// Performance scopes and script calls without a time line, which must cost next to nothing.
 #include <array>
 
 #include "bench/rows.h"
@@ -12,7 +12,7 @@ namespace {
 
 constexpr int repetitions = 100000;
 
-/// What a program would write for itself: the watches of two activities, switched by hand.
+/// A program's own replacement: the watches of two activities, switched by hand.
 void switchByHand(int i) {
     static std::array<urOS::StopWatch, 2> watches;
     watches[i % 2 == 0 ? 1 : 0].stop();
@@ -25,7 +25,7 @@ void switchScope(int i) {
     scope.charge(i % 2 == 0 ? nxSupport::Perf_UpdateDoc : nxSupport::Perf_DrawScene);
 }
 
-/// As long as a very short script call.
+/// Takes as long as a very short script call.
 [[gnu::noinline]] int work(int seed) {
     for (int i = 0; i < 300; ++i) {
         seed = seed * 5 + 1;

@@ -44,7 +44,7 @@ Sides emitters(int listeners) {
                 [](auto& sender, int value) { sender.send(value); })};
 }
 
-/// A side that connects a hundred listeners and disconnects them again, in the same order.
+/// A side that connects 100 listeners and disconnects them in the same order.
 template <class Connection, class Sender, class Connect, class Disconnect>
 Side churning(char const* name, Connect connect, Disconnect disconnect) {
     return {name, [=] {
@@ -74,7 +74,7 @@ Sides churners() {
                 [](auto& connection) { QObject::disconnect(connection); })};
 }
 
-/// Connecting `count` listeners, emitting to them, and disconnecting them in the same order.
+/// Connects `count` listeners, emits to them, and disconnects them in the same order.
 double lifeOfListeners(std::size_t count) {
     urRTB::Signal<int> signal;
     std::vector<urRTB::Connection> connections(count);

@@ -1,4 +1,4 @@
-// Item trees: copying and destroying, and what a node takes.
+// Item trees: copying, destroying, and the size of a node.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,8 +21,8 @@ double residentBytes() {
     return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
 }
 
-/// What `build` adds to the resident size, in a process of its own. Requires: this one has not held trees before,
-/// whose memory the other would find free.
+/// The growth of the resident size by `build`, measured in a child process. Requires: this process has not held trees
+/// yet, because the child would reuse their freed memory.
 template <class Build>
 double bytesOf(Build build) {
     int ends[2];
@@ -75,7 +75,7 @@ Sides bytesPerNode(int records) {
             {nlohmannName, [=] { return bytesOf([=] { return nlohmannRecords(records); }) / nodes; }}};
 }
 
-/// Copying a tree of `nodes` and destroying the copy.
+/// Copies a tree of `nodes` nodes and destroys the copy.
 double lifeOfCopy(std::size_t nodes) {
     auto const tree = recordTree(static_cast<int>(nodes / nodesPerRecord));
     return seconds([&] { keep(tree->clone()); });

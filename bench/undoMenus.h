@@ -1,4 +1,4 @@
-// The two menu entries that show what can be undone and redone, kept up to date as an application does.
+// The two menu entries for undo and redo, updated as in an application.
 #pragma once
 
 #include <QAction>
@@ -10,7 +10,7 @@
 
 namespace bench {
 
-/// The entries of a manager's history. They touch their text only when that changes, as Qt's do.
+/// The entries for a manager's history. They set their text only if it changes, as Qt's entries do.
 class OurMenus {
 public:
     explicit OurMenus(nxTXN::Manager& manager) {
@@ -40,7 +40,7 @@ private:
     Entry redo_;
 };
 
-/// Those that Qt's stack makes for the purpose.
+/// The entries that Qt's undo stack creates.
 class QtMenus {
 public:
     explicit QtMenus(QUndoStack& stack) {
@@ -50,7 +50,7 @@ public:
     }
 
 private:
-    /// Menu entries want an application. It shows nothing.
+    /// Menu entries require an application object. It shows no window.
     static void needApplication() {
         static int argc = 1;
         static char name[] = "nxbench";

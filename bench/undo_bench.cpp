@@ -1,4 +1,4 @@
-// The undo history: recording, walking back and forth, what it occupies, and how its cost grows.
+// The undo history: recording, undo and redo, memory, and how its cost grows.
 #include <malloc.h>
 
 #include <cmath>
@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::size_t shapeCount = 1000;
 
-/// A shape of the drawing that is edited: each edit moves one.
+/// A shape of the edited drawing. Each edit moves one shape.
 class Shape final : public nxTXN::RefCountedObject {
 public:
     using RefCountedObject::RefCountedObject;
@@ -40,7 +40,7 @@ private:
     double x_ = 0;
 };
 
-/// A drawing with its history and the menus that show it.
+/// A drawing with its history and its undo menus.
 class OurDrawing {
 public:
     OurDrawing() {
@@ -158,7 +158,7 @@ Side occupying(char const* name, std::size_t edits) {
             }};
 }
 
-/// Where insertion number i goes in a list of so many: anywhere.
+/// The position of insertion number i in a list of that size, spread over the list.
 std::size_t scattered(std::size_t i, std::size_t size) { return i * 7919 % size; }
 
 /// A drawing whose order of shapes is edited.
@@ -207,7 +207,7 @@ private:
     QUndoStack stack_;
 };
 
-/// Inserting anywhere in a long list, and undoing that.
+/// Inserts all over a long list, and undoes it.
 template <class Layers>
 Side inserting(char const* name, std::size_t size, std::size_t insertions) {
     return {name, [layers = std::make_shared<Layers>(size), insertions] {
@@ -218,7 +218,7 @@ Side inserting(char const* name, std::size_t size, std::size_t insertions) {
             }};
 }
 
-/// The history of each insertion.
+/// The bytes in the history for each insertion.
 Side insertionBytes(std::size_t size, std::size_t insertions) {
     return {"nxTXN", [=] {
                 OurLayers layers(size);
@@ -227,7 +227,7 @@ Side insertionBytes(std::size_t size, std::size_t insertions) {
             }};
 }
 
-/// Recording, undoing and redoing a history of `edits`.
+/// Records, undoes and redoes a history of `edits`.
 double lifeOfHistory(std::size_t edits) {
     double const time = timeToRecord<OurDrawing>(edits);
     auto const drawing = edited<OurDrawing>(edits);
