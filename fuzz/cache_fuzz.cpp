@@ -1,4 +1,4 @@
-// Calls that the fuzzing engine makes up, on a manager and on the plain model of it.
+// Makes generated calls on a manager and on the plain model of it.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

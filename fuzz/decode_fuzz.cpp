@@ -1,4 +1,4 @@
-// Any bytes as the text that a script has decoded: taken exactly when the other reader takes it, and the same values.
+// Decodes any bytes as a script does. Acceptance and values must agree with the other JSON reader.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +16,7 @@ namespace {
 using nxPLST::Item;
 using urString::CString;
 
-/// Deeper texts have no room on the stack of Lua.
+/// Deeper texts do not fit Lua's stack.
 constexpr std::ptrdiff_t deepest = 1000;
 
 lua_State* openState() {
@@ -60,7 +60,7 @@ bool sameMembers(lua_State* state, nxPLST::Dictionary const& dictionary) {
     return left == 0;
 }
 
-/// The value on top of the stack and the item.
+/// Whether the value on top of the stack equals the item.
 bool same(lua_State* state, Item const& item) {
     require(lua_checkstack(state, 3) != 0, "there is room for a walk");
     switch (item.type()) {
@@ -81,7 +81,7 @@ bool same(lua_State* state, Item const& item) {
     return false;
 }
 
-/// Nulls are holes in a table and left out of a tree.
+/// A null becomes a hole in a table, but is omitted from a tree.
 bool hasNulls(nxPLST::JsonReport const& report) {
     if (report.lossCount > report.losses.size()) return true;
     for (auto const& loss : report.losses) {

@@ -1,5 +1,5 @@
-// Any bytes as JSON: accepted exactly when yajl accepts them, the same tree from both readers, a report that fits,
-// and a text that stays the same once it has been written and read.
+// Reads any bytes as JSON. They must be accepted if and only if yajl accepts them, both readers must build the same
+// tree, the report must fit, and written text must stay the same when it is read and written again.
 #include <yajl/yajl_parse.h>
 
 #include <cstddef>
@@ -14,7 +14,7 @@ using nxPLST::Item;
 using urString::CString;
 
 bool acceptedByYajl(CString const& text) {
-    // Both number callbacks, so that numbers that fit neither type are refused.
+    // Set both number callbacks, so that yajl refuses numbers that fit neither type.
     yajl_callbacks callbacks{};
     callbacks.yajl_integer = [](void*, long long) { return 1; };
     callbacks.yajl_double = [](void*, double) { return 1; };
@@ -27,7 +27,7 @@ bool acceptedByYajl(CString const& text) {
     return accepted;
 }
 
-/// Empty for a tree that strict JSON cannot hold.
+/// Empty if strict JSON cannot hold the tree.
 CString written(ur::Reference<Item> const& item) {
     CString text;
     return nxPLST::convertToJSON(text, item) ? text : CString();
@@ -43,7 +43,7 @@ void checkReport(CString const& text, bool accepted) {
     require(report.losses.size() <= nxPLST::JsonReport::mostLosses, "losses are bounded");
 }
 
-/// From the second time on, since -0 becomes 0 and large whole numbers cannot be read back.
+/// Compares from the second writing on, because -0 becomes 0 and large integers cannot be read back.
 void checkRoundTrip(CString const& text) {
     ur::Reference<Item> again;
     if (text.empty() || !nxPLST::convertFromJSON(again, text)) return;
@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
     checkReport(text, accepted);
     if (!accepted) return 0;
 
-    // A comment in front has yajl itself read the text.
+    // A leading comment makes yajl itself read the text.
     ur::Reference<Item> careful;
     require(nxPLST::convertFromJSON(careful, CString("/**/").append(text)), "a comment changes nothing");
     require(!item == !careful && (!item || item->congruent(*careful)), "both readers make the same tree");

@@ -1,4 +1,4 @@
-// Calls that the fuzzing engine makes up, on maps of small blocks and on the standard's map.
+// Makes generated calls on maps with small blocks and on the standard map.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

@@ -1,5 +1,5 @@
-// Scripts that the bytes put together out of everything that scripts find in the host, in its sandbox and with budgets:
-// each ends within them, and nothing stays on the account when the host has gone.
+// Builds scripts from everything that nxhost offers, and runs them in its sandbox with budgets. Each script must end
+// within its budgets, and the account must be empty after the host is destroyed.
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -19,7 +19,7 @@ using nxRFL::Member;
 constexpr int mostTurns = 3;
 constexpr std::size_t mostMemory = std::size_t(8) << 20U;
 
-/// The last object of each class is in `o`, the last value of all in `last`. Nothing here may fail the script.
+/// `o` holds the last object of each class, `last` the last value of any kind. Nothing here may fail the script.
 constexpr std::string_view prelude = R"lua(
     o, last = {}, nil
     local function keep(...)
@@ -33,7 +33,7 @@ constexpr std::string_view prelude = R"lua(
     for _, value in pairs(host) do keep(value) end
 )lua";
 
-/// Makes a script of bytes; zeros follow the last one.
+/// Generates a script from bytes; reads zeros after the last byte.
 class Author {
 public:
     Author(nxRFL::Database const& database, std::uint8_t const* bytes, std::size_t size) noexcept
@@ -76,13 +76,13 @@ private:
                  "tostring"});
         return name + arguments(depth, byte() % 4);
     }
-    /// A function of a table of functions.
+    /// A call of a function in a table of functions.
     std::string function(int depth) {
         auto const& tables = database_.tables();
         auto const& table = *tables[byte() % tables.size()];
         if (table.functions.empty()) return "nil";
         Member const& chosen = pick(table.functions);
-        // Not the end, and nothing that sleeps.
+        // Do not end the program, and do not sleep.
         if (chosen.name == "exit") return "nil";
         return "_G['" + text(table.name) + "']." + text(chosen.name) + argumentsOf(*chosen.function, depth);
     }
@@ -111,7 +111,7 @@ private:
     }
     static std::string text(urString::CString const& name) { return name.c_str(); }
 
-    /// Mostly of the types that the function takes.
+    /// Mostly values of the types that the function takes.
     std::string argumentsOf(nxRFL::Function const& called, int depth) {
         std::size_t const skipped = called.isMethod() ? 2 : 1;
         std::string result = "(";
@@ -150,7 +150,7 @@ private:
             default: return "last";
         }
     }
-    /// Nothing that a name server would be asked for.
+    /// No names for which a name server would be queried.
     std::string string() {
         return one({"''", "'a b'", "'http://127.0.0.1:9/'", "'file:///etc/passwd'", "'GET'", "'a\\0b'", "'\\255\\n'",
                     "'Undecided'", "'Const'", "'[1,{\"a\":null}]'", "('x y'):rep(100000)", "('%s*'):rep(50)",
@@ -192,7 +192,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
         std::string const script = Author(database, bytes, std::min(size, longest)).script();
         static_cast<void>(host.state().run(script, "=fuzz"));
         require(account->used() <= 2 * mostMemory, "what scripts keep is within the limit");
-        // A script may leave functions for later as long as it likes, and as many as there is memory for.
+        // A script may keep scheduling functions, as many as memory allows.
         host.state().setLimits({.instructions = 500, .totalMemory = mostMemory});
         for (int turns = 0; turns < mostTurns && host.loop().busy(); ++turns) host.loop().turn();
     }

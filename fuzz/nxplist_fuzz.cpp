@@ -1,5 +1,5 @@
-// A path on the first line and a document behind it: the document is refused in one line or shown in every form, and
-// the path means the same once it has been spelled out.
+// The input is a path on the first line and a document after it. The document must be refused in one line or printed in
+// every form, and the path must mean the same after it has been spelled out.
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -20,7 +20,7 @@ namespace {
 
 using nxPLST::Path;
 
-/// The input as a file that is found by its name.
+/// The input as a file with a name.
 class MemoryFile {
 public:
     explicit MemoryFile(std::string_view bytes) : file_(memfd_create("document", 0)) {
@@ -66,7 +66,7 @@ void checkTree(ur::Reference<nxPLST::Item> const& root) {
     nxplist::compareTrees(root.get(), copy.get(), unexpected, nxplist::inFull);
 }
 
-/// Any text may come as lines, or as differences to any tree.
+/// Tries any text as a file of lines, and as differences to any tree.
 void checkTexts(MemoryFile const& file, ur::Reference<nxPLST::Item> const& root) {
     auto const refusedInOneLine = [](auto read) {
         try {

@@ -1,4 +1,4 @@
-// Any bytes as a packet file: refused cleanly, or read into a tree that survives being written and read again.
+// Reads any bytes as a packet file. They must be refused, or read into a tree that survives writing and reading.
 #include <cstddef>
 #include <cstdint>
 

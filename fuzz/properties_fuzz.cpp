@@ -1,4 +1,4 @@
-// Calls that the fuzzing engine makes up, on properties and on the plain model of them.
+// Makes generated calls on properties and on the plain model of them.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// Stands in for the fuzzing engine in the tests: plays every seed, and every beginning of it.
+// Replaces the fuzzing engine in tests: runs every seed, and every prefix of it.
 //   NAME_fuzz FOLDER...
 #include <algorithm>
 #include <cstddef>
@@ -19,7 +19,7 @@ std::vector<char> contents(std::filesystem::path const& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// From a copy of its own size each time, so that sanitizers see every read beyond the end.
+/// Copies each prefix to memory of its exact size, so that sanitizers detect reads beyond the end.
 void play(std::vector<char> const& seed) {
     for (std::size_t size = 0; size <= seed.size(); ++size) {
         auto const bytes = std::make_unique<std::uint8_t[]>(size);

@@ -1,5 +1,5 @@
-// Lua values that the bytes build step by step, sound and unsound ones: each becomes an item or null without an error,
-// the stack stays, and an item's own table gives that item again.
+// Builds Lua values step by step, valid and invalid ones. Each must become an item or null without an error, the stack
+// must stay unchanged, and an item's own table must become an equal item.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Draws bytes; zeros after the last one.
+/// Returns the bytes one after the other; zeros after the last one.
 class Draw {
 public:
     Draw(std::uint8_t const* bytes, std::size_t size) noexcept : bytes_(bytes), left_(size) {}
@@ -40,7 +40,7 @@ int raise(lua_State* state) { return luaL_error(state, "asked"); }
 
 void pushText(lua_State* state, std::string_view text) { lua_pushlstring(state, text.data(), text.size()); }
 
-/// A value of any kind, or one that is on the stack already.
+/// Pushes a value of any kind, or one that is already on the stack.
 void pushValue(lua_State* state, Draw& draw) {
     switch (draw.byte() % 10) {
         case 0: return lua_pushboolean(state, draw.byte() & 1);
@@ -55,7 +55,7 @@ void pushValue(lua_State* state, Draw& draw) {
     }
 }
 
-/// Does something with the value on top and the table below it; Lua's own errors are left to the caller.
+/// Combines the value on top with the table below it. The caller handles Lua errors.
 void combine(lua_State* state, Draw& draw) {
     switch (draw.byte() % 5) {
         case 0:
@@ -77,7 +77,7 @@ void combine(lua_State* state, Draw& draw) {
     }
 }
 
-/// Runs protected: a nil as a key raises.
+/// Runs protected, because a nil key raises.
 int build(lua_State* state) {
     Draw& draw = *static_cast<Draw*>(lua_touserdata(state, 1));
     lua_newtable(state);

@@ -1,5 +1,5 @@
-// Any bytes as text: both encodings agree on what is well-formed, names come back byte by byte, and whatever wide
-// text the bytes stand for survives each form of writing it.
+// Reads any bytes as text. Both encodings must agree on whether it is well-formed, names must keep their bytes, and the
+// wide text must survive each form of writing.
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -33,7 +33,7 @@ void checkBytes(std::string_view bytes) {
     }
 }
 
-/// Bytes as character numbers of four bytes each, most of them no characters.
+/// Takes the bytes as character numbers of four bytes each; most of them are not characters.
 void checkCharacters(std::string_view bytes) {
     std::u32string numbers(bytes.size() / sizeof(char32_t), U'\0');
     std::memcpy(numbers.data(), bytes.data(), numbers.size() * sizeof(char32_t));
