@@ -1,4 +1,4 @@
-// A program outside the tree: it knows the installed headers and the library, nothing else.
+// A program outside the tree that uses only the installed headers and the library.
 #include <foundation/ur/containers.h>
 #include <plst/casts.h>
 #include <plst/convert.h>

@@ -1,4 +1,4 @@
-// The functions that take the place of the program's own: the linker leads every call here, see CMakeLists.txt.
+// Replaces the program's allocation functions. The linker redirects every call here; see CMakeLists.txt.
 #include "tests/faults/Allocations.h"
 
 #include <cstdlib>
@@ -8,9 +8,9 @@
 
 namespace {
 
-std::size_t left = 0;  // until the one that fails, which is number 1; none does at 0
+std::size_t left = 0;  // allocations until the one that fails, which is number 1; 0 for none
 faults::Allocations::Then afterwards = faults::Allocations::Then::recover;
-bool exhausted = false;  // all fail
+bool exhausted = false;  // every allocation fails
 std::ptrdiff_t blocks = 0;
 
 bool fails() noexcept {
@@ -19,7 +19,7 @@ bool fails() noexcept {
     return true;
 }
 
-/// Null counts as failed.
+/// Counts the block; null means that the allocation failed.
 template <class T>
 T* counted(T* block) noexcept {
     if (block) ++blocks;
@@ -47,7 +47,7 @@ std::ptrdiff_t Allocations::live() noexcept { return blocks; }
 
 }  // namespace faults
 
-// The names are those that the linker makes of --wrap.
+// The names that the linker's option --wrap expects.
 extern "C" {
 void* __real_malloc(std::size_t bytes);
 void* __real_calloc(std::size_t count, std::size_t bytes);
@@ -78,7 +78,7 @@ void __wrap__ZN2ur14deallocateNodeEPvm(void* node, std::size_t bytes) {
     dropped(node);
     __real__ZN2ur14deallocateNodeEPvm(node, bytes);
 }
-/// Empty ones, so that nobody takes nodes without a call.
+/// Returns empty bins, so that every node needs a call.
 ur::impl::NodeBin* __wrap__ZN2ur4impl8nodeBinsEv() {
     static constinit ur::impl::NodeBin empty[ur::impl::sizeClassOf(ur::impl::largestNode) + 1];
     return empty;
@@ -89,7 +89,7 @@ void __wrap__ZN2ur4impl13giveBackNodesEPNS0_8FreeNodeES2_j(void* first, void* la
 }
 }
 
-// All forms, since sanitizers have their own of each.
+// All forms, because sanitizers define each one.
 void* operator new(std::size_t bytes) {
     void* const block = __wrap_malloc(bytes);
     if (!block) throw std::bad_alloc();

@@ -1,26 +1,26 @@
-// Memory that runs out when a test wants it to.
+// Lets memory run out on purpose in tests.
 #pragma once
 
 #include <cstddef>
 
 namespace faults {
 
-/// Counts the allocations of the whole program and lets one of them fail: `new`, nodes of trees, and what the library
-/// asks of the C library. Several can be alive one after the other, never at once. One thread.
+/// Counts the allocations of the whole program and makes one fail: those by `new`, nodes of trees, and the library's
+/// calls of the C library. Only one object at a time. One thread.
 class Allocations {
 public:
     enum class Then { recover, fail };
 
-    /// The allocation with this number, the first being 0, fails, and those after it as `then` says.
+    /// The allocation number `failing`, counted from 0, fails, and those after it as `then` says.
     explicit Allocations(std::size_t failing, Then then = Then::recover) noexcept;
     Allocations(Allocations const&) = delete;
     Allocations& operator=(Allocations const&) = delete;
     ~Allocations();
 
-    /// The one that was to fail has been asked for.
+    /// Whether the allocation that was to fail has been requested.
     [[nodiscard]] bool failed() const noexcept;
 
-    /// Blocks and nodes that have not been given back.
+    /// The number of blocks and nodes that are allocated and not released.
     [[nodiscard]] static std::ptrdiff_t live() noexcept;
 };
 

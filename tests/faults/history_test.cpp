@@ -1,4 +1,4 @@
-// Transactions and their history, while memory runs out.
+// Transactions and their history while memory runs out.
 #include <exception>
 #include <new>
 
@@ -14,7 +14,7 @@ namespace {
 using nxTXN::HookError;
 using ur::Reference;
 
-/// A number, and another cell that it holds: putting them back takes no memory.
+/// A number and a reference to another cell. Restoring them needs no memory.
 class Cell final : public nxTXN::RefCountedObject {
 public:
     inline static int alive = 0;
@@ -47,7 +47,7 @@ private:
 
 char const longName[] = "a name that is too long to be held in place";
 
-/// Cells in a row behind the first, which the history does not know yet.
+/// A row of cells after the first, not yet recorded in the history.
 struct Row {
     explicit Row(int cells = 0) {
         while (cells-- > 0) push();
@@ -91,7 +91,7 @@ struct MakeCells : Row {
     }
 };
 
-/// The record keeps a cell of another manager.
+/// The record holds a cell of another manager.
 struct DropForeignCell : Row {
     DropForeignCell() { head->link(ur::make<Cell>(other)); }
     bool act() { return dropAll(); }
@@ -99,7 +99,7 @@ struct DropForeignCell : Row {
     nxTXN::Manager other;
 };
 
-/// So many that what they are now does not fit where one of them was saved when it was recorded.
+/// So many cells that their current state does not fit the space in which one of them was saved.
 struct UndoDrop : Row {
     UndoDrop() : Row(100) {
         history.begin();

@@ -1,4 +1,4 @@
-// Properties and their history, the cache, and scripts, while memory runs out.
+// Properties and their history, the cache, and scripts while memory runs out.
 #include <filesystem>
 
 #include "foundation/nxLC/State.h"
@@ -27,7 +27,7 @@ Reference<Item> list(double first) {
     return array;
 }
 
-/// Two properties of one value, a listener, and a history.
+/// Two properties with one value, a listener, and a history.
 struct SetProperty {
     SetProperty() {
         history.begin("make", nxTXN::TransactionKind::none);
@@ -68,7 +68,7 @@ struct RedoProperty : UndoProperty {
     bool act() { return history.redo(); }
 };
 
-/// Two properties of one value join a third, which gets its other side by that.
+/// Two properties with one value join a third one, whose joined set thereby gets its other side.
 struct JoinProperties {
     JoinProperties() {
         history.begin("make", nxTXN::TransactionKind::none);
@@ -81,7 +81,7 @@ struct JoinProperties {
         property->join(other);
         return transaction.commit();
     }
-    /// The values, and how many members there are in the list of each.
+    /// The values, and the number of members in each list.
     std::string state() const {
         std::string text;
         auto const tell = [&text](auto const& property) {
@@ -97,7 +97,7 @@ struct JoinProperties {
     Reference<Property> plain = Property::createUnTxd("plain", list(2)), clone = plain->cloneUnTxd();
 };
 
-/// Two lists change; a listener is what runs out of memory.
+/// Two lists change; the listener runs out of memory.
 struct RedoJoin : JoinProperties {
     RedoJoin() {
         join(transacted[1], transacted[0]);
@@ -117,7 +117,7 @@ struct Text : urKRCache::Resource {
     unsigned size;
 };
 
-/// Equal by number; built from the text of the key before it. That of the first says too small a size.
+/// Compares by number; built from the text of the previous key. The resource of the first key reports too small a size.
 struct Key : urKRCache::KeyData {
     Key(int which, Reference<urKRCache::Shim> from) : number(which), source(std::move(from)) {}
 
@@ -144,7 +144,7 @@ struct BuildResources {
         built = static_cast<Text const&>(*resource).text;
         return true;
     }
-    /// How far a failed one came does not matter: the cache may keep what it has built.
+    /// The progress of a failed call does not matter, because the cache may keep what it has built.
     std::string state() const { return cache ? built + std::string(cache->audit()) : "gone"; }
 
     BuildResources() { current = this; }
@@ -169,7 +169,7 @@ Reference<urKRCache::Resource> Key::onCreateResource() const {
     return ur::make<Text>(std::move(text), size);
 }
 
-/// Pages out, of which one fails, and back, and removes a chain.
+/// Pages resources out, one of which fails, and back in, and removes a chain.
 struct PageAndRemoveResources : BuildResources {
     bool act() {
         if (!BuildResources::act()) return false;
@@ -191,7 +191,7 @@ struct DestroyCache : BuildResources {
     }
 };
 
-/// A script that calls a native function and decodes a text, and then assigns what came of it.
+/// A script that calls a native function, decodes a text, and assigns the results.
 struct RunScript {
     RunScript() {
         nxRFL::ExposeFunction(database, "host").add("twice", [](CString const& text) { return text + text; });

@@ -1,4 +1,4 @@
-// Playing a story over and over, with one more allocation succeeding each time.
+// Repeats an operation and lets a later allocation fail each time.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 
 namespace faults {
 
-/// False when it said so or threw.
+/// Returns false if the operation returned false or threw.
 template <class Story>
 bool succeeds(Story& story) {
     try {
@@ -20,7 +20,7 @@ bool succeeds(Story& story) {
     }
 }
 
-/// Whether an allocation was left to fail: the one with number `failing`.
+/// Lets the allocation number `failing` fail. Returns whether there was one.
 template <class Story>
 bool playFailing(std::size_t failing, Allocations::Then then, std::string const& before, std::string const& after) {
     Story story;
@@ -40,15 +40,15 @@ bool playFailing(std::size_t failing, Allocations::Then then, std::string const&
     return failed;
 }
 
-/// Fails every allocation of `Story::act` in turn, in a new story each time, first alone and then with all that follow
-/// until `act` ends: nothing crashes or leaks, the `state` is the one of before or of after, and a second try succeeds.
-/// `act` is false when it has failed.
+/// Fails every allocation of `Story::act` in turn, in a new story each time: first only that one, then also all that
+/// follow until `act` ends. Nothing may crash or leak, the `state` must be the one before or after, and a second call
+/// must succeed. `act` returns false if it failed.
 template <class Story>
 void survives() {
     std::string before;
     std::string after;
     {
-        Story story;  // also makes what stays for good
+        Story story;  // also allocates what is never freed
         before = story.state();
         ASSERT_TRUE(story.act());
         after = story.state();
@@ -56,7 +56,7 @@ void survives() {
     for (auto const then : {Allocations::Then::recover, Allocations::Then::fail}) {
         std::size_t failing = 0;
         for (bool failed = true; failed && !testing::Test::HasFailure(); ++failing) {
-            playFailing<Story>(failing, then, before, after);  // makes what stays for good of a failure
+            playFailing<Story>(failing, then, before, after);  // allocates what a failure never frees
             auto const live = Allocations::live();
             failed = playFailing<Story>(failing, then, before, after);
             EXPECT_EQ(Allocations::live(), live) << "left behind or taken twice";

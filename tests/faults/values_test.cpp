@@ -1,4 +1,4 @@
-// Trees, their texts and packets, and signals, while memory runs out.
+// Trees, their texts and packets, and signals while memory runs out.
 #include "foundation/urOS/MemoryIOStream.h"
 #include "foundation/urRTB/Signal.h"
 #include "plst/JsonReport.h"
@@ -24,7 +24,7 @@ Reference<Item> tree() {
     return item;
 }
 
-/// What is made from a tree or into one; the state is what there is of it.
+/// An operation on a tree. The state is the tree so far.
 struct TreeStory {
     std::string state() const { return std::string(nxPLST::asJSON(item)); }
     Reference<Item> item = ur::make<nxPLST::Double>(7);
@@ -66,8 +66,8 @@ struct InsertIntoDictionary : TreeStory {
 
 enum class Way { plain, hinted, ascending, last, copied };
 
-/// Grows a map of the even keys below 2 * `former` by one, from one block to two or so that branches are split up to
-/// the root.
+/// Inserts a key into a map of the even keys below 2 * `former`: the map grows from one block to two, or its branches
+/// split up to the root.
 template <int former, int added = 2 * former, Way way = Way::plain>
 struct GrowMap {
     GrowMap() {
@@ -95,7 +95,7 @@ struct GrowMap {
         }
         return keys;
     }
-    ur::BlockMap<int, std::array<char, 200>, ur::less<int>, 2, 3> map;  // entries of more than a small node's bytes
+    ur::BlockMap<int, std::array<char, 200>, ur::less<int>, 2, 3> map;  // entries larger than a small node
 };
 
 struct WriteJson {
@@ -132,7 +132,7 @@ struct ReadPackets : TreeStory {
         EXPECT_TRUE(nxPLST::write(stream, tree()));
     }
     bool act() {
-        Reference<Item> read;  // what had been read whole comes even from a stream that failed
+        Reference<Item> read;  // not `item`: reading stores complete items even if the stream fails
         if (!stream.open(urOS::openRead).ok() || !nxPLST::read(stream, read)) return false;
         item = std::move(read);
         return true;

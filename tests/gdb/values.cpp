@@ -1,4 +1,4 @@
-// Values for gdb to show: it stops in `look`. Each class is named, so that the program knows its layout.
+// Values for gdb to print; it stops in `look`. The program mentions each class, so that gdb knows its layout.
 #include "plst/plst.h"
 
 namespace {
