@@ -1,4 +1,4 @@
-// An operation that is found by name, called with items, watched by hooks, and put off to the end of a scope.
+// Finds an operation by name, calls it with items, observes it with hooks, and delays it to the end of a scope.
 #include <cstdio>
 #include <map>
 

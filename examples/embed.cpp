@@ -1,4 +1,4 @@
-// A host in one page: a domain that offers services, the library's start-up, and a script that works with the host.
+// A host on one page: a domain that offers services, the library's start-up, and a script that uses the host.
 #include <cstdio>
 
 #include "foundation/nxLC/State.h"
@@ -8,8 +8,8 @@
 #include "support/services/Registry.h"
 
 int main() {
-    nxRFL::Database database;  // knows what scripts see, and outlives what they stored
-    urThread::RunQueue queue;  // where tasks complete
+    nxRFL::Database database;  // holds the classes for scripts; must outlive values that scripts stored
+    urThread::RunQueue queue;  // tasks complete here
     nxSupport::Broadcaster broadcaster;
     nxSupport::Registry registry;
     nxSupport::ServiceDomain application(queue);

@@ -1,4 +1,4 @@
--- A document is edited, and the edit undone.
+-- Edits a document and undoes the edit.
 local document = host.document
 document:edit("Greet", function() document:set("greeting", {text = "hello", to = arg[1]}) end)
 print(document:get("greeting").text, document:get("greeting").to)

@@ -1,4 +1,4 @@
-// JSON both ways: read it, say what was wrong or lost, write it strictly and for people.
+// Reads JSON, reports faults and losses, and writes it strictly and in a readable style.
 #include <cstdio>
 
 #include "plst/JsonReport.h"

@@ -1,4 +1,4 @@
-// A host in one page: a domain, a broadcaster, a module that subscribes, contexts, and a task in the background.
+// A host on one page: a domain, a broadcaster, a module that subscribes, contexts, and a background task.
 #include <chrono>
 #include <cstdio>
 
@@ -49,7 +49,7 @@ private:
     }
     void onComplete(bool) override { std::printf("the sum is %d\n", sum_); }
 
-    int sum_ = 0;  // the worker's until the completion, then the main thread's
+    int sum_ = 0;  // used by the worker until the completion, then by the main thread
 };
 // [task]
 
@@ -72,7 +72,7 @@ int main() {
         std::printf("the document is %s\n", application.isConst() ? "locked" : "open");
     }
     ur::make<Sum>(application)->startThread();
-    queue.wait(std::chrono::seconds(10));  // a host with a loop services the queue there
+    queue.wait(std::chrono::seconds(10));  // a host with a main loop services the queue there
     queue.service();
     // [run]
     return 0;

@@ -1,4 +1,4 @@
-// A host that performs transfers, here out of a table of pages, and a client and a script that want some.
+// A host that performs transfers, here from a table of pages, and a client and a script that use it.
 #include <cstdio>
 #include <deque>
 #include <functional>
@@ -21,7 +21,7 @@ public:
     explicit PageConnection(Loop& loop) : loop_(loop) {}
 
 protected:
-    // What waits in the loop holds the connection, so that clients need not.
+    // The function in the loop holds the connection, so that clients need not.
     void onStart() override {
         running_ = true;
         loop_.emplace_back([self = ur::Reference<PageConnection>(this)] { self->answer(); });
@@ -34,7 +34,7 @@ private:
         if (getRequest()->getUrl() != "page:/greeting") return setFailed(noSuchPage);
         setConnected();
         for (char const* block : {"Hello, ", "world"})
-            if (running_) dataArrived(ur::make<urThread::Buffer>(block));  // the client may cancel in there
+            if (running_) dataArrived(ur::make<urThread::Buffer>(block));  // the client may cancel in this call
         if (running_) setComplete();
     }
 

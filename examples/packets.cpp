@@ -1,4 +1,4 @@
-// Items in packet files: a whole file of one tree, and a format of one's own that holds items.
+// Items in packet files: a whole file with one tree, and a custom format that contains items.
 #include <cstdio>
 #include <memory>
 #include <utility>

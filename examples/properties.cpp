@@ -1,4 +1,4 @@
-// Properties: values that a document keeps, a user interface mirrors and a user undoes.
+// Properties: a document keeps values, a user interface mirrors them and a user undoes changes.
 #include <cstdio>
 
 #include "foundation/nxTXN/Transaction.h"
@@ -32,7 +32,7 @@ void saveAndLoad(nxTXN::Manager& document, Prop<BoundedDouble> const& radius, Pr
 int main() {
     // [share]
     nxTXN::Manager document;
-    document.begin("New", nxTXN::TransactionKind::none);  // what a document starts with is no step to undo
+    document.begin("New", nxTXN::TransactionKind::none);  // the initial content of a document is not a step to undo
     auto radius = Prop<BoundedDouble>::createTxd(document, "brush.radius", BoundedDouble(5, 0, 100));
     Prop<BoundedDouble> slider(radius.pty()->cloneUnTxd("slider"));  // the user interface's handle
     document.commit();

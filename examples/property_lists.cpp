@@ -1,4 +1,4 @@
-// A tour of item trees: build one, ask it, copy it, and keep a structure of one's own in it.
+// A tour of item trees: build one, read it, copy it, and store a structure of your own in it.
 #include <cstdio>
 #include <iostream>
 
@@ -36,7 +36,7 @@ int main() {
     // [ask]
     auto const position = nxPLST::get<urLinear::Point>(brush, "position");
     std::printf("position %g %g %g\n", position.x, position.y, position.z);
-    std::printf("visible %d\n", nxPLST::get<bool>(brush, "visible", true));  // no such key
+    std::printf("visible %d\n", nxPLST::get<bool>(brush, "visible", true));  // the key does not exist
     std::cout << *nxPLST::at(brush, ".presets[-1]") << '\n';
     // [ask]
 

@@ -1,4 +1,4 @@
-// Values that a host and its scripts share by name, and the facts that everybody asks for.
+// Values shared by a host and its scripts, and facts about the process.
 #include <cstdio>
 
 #include "foundation/nxLC/State.h"
@@ -14,7 +14,7 @@ int main() {
     nxRFL::ExposeClass<nxSupport::Registry>(database, "nxSupport::Registry")
         .addMethod("setKey", &nxSupport::Registry::setKey)
         .addMethod("getKey", &nxSupport::Registry::getKey);
-    nxSupport::Registry registry;  // goes before the database
+    nxSupport::Registry registry;  // must be destroyed before the database
     auto stack = std::make_unique<nxRFL::Stack>();
     nxRFL::Writer(*stack).writeText("clay");
     registry.setKey("material", nxSupport::RegistryValue(stack.release()));

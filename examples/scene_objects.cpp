@@ -1,5 +1,5 @@
-// A scene in one page: named objects in a list that undo knows, a panel of twins, bounds in a cache, a file that is
-// read in the background, and a console for scripts.
+// A scene on one page: named objects in an undoable list, a panel of twins, bounds in a cache, a file that is read in
+// the background, and a console for scripts.
 #include <unistd.h>
 
 #include <algorithm>
@@ -104,7 +104,7 @@ public:
     urKRCache::Manager cache{std::filesystem::temp_directory_path().c_str()};
 };
 
-// ---- The panel: a twin of each property of the selected object, which follows edits, undo and redo.
+// ---- The panel: a twin of each property of the selected object. The twins follow edits, undo and redo.
 class Panel {
 public:
     explicit Panel(SceneObject const& object)
@@ -123,7 +123,7 @@ private:
     urRTB::ScopedConnection nameShown_, colourShown_;
 };
 
-// ---- The task: reads the vertices of an OBJ file; says how far it is, and ends early when it is asked to.
+// ---- The task: reads the vertices of an OBJ file, reports its progress, and ends early on request.
 class ObjReader : public nxSupport::AsyncTask {
 public:
     ObjReader(Scene& scene, std::string path) : AsyncTask(scene), scene_(scene), path_(std::move(path)) {}
@@ -153,10 +153,10 @@ private:
     }
     Scene& scene_;
     std::string path_;
-    std::vector<Point> points_;  // the worker's until the completion
+    std::vector<Point> points_;  // used by the worker until the completion
 };
 
-// ---- The console: what scripts see of the scene.
+// ---- The console: the classes and functions that scripts use.
 class Console {
 public:
     explicit Console(Scene& scene) {
@@ -175,7 +175,7 @@ public:
         state_ = std::make_unique<nxLC::State>(database_, nxLC::Library::sandboxed);
         state_->setLimits({.instructions = 1'000'000, .memory = 16'000'000});
     }
-    /// A line is one step of the history, and none when it fails.
+    /// Runs a line as one step of the history; a failing line leaves no step.
     void run(Scene& scene, std::string const& line) {
         std::printf("> %s\n", line.c_str());
         Transaction transaction(scene.history, line.c_str());
@@ -226,7 +226,7 @@ int main() {
 
     std::puts("--- console");
     Console console(scene);
-    scene.history.begin("Select", nxTXN::TransactionKind::none);  // no step to undo
+    scene.history.begin("Select", nxTXN::TransactionKind::none);  // not a step to undo
     Panel const panel(scene.objects[0]);
     scene.history.commit();
     console.run(scene, "local w = scene.find('wedge') w.name = 'ramp' w:move(5) w.red = 0.5");

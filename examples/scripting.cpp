@@ -1,4 +1,4 @@
-// A class shown to scripts, scripts that use it, and what becomes of their errors.
+// A class exposed to scripts, scripts that use it, and the handling of their errors.
 #include <cstdio>
 #include <functional>
 #include <optional>
@@ -13,7 +13,7 @@ using urString::CString;
 // [class]
 namespace studio {
 
-/// Counted objects live as long as anybody holds them, scripts included.
+/// A counted object lives as long as there are references, including those of scripts.
 class Brush : public ur::ReferenceCount {
 public:
     [[nodiscard]] double getSize() const { return size_; }
@@ -34,7 +34,7 @@ private:
 using studio::Brush;
 
 // [charge]
-/// Its bytes count with those of the scripts.
+/// Charges its bytes to the account of the scripts.
 class Canvas : public ur::ReferenceCount {
 public:
     explicit Canvas(std::size_t bytes) : pixels_(bytes) {}

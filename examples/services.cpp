@@ -1,4 +1,4 @@
-// What an application's own code calls every frame: cursors that compete, a drag, diagnostic text, times.
+// Services that an application calls in every frame: competing cursors, a drag, diagnostic text, times.
 #include <cstdio>
 #include <string>
 
@@ -48,7 +48,7 @@ void useCursors() {
 void print(char const* what, Point const& p) { std::printf("%s (%g, %g, %g)\n", what, p.x, p.y, p.z); }
 
 void drag() {
-    AffineMatrix object = AffineMatrix().translate({10, 0, 0});  // where the object is
+    AffineMatrix object = AffineMatrix().translate({10, 0, 0});  // the object's place
     AffineMatrix const start = object;
     Point const corner(1, 1, 1);  // of the object
     auto const gesture = ur::make<Transformer>();

@@ -17,7 +17,7 @@ int main() {
     if (!settings) return 1;
 
     auto const radius = nxPLST::get<double>(settings, "radius", 1.0);
-    auto const visible = nxPLST::get<bool>(settings, "visible", true);  // not in the text: the default
+    auto const visible = nxPLST::get<bool>(settings, "visible", true);  // not in the text, so the default is used
     auto const axis = nxPLST::get<urLinear::Vector>(settings, "axis");
     settings->insert("offset", axis * (2 * radius));
     settings->insert("visible", visible);

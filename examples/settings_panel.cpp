@@ -1,6 +1,6 @@
-// A settings panel in text form: rows to edit, and undo and redo menus named after the steps.
+// A settings panel in text form: rows to edit, and undo and redo menus with the names of the steps.
 //
-// Without arguments it plays the session below; with any argument it reads commands from the standard input.
+// Without arguments it runs the session below; with any argument it reads commands from the standard input.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -21,11 +21,11 @@ using nxSupport::BoundedDouble;
 using nxSupport::Prop;
 using nxSupport::Property;
 
-/// The settings themselves, with their history.
+/// The settings with their history.
 class Document {
 public:
     Document() {
-        nxTXN::Transaction const setUp(history, "New", nxTXN::TransactionKind::none);  // no step to undo
+        nxTXN::Transaction const setUp(history, "New", nxTXN::TransactionKind::none);  // not a step to undo
         add("radius", {5, 0, 20});
         add("strength", {0.5, 0, 1});
         add("spacing", {2, 1, 9});
@@ -48,7 +48,7 @@ private:
     }
 };
 
-/// One row of the panel. It holds an untransacted handle, which follows edits as well as undo and redo.
+/// One row of the panel. It holds an untransacted handle, which follows edits, undo and redo.
 class Row {
 public:
     explicit Row(ur::Reference<Property> const& setting)
@@ -91,7 +91,7 @@ public:
                     menu("Redo", history_.canRedo(), history_.redoName()).c_str());
     }
 
-    /// False for a command that is not known.
+    /// Returns false for an unknown command.
     bool perform(std::string const& line) {
         std::istringstream words(line);
         std::string command;
@@ -120,7 +120,7 @@ private:
         if (!(words >> name >> value) || !find(name)) return false;
         return edit(history_, "Set " + name, [&] { find(name)->set(value); });
     }
-    // Every position on the way is a transaction of its own, as it comes from the mouse; they become one step.
+    // Each position from the mouse is a transaction of its own. Together they become one step.
     bool drag(std::istringstream& words) {
         std::string name;
         if (!(words >> name) || !find(name)) return false;

@@ -22,7 +22,7 @@ using urKRCache::Shim;
 constexpr unsigned width = 640, height = 512, scale = 8;
 
 // [resource]
-/// Any number of values of one type; every stage here is one of these.
+/// Any number of values of one type. Every stage here is one of these.
 template <class T>
 struct Values : Resource {
     explicit Values(std::vector<T> what) : values(std::move(what)) {}
@@ -64,7 +64,7 @@ struct FileKey : KeyData {
 // [file]
 
 // [derived]
-/// What is built from one other resource: the same class of key for another source is another key.
+/// Builds from one other resource. Keys of one class with different sources are different keys.
 struct DerivedKey : KeyData {
     explicit DerivedKey(Reference<Shim> from) : source(std::move(from)) {}
 
@@ -77,7 +77,7 @@ struct DerivedKey : KeyData {
         return getTypeHash() ^ static_cast<unsigned>(std::hash<Shim const*>()(source.get()));
     }
 
-    /// For as long as `held` has the source. Null when there is none: then nothing can be built, either.
+    /// The source's values, valid as long as `held` holds it. Null if there is no source to build from.
     template <class T>
     std::vector<T> const* sourceValues(Reference<Resource>& held) const {
         held = getKeyResourceManager().accessResource(source);

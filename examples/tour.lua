@@ -1,5 +1,5 @@
--- What a script can do with a host: read, edit with undo and redo, fetch, and derive what the cache keeps.
--- usage: nxhost --cache 64K tour.lua URL FOLDER   (both give the lists of the package iso-codes; tour.sh does that)
+-- Shows a script's use of a host: reads, edits with undo and redo, fetches, and derives data that the cache keeps.
+-- usage: nxhost --cache 64K tour.lua URL FOLDER   (both hold the lists of the package iso-codes; see tour.sh)
 local url, folder = ...
 local document, cache, Context = host.document, host.cache, nxSupport.Context
 
@@ -59,7 +59,7 @@ print(connection.responseStatus .. ", " .. connection:responseHeader("Content-Ty
 print(select(2, fetch("/absent")).responseStatus .. " for what is not there")
 
 heading("Derived resources, in " .. cache.memoryLimit .. " bytes")
--- The text of each list is a resource; what is counted in it is another, built from the first.
+-- The text of each list is a resource; the count of its entries is another one, derived from the first.
 local counts = {}
 for _, name in ipairs{"iso_3166-1", "iso_3166-3", "iso_15924", "iso_4217", "iso_639-2"} do
     local source = cache:resource(name, function() return contents(folder .. "/" .. name .. ".json") end)
@@ -69,14 +69,14 @@ for _, name in ipairs{"iso_3166-1", "iso_3166-3", "iso_15924", "iso_4217", "iso_
         for _ in list:gmatch('"name":') do entries = entries + 1 end
         return tostring(entries)
     end)
-    if #counts == 0 then source:keepOnDisk() end  -- goes to a file for want of room, instead of being built again
+    if #counts == 0 then source:keepOnDisk() end  -- paged to a file when memory is short, and not built again
     counts[#counts + 1] = {name = name, source = source, count = count}
 end
 for round = 1, 2 do
     local line = {}
     for _, each in ipairs(counts) do
         line[#line + 1] = each.name .. " " .. each.count.text .. " in " .. #each.source.text
-        if round == 1 then each.count:lock() end  -- small, and wanted again
+        if round == 1 then each.count:lock() end  -- small, and used again
     end
     print("round " .. round .. ": " .. table.concat(line, ", "))
 end

@@ -1,6 +1,6 @@
 #!/bin/sh
-# The tour of nxhost: serves the lists of the package iso-codes on the loopback and runs tour.lua, which works on them.
-# usage: tour.sh   (nxhost is found on PATH)
+# The tour of nxhost: serves the lists of the package iso-codes on the loopback and runs tour.lua on them.
+# usage: tour.sh   (finds nxhost on PATH)
 set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 lists=/usr/share/iso-codes/json

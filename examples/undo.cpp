@@ -1,4 +1,4 @@
-// A drawing whose changes can be undone: objects that record themselves, steps with names, a drag that is one step.
+// A drawing with undo: objects that record their changes, named steps, and a drag that is one step.
 #include <cstdio>
 
 #include "foundation/nxTXN/Manager.h"
@@ -38,7 +38,7 @@ private:
 // [object]
 
 // [document]
-/// One circle, or none.
+/// Holds one circle, or none.
 class Drawing : public nxTXN::RefCountedObject {
 public:
     using RefCountedObject::RefCountedObject;
@@ -96,7 +96,7 @@ int main() {
         drawing->setCircle(ur::make<Circle>(manager));
         drawing->circle()->move({1, 1, 0});
     });
-    for (int x = 2; x <= 5; ++x) {  // one mouse move after the other
+    for (int x = 2; x <= 5; ++x) {  // one transaction for each mouse move
         manager.beginCoalescing("Drag", drawing->circle());
         drawing->circle()->move({1.0 * x, 1, 0});
         manager.commit();
@@ -105,7 +105,7 @@ int main() {
     {
         Transaction const transaction(manager, "Delete");
         drawing->setCircle(nullptr);
-        // Left without commit, as when an error is thrown: aborted.
+        // Destroyed without commit, as when an error is thrown: aborted.
     }
     show(*drawing, manager);
     // [steps]
