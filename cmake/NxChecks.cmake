@@ -15,6 +15,7 @@ nx_check(check_pages scripts/check_docs --path ${PROJECT_BINARY_DIR}/bin)
 nx_check(check_reference sh -c "mkdir -p build/reference && doxygen docs/Doxyfile")
 nx_check(check_scripts python3 -B scripts/selftest.py)
 nx_check(consumer tests/consumer/run ${PROJECT_BINARY_DIR} ${CMAKE_CXX_COMPILER})
+nx_check(check_symbols scripts/check_symbols $<TARGET_FILE:Support>)
 nx_check(check_gdb tests/gdb/run ${PROJECT_BINARY_DIR} ${CMAKE_CXX_COMPILER})
 nx_check(check_mistakes tests/mistakes/run ${CMAKE_CXX_COMPILER} clang++)
 
