@@ -36,9 +36,9 @@ void initializeReflection(nxRFL::Database* database) {
         .addProperty("data", &bytesOf);
     ExposeClass<Connection>(*database, "nxNet::Connection")
         .setHasHiddenSubclasses()
-        .addMethod("setRequest", &Connection::setRequest)
-        .addMethod("setDataFunc", &Connection::setDataFunc)
-        .addMethod("setStatusFunc", &Connection::setStatusFunc)
+        .addMethod("setRequest", &Connection::setRequest, {"request"})
+        .addMethod("setDataFunc", &Connection::setDataFunc, {"callback"})
+        .addMethod("setStatusFunc", &Connection::setStatusFunc, {"callback"})
         .addProperty("request", &Connection::getRequest)
         .addMethod("start", &Connection::start)
         .addMethod("cancel", &Connection::cancel)
@@ -52,11 +52,11 @@ void initializeReflection(nxRFL::Database* database) {
         .addProperty("url", &Request::getUrl, &Request::setUrl)
         .addProperty("httpMethod", &Request::getHTTPMethod, &Request::setHTTPMethod)
         .addProperty("fileForUpload", &Request::getFileForUpload, &Request::setFileForUpload)
-        .addMethod("addHeader", &Request::addHeader)
+        .addMethod("addHeader", &Request::addHeader, {"name", "value"})
         .addMapIterator("headers", &Request::getHeaders)
-        .addMethod("addPostData", &Request::addPostData)
+        .addMethod("addPostData", &Request::addPostData, {"name", "value"})
         .addMapIterator("postData", &Request::getPostData);
-    nxRFL::ExposeFunction(*database, "urThread").add("mergeBuffers", &urThread::mergeBuffers);
+    nxRFL::ExposeFunction(*database, "urThread").add("mergeBuffers", &urThread::mergeBuffers, {"first", "second"});
 }
 
 }  // namespace nxNet

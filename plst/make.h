@@ -22,7 +22,6 @@ template <class T>
 class Value {
 public:
     template <class T>
-    requires requires(ur::Reference<Item>& item, T const& value) { convert(item, value); }
     Value(T const& value) : item_(itemOf(value)) {}  // NOLINT(google-explicit-constructor): stands for the value
     Value(ur::Reference<Item> item) : item_(std::move(item)) {}  // NOLINT(google-explicit-constructor): the same
     template <std::derived_from<Item> T>

@@ -21,24 +21,24 @@ using urString::CString;
 
 namespace {
 
-/// Raises unless the script gave a function for the argument at `position`.
+/// Raises unless the script gave a function for the argument, which is such as "2 (body)".
 template <class Callable>
-void requireFunction(Callable const& function, char const* name, int position) {
+void requireFunction(Callable const& function, char const* name, char const* argument) {
     if (!function)
-        throw nxRFL::Exception(CString::format("%s: argument %d must be function, but is null", name, position));
+        throw nxRFL::Exception(CString::format("%s: argument %s must be function, but is null", name, argument));
 }
 
 void exec(Domain& domain, CString const& modeName, std::function<void(Context const&)> const& function) {
     Context::Mode mode{};
     if (!Context::modeFromString(mode, modeName))
         throw nxRFL::Exception(CString::format("Invalid nxSupport::Context mode: %s", modeName.c_str()));
-    requireFunction(function, "nxSupport::Context.exec", 3);
+    requireFunction(function, "nxSupport::Context.exec", "3 (body)");
     Context const context(&domain, mode);
     function(context);
 }
 
 void addPostFunction(Context& context, std::function<void(Domain*)> const& function) {
-    requireFunction(function, "nxSupport::Context.addPostFunction", 1);
+    requireFunction(function, "nxSupport::Context.addPostFunction", "1 (callback)");
     context.addPostFunction(function);
 }
 
@@ -77,12 +77,12 @@ void registerSupport(Database& database) {
     // A context ends with its scope, even if scripts still refer to it.
     ExposeClass<Context>(database, "nxSupport::Context")
         .setAliveTest([](void const* context) { return Context::isActive(static_cast<Context const*>(context)); })
-        .addStaticMethod("exec", &exec)
-        .addMethod("addPostFunction", &addPostFunction);
+        .addStaticMethod("exec", &exec, {"domain", "mode", "body"})
+        .addMethod("addPostFunction", &addPostFunction, {"callback"});
     ExposeClass<DataSink>(database, "nxSupport::DataSink")
         .setHasHiddenSubclasses()
-        .addMethod("processData", &processData)
-        .addMethod("close", &DataSink::close)
+        .addMethod("processData", &processData, {"buffer"})
+        .addMethod("close", &DataSink::close, {"completed"})
         .addMethod("closed", &DataSink::closed)
         .addMethod("completed", &DataSink::completed);
     // Those of documents go with their document.
@@ -91,16 +91,16 @@ void registerSupport(Database& database) {
         .addProperty("rootContext", &Domain::getRootContext)
         .addProperty("currentContext", &Domain::getCurrentContext);
     ExposeClass<Registry>(database, "nxSupport::Registry")
-        .addMethod("setKey", &Registry::setKey)
-        .addMethod("hasKey", &Registry::hasKey)
-        .addMethod("getKey", &Registry::getKey);
+        .addMethod("setKey", &Registry::setKey, {"key", "value"})
+        .addMethod("hasKey", &Registry::hasKey, {"key"})
+        .addMethod("getKey", &Registry::getKey, {"key"});
 }
 
 void registerFunctions(Database& database) {
     nxRFL::ExposeFunction(database, "nxSupport")
-        .add("ci", &findService)
-        .add("RGBtoHSL", &urUtil::RGBtoHSL)
-        .add("HSLtoRGB", &toColor)
+        .add("ci", &findService, {"class"})
+        .add("RGBtoHSL", &urUtil::RGBtoHSL, {"rgb"})
+        .add("HSLtoRGB", &toColor, {"hsl"})
         .add("generateUuid", &generateUuid);
 }
 

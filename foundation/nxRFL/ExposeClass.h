@@ -1,6 +1,8 @@
 // Registers a class and its native functions, one line each.
 #pragma once
 
+#include <concepts>
+
 #include "foundation/nxRFL/ExposeClassBase.h"
 #include "foundation/nxRFL/NativeFunction.h"
 
@@ -34,6 +36,7 @@ public:
     /// Requires: Base is registered.
     template <class Base>
     ExposeClass& addBase() {
+        static_assert(std::derived_from<T, Base>, "addBase takes a public base of the class");
         Class::Conversion const toBase = [](void* object) -> void* {
             return static_cast<Base*>(static_cast<T*>(object));
         };

@@ -50,12 +50,15 @@ template <class Self, class Result, class First, class... Others>
 inline constexpr bool takesFirst<Self, Result(First, Others...)> =
     std::is_class_v<std::remove_pointer_t<std::remove_cvref_t<First>>>;
 
-/// Reads one argument and keeps what the parameter binds to: a value, or the address of an object or a text.
+/// Reads one argument and keeps what the parameter binds to: a value, or the address of an object or a text. A view of
+/// a text lasts as long as the call, whose stack holds the text.
 template <class Parameter>
 auto readArgument(Reader& reader) {
     using T = std::remove_cvref_t<Parameter>;
     if constexpr (std::is_same_v<T, urString::CString> && std::is_reference_v<Parameter> && !isChangeable<Parameter>) {
         return std::cref(reader.readText());
+    } else if constexpr (std::is_same_v<T, std::string_view>) {
+        return reader.readText().view();
     } else if constexpr (WalkState<T>) {
         auto* const state = static_cast<IteratorState*>(reader.readObject(ur::TypeInfo::of<IteratorState>()));
         auto* const own = dynamic_cast<T*>(state);
@@ -66,7 +69,7 @@ auto readArgument(Reader& reader) {
         read(reader, value);
         return value;
     } else {
-        static_assert(!isForeignText<T>, "a text is taken as a std::string or a urString::CString");
+        static_assert(!isCText<T>, "a text is taken as a std::string, std::string_view or urString::CString");
         static_assert(std::is_lvalue_reference_v<Parameter>,
                       "an object is taken by pointer or reference, not by value");
         return std::ref(*static_cast<T*>(reader.readObject(ur::TypeInfo::of<T>())));
@@ -89,7 +92,7 @@ template <class Callable, class Signature>
 class NativeFunction;
 
 /// Calls any callable, such as a plain function, a member function or a lambda. Checks the arguments and converts them
-/// to the types of its parameters.
+/// to the types of its parameters. What a parameter of type `std::string_view` shows lasts as long as the call.
 template <class Callable, class Result, class... Parameters>
 class NativeFunction<Callable, Result(Parameters...)> final : public Function {
 public:

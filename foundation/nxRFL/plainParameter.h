@@ -9,6 +9,9 @@ namespace nxRFL::impl {
 template <class T>
 concept PlainNumber = WholeNumber<T> || std::same_as<T, double> || std::same_as<T, float>;
 
+template <class T>
+concept PlainText = std::same_as<T, urString::CString> || std::same_as<T, std::string_view>;
+
 template <class Parameter>
 inline constexpr bool isChangeable =
     std::is_lvalue_reference_v<Parameter> && !std::is_const_v<std::remove_reference_t<Parameter>>;
@@ -52,8 +55,7 @@ requires(PlainNumber<std::remove_cvref_t<Parameter>> && !isChangeable<Parameter>
 };
 
 template <class Parameter>
-requires(std::same_as<std::remove_cvref_t<Parameter>, urString::CString> &&
-         !isChangeable<Parameter>) struct PlainParameter<Parameter> {
+requires(PlainText<std::remove_cvref_t<Parameter>> && !isChangeable<Parameter>) struct PlainParameter<Parameter> {
     static constexpr bool exists = true;
     urString::CString held;
 
@@ -67,8 +69,8 @@ requires(std::same_as<std::remove_cvref_t<Parameter>, urString::CString> &&
 /// Objects by reference.
 template <class Parameter>
 requires(std::is_lvalue_reference_v<Parameter>&& std::is_class_v<std::remove_cvref_t<Parameter>> &&
-         !WalkState<std::remove_cvref_t<Parameter>> &&
-         !Readable<std::remove_cvref_t<Parameter>>) struct PlainParameter<Parameter> {
+         !WalkState<std::remove_cvref_t<Parameter>> && !Readable<std::remove_cvref_t<Parameter>> &&
+         !PlainText<std::remove_cvref_t<Parameter>>) struct PlainParameter<Parameter> {
     using T = std::remove_cvref_t<Parameter>;
     static constexpr bool exists = true;
     T* object = nullptr;

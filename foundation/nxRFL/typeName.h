@@ -109,9 +109,9 @@ struct TypeName<T> {
 
 namespace impl {
 
-/// A text type that does not own its bytes.
+/// A pointer to characters, which has no length.
 template <class T>
-inline constexpr bool isForeignText = std::is_same_v<T, std::string_view>;
+inline constexpr bool isCText = std::is_same_v<T, char const*> || std::is_same_v<T, char*>;
 
 // The class of an object passed by value, pointer or reference.
 template <class T>

@@ -98,6 +98,27 @@ void write(Writer& writer, std::unique_ptr<T> state) {
 template <class Result, class... Arguments>
 void read(Reader& reader, std::function<Result(Arguments...)>& callable);
 
+namespace impl {
+
+/// Reads an element or a member of a value.
+template <class T>
+void readPart(Reader& reader, T& part) {
+    static_assert(
+        requires { read(reader, part); },
+        "no nxRFL::read(Reader&, T&) for a value of this type: list its members (foundation/ur/describe.h) or add it");
+    read(reader, part);
+}
+template <class T>
+void writePart(Writer& writer, T const& part) {
+    static_assert(
+        requires { write(writer, part); },
+        "no nxRFL::write(Writer&, T const&) for a value of this type: list its members (foundation/ur/describe.h) or "
+        "add it");
+    write(writer, part);
+}
+
+}  // namespace impl
+
 template <class T>
 void read(Reader& reader, ur::vector<T>& values) {
     unsigned const count = reader.startArray();
@@ -105,7 +126,7 @@ void read(Reader& reader, ur::vector<T>& values) {
     values.reserve(count);
     for (unsigned i = 0; i < count; ++i) {
         T value{};
-        read(reader, value);
+        impl::readPart(reader, value);
         values.push_back(std::move(value));
     }
     reader.endArray();
@@ -113,7 +134,7 @@ void read(Reader& reader, ur::vector<T>& values) {
 template <class T>
 void write(Writer& writer, ur::vector<T> const& values) {
     writer.startArray(static_cast<unsigned>(values.size()));
-    for (T const& value : values) write(writer, value);
+    for (T const& value : values) impl::writePart(writer, value);
     writer.endArray();
 }
 
@@ -122,7 +143,7 @@ void write(Writer& writer, ur::map<urString::CString, T, Less> const& entries) {
     writer.startDictionary(static_cast<unsigned>(entries.size()));
     for (auto const& [key, value] : entries) {
         writer.writeText(key);
-        write(writer, value);
+        impl::writePart(writer, value);
     }
     writer.endDictionary();
 }
@@ -133,13 +154,13 @@ void read(Reader& reader, std::array<T, size>& values) {
     unsigned const count = reader.startArray();
     if (count != size)
         throw Exception(urString::CString::format("an array of %zu was expected, not of %u", size, count));
-    for (T& value : values) read(reader, value);
+    for (T& value : values) impl::readPart(reader, value);
     reader.endArray();
 }
 template <class T, std::size_t size>
 void write(Writer& writer, std::array<T, size> const& values) {
     writer.startArray(static_cast<unsigned>(size));
-    for (T const& value : values) write(writer, value);
+    for (T const& value : values) impl::writePart(writer, value);
     writer.endArray();
 }
 
@@ -148,7 +169,7 @@ void read(Reader& reader, Map& entries) {
     entries.clear();
     for (unsigned i = reader.startDictionary(); i > 0; --i) {
         typename Map::key_type key(reader.readText().view());
-        read(reader, entries[std::move(key)]);
+        impl::readPart(reader, entries[std::move(key)]);
     }
     reader.endDictionary();
 }
@@ -157,7 +178,7 @@ void write(Writer& writer, Map const& entries) {
     writer.startDictionary(static_cast<unsigned>(entries.size()));
     for (auto const& [key, value] : entries) {
         writer.writeText(urString::CString(key));
-        write(writer, value);
+        impl::writePart(writer, value);
     }
     writer.endDictionary();
 }
@@ -165,13 +186,13 @@ void write(Writer& writer, Map const& entries) {
 /// An empty optional is nil.
 template <class T>
 void read(Reader& reader, std::optional<T>& value) {
-    if (!reader.isNull()) return read(reader, value.emplace());
+    if (!reader.isNull()) return impl::readPart(reader, value.emplace());
     reader.readNull();
     value.reset();
 }
 template <class T>
 void write(Writer& writer, std::optional<T> const& value) {
-    if (value) return write(writer, *value);
+    if (value) return impl::writePart(writer, *value);
     writer.writeNull();
 }
 
@@ -201,7 +222,7 @@ void read(Reader& reader, T& value) {
         listMembers(value, [&](char const* name, auto& member) {
             if (isKnown || key != std::string_view(name)) return;
             isKnown = true;
-            read(reader, member);
+            impl::readPart(reader, member);
         });
         if (!isKnown) reader.failOnKey("structure", key);
     }
@@ -214,7 +235,7 @@ void write(Writer& writer, T const& value) {
     writer.startDictionary(count);
     ur::listConstMembers(value, [&writer](char const* name, auto const& member) {
         writer.writeText(name);
-        write(writer, member);
+        impl::writePart(writer, member);
     });
     writer.endDictionary();
 }
@@ -223,8 +244,8 @@ void write(Writer& writer, T const& value) {
 template <class First, class Second>
 void write(Writer& writer, std::pair<First, Second> const& pair) {
     writer.startArray(2);
-    write(writer, pair.first);
-    write(writer, pair.second);
+    impl::writePart(writer, pair.first);
+    impl::writePart(writer, pair.second);
     writer.endArray();
 }
 

@@ -20,12 +20,34 @@ struct FieldHandlers {
     void (*clear)(Clear& clear, void* field);
 };
 
+namespace impl {
+
+/// Saves a field, or a part of one.
+template <class T>
+void writeField(Writer& writer, T const& value) {
+    static_assert(
+        requires { write(writer, value); },
+        "no nxTXN::write(Writer&, T const&) for a field of this type: include foundation/nxTXN/fields.h or "
+        "support/properties/fields.h, or add it");
+    write(writer, value);
+}
+template <class T>
+void readField(Reader& reader, T& value) {
+    static_assert(
+        requires { read(reader, value); },
+        "no nxTXN::read(Reader&, T&) for a field of this type: include foundation/nxTXN/fields.h or "
+        "support/properties/fields.h, or add it");
+    read(reader, value);
+}
+
+}  // namespace impl
+
 /// The handlers of T: the functions `write`, `read` and, if it exists, `clear` that overload resolution finds.
 /// Namespace `nxTXN` is always searched.
 template <class T>
 inline constexpr FieldHandlers fieldHandlers = {
-    [](Writer& writer, void const* field) { write(writer, *static_cast<T const*>(field)); },
-    [](Reader& reader, void* field) { read(reader, *static_cast<T*>(field)); },
+    [](Writer& writer, void const* field) { impl::writeField(writer, *static_cast<T const*>(field)); },
+    [](Reader& reader, void* field) { impl::readField(reader, *static_cast<T*>(field)); },
     [](Clear& cleared, void* field) {
         if constexpr (requires { clear(cleared, *static_cast<T*>(field)); }) clear(cleared, *static_cast<T*>(field));
     }};
@@ -63,10 +85,6 @@ public:
     /// A field with the handlers of its type.
     template <class T>
     void field(T& value) {
-        static_assert(
-            requires(Writer & writer, Reader & reader, T const& saved) { write(writer, saved), read(reader, value); },
-            "no nxTXN::write(Writer&, T const&) and read(Reader&, T&) for a field of this type: include "
-            "foundation/nxTXN/fields.h or support/properties/fields.h, or add them");
         field(&value, &fieldHandlers<T>);
     }
 };

@@ -75,11 +75,11 @@ void clear(Clear& /*cleared*/, T*& object) {
 /// A structure that lists its members: saves each member.
 template <ur::ListsMembers T>
 void write(Writer& writer, T const& value) {
-    ur::listConstMembers(value, [&writer](char const*, auto const& member) { write(writer, member); });
+    ur::listConstMembers(value, [&writer](char const*, auto const& member) { impl::writeField(writer, member); });
 }
 template <ur::ListsMembers T>
 void read(Reader& reader, T& value) {
-    listMembers(value, [&reader](char const*, auto& member) { read(reader, member); });
+    listMembers(value, [&reader](char const*, auto& member) { impl::readField(reader, member); });
 }
 template <ur::ListsMembers T>
 void clear(Clear& cleared, T& value) {
@@ -91,15 +91,15 @@ void clear(Clear& cleared, T& value) {
 /// Saves whether there is a value, then the value.
 template <class T>
 void write(Writer& writer, std::optional<T> const& value) {
-    write(writer, value.has_value());
-    if (value) write(writer, *value);
+    impl::writeField(writer, value.has_value());
+    if (value) impl::writeField(writer, *value);
 }
 template <class T>
 void read(Reader& reader, std::optional<T>& value) {
     bool hasValue = false;
-    read(reader, hasValue);
+    impl::readField(reader, hasValue);
     if (!hasValue) return value.reset();
-    read(reader, value.emplace());
+    impl::readField(reader, value.emplace());
 }
 template <class T>
 requires requires(Clear& cleared, T& value) { clear(cleared, value); }
@@ -114,7 +114,7 @@ template <class T>
 void write(Writer& writer, std::vector<T> const& elements) {
     auto const count = static_cast<std::uint32_t>(elements.size());
     writer.writeData(&count, sizeof count);
-    for (auto const& element : elements) write(writer, static_cast<T const&>(element));
+    for (auto const& element : elements) impl::writeField(writer, static_cast<T const&>(element));
 }
 template <class T>
 void read(Reader& reader, std::vector<T>& elements) {
@@ -124,7 +124,7 @@ void read(Reader& reader, std::vector<T>& elements) {
     elements.reserve(count);
     while (count-- > 0) {
         T element{};
-        read(reader, element);
+        impl::readField(reader, element);
         elements.push_back(std::move(element));
     }
 }
@@ -137,11 +137,11 @@ void clear(Clear& cleared, std::vector<T>& elements) {
 
 template <class T, std::size_t size>
 void write(Writer& writer, std::array<T, size> const& elements) {
-    for (T const& element : elements) write(writer, element);
+    for (T const& element : elements) impl::writeField(writer, element);
 }
 template <class T, std::size_t size>
 void read(Reader& reader, std::array<T, size>& elements) {
-    for (T& element : elements) read(reader, element);
+    for (T& element : elements) impl::readField(reader, element);
 }
 template <class T, std::size_t size>
 requires requires(Clear& cleared, T& element) { clear(cleared, element); }
@@ -152,21 +152,21 @@ void clear(Clear& cleared, std::array<T, size>& elements) {
 /// A map: a 32-bit count, then keys and values.
 template <class Key, class T, class Less>
 void write(Writer& writer, std::map<Key, T, Less> const& map) {
-    write(writer, static_cast<std::uint32_t>(map.size()));
+    impl::writeField(writer, static_cast<std::uint32_t>(map.size()));
     for (auto const& [key, value] : map) {
-        write(writer, key);
-        write(writer, value);
+        impl::writeField(writer, key);
+        impl::writeField(writer, value);
     }
 }
 template <class Key, class T, class Less>
 void read(Reader& reader, std::map<Key, T, Less>& map) {
     std::uint32_t count = 0;
-    read(reader, count);
+    impl::readField(reader, count);
     map.clear();
     while (count-- > 0) {
         Key key{};
-        read(reader, key);
-        read(reader, map.try_emplace(map.end(), std::move(key))->second);
+        impl::readField(reader, key);
+        impl::readField(reader, map.try_emplace(map.end(), std::move(key))->second);
     }
 }
 template <class Key, class T, class Less>

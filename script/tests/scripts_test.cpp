@@ -89,7 +89,7 @@ TEST(Scripts, MayKeepDomainsThatGo) {
         EXPECT_EQ(host.run("return host.document.rootContext"),
                   "test:1: nxSupport::Domain.rootContext: the object must not be a " + known + " that has gone");
         EXPECT_EQ(host.run("nxSupport.Context.exec(host.document, 'Const', print)"),
-                  "test:1: nxSupport::Context.exec: argument 1 must not be a " + known + " that has gone");
+                  "test:1: nxSupport::Context.exec: argument 1 (domain) must not be a " + known + " that has gone");
         nxRFL::ExposeClass<nxSupport::Host>(host.database, "test::Document").addBase<nxSupport::Domain>();
     }
 }

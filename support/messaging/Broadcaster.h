@@ -1,6 +1,7 @@
 // The bus that delivers life-cycle messages.
 #pragma once
 
+#include <concepts>
 #include <memory>
 #include <set>
 #include <type_traits>
@@ -86,6 +87,8 @@ public:
     /// Calls every subscriber of T. An exception from a subscriber is passed on at once; later ones are not called.
     template <class T>
     void broadcast(T& message);
+    template <class T>
+    requires(!std::is_lvalue_reference_v<T>) void broadcast(T&& message) { broadcast(static_cast<T&>(message)); }
     /// The signal of T at that priority, created if necessary. It lives as long as the broadcaster.
     template <class T>
     urRTB::Signal<T&>& sigFor(Priority const& priority);
@@ -138,6 +141,7 @@ private:
 template <class T>
 Broadcaster::Channel& Broadcaster::channelOf() {
     static_assert(!std::is_const_v<T>, "messages are not constant: take a T& and broadcast one");
+    static_assert(std::derived_from<T, Message>, "messages derive from nxSupport::Broadcaster::Message");
     Channel& result = channel(ur::TypeInfo::of<T>());
     result.signal = [](SigBase const& sig) -> urRTB::SignalBase const& {
         return static_cast<Sig<T> const&>(sig).signal;

@@ -79,13 +79,17 @@ public:
     void connectValidation(Validator validator) { validators().addCallback(validator); }
     /// Calls `listener(property, type)`, a copy of any callable, as long as the handle lives. `urRTB::ScopedBlock`
     /// blocks the handle's connection for a while.
-    template <urRTB::Callback<ur::Reference<Property const>, PropertyModType> F>
+    template <class F>
     [[nodiscard]] urRTB::ScopedConnection subscribe(F&& listener) {
+        static_assert(urRTB::Callback<F, ur::Reference<Property const>, PropertyModType>,
+                      "a listener of a property is called with (ur::Reference<Property const>, PropertyModType)");
         return listeners().addCallback(std::forward<F>(listener));
     }
     /// Calls `validator(property, candidate)` as long as the handle lives.
-    template <urRTB::Callback<ur::Reference<Property const>, ItemReference&> F>
+    template <class F>
     [[nodiscard]] urRTB::ScopedConnection subscribeValidation(F&& validator) {
+        static_assert(urRTB::Callback<F, ur::Reference<Property const>, ItemReference&>,
+                      "a validator of a property is called with (ur::Reference<Property const>, ItemReference&)");
         return validators().addCallback(std::forward<F>(validator));
     }
 

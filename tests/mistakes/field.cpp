@@ -1,4 +1,4 @@
-// says: no nxTXN::write(Writer&, T const&) and read(Reader&, T&) for a field of this type
+// says: no nxTXN::write(Writer&, T const&) for a field of this type
 #include "foundation/nxTXN/RefCountedObject.h"
 #include "foundation/nxTXN/Serializer.h"
 

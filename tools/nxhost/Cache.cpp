@@ -102,12 +102,12 @@ Reference<Resource> makeResource(Manager& manager, CString const& name, Referenc
 }
 
 Reference<Resource> resource(Manager& manager, CString const& name, Reference<Function> function) {
-    requireFunction(function != nullptr, "urKRCache::Manager.resource", 2);
+    requireFunction(function != nullptr, "urKRCache::Manager.resource", "2 (build)");
     return makeResource(manager, name, nullptr, std::move(function));
 }
 
 Reference<Resource> derived(Manager& manager, CString const& name, Resource& source, Reference<Function> function) {
-    requireFunction(function != nullptr, "urKRCache::Manager.derived", 3);
+    requireFunction(function != nullptr, "urKRCache::Manager.derived", "3 (build)");
     if (!source.shim()->manager()) throw nxRFL::Exception("the source has been removed");
     return makeResource(manager, name, source.shim(), std::move(function));
 }
@@ -182,8 +182,8 @@ void exposeCache(nxRFL::Database& database, std::uint64_t mostMemory) {
         .addMethod("unlock", &Resource::unlock)
         .addMethod("remove", &Resource::remove);
     nxRFL::ExposeClass<Manager>(database, "urKRCache::Manager")
-        .addMethod("resource", &resource)
-        .addMethod("derived", &derived)
+        .addMethod("resource", &resource, {"name", "build"})
+        .addMethod("derived", &derived, {"name", "source", "build"})
         .addMethod("clear", &Manager::clear)
         .addMethod("startInteraction", &Manager::startInteraction)
         .addMethod("endInteraction", &Manager::endInteraction)

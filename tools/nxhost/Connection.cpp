@@ -88,12 +88,12 @@ void exposeNetwork(nxRFL::Database& database) {
         .addBase<nxNet::Connection>()
         .addProperty("responseStatus", &Connection::responseStatus)
         .addMapIterator("responseHeaders", &Connection::responseHeaders)
-        .addMethod("responseHeader", &Connection::responseHeader)
+        .addMethod("responseHeader", &Connection::responseHeader, {"name"})
         .addProperty("received", [](Connection& self) { return self.progress().received; })
         .addProperty("receiveTotal", [](Connection& self) { return self.progress().receiveTotal; })
         .addProperty("sent", [](Connection& self) { return self.progress().sent; })
         .addProperty("sendTotal", [](Connection& self) { return self.progress().sendTotal; })
-        .addMethod("setProgressFunc", &Connection::setProgressFunc)
+        .addMethod("setProgressFunc", &Connection::setProgressFunc, {"callback"})
         .addProperty("timeLimit", &Connection::timeLimit, &Connection::setTimeLimit)
         .addProperty("errorText", &Connection::errorText);
 }

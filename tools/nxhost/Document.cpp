@@ -40,8 +40,8 @@ ScriptValue corrected(Function const& validator, CString const& name, ScriptValu
     write(writer, value);
     nxSupport::ScriptCallScope const scope("validator");
     validator.call(arguments, results);
-    auto const refuse = [&name](char const* why) {
-        throw nxRFL::Exception(CString::format("the validator of \"%s\" %s", name.c_str(), why));
+    auto const refuse = [&name](CString const& why) {
+        throw nxRFL::Exception(CString::format("the validator of \"%s\" %s", name.c_str(), why.c_str()));
     };
     if (results.empty()) refuse("returns nothing");
     ScriptValue result;
@@ -49,7 +49,7 @@ ScriptValue corrected(Function const& validator, CString const& name, ScriptValu
         nxRFL::Reader reader(results);
         read(reader, result);
     } catch (nxRFL::Exception const& error) {
-        refuse(CString("returns no value: ").append(error.message()).c_str());
+        refuse(CString("returns no value: ").append(error.message()));
     }
     return result;
 }
@@ -80,7 +80,7 @@ ur::vector<CString> Document::names() const {
 }
 
 void Document::edit(CString const& name, Reference<Function> const& function) {
-    requireFunction(function != nullptr, "nxhost::Document.edit", 2);
+    requireFunction(function != nullptr, "nxhost::Document.edit", "2 (body)");
     nxSupport::PerfScope time;
     time.charge(nxSupport::Perf_UpdateDoc);
     if (name.size() > longestName) throw nxRFL::Exception("the name of a step has at most 256 bytes");
@@ -105,7 +105,7 @@ bool Document::redo() {
 }
 
 void Document::listen(CString const& name, Reference<Function> const& function) {
-    requireFunction(function != nullptr, "nxhost::Document.listen", 2);
+    requireFunction(function != nullptr, "nxhost::Document.listen", "2 (callback)");
     Entry& listened = entry(name);
     chargeCallable(name);
     if (!listened.view) {
@@ -121,7 +121,7 @@ void Document::listen(CString const& name, Reference<Function> const& function) 
 }
 
 void Document::validate(CString const& name, Reference<Function> const& function) {
-    requireFunction(function != nullptr, "nxhost::Document.validate", 2);
+    requireFunction(function != nullptr, "nxhost::Document.validate", "2 (validator)");
     Entry& validated = entry(name);
     chargeCallable(name);
     validated.connections.push_back(validated.property->subscribeValidation(
@@ -162,14 +162,14 @@ void Document::settleHistory() noexcept {
 
 void exposeDocument(nxRFL::Database& database) {
     nxRFL::ExposeClass<Document>(database, "nxhost::Document")
-        .addMethod("get", &Document::get)
-        .addMethod("set", &Document::set)
+        .addMethod("get", &Document::get, {"name"})
+        .addMethod("set", &Document::set, {"name", "value"})
         .addMethod("names", &Document::names)
-        .addMethod("edit", &Document::edit)
+        .addMethod("edit", &Document::edit, {"name", "body"})
         .addMethod("undo", &Document::undo)
         .addMethod("redo", &Document::redo)
-        .addMethod("listen", &Document::listen)
-        .addMethod("validate", &Document::validate)
+        .addMethod("listen", &Document::listen, {"name", "callback"})
+        .addMethod("validate", &Document::validate, {"name", "validator"})
         .addProperty("undoName", [](Document& self) { return self.history().undoName(); })
         .addProperty("redoName", [](Document& self) { return self.history().redoName(); })
         .addProperty("undoCount", [](Document& self) { return self.history().undoCount(); })

@@ -6,9 +6,7 @@
 
 #include "foundation/nxRFL/ExposeFunction.h"
 #include "foundation/urThread/Runnable.h"
-#include "plst/Array.h"
-#include "plst/Dictionary.h"
-#include "plst/String.h"
+#include "plst/make.h"
 #include "script/initialize.h"
 #include "script/luaFunctions.h"
 #include "support/messaging/AppInitMsg.h"
@@ -58,11 +56,7 @@ private:
 };
 
 ur::Reference<nxPLST::Dictionary> startParameters(std::vector<std::string> const& arguments) {
-    auto words = ur::make<nxPLST::Array>();
-    for (std::string const& argument : arguments) words->insert(ur::make<nxPLST::String>(argument.c_str()));
-    auto result = ur::make<nxPLST::Dictionary>();
-    result->insert("arguments", words);
-    return result;
+    return nxPLST::dictionary({{"arguments", arguments}});
 }
 
 /// Converts folders to Lua search patterns.
@@ -135,14 +129,14 @@ void Host::registerClasses(nxRFL::Database& database) {
 void Host::registerFunctions(nxRFL::Database& database) {
     nxRFL::ExposeFunction(database, "host")
         .add("turn", [this] { return turn(); })
-        .add("later", [this](std::function<void()> function) { later(std::move(function)); })
-        .add("fileSink", [this](CString const& path) { return fileSink(path); })
-        .add("exit", [this](int code) { exit(code); })
+        .add("later", [this](std::function<void()> function) { later(std::move(function)); }, {"body"})
+        .add("fileSink", [this](CString const& path) { return fileSink(path); }, {"path"})
+        .add("exit", [this](int code) { exit(code); }, {"code"})
         .add("statistics", [this] { return diagnostics_.statistics(); })
         .add("describe", [this](CString const& name) { return describe(name); }, {"name"})
         .add("span",
              [](CString const& name, ur::Reference<nxRFL::Function> const& function) {
-                 requireFunction(function != nullptr, "host.span", 2);
+                 requireFunction(function != nullptr, "host.span", "2 (body)");
                  nxSupport::ScriptCallScope const span(name);
                  nxRFL::Stack results;
                  function->call({}, results);
@@ -161,8 +155,8 @@ void Host::openState(Options const& options) {
     nxRFL::Stack words;
     nxRFL::Writer writer(words);
     writer.writeText(packagePath(options.scriptPath));
-    writer.writeText(options.script.value_or("").c_str());
-    for (std::string const& argument : arguments_) writer.writeText(argument.c_str());
+    writer.writeText(options.script.value_or(""));
+    for (std::string const& argument : arguments_) writer.writeText(argument);
     call(prelude, words);
     state_->setLimits(options.limits);
 }
@@ -227,7 +221,7 @@ bool Host::run(std::string_view source, CString const& name) {
         nxRFL::Stack arguments;
         nxRFL::Writer writer(arguments);
         writer.writeFunction(state_->load(source, name));
-        for (std::string const& argument : arguments_) writer.writeText(argument.c_str());
+        for (std::string const& argument : arguments_) writer.writeText(argument);
         call(runner, arguments);
         return true;
     } catch (nxRFL::Exception const& error) {
@@ -271,7 +265,7 @@ bool Host::turn() {
 }
 
 void Host::later(std::function<void()> function) {
-    requireFunction(function != nullptr, "host.later", 1);
+    requireFunction(function != nullptr, "host.later", "1 (body)");
     auto call = [this, function = std::move(function)] {
         if (!isEnding()) function();
     };

@@ -22,36 +22,43 @@ namespace {
 /// scripts may change it.
 constexpr char const* showSource = R"lua(
 local getmetatable, pairs, print, select, tostring, type = getmetatable, pairs, print, select, tostring, type
-local format, sort, concat, insert = string.format, table.sort, table.concat, table.insert
-local mostLines, mostDepth = 20, 8
+local format, gsub, sub = string.format, string.gsub, string.sub
+local sort, concat, insert = table.sort, table.concat, table.insert
+local mostLines, mostWidth, mostDepth, longestText = 20, 100, 8, 200
 
 local function sorted(a, b)
     if type(a) == type(b) and (type(a) == "number" or type(a) == "string") then return a < b end
     return type(a) < type(b)
 end
 
+local function quoted(value)
+    if #value > longestText then value = sub(value, 1, longestText) .. "..." end
+    return (gsub(format("%q", value), "\\\n", "\\n"))
+end
+
+-- The value on one line, or with each entry on lines of its own: lines.left counts those that may still come.
 local function text(value, lines, indent, open)
-    if type(value) == "string" then return format("%q", value) end
+    if type(value) == "string" then return quoted(value) end
     if type(value) ~= "table" or getmetatable(value) ~= nil then return tostring(value) end
     if open[value] or #indent > 2 * mostDepth then return "{...}" end
     open[value] = true
     local keys = {}
     for key in pairs(value) do insert(keys, key) end
     sort(keys, sorted)
-    local parts, length = {}, 0
+    local parts, length, counted, isBroken = {}, #indent, 0, false
     for i = 1, #keys do
         if lines.left <= 0 then insert(parts, "...") break end
         local key = keys[i]
         local name = type(key) == "string" and key:match("^[%a_][%w_]*$") or "[" .. text(key, lines, indent .. "  ", open) .. "]"
         local part = text(value[key], lines, indent .. "  ", open)
         insert(parts, key == i and part or name .. " = " .. part)
-        length = length + #parts[#parts]
-        if length > 80 then lines.left, length = lines.left - 1, 0 end
+        length = length + #parts[#parts] + 2
+        isBroken = isBroken or length > mostWidth or part:find("\n", 1, true) ~= nil
+        if isBroken then lines.left, counted = lines.left - (#parts - counted), #parts end
     end
     open[value] = nil
-    local line = "{" .. concat(parts, ", ") .. "}"
-    if #line + #indent <= 100 and not line:find("\n", 1, true) then return line end
-    lines.left = lines.left - #parts
+    if not isBroken then return "{" .. concat(parts, ", ") .. "}" end
+    lines.left = lines.left - 1  -- of the brace at the end
     return "{\n  " .. indent .. concat(parts, ",\n  " .. indent) .. "\n" .. indent .. "}"
 end
 

@@ -6,10 +6,10 @@
 
 namespace nxhost {
 
-/// Raises if the function, the argument at `position` of `name`, was nil.
-inline void requireFunction(bool given, char const* name, int position) {
+/// Raises if the function, an argument of `name`, was nil; `argument` is such as "2 (body)".
+inline void requireFunction(bool given, char const* name, char const* argument) {
     if (given) return;
-    throw nxRFL::Exception(urString::CString::format("%s: argument %d must be function, but is null", name, position));
+    throw nxRFL::Exception(urString::CString::format("%s: argument %s must be function, but is null", name, argument));
 }
 
 }  // namespace nxhost

@@ -59,6 +59,10 @@ TEST_F(Exposed, CallsNativeFunctionsWithConvertedArguments) {
     call(member("farm::Animal", "name").second, duck, "Daisy");
     EXPECT_EQ(Reader(call(member("farm::Animal", "name").function, duck)).readText(), "Daisy");
     EXPECT_EQ(Reader(call(member("farm::Duck", "quack").function, duck, 2)).readText(), "quackquack");
+    auto const join = makeFunction(
+        database, [](std::string_view a, std::string_view const& b) { return std::string(a) + std::string(b); });
+    EXPECT_EQ(join->signature()[1], "string");
+    EXPECT_EQ(Reader(call(join, "a text that is not inline", "+")).readText(), "a text that is not inline+");
 
     Stack const results = call(tool("first"), ur::vector<Reference<Animal>>{duck}, true);
     Reader reader(results);
@@ -195,10 +199,11 @@ TEST_F(Exposed, TakesPlainValuesThatFitAndLeavesOthers) {
     EXPECT_FALSE(takes(quack, {self}) || takes(quack, {self, self}) || takes(quack, {plain(1), plain(1)}));
     EXPECT_FALSE(member("farm::Animal", "friend").second->takesPlainValues());
     std::string seen;
-    auto const mixed = makeFunction(database, [&](bool flag, CString const& text, signed char small, CString moved) {
-        seen += text.c_str() + std::to_string(small) + moved.c_str();
-        return !flag;
-    });
+    auto const mixed =
+        makeFunction(database, [&](bool flag, CString const& text, signed char small, std::string_view shown) {
+            seen += text.c_str() + std::to_string(small) + std::string(shown);
+            return !flag;
+        });
     PlainValue const yes{PlainValue::Kind::boolean, true, {.number = 0}, {.pointer = nullptr}};
     PlainValue const text{PlainValue::Kind::text, false, {.size = 2}, {.bytes = "abc"}};
     EXPECT_TRUE(takes(mixed, {yes, text, plain(-128), text}));

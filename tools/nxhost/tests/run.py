@@ -263,11 +263,13 @@ def uncompleted(nxhost):
 
 
 def unloadable(nxhost):
-    """Declarations for editors that are no Lua."""
+    """Declarations for editors that are no Lua, or do not name a parameter."""
     stubs = subprocess.run([nxhost, "--list", "--stubs"], check=True, capture_output=True, text=True).stdout
     load = subprocess.run([nxhost, "-e", 'assert(loadstring(io.read("*a")))'], input=stubs, capture_output=True, text=True)
     if load.returncode != 0:
         yield f"--list --stubs: {load.stderr}"
+    for line in re.findall(r"^function.*\bargument[0-9].*", stubs, re.M):
+        yield f"--list --stubs: no name of a parameter: {line}"
 
 
 def main(nxhost, names, update):

@@ -28,7 +28,7 @@ class Terminal:
             os.execve(nxhost, ["nxhost", *arguments], environment)
 
     def expect(self, text):
-        """Waits until `text` has been shown, and looks only behind it from then on."""
+        """Waits until `text` has been shown, returns what came before, and looks only behind it from then on."""
         while text.encode() not in self.seen:
             if not select.select([self.terminal], [], [], SECONDS)[0]:
                 raise AssertionError(f"{text!r} does not come, only {self.seen!r}")
@@ -36,7 +36,8 @@ class Terminal:
                 self.seen += os.read(self.terminal, 4096)
             except OSError:
                 raise AssertionError(f"ended before {text!r}: {self.seen!r}") from None
-        self.seen = self.seen[self.seen.index(text.encode()) + len(text.encode()):]
+        before, _, self.seen = self.seen.partition(text.encode())
+        return before.decode(errors="replace")
 
     def type(self, text):
         os.write(self.terminal, text.encode())
@@ -98,9 +99,14 @@ def helps(folder):
     terminal.enter("{1, 'two', {x = true, ['a b'] = {}}}", '{1, "two", {["a b"] = {}, x = true}}\r\n')
     terminal.enter("t = {} t.t = t return t", "{t = {...}}\r\n")
     terminal.enter("t = {} for i = 1, 2000 do t[i] = i end return t", "1,\r\n", "...\r\n}\r\n")
+    for value in ["{i, 2 * i}", "{name = 'row ' .. i, size = {i, i}}", "{('x'):rep(99), i}", "{{{('x'):rep(99)}}}"]:
+        terminal.enter(f"t = {{}} for i = 1, 2000 do t[i] = {value} end return t")
+        shown = terminal.expect("...\r\n}\r\n")
+        assert 15 < shown.count("\n") < 27, (value, shown)
+    terminal.enter("{('long\\n'):rep(1000)}", 'long\\n..."\r\n}\r\n')
     terminal.enter("{}, nil, host.document", "{}\tnil\tnxhost::Document")
     terminal.enter("help", "help(x)", "quit")
-    terminal.enter("help(host.document)", "class nxhost::Document\r\n", "edit(string, function)\r\n")
+    terminal.enter("help(host.document)", "class nxhost::Document\r\n", "edit(name: string, body: function)\r\n")
     terminal.enter("help(nxSupport.Context)", "class nxSupport::Context")
     terminal.enter("help(host)", "table host\r\n", "span(name: string, body: function)")
     terminal.enter("help({})", "nothing is known of this table\r\n")
