@@ -20,6 +20,7 @@ void Object::onTxnModified() {}
 void Object::onTxnDestroyed() {}
 void Object::onTxnExtant() {}
 void Object::onTxnGetSize(ObjectSize& size) const { size.raiseBase(sizeof(Object)); }
+urString::CString Object::onTxnName() const { return {}; }
 
 void Object::transact() {
     if (history_) history_->transact(*this);

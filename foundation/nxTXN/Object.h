@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "foundation/ur/Export.h"
+#include "foundation/urString/CString.h"
 
 namespace nxTXN {
 
@@ -54,6 +55,8 @@ protected:
     virtual void onTxnExtant();
     /// Adds up the object's memory. Called when only the history still keeps the object.
     virtual void onTxnGetSize(ObjectSize& size) const;
+    /// The name by which people know the object, for messages. Empty, the default, for none.
+    [[nodiscard]] virtual urString::CString onTxnName() const;
 
 public:
     /// Records the current fields for undo and abort. Only the first call in a transaction costs anything. With no

@@ -9,8 +9,9 @@
 
 namespace urString {
 
-/// Takes names one by one and keeps the one nearest to a wanted name: they differ in at most a third of the bytes.
-/// Compares the first 63 bytes of each name.
+/// Takes names one by one and keeps the one nearest to a wanted name: they differ in one place, or in at most a third
+/// of the bytes. Two neighbouring bytes that are exchanged are one difference. Compares the first 63 bytes of each
+/// name.
 class NX_API NearestName {
 public:
     explicit NearestName(std::string_view wanted);

@@ -10,6 +10,8 @@
 
 #include "foundation/ur/ImplBase.h"
 #include "foundation/ur/Reference.h"
+#include "foundation/ur/TypeInfo.h"
+#include "foundation/urOS/AppOutput.h"
 #include "foundation/urThread/RunQueue.h"
 #include "foundation/urThread/Runnable.h"
 #include "foundation/urThread/Thread.h"
@@ -161,7 +163,10 @@ void AsyncTask::fail() {
     onFailed(failureText());
 }
 
-void AsyncTask::onFailed(std::string_view /*text*/) {}
+void AsyncTask::onFailed(std::string_view text) {
+    urOS::AppOutput::getInstance().print("%s has failed: %.*s\n", ur::TypeInfo::of(*this).readableName().c_str(),
+                                         static_cast<int>(text.size()), text.data());
+}
 
 void AsyncTask::abandon() noexcept {
     impl_->failing = nullptr;

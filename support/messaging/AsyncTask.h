@@ -64,7 +64,8 @@ protected:
     /// Called when the work is done. `waited`: `wait` was called. The queue's `service` passes on an exception.
     virtual void onComplete(bool waited) = 0;
     /// Called with a message if the work threw or no thread could be created. It is called from the run queue, or
-    /// earlier from `wait`, but not if the queue drops the task.
+    /// earlier from `wait`, but not if the queue drops the task. By default prints a line with the class and the
+    /// message on the application output.
     virtual void onFailed(std::string_view text);
 
 private:

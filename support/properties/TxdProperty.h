@@ -47,6 +47,7 @@ protected:
     void onTxnModified() override;
     void onTxnDestroyed() override;
     void onTxnExtant() override;
+    [[nodiscard]] urString::CString onTxnName() const override { return name(); }
 
 private:
     friend class TxdPropertyData;

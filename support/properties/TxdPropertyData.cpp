@@ -80,6 +80,14 @@ void TxdPropertyData::setTwin(UnTxdPropertyData& untxdData) {
     twin_ = ur::make<TxdPropertyTwin>(*manager, *this, untxdData);
 }
 
+urString::CString TxdPropertyData::onTxnName() const {
+    urString::CString name;
+    properties_.forEach([&name](TxdProperty const& member) {
+        if (name.empty()) name = member.name();
+    });
+    return name;
+}
+
 void TxdPropertyData::onTransact(nxTXN::Serializer& serializer) {
     serializer.beginObject(this, &onRestore);
     RefCountedObject::onTransact(serializer);

@@ -44,6 +44,8 @@ protected:
     void onTxnModified() override;
     void onTxnDestroyed() override;
     void onTxnExtant() override;
+    /// That of the first member.
+    [[nodiscard]] urString::CString onTxnName() const override;
 
 private:
     static void onRestore(nxTXN::Object* object, nxTXN::Restorer& restorer);

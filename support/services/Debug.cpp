@@ -107,6 +107,7 @@ void Debug::set(DebugCode code, bool enabled) {
 
 void Debug::provideChannel(DebugCode code, urOS::DebugChannel& channel) noexcept {
     if (isCode(code)) channels_[code] = &channel;
+    if (code == Debug_Undo) nxTXN::setDebugChannel(&channel);
 }
 
 urString::CString Debug::describe(DebugCode code) {

@@ -38,6 +38,7 @@ public:
     void disable(DebugCode code);
     void toggle(DebugCode code);
     /// The code takes its state and output from `channel` from now on. The channel is not owned and must stay valid.
+    /// Histories then use the channel of `Debug_Undo` too.
     void provideChannel(DebugCode code, urOS::DebugChannel& channel) noexcept;
 
     /// A description for people; empty for `NUM_CODES`, "~ unknown ~" for any other value.

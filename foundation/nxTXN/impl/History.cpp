@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "foundation/nxTXN/HookError.h"
+#include "foundation/nxTXN/debugChannel.h"
 #include "foundation/nxTXN/impl/diagnostics.h"
 #include "foundation/nxTXN/impl/passes.h"
 #include "foundation/ur/TypeInfo.h"
@@ -103,9 +104,11 @@ void History::missed(Object const& object) {
     if (busy_ || lifetimes_.busy() || unrecordedChange_ == UnrecordedChange::apply) return;
     bool const isOutside = levels_.empty();
     if (!isOutside && levels_.back().kind != TransactionKind::constant) return;
+    if (unrecordedChange_ == UnrecordedChange::report && !debugChannel().isEnabled()) return;
     char const* const where = isOutside ? "outside a transaction" : "in a constant transaction";
-    if (unrecordedChange_ == UnrecordedChange::report) return reportUnrecorded(object, where);
-    throw std::logic_error(ur::TypeInfo::of(object).readableName() + " changed " + where);
+    urString::CString const name = object.onTxnName();
+    if (unrecordedChange_ == UnrecordedChange::report) return reportUnrecorded(object, name, where);
+    throw std::logic_error(unrecordedText(object, name, where));
 }
 
 void History::begin(urString::CString const& name, TransactionKind kind, void const* coalesceKey) {

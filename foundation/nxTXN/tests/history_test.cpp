@@ -302,6 +302,11 @@ TEST(HistorySizes, RefuseFieldsThatAreTooLargeAndKeepForGoodWhatTooManyRecordsNe
 TEST_F(History, AppliesReportsOrRefusesWhatNoTransactionRecords) {
     struct Quiet : Node {
         using Node::Node;
+        urString::CString onTxnName() const override { return name; }
+        urString::CString name = "lamp";
+    };
+    struct Nameless : Node {
+        using Node::Node;
     };
     auto const quiet = ur::make<Quiet>(manager, "q");
     auto const changeEverywhere = [&](int from) {
@@ -321,14 +326,19 @@ TEST_F(History, AppliesReportsOrRefusesWhatNoTransactionRecords) {
     EXPECT_EQ(output.contents().size(), 0U);
     manager.setUnrecordedChange(UnrecordedChange::report);
     changeEverywhere(30);
+    quiet->name = "another";
+    quiet->setValue(35);
+    ur::make<Nameless>(manager, "n")->setValue(1);
     ASSERT_TRUE(urOS::AppOutput::getInstance().open("-", false).ok());
     debugChannel().disable();
     EXPECT_THAT(std::string(output.contents().view()),
-                testing::MatchesRegex("[^\n]*Quiet changed outside a transaction: applied, not recorded\n"
-                                      "[^\n]*Quiet changed in a constant transaction: applied, not recorded\n"));
+                testing::MatchesRegex("[^\n]*Quiet \"lamp\" changed outside a transaction: applied, not recorded\n"
+                                      "[^\n]*Nameless changed outside a transaction: applied, not recorded\n"));
 
     manager.setUnrecordedChange(UnrecordedChange::refuse);
-    EXPECT_THROW(quiet->setValue(40), std::logic_error);
+    EXPECT_THAT(
+        [&] { quiet->setValue(40); },
+        testing::ThrowsMessage<std::logic_error>(testing::EndsWith("Quiet \"another\" changed outside a transaction")));
     edit(manager, [&] { quiet->setValue(41); });
     manager.begin("view", TransactionKind::constant);
     EXPECT_THROW(quiet->setValue(42), std::logic_error);

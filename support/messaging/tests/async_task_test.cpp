@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "foundation/urOS/tests/CapturedOutput.h"
 #include "support/messaging/AsyncTask.h"
 #include "support/messaging/DataSink.h"
 #include "support/messaging/tests/Host.h"
@@ -100,6 +101,19 @@ TEST_F(AsyncTasks, TellOfTheirFailureUnwaitedAndNotWhenTheQueueIsGone) {
     host->queue.close();
     EXPECT_EQ(other->failure, "");
     EXPECT_EQ(other->referenceCount(), 1);
+}
+
+TEST_F(AsyncTasks, PrintTheirFailureUnlessTheyHandleIt) {
+    struct Plain : AsyncTask {
+        using AsyncTask::AsyncTask;
+        void execute() override { throw std::runtime_error("disk full"); }
+        void onComplete(bool) override {}
+    };
+    urOS::CapturedOutput const output;
+    auto const plain = ur::make<Plain>(*host);
+    plain->startThread();
+    plain->wait();
+    EXPECT_NE(output.text().find("Plain has failed: disk full\n"), std::string::npos) << output.text();
 }
 
 TEST_F(AsyncTasks, AreCancelledAndTellTheirLastProgress) {

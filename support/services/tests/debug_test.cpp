@@ -1,4 +1,5 @@
 // Debug codes: tables, switches, and printing.
+#include "foundation/nxTXN/debugChannel.h"
 #include "krcache/debugChannel.h"
 #include "support/services/DebugPrint.h"
 #include "support/services/tests/Output.h"
@@ -65,6 +66,12 @@ TEST_F(DebugTest, SwitchingTellsAndTheResourcesCodeSwitchesTheCacheToo) {
     EXPECT_TRUE(debug.isEnabled(debugCode(5)));
     debug.disable(debugCode(5));
     EXPECT_FALSE(provided.isEnabled());
+
+    static urOS::DebugChannel ofHistories;
+    debug.provideChannel(Debug_Undo, ofHistories);
+    EXPECT_EQ(&nxTXN::debugChannel(), &ofHistories);
+    nxTXN::setDebugChannel(nullptr);
+    EXPECT_NE(&nxTXN::debugChannel(), &ofHistories);
 }
 
 TEST_F(DebugTest, LinesAreIndentedAndEndOnlyWhenAsked) {
