@@ -250,7 +250,7 @@ struct PageKey final : TileKey {
 
 /// Pages everything out and back in.
 Side ourPaging(std::string const& folder, std::size_t pages) {
-    auto const manager = std::make_shared<Manager>(urString::IString(folder.c_str()));
+    auto const manager = std::make_shared<Manager>(folder);
     auto const shims = std::make_shared<std::vector<Reference<Shim>>>();
     for (std::size_t i = 0; i < pages; ++i) {
         shims->push_back(manager->getShim(Reference<KeyData>(new PageKey(tile(i), 1)), Shim::Retained));

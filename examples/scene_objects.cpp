@@ -101,7 +101,7 @@ public:
     }
     nxTXN::Manager history;
     nxTXN::ObjectList<SceneObject> objects{history};
-    urKRCache::Manager cache{std::filesystem::temp_directory_path().c_str()};
+    urKRCache::Manager cache{std::filesystem::temp_directory_path()};
 };
 
 // ---- The panel: a twin of each property of the selected object. The twins follow edits, undo and redo.
@@ -178,7 +178,7 @@ public:
     /// Runs a line as one step of the history; a failing line leaves no step.
     void run(Scene& scene, std::string const& line) {
         std::printf("> %s\n", line.c_str());
-        Transaction transaction(scene.history, line.c_str());
+        Transaction transaction(scene.history, line);
         auto const error = state_->run(line, "=console");
         if (error) return static_cast<void>(std::printf("  %s\n", error->what()));
         transaction.commit();

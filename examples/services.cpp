@@ -103,7 +103,7 @@ void recordFrame(char const* file) {
         nxSupport::ScriptCallScope const call("onDraw");
     }
     urOS::File trace;
-    auto error = trace.open(urString::IString(file), urOS::openForWriting);
+    auto error = trace.open(file, urOS::openForWriting);
     if (error.ok()) error = timeline.write(trace);
     std::printf("%zu events, %s\n", timeline.eventCount(), error.ok() ? "written" : "not written");
 }

@@ -125,7 +125,7 @@ private:
         std::string name;
         if (!(words >> name) || !find(name)) return false;
         for (double value = 0; words >> value;) {
-            history_.beginCoalescing(("Drag " + name).c_str(), this);
+            history_.beginCoalescing("Drag " + name, this);
             find(name)->set(value);
             history_.commit();
         }

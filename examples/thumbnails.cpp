@@ -167,7 +167,7 @@ int main(int argc, char** argv) {
     }
     {
         // [host]
-        Manager cache(folder.c_str());
+        Manager cache(folder);
         theCache = &cache;
         urKRCache::setCacheManagerFunc([] { return theCache; });
         urKRCache::debugChannel().enable();

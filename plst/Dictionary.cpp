@@ -11,10 +11,18 @@ Dictionary::~Dictionary() { impl::dismantle(dictionary_); }
 ur::Reference<Item> Dictionary::onClone() const { return impl::cloneTree(*this); }
 bool Dictionary::onCongruent(Item const& other) const { return impl::congruentTrees(*this, other); }
 
-ur::Reference<Item> Dictionary::find(urString::CString const& key) const {
-    auto const entry = dictionary_.find(key);
-    return entry == dictionary_.end() ? nullptr : entry->second;
+namespace {
+
+template <class Key>
+ur::Reference<Item> valueUnder(Dictionary::Map const& entries, Key const& key) {
+    auto const entry = entries.find(key);
+    return entry == entries.end() ? nullptr : entry->second;
 }
+
+}  // namespace
+
+ur::Reference<Item> Dictionary::find(urString::CString const& key) const { return valueUnder(dictionary_, key); }
+ur::Reference<Item> Dictionary::findText(std::string_view key) const { return valueUnder(dictionary_, key); }
 
 void Dictionary::insert(urString::CString const& key, ur::Reference<Item> value) {
     dictionary_.insert_or_assign(key, std::move(value));

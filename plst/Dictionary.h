@@ -2,6 +2,7 @@
 #pragma once
 
 #include <concepts>
+#include <string_view>
 
 #include "foundation/ur/containers.h"
 #include "foundation/urString/CString.h"
@@ -22,7 +23,14 @@ public:
 
     /// The value under `key`; null when there is none.
     [[nodiscard]] ur::Reference<Item> find(urString::CString const& key) const;
-    [[nodiscard]] ur::Reference<Item> get(urString::CString const& key) const { return find(key); }
+    /// The same for a literal, a standard string or a view, which is not copied.
+    template <urString::ForeignText Key>
+    [[nodiscard]] ur::Reference<Item> find(Key const& key) const {
+        return findText(urString::viewOf(key));
+    }
+    template <class Key>
+    requires std::convertible_to<Key const&, std::string_view>
+    [[nodiscard]] ur::Reference<Item> get(Key const& key) const { return find(key); }
 
     /// Stores `value` under `key` and replaces the former value, if any.
     void insert(urString::CString const& key, ur::Reference<Item> value);
@@ -38,6 +46,7 @@ public:
     [[nodiscard]] bool empty() const noexcept { return dictionary_.empty(); }
 
 private:
+    [[nodiscard]] ur::Reference<Item> findText(std::string_view key) const;
     [[nodiscard]] ur::Reference<Item> onClone() const override;
     [[nodiscard]] bool onCongruent(Item const& other) const override;
 

@@ -26,7 +26,7 @@ bool read(ur::Reference<Item>& out, std::string_view text, JsonReport& report) {
 
 }  // namespace
 
-bool convertFromJSON(ur::Reference<Item>& out, urString::CString const& text, JsonReport& report) {
+bool convertFromJSON(ur::Reference<Item>& out, std::string_view text, JsonReport& report) {
     return read(out, text, report);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string_view>
 
 #include "foundation/ur/containers.h"
 #include "foundation/urString/CString.h"
@@ -48,7 +49,10 @@ struct JsonReport {
 };
 
 /// The same as without a report; overwrites `report`.
-[[nodiscard]] NX_API bool convertFromJSON(ur::Reference<Item>& out, urString::CString const& text, JsonReport& report);
+[[nodiscard]] NX_API bool convertFromJSON(ur::Reference<Item>& out, std::string_view text, JsonReport& report);
+[[nodiscard]] inline bool convertFromJSON(ur::Reference<Item>& out, char const* text, JsonReport& report) {
+    return convertFromJSON(out, urString::viewOf(text), report);
+}
 [[nodiscard]] NX_API bool convertFromJSON(ur::Reference<Item>& out, char const* text, unsigned int length,
                                           JsonReport& report);
 

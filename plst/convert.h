@@ -1,8 +1,12 @@
 // Converts values of the framework's types to items and back.
 #pragma once
 
+#include <cmath>
+#include <concepts>
+#include <limits>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "foundation/urLinear/AffineMatrix.h"
 #include "foundation/urLinear/Normal.h"
@@ -42,10 +46,34 @@ inline constexpr int arrayLength<nxSupport::BoundedDouble> = 3;  // value, minim
 template <>
 inline constexpr int arrayLength<nxSupport::BoundedInt> = 3;
 
+namespace impl {
+
+/// The integer types other than int that are numbers, not characters or truth values.
+template <class T>
+concept OtherInteger =
+    std::integral<T> && !std::same_as<T, int> && !std::same_as<T, bool> && !std::same_as<T, char> &&
+    !std::same_as<T, wchar_t> && !std::same_as<T, char8_t> && !std::same_as<T, char16_t> && !std::same_as<T, char32_t>;
+
+/// Stores `number` without its fraction. False, with `out` unchanged, if that is outside the type's range.
+template <OtherInteger T>
+bool assignWhole(T& out, double number) {
+    using Limits = std::numeric_limits<T>;
+    double const whole = std::trunc(number);
+    // The greatest 64-bit integers have no double; the power of two above them has.
+    bool const fits = whole >= static_cast<double>(Limits::lowest()) && whole < std::ldexp(1.0, Limits::digits);
+    if (fits) out = static_cast<T>(whole);
+    return fits;
+}
+
+}  // namespace impl
+
 // To an item. `out` receives a new item in the type's only shape and releases its former item. An IString becomes UTF-8
-// text, a null pointer the empty text, an item a deep copy; null stays null.
+// text, a null pointer the empty text, an item a deep copy; null stays null. Items hold doubles: an integer that has no
+// double, which is beyond 2^53, gives null.
 
 NX_API void convert(ur::Reference<Item>& out, int value);
+template <impl::OtherInteger T>
+void convert(ur::Reference<Item>& out, T value);
 NX_API void convert(ur::Reference<Item>& out, float value);
 NX_API void convert(ur::Reference<Item>& out, double value);
 NX_API void convert(ur::Reference<Item>& out, bool value);
@@ -54,6 +82,11 @@ NX_API void convert(ur::Reference<Item>& out, urString::CString const& value);
 NX_API void convert(ur::Reference<Item>& out, std::string_view value);
 inline void convert(ur::Reference<Item>& out, std::string const& value) { convert(out, std::string_view(value)); }
 NX_API void convert(ur::Reference<Item>& out, urString::IString const& value);
+/// As an IString.
+template <urString::FilePath Path>
+void convert(ur::Reference<Item>& out, Path const& path) {
+    convert(out, urString::IString(path));
+}
 NX_API void convert(ur::Reference<Item>& out, urLinear::Point2 const& value);
 NX_API void convert(ur::Reference<Item>& out, urLinear::Point const& value);
 NX_API void convert(ur::Reference<Item>& out, urLinear::Vector const& value);
@@ -65,25 +98,43 @@ NX_API void convert(ur::Reference<Item>& out, urUtil::Color8 const& value);
 NX_API void convert(ur::Reference<Item>& out, nxSupport::BoundedDouble const& value);
 NX_API void convert(ur::Reference<Item>& out, nxSupport::BoundedInt const& value);
 NX_API void convert(ur::Reference<Item>& out, ur::Reference<Item const> value);
+template <impl::OtherInteger T>
+void convert(ur::Reference<Item>& out, T value) {
+    T copy{};
+    bool const isExact = impl::assignWhole(copy, static_cast<double>(value)) && copy == value;
+    out = nullptr;
+    if (isExact) convert(out, static_cast<double>(value));
+}
 /// Other pointers would all become true.
 template <class T>
 void convert(ur::Reference<Item>& out, T const* value) = delete;
 
 // From an item. An item of another shape, or null, leaves `out` unchanged.
 //
-// Arrays may be longer than needed. A number becomes an integer without its fraction; outside the integer's range it
-// becomes the nearest limit, and NaN leaves `out` unchanged. A boolean can also be read from a number: true when it is
-// not 0. A Color8 channel takes the low eight bits of the integer, however large; a channel that is not finite leaves
-// `out` unchanged. A matrix is read from twelve numbers, or from three or four rows of at least four numbers each; the
-// first three are the rows of the three-by-four matrix whose columns are the stored groups.
+// Arrays may be longer than needed. A number becomes an integer without its fraction; outside the range of an int it
+// becomes the nearest limit, outside the range of another integer type it leaves `out` unchanged, as NaN does. A
+// boolean can also be read from a number: true when it is not 0. A Color8 channel takes the low eight bits of the
+// integer, however large; a channel that is not finite leaves `out` unchanged. A matrix is read from twelve numbers, or
+// from three or four rows of at least four numbers each; the first three are the rows of the three-by-four matrix whose
+// columns are the stored groups.
 
 NX_API void convert(int& out, ur::Reference<Item const> item);
+template <impl::OtherInteger T>
+void convert(T& out, ur::Reference<Item const> item) {
+    if (auto const number = asDouble(std::move(item))) static_cast<void>(impl::assignWhole(out, number->value()));
+}
 NX_API void convert(float& out, ur::Reference<Item const> item);
 NX_API void convert(double& out, ur::Reference<Item const> item);
 NX_API void convert(bool& out, ur::Reference<Item const> item);
 NX_API void convert(urString::CString& out, ur::Reference<Item const> item);
 NX_API void convert(std::string& out, ur::Reference<Item const> item);
 NX_API void convert(urString::IString& out, ur::Reference<Item const> item);
+template <urString::FilePath Path>
+void convert(Path& out, ur::Reference<Item const> item) {
+    urString::IString text = out;
+    convert(text, std::move(item));
+    out = text;
+}
 NX_API void convert(urLinear::Point2& out, ur::Reference<Item const> item);
 NX_API void convert(urLinear::Point& out, ur::Reference<Item const> item);
 NX_API void convert(urLinear::Vector& out, ur::Reference<Item const> item);

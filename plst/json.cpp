@@ -46,7 +46,7 @@ bool writeJson(urString::CString& text, ur::Reference<Item const> item, JsonStyl
     return true;
 }
 
-bool convertFromJSON(ur::Reference<Item>& out, CString const& text) {
+bool convertFromJSON(ur::Reference<Item>& out, std::string_view text) {
     return impl::readJson(out, text) != impl::JsonReading::refused;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "foundation/ur/Account.h"
@@ -34,7 +35,7 @@ NX_API urString::CString asJSON(ur::Reference<Item const> item, std::uint64_t mo
 
 /// The format of JSON for programs.
 struct JsonStyle {
-    unsigned indent = 2;     ///< spaces per level, at most 16; 0 writes one line without spaces
+    unsigned indent = 2;     ///< spaces per level; 0 writes one line without spaces
     bool asciiOnly = false;  ///< writes non-ASCII characters as escape sequences
     /// The longest text for a tree that shares items.
     std::uint64_t mostExpandedBytes = mostExpandedText;
@@ -45,15 +46,17 @@ struct JsonStyle {
 
 /// Appends JSON of a tree of any depth, with integers up to 2^53 in full and other numbers with the fewest digits that
 /// identify them; `convertFromJSON` always reads the same doubles. Null items and elements are `null`. Bytes that are
-/// not UTF-8 become U+FFFD; lines beyond 127 levels are indented like level 127. False for a NaN, an infinity, or a
-/// text that is too long because the tree shares items; `text` then stays unchanged.
+/// not UTF-8 become U+FFFD. Lines beyond 127 levels are indented like level 127, and no longer once that would take
+/// more than 64 MiB and sixteen times the rest of the text. False for a NaN, an infinity, or a text that is too long
+/// because the tree shares items; `text` then stays unchanged.
 [[nodiscard]] NX_API bool writeJson(urString::CString& text, ur::Reference<Item const> item,
                                     JsonStyle const& style = {});
 
 /// The same for standard strings.
-[[nodiscard]] inline bool convertToJSON(std::string& text, ur::Reference<Item const> item) {
+[[nodiscard]] inline bool convertToJSON(std::string& text, ur::Reference<Item const> item,
+                                        std::uint64_t mostExpandedBytes = mostExpandedText) {
     urString::CString json;
-    bool const isWhole = convertToJSON(json, std::move(item));
+    bool const isWhole = convertToJSON(json, std::move(item), mostExpandedBytes);
     text += json.view();
     return isWhole;
 }
@@ -68,7 +71,10 @@ struct JsonStyle {
 /// dictionaries omit it, and alone it gives a null `out`. The last value of a repeated key stays. False when `text` is
 /// anything else, or holds an integer outside of signed 64 bits or a number too large for a double; `out` then keeps
 /// its value. plst/JsonReport.h has forms that report the fault and its position.
-[[nodiscard]] NX_API bool convertFromJSON(ur::Reference<Item>& out, urString::CString const& text);
+[[nodiscard]] NX_API bool convertFromJSON(ur::Reference<Item>& out, std::string_view text);
+[[nodiscard]] inline bool convertFromJSON(ur::Reference<Item>& out, char const* text) {
+    return convertFromJSON(out, urString::viewOf(text));
+}
 [[nodiscard]] NX_API bool convertFromJSON(ur::Reference<Item>& out, char const* text, unsigned int length);
 
 }  // namespace nxPLST

@@ -42,6 +42,15 @@ template <>
 struct Shape<bool> : impl::SingleShape<&Parser::parseBool> {};
 template <>
 struct Shape<int> : impl::SingleShape<&Parser::parseDouble> {};
+/// A number within the type's range.
+template <impl::OtherInteger T>
+struct Shape<T> {
+    static bool matches(ur::Reference<Item const> const& item) {
+        T any{};
+        auto const number = asDouble(item);
+        return number && impl::assignWhole(any, number->value());
+    }
+};
 template <>
 struct Shape<float> : impl::SingleShape<&Parser::parseDouble> {};
 template <>
@@ -50,6 +59,8 @@ template <>
 struct Shape<urString::CString> : impl::SingleShape<&Parser::parseString> {};
 template <>
 struct Shape<urString::IString> : impl::SingleShape<&Parser::parseString> {};
+template <urString::FilePath Path>
+struct Shape<Path> : impl::SingleShape<&Parser::parseString> {};
 template <>
 struct Shape<std::string> : impl::SingleShape<&Parser::parseString> {};
 template <class T>

@@ -20,7 +20,9 @@ Database::Database() {
 
 Database::~Database() = default;
 
-Class* Database::getClass(urString::CString const& name) const noexcept {
+Class* Database::getClass(urString::CString const& name) const noexcept { return classNamed(name); }
+
+Class* Database::classNamed(std::string_view name) const noexcept {
     auto const found = classesByName_.find(name);
     return found == classesByName_.end() ? nullptr : found->second;
 }
@@ -40,7 +42,9 @@ Class& Database::addClass(std::unique_ptr<Class> added) {
     return result;
 }
 
-Database::Table* Database::getTable(urString::CString const& name) const noexcept {
+Database::Table* Database::getTable(urString::CString const& name) const noexcept { return tableNamed(name); }
+
+Database::Table* Database::tableNamed(std::string_view name) const noexcept {
     for (auto const& table : tables_) {
         if (table->name == name) return table.get();
     }

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <string_view>
 
 #include "foundation/nxRFL/Class.h"
 #include "foundation/nxRFL/Exception.h"
@@ -36,12 +37,21 @@ public:
     /// Null when no class has that name or type.
     [[nodiscard]] Class* getClass(urString::CString const& name) const noexcept;
     [[nodiscard]] Class* getClass(ur::TypeInfo type) const noexcept;
+    /// The same for a literal, a standard string or a view, which is not copied.
+    template <urString::ForeignText Name>
+    [[nodiscard]] Class* getClass(Name const& name) const noexcept {
+        return classNamed(urString::viewOf(name));
+    }
     /// Takes ownership of the class and returns it. If its name exists already, returns the existing class.
     Class& addClass(std::unique_ptr<Class> added);
     [[nodiscard]] ur::vector<std::unique_ptr<Class>> const& classes() const noexcept { return classes_; }
 
     /// Null when no table has that name.
     [[nodiscard]] Table* getTable(urString::CString const& name) const noexcept;
+    template <urString::ForeignText Name>
+    [[nodiscard]] Table* getTable(Name const& name) const noexcept {
+        return tableNamed(urString::viewOf(name));
+    }
     /// Returns the table of that name; creates it if needed.
     Table& addTable(urString::CString const& name);
     [[nodiscard]] ur::vector<std::unique_ptr<Table>> const& tables() const noexcept { return tables_; }
@@ -64,6 +74,8 @@ public:
 private:
     friend class ExposeClassBase;
 
+    [[nodiscard]] Class* classNamed(std::string_view name) const noexcept;
+    [[nodiscard]] Table* tableNamed(std::string_view name) const noexcept;
     [[nodiscard]] static Resolved nearest(Class const& declared, void* object, Class const* exact);
     void forgetSeenTypes() noexcept;
 

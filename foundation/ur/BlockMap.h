@@ -85,6 +85,9 @@ public:
     [[nodiscard]] const_iterator find(K const& key) const { return findAny<const_iterator>(key); }
 
     [[nodiscard]] bool contains(Key const& key) const { return find(key) != end(); }
+    template <class K>
+    requires requires { typename Less::is_transparent; }
+    [[nodiscard]] bool contains(K const& key) const { return find(key) != end(); }
     [[nodiscard]] size_type count(Key const& key) const { return contains(key); }
     [[nodiscard]] iterator lower_bound(Key const& key) { return onEntry(placeFor(key)); }
     [[nodiscard]] const_iterator lower_bound(Key const& key) const { return onEntry(placeFor(key)); }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <compare>
+#include <concepts>
 #include <utility>
 
 #include "foundation/ur/Export.h"
@@ -14,6 +15,11 @@ class NX_API Filename {
 public:
     Filename() noexcept = default;
     Filename(urString::IString path) noexcept : path_(std::move(path)) {}
+    /// Literals, standard strings and `std::filesystem::path`, as an IString takes them.
+    template <class Path>
+    requires(!std::same_as<Path, Filename> && std::convertible_to<Path const&, urString::IString>)
+        Filename(Path const& path)
+        : path_(path) {}
 
     /// `name` inside `folder`, with one separator between them. Returns `name` unchanged if it is absolute or `folder`
     /// is empty.

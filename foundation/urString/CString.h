@@ -171,6 +171,17 @@ private:
 
 static_assert(sizeof(CString) == 16);
 
+/// The bytes of a text of any type, without a copy; empty for a null pointer.
+template <ForeignText Text>
+[[nodiscard]] std::string_view viewOf(Text const& text) noexcept {
+    if constexpr (std::convertible_to<Text const&, char const*>) {
+        char const* const bytes = text;
+        return bytes ? std::string_view(bytes) : std::string_view();
+    } else {
+        return text;
+    }
+}
+
 /// The order of texts as a function object; looks up by any text type without copying.
 struct less {
     using is_transparent = void;

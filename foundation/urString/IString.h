@@ -2,6 +2,7 @@
 #pragma once
 
 #include <compare>
+#include <concepts>
 #include <cstdarg>
 #include <cstddef>
 #include <functional>
@@ -21,6 +22,14 @@ namespace urString {
 /// each ill-formed piece becomes one U+FFFD, and the output is always valid UTF-8.
 enum class Encoding : int { multibyte = 0, utf8 = 1 };
 
+/// `std::filesystem::path`. The concept spares every user of texts that large header.
+template <class T>
+concept FilePath = requires(T const& path) {
+    requires std::same_as < decltype(path.native()), std::basic_string<typename T::value_type>
+    const& > ;
+    path.root_directory();
+};
+
 /// Text as Unicode characters, for file names and human-readable text.
 ///
 /// Contains only characters: Unicode scalar values, and the substitutes for undecodable bytes that
@@ -34,7 +43,14 @@ public:
     IString() noexcept = default;
     /// As `assign` for each of these types; null gives the empty text.
     IString(char const* text, Encoding encoding = Encoding::multibyte, bool* error = nullptr);
-    IString(std::string_view text, Encoding encoding, bool* error = nullptr);
+    IString(std::string_view text, Encoding encoding = Encoding::multibyte, bool* error = nullptr);
+    IString(std::string const& text, Encoding encoding = Encoding::multibyte, bool* error = nullptr)
+        : IString(std::string_view(text), encoding, error) {}
+    IString(CString const& text, Encoding encoding = Encoding::multibyte, bool* error = nullptr)
+        : IString(text.view(), encoding, error) {}
+    /// The path's own bytes, or wide characters.
+    template <FilePath Path>
+    IString(Path const& path) : IString(std::basic_string_view<typename Path::value_type>(path.native())) {}
     IString(wchar_t const* text);
     explicit IString(std::wstring_view text);
     explicit IString(std::u32string_view text);
@@ -56,6 +72,17 @@ public:
     [[nodiscard]] CString asMultibyte() const;
     /// In the platform's wide form: UTF-32, or UTF-16 where `wchar_t` has two bytes.
     [[nodiscard]] std::wstring asWide() const;
+    /// As `asMultibyte`.
+    explicit operator std::string() const { return asMultibyte(); }
+    /// The same file, whatever bytes its name contains.
+    template <FilePath Path>
+    operator Path() const {
+        if constexpr (sizeof(typename Path::value_type) == 1) {
+            return Path(asMultibyte().view());
+        } else {
+            return Path(asWide());
+        }
+    }
 
     [[nodiscard]] std::size_t length() const noexcept { return text_.size(); }
     [[nodiscard]] std::size_t size() const noexcept { return text_.size(); }
@@ -99,6 +126,10 @@ public:
     /// Negative, 0 or positive as this text comes before, equals or comes after the other.
     [[nodiscard]] int compare(IString const& other) const noexcept { return text_.compare(other.text_); }
     friend bool operator==(IString const& a, IString const& b) noexcept = default;
+    template <FilePath Path>
+    friend bool operator==(IString const& a, Path const& b) {
+        return a == IString(b);
+    }
     friend std::strong_ordering operator<=>(IString const& a, IString const& b) noexcept = default;
 
     friend IString operator+(IString a, IString const& b) { return std::move(a.append(b)); }

@@ -2,9 +2,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdint>
 #include <limits>
 
 #include "plst/convert.h"
+#include "plst/shape.h"
 #include "plst/tests/trees.h"
 
 namespace {
@@ -91,6 +94,37 @@ TEST(Convert, ReadsNumbers) {
     for (auto const& item : {array({nan, 1, 9}), array({5, nan, 9}), array({5, 1, nan})}) {
         EXPECT_EQ(readInto(nxSupport::BoundedInt(3, 2, 4), item).value(), 3);
     }
+}
+
+template <class T>
+void expectRange(double beyond) {
+    using Limits = std::numeric_limits<T>;
+    double const least = static_cast<double>(Limits::lowest());
+    double const greatest = std::nextafter(beyond, 0.0);
+    EXPECT_EQ(readInto(T(7), written(least)), Limits::lowest());
+    EXPECT_EQ(readInto(T(7), written(greatest)), static_cast<T>(greatest));
+    for (T const value : {T(0), T(1), Limits::lowest(), Limits::max(), T(Limits::max() / 2 + 1)}) {
+        auto const item = written(value);
+        bool const hasDouble = value != Limits::max() || Limits::digits <= 53;
+        ASSERT_EQ(!item.null(), hasDouble) << value;
+        EXPECT_EQ(readInto(T(7), item), hasDouble ? value : T(7));
+        EXPECT_EQ(hasShape<T>(item), hasDouble);
+    }
+    for (double const outside : {beyond, std::nextafter(least, -HUGE_VAL) - 1, HUGE_VAL, std::nan("")}) {
+        EXPECT_EQ(readInto(T(7), written(outside)), T(7)) << outside;
+        EXPECT_FALSE(hasShape<T>(written(outside))) << outside;
+    }
+    EXPECT_EQ(readInto(T(7), written("3")), T(7));
+}
+
+TEST(Convert, PassesIntegersOfAllTypesWithoutLossOrNotAtAll) {
+    expectRange<unsigned>(0x1p32);
+    expectRange<long long>(0x1p63);
+    expectRange<std::int64_t>(0x1p63);
+    expectRange<std::size_t>(0x1p64);
+    expectRange<std::uint8_t>(256);
+    EXPECT_TRUE(written((std::int64_t(1) << 53) + 1).null());
+    EXPECT_EQ(readInto(0U, written(2.7)), 2U);
 }
 
 TEST(Convert, KeepsTheLowBitsOfColourChannels) {

@@ -95,6 +95,17 @@ TEST(StyledJson, IsLaidOutAsAsked) {
     EXPECT_EQ(text, "before");
 }
 
+TEST(StyledJson, IsIndentedByAnyWidthWithinBounds) {
+    EXPECT_EQ(styled(array({1}), {.indent = 1000}), "[\n" + std::string(1000, ' ') + "1\n]");
+    Reference<Item> const rows = array({array({1}), array({2})});
+    for (unsigned const width : {40U << 20, 1U << 30, UINT_MAX}) {
+        std::string const text = styled(rows, {.indent = width});
+        EXPECT_LT(text.size(), 80U << 20);
+        Reference<Item> read;
+        EXPECT_TRUE(convertFromJSON(read, text) && equal(read, rows));
+    }
+}
+
 TEST(StyledJson, IsReadBackAsTheSameTree) {
     NewTrees random;
     int same = 0;

@@ -27,6 +27,11 @@ TEST(StandardStrings, TakeJsonAndShowReferences) {
     std::string text = "before ";
     EXPECT_TRUE(writeJson(text, item, {.indent = 0}));
     EXPECT_EQ(text, "before {\"a\":1}");
+    ur::Reference<Item> read;
+    EXPECT_TRUE(convertFromJSON(read, text.substr(7)) && equal(read, item));
+    EXPECT_TRUE(convertFromJSON(read, std::string_view(text).substr(7)));
+    EXPECT_FALSE(convertFromJSON(read, static_cast<char const*>(nullptr)));
+    EXPECT_FALSE(convertToJSON(text, array({item, item}), 10));
     text.clear();
     EXPECT_TRUE(convertToJSON(text, item));
     EXPECT_EQ(text, "{\n    \"a\": 1\n}\n");
@@ -48,6 +53,12 @@ TEST(Trees, AreMadeInPlace) {
     EXPECT_EQ(printed(desk), R"({"at":[1,2,3],"count":2,"drawer":{"open":true},"more":["text"],"name":"desk",)"
                              R"("shared":7,"size":1.5,"tags":["a","b","c"]})");
     EXPECT_EQ(desk->find("shared"), shared);
+    std::string_view const key = "count and more";
+    for (auto const& found : {desk->get("count"), desk->get(std::string("count")), desk->find(key.substr(0, 5)),
+                              desk->find(urString::CString("count"))}) {
+        EXPECT_EQ(valueOf<std::size_t>(found), 2U);
+    }
+    EXPECT_FALSE(desk->find(static_cast<char const*>(nullptr)));
 }
 
 TEST(Trees, AreReadByKeyAndByPath) {

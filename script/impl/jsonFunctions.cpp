@@ -1,6 +1,9 @@
 // Pushing what a JSON text holds, and writing one.
 #include "script/impl/jsonFunctions.h"
 
+#include <algorithm>
+#include <limits>
+
 #include "foundation/nxLC/ReflectionData.h"
 #include "foundation/nxLC/protect.h"
 #include "foundation/ur/Account.h"
@@ -160,8 +163,11 @@ int decodeJson(lua_State* state) {
 int encodeJson(lua_State* state) {
     luaL_checkany(state, 1);
     auto const indent = luaL_optinteger(state, 2, 0);
-    if (indent < 0) return luaL_argerror(state, 2, "the spaces of a level are 0 or more");
-    return nxLC::guard(state, [=] { return encode(state, static_cast<unsigned>(indent)); });
+    constexpr lua_Integer widest = std::numeric_limits<unsigned>::max();
+    return nxLC::guard(state, [=] {
+        if (indent < 0) return fail(state, "the spaces of a level are 0 or more");
+        return encode(state, static_cast<unsigned>(std::min(indent, widest)));
+    });
 }
 
 }  // namespace nxSupport::impl

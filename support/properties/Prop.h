@@ -36,14 +36,15 @@ public:
         if (isSet()) nxPLST::convert(fallback, pty()->value());
         return fallback;
     }
-    /// As `Property::setValue`, but setting an equal value changes nothing, notifies nobody and adds no step: it returns
-    /// true without asking validators. Also returns false if there is no property.
+    /// As `Property::setValue`, but setting an equal value changes nothing, notifies nobody and adds no step: it
+    /// returns true without asking validators. Also returns false if there is no property.
     bool set(T const& value) {
         if (!pty()) return false;
         auto item = nxPLST::itemOf(value);
         return nxPLST::equal(pty()->value(), item) || pty()->setValue(std::move(item));
     }
-    /// One stage of an interactive edit, as `Property::setValue`: an equal value is also set, and listeners are notified.
+    /// One stage of an interactive edit, as `Property::setValue`: an equal value is also set, and listeners are
+    /// notified.
     bool set(T const& value, PropertyModType type) { return pty() && pty()->setValue(nxPLST::itemOf(value), type); }
 
     /// Calls `listener(value, type)` for changes through other members of the joined set, as long as the handle lives.

@@ -7,7 +7,9 @@ namespace nxSupport {
 
 PropertySet::~PropertySet() = default;
 
-ur::Reference<Property> PropertySet::find(urString::CString const& name) const {
+ur::Reference<Property> PropertySet::find(urString::CString const& name) const { return findText(name); }
+
+ur::Reference<Property> PropertySet::findText(std::string_view name) const {
     auto const found = map_.find(name);
     return found == map_.end() ? nullptr : found->second;
 }

@@ -1,6 +1,8 @@
 // A set of properties by name.
 #pragma once
 
+#include <string_view>
+
 #include "foundation/ur/Reference.h"
 #include "foundation/ur/ReferenceCount.h"
 #include "foundation/ur/containers.h"
@@ -20,6 +22,11 @@ public:
 
     /// Null if no property has that name.
     [[nodiscard]] ur::Reference<Property> find(urString::CString const& name) const;
+    /// The same for a literal, a standard string or a view, which is not copied.
+    template <urString::ForeignText Name>
+    [[nodiscard]] ur::Reference<Property> find(Name const& name) const {
+        return findText(urString::viewOf(name));
+    }
     /// Sorted by name.
     [[nodiscard]] Map const& getMap() const noexcept { return map_; }
 
@@ -29,6 +36,8 @@ public:
     void merge(ur::Reference<PropertySet const> other);
 
 private:
+    [[nodiscard]] ur::Reference<Property> findText(std::string_view name) const;
+
     Map map_;
 };
 

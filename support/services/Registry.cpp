@@ -40,9 +40,9 @@ void Registry::chargeTo(std::shared_ptr<ur::Account> const& account) {
     if (!impl_->charge) impl_->charge = ur::Charge(account, 0);
 }
 
-bool Registry::hasKey(urString::CString const& key) const { return impl_->values.contains(key); }
+bool Registry::hasKey(std::string_view key) const { return impl_->values.contains(key); }
 
-RegistryValue Registry::getKey(urString::CString const& key) const {
+RegistryValue Registry::getKey(std::string_view key) const {
     auto const found = impl_->values.find(key);
     return found == impl_->values.end() ? RegistryValue() : found->second;
 }

@@ -1,6 +1,9 @@
 // Named values shared by scripts and the host.
 #pragma once
 
+#include <memory>
+#include <string_view>
+
 #include "foundation/ur/Export.h"
 #include "foundation/urString/CString.h"
 #include "support/services/RegistryValue.h"
@@ -24,9 +27,9 @@ public:
     void setKey(urString::CString const& key, RegistryValue const& value);
     /// Charges the keys that are set from now on. The stacks that hold the values charge the values.
     void chargeTo(std::shared_ptr<ur::Account> const& account);
-    [[nodiscard]] bool hasKey(urString::CString const& key) const;
+    [[nodiscard]] bool hasKey(std::string_view key) const;
     /// A handle to the stored item. It stays valid when the key is set again. No value if the key does not exist.
-    [[nodiscard]] RegistryValue getKey(urString::CString const& key) const;
+    [[nodiscard]] RegistryValue getKey(std::string_view key) const;
 
 private:
     RegistryImpl* impl_;

@@ -20,8 +20,7 @@ void throwIfFailed(urUtil::Error const& error) {
 
 FileSink::FileSink(urString::CString const& path, Transfers& transfers) : transfers_(transfers) {
     if (path.find('\0') != urString::CString::npos) throw nxRFL::Exception("the name of a file has no NULs");
-    if (!openDevice(path))
-        throwIfFailed(file_.open(urString::IString(path.c_str()), urOS::AtomicFile::Special::refused));
+    if (!openDevice(path)) throwIfFailed(file_.open(path, urOS::AtomicFile::Special::refused));
 }
 
 FileSink::~FileSink() = default;

@@ -92,7 +92,7 @@ private:
     Loop loop_;
     nxTXN::Manager history_;
     HostDomain domain_{loop_.queue(), history_};
-    urKRCache::Manager cache_{urString::IString(folder_.path().c_str())};
+    urKRCache::Manager cache_{folder_.path()};
     nxSupport::Broadcaster broadcaster_;
     nxRFL::Database database_;
     nxSupport::Registry registry_;

@@ -37,8 +37,7 @@ void check(urUtil::Error const& error, std::string const& about = "") {
 
 CString contents(std::string const& path) {
     urOS::File file;
-    check(path == "-" ? file.attach(STDIN_FILENO, urOS::File::Ownership::borrowed)
-                      : file.open(urString::IString(path.c_str()), urOS::openRead));
+    check(path == "-" ? file.attach(STDIN_FILENO, urOS::File::Ownership::borrowed) : file.open(path, urOS::openRead));
     CString text;
     for (std::size_t done = 1; done > 0;) {
         constexpr std::size_t block = 1 << 16;
@@ -76,9 +75,9 @@ void runScripts(Host& host, Options const& options) {
 
 /// Finds obstacles before any work is done.
 void prepare(Options const& options, urOS::AtomicFile& trace) {
-    if (!options.traceFile.empty()) check(trace.open(urString::IString(options.traceFile.c_str())));
+    if (!options.traceFile.empty()) check(trace.open(options.traceFile));
     if (std::string const& file = options.network.authorities; !file.empty())
-        check(urOS::File().open(urString::IString(file.c_str()), urOS::openRead));
+        check(urOS::File().open(file, urOS::openRead));
 }
 
 int run(Options const& options) {

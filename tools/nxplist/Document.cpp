@@ -133,7 +133,7 @@ urString::CString contents(std::string const& path) {
     if (path == "-") {
         check(file.attach(STDIN_FILENO, urOS::File::Ownership::borrowed));
     } else {
-        check(file.open(urString::IString(path.c_str()), urOS::openRead));
+        check(file.open(path, urOS::openRead));
         if (file.size(total).isError()) total = 0;  // a pipe
     }
     urString::CString text;
@@ -173,7 +173,7 @@ void store(Document const& document, std::string const& path, Form form, nxPLST:
         return;
     }
     urOS::AtomicFile out;
-    check(out.open(urString::IString(path.c_str())));
+    check(out.open(path));
     storeInto(out, document, outputName(path), form, style);
     check(out.commit());
 }

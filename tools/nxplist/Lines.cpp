@@ -68,7 +68,7 @@ bool convertFromLines(ur::Reference<nxPLST::Item>& out, std::string_view text, J
         ++index;
         ur::Reference<nxPLST::Item> value;
         JsonReport ofLine;
-        if (!nxPLST::convertFromJSON(value, urString::CString(line), ofLine)) {
+        if (!nxPLST::convertFromJSON(value, line, ofLine)) {
             report.reason = place.moved(std::move(ofLine.reason));
             report.location = ofLine.location;
             place.move(report.location);

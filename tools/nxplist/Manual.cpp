@@ -144,10 +144,11 @@ void printCompletion(std::FILE* out) {
     for (Command const& command : commands()) put(out, std::string(command.name) + " ");
     put(out,
         "--help --version' -- \"$word\"))\n        return\n    fi\n"
-        "    if [[ $word != -* ]]; then\n        case $COMP_CWORD:${COMP_WORDS[1]} in\n"
-        "        3:get | 3:set | 3:delete)\n            compopt -o nospace\n"
-        "            mapfile -t COMPREPLY < <(\"${COMP_WORDS[0]}\" --complete \"$before\" \"$word\" 2>/dev/null) ;;\n"
-        "        esac\n        return\n    fi\n"
+        "    if [[ $word != -* ]]; then\n"
+        "        mapfile -t COMPREPLY < <(\"${COMP_WORDS[0]}\" --complete \"$word\" "
+        "\"${COMP_WORDS[@]:1:COMP_CWORD-1}\" "
+        "2>/dev/null)\n"
+        "        [[ ${#COMPREPLY[@]} -eq 0 ]] || compopt -o nospace\n        return\n    fi\n"
         "    case ${COMP_WORDS[1]} in\n");
     for (Command const& command : commands()) {
         std::fprintf(out, "    %s) COMPREPLY=($(compgen -W '", std::string(command.name).c_str());

@@ -2,6 +2,7 @@
 #include "tools/nxplist/Options.h"
 
 #include <charconv>
+#include <climits>
 #include <cstdio>
 #include <string_view>
 
@@ -33,7 +34,7 @@ std::uint64_t bytesFrom(std::string_view mebibytes, OptionText const& option) {
 }
 
 unsigned indentFrom(std::string_view spaces, OptionText const& option) {
-    return static_cast<unsigned>(numberFrom(spaces, option, 16, "a number of spaces up to 16"));
+    return static_cast<unsigned>(numberFrom(spaces, option, UINT_MAX, "a number of spaces"));
 }
 
 /// Answers options about the program itself. False for any other word.
@@ -76,41 +77,47 @@ void checkFileCount(Command const& command, std::size_t count) {
 }  // namespace
 
 Options readOptions(int argc, char const* const* argv) {
-    Options options;
     if (argc < 2) throw UsageError{"a command is missing"};
-    if (answered(argv[1])) return options;
-    if (std::string_view(argv[1]) == "--complete" && argc == 4) {
-        printPathCompletions(argv[2], argv[3]);
-        return options;
+    if (answered(argv[1])) return {};
+    std::span<char const* const> const words(argv + 2, argv + argc);
+    if (std::string_view(argv[1]) == "--complete" && words.size() >= 2) {
+        printPathCompletions(words[0], words[1], words.subspan(2));
+        return {};
     }
     Command const* const command = findCommand(argv[1]);
     if (!command) throw UsageError{"no command " + std::string(argv[1])};
+    Options const options = readWords(*command, words, &answered);
+    if (options.command) checkFileCount(*command, options.files.size());
+    return options;
+}
+
+Options readWords(Command const& command, std::span<char const* const> words, bool (*answers)(std::string_view word)) {
+    Options options;
     bool optionsEnded = false;
-    for (int i = 2; i < argc; ++i) {
-        std::string_view const word = argv[i];
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        std::string_view const word = words[i];
         if (optionsEnded || word.size() < 2 || word[0] != '-') {
             options.files.emplace_back(word);
             continue;
         }
-        if (answered(word)) return options;
+        if (answers(word)) return options;
         optionsEnded = word == "--";
         if (optionsEnded) continue;
         std::string_view const name = word.substr(0, word.find('='));
         OptionText const* const option = findOption(name);
-        if (!option || !takes(*command, *option)) {
-            throw UsageError{std::string(command->name) + " has no option " + std::string(name)};
+        if (!option || !takes(command, *option)) {
+            throw UsageError{std::string(command.name) + " has no option " + std::string(name)};
         }
         std::string_view value = name.size() < word.size() ? word.substr(name.size() + 1) : std::string_view();
         if (option->argument.empty() && name.size() < word.size())
             throw UsageError{std::string(name) + " takes no value"};
         if (!option->argument.empty() && name.size() == word.size()) {
-            if (++i == argc) throw UsageError{std::string(name) + " needs a " + std::string(option->argument)};
-            value = argv[i];
+            if (++i == words.size()) throw UsageError{std::string(name) + " needs a " + std::string(option->argument)};
+            value = words[i];
         }
         set(options, *option, value);
     }
-    options.command = command;
-    checkFileCount(*command, options.files.size());
+    options.command = &command;
     return options;
 }
 

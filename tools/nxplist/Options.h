@@ -3,7 +3,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "plst/json.h"
@@ -26,6 +28,9 @@ struct Options {
     bool lines = false;
     bool brief = false;
     nxPLST::JsonStyle style{.indent = 4};
+
+    /// How files are to be read; empty for what their content and name say.
+    [[nodiscard]] std::optional<Form> inputForm() const { return lines && !from ? Form::lines : from; }
 };
 
 /// Wrong usage. The text describes the mistake.
@@ -36,5 +41,8 @@ struct UsageError {
 /// Throws `UsageError`. The command is null after --help, --version, --man-page, --completion or --complete has been
 /// answered on standard output.
 Options readOptions(int argc, char const* const* argv);
+/// The words behind a command. `answers(word)` says whether a word that asks about the program ends the reading; there
+/// is no command then.
+Options readWords(Command const& command, std::span<char const* const> words, bool (*answers)(std::string_view word));
 
 }  // namespace nxplist

@@ -24,7 +24,7 @@ struct Difference {
 
 Value valueFrom(std::string_view json) {
     Value value;
-    return nxPLST::convertFromJSON(value, urString::CString(json)) ? value : nullptr;
+    return nxPLST::convertFromJSON(value, json) ? value : nullptr;
 }
 
 /// Splits the text at a separator so that both parts can be read. Tries every occurrence, because keys and texts may

@@ -5,6 +5,7 @@
 
 #include "plst/Path.h"
 #include "tools/nxplist/Document.h"
+#include "tools/nxplist/Options.h"
 #include "tools/nxplist/Walk.h"
 
 namespace nxplist {
@@ -21,11 +22,22 @@ std::string_view completeSteps(std::string_view text) {
     return {};
 }
 
+/// The options and the file before a path; without a file when the next word is none.
+Options optionsBefore(std::string_view commandName, std::span<char const* const> before) {
+    Command const* const command = findCommand(commandName);
+    if (!command || !command->arguments.starts_with("FILE PATH")) return {};
+    Options options = readWords(*command, before, [](std::string_view) { return false; });
+    if (options.files.size() != 1 || options.files[0] == "-") options.files.clear();
+    return options;
+}
+
 }  // namespace
 
-void printPathCompletions(std::string const& file, std::string_view text) try {
+void printPathCompletions(std::string_view text, std::string_view command, std::span<char const* const> before) try {
     std::string unused;
-    Document const document = load(file, std::nullopt, Losses::quiet);
+    Options const options = optionsBefore(command, before);
+    if (options.files.empty()) return;
+    Document const document = load(options.files[0], options.inputForm(), Losses::quiet);
     std::string_view const steps = completeSteps(text);
     auto const path = nxPLST::parsePath(steps, unused);
     auto const parent = path ? nxPLST::follow(document.root, *path, unused) : nullptr;
@@ -35,6 +47,7 @@ void printPathCompletions(std::string const& file, std::string_view text) try {
         if (candidate.starts_with(text)) std::printf("%s\n", candidate.c_str());
     }
 } catch (Failure const&) {
+} catch (UsageError const&) {
 }
 
 }  // namespace nxplist

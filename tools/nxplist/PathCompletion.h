@@ -1,13 +1,14 @@
 // Completes paths on the command line.
 #pragma once
 
-#include <string>
+#include <span>
 #include <string_view>
 
 namespace nxplist {
 
-/// Prints, one per line, the paths in the file that begin with `text` and have one step more than its complete steps.
-/// Prints nothing if there are none or the file cannot be read, because an error would disturb the user's typing.
-void printPathCompletions(std::string const& file, std::string_view text);
+/// Prints, one per line, the paths in a command's file that begin with `text` and have one step more than its complete
+/// steps. `before` holds the words between the command and `text`, including options. Prints nothing if `text` is not
+/// in the place of a path, or if the file cannot be read, because an error would disturb the user's typing.
+void printPathCompletions(std::string_view text, std::string_view command, std::span<char const* const> before);
 
 }  // namespace nxplist

@@ -41,12 +41,8 @@ Form formFor(Options const& options, std::string const& output, Form input) {
 
 Losses lossesFor(Options const& options) { return options.strict ? Losses::refused : Losses::told; }
 
-std::optional<Form> formOfInput(Options const& options) {
-    return options.lines && !options.from ? Form::lines : options.from;
-}
-
 Document loadFile(Options const& options, std::size_t index) {
-    return load(fileOr(options, index, "-"), formOfInput(options), lossesFor(options));
+    return load(fileOr(options, index, "-"), options.inputForm(), lossesFor(options));
 }
 
 bool areSameFile(std::string const& input, std::string const& output) {
@@ -76,7 +72,7 @@ int check(Options const& options) {
     int result = ExitCode::done;
     auto const checkOne = [&](std::string const& file) {
         try {
-            load(file, formOfInput(options), lossesFor(options));
+            load(file, options.inputForm(), lossesFor(options));
         } catch (Failure const& failure) {
             report(failure);
             result = std::max(result, failure.exitCode);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <random>
 #include <string>
 #include <unordered_set>
@@ -90,6 +91,23 @@ TEST(IString, HoldsCharactersOnly) {
     EXPECT_EQ(IString(surrogate).view(), (std::u32string{0xfffd, 0xfffd, 0xdcff, 0xfffd}));
     EXPECT_EQ(IString(L"h\u00e9\U0001f600").asUTF8(), "h\xc3\xa9\xf0\x9f\x98\x80");
     EXPECT_EQ(IString(static_cast<wchar_t const*>(nullptr)), IString(static_cast<char const*>(nullptr)));
+}
+
+std::string bytesOf(IString const& path) { return std::string(path); }
+std::string bytesOf(std::filesystem::path const& path, bool /*system's*/) { return path.string(); }
+
+TEST(IString, TakesThePathsOfTheStandardLibraryAndGivesThemBack) {
+    std::string const bytes = "gr\xc3\xbc\xc3\x9f/\xff\xfe.obj";
+    EXPECT_EQ(bytesOf(bytes), bytes);
+    EXPECT_EQ(bytesOf(std::string_view(bytes)), bytes);
+    EXPECT_EQ(bytesOf(CString(bytes)), bytes);
+    std::filesystem::path const path = "gr\u00fc\u00df/scene.obj";
+    IString const text = path;
+    EXPECT_EQ(bytesOf(path), path.string());
+    EXPECT_EQ(bytesOf(text, true), path.string());
+    EXPECT_EQ(std::filesystem::path(text), path);
+    EXPECT_TRUE(text == path && text == path.string());
+    EXPECT_EQ(IString(bytes, Encoding::utf8), IString(CString(bytes), Encoding::utf8));
 }
 
 TEST(IString, StoresAndRestoresWithItsTerminator) {

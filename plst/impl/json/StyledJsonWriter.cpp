@@ -13,17 +13,15 @@
 namespace nxPLST::impl {
 namespace {
 
-constexpr std::size_t widestIndent = 16;
-// Without a limit, indentation would grow with the square of the depth.
+// Without limits, indentation would grow with the square of the depth, and with any width that a script asks for.
 constexpr std::size_t deepestIndent = 127;
+constexpr std::size_t freeIndentation = std::size_t(64) << 20;
+constexpr std::size_t indentationPerByte = 16;
 
 }  // namespace
 
 StyledJsonWriter::StyledJsonWriter(JsonStyle const& style)
-    : indent_(std::min<std::size_t>(style.indent, widestIndent)),
-      asciiOnly_(style.asciiOnly),
-      charge_(style.charge),
-      guard_(style.mostExpandedBytes) {}
+    : indent_(style.indent), asciiOnly_(style.asciiOnly), charge_(style.charge), guard_(style.mostExpandedBytes) {}
 
 bool StyledJsonWriter::write(Item const* root) {
     guard_.watch(root);
@@ -160,7 +158,10 @@ void StyledJsonWriter::writeUnits(char32_t character) {
 void StyledJsonWriter::startLine() {
     if (indent_ == 0) return;
     text_ += '\n';
-    text_.append(indent_ * std::min(open_.size(), deepestIndent), ' ');
+    std::size_t const width = indent_ * std::min(open_.size(), deepestIndent);
+    if (indented_ + width > freeIndentation + indentationPerByte * (text_.size() - indented_)) return;
+    indented_ += width;
+    text_.append(width, ' ');
 }
 
 }  // namespace nxPLST::impl

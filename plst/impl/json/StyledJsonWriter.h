@@ -34,6 +34,7 @@ private:
 
     std::string text_;
     std::size_t const indent_;
+    std::size_t indented_ = 0;  // bytes of indentation so far
     bool const asciiOnly_;
     ur::Charge* const charge_;
     std::size_t charged_ = 0;
