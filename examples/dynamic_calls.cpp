@@ -1,16 +1,16 @@
 // Finds an operation by name, calls it with items, observes it with hooks, and delays it to the end of a scope.
 #include <cstdio>
 #include <map>
+#include <optional>
 
 #include "dyd/Invocation.h"
-#include "plst/Double.h"
-#include "plst/casts.h"
+#include "plst/make.h"
 
 using nxDYD::Arg;
 using ur::Reference;
 using Args = ur::vector<Reference<Arg>>;
 
-Reference<Arg> number(double value) { return ur::make<Arg>(ur::make<nxPLST::Double>(value)); }
+Reference<Arg> number(double value) { return ur::make<Arg>(nxPLST::itemOf(value)); }
 
 // [function]
 class Area : public nxDYD::Function {
@@ -20,9 +20,9 @@ public:
 private:
     Reference<Arg> onCall(Args& args) override {
         if (args.size() != 2) return nullptr;
-        auto const width = asDouble(args[0]->item());
-        auto const height = asDouble(args[1]->item());
-        return width && height ? number(width->value() * height->value()) : nullptr;
+        auto const width = nxPLST::valueOf<std::optional<double>>(args[0]->item());
+        auto const height = nxPLST::valueOf<std::optional<double>>(args[1]->item());
+        return width && height ? number(*width * *height) : nullptr;
     }
 };
 // [function]
@@ -48,7 +48,7 @@ int main() {
     Reference<nxDYD::Function> const found = operations["area"];
     Args args{number(3), number(4)};
     Reference<Arg> const result = found->call(args);
-    std::printf("%g\n", asDouble(result->item())->value());
+    std::printf("%g\n", nxPLST::valueOf<double>(result->item()));
 
     found->setHooks(ur::make<Trace>());
     {

@@ -10,7 +10,7 @@
 #include "foundation/urOS/MemoryIOStream.h"
 #include "plst/ReadInterface.h"
 #include "plst/WriteInterface.h"
-#include "plst/convert.h"
+#include "plst/make.h"
 #include "plst/packets.h"
 
 namespace {
@@ -19,9 +19,7 @@ using nxPLST::Item;
 using ur::Reference;
 
 Reference<nxPLST::Dictionary> settings() {
-    auto dictionary = ur::make<nxPLST::Dictionary>();
-    dictionary->insert("strength", 0.25);
-    return dictionary;
+    return nxPLST::dictionary({{"strength", 0.25}});
 }
 
 void wholeFile() {
@@ -40,7 +38,7 @@ void wholeFile() {
         std::printf("byte %llu: %s\n", static_cast<unsigned long long>(report.position), ioStatusText(report.status));
     }
     // [back]
-    std::printf("strength %g\n", asDouble(nxPLST::asDictionary(root)->get("strength"))->value());
+    std::printf("strength %g\n", nxPLST::get<double>(asDictionary(root), "strength"));
 }
 
 // [format]

@@ -24,6 +24,19 @@ void listMembers(Tip& tip, Visit&& visit) {
 }
 // [structure]
 
+// [own]
+/// An angle in radians, which is kept in degrees.
+struct Angle {
+    double radians = 0;
+};
+void convert(ur::Reference<nxPLST::Item>& out, Angle const& angle) { nxPLST::convert(out, angle.radians * 57.29578); }
+void convert(Angle& out, ur::Reference<nxPLST::Item const> const& item) {
+    out.radians = nxPLST::valueOf<double>(item) / 57.29578;
+}
+template <>
+struct nxPLST::Shape<Angle> : nxPLST::Shape<double> {};
+// [own]
+
 int main() {
     // [build]
     auto const brush = nxPLST::dictionary({{"name", "clay"},
@@ -57,5 +70,10 @@ int main() {
     std::printf("%zu steps\n", tip.falloff.size());
     std::cout << *brush->get("tip") << '\n';
     // [keep]
+
+    // [turn]
+    brush->insert("turns", std::vector{Angle{1.570796}, Angle{}});
+    std::printf("first turn %.3f\n", nxPLST::get<std::vector<Angle>>(brush, "turns").front().radians);
+    // [turn]
     return 0;
 }

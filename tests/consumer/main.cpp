@@ -1,8 +1,7 @@
 // A program outside the tree that uses only the installed headers and the library.
-#include <foundation/ur/containers.h>
-#include <plst/casts.h>
-#include <plst/convert.h>
-#include <plst/json.h>
+#include <foundation/ur/ur.h>
+#include <plst/fwd.h>
+#include <plst/plst.h>
 #include <yajl/yajl_version.h>
 
 #include <iostream>

@@ -338,13 +338,13 @@ TEST_F(ObjectListUse, AreTakenApartWithTheirOwners) {
 }
 
 TEST_F(ObjectListUse, CostAFewHundredBytesOfHistoryWhateverTheirLength) {
-    for (int i = 0; i < 10000; ++i) list.append(node("x"));
+    for (int i = 0; i < 100'000; ++i) list.append(node("x"));
     EXPECT_EQ(manager.historyBytes(), 0U);
-    for (std::size_t i = 0; i < 100; ++i) edit(manager, [&] { list.insert(i * 97, node("y")); });
+    for (std::size_t i = 0; i < 100; ++i) edit(manager, [&] { list.insert(i * 997, node("y")); });
     EXPECT_LT(manager.historyBytes() / 100, 300U);
     std::size_t const bytes = manager.historyBytes();
     edit(manager, [&] {
-        for (std::size_t i = 0; i < 100; ++i) list.move(i * 97, 5);
+        for (std::size_t i = 0; i < 100; ++i) list.move(i * 997, 5);
     });
     EXPECT_GT(manager.historyBytes(), bytes + 100 * 16) << "each change counts for the limit";
     EXPECT_LT(manager.historyBytes(), bytes + 100 * 300);

@@ -1,0 +1,2 @@
+// Declares what the other headers of this module define. Made by scripts/module_headers.
+#pragma once
