@@ -86,7 +86,7 @@ Options readOptions(int argc, char const* const* argv) {
     }
     Command const* const command = findCommand(argv[1]);
     if (!command) throw UsageError{"no command " + std::string(argv[1])};
-    Options const options = readWords(*command, words, &answered);
+    Options options = readWords(*command, words, &answered);
     if (options.command) checkFileCount(*command, options.files.size());
     return options;
 }
