@@ -18,9 +18,7 @@ namespace {
 using nxPLST::Item;
 using ur::Reference;
 
-Reference<nxPLST::Dictionary> settings() {
-    return nxPLST::dictionary({{"strength", 0.25}});
-}
+Reference<nxPLST::Dictionary> settings() { return nxPLST::dictionary({{"strength", 0.25}}); }
 
 void wholeFile() {
     urOS::MemoryIOStream stream;
