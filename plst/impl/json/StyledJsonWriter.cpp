@@ -32,9 +32,10 @@ bool StyledJsonWriter::write(Item const* root) {
     return guard_.allows(text_.size(), nullptr);
 }
 
-void StyledJsonWriter::chargeGrowth() {
-    charge_->add(text_.capacity() - charged_);
-    charged_ = text_.capacity();
+void StyledJsonWriter::chargeFor(std::size_t capacity) {
+    if (!charge_ || capacity <= charged_) return;
+    charge_->add(capacity - charged_);
+    charged_ = capacity;
 }
 
 /// Writes the next child of the innermost container, or closes it.
@@ -66,7 +67,7 @@ bool StyledJsonWriter::writeNext() {
 
 bool StyledJsonWriter::writeItem(Item const* item) {
     if (!guard_.allows(text_.size(), item)) return false;
-    if (charge_ && text_.capacity() > charged_) chargeGrowth();
+    chargeFor(text_.capacity());
     if (!item) {
         text_ += "null";
         return true;
@@ -161,6 +162,7 @@ void StyledJsonWriter::startLine() {
     std::size_t const width = indent_ * std::min(open_.size(), deepestIndent);
     if (indented_ + width > freeIndentation + indentationPerByte * (text_.size() - indented_)) return;
     indented_ += width;
+    chargeFor(text_.size() + width);
     text_.append(width, ' ');
 }
 

@@ -20,7 +20,7 @@ public:
     [[nodiscard]] std::string const& text() const noexcept { return text_; }
 
 private:
-    void chargeGrowth();
+    void chargeFor(std::size_t capacity);
     bool writeNext();
     bool writeItem(Item const* item);
     bool writeNumber(double value);
