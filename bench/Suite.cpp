@@ -27,7 +27,7 @@ Measured summary(std::vector<double> samples) {
 }
 
 /// As many repetitions as fit the time for a row, between 3 and 100.
-int turnsFor(double secondsPerTurn, bool quick) {
+int repetitionsFor(double secondsPerTurn, bool quick) {
     double const budget = quick ? 0.6 : 3.0;
     return static_cast<int>(std::clamp(budget / std::max(secondsPerTurn, 1e-6), 3.0, 100.0));
 }
@@ -37,8 +37,8 @@ std::vector<Measured> interleaved(Sides const& sides, bool quick, Unit unit) {
     double const warmUp = seconds([&] {
         for (Side const& side : sides) side.measure();
     });
-    int const turns = unit == Unit::bytes ? 1 : turnsFor(warmUp, quick);
-    for (int turn = 0; turn < turns; ++turn) {
+    int const repetitions = unit == Unit::bytes ? 1 : repetitionsFor(warmUp, quick);
+    for (int turn = 0; turn < repetitions; ++turn) {
         for (std::size_t i = 0; i < sides.size(); ++i) samples[i].push_back(sides[i].measure());
     }
     std::vector<Measured> result;

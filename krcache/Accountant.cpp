@@ -61,7 +61,7 @@ unsigned Accountant::maxWorkingSet() const noexcept {
     return impl::saturated(static_cast<std::uint64_t>(maxWorkingSet_));
 }
 
-void Accountant::makeHot(Shim& shim) {
+void Accountant::addToWorkingSet(Shim& shim) {
     hotSet_.insert(&shim);
     shim.hot_ = true;
     addHot(shim.size_);
@@ -69,10 +69,10 @@ void Accountant::makeHot(Shim& shim) {
 
 void Accountant::forgetHot(Shim& shim) noexcept {
     if (inInteraction_) hotSize_ -= shim.size_;
-    cool(shim);
+    removeFromWorkingSet(shim);
 }
 
-void Accountant::cool(Shim& shim) noexcept {
+void Accountant::removeFromWorkingSet(Shim& shim) noexcept {
     hotSet_.erase(&shim);
     shim.hot_ = false;
 }

@@ -28,7 +28,7 @@ public:
 
     /// Marks a resource as hot on its first access in an interaction.
     void resourceAccessed(Shim* shim) {
-        if (inInteraction_ && !shim->hot_) makeHot(*shim);
+        if (inInteraction_ && !shim->hot_) addToWorkingSet(*shim);
     }
     void resourceCreated(Shim* shim) {
         if (shim->isResourceLocked()) addLocked(shim->size_);
@@ -54,9 +54,9 @@ private:
     friend class ManagerImpl;
     friend class Removals;
 
-    void makeHot(Shim& shim);
+    void addToWorkingSet(Shim& shim);
     void forgetHot(Shim& shim) noexcept;
-    void cool(Shim& shim) noexcept;
+    void removeFromWorkingSet(Shim& shim) noexcept;
     void addHot(std::int64_t bytes) noexcept;
     void addLocked(std::int64_t bytes);
 

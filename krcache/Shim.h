@@ -140,7 +140,7 @@ private:
     std::uint32_t serial_ = 0;     ///< identifies the shim in dumps and traces
     ClassUsage* usage_ = nullptr;  ///< the totals of this class of keys
     std::unique_ptr<Relatives> relatives_;
-    Shim* below_ = nullptr;  ///< the next lower shim on the stack of removals
+    Shim* nextOnStack_ = nullptr;  ///< the next lower shim on the stack of removals
 };
 
 }  // namespace urKRCache

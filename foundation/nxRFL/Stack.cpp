@@ -68,7 +68,7 @@ void Stack::dismantle() noexcept {
 void Stack::takeApart(Stack*& chain) noexcept {
     for (Value const& value : values_) {
         auto const* const object = std::get_if<Object>(&value);
-        if (!object || object->isBorrowed() || object->typeUtil().unref != &Stack::letGo) continue;
+        if (!object || object->isBorrowed() || object->typeUtil().unref != &Stack::dropReference) continue;
         auto* const held = static_cast<Stack*>(object->pointer());
         object->passOn();
         if (!held->dropHolder()) continue;
@@ -81,7 +81,7 @@ void Stack::takeApart(Stack*& chain) noexcept {
 
 bool Stack::dropHolder() noexcept { return --holders_.count == 0 && holders_.isGiven; }
 
-void Stack::letGo(void* stack) {
+void Stack::dropReference(void* stack) {
     auto* const held = static_cast<Stack*>(stack);
     if (held->dropHolder()) delete held;
 }
@@ -90,14 +90,14 @@ void Stack::letGo(void* stack) {
 impl::TypeUtil const& Stack::stackType() noexcept {
     static constexpr impl::TypeUtil type = {
         .ref = [](void* object) { ++static_cast<Stack*>(object)->holders_.count; },
-        .unref = &Stack::letGo,
+        .unref = &Stack::dropReference,
         .own =
             [](void* object) {
                 impl::Holders& holders = static_cast<Stack*>(object)->holders_;
                 holders.isGiven = true;
                 ++holders.count;
             },
-        .disown = &Stack::letGo,
+        .disown = &Stack::dropReference,
         .staticType = &ur::TypeInfo::of<Stack>,
         .dynamicType = &impl::dynamicType<Stack>,
     };

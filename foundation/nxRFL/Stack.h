@@ -80,7 +80,7 @@ private:
 
     /// The operations by which scripts and values hold stacks.
     [[nodiscard]] static impl::TypeUtil const& stackType() noexcept;
-    static void letGo(void* stack);
+    static void dropReference(void* stack);
     /// True when the last holder of a stack that was given away is gone.
     [[nodiscard]] bool dropHolder() noexcept;
 

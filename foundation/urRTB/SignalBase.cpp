@@ -72,7 +72,7 @@ FunctionBase* SignalBase::takeEnded() noexcept {
 }
 
 // The end of one callback may make another connection here. Running emissions leave through the remaining ring.
-void SignalBase::letGo() noexcept {
+void SignalBase::detachAll() noexcept {
     do disconnectAll();
     while (hasConnections());
     FunctionBase* const first = std::exchange(first_, nullptr);

@@ -32,7 +32,7 @@ protected:
     SignalBase(SignalBase const& /*other*/) noexcept {}
     SignalBase& operator=(SignalBase const&) noexcept { return *this; }  // NOLINT(bugprone-unhandled-self-assignment)
     ~SignalBase() {
-        if (first_) letGo();
+        if (first_) detachAll();
     }
 
     /// Takes ownership of `function`, which no signal owns yet. Null returns an empty handle.
@@ -113,7 +113,7 @@ private:
     friend class FunctionBase;
 
     FunctionBase* takeEnded() noexcept;
-    void letGo() noexcept;
+    void detachAll() noexcept;
 
     FunctionBase* first_ = nullptr;
 };

@@ -4,19 +4,19 @@
 namespace urKRCache {
 
 void Budget::setLimit(std::uint64_t bytes) noexcept {
-    debt_ = 0;
+    unmet_ = 0;
     moveLimit(bytes);
 }
 
-void Budget::lend(unsigned bytes) noexcept {
+void Budget::reserveExternal(unsigned bytes) noexcept {
     std::uint64_t const given = limit_ == 0 ? 0 : std::min<std::uint64_t>(bytes, limit_ - 1);
-    if (limit_ != 0) debt_ += bytes - given;
+    if (limit_ != 0) unmet_ += bytes - given;
     moveLimit(limit_ - given);
 }
 
-void Budget::giveBack(unsigned bytes) noexcept {
-    std::uint64_t const paidBack = std::min<std::uint64_t>(bytes, debt_);
-    debt_ -= paidBack;
+void Budget::releaseExternal(unsigned bytes) noexcept {
+    std::uint64_t const paidBack = std::min<std::uint64_t>(bytes, unmet_);
+    unmet_ -= paidBack;
     moveLimit(limit_ == 0 ? 0 : limit_ + bytes - paidBack);
 }
 

@@ -46,8 +46,8 @@ public:
     void setLimit(std::uint64_t bytes) noexcept;
     /// Lowers the limit because other code takes bytes; `giveBack` raises it again. The limit never becomes 0, which
     /// means no limit: the part that it cannot give up is remembered as a debt until bytes come back.
-    void lend(unsigned bytes) noexcept;
-    void giveBack(unsigned bytes) noexcept;
+    void reserveExternal(unsigned bytes) noexcept;
+    void releaseExternal(unsigned bytes) noexcept;
     [[nodiscard]] std::uint64_t used() const noexcept { return used_.total + reserved_; }
     [[nodiscard]] std::uint64_t usedByResources() const noexcept { return used_.total; }
     [[nodiscard]] std::uint64_t peak() const noexcept { return peak_; }
@@ -79,7 +79,7 @@ private:
     std::uint64_t peak_ = 0;
     std::uint64_t limit_ = 0;
     std::int64_t bound_ = noBound;  ///< the limit, if there is one
-    std::uint64_t debt_ = 0;        ///< bytes lent that exceeded the limit
+    std::uint64_t unmet_ = 0;       ///< bytes lent that exceeded the limit
     std::uint64_t reserved_ = 0;    ///< bytes that room is being made for
     std::uint64_t residentialReserved_ = 0;
     /// The resident size at the last sample, minus our part of it. Negative when resources claim more memory than they

@@ -60,7 +60,7 @@ ur::Reference<Shim> ManagerImpl::createShim(ur::Reference<KeyData> const& key, S
     // Computing the key's hash and sizes may have inserted an equal key.
     Shim* const rival = table_.version() == before ? nullptr : table_.find(*key);
     if (rival) return ur::Reference<Shim>(rival);
-    if (dying_) {
+    if (shuttingDown_) {
         shim->key_.reset();
         return shim;
     }
@@ -73,7 +73,7 @@ ur::Reference<Shim> ManagerImpl::createShim(ur::Reference<KeyData> const& key, S
     try {
         linkSources(*shim, *key);
     } catch (...) {
-        withdraw(*shim);
+        removeAfterException(*shim);
         throw;
     }
     return shim;
@@ -93,7 +93,7 @@ void ManagerImpl::linkSources(Shim& shim, KeyData const& key) {
 
 /// Removes a shim because of an exception. An exception from the removal is only reported. The key may already have
 /// used the shim.
-void ManagerImpl::withdraw(Shim& shim) noexcept {
+void ManagerImpl::removeAfterException(Shim& shim) noexcept {
     try {
         removals_.remove(shim);
     } catch (...) {
@@ -330,7 +330,7 @@ void ManagerImpl::limitChanged() {
 
 void ManagerImpl::allocatingExternal(unsigned bytes) {
     if (budget_.usesResidentSize()) return makeSpace(bytes, true);
-    budget_.lend(bytes);
+    budget_.reserveExternal(bytes);
     limitChanged();
     accountant_.addExternal(bytes);
 }
@@ -338,7 +338,7 @@ void ManagerImpl::allocatingExternal(unsigned bytes) {
 void ManagerImpl::deletedExternal(unsigned bytes) {
     if (budget_.usesResidentSize()) return;
     accountant_.removeExternal(bytes);
-    budget_.giveBack(bytes);
+    budget_.releaseExternal(bytes);
     limitChanged();
 }
 

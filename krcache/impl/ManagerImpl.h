@@ -98,7 +98,7 @@ private:
     ur::Reference<Resource> buildTimed(KeyData const& key, ClassUsage& usage) const;
     ur::Reference<Shim> createShim(ur::Reference<KeyData> const& key, Shim::KeyType type);
     void linkSources(Shim& shim, KeyData const& key);
-    void withdraw(Shim& shim) noexcept;
+    void removeAfterException(Shim& shim) noexcept;
     ClassUsage& usageOf(KeyData const& key);
     [[nodiscard]] bool isAttached(Shim const& shim) const noexcept {
         return shim.manager_ && shim.removal_ == Shim::Removal::none;
@@ -153,7 +153,7 @@ private:
     Accountant accountant_;
     bool isWatched_ = false;  ///< something records or counts hits
     bool clearCheck_ = false;
-    bool dying_ = false;
+    bool shuttingDown_ = false;
     unsigned evictions_ = 0;            ///< nested evictions under way
     std::size_t clearsWithBuilds_ = 0;  ///< how many more clears the evictions may do before hooks build nothing
     TraceRecorder* trace_ = nullptr;

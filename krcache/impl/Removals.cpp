@@ -15,7 +15,7 @@ namespace urKRCache {
 void Removals::remove(Shim& shim) {
     Shim const* const below = top_;
     push(shim);
-    if (runs_ < manager_.tuning_.nestedHooks) run(below);
+    if (depth_ < manager_.tuning_.nestedHooks) run(below);
 }
 
 /// Begins a removal. From here on look-ups do not find the shim.
@@ -25,15 +25,15 @@ void Removals::push(Shim& shim) noexcept {
     shim.removal_ = Shim::Removal::clear;
     KeyData::Memo& memo = shim.key_->memo_;
     if (memo.shim == &shim) memo.owner = nullptr;
-    shim.below_ = std::exchange(top_, &shim);
+    shim.nextOnStack_ = std::exchange(top_, &shim);
 }
 
 // Throws a hook's first exception after everything has been removed.
 void Removals::run(Shim const* below) {
-    ++runs_;
+    ++depth_;
     while (top_ != below) step(*top_);
-    --runs_;
-    if (runs_ == 0) std::exchange(failure_, urOS::FirstError()).rethrow();
+    --depth_;
+    if (depth_ == 0) std::exchange(failure_, urOS::FirstError()).rethrow();
 }
 
 /// Runs hooks for the shim on top of the stack. Reverses the removals that had to wait, so that the earliest runs
@@ -43,8 +43,8 @@ void Removals::callHooks(Shim& shim, Work&& work) noexcept {
     failure_.guard(work);
     Shim* waiting = std::exchange(top_, &shim);
     while (waiting != &shim) {
-        Shim* const next = waiting->below_;
-        waiting->below_ = std::exchange(top_, waiting);
+        Shim* const next = waiting->nextOnStack_;
+        waiting->nextOnStack_ = std::exchange(top_, waiting);
         waiting = next;
     }
 }
@@ -65,11 +65,11 @@ void Removals::step(Shim& shim) noexcept {
             shim.removal_ = Removal::release;
             return;
         case Removal::release:
-            if (Shim* const relative = shim.takeFormerRelative()) return letGo(*relative);
+            if (Shim* const relative = shim.takeFormerRelative()) return releaseRelative(*relative);
             shim.removal_ = Removal::finish;
             return;
         case Removal::finish: shim.removal_ = Removal::done; return finish(shim);
-        case Removal::done: top_ = std::exchange(shim.below_, nullptr); shim.unref();
+        case Removal::done: top_ = std::exchange(shim.nextOnStack_, nullptr); shim.unref();
     }
 }
 
@@ -102,7 +102,7 @@ void Removals::finish(Shim& shim) noexcept {
     manager_.table_.take(shim).reset();
     callHooks(shim, [&] { shim.key_->keyRemoved(); });
     manager_.record(TraceRecorder::Event::remove, shim);
-    if (shim.hot_) manager_.accountant_.cool(shim);
+    if (shim.hot_) manager_.accountant_.removeFromWorkingSet(shim);
     shim.manager_ = nullptr;
     callHooks(shim, [&] {
         shim.relatives_.reset();
@@ -111,7 +111,7 @@ void Removals::finish(Shim& shim) noexcept {
 }
 
 /// Releases one reference. If it is the last one that counts, the removal is pushed on the stack.
-void Removals::letGo(Shim& relative) noexcept {
+void Removals::releaseRelative(Shim& relative) noexcept {
     if (relative.strongCount_ - 1 == relative.weakCount_) push(relative);
     relative.unref();
 }
@@ -127,7 +127,7 @@ void Removals::removeReporting(Shim& shim) noexcept {
 // Keys in a cycle always have dependents, so they come last. If memory for sorting runs out, the rest goes in any
 // order.
 void Removals::removeAll() noexcept {
-    manager_.dying_ = true;
+    manager_.shuttingDown_ = true;
     try {
         ur::vector<ur::Reference<Shim>> roots;
         manager_.table_.forEach([&](Shim& shim) {

@@ -32,13 +32,13 @@ private:
     void clearForRemoval(Shim& shim);
     [[nodiscard]] unsigned sizeForRemoval(Shim const& shim) noexcept;
     void finish(Shim& shim) noexcept;
-    void letGo(Shim& relative) noexcept;
+    void releaseRelative(Shim& relative) noexcept;
     template <class Work>
     void callHooks(Shim& shim, Work&& work) noexcept;
 
     ManagerImpl& manager_;
     Shim* top_ = nullptr;  ///< top of the stack; a reference to each shim in it is held
-    unsigned runs_ = 0;    ///< nested runs under way
+    unsigned depth_ = 0;   ///< nested runs under way
     urOS::FirstError failure_;
 };
 

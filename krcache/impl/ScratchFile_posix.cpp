@@ -18,7 +18,7 @@ namespace {
 
 using urUtil::Error;
 
-constexpr mode_t onlyOurs = 0600;
+constexpr mode_t ownerOnly = 0600;
 constexpr int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
 /// Moves all bytes by repeating `move`, which returns what the system calls return.
@@ -46,7 +46,7 @@ bool isAt(int descriptor, std::string const& path) noexcept {
 }
 
 /// Checks and locks an open file, and empties it.
-Error makeOurs(int descriptor, std::string const& path, bool& deletedMeanwhile) {
+Error takeOwnership(int descriptor, std::string const& path, bool& deletedMeanwhile) {
     struct stat status = {};
     if (::fstat(descriptor, &status) != 0) return Error::fromSystem(errno, "status");
     if (!S_ISREG(status.st_mode) || status.st_uid != ::geteuid() || status.st_nlink > 1) {
@@ -58,15 +58,15 @@ Error makeOurs(int descriptor, std::string const& path, bool& deletedMeanwhile) 
     }
     deletedMeanwhile = !isAt(descriptor, path);
     if (deletedMeanwhile) return Error(ENOENT, "the file keeps being deleted");
-    if (::fchmod(descriptor, onlyOurs) != 0) return Error::fromSystem(errno, "permissions");
+    if (::fchmod(descriptor, ownerOnly) != 0) return Error::fromSystem(errno, "permissions");
     return ::ftruncate(descriptor, 0) == 0 ? Error() : Error::fromSystem(errno, "empty");
 }
 
 Error openOnce(std::string const& path, int& descriptor, bool& deletedMeanwhile) {
     deletedMeanwhile = false;
-    descriptor = ::open(path.c_str(), flags, onlyOurs);
+    descriptor = ::open(path.c_str(), flags, ownerOnly);
     if (descriptor < 0) return Error::fromSystem(errno, "open");
-    Error error = makeOurs(descriptor, path, deletedMeanwhile);
+    Error error = takeOwnership(descriptor, path, deletedMeanwhile);
     if (error.isError()) ::close(std::exchange(descriptor, -1));
     return error;
 }

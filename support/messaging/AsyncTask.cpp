@@ -31,7 +31,7 @@ public:
     void run() override;
     void setFailed() noexcept { failed_ = true; }
     /// Releases the task, because `wait` has already reported the failure.
-    void letGo() noexcept { task_ = nullptr; }
+    void reset() noexcept { task_ = nullptr; }
 
 private:
     ~CompletionTask() override {
@@ -44,29 +44,29 @@ private:
 
 /// The worker's last progress, passed to the main thread.
 struct TaskProgress {
-    explicit TaskProgress(AsyncTask::ProgressSignal& told) : signal(&told) {}
+    explicit TaskProgress(AsyncTask::ProgressSignal& progressSignal) : signal(&progressSignal) {}
 
     /// Returns whether no earlier progress was still in the queue.
     bool set(double newFraction, std::string_view newText) {
         std::lock_guard const lock(mutex);
         fraction = newFraction;
         text = newText;
-        return !std::exchange(underWay, true);
+        return !std::exchange(queued, true);
     }
     void emit() {
         std::unique_lock lock(mutex);
-        underWay = false;
-        std::string const told = text;
+        queued = false;
+        std::string const current = text;
         double const done = fraction;
         lock.unlock();
-        if (signal) signal->emit(done, told);
+        if (signal) signal->emit(done, current);
     }
 
     AsyncTask::ProgressSignal* signal;  // used by the main thread only; null once no more progress is reported
     std::mutex mutex;
     double fraction = 0;
     std::string text;
-    bool underWay = false;
+    bool queued = false;
 };
 
 struct TaskImpl final : ur::ImplBase {
@@ -188,7 +188,7 @@ void AsyncTask::wait() {
     urUtil::Error const outcome = impl_->thread.wait();
     if (outcome.isError()) impl_->failure = outcome;
     if (impl_->failing) {
-        impl_->failing->letGo();
+        impl_->failing->reset();
         return fail();
     }
     if (!impl_->abandoned.exchange(false)) return;

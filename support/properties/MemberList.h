@@ -41,7 +41,7 @@ template <class Member>
 class MemberList {
 public:
     void add(Member& member) {
-        if (untidy_) remove(member);
+        if (needsCleanup_) remove(member);
         add(*member.entry_);
     }
     /// Removes the first occurrence; does nothing if there is none.
@@ -63,14 +63,14 @@ public:
     void assign(std::size_t count, Next next, Stays stays) {
         std::size_t const former = slots_.size();
         if (slots_.capacity() < former + count) slots_.reserve(2 * (former + count));
-        absent_ = untidy_ = true;
+        mayContainStale_ = needsCleanup_ = true;
         for (; count > 0; --count) {
             if (Member* const member = next()) slots_.push_back(member->entry_);
         }
         walks_ > 0 ? replaceWalked(former, stays) : replace(former, stays);
     }
     /// Declares that a member may have moved to another list without being removed.
-    void expectStrays() noexcept { untidy_ = true; }
+    void markUnclean() noexcept { needsCleanup_ = true; }
     void clear() noexcept {
         for (std::size_t slot = 0; slot < slots_.size(); ++slot) empty(slot);
         closeGaps();
@@ -78,17 +78,17 @@ public:
     /// Keeps each member for which `stays(member, named)` is true, once. `named`: the last `assign` named it. Requires:
     /// all objects are restored.
     template <class Stays>
-    void tidy(Stays stays) {
+    void cleanUp(Stays stays) {
         for (std::size_t slot = 0; slot < slots_.size(); ++slot) {
             Member* const member = at(slot);
             if (!member) continue;
-            if (stays(*member, slot < named_) && find(*member) == slot) {
+            if (stays(*member, slot < assignedSlots_) && find(*member) == slot) {
                 slots_[slot]->slot = static_cast<std::uint32_t>(slot);
             } else {
                 empty(slot);
             }
         }
-        untidy_ = false;
+        needsCleanup_ = false;
         closeGaps();
     }
 
@@ -99,9 +99,9 @@ public:
     }
     [[nodiscard]] std::size_t slotCount() const noexcept { return slots_.size(); }
     /// Declares that a member may cease to exist without being removed.
-    void expectAbsent() noexcept { absent_ = true; }
+    void markStale() noexcept { mayContainStale_ = true; }
     /// Whether the list may contain members that do not exist or have moved to another list.
-    [[nodiscard]] bool mayNameAbsent() const noexcept { return absent_; }
+    [[nodiscard]] bool mayContainStale() const noexcept { return mayContainStale_; }
     /// Null where a member was removed, and after the last slot.
     [[nodiscard]] Member* at(std::size_t slot) const noexcept {
         return slot < slots_.size() && slots_[slot] ? slots_[slot]->member() : nullptr;
@@ -128,7 +128,7 @@ private:
     void empty(std::size_t slot) noexcept {
         if (!slots_[slot]) return;
         slots_[slot].reset();
-        ++gone_;
+        ++emptySlots_;
     }
     // The entry's slot is right unless undo has restored a list that contained the entry before.
     [[nodiscard]] std::size_t find(Member const& member) const noexcept {
@@ -141,9 +141,9 @@ private:
         std::rotate(slots_.begin(), slots_.begin() + static_cast<std::ptrdiff_t>(former), slots_.end());
         name(0, slots_.size() - former);
         auto const goes = [&](auto const& entry) { return !entry || !staysUnnamed(*entry, 0, stays); };
-        auto const unnamed = slots_.begin() + static_cast<std::ptrdiff_t>(named_);
+        auto const unnamed = slots_.begin() + static_cast<std::ptrdiff_t>(assignedSlots_);
         slots_.erase(std::remove_if(unnamed, slots_.end(), goes), slots_.end());
-        gone_ = 0;
+        emptySlots_ = 0;
     }
     template <class Stays>
     void replaceWalked(std::size_t former, Stays stays) {
@@ -156,32 +156,32 @@ private:
     }
     void name(std::size_t begin, std::size_t end) noexcept {
         for (std::size_t slot = begin; slot < end; ++slot) slots_[slot]->slot = static_cast<std::uint32_t>(slot);
-        named_ = end;
+        assignedSlots_ = end;
     }
     template <class Stays>
     [[nodiscard]] bool staysUnnamed(Entry const& entry, std::size_t firstNamed, Stays& stays) const {
         Member* const member = entry.member();
-        bool const isNamed = firstNamed <= entry.slot && entry.slot < named_ && at(entry.slot) == member;
+        bool const isNamed = firstNamed <= entry.slot && entry.slot < assignedSlots_ && at(entry.slot) == member;
         return member && !isNamed && stays(*member);
     }
     void closeGaps() noexcept {
         if (walks_ > 0) return;
         while (!slots_.empty() && !slots_.back()) {
             slots_.pop_back();
-            --gone_;
+            --emptySlots_;
         }
-        if (gone_ <= slots_.size() / 2) return;
+        if (emptySlots_ <= slots_.size() / 2) return;
         slots_.erase(std::remove(slots_.begin(), slots_.end(), nullptr), slots_.end());
-        gone_ = 0;
+        emptySlots_ = 0;
         for (std::size_t i = 0; i < slots_.size(); ++i) slots_[i]->slot = static_cast<std::uint32_t>(i);
     }
 
     ur::vector<ur::Reference<Entry>> slots_;
-    std::size_t gone_ = 0;   ///< empty slots
-    std::size_t named_ = 0;  ///< the number of slots that the last `assign` filled with named members
+    std::size_t emptySlots_ = 0;     ///< empty slots
+    std::size_t assignedSlots_ = 0;  ///< the number of slots that the last `assign` filled with named members
     unsigned walks_ = 0;
-    bool absent_ = false;  ///< may contain members that do not exist
-    bool untidy_ = false;  ///< may contain members twice, or some that have moved to another list
+    bool mayContainStale_ = false;  ///< may contain members that do not exist
+    bool needsCleanup_ = false;     ///< may contain members twice, or some that have moved to another list
 };
 
 }  // namespace nxSupport

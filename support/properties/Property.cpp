@@ -45,7 +45,7 @@ void Property::send(PropertyModType type) {
 
 void Property::broadcast(PropertyModType type) {
     JoinedPropertyIterator members(*this, Start::skip);
-    tell(members, type);
+    notifyMembers(members, type);
 }
 
 bool Property::validate(ItemReference& candidate) {
@@ -67,7 +67,7 @@ bool Property::validate(JoinedPropertyIterator& members, ItemReference& candidat
 }
 
 // If a listener has moved this property to another joined set, or has given its set a second side, walk the new set.
-void Property::tell(JoinedPropertyIterator& members, PropertyModType type) {
+void Property::notifyMembers(JoinedPropertyIterator& members, PropertyModType type) {
     if (!members.isCurrent()) return broadcast(type);
     members.forEach(Start::skip, [type](Property& member) { member.send(type); });
 }
@@ -90,16 +90,16 @@ bool Property::modify(ItemReference value, PropertyModType type) {
     return changeValidated(value, [&](JoinedPropertyIterator& members) {
         if (type == ModifyAll) return void(setValue(std::move(value)));
         store(std::move(value));
-        tell(members, type);
+        notifyMembers(members, type);
     });
 }
 
 bool Property::modify(ItemReference value) {
     return changeValidated(value, [&](JoinedPropertyIterator& members) {
-        tell(members, ModifyStart);
+        notifyMembers(members, ModifyStart);
         store(std::move(value));
-        tell(members, ModifyPerform);
-        tell(members, ModifyEnd);
+        notifyMembers(members, ModifyPerform);
+        notifyMembers(members, ModifyEnd);
     });
 }
 

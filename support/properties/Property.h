@@ -140,7 +140,7 @@ private:
     bool modify(ItemReference value);
     void store(ItemReference value);
     [[nodiscard]] static bool validate(impl::JoinedPropertyIterator& members, ItemReference& candidate);
-    void tell(impl::JoinedPropertyIterator& members, PropertyModType type);
+    void notifyMembers(impl::JoinedPropertyIterator& members, PropertyModType type);
 
     urString::CString const name_;
     ValidationSignal validationSignal_;

@@ -48,7 +48,7 @@ nxTXN::FieldHandlers const TxdProperty::dataHandlers = {
     [](nxTXN::Writer& writer, void const* field) { write(writer, static_cast<TxdProperty const*>(field)->data_); },
     [](nxTXN::Reader& reader, void* field) {
         auto& property = *static_cast<TxdProperty*>(field);
-        if (property.data_) property.data_->members().expectStrays();
+        if (property.data_) property.data_->members().markUnclean();
         read(reader, property.data_);
     },
     [](nxTXN::Clear& cleared, void* field) { clear(cleared, static_cast<TxdProperty*>(field)->data_); }};
@@ -76,7 +76,7 @@ void TxdProperty::onTxnExtant() {
     if (isTxnExtant()) {
         rejoinList();
     } else if (data_) {
-        data_->members().expectAbsent();
+        data_->members().markStale();
     }
 }
 

@@ -109,7 +109,7 @@ void TxdPropertyData::onRestore(nxTXN::Object* object, nxTXN::Restorer& restorer
 void TxdPropertyData::mirrorRestored() {
     impl::MemberWalk<UnTxdPropertyData> members(untxdTwin());
     std::exception_ptr failure;
-    auto const tellAll = [&](std::initializer_list<PropertyModType> types) {
+    auto const notifyAll = [&](std::initializer_list<PropertyModType> types) {
         for (members.rewind(); members.valid(); members.next()) {
             ur::Reference<Property> const member(members.member());
             try {
@@ -121,9 +121,9 @@ void TxdPropertyData::mirrorRestored() {
             }
         }
     };
-    tellAll({ModifyStart});
+    notifyAll({ModifyStart});
     members.data()->storeValue(value(), Propagate::no);
-    tellAll({ModifyPerform, ModifyEnd});
+    notifyAll({ModifyPerform, ModifyEnd});
     if (failure) std::rethrow_exception(failure);
 }
 
@@ -131,7 +131,7 @@ void TxdPropertyData::onTxnModified() {
     RefCountedObject::onTxnModified();
     formerValue_.reset();
     formerTwin_.reset();
-    properties_.tidy([this](TxdProperty const& member, bool named) {
+    properties_.cleanUp([this](TxdProperty const& member, bool named) {
         return member.isIn(properties_) && (named || member.isTxnExtant());
     });
     for (impl::MemberWalk<TxdPropertyData> members(this); members.valid(); members.next()) {
@@ -143,29 +143,30 @@ void TxdPropertyData::onTxnModified() {
 void TxdPropertyData::onTxnDestroyed() {
     RefCountedObject::onTxnDestroyed();
     transact();
-    passOn(Heirs::ofOtherManagers, value(), twin_);
+    moveMembersToSuccessor(Members::ofOtherManagers, value(), twin_);
     if (twin_) twin_->sever();
     twin_.reset();
 }
 
 void TxdPropertyData::onTxnExtant() {
     RefCountedObject::onTxnExtant();
-    if (!isTxnExtant()) passOn(Heirs::all, std::move(formerValue_), formerTwin_);
+    if (!isTxnExtant()) moveMembersToSuccessor(Members::all, std::move(formerValue_), formerTwin_);
     formerTwin_.reset();
 }
 
 // Unrecorded members outlive the step that created this object, and members of other managers outlive its manager. They
 // continue to share its value, and the link if that lasts.
-void TxdPropertyData::passOn(Heirs which, ItemReference value, ur::Reference<TxdPropertyTwin> const& twin) {
-    ur::vector<TxdProperty*> heirs;
+void TxdPropertyData::moveMembersToSuccessor(Members which, ItemReference value,
+                                             ur::Reference<TxdPropertyTwin> const& twin) {
+    ur::vector<TxdProperty*> moved;
     properties_.forEach([&](TxdProperty& member) {
         if (!member.isIn(properties_) || !member.isTxnExtant()) return;
-        if (which == Heirs::all || member.txnManager() != txnManager()) heirs.push_back(&member);
+        if (which == Members::all || member.txnManager() != txnManager()) moved.push_back(&member);
     });
-    if (heirs.empty()) return;
-    auto const successor = ur::make<TxdPropertyData>(*heirs.front()->txnManager());
+    if (moved.empty()) return;
+    auto const successor = ur::make<TxdPropertyData>(*moved.front()->txnManager());
     successor->storeValue(std::move(value), Propagate::no);
-    for (TxdProperty* const member : heirs) member->moveTo(successor);
+    for (TxdProperty* const member : moved) member->moveTo(successor);
     if (UnTxdPropertyData* const untransacted = twin ? twin->untxdData() : nullptr) successor->setTwin(*untransacted);
 }
 

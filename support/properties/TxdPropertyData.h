@@ -50,8 +50,8 @@ protected:
 private:
     static void onRestore(nxTXN::Object* object, nxTXN::Restorer& restorer);
     void mirrorRestored();
-    enum class Heirs : bool { all, ofOtherManagers };
-    void passOn(Heirs which, ItemReference value, ur::Reference<TxdPropertyTwin> const& twin);
+    enum class Members : bool { all, ofOtherManagers };
+    void moveMembersToSuccessor(Members which, ItemReference value, ur::Reference<TxdPropertyTwin> const& twin);
 
     MemberList<TxdProperty> properties_;
     ur::Reference<nxTXN::ImmutableReference<nxPLST::Item const>> value_;

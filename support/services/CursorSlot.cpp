@@ -31,16 +31,16 @@ void CursorSlot::add(void const* client, Cursor& cursor) {
 void CursorSlot::remove(void const* client, Cursor& cursor) {
     auto const place = std::find(entries_.begin(), entries_.end(), Entry(client, &cursor));
     if (place != entries_.end()) entries_.erase(place);
-    tellRemoved(client, cursor);
+    reportRemoved(client, cursor);
 }
 
 /// Removes all requests of the cursor, including those added for other clients.
 void CursorSlot::removeDying(void const* client, Cursor& cursor) {
     forget(cursor);
-    tellRemoved(client, cursor);
+    reportRemoved(client, cursor);
 }
 
-void CursorSlot::tellRemoved(void const* client, Cursor const& cursor) {
+void CursorSlot::reportRemoved(void const* client, Cursor const& cursor) {
     DebugPrint print("nxSupport::CursorSlot::remove", Debug_Cursors);
     print("CursorSlot::remove %s for %p (have %d)", cursor.name().c_str(), client, count());
     cursorsChanged.emit();

@@ -52,7 +52,7 @@ private:
     using Entry = std::pair<void const*, Cursor*>;
 
     void removeDying(void const* client, Cursor& cursor);
-    void tellRemoved(void const* client, Cursor const& cursor);
+    void reportRemoved(void const* client, Cursor const& cursor);
     void forget(Cursor const& cursor) noexcept;
     [[nodiscard]] int count() const noexcept { return static_cast<int>(entries_.size()); }
 

@@ -21,7 +21,7 @@ std::string_view trimmed(std::string_view text) {
 }
 
 /// The name in lower case without the prefix that all names have, for comparison.
-urString::CString essence(std::string_view name) {
+urString::CString normalized(std::string_view name) {
     urString::CString result(name);
     result.toLowerCase();
     if (result.startsWith(prefix)) result.erase(0, prefix.size());
@@ -30,12 +30,12 @@ urString::CString essence(std::string_view name) {
 
 /// Returns `NUM_CODES` if no name is similar to the entry.
 DebugCode nearestCode(std::string_view entry) {
-    urString::CString const wanted = essence(entry);
+    urString::CString const wanted = normalized(entry);
     urString::NearestName nearest(wanted.view());
     auto meant = NUM_CODES;
     for (int i = 0; i < NUM_CODES; ++i) {
         auto const code = static_cast<DebugCode>(i);
-        if (nearest.offer(essence(Debug::getCodeName(code)).view())) meant = code;
+        if (nearest.offer(normalized(Debug::getCodeName(code)).view())) meant = code;
     }
     return meant;
 }

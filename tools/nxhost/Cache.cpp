@@ -127,14 +127,14 @@ Reference<urKRCache::Resource> access(Manager& manager, Reference<Shim> const& s
 }
 
 /// Passes the source's text to a key while that builds its own text.
-class Handed {
+class SourceTextScope {
 public:
-    Handed(Shim const& shim, std::optional<CString> text) : key_(shim.keyData()) {
+    SourceTextScope(Shim const& shim, std::optional<CString> text) : key_(shim.keyData()) {
         if (key_) static_cast<TextKey&>(*key_).setSourceText(std::move(text));
     }
-    Handed(Handed const&) = delete;
-    Handed& operator=(Handed const&) = delete;
-    ~Handed() {
+    SourceTextScope(SourceTextScope const&) = delete;
+    SourceTextScope& operator=(SourceTextScope const&) = delete;
+    ~SourceTextScope() {
         if (key_) static_cast<TextKey&>(*key_).setSourceText(std::nullopt);
     }
 
@@ -161,7 +161,7 @@ CString Resource::text() const {
     auto missing = isThere ? ur::vector<Reference<Shim>>() : missingSources(*shim_);
     std::optional<CString> text;
     auto const build = [this, &text](Shim& shim) {
-        Handed const handed(shim, std::exchange(text, std::nullopt));
+        SourceTextScope const handed(shim, std::exchange(text, std::nullopt));
         text = static_cast<Text const&>(*access(manager_, Reference<Shim>(&shim))).text();
     };
     for (; !missing.empty(); missing.pop_back()) build(*missing.back());

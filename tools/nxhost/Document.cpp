@@ -22,7 +22,7 @@ constexpr std::size_t bytesOfEntry = 2048;    // a name with its property
 constexpr std::size_t bytesOfCallable = 512;  // a listener or a validator
 constexpr std::size_t bytesOfStep = 256;      // memory that the history does not count, such as the names of steps
 
-void tell(nxRFL::Callback const& listener, CString const& name, ScriptValue const& value) {
+void notify(nxRFL::Callback const& listener, CString const& name, ScriptValue const& value) {
     nxRFL::Stack arguments;
     nxRFL::Stack results;
     nxRFL::Writer writer(arguments);
@@ -116,7 +116,7 @@ void Document::listen(CString const& name, Reference<Function> const& function) 
     listened.connections.push_back(
         listened.view->subscribe([name, callback = nxRFL::Callback(function)](Reference<Property const> const& property,
                                                                               nxSupport::PropertyModType stage) {
-            if (stage == nxSupport::ModifyEnd) tell(callback, name, {property->value()});
+            if (stage == nxSupport::ModifyEnd) notify(callback, name, {property->value()});
         }));
 }
 

@@ -98,7 +98,7 @@ Host::Host(Options const& options)
 }
 
 Host::~Host() {
-    if (loop_.transfers().owesData()) std::fprintf(stderr, "nxhost: data that wait for a pipe are lost\n");
+    if (loop_.transfers().hasPendingWrites()) std::fprintf(stderr, "nxhost: data that wait for a pipe are lost\n");
     loop_.interrupt().watch(nullptr);
     loop_.queue().close();
     state_.reset();
@@ -128,7 +128,7 @@ void Host::registerClasses(nxRFL::Database& database) {
 
 void Host::registerFunctions(nxRFL::Database& database) {
     nxRFL::ExposeFunction(database, "host")
-        .add("turn", [this] { return turn(); })
+        .add("turn", [this] { return runOnce(); })
         .add("later", [this](std::function<void()> function) { later(std::move(function)); }, {"body"})
         .add("fileSink", [this](CString const& path) { return fileSink(path); }, {"path"})
         .add("exit", [this](int code) { exit(code); }, {"code"})
@@ -234,7 +234,7 @@ bool Host::run(std::string_view source, CString const& name) {
 void Host::finish() {
     try {
         do {
-            while (!isEnding() && loop_.turn()) continue;
+            while (!isEnding() && loop_.runOnce()) continue;
         } while (!isEnding() && domain_.waitForAsyncTask());
     } catch (Ended const&) {
     }
@@ -255,9 +255,9 @@ int Host::exitCode() noexcept {
     return failed_ ? ExitCode::scriptFailed : ExitCode::done;
 }
 
-bool Host::turn() {
+bool Host::runOnce() {
     try {
-        bool const result = loop_.turn();
+        bool const result = loop_.runOnce();
         if (!isEnding()) return result;
     } catch (Ended const&) {
     }

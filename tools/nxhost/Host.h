@@ -53,7 +53,7 @@ public:
     /// Whether the script or a signal has requested the end.
     [[nodiscard]] bool isEnding() noexcept { return chosenCode_ || loop_.interrupt().pending() != 0; }
     /// Ignores the failures so far for the exit code, because the user has seen them.
-    void forgive() noexcept { failed_ = false; }
+    void clearFailures() noexcept { failed_ = false; }
     [[nodiscard]] bool hasChosenExit() const noexcept { return chosenCode_.has_value(); }
     [[nodiscard]] int exitCode() noexcept;
 
@@ -73,7 +73,7 @@ private:
     void call(char const* chunk, nxRFL::Stack const& arguments);
 
     // Called by scripts.
-    bool turn();
+    bool runOnce();
     void later(std::function<void()> function);
     ur::Reference<nxSupport::DataSink> fileSink(urString::CString const& path);
     void exit(int code);

@@ -19,13 +19,13 @@ namespace {
 std::atomic<nxLC::State*> watched = nullptr;
 std::atomic<int> caught = 0;
 std::atomic<std::int64_t> caughtAt = 0;  // in milliseconds
-std::atomic<char const*> doomedFile = nullptr;
-std::atomic<char const*> doomedFolder = nullptr;
+std::atomic<char const*> fileToRemove = nullptr;
+std::atomic<char const*> folderToRemove = nullptr;
 int pipeEnds[2] = {-1, -1};  // a byte in the pipe wakes threads that poll
 static_assert(std::atomic<nxLC::State*>::is_always_lock_free && std::atomic<int>::is_always_lock_free &&
               std::atomic<std::int64_t>::is_always_lock_free);
 
-constexpr std::int64_t patience = 1000;  // in milliseconds: further signals within this time are the same request
+constexpr std::int64_t repeatWindow = 1000;  // in milliseconds: further signals within this time are the same request
 
 std::int64_t milliseconds() noexcept {
     timespec now = {};
@@ -33,9 +33,9 @@ std::int64_t milliseconds() noexcept {
     return std::int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
 }
 
-void dieOf(int number) noexcept {
-    if (char const* const file = doomedFile) unlink(file);
-    if (char const* const folder = doomedFolder) rmdir(folder);
+void raiseDefault(int number) noexcept {
+    if (char const* const file = fileToRemove) unlink(file);
+    if (char const* const folder = folderToRemove) rmdir(folder);
     std::signal(number, SIG_DFL);
     raise(number);
 }
@@ -45,8 +45,8 @@ extern "C" void onSignal(int number) {
     std::int64_t const now = milliseconds();
     if (caught == 0) {
         caughtAt = now;  // set before `caught`: a thread that sees `caught` compares with this
-    } else if (number != SIGPIPE && now - caughtAt >= patience) {
-        dieOf(number);
+    } else if (number != SIGPIPE && now - caughtAt >= repeatWindow) {
+        raiseDefault(number);
     }
     caught = number;
     if (nxLC::State* const state = watched) state->interrupt();
@@ -78,8 +78,8 @@ Interrupt::~Interrupt() {
 void Interrupt::watch(nxLC::State* state) noexcept { watched = state; }
 
 void Interrupt::removeWhenKilled(char const* file, char const* folder) noexcept {
-    doomedFile = file;
-    doomedFolder = folder;
+    fileToRemove = file;
+    folderToRemove = folder;
 }
 
 int Interrupt::pending() const noexcept { return caught; }

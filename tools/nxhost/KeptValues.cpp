@@ -10,7 +10,7 @@ namespace nxhost {
 void KeptValues::add(ur::Reference<nxPLST::Item const> const& value) {
     if (!value || !charge_) return;
     std::size_t const bytes = bytesOf(*value) + sizeof(Kept);
-    if (values_.size() >= lookAt_ || !charge_.account()->allows(bytes)) forgetDropped();
+    if (values_.size() >= purgeThreshold_ || !charge_.account()->allows(bytes)) forgetDropped();
     charge_.add(bytes);
     values_.push_back({value, bytes});
 }
@@ -23,7 +23,7 @@ void KeptValues::forgetDropped() noexcept {
         return isDropped;
     });
     charge_.set(left);
-    lookAt_ = std::max<std::size_t>(64, 2 * values_.size());
+    purgeThreshold_ = std::max<std::size_t>(64, 2 * values_.size());
 }
 
 }  // namespace nxhost

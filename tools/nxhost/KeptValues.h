@@ -27,7 +27,7 @@ private:
     void forgetDropped() noexcept;
 
     ur::vector<Kept> values_;
-    std::size_t lookAt_ = 64;  ///< the number of values at which to look for dropped ones
+    std::size_t purgeThreshold_ = 64;  ///< the number of values at which to look for dropped ones
     ur::Charge charge_;
 };
 

@@ -125,7 +125,7 @@ LineEditor::Result LineEditor::read(char const* prompt, std::string& line) {
 int LineEditor::readKey(wchar_t& key) {
     std::mbstate_t state{};
     for (;;) {
-        while (!loop_.turnOrInput(STDIN_FILENO)) el_set(editor_.get(), EL_REFRESH);
+        while (!loop_.runOnceOrInput(STDIN_FILENO)) el_set(editor_.get(), EL_REFRESH);
         char byte = 0;
         if (::read(STDIN_FILENO, &byte, 1) != 1) return 0;
         switch (std::mbrtowc(&key, &byte, 1, &state)) {

@@ -7,17 +7,17 @@
 
 namespace nxhost {
 
-// [turn]
-bool Loop::turn() {
+// [runOnce]
+bool Loop::runOnce() {
     if (work()) return true;
     if (!busy()) return false;
     transfers_.wait(std::array{interrupt_.descriptor()});
     if (interrupt_.pending() != 0) throw Ended();
     return true;
 }
-// [turn]
+// [runOnce]
 
-bool Loop::turnOrInput(int descriptor) {
+bool Loop::runOnceOrInput(int descriptor) {
     if (work()) return false;
     transfers_.wait(std::array{interrupt_.descriptor(), descriptor});
     if (interrupt_.pending() != 0) throw Ended();

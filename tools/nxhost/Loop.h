@@ -26,10 +26,10 @@ public:
     [[nodiscard]] bool busy() const noexcept { return !transfers_.empty() || queue_.size() > 0; }
     /// Does pending work, or sleeps until there is some. Returns false if nothing is left to wait for. Throws `Ended`
     /// if a signal is pending.
-    bool turn();
+    bool runOnce();
     /// Does pending work, or sleeps until there is some or `descriptor` has input. Returns true if input can be read.
     /// Throws `Ended` if a signal is pending.
-    bool turnOrInput(int descriptor);
+    bool runOnceOrInput(int descriptor);
 
 private:
     /// Wakes the loop from other threads.

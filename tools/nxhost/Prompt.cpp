@@ -119,7 +119,7 @@ void Prompt::run() {
         if (host_.hasChosenExit() || interrupt.isFinal()) break;
         interrupt.clear();
     }
-    host_.forgive();
+    host_.clearFailures();
 }
 
 bool Prompt::readChunk() {

@@ -86,13 +86,13 @@ void Transfers::waitFor(std::shared_ptr<PipeWriter> const& pipe) {
         if (std::ranges::find(pipes, pipe) == pipes.end()) pipes.push_back(pipe);
     };
     add(pipes_);
-    auto const job = jobs_.find(told_);
+    auto const job = jobs_.find(delivering_);
     if (job == jobs_.end()) return;
     add(job->second.pipes);
     job->second.transfer->hold();
 }
 
-bool Transfers::owesData() const noexcept {
+bool Transfers::hasPendingWrites() const noexcept {
     return std::ranges::any_of(pipes_, [](auto const& pipe) { return pipe->waits(); });
 }
 
@@ -121,12 +121,12 @@ void Transfers::giveUp(Job& job) {
 
 bool Transfers::advance(Interrupt const& interrupt) {
     collect();
-    bool told = false;
+    bool delivered = false;
     while (Job* const job = interrupt.pending() == 0 ? nextReady() : nullptr) {
-        tell(*job);
-        told = true;
+        deliver(*job);
+        delivered = true;
     }
-    return told;
+    return delivered;
 }
 
 void Transfers::wait(std::span<int const> descriptors) {
@@ -181,16 +181,16 @@ Transfers::Job* Transfers::nextReady() {
     return nullptr;
 }
 
-// [tell]
+// [deliver]
 /// The job may be destroyed afterwards.
-void Transfers::tell(Job& job) {
+void Transfers::deliver(Job& job) {
     ur::Reference<Connection> const connection = job.connection;
     TransferEvent event = job.transfer->takeEvent();
     bool const ends = std::holds_alternative<Completed>(event) || std::holds_alternative<Failed>(event);
     if (ends) stop(*connection);
-    Temporarily const noted(told_, static_cast<Connection const*>(connection.get()));
+    Temporarily const noted(delivering_, static_cast<Connection const*>(connection.get()));
     connection->deliver(std::move(event));
 }
-// [tell]
+// [deliver]
 
 }  // namespace nxhost

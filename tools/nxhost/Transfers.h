@@ -45,7 +45,7 @@ public:
     /// Whether no transfer runs and no data wait for a pipe.
     [[nodiscard]] bool empty() const noexcept { return jobs_.empty() && pipes_.empty(); }
     /// Whether data wait for a pipe. They are lost unless `advance` is called again.
-    [[nodiscard]] bool owesData() const noexcept;
+    [[nodiscard]] bool hasPendingWrites() const noexcept;
     /// Writes to a pipe the data that it has not taken yet. Holds the transfer that is currently reported until then.
     void waitFor(std::shared_ptr<PipeWriter> const& pipe);
 
@@ -77,14 +77,14 @@ private:
     [[nodiscard]] int mostMilliseconds() const;
     void collect();
     [[nodiscard]] Job* nextReady();
-    void tell(Job& job);
+    void deliver(Job& job);
 
     NetworkOptions const options_;
     CURLM* multi_;
     std::map<Connection const*, Job> jobs_;
-    std::deque<Connection const*> ready_;  // may contain connections whose transfer has ended
-    Connection const* told_ = nullptr;     // the one being called
-    Pipes pipes_;                          // with waiting data
+    std::deque<Connection const*> ready_;     // may contain connections whose transfer has ended
+    Connection const* delivering_ = nullptr;  // the one being called
+    Pipes pipes_;                             // with waiting data
     std::function<void(nxRFL::Exception const&)> onPipeError_;
 };
 

@@ -43,7 +43,7 @@ private:
         }
         if (sameKind ? *first == *second : first == second) return true;
         std::string const where = open_.empty() ? "." : place(open_.back().first);
-        return tell(where + ": " + spell_(first) + " -> " + spell_(second));
+        return report(where + ": " + spell_(first) + " -> " + spell_(second));
     }
 
     /// Handles the next child of the innermost pair, or closes the pair. False if the report wants no more.
@@ -68,12 +68,12 @@ private:
         open_.pop_back();
         Item const& first = pair.first.container();
         Item const& second = pair.second.container();
-        bool const comeAgain = first.referenceCount() > 1 && second.referenceCount() > 1;
-        if (comeAgain && pair.differencesBefore == differences_) equal_.emplace(&first, &second);
+        bool const areShared = first.referenceCount() > 1 && second.referenceCount() > 1;
+        if (areShared && pair.differencesBefore == differences_) equal_.emplace(&first, &second);
         if (!open_.empty()) advance(open_.back());
     }
 
-    bool tell(std::string const& difference) {
+    bool report(std::string const& difference) {
         ++differences_;
         return report_(difference);
     }
@@ -92,7 +92,7 @@ private:
     }
 
     bool onlyIn(char const* which, Children& children) {
-        bool const goOn = tell(place(children) + ": only in the " + which + ": " + spell_(children.item()));
+        bool const goOn = report(place(children) + ": only in the " + which + ": " + spell_(children.item()));
         children.next();
         return goOn;
     }

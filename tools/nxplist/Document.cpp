@@ -66,7 +66,7 @@ void readJson(Document& document, urString::CString& text, Losses losses) {
     }
     document.losses = report.lossCount;
     document.hasComments = hasComments(text.view());
-    if (losses != Losses::quiet) tellLosses(document.name, report);
+    if (losses != Losses::quiet) reportLosses(document.name, report);
     if (losses == Losses::refused && document.losses > 0) throw Failure{ExitCode::negative, ""};
 }
 

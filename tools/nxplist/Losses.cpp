@@ -45,17 +45,17 @@ private:
             return true;
         }
         bool const isText = isNew && item->type() == nxPLST::StringType;
-        bool const goOn = !isText || tell(static_cast<nxPLST::String const*>(item)->value());
+        bool const goOn = !isText || add(static_cast<nxPLST::String const*>(item)->value());
         if (!open_.empty()) open_.back().next();
         return goOn;
     }
 
     bool takeKey() {
         Children const& children = open_.back();
-        return children.container().type() == nxPLST::ArrayType || tell(children.key());
+        return children.container().type() == nxPLST::ArrayType || add(children.key());
     }
 
-    bool tell(urString::CString const& text) {
+    bool add(urString::CString const& text) {
         return take_(text.view(), [this] {
             std::string path;
             for (Children const& children : open_) path += children.step();
@@ -75,7 +75,7 @@ bool isUtf8(std::string_view text) {
     return urString::IString(bytes, urString::Encoding::utf8).asUTF8() == bytes;
 }
 
-void tellMore(std::string const& name, std::uint64_t more) {
+void reportMore(std::string const& name, std::uint64_t more) {
     if (more > 0) std::fprintf(stderr, "%s: %llu more losses\n", name.c_str(), static_cast<unsigned long long>(more));
 }
 
@@ -86,15 +86,15 @@ std::string located(std::string const& name, nxPLST::JsonLocation const& locatio
            std::string(reason);
 }
 
-void tellLosses(std::string const& name, nxPLST::JsonReport const& report) {
+void reportLosses(std::string const& name, nxPLST::JsonReport const& report) {
     for (auto const& loss : report.losses) {
         std::string const what = std::string(nxPLST::describe(loss.kind)) + " at " + std::string(loss.path.view());
         std::fprintf(stderr, "%s\n", located(name, loss.location, what).c_str());
     }
-    tellMore(name, report.lossCount - report.losses.size());
+    reportMore(name, report.lossCount - report.losses.size());
 }
 
-std::uint64_t tellCutTexts(std::string const& name, Item const* root) {
+std::uint64_t reportCutTexts(std::string const& name, Item const* root) {
     std::uint64_t count = 0;
     TextWalk([&](std::string_view text, auto const& path) {
         if (text.find('\0') == std::string_view::npos) return true;
@@ -102,7 +102,7 @@ std::uint64_t tellCutTexts(std::string const& name, Item const* root) {
             std::fprintf(stderr, "%s: text cut at its NUL at %s\n", name.c_str(), path().c_str());
         return true;
     }).run(root);
-    tellMore(name, count - std::min<std::uint64_t>(count, nxPLST::JsonReport::mostLosses));
+    reportMore(name, count - std::min<std::uint64_t>(count, nxPLST::JsonReport::mostLosses));
     return count;
 }
 

@@ -52,7 +52,7 @@ bool areSameFile(std::string const& input, std::string const& output) {
 
 /// Writes a document.
 int put(Options const& options, Document const& document, std::string const& output, Form form) {
-    std::uint64_t const cut = form == Form::packets ? tellCutTexts(document.name, document.root.get()) : 0;
+    std::uint64_t const cut = form == Form::packets ? reportCutTexts(document.name, document.root.get()) : 0;
     if (cut > 0 && options.strict) return ExitCode::negative;
     bool const isLess = document.losses > 0 || cut > 0 || document.hasComments || form == Form::dump;
     if (isLess && !options.force && areSameFile(fileOr(options, 0, "-"), output)) {

@@ -20,7 +20,7 @@ void store(Record& record, std::byte* place, Content const& content) noexcept {
 }
 
 // The pointer to a transaction object becomes null.
-void letGo(std::uintptr_t* word) noexcept {
+void makeNull(std::uintptr_t* word) noexcept {
     bool const pair = markOf(word[0]) == Mark::keeper;
     word[0] = marked(nullptr, pair ? Mark::held : Mark::address);
     if (pair) word[1] = 0;
@@ -71,7 +71,7 @@ void RecordStore::keep(std::span<std::uintptr_t> words) {
     std::uintptr_t const* reached = words.data();
     auto const pin = [this, &reached](Object& object, std::uintptr_t* word) {
         reached = word;
-        if (!history_.pin(object)) letGo(word);
+        if (!history_.pin(object)) makeNull(word);
     };
     try {
         visitKept(words, pin, [](void const* object, Holding const& how) { how.hold(object); });
@@ -120,7 +120,7 @@ void RecordStore::forget(Object const& gone) noexcept {
 
 void RecordStore::forget(Object const& gone, std::span<std::uintptr_t> words) noexcept {
     auto const forgetWord = [&gone](Object& object, std::uintptr_t* word) {
-        if (&object == &gone) letGo(word);
+        if (&object == &gone) makeNull(word);
     };
     visitKept(words, forgetWord, [](void const* /*object*/, Holding const& /*how*/) {});
 }

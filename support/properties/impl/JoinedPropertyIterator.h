@@ -71,7 +71,7 @@ private:
     // After undo, a list may contain properties that moved away unrecorded or that no reference holds any more. These
     // are not members.
     [[nodiscard]] bool takesPart(TxdProperty const& member) const noexcept {
-        return member.data() == txd_.data() && (!txd_.data()->members().mayNameAbsent() || member.isTxnExtant());
+        return member.data() == txd_.data() && (!txd_.data()->members().mayContainStale() || member.isTxnExtant());
     }
 
     PropertyHold start_;
