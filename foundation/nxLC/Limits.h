@@ -11,7 +11,7 @@ namespace nxLC {
 /// Bytes include those of the state and of the native objects that scripts create or receive: `ur::Account`.
 struct Limits {
     /// Lua instructions that one call from native code into a script may run, including everything that it calls and
-    /// all coroutines.
+    /// all coroutines. The call may also take a microsecond of the processor's time for each, but no more.
     std::uint64_t instructions = 0;
     /// Bytes that the call may add to those in use when it begins.
     std::size_t memory = 0;

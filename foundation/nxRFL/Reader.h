@@ -66,6 +66,9 @@ public:
     /// Null for a null item. Valid until the stack changes.
     ur::Reference<Function> const& readFunction();
 
+    /// The account that pays for the stack; null if there is none.
+    [[nodiscard]] std::shared_ptr<ur::Account> const& account() const noexcept { return stack_.charge_.account(); }
+
     /// Appends a copy of the next item, of any kind, to `out`.
     void readItem(Stack& out);
     void skip() noexcept;

@@ -15,36 +15,51 @@ using ur::Reference;
 /// The depth limit. Strict JSON cannot hold deeper trees either.
 constexpr int deepest = 128;
 
-Reference<nxPLST::Item> readTree(nxRFL::Reader& reader, int depth);
+constexpr std::size_t bytesOfItem = 64;
 
-Reference<nxPLST::Item> readArray(nxRFL::Reader& reader, int depth) {
-    auto array = ur::make<nxPLST::Array>();
-    for (unsigned left = reader.startArray(); left > 0; --left) array->insert(readTree(reader, depth));
-    reader.endArray();
-    return array;
-}
+/// Builds the items of one value, and charges them.
+class TreeReader {
+public:
+    TreeReader(nxRFL::Reader& reader, ur::Charge& charge) noexcept : reader_(reader), charge_(charge) {}
 
-Reference<nxPLST::Item> readDictionary(nxRFL::Reader& reader, int depth) {
-    auto dictionary = ur::make<nxPLST::Dictionary>();
-    for (unsigned left = reader.startDictionary(); left > 0; --left) {
-        urString::CString const key = reader.readText();
-        dictionary->insert(key, readTree(reader, depth));
+    Reference<nxPLST::Item> read(int depth) {
+        if (depth == deepest) throw nxRFL::Exception("the value is nested too deeply");
+        charge_.add(bytesOfItem);
+        switch (reader_.kind()) {
+            case Kind::boolean: return ur::make<nxPLST::Bool>(reader_.readBool());
+            case Kind::number: return ur::make<nxPLST::Double>(reader_.readDouble());
+            case Kind::text: return ur::make<nxPLST::String>(readText());
+            case Kind::array: return readArray(depth + 1);
+            case Kind::dictionary: return readDictionary(depth + 1);
+            default: reader_.fail("boolean, number, string or table");
+        }
     }
-    reader.endDictionary();
-    return dictionary;
-}
 
-Reference<nxPLST::Item> readTree(nxRFL::Reader& reader, int depth) {
-    if (depth == deepest) throw nxRFL::Exception("the value is nested too deeply");
-    switch (reader.kind()) {
-        case Kind::boolean: return ur::make<nxPLST::Bool>(reader.readBool());
-        case Kind::number: return ur::make<nxPLST::Double>(reader.readDouble());
-        case Kind::text: return ur::make<nxPLST::String>(reader.readText());
-        case Kind::array: return readArray(reader, depth + 1);
-        case Kind::dictionary: return readDictionary(reader, depth + 1);
-        default: reader.fail("boolean, number, string or table");
+private:
+    urString::CString readText() {
+        urString::CString const& text = reader_.readText();
+        charge_.add(text.size());
+        return text;
     }
-}
+    Reference<nxPLST::Item> readArray(int depth) {
+        auto array = ur::make<nxPLST::Array>();
+        for (unsigned left = reader_.startArray(); left > 0; --left) array->insert(read(depth));
+        reader_.endArray();
+        return array;
+    }
+    Reference<nxPLST::Item> readDictionary(int depth) {
+        auto dictionary = ur::make<nxPLST::Dictionary>();
+        for (unsigned left = reader_.startDictionary(); left > 0; --left) {
+            urString::CString const key = readText();
+            dictionary->insert(key, read(depth));
+        }
+        reader_.endDictionary();
+        return dictionary;
+    }
+
+    nxRFL::Reader& reader_;
+    ur::Charge& charge_;
+};
 
 void writeTree(nxRFL::Writer& writer, Reference<nxPLST::Item const> const& item) {
     if (!item) return writer.writeNull();
@@ -69,7 +84,6 @@ void writeTree(nxRFL::Writer& writer, Reference<nxPLST::Item const> const& item)
 }  // namespace
 
 std::size_t bytesOf(nxPLST::Item const& item) {
-    constexpr std::size_t bytesOfItem = 64;
     std::size_t bytes = bytesOfItem;
     Reference<nxPLST::Item const> const held(&item);
     if (auto const text = asString(held)) bytes += text->value().size();
@@ -83,9 +97,10 @@ std::size_t bytesOf(nxPLST::Item const& item) {
 }
 
 void read(nxRFL::Reader& reader, ScriptValue& value) {
-    value.item = nullptr;
+    value = {};
     if (reader.isNull()) return reader.readNull();
-    value.item = readTree(reader, 0);
+    value.charge = ur::Charge(reader.account(), 0);
+    value.item = TreeReader(reader, value.charge).read(0);
 }
 
 void write(nxRFL::Writer& writer, ScriptValue const& value) { writeTree(writer, value.item); }

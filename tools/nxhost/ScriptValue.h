@@ -2,6 +2,7 @@
 #pragma once
 
 #include "foundation/nxRFL/typeName.h"
+#include "foundation/ur/Account.h"
 #include "plst/Item.h"
 
 namespace nxRFL {
@@ -14,6 +15,7 @@ namespace nxhost {
 /// A value passed by a script, in a form that a property list can hold. Null is nil.
 struct ScriptValue {
     ur::Reference<nxPLST::Item const> item;
+    ur::Charge charge = {};  ///< for the bytes of an item that was read, to the account of the arguments
 };
 
 /// The approximate number of bytes that a value occupies.

@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "foundation/nxLC/impl/Binding.h"
+#include "foundation/nxLC/impl/processorTime.h"
 
 namespace nxLC::impl {
 
@@ -86,6 +87,8 @@ Account::Bounds Meter::bounded(Account::Bounds bounds) noexcept {
 void Meter::enter() noexcept {
     if (depth_++ > 0) return;
     instructions_ = 0;
+    began_ = Clock::now();
+    processorTime_.reset();
     refused_ = false;
     stopped_ = ended_;
     interrupted_ = false;
@@ -123,8 +126,26 @@ void Meter::tick(lua_State* state) {
         if (ran == 1) lua_sethook(state, &onCount, LUA_MASKCOUNT, period);
         return;
     }
-    count(state, state, ran == 1 ? period : std::min(2 * ran, period));
+    stopped_ = stopped_ || isTimeSpent();
+    count(state, state, wasSlow() ? slowPeriod : ran == 1 ? period : std::min(2 * ran, period));
     relieve(state);
+}
+
+/// Time in which the thread sleeps does not count. The processor's clock is slow to read, so it is read only after half
+/// of the allowed time has passed by the usual clock.
+bool Meter::isTimeSpent() noexcept {
+    constexpr std::uint64_t longest = std::uint64_t(1) << 50U;  // some decades
+    if (limits_.instructions == 0 || limits_.instructions > longest) return false;
+    std::chrono::nanoseconds const half = std::chrono::nanoseconds(500) * limits_.instructions;
+    if (Clock::now() - began_ < half) return false;
+    std::chrono::nanoseconds const now = processorTime();
+    if (!processorTime_) processorTime_ = now;
+    return now - *processorTime_ > half;
+}
+
+bool Meter::wasSlow() noexcept {
+    Clock::time_point const now = Clock::now();
+    return now - std::exchange(ticked_, now) > longPeriod;
 }
 
 void Meter::begin(lua_State* state, lua_State* coroutine) {

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "foundation/nxLC/Limits.h"
@@ -14,6 +16,10 @@
 namespace nxLC::impl {
 
 /// Watches one state: counts all its allocations on the account and its instructions by hooks.
+///
+/// An instruction stands for a microsecond of the processor's time at most: work that takes longer on the whole, such
+/// as that of native functions, uses up the budget as well. The clock is read when a hook fires and at every 64th look
+/// at the limits.
 ///
 /// Each Lua thread counts for itself, and its hook fires after a number of its own instructions. So instructions are
 /// counted ahead, when a thread begins and whenever its hook fires: few at first, since most coroutines are short,
@@ -26,6 +32,7 @@ class Meter final : private ur::Account::Collector {
 public:
     static constexpr int period = 1000;                     ///< the most instructions between two checks
     static constexpr int firstPeriod = 50;                  ///< of a coroutine
+    static constexpr int slowPeriod = 16;                   ///< after instructions that took long
     static constexpr std::size_t bytesPerInstruction = 16;  ///< when texts are copied or searched
 
     /// `running` is the thread to collect on.
@@ -66,8 +73,9 @@ public:
     void begin(lua_State* state, lua_State* coroutine);
     /// Whether the script must end, checked after native code has counted.
     [[nodiscard]] bool mustStop() noexcept {
-        if (active()) stopped_ = stopped_ || interrupted_ || isSpent();
-        return active() && stopped_;
+        if (!active()) return false;
+        stopped_ = stopped_ || interrupted_ || isSpent() || (++looks_ % looksPerClock == 0 && isTimeSpent());
+        return stopped_;
     }
     /// Counts the work of a native function, such as copying values. Never raises.
     void spend(std::uint64_t instructions) noexcept { instructions_ += instructions; }
@@ -82,7 +90,11 @@ public:
     }
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     static constexpr std::size_t largeBlock = 4096;
+    static constexpr unsigned looksPerClock = 64;
+    static constexpr std::chrono::milliseconds longPeriod{2};
 
     static void* allocate(void* meter, void* block, std::size_t oldSize, std::size_t newSize);
     [[nodiscard]] bool grants(std::size_t bytes) noexcept;
@@ -93,6 +105,8 @@ private:
     [[nodiscard]] bool isSpent() const noexcept {
         return limits_.instructions != 0 && instructions_ > limits_.instructions;
     }
+    [[nodiscard]] bool isTimeSpent() noexcept;
+    [[nodiscard]] bool wasSlow() noexcept;
     [[noreturn]] void stop(lua_State* state);
 
     Limits limits_;
@@ -104,6 +118,10 @@ private:
     ur::Account::Bounds outer_;  ///< before the outermost call
     std::size_t collected_ = 0;  ///< threshold of the next collection for the total limit, after the last call
     std::uint64_t instructions_ = 0;
+    unsigned looks_ = 0;
+    Clock::time_point began_;                                ///< the outermost call
+    Clock::time_point ticked_;                               ///< the last time that a hook fired
+    std::optional<std::chrono::nanoseconds> processorTime_;  ///< when half of the allowed time had passed
     int depth_ = 0;
     bool refused_ = false;
     bool stopped_ = false;

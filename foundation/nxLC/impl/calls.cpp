@@ -135,11 +135,11 @@ inline bool callPlainly(Binding& binding, lua_State* state, Function const& func
     return function.callPlain({values.data(), static_cast<std::size_t>(places.count)}, result);
 }
 
-int pushResult(lua_State* state, PlainResult const& result, ShortText& text) {
+int pushResult(Binding& binding, lua_State* state, PlainResult const& result, ShortText& text) {
     switch (result.kind) {
         case PlainValue::Kind::number: lua_pushnumber(state, result.number); return 1;
         case PlainValue::Kind::boolean: lua_pushboolean(state, result.truth); return 1;
-        case PlainValue::Kind::text: return pushText(state, result.text, text);
+        case PlainValue::Kind::text: return pushText(binding, state, result.text, text);
         default: return 0;
     }
 }
@@ -159,7 +159,7 @@ int callWithStacks(Binding& binding, lua_State* state, Function const& function,
     return runNative(binding, state, text, [binding, state, &function, places, &text] {
         PlainResult result;
         if (function.takesPlainValues() && callPlainly(*binding, state, function, places, result))
-            return pushResult(state, result, text);
+            return pushResult(*binding, state, result, text);
         return callWithStacks(*binding, state, function, places, text);
     });
 }

@@ -133,6 +133,7 @@ void pushNext(Binding& binding, lua_State* state, Reader& reader) {
     switch (reader.kind()) {
         case Kind::text: {
             CString const& text = reader.readText();
+            binding.meter.spendBytes(text.size());
             lua_pushlstring(state, text.data(), text.size());
             return;
         }
@@ -181,12 +182,13 @@ int pushItems(Binding& binding, lua_State* state, Stack const& items) {
     return lua_gettop(state) - before;
 }
 
-int pushText(lua_State* state, CString const& result, ShortText& text) {
+int pushText(Binding& binding, lua_State* state, CString const& result, ShortText& text) {
     if (result.size() <= ShortText::capacity) {
         text.size = result.size();
         std::memcpy(text.bytes, result.data(), text.size);
         return shortTextOutcome;
     }
+    binding.meter.spendBytes(result.size());
     protect(state, 0, 1, [&result](lua_State* inner) {
         lua_pushlstring(inner, result.data(), result.size());
         return 1;
@@ -198,7 +200,7 @@ int pushResults(Binding& binding, lua_State* state, Stack const& results, ShortT
     if (results.empty()) return 0;
     Reader reader(results);
     if (results.size() == 1) {
-        if (reader.kind() == Kind::text) return pushText(state, reader.readText(), text);
+        if (reader.kind() == Kind::text) return pushText(binding, state, reader.readText(), text);
         if (pushPlain(binding, state, reader)) return 1;
     }
     int const before = lua_gettop(state);

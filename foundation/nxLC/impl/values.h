@@ -26,7 +26,7 @@ void readArguments(Binding& binding, lua_State* state, nxRFL::Function const& fu
 void readValues(Binding& binding, lua_State* state, int first, nxRFL::Stack& stack);
 
 /// Pushes the result of a call.
-int pushText(lua_State* state, urString::CString const& result, ShortText& text);
+int pushText(Binding& binding, lua_State* state, urString::CString const& result, ShortText& text);
 /// Pushes the results of a call.
 int pushResults(Binding& binding, lua_State* state, nxRFL::Stack const& results, ShortText& text);
 /// Pushes the elements of the single result, an array, as separate values.

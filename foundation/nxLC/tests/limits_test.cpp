@@ -302,12 +302,14 @@ TEST_F(Sandbox, CountsTheElementsThatLibrariesMove) {
 
 TEST_F(Sandbox, CountsTheBytesThatLibrariesHandle) {
     std::string const data =
-        "local text, list, objects = ('x'):rep(2^22), {}, {} "
-        "for i = 1, 2^15 do list[i] = i * 7919 % 1000 objects[i] = {} end ";
+        "local text, list, objects = ('x'):rep(2^17), {}, {} "
+        "for i = 1, 2^12 do list[i] = i * 7919 % 1000 objects[i] = {} end ";
     for (char const* const work :
-         {"string.rep('x', 2^24)", "text:find('y')", "text:gmatch('y')", "text:gsub('y', 'z')", "table.sort(list)",
-          "collectgarbage()", "collectgarbage('step', 10000)", "farm.tools.echo(text)", "farm.tools.echo({text})"}) {
-        state->setLimits({.instructions = 20'000'000});
+         {"string.rep('x', 2^20)", "text:find('y')", "table.concat(list)", "unpack(list, 1, 4000)",
+          "table.foreachi(list, math.randomseed)", "table.foreach(list, rawequal)", "table.maxn(list)",
+          "tonumber(text)", "text:gmatch('y')", "text:gsub('y', 'z')", "table.sort(list)", "collectgarbage()",
+          "collectgarbage('step', 10000)", "farm.tools.echo(text)", "farm.tools.echo({text})"}) {
+        state->setLimits({.instructions = 2'000'000});
         succeed(data + "for i = 1, 5 do " + work + " end");
         EXPECT_TRUE(run(data + "while true do pcall(function() " + work + " end) end").ends_with("budget spent"))
             << work;
@@ -317,6 +319,52 @@ TEST_F(Sandbox, CountsTheBytesThatLibrariesHandle) {
     EXPECT_EQ(run("string.rep('x', 2^25)"), "instruction budget spent") << "refused as memory, with the true reason";
     succeed("collectgarbage('count') collectgarbage('stop') collectgarbage('restart')");
     succeed("for i = 1, 5000 do assert(('x'):rep(1000):find('x')) end");
+}
+
+TEST_F(Sandbox, CountsTheProcessorsTimeOfNativeFunctions) {
+    nxRFL::ExposeFunction(database, "farm::tools").add("work", [] {
+        auto const end = std::chrono::steady_clock::now() + std::chrono::milliseconds(1);
+        while (std::chrono::steady_clock::now() < end) continue;
+    });
+    nxRFL::ExposeFunction(database, "farm::tools").add("sleep", [] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(3));
+    });
+    state->reflection().publish();
+    state->setLimits({.instructions = 200'000});
+    EXPECT_TRUE(run("while true do pcall(farm.tools.work) end").ends_with("budget spent"));
+    EXPECT_TRUE(run("local n = 0 while n < 10000 do n = n + 1 farm.tools.work() end").ends_with("budget spent"));
+    succeed("for i = 1, 100 do farm.tools.sleep() end");
+}
+
+/// An order of numbers for which Lua's sorting compares each with all others.
+char const* const slowest = R"(
+    local function slowest(count)
+        local place, list, low, value = {}, {}, 1, 1
+        for i = 1, count do place[i] = i end
+        while low + 3 < count do
+            local middle = math.floor((low + count) / 2)
+            list[place[low]], list[place[middle]], value = value, value + 1, value + 2
+            place[middle], place[count - 1] = place[count - 1], place[middle]
+            place[count - 1], place[low + 1] = place[low + 1], place[count - 1]
+            low = low + 2
+        end
+        for i = low, count do list[place[i]] = value end
+        return list
+    end )";
+
+TEST_F(Sandbox, SortsWithinItsBudgetAndStopsInBetween) {
+    succeed("local t = {3, 1, 2} table.sort(t) assert(table.concat(t, ',') == '1,2,3')");
+    EXPECT_NE(run("table.sort({1, 'x', 2})").find("attempt to compare"), std::string::npos);
+    EXPECT_EQ(run("table.sort(1)"), "test:1: bad argument #1 to 'sort' (table expected, got number)");
+    state->setLimits({.instructions = 20'000'000});
+    EXPECT_TRUE(run(std::string(slowest) + "table.sort(slowest(200000))").ends_with("instruction budget spent"));
+    state->setLimits({});
+    std::thread interrupter([this] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        state->interrupt();
+    });
+    EXPECT_TRUE(run(std::string(slowest) + "table.sort(slowest(100000))").ends_with("interrupted"));
+    interrupter.join();
 }
 
 }  // namespace
