@@ -194,7 +194,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* bytes, std::size_t siz
         require(account->used() <= 2 * mostMemory, "what scripts keep is within the limit");
         // A script may keep scheduling functions, as many as memory allows.
         host.state().setLimits({.instructions = 500, .totalMemory = mostMemory});
-        for (int turns = 0; turns < mostTurns && host.loop().busy(); ++turns) host.loop().turn();
+        for (int turns = 0; turns < mostTurns && host.loop().busy(); ++turns) host.loop().runOnce();
     }
     require(account->used() == 0, "nothing stays on the account");
     return 0;
