@@ -39,6 +39,8 @@ urString::CString const& Manager::redoName(std::size_t position) const noexcept 
     return position < redoCount() ? history_->nameOf(undoCount() + position) : noName;
 }
 
+void Manager::setClean() noexcept { history_->setClean(); }
+bool Manager::isClean() const noexcept { return history_->isClean(); }
 bool Manager::clear() { return history_->clear(); }
 void Manager::setStepLimit(std::size_t steps) { history_->setLimits(steps, history_->byteLimit()); }
 void Manager::setByteLimit(std::size_t bytes) { history_->setLimits(history_->stepLimit(), bytes); }

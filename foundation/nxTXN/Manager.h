@@ -84,6 +84,12 @@ public:
     [[nodiscard]] urString::CString const& undoName(std::size_t position) const noexcept;
     [[nodiscard]] urString::CString const& redoName(std::size_t position) const noexcept;
 
+    /// Marks the present state as clean, usually because it was saved. Undo and redo may leave it and come back; once
+    /// the history cannot come back to it any more, no state is clean until the next mark. A new manager is clean.
+    /// Changes that are not recorded do not count.
+    void setClean() noexcept;
+    [[nodiscard]] bool isClean() const noexcept;
+
     /// Forgets all steps; objects keep their state. False when a transaction is open or the history is busy.
     bool clear();
     /// Limits the number of steps, or the bytes of all steps; the oldest go first, the newest always stays. 0, the

@@ -242,6 +242,7 @@ void History::discardUndone() {
         ++present_;
         return;
     }
+    if (clean_ != noState && clean_ > present_) clean_ = noState;
     Lifetimes::Deferral const deferral(lifetimes_);
     Busy const busy(*this);
     Step newest = steps_.popBack();
@@ -265,6 +266,7 @@ void History::discardOldest() {
     Busy const busy(*this);
     Step const step = steps_.popFront();
     --present_;
+    if (clean_ != noState) clean_ = clean_ > 0 ? clean_ - 1 : noState;
     records_.popBottom(step.records);
 }
 
@@ -272,6 +274,7 @@ void History::discardFarthest() {
     Lifetimes::Deferral const deferral(lifetimes_);
     Busy const busy(*this);
     Step const step = steps_.popBack();
+    if (clean_ != noState && clean_ > steps_.size()) clean_ = noState;
     lifetimes_.abandonUnborn(step.birthsBegin, step.birthsEnd);
     records_.pop(step.begin, step.records);
 }

@@ -115,6 +115,12 @@ public:
 
     void setUnrecordedChange(UnrecordedChange policy) noexcept { unrecordedChange_ = policy; }
     void seal() noexcept { sealed_ = true; }
+    /// The newest step accepts no more changes, so that the marked state does not change.
+    void setClean() noexcept {
+        clean_ = present_;
+        seal();
+    }
+    [[nodiscard]] bool isClean() const noexcept { return clean_ == present_; }
     bool clear();
     void setLimits(std::size_t steps, std::size_t bytes);
     [[nodiscard]] std::size_t stepLimit() const noexcept { return stepLimit_; }
@@ -123,6 +129,8 @@ public:
     [[nodiscard]] urRTB::Signal<>& changed() noexcept { return changed_; }
 
 private:
+    static constexpr std::size_t noState = ~std::size_t(0);
+
     /// While one lives, nothing is recorded and no step moves.
     class Busy {
     public:
@@ -197,6 +205,7 @@ private:
     History* settledBy_ = nullptr;       // the peer whose undo, redo or abort settles our objects
     std::uint32_t stamp_ = 0;            // of the newest transaction
     void const* coalesceKey_ = nullptr;  // of the newest step
+    std::size_t clean_ = 0;              // the number of steps before the clean state, or `noState`
     bool sealed_ = false;                // the newest step accepts no more changes
     unsigned restorings_ = 0;
     bool busy_ = false;

@@ -299,6 +299,35 @@ TEST(HistorySizes, RefuseFieldsThatAreTooLargeAndKeepForGoodWhatTooManyRecordsNe
     EXPECT_EQ(node->list().size(), 3U);
 }
 
+TEST_F(History, ComesBackToItsCleanStateAsLongAsItCan) {
+    EXPECT_TRUE(manager.isClean());
+    set(1);
+    EXPECT_FALSE(manager.isClean());
+    manager.setClean();
+    EXPECT_TRUE(manager.undo() && !manager.isClean() && manager.redo() && manager.isClean());
+    set(2);
+    manager.undo();
+    EXPECT_TRUE(manager.isClean()) << "past it and back";
+    manager.undo();
+    set(3);
+    EXPECT_FALSE(manager.isClean()) << "another step in its place";
+    EXPECT_TRUE(manager.undo() && !manager.isClean());
+
+    drag(4, this);
+    manager.setClean();
+    drag(5, this);  // no part of the step that was saved
+    EXPECT_FALSE(manager.isClean());
+    EXPECT_TRUE(manager.undo() && manager.isClean());
+    manager.redo();
+    manager.setStepLimit(1);
+    EXPECT_TRUE(manager.undo() && manager.isClean()) << "the oldest state that is left";
+    manager.redo();
+    set(6);
+    EXPECT_TRUE(manager.undo() && !manager.isClean()) << "forgotten with the limit";
+    manager.setClean();
+    EXPECT_TRUE(manager.clear() && manager.isClean());
+}
+
 TEST_F(History, AppliesReportsOrRefusesWhatNoTransactionRecords) {
     struct Quiet : Node {
         using Node::Node;
