@@ -1,7 +1,6 @@
 // Changes and restores lists, and emits their signals.
 #include "foundation/nxTXN/ObjectListBase.h"
 
-#include <deque>
 #include <utility>
 #include <vector>
 
@@ -28,6 +27,7 @@ public:
     void setGone() noexcept {
         list_ = nullptr;
         news_.clear();
+        delivered_ = 0;
     }
     [[nodiscard]] ObjectSequence& objects() noexcept { return objects_; }
     [[nodiscard]] ListVersion const& version() const noexcept { return *version_; }
@@ -41,13 +41,16 @@ public:
     void deliver(Tell tell);
 
 private:
+    static constexpr std::size_t mostSpareNews = 64;
+
     void apply(ListChange const& change, RefCountedObject& object);
     void turnBack();
 
     ObjectListBase* list_;  ///< null once the list is destroyed
     ObjectSequence objects_;
     ur::Reference<ListVersion> version_{new ListVersion};
-    std::deque<News> news_;
+    std::vector<News> news_;
+    std::size_t delivered_ = 0;  ///< of `news_`
     bool delivering_ = false;
 };
 
@@ -103,11 +106,13 @@ void ListState::deliver(Tell tell) {
     if (delivering_) return;
     delivering_ = true;
     urOS::FirstError errors;
-    while (!news_.empty()) {
-        News const next = std::move(news_.front());
-        news_.pop_front();
+    while (delivered_ < news_.size()) {
+        News const next = std::move(news_[delivered_++]);
         errors.guard([&] { tell(*list_, next); });
     }
+    news_.clear();
+    if (news_.capacity() > mostSpareNews) news_.shrink_to_fit();
+    delivered_ = 0;
     delivering_ = false;
     errors.rethrow();
 }
