@@ -38,8 +38,17 @@ bool Uuid::parse(std::string_view text) noexcept {
 }
 
 urString::CString Uuid::asString() const {
-    auto const [a, b, c, d] = words_;
-    return urString::CString::format("%08x-%04x-%04x-%04x-%04x%08x", a, b >> 16, b & 0xFFFF, c >> 16, c & 0xFFFF, d);
+    std::array<char, shape.size()> text;
+    unsigned digits = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (shape[i] == '-') {
+            text[i] = '-';
+            continue;
+        }
+        unsigned const shift = 28 - 4 * (digits % 8);
+        text[i] = "0123456789abcdef"[words_[digits++ / 8] >> shift & 0xF];
+    }
+    return {text.data(), text.size()};
 }
 
 int Uuid::compare(Uuid const& other) const noexcept {
