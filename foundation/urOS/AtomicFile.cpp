@@ -127,9 +127,9 @@ Error AtomicFile::commit() {
 }
 
 Error AtomicFile::replace() {
+    if (Error error = file_.sync(); error.isError()) return error;  // takes long: while there is no name to be left
     if (nameless_ >= 0 && !impl::giveName(nameless_, temporary_)) return Error::fromSystem(errno, target_.string());
     nameless_ = -1;
-    if (Error error = file_.sync(); error.isError()) return error;
     if (Error error = file_.close(); error.isError()) return error;  // an open file cannot be renamed on Windows
     std::error_code unmoved;
     fs::rename(temporary_, target_, unmoved);
