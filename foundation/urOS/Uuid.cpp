@@ -2,7 +2,8 @@
 #include "foundation/urOS/Uuid.h"
 
 #include <charconv>
-#include <random>
+
+#include "foundation/urOS/impl/drawRandom.h"
 
 namespace urOS {
 namespace {
@@ -12,8 +13,7 @@ constexpr std::string_view shape = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
 }  // namespace
 
 void Uuid::generate() {
-    std::random_device random;
-    for (std::uint32_t& word : words_) word = random();
+    impl::drawRandom(words_);
     // RFC 4122, 4.4: the version in the upper four bits of the seventh byte, the variant in the ninth.
     words_[1] = (words_[1] & 0xFFFF0FFFU) | 0x00004000U;
     words_[2] = (words_[2] & 0x3FFFFFFFU) | 0x80000000U;
