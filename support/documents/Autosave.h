@@ -1,0 +1,44 @@
+// Keeps what a user would lose in a crash.
+#pragma once
+
+#include <memory>
+
+#include "foundation/urUtil/Error.h"
+#include "support/documents/Document.h"
+
+namespace nxSupport {
+
+/// Writes a document to a file beside it whenever the host calls `write`: the first time as a whole, then what has
+/// changed since. `recoverable` finds the files that a crash left.
+///
+/// Time and bytes of a call follow the change. Once the changes take more bytes than the whole document, and at least
+/// 64 KiB, the next call writes it anew: on average this doubles the bytes. The file exists from the first `write` of a
+/// modified document on until `discard`: call that when the user saves, or closes without saving. It is locked as long
+/// as this object lives. One for a document; outlives neither. Main thread only.
+class NX_API Autosave {
+public:
+    static constexpr std::size_t usualLeastBytes = std::size_t(64) << 10;
+
+    /// Writes into `folder`, which must exist. `leastBytes` are those after which the file may be written anew.
+    Autosave(Document& document, urString::IString folder, std::size_t leastBytes = usualLeastBytes);
+    Autosave(Autosave const&) = delete;
+    Autosave& operator=(Autosave const&) = delete;
+    /// Leaves the file.
+    ~Autosave();
+
+    /// What `recoverable` shows for the file, for example the name of the document's own file.
+    void setName(urString::CString name);
+    /// Writes all changes and waits until they are on the disk. After an error the changes of earlier calls are still
+    /// there, and the next call writes the whole document. Does nothing when nothing has changed.
+    urUtil::Error write();
+    /// Removes the file. The next `write` begins a new one.
+    urUtil::Error discard();
+    /// Where the file is, or will be.
+    [[nodiscard]] urString::IString const& path() const noexcept;
+
+private:
+    class Journal;
+    std::unique_ptr<Journal> journal_;
+};
+
+}  // namespace nxSupport
