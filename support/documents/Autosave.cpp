@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <utility>
 
 #include "foundation/urOS/AtomicFile.h"
 #include "foundation/urOS/Filename.h"
@@ -42,13 +43,14 @@ public:
     impl::ChangeCollector changes;
     IString const path;
     CString name;
-    [[nodiscard]] bool isOpen() const noexcept { return file_.isOpen(); }
+    [[nodiscard]] bool exists() const noexcept { return exists_; }
     [[nodiscard]] bool hasGrown() const noexcept { return appended_ > std::max(whole_, leastBytes_); }
 
 private:
     Error writeRecord(urOS::IOStream& stream, ur::Reference<nxPLST::Dictionary> const& record, std::size_t& bytes);
 
     urOS::File file_;
+    bool exists_ = false;
     std::size_t const leastBytes_;
     std::size_t whole_ = 0;     ///< bytes of the first record
     std::size_t appended_ = 0;  ///< bytes of the others
@@ -70,7 +72,9 @@ Error Autosave::Journal::writeAll() {
     urOS::AtomicFile whole;
     if (Error error = whole.open(path); error.isError()) return error;
     if (Error error = writeRecord(whole, record, whole_); error.isError()) return error;
+    if (Error error = file_.close(); error.isError()) return error;  // an open file cannot be replaced on Windows
     if (Error error = whole.commit(); error.isError()) return error;
+    exists_ = true;
     appended_ = 0;
     if (Error error = file_.open(path, urOS::openWrite | urOS::openAppend); error.isError()) return error;
     if (!impl::lockFile(file_)) return impl::errorAbout(path, "is in use");
@@ -86,20 +90,21 @@ Error Autosave::Journal::append() {
 
 Error Autosave::Journal::remove() {
     changes.forgetAll();
-    if (!file_.isOpen()) return {};
     static_cast<void>(file_.close());
+    if (!std::exchange(exists_, false)) return {};
     std::error_code code;
     std::filesystem::remove(path.asMultibyte().c_str(), code);
     return code ? Error::fromSystem(code, path.asMultibyte()) : Error();
 }
 
-Autosave::Autosave(Document& document, IString folder, std::size_t leastBytes)
+Autosave::Autosave(Document& document, IString const& folder, std::size_t leastBytes)
     : journal_(std::make_unique<Journal>(document, folder, leastBytes)) {
     document.log_ = &journal_->changes;
 }
 
 Autosave::~Autosave() {
-    if (Document* const document = journal_->changes.document()) document->log_ = nullptr;
+    Document* const document = journal_->changes.document();
+    if (document && document->log_ == &journal_->changes) document->log_ = nullptr;
 }
 
 void Autosave::setName(CString name) { journal_->name = std::move(name); }
@@ -109,7 +114,7 @@ IString const& Autosave::path() const noexcept { return journal_->path; }
 Error Autosave::write() {
     impl::ChangeCollector& changes = journal_->changes;
     if (!changes.document()) return {};
-    if (!journal_->isOpen() && !changes.document()->isModified()) return {};
+    if (!journal_->exists() && !changes.document()->isModified()) return {};
     if (!changes.needsAll() && changes.isEmpty()) return {};
     try {
         Error error = changes.needsAll() || journal_->hasGrown() ? journal_->writeAll() : journal_->append();

@@ -20,7 +20,7 @@ public:
     static constexpr std::size_t usualLeastBytes = std::size_t(64) << 10;
 
     /// Writes into `folder`, which must exist. `leastBytes` are those after which the file may be written anew.
-    Autosave(Document& document, urString::IString folder, std::size_t leastBytes = usualLeastBytes);
+    Autosave(Document& document, urString::IString const& folder, std::size_t leastBytes = usualLeastBytes);
     Autosave(Autosave const&) = delete;
     Autosave& operator=(Autosave const&) = delete;
     /// Leaves the file.

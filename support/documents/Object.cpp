@@ -155,6 +155,21 @@ void Object::followChildren() {
     });
 }
 
+/// Objects are often removed or moved one after the other, and what comes and goes before them shifts all alike.
+std::size_t Object::index() const noexcept {
+    if (!parent_) return 0;
+    Children const siblings = parent_->children();
+    for (std::int32_t const shift : {parent_->shift_, parent_->shift_ - 1, parent_->shift_ + 1, 0}) {
+        std::int64_t const index = std::int64_t(formerIndex_) + shift;
+        if (index < 0 || siblings.at(static_cast<std::size_t>(index)) != this) continue;
+        parent_->shift_ = shift;
+        return static_cast<std::size_t>(index);
+    }
+    std::size_t const index = siblings.indexOf(*this).value_or(0);
+    parent_->shift_ = static_cast<std::int32_t>(static_cast<std::int64_t>(index) - formerIndex_);
+    return index;
+}
+
 bool Object::isWithin(Object const& other) const noexcept {
     for (Object const* object = this; object; object = object->parent_) {
         if (object == &other) return true;
@@ -177,7 +192,7 @@ bool Object::insert(std::size_t index, ur::Reference<Object> const& child) {
 
 bool Object::remove(Object& child) {
     if (child.parent_ != this || !document_) return false;
-    take(*children().indexOf(child), child);
+    take(child.index(), child);
     return true;
 }
 
@@ -187,20 +202,24 @@ bool Object::moveTo(Object& parent, std::size_t index) {
     if (index > (&parent == parent_ ? size - 1 : size)) return false;
     ur::Reference<Object> const self(this);
     ur::Reference<Object> const next(&parent);
-    std::size_t const from = *parent_->children().indexOf(*this);
-    if (&parent == parent_) return parent.childList().move(from, index);
+    std::size_t const from = this->index();
+    if (&parent == parent_) {
+        formerIndex_ = static_cast<std::uint32_t>(index);
+        return parent.childList().move(from, index);
+    }
     parent_->take(from, *this);
     return parent.insert(std::min(index, parent.children().size()), self);  // a listener may have come first
 }
 
 void Object::put(std::size_t index, ur::Reference<Object> const& child) {
     ur::Reference<Object> const self(this);
-    ur::Reference<Object> const held(child);
+    ur::Reference<Object> const held(child.get());  // a listener may let go of the caller's
     bool const isFirst = !children_;
     Children::List& list = childList();
     if (isFirst) followChildren();
     child->transact();
     child->parent_ = this;
+    child->formerIndex_ = static_cast<std::uint32_t>(index);
     try {
         list.insert(index, child);
     } catch (...) {
@@ -256,13 +275,13 @@ CString Object::path() const {
 }
 
 CString Object::stepFromParent() const {
-    CString const mine = name();
+    CString mine = name();
     if (!mine.empty() && mine.find('/') == CString::npos && mine[0] != '[') {
         Children const all = parent_->children();
         auto const first = std::find_if(all.begin(), all.end(), [&](Object& child) { return child.name() == mine; });
         if (first != all.end() && &*first == this) return mine;
     }
-    return CString::format("[%zu]", parent_->children().indexOf(*this).value_or(0));
+    return CString::format("[%zu]", index());
 }
 
 // ---- Undo

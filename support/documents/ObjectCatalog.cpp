@@ -66,7 +66,7 @@ ur::Reference<ObjectClass const> ObjectCatalog::find(CString const& name) const 
 
 ur::Reference<ObjectClass const> ObjectCatalog::classFor(CString const& name,
                                                          ObjectClass::Versions const& versions) const {
-    auto const known = find(name);
+    auto known = find(name);
     if (!known) return {new ObjectClass(name, versions)};
     for (auto const& [part, version] : known->versions()) {
         auto const other = versions.find(part);

@@ -70,7 +70,7 @@ ur::vector<Reference<Object>> duplicate(std::span<Object* const> objects) {
     reader.enter();
     for (std::size_t i = 0; i < originals.size(); ++i) {
         Object* const parent = originals[i]->parent();
-        if (parent) parent->insert(*parent->children().indexOf(*originals[i]) + 1, reader.objects()[i]);
+        if (parent) parent->insert(originals[i]->index() + 1, reader.objects()[i]);
     }
     transaction.commit();
     return reader.objects();

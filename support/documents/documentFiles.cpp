@@ -124,7 +124,7 @@ Error readJson(urOS::IOStream& stream, IString const& path, Content& content) {
 
 Error readContent(IString const& path, OpenProgress const& progress, Content& content) {
     urOS::File file;
-    if (Error const error = file.open(path, urOS::openRead); error.isError()) return error;
+    if (Error error = file.open(path, urOS::openRead); error.isError()) return error;
     std::array<char, ioFormat::fileMark.size()> start{};
     std::size_t size = 0;
     if (Error const error = file.read(start.data(), start.size(), &size); error.isError())

@@ -31,7 +31,7 @@ private:
     };
 
     [[nodiscard]] bool enterTree(ur::Reference<nxPLST::Item> const& top);
-    [[nodiscard]] Entry* find(urString::CString const& id);
+    [[nodiscard]] Entry* find(urString::CString const& text);
     [[nodiscard]] bool addObjects(nxPLST::Dictionary const& record);
     [[nodiscard]] bool applyValues(nxPLST::Dictionary const& record);
     [[nodiscard]] bool applyLists(nxPLST::Dictionary const& record);

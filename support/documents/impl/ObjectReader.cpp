@@ -92,8 +92,9 @@ bool ObjectReader::readObject(Item const* item) {
     auto const& members = static_cast<Dictionary const&>(*item);
     for (auto const& [key, value] : members.dictionary()) {
         if (key != form::className && key != form::id && key != form::values && key != form::versions &&
-            key != form::children)
+            key != form::children) {
             return fail("has the unknown member " + quoted(key));
+        }
     }
     KnownClass known;
     ObjectClass::Versions own;
@@ -187,6 +188,7 @@ Object& ObjectReader::make(KnownClass const& known, urOS::Uuid const& id, Refere
         return *object;
     }
     object->parent_ = parent;
+    object->formerIndex_ = static_cast<std::uint32_t>(parent->children().size());
     static_cast<void>(parent->childList().append(object));
     return *object;
 }
@@ -230,14 +232,14 @@ void ObjectReader::leadReferencesToCopies() {
     };
     for (Object* const object : made_) {
         if (!object->values_) continue;
-        auto const values = ur::make<Dictionary>();
-        bool isOther = false;
+        Reference<Dictionary> own;
         for (auto const& [name, value] : object->values_->dictionary()) {
-            auto next = led(value);
-            isOther |= next != value;
-            values->insert(name, std::move(next));
+            auto const next = led(value);
+            if (next == value) continue;
+            if (!own) own = ur::make<Dictionary>(*object->values_);
+            own->insert(name, next);
         }
-        if (isOther) object->values_ = values;
+        if (own) object->values_ = own;
     }
 }
 

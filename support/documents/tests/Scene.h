@@ -57,8 +57,9 @@ inline std::string textOf(Object const& object) {
 /// Whether all holds that holds for every object of a document at any time.
 inline bool isSound(Document const& document, Object const& object) {
     if (!object.isTxnExtant() || object.document() != &document || document.find(object.id()) != &object) return false;
+    std::size_t index = 0;
     for (Object const& child : object.children()) {
-        if (child.parent() != &object || !isSound(document, child)) return false;
+        if (child.parent() != &object || child.index() != index++ || !isSound(document, child)) return false;
     }
     return true;
 }

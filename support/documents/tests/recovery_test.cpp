@@ -1,8 +1,10 @@
 // Tests autosave files: what they cost, and what a crash at any moment leaves.
+#if defined(__linux__)
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 #include <cstdlib>
 #include <random>
@@ -124,6 +126,7 @@ TEST_F(Recovery, TakesWhatIsCompleteOfAnyFile) {
     }
 }
 
+#if defined(__linux__)
 /// Makes one edit after the other, the same for the same seed.
 class Work {
 public:
@@ -215,6 +218,7 @@ TEST_F(Recovery, LosesNothingOlderThanTheLastAutosaveWheneverTheProcessDies) {
     EXPECT_TRUE(recoverable(wide(path())).empty());
     EXPECT_EQ(fileCount(), 0U) << "what a crash while the whole document was written has left";
 }
+#endif
 
 }  // namespace
 }  // namespace nxSupport::test
