@@ -3,9 +3,12 @@
 
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+#include <functional>
+#include <span>
 #include <string_view>
 
 #include "foundation/urString/CString.h"
@@ -14,14 +17,27 @@
 namespace nxhost {
 namespace {
 
-struct Option {
-    std::string_view name;
-    std::string_view argument;  ///< empty if it takes none
-    std::string_view meaning;
-    void (*set)(Options& options, std::string_view value);
-};
+constexpr char const* description = R"(nxhost - run Lua scripts that use libSupport
 
-/// Returns nothing if the text is not a number or the number is negative.
+Runs SCRIPT, then what it has left running, such as transfers. Without a script: a prompt at a
+terminal, otherwise the standard input is the script.
+)";
+constexpr char const* environmentAndExitCodes = R"(Environment:
+  NX_DEBUG                    debug codes to switch on: names or numbers separated by ",", "*", or off: "-name"
+  NX_LUA_PATH                 where `require` looks first: folders or Lua's patterns, separated by ";"
+  NX_UNDO_LIMIT               how many steps can be undone
+  NX_UNDO_MEMORY_LIMIT        how many bytes they may take: a number, or one with K, M or G
+  NXHOST_HISTORY              the file of the prompt's history (~/.nxhost_history); empty for none
+
+Exit codes:
+  0                           done
+  1                           the script failed, or a function that it left behind did
+  2                           wrong usage, or a file that cannot be read or written
+  128 + N                     ended by the signal N: 130 by Ctrl-C, 143 by TERM
+  other                       the script's choice: os.exit(code), host.exit(code))";
+
+/// Returns nothing if the text is not a number or the number is negative. CLI11 would read octal numbers, follow the
+/// locale and let numbers overflow.
 template <class Number>
 std::optional<Number> parsed(std::string_view text) {
     Number value{};
@@ -55,114 +71,105 @@ std::uint64_t sizeIn(std::string_view text, std::string_view what) {
     return *count << shift;
 }
 
-constexpr Option options[] = {
-    {"-e", "CODE", "run CODE; several run in order",
-     [](Options& o, std::string_view value) { o.code.emplace_back(value); }},
-    {"-i", "", "show a prompt when the script has ended", [](Options& o, std::string_view) { o.prompt = true; }},
-    {"--list", "", "list what scripts can use",
-     [](Options& o, std::string_view) { o.listing = o.listing.value_or(nxRFL::ListingFormat::text); }},
-    {"--json", "", "list it as JSON", [](Options& o, std::string_view) { o.listing = nxRFL::ListingFormat::json; }},
-    {"--stubs", "", "list it as Lua declarations for editors",
-     [](Options& o, std::string_view) { o.listing = nxRFL::ListingFormat::luaStubs; }},
-    {"--sandbox", "", "no files, processes and loading for scripts",
-     [](Options& o, std::string_view) {
-         o.library = nxLC::Library::sandboxed;
-         o.network.sandboxed = true;
-     }},
-    {"--instructions", "COUNT", "stop a script after COUNT instructions",
-     [](Options& o, std::string_view value) { o.limits.instructions = countIn(value, "--instructions"); }},
-    {"--memory", "SIZE", "refuse scripts more than SIZE bytes in total",
-     [](Options& o, std::string_view value) { o.limits.totalMemory = sizeIn(value, "--memory"); }},
-    {"--cache", "SIZE", "keep at most SIZE bytes of resources (256M; 0: all)",
-     [](Options& o, std::string_view value) { o.cacheLimit = sizeIn(value, "--cache"); }},
-    {"--time", "SECONDS", "let a transfer take at most SECONDS (3600; 0: for ever)",
-     [](Options& o, std::string_view value) { o.network.timeLimit = secondsIn(value, "--time"); }},
-    {"--stall", "SECONDS", "give up a transfer or a pipe after SECONDS without a byte (60; 0: never)",
-     [](Options& o, std::string_view value) { o.network.stallLimit = secondsIn(value, "--stall"); }},
-    {"--body", "SIZE", "refuse answers of more than SIZE bytes (1G; 0: none)",
-     [](Options& o, std::string_view value) { o.network.bodyLimit = sizeIn(value, "--body"); }},
-    {"--private", "", "let the sandbox reach loopback, link-local and private addresses",
-     [](Options& o, std::string_view) { o.network.reachesPrivate = true; }},
-    {"--allow", "SCHEME", "allow URLs of SCHEME beside http and https",
-     [](Options& o, std::string_view value) { o.network.schemes.emplace_back(value); }},
-    {"--authorities", "FILE", "trust the certificates in FILE instead of the system's",
-     [](Options& o, std::string_view value) { o.network.authorities = value; }},
-    {"--trace", "FILE", "write a time line for trace viewers to FILE",
-     [](Options& o, std::string_view value) { o.traceFile = value; }},
-    {"--stats", "", "print times and counters at the end", [](Options& o, std::string_view) { o.statistics = true; }},
-    {"--help", "", "print this help", nullptr},
-    {"--version", "", "print the version", nullptr},
-};
-
-constexpr struct {
-    std::string_view name;
-    std::string_view meaning;
-} variables[] = {
-    {"NX_DEBUG", "debug codes to switch on: names or numbers separated by \",\", \"*\", or off: \"-name\""},
-    {"NX_LUA_PATH", "where `require` looks first: folders or Lua's patterns, separated by \";\""},
-    {"NX_UNDO_LIMIT", "how many steps can be undone"},
-    {"NX_UNDO_MEMORY_LIMIT", "how many bytes they may take: a number, or one with K, M or G"},
-    {"NXHOST_HISTORY", "the file of the prompt's history (~/.nxhost_history); empty for none"},
-};
-
-constexpr struct {
-    std::string_view code;
-    std::string_view meaning;
-} exitCodes[] = {
-    {"0", "done"},
-    {"1", "the script failed, or a function that it left behind did"},
-    {"2", "wrong usage, or a file that cannot be read or written"},
-    {"128 + N", "ended by the signal N: 130 by Ctrl-C, 143 by TERM"},
-    {"other", "the script's choice: os.exit(code), host.exit(code)"},
-};
-
-void putLine(std::string const& label, std::string_view meaning) {
-    std::printf("  %-22s %.*s\n", label.c_str(), static_cast<int>(meaning.size()), meaning.data());
+/// `set` receives each value, in the order of the command line.
+CLI::Option* addOption(CLI::App& app, char const* name, char const* argument, char const* meaning,
+                       std::function<void(std::string const&)> const& set) {
+    auto const setWord = [set](std::string const& word) { set(word.c_str()); };  // without the NUL of `wordsIn`
+    return app.add_option_function<std::string>(name, setWord, meaning)->type_name(argument)->trigger_on_parse();
 }
 
-void printHelp() {
-    std::puts(
-        "nxhost - run Lua scripts that use libSupport\n\n"
-        "usage: nxhost [OPTION...] [SCRIPT [ARGUMENT...]]\n\n"
-        "Runs SCRIPT (\"-\": the standard input), then what it has left running, such as transfers. Without\n"
-        "a script: a prompt at a terminal, otherwise the standard input is the script.\n\noptions:");
-    for (Option const& option : options) {
-        std::string const separator = option.argument.empty() ? "" : " ";
-        putLine(std::string(option.name) + separator + std::string(option.argument), option.meaning);
-    }
-    std::puts("\nenvironment:");
-    for (auto const& variable : variables) putLine(std::string(variable.name), variable.meaning);
-    std::puts("\nexit codes:");
-    for (auto const& exit : exitCodes) putLine(std::string(exit.code), exit.meaning);
+/// `read` makes a number out of a text and the option's name. `standard` is the default for the help; empty for none.
+template <class Number, class Read>
+void addLimit(CLI::App& app, char const* name, char const* argument, Number& limit, Read read, char const* standard,
+              char const* meaning) {
+    addOption(app, name, argument, meaning, [=, &limit](std::string const& text) {
+        limit = read(text, name);
+    })->default_str(standard);
+}
+
+void addScripts(CLI::App& app, Options& o) {
+    app.option_defaults()->group("Scripts");
+    addOption(app, "-e", "CODE", "run CODE in place of SCRIPT; several run in order",
+              [&o](std::string const& code) { o.code.push_back(code); });
+    app.add_flag("-i", o.prompt, "show a prompt when the script has ended");
+    auto const addListing = [&](char const* name, nxRFL::ListingFormat format, char const* meaning) {
+        app.add_flag_callback(
+            name, [&o, format] { o.listing = format; }, meaning);
+    };
+    addListing("--list", nxRFL::ListingFormat::text, "list what scripts can use");
+    addListing("--json", nxRFL::ListingFormat::json, "list it as JSON");
+    addListing("--stubs", nxRFL::ListingFormat::luaStubs, "list it as Lua declarations for editors");
+}
+
+void addLimits(CLI::App& app, Options& o) {
+    app.option_defaults()->group("Limits");
+    app.add_flag("--sandbox", o.network.sandboxed, "no files, processes and loading for scripts");
+    addLimit(app, "--instructions", "COUNT", o.limits.instructions, countIn, "",
+             "stop a script after COUNT instructions");
+    addLimit(app, "--memory", "SIZE", o.limits.totalMemory, sizeIn, "", "refuse scripts more than SIZE bytes in total");
+    addLimit(app, "--cache", "SIZE", o.cacheLimit, sizeIn, "256M", "keep at most SIZE bytes of resources; 0: all");
+}
+
+void addTransfers(CLI::App& app, NetworkOptions& o) {
+    app.option_defaults()->group("Transfers");
+    addLimit(app, "--time", "SECONDS", o.timeLimit, secondsIn, "3600",
+             "let a transfer take at most SECONDS; 0: for ever");
+    addLimit(app, "--stall", "SECONDS", o.stallLimit, secondsIn, "60",
+             "give up a transfer or a pipe after SECONDS without a byte; 0: never");
+    addLimit(app, "--body", "SIZE", o.bodyLimit, sizeIn, "1G", "refuse answers of more than SIZE bytes; 0: none");
+    app.add_flag("--private", o.reachesPrivate, "let the sandbox reach loopback, link-local and private addresses");
+    addOption(app, "--allow", "SCHEME", "allow URLs of SCHEME beside http and https",
+              [&o](std::string const& scheme) { o.schemes.push_back(scheme); });
+    addOption(app, "--authorities", "FILE", "trust the certificates in FILE instead of the system's",
+              [&o](std::string const& file) { o.authorities = file; });
+}
+
+void addDiagnostics(CLI::App& app, Options& o) {
+    app.option_defaults()->group("Diagnostics");
+    addOption(app, "--trace", "FILE", "write a time line for trace viewers to FILE",
+              [&o](std::string const& file) { o.traceFile = file; });
+    app.add_flag("--stats", o.statistics, "print times and counters at the end");
 }
 
 /// For bash: completes the names of options, and files for everything else.
-void printCompletion() {
+void printCompletion(CLI::App const& app) {
+    std::string names;
+    for (CLI::Option const* option : app.get_options()) {
+        if (option->nonpositional()) names += option->get_name() + " ";
+    }
     std::printf(
         "_nxhost() {\n    COMPREPLY=()\n    [[ ${COMP_WORDS[COMP_CWORD]} == -* ]] || return\n"
-        "    COMPREPLY=($(compgen -W '");
-    for (Option const& option : options) std::printf("%.*s ", static_cast<int>(option.name.size()), option.name.data());
-    std::printf("' -- \"${COMP_WORDS[COMP_CWORD]}\"))\n}\ncomplete -o default -F _nxhost nxhost\n");
+        "    COMPREPLY=($(compgen -W '%s' -- \"${COMP_WORDS[COMP_CWORD]}\"))\n}\n"
+        "complete -o default -F _nxhost nxhost\n",
+        names.c_str());
+}
+
+void addAnswers(CLI::App& app) {
+    app.option_defaults()->group("About the program");
+    app.set_help_flag("-h,--help", "print this help");
+    app.set_version_flag("--version", "nxhost " NX_VERSION, "print the version");
+    app.add_flag("--completion")->description("print the completion for bash");
+}
+
+/// What follows the first of these words belongs to the script, whatever it looks like.
+void addWords(CLI::App& app, std::vector<std::string>& words) {
+    auto const add = [&words](CLI::results_t const& found) {
+        for (std::string const& word : found) words.emplace_back(word.c_str());
+        return true;
+    };
+    app.add_option("SCRIPT", add, "a file; \"-\" for the standard input");
+    // Not bound to a vector, because CLI11 would then take "[1,2]" for two words.
+    constexpr int most = CLI::detail::expected_max_vector_size;
+    app.add_option("ARGUMENT", add, "what the script gets")
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->expected(most, most);
+    app.positionals_at_end();
 }
 
 /// libcurl accepts a list, and "all".
 bool allowsFiles(std::string const& schemes) {
     urString::CString const list = (urString::CString(",").append(schemes) += ',').toLowerCase();
     return list.find(",file,") != list.npos || list.find(",all,") != list.npos;
-}
-
-/// Answers options about the program itself. False for any other word.
-bool answered(std::string_view word) {
-    if (word == "--help" || word == "-h") {
-        printHelp();
-    } else if (word == "--version") {
-        std::puts("nxhost " NX_VERSION);
-    } else if (word == "--completion") {
-        printCompletion();
-    } else {
-        return false;
-    }
-    return true;
 }
 
 void readEnvironment(Options& result) {
@@ -178,22 +185,33 @@ void readEnvironment(Options& result) {
         result.undoMemory = sizeIn(text, "NX_UNDO_MEMORY_LIMIT");
 }
 
-/// Reads the option in `words[i]` with its value, which may be the next word. Sets `i` to the last word used.
-void readOption(Options& result, int argc, char const* const* words, int& i) {
-    std::string_view const word = words[i];
-    bool const hasValue = word.starts_with("--") && word.find('=') != word.npos;
-    std::string_view const name = hasValue ? word.substr(0, word.find('=')) : word;
-    auto const* const option = std::ranges::find(options, name, &Option::name);
-    if (option == std::end(options) || !option->set) throw UsageError{"no option " + std::string(name)};
-    if (option->argument.empty()) {
-        if (hasValue) throw UsageError{std::string(name) + " takes no value"};
-        option->set(result, {});
-    } else if (hasValue) {
-        option->set(result, word.substr(name.size() + 1));
-    } else if (++i < argc) {
-        option->set(result, words[i]);
-    } else {
-        throw UsageError{std::string(name) + " needs a " + std::string(option->argument)};
+/// The words in the order that CLI11 wants. After "--name=" it would take the next word as the value. A NUL, which no
+/// word of a command line contains, stands for the empty value until it is set.
+std::vector<std::string> wordsIn(std::span<char const* const> line) {
+    std::vector<std::string> words(line.rbegin(), line.rend());
+    for (std::string& word : words) {
+        if (word.starts_with("--") && word.ends_with('=')) word.push_back('\0');
+    }
+    return words;
+}
+
+/// Checks and completes what the single options say.
+void combine(Options& o, bool choosesCache) {
+    if (o.network.sandboxed) o.library = nxLC::Library::sandboxed;
+    if (o.network.sandboxed && std::ranges::any_of(o.network.schemes, &allowsFiles))
+        throw UsageError{"--allow file is not for the sandbox"};
+    // Otherwise the cache could use up the memory of scripts.
+    if (o.limits.totalMemory != 0 && !choosesCache)
+        o.cacheLimit = std::min<std::uint64_t>(o.cacheLimit, o.limits.totalMemory / 4);
+    if (o.code.empty() && !o.arguments.empty()) {
+        o.script = o.arguments.front();
+        o.arguments.erase(o.arguments.begin());
+    }
+    bool const isAskedToRun = o.script || !o.code.empty() || o.prompt;
+    if (o.listing && isAskedToRun) throw UsageError{"a listing takes neither a script nor -e or -i"};
+    if (!isAskedToRun && !o.listing) {
+        o.prompt = isatty(STDIN_FILENO) == 1;
+        if (!o.prompt) o.script = "-";
     }
 }
 
@@ -202,28 +220,32 @@ void readOption(Options& result, int argc, char const* const* words, int& i) {
 std::optional<Options> readOptions(int argc, char const* const* argv) {
     Options result;
     readEnvironment(result);
-    int i = 1;
-    for (; i < argc && argv[i][0] == '-' && argv[i][1] != '\0'; ++i) {
-        if (std::string_view(argv[i]) == "--") {
-            ++i;
-            break;
-        }
-        if (answered(argv[i])) return std::nullopt;
-        readOption(result, argc, argv, i);
+    CLI::App app(description, "nxhost");
+    app.footer(environmentAndExitCodes);
+    app.option_defaults()->disable_flag_override();  // what follows --sandbox must not take it back
+    addScripts(app, result);
+    addLimits(app, result);
+    addTransfers(app, result.network);
+    addDiagnostics(app, result);
+    addAnswers(app);
+    addWords(app, result.arguments);
+    try {
+        app.parse(wordsIn({argv + 1, argv + argc}));
+    } catch (CLI::CallForHelp const&) {
+        // CLI11 puts two blank lines between groups.
+        std::fputs(CLI::detail::find_and_replace(app.help(), "\n\n\n", "\n\n").c_str(), stdout);
+        return std::nullopt;
+    } catch (CLI::Success const& answer) {
+        app.exit(answer);
+        return std::nullopt;
+    } catch (CLI::ParseError const& mistake) {
+        throw UsageError{mistake.what()};
     }
-    if (result.network.sandboxed && std::ranges::any_of(result.network.schemes, &allowsFiles))
-        throw UsageError{"--allow file is not for the sandbox"};
-    // Otherwise the cache could use up the memory of scripts.
-    if (result.limits.totalMemory != 0 && result.cacheLimit == Options().cacheLimit)
-        result.cacheLimit = std::min<std::uint64_t>(result.cacheLimit, result.limits.totalMemory / 4);
-    if (i < argc && result.code.empty()) result.script = argv[i++];
-    result.arguments.assign(argv + i, argv + argc);
-    bool const isAskedToRun = result.script || !result.code.empty() || result.prompt;
-    if (result.listing && isAskedToRun) throw UsageError{"a listing takes neither a script nor -e or -i"};
-    if (!isAskedToRun && !result.listing) {
-        result.prompt = isatty(STDIN_FILENO) == 1;
-        if (!result.prompt) result.script = "-";
+    if (app.count("--completion") > 0) {
+        printCompletion(app);
+        return std::nullopt;
     }
+    combine(result, app.count("--cache") > 0);
     return result;
 }
 

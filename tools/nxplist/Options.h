@@ -1,11 +1,9 @@
 // The options of the command line.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "plst/json.h"
@@ -41,8 +39,7 @@ struct UsageError {
 /// Throws `UsageError`. The command is null after --help, --version, --man-page, --completion or --complete has been
 /// answered on standard output.
 Options readOptions(int argc, char const* const* argv);
-/// The words behind a command. `answers(word)` says whether a word that asks about the program ends the reading; there
-/// is no command then.
-Options readWords(Command const& command, std::span<char const* const> words, bool (*answers)(std::string_view word));
+/// The options and the file, if these are the words of `command` that come before its PATH; otherwise there is no file.
+Options readBeforePath(std::string const& command, std::span<char const* const> words);
 
 }  // namespace nxplist

@@ -2,6 +2,7 @@
 #include "tools/nxplist/PathCompletion.h"
 
 #include <cstdio>
+#include <string>
 
 #include "plst/Path.h"
 #include "tools/nxplist/Document.h"
@@ -22,21 +23,12 @@ std::string_view completeSteps(std::string_view text) {
     return {};
 }
 
-/// The options and the file before a path; without a file when the next word is none.
-Options optionsBefore(std::string_view commandName, std::span<char const* const> before) {
-    Command const* const command = findCommand(commandName);
-    if (!command || !command->arguments.starts_with("FILE PATH")) return {};
-    Options options = readWords(*command, before, [](std::string_view) { return false; });
-    if (options.files.size() != 1 || options.files[0] == "-") options.files.clear();
-    return options;
-}
-
 }  // namespace
 
 void printPathCompletions(std::string_view text, std::string_view command, std::span<char const* const> before) try {
     std::string unused;
-    Options const options = optionsBefore(command, before);
-    if (options.files.empty()) return;
+    Options const options = readBeforePath(std::string(command), before);
+    if (options.files.empty() || options.files[0] == "-") return;
     Document const document = load(options.files[0], options.inputForm(), Losses::quiet);
     std::string_view const steps = completeSteps(text);
     auto const path = nxPLST::parsePath(steps, unused);

@@ -227,42 +227,45 @@ int patch(Options const& options) {
 }
 
 constexpr Command table[] = {
-    {"convert", convert, "[FILE [OUTPUT]]", 0, 2, "write FILE in another form",
-     "The form is that of --to, else the one that OUTPUT's ending names (.json, .jsonl, .nxp, .txt), else JSON for "
-     "packets and "
-     "packets for JSON. Without OUTPUT, or with \"-\", standard output is written. Packets hold texts and keys up to "
-     "their first NUL character only. FILE itself is not replaced by less than it holds: with losses, without its "
-     "comments, or by a dump; --force does that."},
-    {"check", check, "[FILE...]", 0, anyNumber, "tell whether each FILE can be read",
-     "Prints nothing for a good file."},
-    {"print", print, "[FILE]", 0, 1, "print FILE as indented JSON, or as --to says",
+    {"convert", convert, "[FILE] [OUTPUT]", Takes::to | Takes::style | Takes::limit | Takes::force,
+     "write FILE in another form",
+     R"(The form is that of --to, else the one that OUTPUT's ending names (.json, .jsonl, .nxp,
+.txt), else JSON for packets and packets for JSON. Without OUTPUT, or with "-", standard
+output is written. Packets hold texts and keys up to their first NUL character only.
+FILE itself is not replaced by less than it holds: with losses, without its comments, or
+by a dump; --force does that.)"},
+    {"check", check, "[FILE...]", 0, "tell whether each FILE can be read", "Prints nothing for a good file."},
+    {"print", print, "[FILE]", Takes::to | Takes::style | Takes::limit, "print FILE as indented JSON, or as --to says",
      "Numbers are printed so that they read back as they are."},
-    {"stat", stat, "[FILE]", 0, 1, "print counts by kind, depth, bytes in memory and the largest subtrees",
+    {"stat", stat, "[FILE]", 0, "print counts by kind, depth, bytes in memory and the largest subtrees",
      "An item in several places counts once, where it comes first."},
-    {"get", get, "FILE PATH", 2, 2, "print the value at PATH, such as .countries[3].name",
-     "A key that is not made of letters, digits, \"_\" and \"-\" is written in double quotes: .\"two words\"[0] or "
-     "[\"two words\"][0]. The path \".\" is the whole tree; [-1] is the last element. [*] stands for every element or "
-     "member, and all values are printed that are there: .countries[*].name."},
-    {"set", set, "FILE PATH VALUE", 3, 3, "put VALUE, which is JSON, at PATH in FILE",
-     "The last step of PATH may be a new key, or the index behind the last element. With --raw VALUE is a text as it "
-     "stands. FILE keeps its form and is replaced as a whole; \"-\" reads standard input and writes standard output. "
-     "FILE is not replaced by less than it holds, such as without its comments; --force does that."},
-    {"delete", deletePlace, "FILE PATH", 2, 2, "take away the value at PATH in FILE", "FILE is replaced as by set."},
-    {"same", same, "FILE FILE", 2, 2, "tell by the exit code whether two files hold the same tree",
+    {"get", get, "FILE PATH", Takes::raw | Takes::style | Takes::limit,
+     "print the value at PATH, such as .countries[3].name",
+     R"(A key that is not made of letters, digits, "_" and "-" is written in double quotes:
+."two words"[0] or ["two words"][0]. The path "." is the whole tree; [-1] is the last
+element. [*] stands for every element or member, and all values are printed that are
+there: .countries[*].name.)"},
+    {"set", set, "FILE PATH VALUE", Takes::raw | Takes::style | Takes::limit | Takes::force,
+     "put VALUE, which is JSON, at PATH in FILE",
+     R"(The last step of PATH may be a new key, or the index behind the last element. With --raw
+VALUE is a text as it stands. FILE keeps its form and is replaced as a whole; "-" reads
+standard input and writes standard output. FILE is not replaced by less than it holds,
+such as without its comments; --force does that.)"},
+    {"delete", deletePlace, "FILE PATH", Takes::style | Takes::limit | Takes::force,
+     "take away the value at PATH in FILE", "FILE is replaced as by set."},
+    {"same", same, "FILE FILE", Takes::limit | Takes::shape,
+     "tell by the exit code whether two files hold the same tree",
      "With --shape only kinds, sizes and keys are compared."},
-    {"diff", diff, "FILE FILE", 2, 2, "print every path at which two files differ",
+    {"diff", diff, "FILE FILE", Takes::limit | Takes::brief, "print every path at which two files differ",
      "What it prints makes the second file of the first by patch."},
-    {"patch", patch, "FILE [DIFF]", 1, 2, "change FILE as DIFF says, which diff has printed",
-     "Without DIFF standard input is read. All of it fits or nothing is changed. FILE is replaced as by set."},
+    {"patch", patch, "FILE [DIFF]", Takes::style | Takes::limit | Takes::force,
+     "change FILE as DIFF says, which diff has printed",
+     R"(Without DIFF standard input is read. All of it fits or nothing is changed. FILE is
+replaced as by set.)"},
 };
 
 }  // namespace
 
 std::span<Command const> commands() { return table; }
-
-Command const* findCommand(std::string_view name) {
-    auto const* const found = std::ranges::find(table, name, &Command::name);
-    return found == std::end(table) ? nullptr : found;
-}
 
 }  // namespace nxplist

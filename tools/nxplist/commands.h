@@ -1,10 +1,7 @@
 // The commands of the program.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
 #include <span>
-#include <string_view>
 
 namespace nxplist {
 
@@ -17,20 +14,26 @@ struct ExitCode {
     static constexpr int unusable = 2;
 };
 
-constexpr std::size_t anyNumber = SIZE_MAX;
+/// Options of some commands. Every command takes --from, --lines and --strict.
+struct Takes {
+    static constexpr unsigned to = 1;
+    static constexpr unsigned raw = 2;
+    static constexpr unsigned style = 4;  ///< --compact, --indent and --ascii
+    static constexpr unsigned limit = 8;
+    static constexpr unsigned force = 16;
+    static constexpr unsigned shape = 32;
+    static constexpr unsigned brief = 64;
+};
 
 struct Command {
-    std::string_view name;
-    int (*run)(Options const&);  // returns the exit code; throws `UsageError` or `Failure`
-    std::string_view arguments;
-    std::size_t least;  // the fewest arguments that it takes
-    std::size_t most;
-    std::string_view summary;
-    std::string_view details;
+    char const* name;
+    int (*run)(Options const&);  ///< returns the exit code; throws `UsageError` or `Failure`
+    char const* arguments;       ///< one in brackets may be missing, one with dots may come many times
+    unsigned options;            ///< of `Takes`
+    char const* summary;
+    char const* details;
 };
 
 std::span<Command const> commands();
-/// Null if no command has that name.
-Command const* findCommand(std::string_view name);
 
 }  // namespace nxplist
