@@ -39,11 +39,21 @@ void addForm(CLI::App& command, char const* name, std::vector<std::string> const
     command.add_option_function<std::string>(name, set, meaning)->check(CLI::IsMember(forms))->type_name("FORM");
 }
 
+/// CLI11 would read digits after a zero as octal.
+CLI::Validator decimal() {
+    auto const dropZeros = [](std::string& digits) {
+        digits.erase(0, std::min(digits.find_first_not_of('0'), digits.size() - 1));
+        return std::string();
+    };
+    return CLI::Validator(dropZeros, "");
+}
+
 /// --compact and --indent are set while the words are read, so that the last one holds.
 void addStyle(CLI::App& command, nxPLST::JsonStyle& style) {
     auto const compact = [&style] { style.indent = 0; };
     command.add_flag_callback("--compact", compact, "write JSON on one line")->trigger_on_parse();
     command.add_option("--indent", style.indent, "indent JSON by N spaces")
+        ->transform(decimal())
         ->check(CLI::Range(UINT_MAX).description(""))
         ->type_name("N")
         ->capture_default_str()
@@ -55,6 +65,7 @@ void addLimit(CLI::App& command, std::uint64_t& bytes) {
     constexpr unsigned mebibyte = 20;  // bits
     auto const set = [&bytes](std::uint64_t size) { bytes = size << mebibyte; };
     command.add_option_function<std::uint64_t>("--limit", set, "write shared items out to so many MiB of text")
+        ->transform(decimal())
         ->check(CLI::Range(UINT64_MAX >> mebibyte).description(""))
         ->type_name("MIB")
         ->default_str(std::to_string(bytes >> mebibyte));
