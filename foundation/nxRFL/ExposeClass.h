@@ -50,12 +50,15 @@ public:
     /// `parameters` excludes the object: `addMethod("resize", &Brush::resize, {"width", {"depth", 1.0}})`.
     template <class Method>
     ExposeClass& addMethod(urString::CString const& name, Method method, Parameters parameters = {}) {
-        ExposeClassBase::addMethod(name, make(std::move(method), parameters));
+        ExposeClassBase::addMethod(name, make(std::move(method)), parameters);
         return *this;
     }
+    /// An overloaded member function: cast it to one form, or pass several to `overloads`.
+    template <class castTheOverloadedFunctionToOneForm = void>
+    ExposeClass& addMethod(urString::CString const& name, ...) = delete;
     template <class Callable>
     ExposeClass& addStaticMethod(urString::CString const& name, Callable callable, Parameters parameters = {}) {
-        ExposeClassBase::addStaticMethod(name, makeFunction(getDB(), std::move(callable), parameters));
+        ExposeClassBase::addStaticMethod(name, makeFunction(getDB(), std::move(callable)), parameters);
         return *this;
     }
     template <class Getter>
@@ -66,6 +69,8 @@ public:
     /// A data member: `addProperty("x", &Place::x)`. Scripts cannot set a const member.
     template <class Value, class Owner>
     requires(!std::is_function_v<Value>) ExposeClass& addProperty(urString::CString const& name, Value Owner::*member) {
+        static_assert(std::is_base_of_v<Owner, T>,
+                      "a member of another class: it belongs to the exposed class or to a base of it");
         auto const get = [member](T& object) -> std::remove_cv_t<Value> { return object.*member; };
         if constexpr (std::is_const_v<Value>) {
             return addProperty(name, get);
@@ -104,8 +109,8 @@ public:
 
 private:
     template <class Callable>
-    ur::Reference<Function> make(Callable callable, Parameters parameters = {}) {
-        return makeFunction<T>(getDB(), std::move(callable), parameters);
+    ur::Reference<Function> make(Callable callable) {
+        return makeFunction<T>(getDB(), std::move(callable));
     }
 };
 

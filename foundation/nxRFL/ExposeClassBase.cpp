@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "foundation/nxRFL/ExposeFunction.h"
+#include "foundation/nxRFL/Parameter.h"
 
 namespace nxRFL {
 
@@ -12,6 +13,14 @@ namespace {
 void nameFunction(ur::Reference<Function> const& function, urString::CString const& owner,
                   urString::CString const& name) {
     if (function) function->setName(owner + "." + name);
+}
+
+/// Names the function first, so that the error does.
+void nameParameters(ur::Reference<Function> const& function, urString::CString const& owner,
+                    urString::CString const& name, std::initializer_list<Parameter> parameters) {
+    if (!function || parameters.size() == 0) return;
+    nameFunction(function, owner, name);
+    function->setParameters(parameters);
 }
 
 }  // namespace
@@ -26,6 +35,18 @@ void ExposeClassBase::addBase(Class& base, Class::Conversion toBase, Class::Conv
 
 void ExposeClassBase::addMethod(urString::CString const& name, ur::Reference<Function> function) {
     add(Member::Kind::method, name, std::move(function), nullptr);
+}
+
+void ExposeClassBase::addMethod(urString::CString const& name, ur::Reference<Function> function,
+                                std::initializer_list<Parameter> parameters) {
+    nameParameters(function, class_.name(), name, parameters);
+    addMethod(name, std::move(function));
+}
+
+void ExposeClassBase::addStaticMethod(urString::CString const& name, ur::Reference<Function> function,
+                                      std::initializer_list<Parameter> parameters) {
+    nameParameters(function, class_.name(), name, parameters);
+    addStaticMethod(name, std::move(function));
 }
 
 void ExposeClassBase::addStaticMethod(urString::CString const& name, ur::Reference<Function> function) {

@@ -1,6 +1,7 @@
 // Registers a class from existing `Function` objects.
 #pragma once
 
+#include <initializer_list>
 #include <memory>
 
 #include "foundation/nxRFL/Database.h"
@@ -21,6 +22,11 @@ public:
     void addBase(Class& base, Class::Conversion toBase = nullptr, Class::Conversion toThis = nullptr);
     void addMethod(urString::CString const& name, ur::Reference<Function> function);
     void addStaticMethod(urString::CString const& name, ur::Reference<Function> function);
+    /// The same with names for the arguments. Raises, and adds nothing, when there are more names than arguments.
+    void addMethod(urString::CString const& name, ur::Reference<Function> function,
+                   std::initializer_list<Parameter> parameters);
+    void addStaticMethod(urString::CString const& name, ur::Reference<Function> function,
+                         std::initializer_list<Parameter> parameters);
     /// Without `setter`, scripts cannot assign.
     void addProperty(urString::CString const& name, ur::Reference<Function> getter, ur::Reference<Function> setter);
     /// `begin` returns an `IteratorState` for the object. While the state is valid, `value` is called with it for the

@@ -12,10 +12,12 @@ public:
         : database_(database), table_(database.addTable(table)) {}
 
     void add(urString::CString const& name, ur::Reference<Function> function);
+    /// Raises, and adds nothing, when there are more names than arguments.
+    void add(urString::CString const& name, ur::Reference<Function> function, Parameters parameters);
     /// Adds a callable that NativeFunction supports. `parameters` describe its parameters to scripts.
     template <class Callable>
     ExposeFunction& add(urString::CString const& name, Callable callable, Parameters parameters = {}) {
-        add(name, makeFunction(database_, std::move(callable), parameters));
+        add(name, makeFunction(database_, std::move(callable)), parameters);
         return *this;
     }
 

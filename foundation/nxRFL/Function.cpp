@@ -16,7 +16,7 @@ bool Function::onCallPlain(std::span<PlainValue const> /*arguments*/, PlainResul
 bool Function::givesSeveral() const noexcept { return !signature_.empty() && signature_.front().startsWith("object["); }
 
 void Function::failArity(Stack const& arguments, unsigned count) const {
-    CString message = name_.empty() ? CString("the function") : name_;
+    CString message = describe();
     if (isMethod_ && Reader(arguments).kind() != Kind::object)
         throw Exception(message.append(" must be called on an object: object:name(...)"));
     unsigned const object = isMethod_ ? 1 : 0;
@@ -27,8 +27,29 @@ void Function::failArity(Stack const& arguments, unsigned count) const {
     throw Exception(message.append(CString::format(", but got %u", arguments.size() - object)));
 }
 
+void Function::failOnNullCallback(Stack const& arguments) const {
+    Reader reader(arguments, *this);
+    for (std::size_t i = 1; i < signature_.size() && reader.kind() != Kind::none; ++i, reader.skip()) {
+        if (signature_[i] == "function" && reader.isNull()) reader.fail("function");
+    }
+    throw;
+}
+
+CString Function::describe() const { return name_.empty() ? CString("the function") : name_; }
+
 void Function::setParameters(std::initializer_list<Parameter> parameters) {
-    parameters_ = std::make_shared<ur::vector<Parameter>>(parameters);
+    onSetParameters({parameters.begin(), parameters.size()});
+}
+
+void Function::onSetParameters(std::span<Parameter const> parameters) {
+    if (!signature_.empty()) requireArguments(parameters.size(), mostArguments());
+    parameters_ = std::make_shared<ur::vector<Parameter>>(parameters.begin(), parameters.end());
+}
+
+void Function::requireArguments(std::size_t names, std::size_t most) const {
+    if (names <= most) return;
+    throw Exception(describe().append(
+        CString::format(" takes %zu argument%s, but has names for %zu", most, most == 1 ? "" : "s", names)));
 }
 
 std::span<Parameter const> Function::parameters() const noexcept {

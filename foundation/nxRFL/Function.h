@@ -1,6 +1,7 @@
 // A reflected callable: a native or a script function.
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <span>
@@ -29,9 +30,14 @@ public:
     Function& operator=(Function const&) = delete;
     ~Function() override;
 
-    /// Appends the results to `results`, which must not be the stack of the arguments.
+    /// Appends the results to `results`, which must not be the stack of the arguments. When the function calls a
+    /// callback for which it got nil, this raises an `Exception` that names the argument.
     void call(Stack const& arguments, Stack& results) const {
-        parameters_ ? callWithDefaults(arguments, results) : onCall(arguments, results);
+        try {
+            parameters_ ? callWithDefaults(arguments, results) : onCall(arguments, results);
+        } catch (std::bad_function_call const&) {
+            failOnNullCallback(arguments);
+        }
     }
 
     /// Whether the function has a fast path for calls with plain arguments only.
@@ -51,18 +57,23 @@ public:
     /// The name in messages, such as "nxNet::Request.addHeader"; empty until the function is registered.
     [[nodiscard]] urString::CString const& name() const noexcept { return name_; }
     virtual void setName(urString::CString name) { name_ = std::move(name); }
+    /// How messages refer to the function: its name, or where a script defines it: "the function at tool.lua:3".
+    [[nodiscard]] virtual urString::CString describe() const;
     /// The type names of the result, of the object if it is a method, and of the arguments. Empty when unknown.
     [[nodiscard]] ur::vector<urString::CString> const& signature() const noexcept { return signature_; }
     /// Whether an iterator with this value function passes the elements of the result, an "object[2]", as two values.
     [[nodiscard]] bool givesSeveral() const noexcept;
     void setSignature(ur::vector<urString::CString> signature) noexcept { signature_ = std::move(signature); }
     /// Names the first or all arguments, without the object of a method. Arguments at the end may have defaults for
-    /// calls that omit them.
+    /// calls that omit them. Raises when there are more names than arguments.
     void setParameters(std::initializer_list<Parameter> parameters);
+    void setParameters(std::span<Parameter const> parameters) { onSetParameters(parameters); }
     /// Empty when the arguments have no names.
     [[nodiscard]] std::span<Parameter const> parameters() const noexcept;
     /// The functions among which a call chooses; empty for any other function.
     [[nodiscard]] virtual std::span<ur::Reference<Function> const> overloads() const noexcept { return {}; }
+    /// The most arguments of a call, without the object. Requires: a known signature.
+    [[nodiscard]] std::size_t mostArguments() const noexcept { return signature_.size() - (isMethod_ ? 2 : 1); }
     /// Whether a call may have that many arguments, the object included. Requires: a known signature.
     [[nodiscard]] bool takes(unsigned arguments) const noexcept;
 
@@ -70,10 +81,14 @@ protected:
     virtual void onCall(Stack const& arguments, Stack& results) const = 0;
     /// Called only after `setTakesPlainValues`.
     virtual bool onCallPlain(std::span<PlainValue const> arguments, PlainResult& result) const;
+    virtual void onSetParameters(std::span<Parameter const> parameters);
+    /// Raises unless the function has `names` arguments at least, when it has `most`.
+    void requireArguments(std::size_t names, std::size_t most) const;
     void setTakesPlainValues() noexcept { takesPlainValues_ = true; }
 
 private:
     [[noreturn]] void failArity(Stack const& arguments, unsigned count) const;
+    [[noreturn]] void failOnNullCallback(Stack const& arguments) const;
     void callWithDefaults(Stack const& arguments, Stack& results) const;
     [[nodiscard]] unsigned leastOf(unsigned most) const noexcept;
 

@@ -44,6 +44,12 @@ concept HasSignature = std::is_pointer_v<Callable> || std::is_member_function_po
     &Callable::operator();
 };
 
+template <class Self, class Callable>
+inline constexpr bool isCallableOn = true;
+template <class Self, class Function, class Owner>
+requires(!std::is_void_v<Self>) inline constexpr bool isCallableOn<Self, Function Owner::*> =
+    std::is_base_of_v<Owner, Self>;
+
 template <class Self, class Signature>
 inline constexpr bool takesFirst = false;
 template <class Self, class Result, class First, class... Others>
@@ -60,15 +66,19 @@ auto readArgument(Reader& reader) {
     } else if constexpr (std::is_same_v<T, std::string_view>) {
         return reader.readText().view();
     } else if constexpr (WalkState<T>) {
+        Reader const before(reader);
         auto* const state = static_cast<IteratorState*>(reader.readObject(ur::TypeInfo::of<IteratorState>()));
         auto* const own = dynamic_cast<T*>(state);
-        if (!own) throw Exception("the iterator is one of another kind");
+        if (!own) before.complain("must be an iterator of this function, but is one of another kind");
         return std::ref(*own);
     } else if constexpr (Readable<T>) {
+        static_assert(std::default_initializable<T>, "a value that scripts pass has a default constructor");
         T value{};
         read(reader, value);
         return value;
     } else {
+        static_assert(!std::is_enum_v<T>,
+                      "no names of this enumeration's values: add namesOf (foundation/ur/describe.h)");
         static_assert(!isCText<T>, "a text is taken as a std::string, std::string_view or urString::CString");
         static_assert(std::is_lvalue_reference_v<Parameter>,
                       "an object is taken by pointer or reference, not by value");
@@ -162,6 +172,8 @@ template <class Self = void, class Callable>
         static_assert(impl::HasSignature<Callable>,
                       "a function with a signature is needed: a generic or overloaded one has several");
         using Signature = typename impl::Signature<Callable, Self>::Type;
+        static_assert(impl::isCallableOn<Self, Callable>,
+                      "a member function of another class: it belongs to the exposed class or to a base of it");
         static_assert(std::is_void_v<Self> || impl::takesFirst<Self, Signature>,
                       "a method of a class takes its object first, by reference");
         function = ur::make<NativeFunction<Callable, Signature>>(database, std::move(callable), !std::is_void_v<Self>);

@@ -14,8 +14,9 @@ struct Overloads {
     std::tuple<Callables...> callables;
 };
 
-/// A call runs the first callable that accepts its number of arguments, defaults included: `addMethod("line",
-/// overloads(&Pen::lineTo, &Pen::line))`.
+/// A call runs the callable that has its number of parameters, otherwise the first one that defaults complete:
+/// `addMethod("line", overloads(&Pen::lineTo, &Pen::line))`. Names and defaults belong to every callable: each takes
+/// the first ones, as many as it has parameters.
 template <class... Callables>
 [[nodiscard]] Overloads<Callables...> overloads(Callables... callables) {
     return {{std::move(callables)...}};
@@ -32,6 +33,9 @@ public:
 
 private:
     void onCall(Stack const& arguments, Stack& results) const override;
+    void onSetParameters(std::span<Parameter const> parameters) override;
+    /// The form that a call runs; null when none fits.
+    [[nodiscard]] Function const* formFor(unsigned arguments) const noexcept;
 
     ur::vector<ur::Reference<Function>> functions_;
 };

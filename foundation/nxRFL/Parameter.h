@@ -12,16 +12,23 @@
 
 namespace nxRFL {
 
-/// The name of a parameter and its default: `{"width", {"depth", 1.0}}`.
+/// The name of a parameter and its default: `{"width", {"depth", 1.0}, {"done", nullptr}}`; nullptr is nil.
 struct Parameter {
-    Parameter(char const* parameterName) : name(parameterName) {}
-    template <class T>
-    Parameter(char const* parameterName, T const& valueWithout) : name(parameterName) {
+    template <urString::ForeignText Text>
+    Parameter(Text const& parameterName) : name(parameterName) {}
+    template <urString::ForeignText Text, class T>
+    Parameter(Text const& parameterName, T const& valueWithout) : name(parameterName) {
         auto value = std::make_shared<Stack>();
         Writer writer(*value);
         if constexpr (std::is_array_v<T>) {
             writer.writeText(valueWithout);
+        } else if constexpr (std::is_null_pointer_v<T>) {
+            writer.writeNull();
         } else {
+            static_assert(
+                requires { write(writer, valueWithout); },
+                "no nxRFL::write(Writer&, T const&) for the default of a parameter: list the members of its type "
+                "(foundation/ur/describe.h) or add it");
             write(writer, valueWithout);
         }
         without = std::move(value);

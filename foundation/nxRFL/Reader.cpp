@@ -28,8 +28,7 @@ double Reader::readWhole(double least, double greatest) {
         ++at_;
         return *value;
     }
-    raise(placeOf(at_, open_),
-          CString::format("must be a whole number from %.0f to %.0f, but is %.14g", least, greatest, *value));
+    complain(CString::format("must be a whole number from %.0f to %.0f, but is %.14g", least, greatest, *value));
 }
 
 int Reader::readInt() {
@@ -67,7 +66,7 @@ void* Reader::readObject(ur::TypeInfo type) {
         fail(nameOf(type));
     Class const* const known = object->getClass();
     if (known && !known->isAlive(object->pointer())) [[unlikely]]
-        raise(placeOf(at_, open_), CString::format("must not be a %s that has gone", known->name().c_str()));
+        complain(CString::format("must not be a %s that has gone", known->name().c_str()));
     ++at_;
     return result;
 }
@@ -112,18 +111,20 @@ void Reader::skip() noexcept {
 void Reader::fail(std::string_view expected) const {
     CString complaint("must be ");
     complaint.append(expected).append(", but is ").append(found());
-    raise(placeOf(at_, open_), complaint);
+    complain(complaint);
 }
 
-void Reader::failOnKey(std::string_view name, std::string_view key) const {
+void Reader::complain(std::string_view complaint) const { raise(placeOf(at_, open_), complaint); }
+
+void Reader::failOnKey(std::string_view name, std::string_view key, std::string_view hint) const {
     CString complaint("is no ");
-    complaint.append(name).append(": \"").append(key).append("\" is one key too many");
+    complaint.append(name).append(": \"").append(key).append("\" is one key too many").append(hint);
     raise(open_ == nowhere ? CString() : placeOf(open_, head().enclosing(open_)), complaint);
 }
 
 void Reader::raise(CString const& place, std::string_view complaint) const {
     CString message;
-    if (function_ && !function_->name().empty()) message.append(function_->name()).append(": ");
+    if (function_ && (readsResults_ || !function_->name().empty())) message.append(function_->describe()).append(": ");
     throw Exception(message.append(place).append(" ").append(complaint));
 }
 
@@ -143,6 +144,7 @@ CString Reader::nameOf(ur::TypeInfo type) const {
 }
 
 CString Reader::outermostPlace(unsigned ordinal) const {
+    if (readsResults_) return ordinal == 0 ? CString("the result") : CString::format("result %u", ordinal + 1);
     bool const isMethod = function_ && function_->isMethod();
     if (isMethod && ordinal == 0) return "the object";
     CString place = CString::format(function_ ? "argument %u" : "item %u", ordinal + (isMethod ? 0 : 1));

@@ -19,6 +19,12 @@ public:
     explicit Reader(Stack const& stack) noexcept : stack_(stack) {}
     /// For the arguments of a call to `function`; messages name the function.
     Reader(Stack const& stack, Function const& function) noexcept : stack_(stack), function_(&function) {}
+    /// For the results of a call to `function`; messages name the function, or its place in a script.
+    [[nodiscard]] static Reader ofResults(Stack const& stack, Function const& function) noexcept {
+        Reader reader(stack, function);
+        reader.readsResults_ = true;
+        return reader;
+    }
 
     /// The kind of the next item.
     [[nodiscard]] Kind kind() const noexcept {
@@ -75,8 +81,11 @@ public:
 
     /// Raises an error for the next item, which is not what the caller expects.
     [[noreturn]] void fail(std::string_view expected) const;
+    /// Raises an error for the next item: its place, followed by `complaint`, such as "must be a multiple of 4".
+    [[noreturn]] void complain(std::string_view complaint) const;
     /// Raises an error for the open container, which represents a `name` such as "range1D" but has an unknown key.
-    [[noreturn]] void failOnKey(std::string_view name, std::string_view key) const;
+    /// `hint` follows the message.
+    [[noreturn]] void failOnKey(std::string_view name, std::string_view key, std::string_view hint = {}) const;
 
 private:
     [[nodiscard]] std::size_t end() const noexcept {
@@ -108,6 +117,7 @@ private:
 
     Stack const& stack_;
     Function const* function_ = nullptr;
+    bool readsResults_ = false;  ///< of the function; otherwise its arguments
     std::size_t at_ = 0;
     std::size_t open_ = impl::nowhere;  ///< the innermost open container
 };

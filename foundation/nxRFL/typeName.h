@@ -15,6 +15,7 @@
 #include "foundation/nxRFL/Database.h"
 #include "foundation/nxRFL/IteratorState.h"
 #include "foundation/ur/describe.h"
+#include "foundation/urString/IString.h"
 
 namespace nxRFL {
 
@@ -66,6 +67,10 @@ template <>
 struct TypeName<std::string> : TypeName<urString::CString> {};
 template <>
 struct TypeName<std::string_view> : TypeName<urString::CString> {};
+template <>
+struct TypeName<urString::IString> : TypeName<urString::CString> {};
+template <urString::FilePath T>
+struct TypeName<T> : TypeName<urString::CString> {};
 template <ur::NamedEnum T>
 struct TypeName<T> : TypeName<urString::CString> {};
 template <>

@@ -13,6 +13,8 @@
 #include "foundation/nxRFL/Reader.h"
 #include "foundation/nxRFL/Writer.h"
 #include "foundation/nxRFL/typeName.h"
+#include "foundation/urString/IString.h"
+#include "foundation/urString/NearestName.h"
 
 namespace nxRFL {
 
@@ -28,6 +30,15 @@ inline void read(Reader& reader, double& value) { value = reader.readDouble(); }
 inline void read(Reader& reader, float& value) { value = reader.readFloat(); }
 inline void read(Reader& reader, urString::CString& value) { value = reader.readText(); }
 inline void read(Reader& reader, std::string& value) { value = reader.readText().view(); }
+inline void read(Reader& reader, urString::IString& value) {
+    value.assign(reader.readText().view(), urString::Encoding::utf8);
+}
+template <urString::FilePath Path>
+void read(Reader& reader, Path& value) {
+    urString::IString text;
+    read(reader, text);
+    value = text;
+}
 inline void read(Reader& reader, ur::Reference<Function>& value) { value = reader.readFunction(); }
 inline void read(Reader& reader, Object& value) { value = reader.readAnyObject(); }
 
@@ -43,6 +54,15 @@ inline void write(Writer& writer, char const* value) { writer.writeText(value); 
 template <class T>
 requires(std::same_as<T, std::string> || std::same_as<T, std::string_view>) void write(Writer& writer, T const& value) {
     writer.writeText(urString::CString(value));
+}
+// An IString and a path are UTF-8 text to scripts.
+template <std::same_as<urString::IString> T>
+void write(Writer& writer, T const& value) {
+    writer.writeText(value.asUTF8());
+}
+template <urString::FilePath Path>
+void write(Writer& writer, Path const& value) {
+    write(writer, urString::IString(value));
 }
 inline void write(Writer& writer, ur::Reference<Function> value) { writer.writeFunction(std::move(value)); }
 inline void write(Writer& writer, Object value) { writer.writeObject(std::move(value)); }
@@ -105,7 +125,8 @@ template <class T>
 void readPart(Reader& reader, T& part) {
     static_assert(
         requires { read(reader, part); },
-        "no nxRFL::read(Reader&, T&) for a value of this type: list its members (foundation/ur/describe.h) or add it");
+        "no nxRFL::read(Reader&, T&) for a value of this type: list its members (foundation/ur/describe.h) or add it; "
+        "for an enumeration, its names");
     read(reader, part);
 }
 template <class T>
@@ -113,7 +134,7 @@ void writePart(Writer& writer, T const& part) {
     static_assert(
         requires { write(writer, part); },
         "no nxRFL::write(Writer&, T const&) for a value of this type: list its members (foundation/ur/describe.h) or "
-        "add it");
+        "add it; for an enumeration, its names");
     write(writer, part);
 }
 
@@ -151,9 +172,9 @@ void write(Writer& writer, ur::map<urString::CString, T, Less> const& entries) {
 /// Requires as many elements as the array has.
 template <class T, std::size_t size>
 void read(Reader& reader, std::array<T, size>& values) {
+    Reader const before(reader);
     unsigned const count = reader.startArray();
-    if (count != size)
-        throw Exception(urString::CString::format("an array of %zu was expected, not of %u", size, count));
+    if (count != size) before.complain(urString::CString::format("must be an array of %zu, but has %u", size, count));
     for (T& value : values) impl::readPart(reader, value);
     reader.endArray();
 }
@@ -199,19 +220,36 @@ void write(Writer& writer, std::optional<T> const& value) {
 /// Passes the name of the value.
 template <ur::NamedEnum T>
 void read(Reader& reader, T& value) {
+    Reader const before(reader);
     urString::CString const& name = reader.readText();
     if (auto const named = ur::valueNamed<T>(name)) {
         value = *named;
         return;
     }
-    urString::CString message = "there is no \"" + name + "\"; one of these was expected:";
-    for (auto const& [any, offered] : namesOf(static_cast<T*>(nullptr))) message.append(" ").append(offered);
-    throw Exception(message);
+    urString::CString complaint("must be");
+    char const* separator = " ";
+    for (auto const& [any, offered] : namesOf(static_cast<T*>(nullptr))) {
+        complaint.append(separator).append("\"").append(offered).append("\"");
+        separator = " or ";
+    }
+    before.complain(complaint.append(", but is \"").append(name).append("\""));
 }
 template <ur::NamedEnum T>
 void write(Writer& writer, T value) {
     writer.writeText(urString::CString(ur::nameOf(value)));
 }
+
+namespace impl {
+
+/// Raises an error for a key that no member of a structure has.
+template <class T>
+[[noreturn]] void failOnMember(Reader const& reader, T const& value, std::string_view key) {
+    urString::NearestName nearest(key);
+    ur::listConstMembers(value, [&nearest](char const* name, auto const&) { nearest.offer(name); });
+    reader.failOnKey("structure", key, nearest.question());
+}
+
+}  // namespace impl
 
 /// A dictionary of the members. When an entry is missing, the member keeps its value.
 template <ur::ListsMembers T>
@@ -219,12 +257,12 @@ void read(Reader& reader, T& value) {
     for (unsigned i = reader.startDictionary(); i > 0; --i) {
         urString::CString const& key = reader.readText();
         bool isKnown = false;
-        listMembers(value, [&](char const* name, auto& member) {
+        ur::visitMembers(value, [&](char const* name, auto& member) {
             if (isKnown || key != std::string_view(name)) return;
             isKnown = true;
             impl::readPart(reader, member);
         });
-        if (!isKnown) reader.failOnKey("structure", key);
+        if (!isKnown) impl::failOnMember(reader, value, key);
     }
     reader.endDictionary();
 }
@@ -264,6 +302,8 @@ void writeAny(Writer& writer, T&& value) {
     if constexpr (Writable<T>) {
         write(writer, std::forward<T>(value));
     } else {
+        static_assert(!std::is_enum_v<std::remove_cvref_t<T>>,
+                      "no names of this enumeration's values: add namesOf (foundation/ur/describe.h)");
         static_assert(std::is_lvalue_reference_v<T>,
                       "an object crosses over by pointer or reference; for a value list its members "
                       "(foundation/ur/describe.h) or add nxRFL::read and write");
@@ -294,6 +334,25 @@ class ThrowingFunction : public std::function<Signature> {
 public:
     using std::function<Signature>::function;
 };
+template <class Signature>
+struct TypeName<ThrowingFunction<Signature>> : TypeName<ur::Reference<Function>> {};
+
+namespace impl {
+
+/// The result of a call to a script function. Raises when the results do not fit.
+template <class Result>
+Result resultOf(Stack const& results, Function const& function) {
+    static_assert(
+        requires(Reader & reader, Result & value) { read(reader, value); },
+        "no nxRFL::read(Reader&, T&) for the result of a script function: list its members "
+        "(foundation/ur/describe.h) or add it");
+    Result result{};
+    Reader reader = Reader::ofResults(results, function);
+    read(reader, result);
+    return result;
+}
+
+}  // namespace impl
 
 template <class Result, class... Arguments>
 void read(Reader& reader, ThrowingFunction<Result(Arguments...)>& callable) {
@@ -303,12 +362,11 @@ void read(Reader& reader, ThrowingFunction<Result(Arguments...)>& callable) {
     callable = [function = std::move(function)](Arguments... arguments) -> Result {
         Stack const values = impl::argumentsOf<Arguments...>(std::forward<Arguments>(arguments)...);
         Stack results;
-        if (function->canRun()) function->call(values, results);
+        ur::Reference<Function> const self = function;  // the call may drop this callable
+        if (self->canRun()) self->call(values, results);
         if constexpr (!std::is_void_v<Result>) {
-            Result result{};
-            Reader resultReader(results);
-            if (!results.empty() || function->canRun()) read(resultReader, result);
-            return result;
+            bool const hasRun = !results.empty() || self->canRun();
+            return hasRun ? impl::resultOf<Result>(results, *self) : Result{};
         }
     };
 }
@@ -322,16 +380,15 @@ void read(Reader& reader, std::function<Result(Arguments...)>& callable) {
     callable = [callback = Callback(std::move(function))](Arguments... arguments) -> Result {
         Stack const values = impl::argumentsOf<Arguments...>(std::forward<Arguments>(arguments)...);
         Stack results;
-        bool const succeeded = callback.call(values, results);
+        Callback const self(callback);  // the call may drop this callable
+        bool const succeeded = self.call(values, results);
         if constexpr (!std::is_void_v<Result>) {
-            Result result{};
             try {
-                Reader resultReader(results);
-                if (succeeded) read(resultReader, result);
+                if (succeeded) return impl::resultOf<Result>(results, *self.function());
             } catch (Exception const& error) {
-                callback.callHandler(error);
+                self.callHandler(error);
             }
-            return result;
+            return Result{};
         }
     };
 }

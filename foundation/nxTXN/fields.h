@@ -79,11 +79,11 @@ void write(Writer& writer, T const& value) {
 }
 template <ur::ListsMembers T>
 void read(Reader& reader, T& value) {
-    listMembers(value, [&reader](char const*, auto& member) { impl::readField(reader, member); });
+    ur::visitMembers(value, [&reader](char const*, auto& member) { impl::readField(reader, member); });
 }
 template <ur::ListsMembers T>
 void clear(Clear& cleared, T& value) {
-    listMembers(value, [&cleared](char const*, auto& member) {
+    ur::visitMembers(value, [&cleared](char const*, auto& member) {
         if constexpr (requires { clear(cleared, member); }) clear(cleared, member);
     });
 }

@@ -8,9 +8,10 @@
 //
 // From then on values of it are items (plst/containers.h) and cross to scripts (foundation/nxRFL/values.h), an
 // enumeration as the name, a structure as a dictionary of its members; and they are fields of transaction objects
-// (foundation/nxTXN/fields.h).
+// (foundation/nxTXN/fields.h). A structure needs a default constructor to be read.
 #pragma once
 
+#include <concepts>
 #include <optional>
 #include <string_view>
 #include <type_traits>
@@ -22,6 +23,28 @@ namespace impl {
 struct IgnoreMembers {
     template <class T>
     void operator()(char const*, T&) const {}
+};
+
+template <class... Arguments>
+inline constexpr bool isNamedMember = false;
+template <class Name, class T>
+inline constexpr bool isNamedMember<Name, T&> = std::convertible_to<Name, char const*>;
+
+/// What `listMembers` calls with each name and member.
+template <class Visit, bool mayChange>
+struct MemberVisitor {
+    Visit& visit;
+
+    template <class T>
+    void operator()(char const* name, T& member) const {
+        static_assert(!mayChange || !std::is_const_v<T>,
+                      "listMembers takes its structure as S&, not S const&, and lists no constant member");
+        visit(name, member);
+    }
+    template <class... Arguments>
+    requires(!isNamedMember<Arguments...>) void operator()(Arguments&&...) const {
+        static_assert(isNamedMember<Arguments...>, "listMembers calls visit(name, member): a literal and a member");
+    }
 };
 
 }  // namespace impl
@@ -52,10 +75,16 @@ template <NamedEnum T>
     return std::nullopt;
 }
 
-/// Calls `visit(name, member)` for the members of a value that does not change.
+/// Calls `visit(name, member)` for the members of a value.
+template <ListsMembers T, class Visit>
+void visitMembers(T& value, Visit&& visit) {
+    listMembers(value, impl::MemberVisitor<std::remove_reference_t<Visit>, true>{visit});
+}
+/// The same for a value that does not change.
 template <ListsMembers T, class Visit>
 void listConstMembers(T const& value, Visit&& visit) {
-    listMembers(const_cast<T&>(value), [&visit](char const* name, auto const& member) { visit(name, member); });
+    auto const visitConst = [&visit](char const* name, auto const& member) { visit(name, member); };
+    listMembers(const_cast<T&>(value), impl::MemberVisitor<decltype(visitConst), false>{visitConst});
 }
 
 }  // namespace ur

@@ -81,7 +81,7 @@ protected:
         }
         nxSupport::ScriptCallScope const call(name_);
         build_->call(arguments, results);
-        nxRFL::Reader reader(results);
+        nxRFL::Reader reader = nxRFL::Reader::ofResults(results, *build_);
         CString const& text = reader.readText();
         if (text.size() > std::numeric_limits<unsigned>::max()) throw nxRFL::Exception("a text of 4 GiB or more");
         return ur::make<Text>(text, build_->getDB()->account());

@@ -46,7 +46,7 @@ ScriptValue corrected(Function const& validator, CString const& name, ScriptValu
     if (results.empty()) refuse("returns nothing");
     ScriptValue result;
     try {
-        nxRFL::Reader reader(results);
+        nxRFL::Reader reader = nxRFL::Reader::ofResults(results, validator);
         read(reader, result);
     } catch (nxRFL::Exception const& error) {
         refuse(CString("returns no value: ").append(error.message()));

@@ -61,6 +61,15 @@ bool ScriptFunction::push(Binding const& binding, lua_State* state) const noexce
     return true;
 }
 
+urString::CString ScriptFunction::describe() const {
+    Binding const* const binding = link_->binding;
+    if (!binding || !push(*binding, binding->running)) return Function::describe();
+    lua_Debug info{};
+    lua_getinfo(binding->running, ">S", &info);
+    if (info.linedefined <= 0) return Function::describe();
+    return urString::CString::format("the function at %s:%d", info.short_src, info.linedefined);
+}
+
 void ScriptFunction::onCall(Stack const& arguments, Stack& results) const {
     struct Call {
         ScriptFunction const& function;

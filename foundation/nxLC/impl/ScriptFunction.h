@@ -15,6 +15,8 @@ public:
 
     [[nodiscard]] bool canRun() const noexcept override { return link_->binding && !link_->binding->meter.ended(); }
 
+    [[nodiscard]] urString::CString describe() const override;
+
     /// Pushes the function itself if `state` is its own. Never raises.
     [[nodiscard]] bool push(Binding const& binding, lua_State* state) const noexcept;
 

@@ -81,13 +81,17 @@ void fillStaticMethods(Binding& binding, lua_State* state, Class const& objectCl
     }
 }
 
-/// Makes a look-up raise when the table at `members` does not have the key.
-void failOnMissing(lua_State* state, int members, Class const& objectClass) {
-    lua_newtable(state);
+/// Makes a look-up raise when a table with the metatable on top does not have the key.
+void setMissingMember(lua_State* state, Class const& objectClass) {
     lua_pushliteral(state, "__index");
     pushName(state, objectClass.name());
     lua_pushcclosure(state, &missMember, 1);
     lua_rawset(state, -3);
+}
+
+void failOnMissing(lua_State* state, int members, Class const& objectClass) {
+    lua_newtable(state);
+    setMissingMember(state, objectClass);
     lua_setmetatable(state, members);
 }
 
@@ -165,6 +169,7 @@ void markAsClass(Binding& binding, lua_State* state, Class const& published) {
     lua_pushlightuserdata(state, const_cast<Class*>(&published));
     lua_rawseti(state, -2, 2);
     setFunction(binding, state, "__tostring", &describeClass);
+    setMissingMember(state, published);
     lua_setmetatable(state, -2);
 }
 

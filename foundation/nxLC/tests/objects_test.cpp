@@ -48,6 +48,7 @@ TEST_F(Objects, RefuseWhatTheyDoNotHave) {
         {"rex.wieght = 5", "farm::Animal has no property wieght; do you mean weight?"},
         {"print(rex.wieght)", "farm::Animal has no member wieght; do you mean weight?"},
         {"rex:fed('meat', 1)", "farm::Animal has no member fed; do you mean feed?"},
+        {"farm.Duck.mkae()", "farm::Duck has no member mkae; do you mean make?"},
         {"rex:colour()", "farm::Animal has no member colour"},
         {"rex[1] = 2", "farm::Animal has no property number"},
         {"rex.weight = 'heavy'", "farm::Animal.weight: argument 1 must be number, but is string"},

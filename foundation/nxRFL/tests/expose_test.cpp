@@ -33,20 +33,26 @@ struct Exposed : testing::Test {
         function->call(stack, results);
         return results;
     }
-    template <class... Arguments>
-    std::string messageOf(Reference<Function> const& function, Arguments... arguments) {
+    template <class Callable>
+    static std::string messageOfCall(Callable const& callable) {
         try {
-            call(function, arguments...);
+            callable();
         } catch (Exception const& error) {
             return error.what();
         }
         return "no error";
     }
+    template <class... Arguments>
+    std::string messageOf(Reference<Function> const& function, Arguments... arguments) {
+        return messageOfCall([&] { call(function, arguments...); });
+    }
     Member const& member(char const* className, char const* name) {
         return *database.getClass(className)->findMember(name);
     }
-    Reference<Function> const& tool(char const* name) {
-        return database.getTable("farm::tools")->functions.find(name)->function;
+    Reference<Function> const& tool(char const* name) { return inTable("farm::tools", name); }
+
+    Reference<Function> const& inTable(char const* table, char const* name) {
+        return database.getTable(table)->functions.find(name)->function;
     }
 
     Database database;
@@ -135,13 +141,62 @@ TEST_F(Exposed, NamesParametersFillsInWhatIsLeftOutAndChoosesByTheNumberOfArgume
     nxRFL::ExposeFunction(database, "studio")
         .add("scale", [](double factor, double by) { return factor * by; }, {"factor", {"by", 10.0}})
         .add("both", overloads([](double a, double b) { return a + b; }, [](double a) { return -a; }));
-    auto const tableTool = [&](char const* name) {
-        return database.getTable("studio")->functions.find(name)->function;
-    };
-    EXPECT_EQ(Reader(call(tableTool("scale"), 2)).readDouble(), 20);
-    EXPECT_EQ(messageOf(tableTool("scale")), "studio.scale takes 1 to 2 arguments, but got 0");
-    EXPECT_EQ(Reader(call(tableTool("both"), 2)).readDouble(), -2);
-    EXPECT_EQ(messageOf(tableTool("both")), "studio.both has no form with 0 arguments");
+    EXPECT_EQ(Reader(call(inTable("studio", "scale"), 2)).readDouble(), 20);
+    EXPECT_EQ(messageOf(inTable("studio", "scale")), "studio.scale takes 1 to 2 arguments, but got 0");
+    EXPECT_EQ(Reader(call(inTable("studio", "both"), 2)).readDouble(), -2);
+    EXPECT_EQ(messageOf(inTable("studio", "both")), "studio.both has no form with 0 arguments");
+}
+
+TEST_F(Exposed, GivesEachFormTheNamesAndDefaultsItHasParametersFor) {
+    auto const line = nxRFL::overloads([](double x) { return x; }, [](double x, double y) { return x * y; },
+                                       [](double x, double y, std::string const&, double) { return x + y; });
+    ExposeFunction table(database, "studio");
+    table.add("line", line, {std::string("x"), {std::string_view("y"), 10.0}, {"unit", "m"}, {"done", 0.0}});
+    auto const& function = inTable("studio", "line");
+    EXPECT_EQ(Reader(call(function, 2)).readDouble(), 2) << "not the second form with the default";
+    EXPECT_EQ(Reader(call(function, 2, 3)).readDouble(), 6);
+    EXPECT_EQ(Reader(call(function, 2, 3, "mm")).readDouble(), 5) << "the third form with its default";
+    EXPECT_EQ(messageOf(function, 2, "3"), "studio.line: argument 2 (y) must be number, but is string");
+    EXPECT_EQ(messageOf(function), "studio.line has no form with 0 arguments");
+    for (auto const& form : function->overloads()) EXPECT_EQ(form->parameters().size(), form->mostArguments());
+
+    EXPECT_EQ(messageOfCall([&] {
+                  table.add("most", line, {"a", "b", "c", "d", "e"});
+              }),
+              "studio.most takes 4 arguments, but has names for 5");
+    EXPECT_EQ(messageOfCall([&] {
+                  table.add("one", [](double x) { return x; }, {"a", {"b", 1.0}});
+              }),
+              "studio.one takes 1 argument, but has names for 2");
+    EXPECT_FALSE(database.getTable("studio")->functions.find("one"));
+    ExposeClass<Duck> ducks(database, "farm::Duck");
+    EXPECT_EQ(messageOfCall([&] { ducks.addMethod("swim", [](Duck&) {}, {"far"}); }),
+              "farm::Duck.swim takes 0 arguments, but has names for 1");
+    EXPECT_EQ(messageOfCall([&] { ducks.addStaticMethod("none", [] {}, {"far"}); }),
+              "farm::Duck.none takes 0 arguments, but has names for 1");
+}
+
+TEST_F(Exposed, NamesThePlaceOfAWrongResultOrValueAndTheCallbackThatIsNil) {
+    ExposeFunction table(database, "studio");
+    table.add("each", [](int, std::function<double(double)> const& each) { return each(1); }, {"count", "each"})
+        .add("fail", [](int) { throw std::bad_function_call(); })
+        .add("maybe", [](std::function<void()> const& done) { return !done; }, {{"done", nullptr}})
+        .add("three", [](std::array<int, 3>) {});
+    auto const& each = inTable("studio", "each");
+    EXPECT_EQ(messageOf(each, 1, Reference<Function>()),
+              "studio.each: argument 2 (each) must be function, but is null");
+    EXPECT_THROW(call(inTable("studio", "fail"), 1), std::bad_function_call);
+    EXPECT_TRUE(Reader(call(inTable("studio", "maybe"))).readBool());
+    EXPECT_EQ(messageOf(inTable("studio", "three"), ur::vector<int>{1, 2}),
+              "studio.three: argument 1 must be an array of 3, but has 2");
+
+    ThrowingFunction<std::vector<double>()> numbers;
+    Stack stack;
+    Writer(stack).writeFunction(makeFunction(database, [] { return std::vector<CString>{"a"}; }));
+    Reader reader(stack);
+    read(reader, numbers);
+    EXPECT_EQ(messageOfCall(numbers), "the function: the result[1] must be number, but is string");
+    EXPECT_EQ(typeName<ThrowingFunction<double()>>(database), "function");
 }
 
 TEST_F(Exposed, GivesErrorsOfScriptsToTheHandlerOrToTheCaller) {
@@ -330,7 +385,7 @@ TEST_F(Exposed, TurnsFunctionsIntoCallables) {
     EXPECT_EQ(error, "no such trick");
     keep([](Animal*, CString const&) { return CString("7"); });
     EXPECT_EQ(kept(*duck, "jump"), 0);
-    EXPECT_EQ(error, "item 1 must be number, but is string");
+    EXPECT_EQ(error, "the function: the result must be number, but is string");
     call(tool("keep"), Reference<Function>());
     EXPECT_FALSE(kept);
 }

@@ -38,7 +38,7 @@ struct Listing : testing::Test {
                 "price", [](Item&) { return 1.0; }, [](Item&, double) {})
             .addProperty("code", [](Item&) { return CString("\"\n"); })
             .addMethod("sell", [](Item&, Item*, CString const&) { return true; }, {"other", {"reason", "sale"}})
-            .addStaticMethod("make", [](std::function<void()>) {})
+            .addStaticMethod("make", [](nxRFL::ThrowingFunction<void()>) {})
             .addMethod("weigh", nxRFL::overloads([](Item&) { return 1.0; }, [](Item&, double) { return 2.0; }))
             .addMapIterator(
                 "prices", [](Item & item) -> auto& { return item.prices; })
@@ -48,7 +48,7 @@ struct Listing : testing::Test {
             .add("c", [](shop::Sizes, nxRFL::Object const&,
                          ur::vector<double> const&) { return ur::map<CString, double>(); })
             .add("d", [] { return std::pair(1, 2); })
-            .add("e", nxRFL::overloads([] { return true; }, [](double, CString const&) {}));
+            .add("e", nxRFL::overloads([] { return true; }, [](double, CString const&) {}), {"size", {"unit", "m"}});
     }
     /// The listing of `format` after the built-in part of every database.
     [[nodiscard]] CString listed(ListingFormat format, char const* first) const {
@@ -75,7 +75,7 @@ TEST_F(Listing, ReadsWell) {
               "    c(number[3], object, array): dictionary\n"
               "    d(): object[2]\n"
               "    e(): boolean\n"
-              "    e(number, string)\n");
+              "    e(size: number, unit?: string)\n");
 }
 
 TEST_F(Listing, IsJson) {
@@ -95,7 +95,8 @@ TEST_F(Listing, IsJson) {
         R"({"name":"c","kind":"function","signature":["dictionary","number[3]","object","array"]},)"
         R"({"name":"d","kind":"function","signature":["object[2]"]},)"
         R"({"name":"e","kind":"function","signature":["boolean"]},)"
-        R"({"name":"e","kind":"function","signature":["void","number","string"]}]}]})"
+        R"({"name":"e","kind":"function","signature":["void","number","string"],)"
+        R"("parameters":[{"name":"size","optional":false},{"name":"unit","optional":true}]}]}]})"
         "\n");
 }
 
@@ -129,7 +130,7 @@ TEST_F(Listing, DeclaresForEditors) {
               "function shop.till.c(argument1, argument2, argument3) end\n"
               "---@return any[]\n"
               "function shop.till.d() end\n"
-              "---@overload fun(argument1: number, argument2: string)\n"
+              "---@overload fun(size: number, unit?: string)\n"
               "---@return boolean\n"
               "function shop.till.e() end\n");
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
@@ -39,6 +40,8 @@ TEST(OrdinaryValues, CrossBothWays) {
     expectSame(std::string("a\0b", 3), Kind::text);
     expectSame(std::vector<std::string>{"a", "b"}, Kind::array);
     expectSame(std::array{1, 2, 3}, Kind::array);
+    expectSame(urString::IString("gr\xC3\xBC\xC3\x9F", urString::Encoding::utf8), Kind::text);
+    expectSame(std::filesystem::path("/gr\xC3\xBC\xC3\x9F"), Kind::text);
     expectSame(std::map<std::string, std::vector<double>>{{"k", {0.5}}, {"l", {}}}, Kind::dictionary);
     expectSame(std::map<urString::CString, bool>{{"k", true}}, Kind::dictionary);
     expectSame(std::optional<int>(3), Kind::number);
@@ -50,11 +53,14 @@ TEST(OrdinaryValues, CrossBothWays) {
 }
 
 TEST(OrdinaryValues, AreRefusedWithTheReason) {
-    EXPECT_EQ(complaintOf<Wood>(written("beech")), "there is no \"beech\"; one of these was expected: oak ash");
-    EXPECT_EQ((complaintOf<std::array<int, 2>>(written(std::vector{1, 2, 3}))), "an array of 2 was expected, not of 3");
+    EXPECT_EQ(complaintOf<Wood>(written("beech")), "item 1 must be \"oak\" or \"ash\", but is \"beech\"");
+    EXPECT_EQ((complaintOf<std::array<int, 2>>(written(std::vector{1, 2, 3}))),
+              "item 1 must be an array of 2, but has 3");
     using Numbers = std::map<std::string, double>;
     EXPECT_EQ(complaintOf<Chair>(written(Numbers{{"legs", 4}})),
               "item 1 is no structure: \"legs\" is one key too many");
+    EXPECT_EQ(complaintOf<Chair>(written(Numbers{{"nmae", 4}})),
+              "item 1 is no structure: \"nmae\" is one key too many; do you mean name?");
     EXPECT_EQ(readBack(written(Numbers{{"height", 4}}), Chair{"kept", Wood::ash, 1, {}}),
               (Chair{"kept", Wood::ash, 4, {}}));
     EXPECT_NE(complaintOf<Chair>(written(Numbers{{"name", 4}})).find("string"), std::string::npos);

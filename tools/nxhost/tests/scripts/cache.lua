@@ -43,7 +43,7 @@ print "== the same name is the same resource"
 print(cache:resource("p", function() error "never" end).text == paged.text)
 print "== what fails"
 for name, build in pairs{fails = function() error("no text", 0) end, number = function() return 1 end} do
-    print(name, (select(2, pcall(function() return cache:resource(name, build).text end)):gsub(".*: ", "")))
+    print(name, (select(2, pcall(function() return cache:resource(name, build).text end)):gsub("^cache.lua:%d+: ", "")))
 end
 local big = source("big", 1000)
 print(pcall(function() return big.text end))

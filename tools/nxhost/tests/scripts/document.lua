@@ -35,7 +35,7 @@ local undone = document.undoName
 for name, validator in pairs{strict = function(value) error(value .. " is not allowed", 0) end, empty = function() end,
                              wrong = function() return print end} do
     document:validate(name, validator)
-    print(name, (select(2, pcall(document.set, document, name, 1)):gsub("^.*lua:%d+: ", "")))
+    print(name, (select(2, pcall(document.set, document, name, 1)):gsub("^document.lua:%d+: ", "")))
     print(document:get(name), document.undoName == undone)
 end
 document:validate("removes", function() return nil end)
