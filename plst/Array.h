@@ -24,8 +24,11 @@ public:
     void insert(ur::Reference<Item> item) { array_.push_back(std::move(item)); }
     /// Appends a value as an item, as `Dictionary::insert`.
     template <class T>
-    requires(!std::convertible_to<T const&, ur::Reference<Item>>) void insert(T const& value) {
-        insert(impl::converted(value));
+    requires(!std::convertible_to<T const&, ur::Reference<Item>>) bool insert(T const& value) {
+        ur::Reference<Item> item;
+        if (!impl::tryConvert(item, value)) return false;
+        insert(std::move(item));
+        return true;
     }
 
     /// A reference to the element, assignable until the array grows.

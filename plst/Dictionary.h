@@ -35,11 +35,15 @@ public:
     /// Stores `value` under `key` and replaces the former value, if any.
     void insert(urString::CString const& key, ur::Reference<Item> value);
     /// Stores a value as an item: `insert("size", 1.5)`. Needs the header that converts it: plst/convert.h, or
-    /// plst/containers.h for containers, enumerations and structures.
+    /// plst/containers.h for containers, enumerations and structures. False, with nothing changed, when the value has
+    /// no item form, as plst/convert.h says.
     template <class T>
-    requires(!std::convertible_to<T const&, ur::Reference<Item>>) void insert(urString::CString const& key,
+    requires(!std::convertible_to<T const&, ur::Reference<Item>>) bool insert(urString::CString const& key,
                                                                               T const& value) {
-        insert(key, impl::converted(value));
+        ur::Reference<Item> item;
+        if (!impl::tryConvert(item, value)) return false;
+        insert(key, std::move(item));
+        return true;
     }
 
     [[nodiscard]] int size() const noexcept { return static_cast<int>(dictionary_.size()); }

@@ -1,8 +1,10 @@
 // The base of every value in an item tree.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <iosfwd>
+#include <type_traits>
 #include <typeinfo>
 
 #include "foundation/ur/Export.h"
@@ -59,16 +61,45 @@ NX_API std::ostream& operator<<(std::ostream& out, Item const& item);
 /// The same for a reference, "null" for a null one.
 NX_API std::ostream& operator<<(std::ostream& out, ur::Reference<Item const> const& item);
 
+template <class T>
+struct Shape;
+
 namespace impl {
+
+/// Whether null is the item of a value: of an empty optional, of a null reference, or of a type whose shape allows it.
+template <class T>
+bool isNull(T const& value) {
+    if constexpr (requires { value.has_value(); }) {
+        return !value.has_value();
+    } else if constexpr (std::convertible_to<T const&, ur::Reference<Item const>>) {
+        return ur::Reference<Item const>(value).null();
+    } else if constexpr (requires(ur::Reference<Item const> const& none) { Shape<T>::matches(none); }) {
+        return Shape<T>::matches(ur::Reference<Item const>());
+    } else {
+        return false;
+    }
+}
 
 template <class T>
 ur::Reference<Item> converted(T const& value) {
     static_assert(
+        !std::is_enum_v<T> || requires(ur::Reference<Item> & item) { convert(item, value); },
+        "no names of this enumeration's values: include plst/containers.h and add namesOf "
+        "(foundation/ur/describe.h)");
+    static_assert(
         requires(ur::Reference<Item> & item) { convert(item, value); },
-        "no conversion of this type to an item: include plst/convert.h or plst/containers.h, or add one");
+        "no conversion of this type to an item: include plst/convert.h or plst/containers.h, or list its members or "
+        "names (foundation/ur/describe.h)");
     ur::Reference<Item> item;
     convert(item, value);
     return item;
+}
+
+/// Puts the item of a value into `out`. False, with `out` null, when the value has no item form.
+template <class T>
+bool tryConvert(ur::Reference<Item>& out, T const& value) {
+    out = converted(value);
+    return out || isNull(value);
 }
 
 }  // namespace impl

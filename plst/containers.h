@@ -3,7 +3,8 @@
 // A vector or array of values is an array of their items, a map from texts a dictionary, an optional its value or null.
 // What foundation/ur/describe.h describes is one too: a named enumeration is the name, a structure that lists its
 // members a dictionary of them. From an item of another shape nothing is read, as in plst/convert.h; an array may be
-// longer than a std::array, and a dictionary has all members of a structure but optional ones, and may have more.
+// longer than a std::array, and a dictionary has all members of a structure but optional ones, and may have more. A
+// value without a name, and whatever contains a value without item form, has no item form and becomes null.
 #pragma once
 
 #include <array>
@@ -36,7 +37,10 @@ concept TextKey = std::same_as<T, std::string> || std::same_as<T, urString::CStr
 template <class Values>
 void convertElements(ur::Reference<Item>& out, Values const& values) {
     auto elements = ur::make<Array>();
-    for (auto const& value : values) elements->insert(converted(value));
+    out = nullptr;
+    for (auto const& value : values) {
+        if (!elements->insert(value)) return;
+    }
     out = std::move(elements);
 }
 
@@ -92,9 +96,15 @@ struct Shape<T> {
     static bool matches(ur::Reference<Item const> const& item) {
         auto const* const members = impl::containerIn<Dictionary>(item, DictionaryType);
         if (!members) return false;
+        static_assert(std::default_initializable<T>, "a structure that lists its members has a default constructor");
         T any{};
         bool fits = true;
-        listMembers(any, [&]<class M>(char const* name, M&) { fits = fits && hasShape<M>(members->find(name)); });
+        ur::visitMembers(any, [&]<class M>(char const* name, M&) {
+            static_assert(Shaped<M>,
+                          "no item shape of a listed member: include plst/convert.h or plst/containers.h, or list its "
+                          "members or names (foundation/ur/describe.h)");
+            fits = fits && hasShape<M>(members->find(name));
+        });
         return fits;
     }
 };
@@ -139,7 +149,10 @@ void convert(std::optional<T>& out, ur::Reference<Item const> item) {
 template <impl::TextKey Key, Shaped T, class Less>
 void convert(ur::Reference<Item>& out, std::map<Key, T, Less> const& values) {
     auto members = ur::make<Dictionary>();
-    for (auto const& [key, value] : values) members->insert(key, impl::converted(value));
+    out = nullptr;
+    for (auto const& [key, value] : values) {
+        if (!members->insert(key, value)) return;
+    }
     out = std::move(members);
 }
 template <impl::TextKey Key, Shaped T, class Less>
@@ -165,16 +178,19 @@ void convert(T& out, ur::Reference<Item const> item) {
 template <ur::ListsMembers T>
 void convert(ur::Reference<Item>& out, T const& value) {
     auto members = ur::make<Dictionary>();
+    bool hasItemForm = true;
     ur::listConstMembers(value, [&](char const* name, auto const& member) {
-        if (auto item = impl::converted(member)) members->insert(name, std::move(item));
+        ur::Reference<Item> item;
+        hasItemForm = hasItemForm && impl::tryConvert(item, member);
+        if (item) members->insert(name, std::move(item));
     });
-    out = std::move(members);
+    out = hasItemForm ? ur::Reference<Item>(std::move(members)) : nullptr;
 }
 template <ur::ListsMembers T>
 void convert(T& out, ur::Reference<Item const> item) {
     if (!hasShape<T>(item)) return;
-    listMembers(out, [&](char const* name, auto& member) {
-        convert(member, static_cast<Dictionary const&>(*item).find(name));
+    ur::visitMembers(out, [&]<class M>(char const* name, M& member) {
+        if constexpr (Shaped<M>) convert(member, static_cast<Dictionary const&>(*item).find(name));
     });
 }
 

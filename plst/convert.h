@@ -68,8 +68,8 @@ bool assignWhole(T& out, double number) {
 }  // namespace impl
 
 // To an item. `out` receives a new item in the type's only shape and releases its former item. An IString becomes UTF-8
-// text, a null pointer the empty text, an item a deep copy; null stays null. Items hold doubles: an integer that has no
-// double, which is beyond 2^53, gives null.
+// text, a null pointer the empty text, an item a deep copy; null stays null. Items hold doubles: an integer without a
+// double, which is beyond 2^53, has no item form and becomes null.
 
 NX_API void convert(ur::Reference<Item>& out, int value);
 template <impl::OtherInteger T>

@@ -7,12 +7,14 @@
 #include <string_view>
 #include <utility>
 
+#include "foundation/urString/CString.h"
 #include "plst/Path.h"
 #include "plst/containers.h"
 
 namespace nxPLST {
 
-/// A new item for a value.
+/// A new item for a value. Null when the value has no item form: an integer beyond 2^53 that is no double, an
+/// enumeration value without a name, or whatever contains one.
 template <class T>
 [[nodiscard]] ur::Reference<Item> itemOf(T const& value) {
     return impl::converted(value);
@@ -22,7 +24,8 @@ template <class T>
 class Value {
 public:
     template <class T>
-    Value(T const& value) : item_(itemOf(value)) {}  // NOLINT(google-explicit-constructor): stands for the value
+    Value(T const& value)  // NOLINT(google-explicit-constructor): stands for the value
+        : hasItemForm_(impl::tryConvert(item_, value)) {}
     Value(ur::Reference<Item> item) : item_(std::move(item)) {}  // NOLINT(google-explicit-constructor): the same
     template <std::derived_from<Item> T>
     Value(ur::Reference<T> item) : item_(std::move(item)) {}  // NOLINT(google-explicit-constructor): the same
@@ -30,48 +33,85 @@ public:
     inline Value(std::initializer_list<Value> elements);
 
     [[nodiscard]] ur::Reference<Item> const& item() const noexcept { return item_; }
+    /// False, with a null item, for a value without item form.
+    [[nodiscard]] bool hasItemForm() const noexcept { return hasItemForm_; }
 
 private:
     ur::Reference<Item> item_;
+    bool hasItemForm_ = true;
 };
 
-/// A new array of these elements; items are shared, not copied.
+/// A new array of these elements; items are shared, not copied. Null when one has no item form.
 [[nodiscard]] inline ur::Reference<Array> array(std::initializer_list<Value> elements) {
     auto result = ur::make<Array>();
     result->array().reserve(elements.size());
-    for (Value const& element : elements) result->insert(element.item());
+    for (Value const& element : elements) {
+        if (!element.hasItemForm()) return nullptr;
+        result->insert(element.item());
+    }
     return result;
 }
 
 /// A new dictionary of these entries, without null values: `dictionary({{"name", "desk"}, {"size", 1.5}, {"at", {1, 2,
-/// 3}}})`. The last value of a repeated key stays.
+/// 3}}})`. The last value of a repeated key stays. Null when a value has no item form.
 [[nodiscard]] inline ur::Reference<Dictionary> dictionary(
     std::initializer_list<std::pair<urString::CString, Value>> members) {
     auto result = ur::make<Dictionary>();
     for (auto const& [key, value] : members) {
+        if (!value.hasItemForm()) return nullptr;
         if (value.item()) result->insert(key, value.item());
     }
     return result;
 }
 
-inline Value::Value(std::initializer_list<Value> elements) : item_(array(elements)) {}
+inline Value::Value(std::initializer_list<Value> elements) : item_(array(elements)), hasItemForm_(!item_.null()) {}
+
+namespace impl {
+
+template <class T>
+T defaultOf() {
+    static_assert(Shaped<T>,
+                  "no item shape of this type: include plst/convert.h or plst/containers.h, or list its members or "
+                  "names (foundation/ur/describe.h)");
+    static_assert(std::default_initializable<T>, "a value without a default constructor is read with a fallback");
+    return T();
+}
+
+/// A text that does not become a T by itself, but that a T can be made of: a view for a standard string.
+template <class Text, class T>
+concept TextFor = urString::ForeignText<Text> && !std::convertible_to<Text const&, T> &&
+                  std::constructible_from<T, Text const&> && std::convertible_to<T const&, std::string_view>;
+
+}  // namespace impl
 
 /// The value of an item, or `fallback` when it is null or of another shape.
 template <class T>
-[[nodiscard]] T valueOf(ur::Reference<Item const> const& item, T fallback = T()) {
+[[nodiscard]] T valueOf(ur::Reference<Item const> const& item, T fallback = impl::defaultOf<T>()) {
     static_assert(Shaped<T>,
-                  "no item shape of this type: include plst/convert.h or plst/containers.h, or list its members "
-                  "(foundation/ur/describe.h)");
-    if (hasShape<T>(item)) convert(fallback, item);
+                  "no item shape of this type: include plst/convert.h or plst/containers.h, or list its members or "
+                  "names (foundation/ur/describe.h)");
+    if constexpr (Shaped<T>) {
+        if (hasShape<T>(item)) convert(fallback, item);
+    }
     return fallback;
 }
+template <class T, impl::TextFor<T> Text>
+[[nodiscard]] T valueOf(ur::Reference<Item const> const& item, Text const& fallback) {
+    return valueOf<T>(item, T(fallback));
+}
 
-/// The value under a key, or `fallback` if none has that shape: `get<double>(settings, "size", 1.0)`.
+/// The value under a key, or `fallback` if none has that shape: `get<double>(settings, "size", 1.0)`. Also `fallback`
+/// when `item` is no dictionary.
 template <class T>
-[[nodiscard]] T get(ur::Reference<Dictionary const> const& dictionary, std::string_view key, T fallback = T()) {
+[[nodiscard]] T get(ur::Reference<Item const> const& item, std::string_view key, T fallback = impl::defaultOf<T>()) {
+    auto const* const dictionary = impl::containerIn<Dictionary>(item, DictionaryType);
     if (!dictionary) return fallback;
     auto const member = dictionary->dictionary().find(key);
     return member == dictionary->dictionary().end() ? fallback : valueOf<T>(member->second, std::move(fallback));
+}
+template <class T, impl::TextFor<T> Text>
+[[nodiscard]] T get(ur::Reference<Item const> const& item, std::string_view key, Text const& fallback) {
+    return get<T>(item, key, T(fallback));
 }
 
 }  // namespace nxPLST

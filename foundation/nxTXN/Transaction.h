@@ -1,6 +1,7 @@
 // A transaction that ends with its scope.
 #pragma once
 
+#include <concepts>
 #include <utility>
 
 #include "foundation/nxTXN/Manager.h"
@@ -32,6 +33,7 @@ private:
 /// its changes are reverted and the exception passes to the caller. False when transactions are not recorded here.
 template <class Change>
 bool edit(Manager& manager, urString::CString const& name, Change&& change) {
+    static_assert(std::invocable<Change>, "what nxTXN::edit runs is called without arguments");
     Transaction transaction(manager, name);
     std::forward<Change>(change)();
     return transaction.commit();

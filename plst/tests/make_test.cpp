@@ -67,7 +67,10 @@ TEST(Trees, AreReadByKeyAndByPath) {
     EXPECT_EQ(get<double>(tree, "name", 2.5), 2.5);
     EXPECT_EQ(get<std::string>(tree, "name"), "desk");
     EXPECT_EQ(get<std::string>(tree, std::string("absent"), "none"), "none");
+    EXPECT_EQ(get<std::string>(tree, "absent", std::string_view("none")), "none");
     EXPECT_EQ(get<double>(ur::Reference<Dictionary>(), "size", 1), 1);
+    EXPECT_EQ(get<double>(ur::Reference<Item const>(tree), "size"), 1.5);
+    EXPECT_EQ(get<double>(at(tree, ".places"), "size", 2), 2);
     EXPECT_EQ(valueOf<double>(at(tree, ".places[-1][0]")), 3);
     EXPECT_EQ(at(tree, "."), tree);
     ur::Reference<Item const> const constant = tree;
@@ -123,6 +126,23 @@ TEST(Trees, HoldContainersEnumerationsAndStructures) {
     ur::Reference<Item> item = ur::make<Bool>(true);
     convert(item, Wood::unnamed);
     EXPECT_FALSE(item);
+}
+
+TEST(Trees, DoNotHoldWhatHasNoItemForm) {
+    std::uint64_t const large = 0x9E3779B97F4A7C15ULL;
+    EXPECT_FALSE(itemOf(large) || itemOf(Wood::unnamed));
+    EXPECT_FALSE(itemOf(std::vector{1UL, large}) || itemOf(std::array{Wood::oak, Wood::unnamed}));
+    EXPECT_FALSE(itemOf(std::map<std::string, Wood>{{"a", Wood::unnamed}}) || itemOf(Chair{"", Wood::unnamed, {}, {}}));
+    EXPECT_FALSE(itemOf(std::vector{std::optional(large)}) || itemOf(std::vector{std::vector{large}}));
+    EXPECT_EQ(printed(itemOf(std::vector{std::optional(1), std::optional<int>()})), "[1,null]");
+    EXPECT_FALSE(dictionary({{"a", 1}, {"b", large}}) || dictionary({{"a", {1, Wood::unnamed}}}) || array({1, large}));
+    auto const desk = dictionary({{"a", 1}, {"none", std::optional<int>()}});
+    EXPECT_FALSE(desk->insert("a", large) || desk->insert("b", std::optional(Wood::unnamed)));
+    EXPECT_EQ(printed(desk), "{\"a\":1}");
+    auto const list = array({1});
+    EXPECT_FALSE(list->insert(Wood::unnamed));
+    EXPECT_TRUE(list->insert(std::optional<int>()));
+    EXPECT_EQ(list->size(), 2);
 }
 
 TEST(Equality, IsByValueWhereverTreesShare) {

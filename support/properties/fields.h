@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <tuple>
 #include <type_traits>
+#include <utility>
 
 #include "foundation/nxTXN/fields.h"
 #include "foundation/ur/Export.h"
@@ -114,6 +115,23 @@ NX_API void write(Writer& writer, urString::CString const& value);
 NX_API void write(Writer& writer, urString::IString const& value);
 NX_API void read(Reader& reader, urString::CString& value);
 NX_API void read(Reader& reader, urString::IString& value);
+
+/// The same for the native text of a path, with a 4-byte number of characters.
+template <urString::FilePath Path>
+void write(Writer& writer, Path const& path) {
+    auto const& text = path.native();
+    auto const size = static_cast<std::uint32_t>(text.size());
+    writer.writeData(&size, sizeof size);
+    writer.writeData(text.data(), size * sizeof(typename Path::value_type));
+}
+template <urString::FilePath Path>
+void read(Reader& reader, Path& path) {
+    std::uint32_t size = 0;
+    reader.readData(&size, sizeof size);
+    typename Path::string_type text(size, typename Path::value_type());
+    reader.readData(text.data(), size * sizeof(typename Path::value_type));
+    path = std::move(text);
+}
 
 // Pointers. A record keeps a property alive, but not the mesh of a mesh element.
 NX_API void write(Writer& writer, ur::Reference<nxSupport::Property> const& reference);

@@ -2,6 +2,7 @@
 #include "support/properties/fields.h"
 
 #include <cstring>
+#include <filesystem>
 
 #include "foundation/ur/tests/Chair.h"
 #include "support/properties/TxdProperty.h"
@@ -65,6 +66,7 @@ TEST(Fields, KeepTheirSizeAndComeBack) {
     expectKept(4 + 4 + 8, 0, std::vector<std::vector<int>>{{1, 2}});
     expectKept(4 + 4 + 1 + 4 + 4, 0, Chair{"", Wood::ash, {}, {1}});
     expectKept(4 + 2 + 4 + 1 + 8 + 4, 0, Chair{"ab", Wood::oak, 0.5, {}});
+    expectKept(4 + 6 * sizeof(std::filesystem::path::value_type), 0, std::filesystem::path("/\xFF/a/b"));
     expectKept(4 + 1, 0, urString::IString());
     expectKept(4 + 7, 0, urString::IString("gr\xC3\xBC\xC3\x9F", urString::Encoding::utf8));
 }

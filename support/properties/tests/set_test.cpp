@@ -1,5 +1,7 @@
 // Property sets, their values as dictionaries, and typed properties.
 #include "support/properties/Prop.h"
+
+#include "foundation/ur/tests/Chair.h"
 #include "support/properties/savedValues.h"
 #include "support/properties/tests/Recorder.h"
 
@@ -76,6 +78,20 @@ TEST(Prop, ReadsAndWritesEveryTypeThatHasAnItemShape) {
     expectTyped(urUtil::Color8(1, 2, 3), urUtil::Color8(4, 5, 6));
     expectTyped(BoundedDouble(1, 0, 2), BoundedDouble(2, 0, 2));
     expectTyped(BoundedInt(1, 0, 2), BoundedInt(2, 0, 2));
+}
+
+TEST(Prop, RefusesWhatHasNoItemFormAndTakesTextsOfOtherTypes) {
+    auto part = Prop<std::vector<std::uint64_t>>::createUnTxd("part", {1, 2});
+    EXPECT_FALSE(part.set({1, 0x9E3779B97F4A7C15ULL}) || part.set({0x9E3779B97F4A7C15ULL}, ModifyPerform));
+    EXPECT_EQ(part.get(), (std::vector<std::uint64_t>{1, 2}));
+    auto maybe = Prop<std::optional<ur::test::Wood>>::createUnTxd("maybe", ur::test::Wood::ash);
+    EXPECT_FALSE(maybe.set(ur::test::Wood::unnamed));
+    EXPECT_EQ(maybe.get(), ur::test::Wood::ash);
+    EXPECT_TRUE(maybe.set(std::nullopt));
+    auto text = Prop<std::string>::createUnTxd("text", std::string_view("desk"));
+    EXPECT_TRUE(text.get() == "desk" && text.set(std::string_view("chair")));
+    text.pty()->setValue(number(1));
+    EXPECT_EQ(text.get(std::string_view("none")), "none");
 }
 
 TEST(Prop, TellsTypedListenersAndHoldsNothingAtFirst) {
