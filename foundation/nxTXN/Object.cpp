@@ -26,6 +26,10 @@ void Object::transact() {
     if (history_) history_->transact(*this);
 }
 
+void Object::transactSilently() {
+    if (history_) history_->transactSilently(*this);
+}
+
 bool Object::isTxnExtant() const noexcept { return history_ && history_->lifetimes().entryOf(*this).exists(); }
 
 Manager* Object::txnManager() const noexcept { return history_ ? history_->manager() : nullptr; }

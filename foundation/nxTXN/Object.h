@@ -74,6 +74,10 @@ public:
 protected:
     explicit Object(Manager& manager);
 
+    /// As `transact`, for a change that nobody sees, such as a new link or the first value of a new object: it is
+    /// recorded where a transaction records, and `UnrecordedChange` does not apply.
+    void transactSilently();
+
 private:
     friend class impl::History;
     friend class impl::Replay;

@@ -133,7 +133,7 @@ ur::Reference<Property> Property::cloneTxd(nxTXN::Manager& manager, urString::CS
     }
     if (!shared.untxd) return shared.txd ? createTxd(manager, name, value()) : nullptr;
     auto const data = ur::make<TxdPropertyData>(manager);
-    data->storeValue(value(), Propagate::no);
+    data->setFirstValue(value());
     auto clone = ur::make<TxdProperty>(manager, name, data);
     data->setTwin(*shared.untxd);
     return clone;
@@ -167,7 +167,7 @@ void Property::join(ur::Reference<Property const> other) {
     }
     if (untxd && !txd && !transacted.empty()) {
         txd = ur::make<TxdPropertyData>(*transacted.front()->data()->txnManager());
-        txd->storeValue(other->value(), Propagate::no);
+        txd->setFirstValue(other->value());
         txd->setTwin(*untxd);
     }
     // Allocate everything before moving anything, so that running out of memory does not move a part only.

@@ -12,7 +12,7 @@ TxdProperty::TxdProperty(nxTXN::Manager& manager, urString::CString const& name)
 
 TxdProperty::TxdProperty(nxTXN::Manager& manager, urString::CString const& name, ItemReference value)
     : TxdProperty(manager, name) {
-    data_->storeValue(std::move(value), TxdPropertyData::Propagate::yes);
+    data_->setFirstValue(std::move(value));
 }
 
 TxdProperty::TxdProperty(nxTXN::Manager& manager, urString::CString const& name, ur::Reference<TxdPropertyData> data)
@@ -85,7 +85,7 @@ void TxdProperty::onTxnExtant() {
 void TxdProperty::rejoinList() {
     if (!data_ || !data_->isTxnExtant()) {
         auto const copy = ur::make<TxdPropertyData>(*txnManager());
-        copy->storeValue(value(), TxdPropertyData::Propagate::no);
+        copy->setFirstValue(value());
         moveTo(copy);
     } else if (!data_->members().contains(*this)) {
         data_->members().add(*this);

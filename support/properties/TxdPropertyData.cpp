@@ -63,20 +63,27 @@ void TxdPropertyData::storeValue(ItemReference value, Propagate toTwin) {
     if (UnTxdPropertyData* const twin = untxdTwin()) twin->storeValue(std::move(value), Propagate::no);
 }
 
+void TxdPropertyData::setFirstValue(ItemReference value) {
+    nxTXN::Manager* const manager = txnManager();
+    if (!manager) return;
+    transactSilently();
+    value_ = ur::make<nxTXN::ImmutableReference<nxPLST::Item const>>(*manager, std::move(value));
+}
+
 void TxdPropertyData::add(TxdProperty& property) {
-    transact();
+    transactSilently();
     properties_.add(property);
 }
 
 void TxdPropertyData::remove(TxdProperty& property) {
-    transact();
+    transactSilently();
     properties_.remove(property);
 }
 
 void TxdPropertyData::setTwin(UnTxdPropertyData& untxdData) {
     nxTXN::Manager* const manager = txnManager();
     if (!manager) return;
-    transact();
+    transactSilently();
     twin_ = ur::make<TxdPropertyTwin>(*manager, *this, untxdData);
 }
 
@@ -142,7 +149,7 @@ void TxdPropertyData::onTxnModified() {
 
 void TxdPropertyData::onTxnDestroyed() {
     RefCountedObject::onTxnDestroyed();
-    transact();
+    transactSilently();
     moveMembersToSuccessor(Members::ofOtherManagers, value(), twin_);
     if (twin_) twin_->sever();
     twin_.reset();
@@ -165,7 +172,7 @@ void TxdPropertyData::moveMembersToSuccessor(Members which, ItemReference value,
     });
     if (moved.empty()) return;
     auto const successor = ur::make<TxdPropertyData>(*moved.front()->txnManager());
-    successor->storeValue(std::move(value), Propagate::no);
+    successor->setFirstValue(std::move(value));
     for (TxdProperty* const member : moved) member->moveTo(successor);
     if (UnTxdPropertyData* const untransacted = twin ? twin->untxdData() : nullptr) successor->setTwin(*untransacted);
 }

@@ -28,6 +28,9 @@ public:
     /// Stores without notifying anyone, also on the untransacted side if requested.
     void storeValue(ItemReference value, Propagate toTwin);
 
+    /// Stores the value of a new object, which is no change.
+    void setFirstValue(ItemReference value);
+
     [[nodiscard]] MemberList<TxdProperty>& members() noexcept { return properties_; }
     void add(TxdProperty& property);
     /// Does nothing if it is not a member.

@@ -73,10 +73,11 @@ void History::forgetEverywhere(Object const& object) noexcept {
     for (History* other : object.history_->peers_) forget(*other);
 }
 
-void History::transact(Object& object) {
+bool History::transactSilently(Object& object) {
     Entry const& entry = lifetimes_.entryOf(object);
-    if (levels_.empty() || !levels_.back().keeps || busy_ || !entry.exists()) return missed(object);
+    if (levels_.empty() || !levels_.back().keeps || busy_ || !entry.exists()) return false;
     if (entry.stamp != levels_.back().stamp) record(object, entry);
+    return true;
 }
 
 void History::record(Object& object, Entry const& entry) {

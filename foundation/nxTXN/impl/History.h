@@ -74,7 +74,11 @@ public:
     }
 
     std::uint32_t enter(Object& object, bool counted, bool makingIsChange);
-    void transact(Object& object);
+    void transact(Object& object) {
+        if (!transactSilently(object)) missed(object);
+    }
+    /// False when no transaction records the object.
+    bool transactSilently(Object& object);
     /// Removes the object from all records that may name it.
     static void forgetEverywhere(Object const& object) noexcept;
     /// A record of this manager keeps the object, which may belong to another manager. Throws, without an effect, when

@@ -188,5 +188,18 @@ TEST(Crossing, APropertyThatIsNotPartOfThePresentMakesNoStepsAndItsClonesStandAl
     expectRecorded(manager, c);
 }
 
+TEST(Crossing, OnlyAValueThatChangesOutsideATransactionIsRefused) {
+    nxTXN::Manager manager;
+    manager.setUnrecordedChange(nxTXN::UnrecordedChange::refuse);
+    auto const p = Property::createTxd(manager, "p", number(1));
+    auto const q = p->cloneUnTxd("q"), r = q->cloneTxd(manager, "r");
+    p->cloneTxd(manager).reset();
+    for (auto const& member : {p, q, r}) EXPECT_THROW(member->setValue(number(2)), std::logic_error);
+    EXPECT_EQ(numberOf(*p), 1);
+    edit(manager, [&] { q->setValue(number(3)); });
+    EXPECT_TRUE(manager.undo());
+    EXPECT_EQ(numberOf(*r), 1);
+}
+
 }  // namespace
 }  // namespace nxSupport::test
