@@ -2,6 +2,7 @@
 #include "script/luaFunctions.h"
 
 #include <array>
+#include <string_view>
 
 #include "foundation/nxLC/ReflectionData.h"
 #include "foundation/nxLC/StackChecker.h"
@@ -99,6 +100,26 @@ bool fillTable(lua_State* state) {
 }
 
 }  // namespace
+
+urString::CString luaFunctionListing() {
+    urString::CString text = "table nx\n";
+    for (Entry const& entry : functions) {
+        urString::CString parameters, results;
+        for (std::string_view rest = entry.annotations; !rest.empty(); rest.remove_prefix(rest.find('\n') + 1)) {
+            std::string_view const line = rest.substr(0, rest.find('\n'));
+            std::string_view const content = line.substr(line.find(' ') + 1);
+            std::size_t const end = content.find(' ');
+            if (line.starts_with("---@param")) {
+                parameters.append(parameters.empty() ? "" : ", ").append(content.substr(0, end));
+                parameters.append(": ").append(content.substr(end + 1));
+            } else {
+                results.append(results.empty() ? ": " : ", ").append(content.substr(0, end));
+            }
+        }
+        text.append("    ").append(entry.name).append("(").append(parameters).append(")").append(results).append("\n");
+    }
+    return text;
+}
 
 urString::CString luaFunctionStubs() {
     urString::CString text = "nx = {}\n";

@@ -12,6 +12,8 @@ namespace nxSupport {
 /// and createLCStack. Without that table it reports this on the application output and leaves the state unchanged.
 NX_API void registerLuaFunctions(InitializeLuaMsg& message);
 
+/// The table `nx` for people, to be appended to `nxRFL::listing` in the format `text`.
+[[nodiscard]] NX_API urString::CString luaFunctionListing();
 /// Declarations of the table `nx` for editors, to be appended to `nxRFL::listing` in the format `luaStubs`.
 [[nodiscard]] NX_API urString::CString luaFunctionStubs();
 

@@ -1,8 +1,7 @@
 // Pushing what a JSON text holds, and writing one.
 #include "script/impl/jsonFunctions.h"
 
-#include <algorithm>
-#include <limits>
+#include <cmath>
 
 #include "foundation/nxLC/ReflectionData.h"
 #include "foundation/nxLC/protect.h"
@@ -20,6 +19,9 @@ using nxPLST::JsonTape;
 using urString::CString;
 
 namespace {
+
+/// The most spaces for each level that a script may ask for.
+constexpr unsigned widestIndent = 100;
 
 /// Pushes the values of a tape, one after the other. Runs in the body of a `protect`.
 class TapePusher {
@@ -162,11 +164,11 @@ int decodeJson(lua_State* state) {
 
 int encodeJson(lua_State* state) {
     luaL_checkany(state, 1);
-    auto const indent = luaL_optinteger(state, 2, 0);
-    constexpr lua_Integer widest = std::numeric_limits<unsigned>::max();
+    lua_Number const indent = luaL_optnumber(state, 2, 0);
     return nxLC::guard(state, [=] {
-        if (indent < 0) return fail(state, "the spaces of a level are 0 or more");
-        return encode(state, static_cast<unsigned>(std::min(indent, widest)));
+        bool const fits = indent >= 0 && indent <= widestIndent && indent == std::trunc(indent);
+        if (!fits) return fail(state, CString::format("the spaces of a level are a whole number from 0 to %u", widestIndent));
+        return encode(state, static_cast<unsigned>(indent));
     });
 }
 

@@ -193,6 +193,7 @@ CString Host::describe(CString const& name) const {
 CString Host::listing(nxRFL::ListingFormat format) const {
     CString text = nxRFL::listing(database_, format);
     if (format == nxRFL::ListingFormat::luaStubs) text += nxSupport::luaFunctionStubs();
+    if (format == nxRFL::ListingFormat::text) text += nxSupport::luaFunctionListing();
     bool const isJson = format == nxRFL::ListingFormat::json;
     if (isJson) text.erase(text.rfind('}')).append(",\"values\":[");
     char const* separator = "";

@@ -15,24 +15,30 @@ namespace nxhost {
 using nxRFL::Exception;
 using nxRFL::Function;
 using ur::Reference;
+using urString::CString;
 
 namespace {
 
 /// Calls a function and prints its results, tables as text of a few lines. Takes what it needs from Lua now, since
 /// scripts may change it.
 constexpr char const* showSource = R"lua(
+local helpText = ...
 local getmetatable, pairs, print, select, tostring, type = getmetatable, pairs, print, select, tostring, type
 local format, gsub, sub = string.format, string.gsub, string.sub
 local sort, concat, insert = table.sort, table.concat, table.insert
-local mostLines, mostWidth, mostDepth, longestText = 20, 100, 8, 200
+local gmatch, rawequal = string.gmatch, rawequal
+local mostLines, mostWidth, mostDepth, longestText, longestLine = 20, 100, 8, 100, 120
 
 local function sorted(a, b)
     if type(a) == type(b) and (type(a) == "number" or type(a) == "string") then return a < b end
     return type(a) < type(b)
 end
 
+-- At most that many bytes, and no part of a character.
+local function beginning(text, most) return (gsub(sub(text, 1, most), "[\192-\255][\128-\191]*$", "")) end
+
 local function quoted(value)
-    if #value > longestText then value = sub(value, 1, longestText) .. "..." end
+    if #value > longestText then value = beginning(value, longestText) .. "..." end
     return (gsub(format("%q", value), "\\\n", "\\n"))
 end
 
@@ -62,16 +68,42 @@ local function text(value, lines, indent, open)
     return "{\n  " .. indent .. concat(parts, ",\n  " .. indent) .. "\n" .. indent .. "}"
 end
 
-if help == nil then
-    local describe = host.describe
-    function help(what)
-        local name = tostring(what):match("^class (.*)") or getmetatable(what)
-        if type(name) ~= "string" then name = nil end
-        if not name and type(what) == "table" then
-            for key, value in pairs(_G) do name = name or value == what and key ~= "_G" and tostring(key) or nil end
+local function cut(line)
+    return #line <= longestLine and line or beginning(line, longestLine - 3) .. "..."
+end
+
+local describe = host.describe
+
+-- The lines about one function of the table `name`.
+local function describeMember(name, member)
+    local lines = {}
+    for line in gmatch(describe(name), "[^\n]+") do
+        local indent, rest = line:match("^( +)(.*)")
+        rest = rest and gsub(rest, "^static ", "")
+        if rest and sub(rest, 1, #member + 1) == member .. "(" then insert(lines, name .. "." .. rest) end
+    end
+    return concat(lines, "\n")
+end
+
+local function described(what)
+    local name = tostring(what):match("^class (.*)") or getmetatable(what)
+    if type(name) == "string" then return describe(name) end
+    for key, value in pairs(_G) do
+        local isTable = key ~= "_G" and type(key) == "string" and type(value) == "table" and describe(key) ~= ""
+        if isTable and rawequal(value, what) then return describe(key) end
+        for member, offered in pairs(isTable and type(what) == "function" and value or {}) do
+            if rawequal(offered, what) then return describeMember(key, member) end
         end
-        local found = name and describe(name) or ""
-        print(found ~= "" and found:sub(1, -2) or "nothing is known of this " .. type(what))
+    end
+    return ""
+end
+
+if help == nil then
+    function help(...)
+        if select("#", ...) == 0 then return print(helpText) end
+        local what = ...
+        local found = described(what)
+        print(found ~= "" and gsub(found, "\n$", "") or "nothing is known of this " .. type(what))
     end
 end
 
@@ -81,7 +113,7 @@ return function(call)
         for i = 1, count do
             local value = shown[i]
             local isPlain = type(value) == "table" and getmetatable(value) == nil
-            shown[i] = isPlain and text(value, {left = mostLines}, "", {}) or tostring(value)
+            shown[i] = isPlain and gsub(text(value, {left = mostLines}, "", {}), "[^\n]+", cut) or tostring(value)
         end
         if count > 0 then print(concat(shown, "\t")) end
     end
@@ -92,7 +124,7 @@ end
 constexpr char const* helpText =
     "Type Lua; what it gives is printed. Chunks may take several lines. Tab completes names, members and files in "
     "quotes.\n"
-    "  help(x)      what an object, a class or a table of functions offers: help(host.document), help(nxSupport)\n"
+    "  help(x)      what an object, a class, a table or a function offers: help(host.document), help(nx.encodeJSON)\n"
     "  quit         ends the program, as Ctrl-D does";
 
 std::string_view trimmed(std::string_view text) {
@@ -102,15 +134,27 @@ std::string_view trimmed(std::string_view text) {
 }
 
 /// The function that a chunk returns.
-Reference<Function> made(Host& host, char const* source) {
-    nxRFL::Stack results;
-    host.state().load(source, "=nxhost")->call({}, results);
+Reference<Function> made(Host& host, char const* source, char const* argument) {
+    nxRFL::Stack arguments, results;
+    nxRFL::Writer(arguments).writeText(argument);
+    host.state().load(source, "=nxhost")->call(arguments, results);
     return nxRFL::Reader(results).readFunction();
+}
+
+/// The trace without the calls by which the prompt runs a line.
+CString withoutPrompt(CString const& trace) {
+    std::string_view rest = trace.view();
+    for (;;) {
+        std::size_t const last = std::min(rest.rfind('\n'), rest.size());
+        std::string_view const line = rest.substr(last);
+        if (!line.starts_with("\n\tnxhost:") && !line.starts_with("\n\t(tail call)")) return CString(rest);
+        rest = rest.substr(0, last);
+    }
 }
 
 }  // namespace
 
-Prompt::Prompt(Host& host) : host_(host), show_(made(host, showSource)), editor_(host.loop(), host.state()) {}
+Prompt::Prompt(Host& host) : host_(host), show_(made(host, showSource, helpText)), editor_(host.loop(), host.state()) {}
 
 void Prompt::run() {
     Interrupt& interrupt = host_.loop().interrupt();
@@ -170,7 +214,7 @@ void Prompt::evaluate(Reference<Function> const& chunk) const {
     try {
         show_->call(arguments, results);
     } catch (Exception const& error) {
-        host_.report(error);
+        host_.report(Exception(error.message(), withoutPrompt(error.trace())));
     }
 }
 

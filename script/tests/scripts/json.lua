@@ -34,6 +34,8 @@ print(nx.encodeJSON({1, -0.0, 0.1, 2^64, {b = "\n", a = true}}), nx.encodeJSON({
 print(nx.encodeJSON({k = {1, 2}}, 2))
 for _, value in ipairs{print, 1/0, {1, x = 2}} do print(nx.encodeJSON(value)) end
 print(nx.encodeJSON(nil))
-print(pcall(nx.encodeJSON), pcall(nx.encodeJSON, 1, -1))
+print(pcall(nx.encodeJSON))
+print(pcall(nx.encodeJSON, 1, {}))
+for _, indent in ipairs{-1, 1.5, 101, 0/0, 1e300, "2"} do print(nx.encodeJSON({1}, indent)) end
 local text = nx.encodeJSON(nx.decodeJSON('[0.1,1e300,-5e-324,1.5e20]'))
 print(text, nx.encodeJSON(nx.decodeJSON(text)) == text)
