@@ -23,6 +23,13 @@ std::string_view completeSteps(std::string_view text) {
     return {};
 }
 
+/// The step to a child as the user writes it: a key that begins with a bracket is `["key"]`.
+std::string stepLike(std::string_view typed, std::string step) {
+    if (!typed.starts_with('[') || step.starts_with('[')) return step;
+    std::string const key = step.substr(1);
+    return key.starts_with('"') ? "[" + key + "]" : "[\"" + key + "\"]";
+}
+
 }  // namespace
 
 void printPathCompletions(std::string_view text, std::string_view command, std::span<char const* const> before) try {
@@ -35,7 +42,7 @@ void printPathCompletions(std::string_view text, std::string_view command, std::
     auto const parent = path ? nxPLST::follow(document.root, *path, unused) : nullptr;
     if (!isContainer(parent.get())) return;
     for (Children children(*parent); !children.done(); children.next()) {
-        std::string const candidate = std::string(steps) + children.step();
+        std::string const candidate = std::string(steps) + stepLike(text.substr(steps.size()), children.step());
         if (candidate.starts_with(text)) std::printf("%s\n", candidate.c_str());
     }
 } catch (Failure const&) {
