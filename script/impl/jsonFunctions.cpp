@@ -167,7 +167,8 @@ int encodeJson(lua_State* state) {
     lua_Number const indent = luaL_optnumber(state, 2, 0);
     return nxLC::guard(state, [=] {
         bool const fits = indent >= 0 && indent <= widestIndent && indent == std::trunc(indent);
-        if (!fits) return fail(state, CString::format("the spaces of a level are a whole number from 0 to %u", widestIndent));
+        if (!fits)
+            return fail(state, CString::format("the spaces of a level are a whole number from 0 to %u", widestIndent));
         return encode(state, static_cast<unsigned>(indent));
     });
 }

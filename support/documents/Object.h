@@ -80,9 +80,11 @@ public:
     /// False, with no change, when the description of the property excludes the value. Null resets it to the default.
     /// An equal value changes nothing. The item is shared: do not change it afterwards.
     bool setValue(urString::CString const& name, ItemReference value);
+    /// Also false for a value without item form, as `nxPLST::itemOf` says. An empty optional is null.
     template <class T>
     bool set(urString::CString const& name, T const& value) {
-        return setValue(name, nxPLST::itemOf(value));
+        ur::Reference<nxPLST::Item> item;
+        return nxPLST::impl::tryConvert(item, value) && setValue(name, std::move(item));
     }
     /// The values that were set, described or not. Null if there are none.
     [[nodiscard]] ur::Reference<nxPLST::Dictionary const> values() const noexcept { return values_; }

@@ -15,6 +15,7 @@ TEST(Objects, HoldWhatTheirClassAllows) {
     Object& ball = scene.add(scene.root(), "Ball", "b");
     scene.document.edit("Set", [&] {
         EXPECT_TRUE(ball.set("size", 7) && ball.set("free", "anything") && ball.set("place", urLinear::Point(1, 2, 3)));
+        EXPECT_FALSE(ball.set("size", 0x9E3779B97F4A7C15ULL)) << "it has no item form";
         EXPECT_FALSE(ball.set("size", 101) || ball.set("size", "7") || ball.set("fill", "dots") || ball.set("", 1));
     });
     EXPECT_EQ(ball.get<double>("size"), 7);
