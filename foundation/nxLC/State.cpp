@@ -10,6 +10,13 @@
 
 namespace nxLC {
 
+namespace {
+
+/// Compiling cannot be interrupted, and takes time with the square of some statements' number.
+constexpr std::size_t longestSandboxed = std::size_t(512) << 10U;
+
+}  // namespace
+
 using nxRFL::Exception;
 
 namespace {
@@ -47,7 +54,10 @@ State::~State() {
 ur::Reference<nxRFL::Function> State::load(std::string_view source, urString::CString const& name) {
     if (library_ == Library::sandboxed && source.starts_with(LUA_SIGNATURE[0]))
         throw Exception("a sandbox takes no compiled script");
+    if (library_ == Library::sandboxed && source.size() > longestSandboxed)
+        throw Exception("a sandbox takes no script of more than 512 KiB");
     impl::Binding& binding = *impl::Binding::find(state_);
+    impl::Metered const metered(binding.meter);
     int place = 0;
     protect(binding.running, 0, 0, [&](lua_State* state) {
         if (luaL_loadbuffer(state, source.data(), source.size(), name.c_str()) != 0) return lua_error(state);

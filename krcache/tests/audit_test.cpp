@@ -65,6 +65,12 @@ struct CacheProbe : test::Cache {
             {"the peak is below", [&] { std::swap(impl.budget_.peak_, nothing); }},
             {"chunks leave a gap", [&] { free().offset_ ^= 1; }},
             {"more is written to a chunk than it holds", [&] { page().written_ ^= 1U << 31; }},
+            {"free neighbours are not merged",
+             [&] {
+                 paged->resource_.swap(noResource), std::swap(paged->pageEntry_, noPage);
+                 bool& inUse = const_cast<PageFileEntry&>(*file.after(free())).inUse_;
+                 inUse = !inUse;
+             }},
             {"a free chunk is not in the free set", [&] { flip(file.freeEntries_, &free()); }},
             {"the first chunk does not start the file", [&] { page().offset_ ^= 1, free().offset_ ^= 1; }},
             {"the free set has chunks that are not free", [&] { flip(file.freeEntries_, &page()); }},

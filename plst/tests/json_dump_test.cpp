@@ -65,6 +65,10 @@ TEST(Dump, FillsAFileOrLeavesItAsItWas) {
     EXPECT_EQ(contents(), "{\n    \"a\": [1, 2]\n}\n");
     EXPECT_TRUE(outputJSON(path.c_str(), nullptr));
     EXPECT_EQ(contents(), "\n");
+    std::filesystem::create_hard_link(path, folder / "other");
+    EXPECT_TRUE(outputJSON(path.c_str(), tree("{\"b\":1}")));
+    EXPECT_EQ(std::filesystem::hard_link_count(path), 2U) << "overwritten in place";
+    EXPECT_EQ(contents(), "{\n    \"b\": 1\n}\n");
     EXPECT_FALSE(outputJSON((folder / "none/dump.txt").string().c_str(), tree("1")));
     EXPECT_FALSE(outputJSON(folder.path().string().c_str(), tree("1")));
 }

@@ -14,6 +14,20 @@ namespace {
 
 /// The bytes that libcurl uses during a transfer, including its buffers.
 constexpr std::size_t bytesOfTransfer = std::size_t(64) << 10U;
+constexpr std::size_t bytesOfField = 128;  ///< besides its texts
+
+template <class Fields>
+std::size_t bytesOf(Fields const& fields) {
+    std::size_t bytes = 0;
+    for (auto const& [name, value] : fields) bytes += bytesOfField + name.size() + value.size();
+    return bytes;
+}
+
+/// The bytes of what a transfer copies of its request. Escapes make posted data three times as long.
+std::size_t bytesToSend(nxNet::Request const& request) {
+    constexpr std::size_t escape = 3;
+    return 2 * request.getUrl().size() + bytesOf(request.getHeaders()) + escape * bytesOf(request.getPostData());
+}
 
 }  // namespace
 
@@ -33,12 +47,13 @@ void Connection::deliver(TransferEvent event) {
 
 void Connection::onStart() {
     if (transfers_.running(*this)) return;
-    transferCharge_ = ur::Charge(charge_.account(), charge_ ? bytesOfTransfer : 0);
+    auto const request = getRequest();
+    transferCharge_ = ur::Charge(charge_.account(), bytesOfTransfer + (request ? bytesToSend(*request) : 0));
     responseStatus_ = 0;
     responseHeaders_.clear();
+    responseCharge_ = {};
     progress_ = {};
     errorText_.clear();
-    auto const request = getRequest();
     auto* const timeline = nxSupport::Timeline::active();
     if (timeline && request) span_ = timeline->beginSpan(request->getHTTPMethod() + " " + request->getUrl());
     transfers_.start(*this);
@@ -59,6 +74,7 @@ void Connection::onCancel() {
 
 void Connection::on(Answered& event) {
     responseStatus_ = event.status;
+    responseCharge_ = ur::Charge(charge_.account(), bytesOf(event.headers));
     responseHeaders_ = std::move(event.headers);
 }
 

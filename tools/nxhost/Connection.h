@@ -64,6 +64,7 @@ private:
 
     ur::Charge charge_;
     ur::Charge transferCharge_;        ///< charged while a transfer runs
+    ur::Charge responseCharge_;        ///< for the headers of the response
     std::optional<std::size_t> span_;  ///< on the time line, while a transfer runs
 };
 

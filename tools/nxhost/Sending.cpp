@@ -1,6 +1,8 @@
 // Checks a request and sets up a libcurl handle for it.
 #include "tools/nxhost/Sending.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <string_view>
 
@@ -59,10 +61,26 @@ std::string joined(std::vector<std::string> const& words) {
     return result;
 }
 
+/// libcurl would wait for the writer of a pipe, and all other transfers with it.
+void checkFile(CString const& url) {
+    std::unique_ptr<CURLU, Release<&curl_url_cleanup>> const parts(curl_url());
+    char* scheme = nullptr;
+    char* path = nullptr;
+    curl_url_set(parts.get(), CURLUPART_URL, url.c_str(), CURLU_NON_SUPPORT_SCHEME);
+    curl_url_get(parts.get(), CURLUPART_SCHEME, &scheme, 0);
+    curl_url_get(parts.get(), CURLUPART_PATH, &path, CURLU_URLDECODE);
+    std::unique_ptr<char, Release<&curl_free>> const ownedScheme(scheme);
+    std::unique_ptr<char, Release<&curl_free>> const ownedPath(path);
+    struct stat facts = {};
+    if (scheme && path && std::string_view(scheme) == "file" && stat(path, &facts) == 0 && !S_ISREG(facts.st_mode))
+        refuse("only regular files can be fetched");
+}
+
 }  // namespace
 
 Sending::Sending(CURL* handle, Request const& request, NetworkOptions const& options) : handle_(handle) {
     checkRequest(request, options);
+    checkFile(request.getUrl());
     setAddress(request.getUrl(), options);
     setHeaders(request);
     setBody(request);
@@ -77,11 +95,16 @@ void Sending::setAddress(CString const& url, NetworkOptions const& options) {
     setOption(handle_, CURLOPT_MAXREDIRS, mostHops);
 }
 
+/// libcurl's own function goes through the whole list for each line.
 void Sending::addHeader(std::string const& line) {
-    curl_slist* const longer = curl_slist_append(headers_.get(), line.c_str());
-    check(longer != nullptr);
-    static_cast<void>(headers_.release());  // the longer list contains it
-    headers_.reset(longer);
+    curl_slist* const added = curl_slist_append(nullptr, line.c_str());
+    check(added != nullptr);
+    if (lastHeader_) {
+        lastHeader_->next = added;
+    } else {
+        headers_.reset(added);
+    }
+    lastHeader_ = added;
 }
 
 void Sending::setHeaders(Request const& request) {

@@ -48,6 +48,7 @@ private:
     CURL* const handle_;
     std::optional<UploadFile> file_;
     std::unique_ptr<curl_slist, Release<&curl_slist_free_all>> headers_;
+    curl_slist* lastHeader_ = nullptr;
     std::unique_ptr<curl_mime, Release<&curl_mime_free>> form_;
 };
 

@@ -16,7 +16,9 @@ namespace {
 using urString::CString;
 
 constexpr long connectSeconds = 30;
-constexpr std::size_t mostHeaderBytes = 1 << 20;
+// libcurl itself allows 300 KiB for each of several answers.
+constexpr std::size_t mostHeaderBytes = 256 << 10;
+constexpr std::size_t bytesOfHeaderLine = 64;  ///< counted for a line besides its own
 
 TransferError errorFor(CURLcode code) {
     switch (code) {
@@ -79,8 +81,9 @@ struct Transfer::Callbacks {
     static std::size_t receiveHeader(char* bytes, std::size_t, std::size_t size, void* transfer) {
         return guarded<std::size_t>(0, [&]() -> std::size_t {
             auto& self = *static_cast<Transfer*>(transfer);
-            self.headerBytes_ += size;
-            if (self.headerBytes_ > mostHeaderBytes) return 0;
+            self.headerBytes_ += bytesOfHeaderLine + size;
+            self.isTooLarge_ = self.headerBytes_ > mostHeaderBytes;
+            if (self.isTooLarge_) return 0;
             self.noteHeaderLine({bytes, size});
             return size;
         });

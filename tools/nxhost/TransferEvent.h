@@ -21,7 +21,7 @@ enum class TransferError : int {
     tooManyHops = 7,     ///< redirected too often
     fileUnreadable = 8,  ///< the file for upload
     other = 9,
-    tooLarge = 10,  ///< the answer's body exceeds the limit
+    tooLarge = 10,  ///< the answer's body or headers exceed the limit
 };
 
 /// Header fields of an answer by lower-case name. Repeated fields are joined by ", ", cookies by line ends.

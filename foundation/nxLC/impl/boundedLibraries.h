@@ -8,9 +8,10 @@
 
 namespace nxLC::impl {
 
-/// Wraps functions of the global table `table`, which `wrapper` finds as its first upvalue. The second one is true if
-/// the name begins with "f", as that of `find`. Raises.
-void wrap(lua_State* state, char const* table, std::initializer_list<char const*> names, lua_CFunction wrapper);
+/// Wraps functions of the global table `table`. `wrapper` finds the function as its first upvalue and `flag` as its
+/// second. Raises.
+void wrap(lua_State* state, char const* table, std::initializer_list<char const*> names, lua_CFunction wrapper,
+          bool flag = false);
 
 /// Makes the opened libraries refuse arguments with which one call would take for ever, and count the work that Lua
 /// does in one instruction. In a sandbox, which may be hostile, more functions count. Raises.

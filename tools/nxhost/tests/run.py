@@ -105,6 +105,8 @@ USAGE = [  # arguments, standard input, exit code, text in the output
         "local t, s = {}, ('x'):rep(1000000) for i = 1, 15 do t[i] = s end nx.encodeJSON(t)",
         "local t = {} for i = 1, 100000 do t[i] = i end nx.encodeJSON(t, 16) nx.encodeJSON({t, t, t})",
         "local u, t = {}, {} for i = 1, 1000 do u[i] = {} end for i = 1, 150 do t[i] = u end host.document:set('x', t)",
+        "local r = host.network:createRequest() r.url = 'http://192.0.2.1/' r:addPostData('k', ('x'):rep(1000000)) "
+        "local t = {} for i = 1, 9 do t[i] = host.network:createConnection() t[i]:setRequest(r) t[i]:start() end",
         "nx.decodeJSON(('['):rep(3000000))", "nx.decodeJSON(('[1,'):rep(5000000))")),
     (["--list", "script.lua"], "", 2, "nxhost: a listing takes neither a script nor -e or -i"),
     (["--list", "--stubs"], "", 0, "\n---@class nxhost.Connection : nxNet.Connection\n"),

@@ -20,6 +20,8 @@ for _, set in ipairs{function() end, function(request) request:addPostData("a", 
     os.execute("(sleep 0.1; echo first; sleep 0.1; echo second) > " .. pipe .. " &")
     print(upload("written late", pipe, set):match("first\nsecond\n") ~= nil)
 end
+local fetched = net.fetch("file://" .. pipe)
+print("fetched", fetched.status, fetched.errorText)
 print "== sizes that tell nothing"
 print(upload("made up", "/proc/self/status"):match("^Name:%s*(%w+)"))
 print(#upload("empty device", "/dev/null"))
