@@ -1,6 +1,9 @@
 // Generates, formats and parses identifiers.
 #include "foundation/urOS/Uuid.h"
 
+#define XXH_INLINE_ALL  // nothing of it is exported or linked
+#include <xxhash.h>
+
 #include <charconv>
 
 #include "foundation/urOS/impl/drawRandom.h"
@@ -54,6 +57,16 @@ urString::CString Uuid::asString() const {
 int Uuid::compare(Uuid const& other) const noexcept {
     auto const order = *this <=> other;
     return std::is_gt(order) - std::is_lt(order);
+}
+
+UuidHash::UuidHash() {
+    std::array<std::uint32_t, 2> words{};
+    impl::drawRandom(words);
+    secret_ = std::uint64_t(words[0]) << 32 | words[1];
+}
+
+std::size_t UuidHash::operator()(Uuid const& id) const noexcept {
+    return static_cast<std::size_t>(XXH3_64bits_withSeed(id.words().data(), sizeof(Uuid), secret_));
 }
 
 }  // namespace urOS

@@ -45,6 +45,23 @@ static_assert(sizeof(Uuid) == 16);
 
 }  // namespace urOS
 
+namespace urOS {
+
+/// For tables of identifiers that others choose, as in files: `std::unordered_map<Uuid, T, UuidHash>`. Each hash made
+/// by the default constructor has a secret of its own, so that nobody can choose many identifiers that collide; copies
+/// share it. Tables that take nodes from each other must share one: pass `hash_function()` to the constructor of the
+/// other.
+class NX_API UuidHash {
+public:
+    UuidHash();
+    [[nodiscard]] std::size_t operator()(Uuid const& id) const noexcept;
+
+private:
+    std::uint64_t secret_;
+};
+
+}  // namespace urOS
+
 template <>
 struct std::hash<urOS::Uuid> {
     std::size_t operator()(urOS::Uuid const& id) const noexcept {

@@ -16,5 +16,6 @@ class OStream;
 class StopWatch;
 class SysInfo;
 class Uuid;
+class UuidHash;
 
 }  // namespace urOS

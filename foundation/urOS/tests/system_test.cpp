@@ -110,6 +110,19 @@ TEST(Uuid, GeneratesDifferentOnesOfVersionFour) {
     EXPECT_EQ(seen.size(), 100U);
 }
 
+TEST(Uuid, HashesSoThatNobodyCanChooseCollisions) {
+    UuidHash const hash;
+    std::set<std::size_t> seen;
+    for (std::uint32_t i = 0; i < 1000; ++i) {
+        Uuid const id(i, 7, i, 7);
+        EXPECT_EQ(std::hash<Uuid>()(id), 0U);
+        EXPECT_EQ(hash(id), UuidHash(hash)(id));
+        seen.insert(hash(id));
+    }
+    EXPECT_GT(seen.size(), 990U);
+    EXPECT_NE(hash(Uuid()), UuidHash()(Uuid())) << "each has its own secret";
+}
+
 TEST(StopWatch, AddsUpOnlyWhileItRuns) {
     auto const wait = [] { std::this_thread::sleep_for(std::chrono::milliseconds(5)); };
     StopWatch watch;
