@@ -29,7 +29,7 @@ ObjectSequence::Piece ObjectSequence::emptyPiece() const {
 }
 
 void ObjectSequence::insert(std::size_t index, Element element) {
-    if (pieces_.empty()) pieces_.push_back(emptyPiece());
+    if (pieces_.empty()) pieces_.emplace_back();
     Place place = placeOf(index);
     if (pieces_[place.piece].size() == mostInPiece_) {
         split(place.piece);

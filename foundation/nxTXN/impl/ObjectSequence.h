@@ -40,7 +40,7 @@ private:
     void joinWithNext(std::size_t piece) noexcept;
 
     std::size_t mostInPiece_;
-    std::vector<Piece> pieces_;  ///< each has room for the most elements
+    std::vector<Piece> pieces_;  ///< each has room for the most elements, but a single one only for its own
     std::size_t size_ = 0;
 };
 
