@@ -33,14 +33,15 @@ double now() { return std::chrono::duration<double>(std::chrono::system_clock::n
 
 class Autosave::Journal {
 public:
-    Journal(Document& document, IString const& folder, std::size_t leastBytes)
-        : changes(document), path(newPath(folder)), leastBytes_(leastBytes) {}
+    Journal(Document& document, IString const& parent, std::size_t leastBytes)
+        : changes(document), folder(parent), path(newPath(parent)), leastBytes_(leastBytes) {}
 
     Error writeAll();
     Error append();
     Error remove();
 
     impl::ChangeCollector changes;
+    IString const folder;
     IString const path;
     CString name;
     [[nodiscard]] bool exists() const noexcept { return exists_; }
@@ -99,6 +100,7 @@ Error Autosave::Journal::remove() {
 
 Autosave::Autosave(Document& document, IString const& folder, std::size_t leastBytes)
     : journal_(std::make_unique<Journal>(document, folder, leastBytes)) {
+    if (document.log_) document.log_->documentGone();
     document.log_ = &journal_->changes;
 }
 
@@ -113,7 +115,7 @@ IString const& Autosave::path() const noexcept { return journal_->path; }
 
 Error Autosave::write() {
     impl::ChangeCollector& changes = journal_->changes;
-    if (!changes.document()) return {};
+    if (!changes.document()) return impl::errorAbout(path(), "its document is gone or has another autosave");
     if (!journal_->exists() && !changes.document()->isModified()) return {};
     if (!changes.needsAll() && changes.isEmpty()) return {};
     try {
@@ -127,5 +129,16 @@ Error Autosave::write() {
 }
 
 Error Autosave::discard() { return journal_->remove(); }
+
+Error autosave(Document& document, IString const& folder) {
+    auto& kept = document.autosave_;
+    if (kept && kept->journal_->folder == folder) return kept->write();
+    auto const former = std::exchange(kept, std::make_unique<Autosave>(document, folder));
+    Error error = kept->write();
+    if (former && error.ok()) return former->discard();
+    return error;
+}
+
+Error discardAutosave(Document& document) { return document.autosave_ ? document.autosave_->discard() : Error(); }
 
 }  // namespace nxSupport

@@ -14,7 +14,7 @@ namespace nxSupport {
 /// Time and bytes of a call follow the change. Once the changes take more bytes than the whole document, and at least
 /// 64 KiB, the next call writes it anew: on average this doubles the bytes. The file exists from the first `write` of a
 /// modified document on until `discard`: call that when the user saves, or closes without saving. It is locked as long
-/// as this object lives. One for a document; outlives neither. Main thread only.
+/// as this object lives. A document has one at a time: the next one ends it. Main thread only.
 class NX_API Autosave {
 public:
     static constexpr std::size_t usualLeastBytes = std::size_t(64) << 10;
@@ -29,7 +29,8 @@ public:
     /// What `recoverable` shows for the file, for example the name of the document's own file.
     void setName(urString::CString name);
     /// Writes all changes and waits until they are on the disk. After an error the changes of earlier calls are still
-    /// there, and the next call writes the whole document. Does nothing when nothing has changed.
+    /// there, and the next call writes the whole document. Does nothing when nothing has changed. An error once the
+    /// document is gone or has another autosave.
     urUtil::Error write();
     /// Removes the file. The next `write` begins a new one.
     urUtil::Error discard();
@@ -38,7 +39,16 @@ public:
 
 private:
     class Journal;
+    friend NX_API urUtil::Error autosave(Document& document, urString::IString const& folder);
+
     std::unique_ptr<Journal> journal_;
 };
+
+/// Writes what has changed since the last call to a file in `folder`, as `Autosave::write` does. The document keeps the
+/// `Autosave`; another folder gets a new file instead. `save` removes the file; the end of the document leaves it, so
+/// call `discardAutosave` when the user closes without saving.
+NX_API urUtil::Error autosave(Document& document, urString::IString const& folder);
+/// Removes the file of `autosave`, if there is one.
+NX_API urUtil::Error discardAutosave(Document& document);
 
 }  // namespace nxSupport

@@ -3,6 +3,7 @@
 
 #include <exception>
 
+#include "support/documents/Autosave.h"
 #include "support/documents/impl/ChangeLog.h"
 
 namespace nxSupport {
@@ -59,13 +60,13 @@ ur::vector<CString> Document::steps() const {
 
 bool Document::undoTo(std::size_t count) {
     if (count > history_.undoCount() + history_.redoCount()) return false;
-    while (history_.undoCount() > count) {
+    for (auto left = history_.undoCount(); left > count; --left) {
         if (!history_.undo()) return false;
     }
-    while (history_.undoCount() < count) {
+    for (auto done = history_.undoCount(); done < count; ++done) {
         if (!history_.redo()) return false;
     }
-    return true;
+    return history_.undoCount() == count;
 }
 
 void Document::beginContext(Context const& context) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <initializer_list>
+#include <memory>
 #include <span>
 #include <unordered_map>
 #include <utility>
@@ -13,6 +14,8 @@
 #include "support/messaging/Context.h"
 
 namespace nxSupport {
+
+class Autosave;
 
 namespace impl {
 class ChangeCollector;
@@ -57,7 +60,8 @@ public:
     bool redo() { return history_.redo(); }
     /// The names of all steps, oldest first; the first `history().undoCount()` of them are done.
     [[nodiscard]] ur::vector<urString::CString> steps() const;
-    /// Undoes or redoes until `count` steps are done. False when there are not so many, or when the history is busy.
+    /// Undoes or redoes until `count` steps are done. False when there are not so many, or when the history is busy or
+    /// a listener makes steps.
     bool undoTo(std::size_t count);
     /// Whether the document differs from what was saved or opened last. Undo can make it unmodified again.
     [[nodiscard]] bool isModified() const noexcept { return isRecovered_ || !history_.isClean(); }
@@ -95,9 +99,10 @@ private:
     friend class Autosave;
     friend class impl::ChangeCollector;
     friend class impl::ObjectReader;
-    friend NX_API urUtil::Error recover(Document& document, urString::IString const& path);
+    friend NX_API urUtil::Error autosave(Document& document, urString::IString const& folder);
+    friend NX_API urUtil::Error discardAutosave(Document& document);
 
-    using Index = std::unordered_map<urOS::Uuid, Object*>;
+    using Index = std::unordered_map<urOS::Uuid, Object*, urOS::UuidHash>;
 
     void forget(Object& object) noexcept;
 
@@ -108,6 +113,7 @@ private:
     ur::vector<urOS::Uuid> selection_;
     bool isRecovered_ = false;        ///< and not saved since
     impl::ChangeLog* log_ = nullptr;  ///< told before the signals; not owned
+    std::unique_ptr<Autosave> autosave_;
     urString::CString stepName_;
     ur::vector<int> unwinding_;  ///< for each open context: the number of exceptions when it began
     Object::ChangedSignal changed_;

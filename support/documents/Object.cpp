@@ -62,7 +62,7 @@ ItemReference Object::value(CString const& name) const {
 }
 
 bool Object::setValue(CString const& name, ItemReference value) {
-    if (!document_ || name.empty()) return false;
+    if (!isChangeable() || name.empty()) return false;
     PropertyDescription const* const description = class_->find(name);
     if (value && description && !description->faultOf(value).empty()) return false;
     bool const isSet = values_ && values_->find(name);
@@ -177,11 +177,13 @@ bool Object::isWithin(Object const& other) const noexcept {
     return false;
 }
 
+bool Object::isChangeable() const noexcept { return document_ && isTxnExtant(); }
+
 bool Object::isInTree() const noexcept { return document_ && isWithin(document_->root()); }
 
 bool Object::mayHold(Object const& child) const noexcept {
-    return document_ && child.document_ == document_ && class_->mayContain(*child.class_) && !isWithin(child) &&
-           &child != &document_->root();
+    return isChangeable() && child.isChangeable() && child.document_ == document_ &&
+           class_->mayContain(*child.class_) && !isWithin(child) && &child != &document_->root();
 }
 
 bool Object::insert(std::size_t index, ur::Reference<Object> const& child) {
@@ -191,7 +193,7 @@ bool Object::insert(std::size_t index, ur::Reference<Object> const& child) {
 }
 
 bool Object::remove(Object& child) {
-    if (child.parent_ != this || !document_) return false;
+    if (child.parent_ != this || !isChangeable()) return false;
     take(child.index(), child);
     return true;
 }
@@ -207,8 +209,12 @@ bool Object::moveTo(Object& parent, std::size_t index) {
         formerIndex_ = static_cast<std::uint32_t>(index);
         return parent.childList().move(from, index);
     }
-    parent_->take(from, *this);
-    return parent.insert(std::min(index, parent.children().size()), self);  // a listener may have come first
+    urOS::FirstError errors;
+    bool isInserted = false;
+    errors.guard([&] { parent_->take(from, *this); });
+    if (!parent_) errors.guard([&] { isInserted = parent.insert(std::min(index, parent.children().size()), self); });
+    errors.rethrow();
+    return isInserted;  // a listener may have come first
 }
 
 void Object::put(std::size_t index, ur::Reference<Object> const& child) {
@@ -223,7 +229,7 @@ void Object::put(std::size_t index, ur::Reference<Object> const& child) {
     try {
         list.insert(index, child);
     } catch (...) {
-        if (!children().indexOf(*child)) child->parent_ = nullptr;
+        if (child->parent_ == this && !children().indexOf(*child)) child->parent_ = nullptr;
         throw;
     }
 }

@@ -30,7 +30,8 @@ class PropertyBinding;
 /// The history of the document records what changes; changes outside of any transaction are not recorded, as in
 /// `nxTXN`. Values that differ from the defaults are held in one dictionary; names that the class does not describe are
 /// allowed and take any value. Made by `Document::make`, shared by reference. An object that is in no tree can be
-/// changed like any other. When the document goes, objects that are left are empty and refuse changes.
+/// changed like any other. When the document goes, objects that are left are empty and refuse changes;
+/// so do those whose making is undone.
 ///
 /// Signals come after the change; after undo, redo and abort when the whole step is in place. The object's own come
 /// before those of the document. An object whose making is undone sends none itself. Listeners may do anything, and
@@ -169,6 +170,8 @@ private:
     /// Made if there is none. Until `followChildren` its changes are not signalled.
     [[nodiscard]] Children::List& childList();
     void followChildren();
+    /// Not without a document, nor while its making is undone.
+    [[nodiscard]] bool isChangeable() const noexcept;
     [[nodiscard]] bool mayHold(Object const& child) const noexcept;
     void put(std::size_t index, ur::Reference<Object> const& child);
     void take(std::size_t index, Object& child);

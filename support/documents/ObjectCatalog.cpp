@@ -1,6 +1,7 @@
 // Refuses mistaken descriptions.
 #include "support/documents/ObjectCatalog.h"
 
+#include <climits>
 #include <cmath>
 #include <set>
 
@@ -42,6 +43,7 @@ urUtil::Error ObjectCatalog::add(ClassDescription description) {
     };
     if (description.name.empty()) return refused("has no name");
     if (find(description.name)) return refused("is described already");
+    if (description.version == 0 || description.version > INT_MAX) return refused("has a version that is not above 0");
     auto const base = find(description.base);
     if (!base && !description.base.empty()) return refused("has the unknown base " + quoted(description.base));
     std::set<CString> names;

@@ -13,7 +13,7 @@ namespace nxSupport {
 ///
 /// Setting the property of a row sets the value in all objects as one step of the history, a drag from `ModifyStart` to
 /// `ModifyEnd` as one; a read-only one takes back what it is set to. Rows follow all changes, undo and redo included.
-/// Holds the objects. Main thread only; a listener may destroy it.
+/// Holds the objects; the rows end with it. Main thread only; a listener may destroy it.
 class NX_API Panel {
 public:
     /// Requires: the objects are of one document, which outlives the panel.
@@ -49,5 +49,9 @@ private:
     ur::vector<Row> rows_;
     urRTB::ScopedConnection following_;
 };
+
+/// The panel of some objects of one document.
+[[nodiscard]] inline Panel panelOf(std::span<Object* const> objects) { return Panel(objects); }
+[[nodiscard]] inline Panel panelOf(std::initializer_list<Object*> objects) { return Panel(objects); }
 
 }  // namespace nxSupport

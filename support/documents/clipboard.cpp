@@ -66,6 +66,7 @@ ur::vector<Reference<Object>> duplicate(std::span<Object* const> objects) {
     auto const copied = impl::ObjectWriter(document.catalog()).write(originals);
     ObjectReader reader(document, ObjectReader::Identities::fresh);
     if (!reader.read(copied)) return {};
+    ur::vector<Reference<Object const>> const held(originals.begin(), originals.end());
     nxTXN::Transaction transaction(document.history(), "Duplicate");
     reader.enter();
     for (std::size_t i = 0; i < originals.size(); ++i) {

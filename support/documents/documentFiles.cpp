@@ -10,6 +10,7 @@
 #include "foundation/urOS/Filename.h"
 #include "plst/JsonReport.h"
 #include "plst/packets.h"
+#include "support/documents/Autosave.h"
 #include "support/documents/impl/ObjectReader.h"
 #include "support/documents/impl/ObjectWriter.h"
 #include "support/documents/impl/errorAbout.h"
@@ -146,6 +147,7 @@ CString placeOf(ObjectReader const& reader, Content const& content) {
 }  // namespace
 
 Error save(Document& document, IString const& path, FileForm form) {
+    if (document.history().depth() > 0) return errorAbout(path, "cannot be saved while a transaction is open");
     if (form == FileForm::byName) {
         auto const isJson = urOS::Filename(path).extension() == IString("json");
         form = isJson ? FileForm::json : FileForm::packets;
@@ -155,6 +157,7 @@ Error save(Document& document, IString const& path, FileForm form) {
     if (Error error = writeTo(file, document, form, path); error.isError()) return error;
     if (Error error = file.commit(); error.isError()) return error;
     document.setUnmodified();
+    static_cast<void>(discardAutosave(document));
     return {};
 }
 
@@ -169,7 +172,7 @@ Error open(Document& document, IString const& path, OpenProgress const& progress
         CString const place = reader.isCancelled() ? CString() : placeOf(reader, content);
         return errorAbout(path, CString(place).append(reader.fault()));
     }
-    if (!reader.install()) return errorAbout(path, "cannot be opened during undo");
+    if (!reader.install(ObjectReader::Origin::saved)) return errorAbout(path, "cannot be opened during undo");
     return {};
 }
 

@@ -16,7 +16,7 @@ enum class FileForm {
 
 /// Writes the document and marks it as unmodified. The file is replaced as a whole or not at all (see
 /// `urOS::AtomicFile`) and is on the disk afterwards. An error names the file and, if a value has no form in JSON, the
-/// object and the property.
+/// object and the property. An error as well while a transaction is open, which may still take its changes back.
 NX_API urUtil::Error save(Document& document, urString::IString const& path, FileForm form = FileForm::byName);
 
 /// Called with the part of the work that is done, from 0 to 1, many times a second. False cancels. Must not change the

@@ -88,8 +88,7 @@ Error recover(Document& document, IString const& path) {
     if (!content) return errorAbout(path, "holds no document");
     impl::ObjectReader reader(document, impl::ObjectReader::Identities::kept);
     if (!reader.read(content) || !reader.checkRoot()) return errorAbout(path, reader.fault());
-    if (!reader.install()) return errorAbout(path, "cannot be opened during undo");
-    document.isRecovered_ = true;
+    if (!reader.install(impl::ObjectReader::Origin::recovered)) return errorAbout(path, "cannot be opened during undo");
     return {};
 }
 

@@ -19,7 +19,7 @@ namespace nxSupport::impl {
 /// other, so that their order does not matter.
 class ChangeCollector final : public ChangeLog {
 public:
-    explicit ChangeCollector(Document& document) noexcept : document_(&document) {}
+    explicit ChangeCollector(Document& document) : document_(&document) {}
 
     [[nodiscard]] Document* document() const noexcept { return document_; }
     /// Whether the next record must be the whole document.
@@ -56,8 +56,8 @@ private:
 
     Document* document_;
     std::unique_ptr<ObjectWriter> writer_;  ///< of the present file
-    std::unordered_set<urOS::Uuid> known_;
-    std::unordered_map<urOS::Uuid, std::set<urString::CString>> values_;
+    std::unordered_set<urOS::Uuid, urOS::UuidHash> known_;
+    std::unordered_map<urOS::Uuid, std::set<urString::CString>, urOS::UuidHash> values_;
     ur::vector<List> lists_;
     bool needsAll_ = true;
 };

@@ -164,7 +164,7 @@ bool JournalReplay::applyList(Array const& change) {
 }
 
 Reference<Dictionary> JournalReplay::document() const {
-    std::unordered_set<urOS::Uuid> used;
+    std::unordered_set<urOS::Uuid, urOS::UuidHash> used;
     ur::vector<std::pair<urOS::Uuid, Reference<Array>>> left;
     auto tops = ur::make<Array>();
     left.emplace_back(root_, tops);

@@ -39,7 +39,7 @@ private:
 
     ur::Reference<nxPLST::Dictionary> head_;
     urOS::Uuid root_;
-    std::unordered_map<urOS::Uuid, Entry> objects_;
+    std::unordered_map<urOS::Uuid, Entry, urOS::UuidHash> objects_;
     urString::CString name_;
     double time_ = 0;
 };

@@ -23,6 +23,8 @@ namespace {
 
 /// Values of hostile packet files may share items so often that comparing or copying them would take for ever.
 constexpr std::uint64_t mostExpandedItems = std::uint64_t(1) << 26;
+/// Each class that only the file has keeps the versions that the file names.
+constexpr std::size_t mostVersions = std::size_t(1) << 20;
 constexpr std::size_t objectsBetweenReports = 1024;
 
 CString quoted(CString const& text) { return CString("\"").append(text).append('"'); }
@@ -96,13 +98,12 @@ bool ObjectReader::readObject(Item const* item) {
             return fail("has the unknown member " + quoted(key));
         }
     }
-    KnownClass known;
-    ObjectClass::Versions own;
-    if (!readClass(members, known, own)) return false;
+    KnownClass const* const known = readClass(members);
+    if (!known) return false;
     Object* const parent = open_.back().parent;
-    if (parent && !parent->objectClass().mayContain(*known.objectClass))
+    if (parent && !parent->objectClass().mayContain(*known->objectClass))
         return fail(CString("is a ")
-                        .append(known.objectClass->name())
+                        .append(known->objectClass->name())
                         .append(", which a ")
                         .append(parent->objectClass().name())
                         .append(" may not contain"),
@@ -112,34 +113,38 @@ bool ObjectReader::readObject(Item const* item) {
     auto const valuesItem = members.find(form::values);
     auto values = nxPLST::asDictionary(valuesItem);
     if (valuesItem && !values) return fail("has values that are no dictionary", form::values);
-    if (values && !readValues(known, own.empty() ? versions_ : own, values)) return false;
+    if (values && !readValues(*known, values)) return false;
     auto const childrenItem = members.find(form::children);
     Reference<Array const> const children = nxPLST::asArray(childrenItem);
     if (childrenItem && !children) return fail("has children that are no array", form::children);
-    Object& object = make(known, id, std::move(values));
+    Object& object = make(*known, id, std::move(values));
     if (children && !children->empty()) open_.push_back({&object, children, 0});
     return true;
 }
 
-bool ObjectReader::readClass(Dictionary const& item, KnownClass& known, ObjectClass::Versions& versions) {
+ObjectReader::KnownClass const* ObjectReader::readClass(Dictionary const& item) {
     CString const name = textUnder(item, form::className);
-    if (name.empty()) return fail("has no class", form::className);
-    if (auto const own = item.find(form::versions)) {
-        versions = versions_;
-        if (!readVersions(own, versions)) return fail("has versions that are no whole numbers above 0", form::versions);
-        known = knownClass(name, versions);
-        return true;
-    }
-    auto const [place, isNew] = classes_.try_emplace(name);
-    if (isNew) place->second = knownClass(name, versions_);
-    known = place->second;
-    return true;
+    if (name.empty()) return fail("has no class", form::className), nullptr;
+    ObjectClass::Versions own;
+    if (!readVersions(item.find(form::versions), own))
+        return fail("has versions that are no whole numbers above 0", form::versions), nullptr;
+    CString key = name;
+    for (auto const& [part, version] : own) key.append('\0').append(part).append(CString::format("=%u", version));
+    auto const known = classes_.find(key);
+    return known == classes_.end() ? addClass(key, name, own) : &known->second;
 }
 
-ObjectReader::KnownClass ObjectReader::knownClass(CString const& name, ObjectClass::Versions const& versions) const {
+ObjectReader::KnownClass const* ObjectReader::addClass(CString const& key, CString const& name,
+                                                       ObjectClass::Versions const& own) {
+    versionCount_ += versions_.size() + own.size() + 1;
+    if (versionCount_ > mostVersions) return fail("is one of too many versions of classes", form::className), nullptr;
+    ObjectClass::Versions versions = versions_;
+    for (auto const& [part, version] : own) versions[part] = version;
     auto objectClass = document_.catalog().classFor(name, versions);
     bool const needsUpgrade = objectClass->isCurrent() && objectClass->hasChangedSince(versions);
-    return {std::move(objectClass), needsUpgrade};
+    KnownClass& added = classes_[key];
+    added = {std::move(objectClass), needsUpgrade, std::move(versions)};
+    return &added;
 }
 
 bool ObjectReader::readId(Dictionary const& item, urOS::Uuid& id) {
@@ -154,12 +159,11 @@ bool ObjectReader::readId(Dictionary const& item, urOS::Uuid& id) {
     return true;
 }
 
-bool ObjectReader::readValues(KnownClass const& known, ObjectClass::Versions const& versions,
-                              Reference<Dictionary>& values) {
+bool ObjectReader::readValues(KnownClass const& known, Reference<Dictionary>& values) {
     if (known.needsUpgrade) {
         values = ur::make<Dictionary>(*values);
         try {
-            known.objectClass->upgrade(*values, versions);
+            known.objectClass->upgrade(*values, known.versions);
         } catch (std::bad_alloc const&) {
             throw;
         } catch (std::exception const& error) {
@@ -253,7 +257,7 @@ bool ObjectReader::checkRoot() {
     return failFile(CString("is a ").append(its.name()).append(", expected a ").append(mine.name()), form::objects);
 }
 
-bool ObjectReader::install() {
+bool ObjectReader::install(Origin origin) {
     for (Object* const object : made_) {
         if (object->children_) object->followChildren();
     }
@@ -275,6 +279,7 @@ bool ObjectReader::install() {
     index_.clear();
     document_.selection_.clear();
     document_.setUnmodified();
+    document_.isRecovered_ = origin == Origin::recovered;
     if (document_.log_) document_.log_->forgetAll();
     errors.guard([&] { document_.replaced_.emit(); });
     errors.rethrow();

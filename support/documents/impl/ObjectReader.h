@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <unordered_map>
 
 #include "plst/Path.h"
@@ -15,11 +16,16 @@ namespace nxSupport::impl {
 class ObjectReader {
 public:
     enum class Identities { kept, fresh };
+    /// A recovered document is modified until it is saved.
+    enum class Origin { saved, recovered };
     /// Called with the part that is done; false cancels.
     using Progress = std::function<bool(double)>;
 
     ObjectReader(Document& document, Identities identities, Progress progress = {})
-        : document_(document), identities_(identities), progress_(std::move(progress)) {}
+        : document_(document),
+          identities_(identities),
+          progress_(std::move(progress)),
+          index_(0, document.index_.hash_function()) {}
     ObjectReader(ObjectReader const&) = delete;
     ObjectReader& operator=(ObjectReader const&) = delete;
 
@@ -31,7 +37,7 @@ public:
     [[nodiscard]] bool checkRoot();
     /// Takes the only object as the root of the document and clears the history; the former objects have no document
     /// any more. False, with no change, when the history is busy. Passes on what listeners throw, when all is done.
-    [[nodiscard]] bool install();
+    [[nodiscard]] bool install(Origin origin);
     /// Enters the objects into the document.
     void enter();
 
@@ -50,7 +56,8 @@ private:
     };
     struct KnownClass {
         ur::Reference<ObjectClass const> objectClass;
-        bool needsUpgrade;
+        bool needsUpgrade = false;
+        ObjectClass::Versions versions;  ///< of the content of its objects in the file
     };
 
     [[nodiscard]] bool readHead(nxPLST::Dictionary const& file);
@@ -58,11 +65,12 @@ private:
     [[nodiscard]] bool readTrees();
     [[nodiscard]] bool readObject(nxPLST::Item const* item);
     [[nodiscard]] bool readId(nxPLST::Dictionary const& item, urOS::Uuid& id);
-    [[nodiscard]] bool readClass(nxPLST::Dictionary const& item, KnownClass& known, ObjectClass::Versions& versions);
-    [[nodiscard]] bool readValues(KnownClass const& known, ObjectClass::Versions const& versions,
-                                  ur::Reference<nxPLST::Dictionary>& values);
+    /// Null after a fault.
+    [[nodiscard]] KnownClass const* readClass(nxPLST::Dictionary const& item);
+    [[nodiscard]] KnownClass const* addClass(urString::CString const& key, urString::CString const& name,
+                                             ObjectClass::Versions const& own);
+    [[nodiscard]] bool readValues(KnownClass const& known, ur::Reference<nxPLST::Dictionary>& values);
     [[nodiscard]] bool checkValues(ObjectClass const& objectClass, nxPLST::Dictionary const& values);
-    [[nodiscard]] KnownClass knownClass(urString::CString const& name, ObjectClass::Versions const& versions) const;
     Object& make(KnownClass const& known, urOS::Uuid const& id, ur::Reference<nxPLST::Dictionary> values);
     void leadReferencesToCopies();
     [[nodiscard]] bool report();
@@ -74,10 +82,11 @@ private:
     Identities const identities_;
     Progress const progress_;
     ObjectClass::Versions versions_;
-    std::unordered_map<urString::CString, KnownClass> classes_;
+    std::map<urString::CString, KnownClass> classes_;  ///< by name, with the versions that objects state themselves
+    std::size_t versionCount_ = 0;                     ///< in `classes_`
     ur::vector<Open> open_;
-    nxPLST::Item const* current_ = nullptr;              ///< the object that is being read
-    std::unordered_map<urOS::Uuid, urOS::Uuid> copies_;  ///< the new identity for each one read
+    nxPLST::Item const* current_ = nullptr;                              ///< the object that is being read
+    std::unordered_map<urOS::Uuid, urOS::Uuid, urOS::UuidHash> copies_;  ///< the new identity for each one read
     Document::Index index_;
     ur::vector<Object*> made_;
     ur::vector<ur::Reference<Object>> tops_;

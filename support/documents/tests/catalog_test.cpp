@@ -20,6 +20,7 @@ TEST(Catalog, RefusesMistakesAndNamesThem) {
     Case const cases[] = {
         {{}, "class \"\": has no name"},
         {{.name = "Ball"}, "is described already"},
+        {{.name = "Bad", .version = 0}, "has a version that is not above 0"},
         {{.name = "Bad", .base = "Bad"}, "unknown base \"Bad\""},
         {{.name = "Bad", .children = {"Bad", "Bald"}}, "unknown child class \"Bald\""},
         {{.name = "Bad", .properties = {{.name = "a"}, {.name = "a"}}}, "property \"a\" is described twice"},

@@ -65,9 +65,9 @@ TEST(Panel, ShowsAndSetsWhatObjectsHaveInCommon) {
     Object& a = scene.add(scene.root(), "Ball", "a");
     Object& b = scene.add(scene.root(), "Shape", "b");
     Object& group = scene.add(scene.root(), "Group", "g");
-    EXPECT_EQ(Panel({&a, &group}).rows().size(), 1U) << "the name";
+    EXPECT_EQ(panelOf({&a, &group}).rows().size(), 1U) << "the name";
     EXPECT_TRUE(Panel(std::span<Object* const>()).rows().empty());
-    Panel const panel({&a, &b, &a});
+    Panel const panel = panelOf({&a, &b, &a});
     ASSERT_EQ(panel.rows().size(), 5U);
     EXPECT_TRUE(panel.find("name")->isMixed() && !panel.find("name")->property->value());
     EXPECT_FALSE(panel.find("free"));

@@ -142,6 +142,35 @@ TEST(Documents, KeepTheirChangesWhateverListenersThrow) {
     audit(scene.document);
 }
 
+TEST(Documents, MoveObjectsWhollyWhateverListenersThrow) {
+    Scene scene;
+    Object& group = scene.add(scene.root(), "Group", "g");
+    Object& ball = scene.add(scene.root(), "Ball", "b");
+    auto const throwing = scene.document.removedSignal().addCallback(
+        [](Object&, std::size_t, Object&) { throw std::runtime_error("listener"); });
+    scene.document.history().begin("Move");
+    EXPECT_THROW(ball.moveTo(group, 0), std::runtime_error);
+    scene.document.history().commit();
+    EXPECT_EQ(ball.path(), "/g/b");
+    audit(scene.document);
+}
+
+TEST(Documents, LeaveObjectsAloneWhoseMakingIsUndone) {
+    Scene scene;
+    ur::Reference<Object> group;
+    scene.document.edit("Make", [&] {
+        group = scene.document.make("Group");
+        scene.root().append(group);
+    });
+    scene.document.undo();
+    scene.document.edit("Go on", [&] {
+        EXPECT_FALSE(group->set("name", "g") || scene.root().append(group) ||
+                     group->append(scene.document.make("Ball")));
+    });
+    audit(scene.document);
+    EXPECT_TRUE(scene.document.redo() && group->set("name", "g"));
+}
+
 TEST(Documents, ListTheirStepsAndKnowWhetherTheyAreModified) {
     Scene scene;
     EXPECT_FALSE(scene.document.isModified());
@@ -157,6 +186,11 @@ TEST(Documents, ListTheirStepsAndKnowWhetherTheyAreModified) {
     scene.document.history().begin();
     EXPECT_FALSE(scene.document.undoTo(0)) << "in a transaction";
     scene.document.history().abort();
+    bool steps = false;
+    scene.document.history().changedSignal().addCallback([&] {
+        if ((steps = !steps)) scene.document.edit("Again", [&] { ball.set("free", ball.get<int>("free") + 1); });
+    });
+    EXPECT_FALSE(scene.document.undoTo(0)) << "a listener makes a step after each one that is undone";
 }
 
 /// A host whose contexts record.

@@ -147,6 +147,23 @@ TEST_F(DocumentFiles, NameWhatIsWrongAndWhere) {
     }
     scene.document.history().begin();
     EXPECT_THAT(fault("ball.nx"), HasSubstr("while a transaction is open"));
+    EXPECT_THAT(std::string(save(scene.document, wide(path("open.nx"))).message()),
+                HasSubstr("while a transaction is open"));
+}
+
+TEST_F(DocumentFiles, NeedNoMoreMemoryThanTheyShould) {
+    std::string classes = "{\"c0\": 1";
+    std::string objects;
+    for (int i = 1; i < 2000; ++i) {
+        std::string const name = "\"c" + std::to_string(i) + "\"";
+        classes += ", " + name + ": 1";
+        urOS::Uuid const id(9, 0, 0, static_cast<std::uint32_t>(i));
+        objects +=
+            std::string(i > 1 ? "," : "") + "{\"class\": " + name + ", \"id\": \"" + std::string(id.asString()) + "\"}";
+    }
+    EXPECT_THAT(faultOf(objects, classes + "}"), HasSubstr("is one of too many versions of classes"))
+        << "each class would hold the versions of all";
+    EXPECT_EQ(faultOf(objects), "");
 }
 
 TEST_F(DocumentFiles, NameTheValueThatJsonCannotHold) {

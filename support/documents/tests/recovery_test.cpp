@@ -100,6 +100,33 @@ TEST_F(Recovery, BeginsAndEndsWithUnsavedChanges) {
     Autosave nowhere(scene.document, wide(path("missing")));
     scene.add(scene.root(), "Ball", "d");
     EXPECT_FALSE(nowhere.write().ok());
+    scene.add(scene.root(), "Ball", "e");
+    EXPECT_FALSE(autosave.write().ok()) << "the document has another one";
+}
+
+TEST_F(Recovery, IsKeptByTheDocument) {
+    urOS::fs::create_directory(path("first"));
+    Object& ball = scene.add(scene.root(), "Ball", "b");
+    auto const file = [&] { return recoverable(wide(path()))[0].path; };
+    {
+        Scene other;
+        other.add(other.root(), "Ball", "lost");
+        ASSERT_TRUE(autosave(other.document, wide(path("first"))).ok());
+        ASSERT_TRUE(autosave(other.document, wide(path())).ok());
+        EXPECT_TRUE(recoverable(wide(path("first"))).empty()) << "it is in the other folder now";
+    }
+    EXPECT_EQ(recovered(file()).substr(0, 5), "Group");
+    bool isModified = false;
+    scene.document.replacedSignal().addCallback([&] {
+        isModified = scene.document.isModified();
+        throw std::runtime_error("listener");
+    });
+    EXPECT_THROW(static_cast<void>(recover(scene.document, file())), std::runtime_error);
+    EXPECT_TRUE(isModified && scene.document.isModified() && !ball.document());
+    ASSERT_TRUE(autosave(scene.document, wide(path())).ok());
+    auto const before = fileCount();
+    ASSERT_TRUE(save(scene.document, wide(path("saved.nx"))).ok());
+    EXPECT_EQ(fileCount(), before) << "one more, and one less";
 }
 
 TEST_F(Recovery, TakesWhatIsCompleteOfAnyFile) {
