@@ -84,7 +84,7 @@ void useHistory(Document& document) {
 
 void usePanel(Document& document) {
     // [panel]
-    nxSupport::Panel panel({document.find("Kitchen/Walls"), document.find("Kitchen/Tiles")});
+    auto const panel = nxSupport::panelOf({document.find("Kitchen/Walls"), document.find("Kitchen/Tiles")});
     for (auto const& row : panel.rows()) {
         std::printf("%s: %s\n", row.description.name.c_str(), row.isMixed() ? "differs" : "the same");
     }

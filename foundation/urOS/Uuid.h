@@ -47,10 +47,8 @@ static_assert(sizeof(Uuid) == 16);
 
 namespace urOS {
 
-/// For tables of identifiers that others choose, as in files: `std::unordered_map<Uuid, T, UuidHash>`. Each hash made
-/// by the default constructor has a secret of its own, so that nobody can choose many identifiers that collide; copies
-/// share it. Tables that take nodes from each other must share one: pass `hash_function()` to the constructor of the
-/// other.
+/// For tables of identifiers that others choose, as in files: `std::unordered_map<Uuid, T, UuidHash>`. Each table has a
+/// secret of its own, so that nobody can choose many identifiers that collide. Do not `merge` two such tables.
 class NX_API UuidHash {
 public:
     UuidHash();

@@ -59,8 +59,15 @@ bool ObjectReader::readHead(Dictionary const& file) {
         return failFile("has versions of classes that are no whole numbers above 0", form::classes);
     auto const objects = nxPLST::asArray(file.find(form::objects));
     if (!objects) return failFile("has no objects", form::objects);
-    open_.push_back({nullptr, objects, 0});
+    enterArray(nullptr, objects);
     return true;
+}
+
+void ObjectReader::enterArray(Object* parent, Reference<Array const> const& items) {
+    std::size_t const size = items->array().size();
+    if (identities_ == Identities::kept && size > index_.size()) index_.reserve(index_.size() + size);
+    if (identities_ == Identities::fresh && size > copies_.size()) copies_.reserve(copies_.size() + size);
+    open_.push_back({parent, items, 0});
 }
 
 bool ObjectReader::readVersions(Reference<Item> const& item, ObjectClass::Versions& versions) {
@@ -108,8 +115,8 @@ bool ObjectReader::readObject(Item const* item) {
                         .append(parent->objectClass().name())
                         .append(" may not contain"),
                     form::className);
-    urOS::Uuid id;
-    if (!readId(members, id)) return false;
+    Identity identity;
+    if (!readId(members, identity)) return false;
     auto const valuesItem = members.find(form::values);
     auto values = nxPLST::asDictionary(valuesItem);
     if (valuesItem && !values) return fail("has values that are no dictionary", form::values);
@@ -117,8 +124,8 @@ bool ObjectReader::readObject(Item const* item) {
     auto const childrenItem = members.find(form::children);
     Reference<Array const> const children = nxPLST::asArray(childrenItem);
     if (childrenItem && !children) return fail("has children that are no array", form::children);
-    Object& object = make(*known, id, std::move(values));
-    if (children && !children->empty()) open_.push_back({&object, children, 0});
+    Object& object = make(*known, identity, std::move(values));
+    if (children && !children->empty()) enterArray(&object, children);
     return true;
 }
 
@@ -147,16 +154,21 @@ ObjectReader::KnownClass const* ObjectReader::addClass(CString const& key, CStri
     return &added;
 }
 
-bool ObjectReader::readId(Dictionary const& item, urOS::Uuid& id) {
+bool ObjectReader::readId(Dictionary const& item, Identity& identity) {
+    urOS::Uuid id;
     if (!id.parse(textUnder(item, form::id)) || id.isNil()) return fail("has no identity", form::id);
-    if (identities_ == Identities::kept)
-        return index_.try_emplace(id).second || fail("has the identity of another object", form::id);
-    auto const [place, isNew] = copies_.try_emplace(id);
-    if (!isNew) return fail("has the identity of another object", form::id);
-    place->second.generate();
-    id = place->second;
-    index_[id] = nullptr;
-    return true;
+    bool isNew = false;
+    if (identities_ == Identities::kept) {
+        auto const entered = index_.try_emplace(id);
+        isNew = entered.second;
+        identity = {id, &entered.first->second};
+    } else {
+        auto const entered = copies_.try_emplace(id);
+        isNew = entered.second;
+        if (isNew) entered.first->second.generate();
+        identity = {entered.first->second, nullptr};
+    }
+    return isNew || fail("has the identity of another object", form::id);
 }
 
 bool ObjectReader::readValues(KnownClass const& known, Reference<Dictionary>& values) {
@@ -182,10 +194,11 @@ bool ObjectReader::checkValues(ObjectClass const& objectClass, Dictionary const&
     return true;
 }
 
-Object& ObjectReader::make(KnownClass const& known, urOS::Uuid const& id, Reference<Dictionary> values) {
+Object& ObjectReader::make(KnownClass const& known, Identity const& identity, Reference<Dictionary> values) {
     made_.push_back(nullptr);
-    Reference<Object> const object(new Object(document_, known.objectClass, id, std::move(values)));
-    index_[id] = made_.back() = object.get();
+    Reference<Object> const object(new Object(document_, known.objectClass, identity.id, std::move(values)));
+    made_.back() = object.get();
+    if (identity.place) *identity.place = object.get();
     Object* const parent = open_.back().parent;
     if (!parent) {
         tops_.push_back(object);
@@ -290,8 +303,8 @@ void ObjectReader::enter() {
     for (Object* const object : made_) {
         if (object->children_) object->followChildren();
     }
-    document_.index_.reserve(document_.index_.size() + index_.size());
-    document_.index_.merge(index_);
+    document_.index_.reserve(document_.index_.size() + made_.size());
+    for (Object* const object : made_) document_.index_[object->id()] = object;
 }
 
 // ---- Faults

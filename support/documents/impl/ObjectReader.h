@@ -22,10 +22,7 @@ public:
     using Progress = std::function<bool(double)>;
 
     ObjectReader(Document& document, Identities identities, Progress progress = {})
-        : document_(document),
-          identities_(identities),
-          progress_(std::move(progress)),
-          index_(0, document.index_.hash_function()) {}
+        : document_(document), identities_(identities), progress_(std::move(progress)) {}
     ObjectReader(ObjectReader const&) = delete;
     ObjectReader& operator=(ObjectReader const&) = delete;
 
@@ -38,7 +35,7 @@ public:
     /// Takes the only object as the root of the document and clears the history; the former objects have no document
     /// any more. False, with no change, when the history is busy. Passes on what listeners throw, when all is done.
     [[nodiscard]] bool install(Origin origin);
-    /// Enters the objects into the document.
+    /// Enters the objects, which have fresh identities, into the document.
     void enter();
 
     /// What is wrong: the object, the property, the reason.
@@ -54,6 +51,10 @@ private:
         ur::Reference<nxPLST::Array const> items;
         std::size_t next;
     };
+    struct Identity {
+        urOS::Uuid id;
+        Object** place = nullptr;  ///< in `index_`; null for a fresh one
+    };
     struct KnownClass {
         ur::Reference<ObjectClass const> objectClass;
         bool needsUpgrade = false;
@@ -61,17 +62,18 @@ private:
     };
 
     [[nodiscard]] bool readHead(nxPLST::Dictionary const& file);
+    void enterArray(Object* parent, ur::Reference<nxPLST::Array const> const& items);
     [[nodiscard]] bool readVersions(ur::Reference<nxPLST::Item> const& item, ObjectClass::Versions& versions);
     [[nodiscard]] bool readTrees();
     [[nodiscard]] bool readObject(nxPLST::Item const* item);
-    [[nodiscard]] bool readId(nxPLST::Dictionary const& item, urOS::Uuid& id);
+    [[nodiscard]] bool readId(nxPLST::Dictionary const& item, Identity& identity);
     /// Null after a fault.
     [[nodiscard]] KnownClass const* readClass(nxPLST::Dictionary const& item);
     [[nodiscard]] KnownClass const* addClass(urString::CString const& key, urString::CString const& name,
                                              ObjectClass::Versions const& own);
     [[nodiscard]] bool readValues(KnownClass const& known, ur::Reference<nxPLST::Dictionary>& values);
     [[nodiscard]] bool checkValues(ObjectClass const& objectClass, nxPLST::Dictionary const& values);
-    Object& make(KnownClass const& known, urOS::Uuid const& id, ur::Reference<nxPLST::Dictionary> values);
+    Object& make(KnownClass const& known, Identity const& identity, ur::Reference<nxPLST::Dictionary> values);
     void leadReferencesToCopies();
     [[nodiscard]] bool report();
     bool fail(urString::CString const& what, char const* key = nullptr, urString::CString const& property = {});
@@ -87,7 +89,7 @@ private:
     ur::vector<Open> open_;
     nxPLST::Item const* current_ = nullptr;                              ///< the object that is being read
     std::unordered_map<urOS::Uuid, urOS::Uuid, urOS::UuidHash> copies_;  ///< the new identity for each one read
-    Document::Index index_;
+    Document::Index index_;                                              ///< of objects that keep their identities
     ur::vector<Object*> made_;
     ur::vector<ur::Reference<Object>> tops_;
     urString::CString fault_;
