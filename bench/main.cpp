@@ -33,6 +33,7 @@ int main(int argc, char** argv) {
     bench::addPropertyRows(suite);
     bench::addLuaRows(suite);
     bench::addServiceRows(suite);
+    bench::addDocumentRows(suite);
     if (suite.empty()) {
         std::fprintf(stderr, "nxbench: no row has %s in its name\n", options.filter.c_str());
         return 2;

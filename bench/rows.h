@@ -18,5 +18,6 @@ void addUndoRows(Suite& suite);
 void addPropertyRows(Suite& suite);
 void addLuaRows(Suite& suite);
 void addServiceRows(Suite& suite);
+void addDocumentRows(Suite& suite);
 
 }  // namespace bench
