@@ -31,6 +31,8 @@ constexpr std::string_view prelude = R"lua(
     end
     function try(f) return keep(select(2, pcall(f))) end
     for _, value in pairs(host) do keep(value) end
+    host.document:describe{name = "Node", children = {"Node"}, properties = {{name = "size", value = 1, maximum = 9}}}
+    keep(host.document.root:add("Node"), host.document.root:add("Node", {size = 2}))
 )lua";
 
 /// Generates a script from bytes; reads zeros after the last byte.
@@ -92,6 +94,10 @@ private:
         if (chosen.members().empty()) return "";
         Member const& used = pick(chosen.members());
         std::string const object = "o['" + text(chosen.name()) + "']";
+        if (chosen.otherNames() && byte() % 4 == 0) {
+            std::string const other = object + one({".size", ".name", ".free", "[string.rep('n', 300)]", "[1]"});
+            return byte() % 2 == 0 ? other + " = " + value(depth) : "return " + other;
+        }
         switch (used.kind) {
             case Member::Kind::property:
                 if (used.second && byte() % 2 == 0) return object + "." + text(used.name) + " = " + value(depth);
@@ -143,7 +149,9 @@ private:
             case 4: return depth < 3 ? "{" + value(depth + 1) + ", " + value(depth + 1) + "}" : "{}";
             case 5: return depth < 3 ? "{a = " + value(depth + 1) + ", b = last}" : "{a = 1}";
             case 6:
-                return one({"(function() local t = {} for i = 1, 50 do t = {t, t} end return t end)()",
+                return one({"{size = 3, name = 'n', after = last}",
+                            "{name = 'Leaf', base = 'Node', properties = {{name = 'p', value = last}}}",
+                            "(function() local t = {} for i = 1, 50 do t = {t, t} end return t end)()",
                             "(function() local t = {} for i = 1, 9000 do t = {t} end return t end)()",
                             "(function() local t = {} for i = 1, 9000 do t[i] = i end return t end)()",
                             "(function() local t = {} t[1] = t return t end)()"});
@@ -153,8 +161,8 @@ private:
     /// No names for which a name server would be queried.
     std::string string() {
         return one({"''", "'a b'", "'http://127.0.0.1:9/'", "'file:///etc/passwd'", "'GET'", "'a\\0b'", "'\\255\\n'",
-                    "'Undecided'", "'Const'", "'[1,{\"a\":null}]'", "('x y'):rep(100000)", "('%s*'):rep(50)",
-                    "tostring(last):rep(9) .. ' '"});
+                    "'Undecided'", "'Const'", "'Node'", "'size'", "'/[0]/[0]'", "'[1,{\"a\":null}]'",
+                    "('x y'):rep(100000)", "('%s*'):rep(50)", "tostring(last):rep(9) .. ' '"});
     }
     std::string number() {
         return one({"0", "1", "-1", "0.5", "3", "200", "2^31", "-2^31", "2^32 + 1", "-4e9", "2^53", "1e308", "0/0",

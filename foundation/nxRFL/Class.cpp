@@ -31,6 +31,14 @@ Member const* Class::findMember(urString::CString const& name) const noexcept {
     return nullptr;
 }
 
+Member const* Class::otherNames() const noexcept {
+    if (!otherNames_.empty()) return &*otherNames_.begin();
+    for (Base const& link : bases_) {
+        if (Member const* const inherited = link.base->otherNames()) return inherited;
+    }
+    return nullptr;
+}
+
 void* Class::castToBase(void* object, ur::TypeInfo type) const noexcept {
     for (Base const& link : bases_) {
         void* const asBase = link.toBase ? link.toBase(object) : object;

@@ -91,6 +91,9 @@ public:
     [[nodiscard]] MemberList const& members() const noexcept { return members_; }
     /// A member of this class, otherwise of its bases, the first base first. Null when there is none.
     [[nodiscard]] Member const* findMember(urString::CString const& name) const noexcept;
+    /// A property without a name, for the names that are no members: see `ExposeClassBase::addOtherNames`. That of this
+    /// class, otherwise of its bases. Null when there is none.
+    [[nodiscard]] Member const* otherNames() const noexcept;
 
     /// Converts an object of this class to class `type`, which is this class or a base; otherwise null.
     [[nodiscard]] void* cast(void* object, ur::TypeInfo type) const noexcept {
@@ -115,6 +118,7 @@ private:
     ur::vector<Base> bases_;
     ur::vector<Class*> derived_;
     MemberList members_;
+    MemberList otherNames_;  ///< one at most
     // Caches the dynamic types of objects passed as this class: the class that scripts see, and the pointer conversion.
     struct Seen {
         Class const* as;

@@ -83,6 +83,11 @@ public:
         ExposeClassBase::addProperty(name, make(std::move(getter)), make(std::move(setter)));
         return *this;
     }
+    template <class Getter, class Setter>
+    ExposeClass& addOtherNames(Getter getter, Setter setter) {
+        ExposeClassBase::addOtherNames(make(std::move(getter)), make(std::move(setter)));
+        return *this;
+    }
     /// `begin` takes a T& and returns a std::unique_ptr to an iterator state of some class. `value` takes that state by
     /// reference and returns the current entry.
     template <class Begin, class Value>

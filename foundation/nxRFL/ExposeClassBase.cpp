@@ -58,6 +58,14 @@ void ExposeClassBase::addProperty(urString::CString const& name, ur::Reference<F
     add(Member::Kind::property, name, std::move(getter), std::move(setter));
 }
 
+void ExposeClassBase::addOtherNames(ur::Reference<Function> getter, ur::Reference<Function> setter) {
+    nameFunction(getter, class_.name(), "NAME");
+    nameFunction(setter, class_.name(), "NAME");
+    getter->setParameters({"name"});
+    setter->setParameters({"name", "value"});
+    class_.otherNames_.add({Member::Kind::property, {}, std::move(getter), std::move(setter)});
+}
+
 void ExposeClassBase::addIterator(urString::CString const& name, ur::Reference<Function> begin,
                                   ur::Reference<Function> value) {
     add(Member::Kind::iterator, name, std::move(begin), std::move(value));

@@ -29,6 +29,9 @@ public:
                          std::initializer_list<Parameter> parameters);
     /// Without `setter`, scripts cannot assign.
     void addProperty(urString::CString const& name, ur::Reference<Function> getter, ur::Reference<Function> setter);
+    /// For properties that only the object knows: scripts read and assign any name that is no member of the class.
+    /// `getter` takes the name, `setter` the name and the value; neither is null. Listings do not show them.
+    void addOtherNames(ur::Reference<Function> getter, ur::Reference<Function> setter);
     /// `begin` returns an `IteratorState` for the object. While the state is valid, `value` is called with it for the
     /// current entry, and then it advances. A value of the type "object[2]" is two values to the script.
     void addIterator(urString::CString const& name, ur::Reference<Function> begin, ur::Reference<Function> value);

@@ -47,6 +47,9 @@ public:
     /// By path from the root: see `Object::find`.
     [[nodiscard]] Object* find(std::string_view path) const { return root_->find(path); }
 
+    /// The number of its objects in memory, with those in no tree and those that only the history holds.
+    [[nodiscard]] std::size_t objectCount() const noexcept { return index_.size(); }
+
     /// Limits, signals and transactions of the history.
     [[nodiscard]] nxTXN::Manager& history() noexcept { return history_; }
     [[nodiscard]] nxTXN::Manager const& history() const noexcept { return history_; }

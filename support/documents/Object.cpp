@@ -181,9 +181,11 @@ bool Object::isChangeable() const noexcept { return document_ && isTxnExtant(); 
 
 bool Object::isInTree() const noexcept { return document_ && isWithin(document_->root()); }
 
+/// Trees may be deep, so the walk up is only for a child with children.
 bool Object::mayHold(Object const& child) const noexcept {
-    return isChangeable() && child.isChangeable() && child.document_ == document_ &&
-           class_->mayContain(*child.class_) && !isWithin(child) && &child != &document_->root();
+    if (!isChangeable() || !child.isChangeable() || child.document_ != document_) return false;
+    if (&child == &document_->root() || !class_->mayContain(*child.class_)) return false;
+    return child.children().empty() ? this != &child : !isWithin(child);
 }
 
 bool Object::insert(std::size_t index, ur::Reference<Object> const& child) {

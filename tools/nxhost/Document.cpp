@@ -1,43 +1,32 @@
-// Properties and their history, and the class that scripts use.
+// Named values, steps, files, and the class that scripts use.
 #include "tools/nxhost/Document.h"
 
 #include "foundation/nxRFL/ExposeClass.h"
-#include "foundation/nxTXN/Transaction.h"
+#include "foundation/urOS/File.h"
+#include "support/documents/documentFiles.h"
 #include "support/services/DebugPrint.h"
 #include "support/services/PerfScope.h"
 #include "support/services/Timeline.h"
+#include "tools/nxhost/ObjectListener.h"
+#include "tools/nxhost/objects.h"
 #include "tools/nxhost/requireFunction.h"
+#include "tools/nxhost/throwIfFailed.h"
 
 namespace nxhost {
 
 using nxRFL::Function;
-using nxSupport::Property;
 using ur::Reference;
 using urString::CString;
+using ItemReference = KeptValues::ItemReference;
 
 namespace {
 
-constexpr std::size_t longestName = 256;
-constexpr std::size_t bytesOfEntry = 2048;    // a name with its property
-constexpr std::size_t bytesOfCallable = 512;  // a listener or a validator
-constexpr std::size_t bytesOfStep = 256;      // memory that the history does not count, such as the names of steps
-
-void notify(nxRFL::Callback const& listener, CString const& name, ScriptValue const& value) {
-    nxRFL::Stack arguments;
-    nxRFL::Stack results;
-    nxRFL::Writer writer(arguments);
-    writer.writeText(name);
-    write(writer, value);
-    nxSupport::ScriptCallScope const scope("listener");
-    listener.call(arguments, results);
-}
-
 /// Returns the validator's result for the value. A failure of the validator is raised.
-ScriptValue corrected(Function const& validator, CString const& name, ScriptValue const& value) {
+ScriptValue corrected(Function const& validator, CString const& name, ItemReference const& item) {
     nxRFL::Stack arguments;
     nxRFL::Stack results;
     nxRFL::Writer writer(arguments);
-    write(writer, value);
+    write(writer, ScriptValue{item});
     nxSupport::ScriptCallScope const scope("validator");
     validator.call(arguments, results);
     auto const refuse = [&name](CString const& why) {
@@ -54,30 +43,136 @@ ScriptValue corrected(Function const& validator, CString const& name, ScriptValu
     return result;
 }
 
-}  // namespace
-
-ScriptValue Document::get(CString const& name) const {
-    auto const found = entries_.find(name);
-    return {found == entries_.end() ? nullptr : found->second.property->value()};
+/// An empty table becomes an array or a dictionary, as the default of the property is.
+ItemReference fitted(ItemReference const& item, nxSupport::PropertyDescription const& description) {
+    auto const isEmpty = [](ItemReference const& table) {
+        auto const array = nxPLST::asArray(table);
+        auto const dictionary = nxPLST::asDictionary(table);
+        return array ? array->empty() : dictionary && dictionary->empty();
+    };
+    ItemReference const initial = description.value.item();
+    if (!initial || !item || item->type() == initial->type() || !isEmpty(item)) return item;
+    if (initial->type() == nxPLST::ArrayType) return ur::make<nxPLST::Array>();
+    if (initial->type() == nxPLST::DictionaryType) return ur::make<nxPLST::Dictionary>();
+    return item;
 }
 
+/// Raises for a value that the description excludes.
+void requireFitting(nxSupport::ObjectClass const& objectClass, nxSupport::PropertyDescription const& description,
+                    ItemReference const& item) {
+    CString const fault = description.readOnly ? "is read-only" : item ? description.faultOf(item) : CString();
+    if (!fault.empty()) {
+        throw nxRFL::Exception(
+            CString(objectClass.name()).append(".").append(description.name).append(" ").append(fault));
+    }
+}
+
+}  // namespace
+
+Document::Document(nxSupport::Document& document, nxSupport::ObjectCatalog& catalog, nxSupport::Domain& domain,
+                   NetworkOptions const& options)
+    : document_(document),
+      domain_(domain),
+      options_(options),
+      classes_(catalog),
+      charges_(document),
+      changes_(document.changedSignal().addCallback([this](Object& object, CString const& name) {
+          if (&object == &document_.root()) notify(name);
+      })) {}
+
+// ---- Named values
+
 void Document::set(CString const& name, ScriptValue const& value) {
-    if (domain_.isConst()) throw nxRFL::Exception("nothing can be changed in a Const context");
-    Reference<Property> const property = entry(name).property;
-    kept_.add(value.item);
-    nxTXN::Transaction transaction(history_, CString("Set ").append(name));
-    property->setValue(value.item);
-    transaction.commit();
-    settleHistory();
+    requireChanges();
+    named(name);
+    setValue(document_.root(), name, value.item);
 }
 
 ur::vector<CString> Document::names() const {
     ur::vector<CString> result;
-    for (auto const& [name, entry] : entries_) {
-        if (entry.property->value()) result.push_back(name);
+    if (auto const values = document_.root().values()) {
+        for (auto const& [name, value] : values->dictionary()) result.push_back(name);
     }
     return result;
 }
+
+void Document::listen(CString const& name, Reference<Function> const& function) {
+    requireFunction(function != nullptr, "nxhost::Document.listen", "2 (callback)");
+    Name& listened = named(name);
+    charges_.addCallable(name);
+    listened.listeners.emplace_back(function);
+}
+
+void Document::validate(CString const& name, Reference<Function> const& function) {
+    requireFunction(function != nullptr, "nxhost::Document.validate", "2 (validator)");
+    Name& validated = named(name);
+    charges_.addCallable(name);
+    validated.validators.push_back(function);
+}
+
+Document::Name& Document::named(CString const& name) {
+    auto const known = names_.find(name);
+    if (known != names_.end()) return known->second;
+    if (name.size() > longestName) throw nxRFL::Exception("the name of a value has at most 256 bytes");
+    charges_.addName();
+    return names_[name];
+}
+
+ItemReference Document::validated(CString const& name, ItemReference item) {
+    auto const known = names_.find(name);
+    if (known == names_.end()) return item;
+    auto const& validators = known->second.validators;
+    for (std::size_t i = 0; i < validators.size(); ++i) {
+        ScriptValue const accepted = corrected(*Reference<Function>(validators[i]), name, item);
+        charges_.addValue(accepted.item, name);
+        item = accepted.item;
+    }
+    return item;
+}
+
+void Document::notify(CString const& name) {
+    auto const known = names_.find(name);
+    if (known == names_.end()) return;
+    auto const& listeners = known->second.listeners;
+    for (std::size_t i = 0, count = listeners.size(); i < count; ++i) {
+        nxRFL::Callback const listener = listeners[i];
+        nxRFL::Stack arguments;
+        nxRFL::Stack results;
+        nxRFL::Writer writer(arguments);
+        writer.writeText(name);
+        write(writer, get(name));
+        nxSupport::ScriptCallScope const scope("listener");
+        listener.call(arguments, results);
+    }
+}
+
+void Document::setValue(Object& object, CString const& name, ItemReference item) {
+    requireChangeable(object);
+    if (name.size() > longestName) throw nxRFL::Exception("the name of a value has at most 256 bytes");
+    if (name.empty()) throw nxRFL::Exception("the name of a value is empty");
+    charges_.addValue(item, name);
+    change(CString("Set ").append(name), [&] {
+        Reference<Object> const held(&object);
+        if (&object == &document_.root()) item = validated(name, std::move(item));
+        nxSupport::ObjectClass const& objectClass = object.objectClass();
+        if (auto const* const description = objectClass.find(name)) {
+            item = fitted(item, *description);
+            requireFitting(objectClass, *description, item);
+        }
+        object.setValue(name, item);
+    });
+}
+
+void Document::requireChanges() const {
+    if (domain_.isConst()) throw nxRFL::Exception("nothing can be changed in a Const context");
+}
+
+void Document::requireChangeable(Object const& object) const {
+    requireChanges();
+    if (!object.isTxnExtant()) throw nxRFL::Exception("the object is gone, because its making was undone");
+}
+
+// ---- Steps
 
 void Document::edit(CString const& name, Reference<Function> const& function) {
     requireFunction(function != nullptr, "nxhost::Document.edit", "2 (body)");
@@ -85,96 +180,101 @@ void Document::edit(CString const& name, Reference<Function> const& function) {
     time.charge(nxSupport::Perf_UpdateDoc);
     if (name.size() > longestName) throw nxRFL::Exception("the name of a step has at most 256 bytes");
     nxSupport::ScriptCallScope const call(name);
-    nxTXN::Transaction transaction(history_, name);
+    nxTXN::Transaction transaction(document_.history(), name);
     nxRFL::Stack results;
     function->call({}, results);
     transaction.commit();
-    settleHistory();
+    charges_.settle();
 }
 
 bool Document::undo() {
     nxSupport::DebugPrint print("nxhost::Document::undo", nxSupport::Debug_Undo);
-    print("Undoing \"%s\".", history_.undoName().c_str());
-    return history_.undo();
+    print("Undoing \"%s\".", document_.history().undoName().c_str());
+    bool const isDone = document_.undo();
+    charges_.settle();
+    return isDone;
 }
 
 bool Document::redo() {
     nxSupport::DebugPrint print("nxhost::Document::redo", nxSupport::Debug_Undo);
-    print("Redoing \"%s\".", history_.redoName().c_str());
-    return history_.redo();
+    print("Redoing \"%s\".", document_.history().redoName().c_str());
+    bool const isDone = document_.redo();
+    charges_.settle();
+    return isDone;
 }
 
-void Document::listen(CString const& name, Reference<Function> const& function) {
-    requireFunction(function != nullptr, "nxhost::Document.listen", "2 (callback)");
-    Entry& listened = entry(name);
-    chargeCallable(name);
-    if (!listened.view) {
-        nxTXN::Transaction quiet(history_, {}, nxTXN::TransactionKind::none);
-        listened.view = listened.property->cloneUnTxd();
-        quiet.commit();
-    }
-    listened.connections.push_back(
-        listened.view->subscribe([name, callback = nxRFL::Callback(function)](Reference<Property const> const& property,
-                                                                              nxSupport::PropertyModType stage) {
-            if (stage == nxSupport::ModifyEnd) notify(callback, name, {property->value()});
-        }));
+bool Document::undoTo(std::size_t count) {
+    bool const isDone = document_.undoTo(count);
+    charges_.settle();
+    return isDone;
 }
 
-void Document::validate(CString const& name, Reference<Function> const& function) {
-    requireFunction(function != nullptr, "nxhost::Document.validate", "2 (validator)");
-    Entry& validated = entry(name);
-    chargeCallable(name);
-    validated.connections.push_back(validated.property->subscribeValidation(
-        [this, name, function](Reference<Property const> const&, Property::ItemReference& candidate) {
-            ScriptValue const accepted = corrected(*function, name, {candidate});
-            kept_.add(accepted.item);
-            candidate = accepted.item;
-        }));
+// ---- Files
+
+void Document::requireFiles(CString const& path) const {
+    if (options_.sandboxed) throw nxRFL::Exception("files are not for the sandbox");
+    if (path.find('\0') != CString::npos) throw nxRFL::Exception("the name of a file has no NULs");
 }
 
-/// A new name's property is created outside the history, so that undo restores values and does not remove properties.
-Document::Entry& Document::entry(CString const& name) {
-    auto const known = entries_.find(name);
-    if (known != entries_.end() && known->second.property) return known->second;
-    if (name.size() > longestName) throw nxRFL::Exception("the name of a value has at most 256 bytes");
-    entriesCharge_.add(bytesOfEntry);
-    Entry& result = entries_[name];
-    nxTXN::Transaction quiet(history_, {}, nxTXN::TransactionKind::none);
-    result.property = Property::createTxd(history_, name);
-    quiet.commit();
-    return result;
+void Document::save(CString const& path) {
+    requireFiles(path);
+    throwIfFailed(nxSupport::save(document_, path));
+}
+
+void Document::open(CString const& path) {
+    requireFiles(path);
+    requireChanges();
+    std::uint64_t bytes = 0;
+    urOS::File file;
+    throwIfFailed(file.open(path, urOS::openRead));
+    throwIfFailed(file.size(bytes));
+    ur::Charge const room = charges_.room(bytes);
+    throwIfFailed(nxSupport::open(document_, path));
+    charges_.addOpened();
 }
 
 void Document::chargeTo(std::shared_ptr<ur::Account> const& account) {
-    if (entriesCharge_) return;
-    kept_.chargeTo(account);
-    entriesCharge_ = ur::Charge(account, 0);
-    historyCharge_ = ur::Charge(account, 0);
+    classes_.chargeTo(account);
+    charges_.chargeTo(account);
 }
 
-void Document::chargeCallable(CString const& name) { entriesCharge_.add(bytesOfCallable + name.size()); }
-
-/// Charges the history's records. They exist already, so the charge cannot be refused.
-void Document::settleHistory() noexcept {
-    auto const steps = static_cast<std::size_t>(history_.undoCount() + history_.redoCount());
-    historyCharge_.set(history_.historyBytes() + steps * bytesOfStep);
-}
-
-void exposeDocument(nxRFL::Database& database) {
+void exposeDocument(nxRFL::Database& database, Document& document) {
+    exposeObjects(database, document);
+    using Path = std::string_view;
     nxRFL::ExposeClass<Document>(database, "nxhost::Document")
+        .addProperty("root", [](Document& self) { return &self.document().root(); })
+        .addMethod("find", [](Document& self, Path path) { return self.document().find(path); }, {"path"})
+        .addMethod("findId",
+                   [](Document& self, Path text) {
+                       urOS::Uuid id;
+                       return id.parse(text) ? self.document().find(id) : nullptr;
+                   },
+                   {"id"})
+        .addMethod("describe", &Document::describe, {"class"})
         .addMethod("get", &Document::get, {"name"})
         .addMethod("set", &Document::set, {"name", "value"})
         .addMethod("names", &Document::names)
         .addMethod("edit", &Document::edit, {"name", "body"})
         .addMethod("undo", &Document::undo)
         .addMethod("redo", &Document::redo)
+        .addMethod("undoTo", &Document::undoTo, {"steps"})
         .addMethod("listen", &Document::listen, {"name", "callback"})
         .addMethod("validate", &Document::validate, {"name", "validator"})
-        .addProperty("undoName", [](Document& self) { return self.history().undoName(); })
-        .addProperty("redoName", [](Document& self) { return self.history().redoName(); })
-        .addProperty("undoCount", [](Document& self) { return self.history().undoCount(); })
-        .addProperty("redoCount", [](Document& self) { return self.history().redoCount(); })
-        .addProperty("historyBytes", [](Document& self) { return self.history().historyBytes(); });
+        .addMethod("watch",
+                   [](Document& self, Reference<Function> const& function) {
+                       requireFunction(function != nullptr, "nxhost::Document.watch", "1 (callback)");
+                       ObjectListener::connect(self.document(), function, self.charges().callable());
+                   },
+                   {"callback"})
+        .addMethod("save", &Document::save, {"path"})
+        .addMethod("open", &Document::open, {"path"})
+        .addProperty("isModified", [](Document& self) { return self.document().isModified(); })
+        .addProperty("steps", [](Document& self) { return self.document().steps(); })
+        .addProperty("undoName", [](Document& self) { return self.document().history().undoName(); })
+        .addProperty("redoName", [](Document& self) { return self.document().history().redoName(); })
+        .addProperty("undoCount", [](Document& self) { return self.document().history().undoCount(); })
+        .addProperty("redoCount", [](Document& self) { return self.document().history().redoCount(); })
+        .addProperty("historyBytes", [](Document& self) { return self.document().history().historyBytes(); });
 }
 
 }  // namespace nxhost

@@ -3,69 +3,98 @@
 
 #include <map>
 
+#include "foundation/nxRFL/Callback.h"
 #include "foundation/nxRFL/Database.h"
-#include "foundation/nxTXN/Manager.h"
+#include "foundation/nxTXN/Transaction.h"
+#include "support/documents/Document.h"
 #include "support/messaging/Domain.h"
-#include "support/properties/Property.h"
-#include "tools/nxhost/KeptValues.h"
+#include "tools/nxhost/DescribedClasses.h"
+#include "tools/nxhost/DocumentCharges.h"
+#include "tools/nxhost/Options.h"
 #include "tools/nxhost/ScriptValue.h"
 
 namespace nxhost {
 
-/// Named values with undo and redo. Each name has a property, created on first use and without a value at first.
+/// A document as scripts see it. Its root holds their named values; `exposeObjects` shows the objects.
 ///
-/// Owned by the host, and destroyed before the history. A change outside a transaction is a step of its own. Errors are
-/// raised in the script.
+/// Owned by the host, and destroyed before the document that it shows. A change outside a transaction is a step of its
+/// own. Errors are raised in the script.
 class Document {
 public:
-    Document(nxTXN::Manager& history, nxSupport::Domain& domain) : history_(history), domain_(domain) {}
+    using Object = nxSupport::Object;
+
+    Document(nxSupport::Document& document, nxSupport::ObjectCatalog& catalog, nxSupport::Domain& domain,
+             NetworkOptions const& options);
     Document(Document const&) = delete;
     Document& operator=(Document const&) = delete;
 
-    [[nodiscard]] ScriptValue get(urString::CString const& name) const;
+    // Named values: those of the root.
+    [[nodiscard]] ScriptValue get(urString::CString const& name) const { return {document_.root().value(name)}; }
     /// Null removes the value. Raises in a context that does not allow changes.
     void set(urString::CString const& name, ScriptValue const& value);
     /// The names that have a value.
     [[nodiscard]] ur::vector<urString::CString> names() const;
-
-    /// Calls `function`; its changes are one step, or are undone if it fails.
-    void edit(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
-    bool undo();
-    bool redo();
-
     /// Calls `function` with the name and the value after each change, including undo and redo.
     void listen(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
     /// Calls `function` with each value to be set; its result is set instead. If it fails or returns no value, nothing
     /// is set and the change raises its error.
     void validate(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
 
-    [[nodiscard]] nxTXN::Manager& history() const noexcept { return history_; }
+    /// Calls `function`; its changes are one step, or are undone if it fails.
+    void edit(urString::CString const& name, ur::Reference<nxRFL::Function> const& function);
+    bool undo();
+    bool redo();
+    bool undoTo(std::size_t count);
 
-    /// Charges the values that are set from now on, as long as the document or its history holds them.
+    void describe(ScriptValue const& description) { classes_.add(description.item); }
+    // Refused in the sandbox.
+    void save(urString::CString const& path);
+    void open(urString::CString const& path);
+
+    // For the functions of objects.
+    /// Runs `change` as a step of that name, or as a part of the one that is open.
+    template <class Change>
+    void change(urString::CString const& name, Change&& change) {
+        requireChanges();
+        nxTXN::Transaction transaction(document_.history(), name);
+        std::forward<Change>(change)();
+        transaction.commit();
+        charges_.settle();
+    }
+    /// Raises where nothing can be changed, and for an object whose making was undone.
+    void requireChangeable(Object const& object) const;
+    /// Null removes the value.
+    void setValue(Object& object, urString::CString const& name, KeptValues::ItemReference item);
+    [[nodiscard]] nxSupport::Document& document() const noexcept { return document_; }
+    [[nodiscard]] DescribedClasses& classes() noexcept { return classes_; }
+    [[nodiscard]] DocumentCharges& charges() noexcept { return charges_; }
+
+    /// Charges what is made from now on, as long as the document or its history holds it.
     void chargeTo(std::shared_ptr<ur::Account> const& account);
 
 private:
-    using Property = nxSupport::Property;
-    struct Entry {
-        ur::Reference<Property> property;
-        ur::Reference<Property> view;  ///< shares the value and is notified of its changes
-        ur::vector<urRTB::ScopedConnection> connections;
+    /// Those of one name. Callbacks may add more.
+    struct Name {
+        ur::vector<nxRFL::Callback> listeners;
+        ur::vector<ur::Reference<nxRFL::Function>> validators;
     };
 
-    Entry& entry(urString::CString const& name);
-    /// Charges a listener or a validator of that name.
-    void chargeCallable(urString::CString const& name);
-    void settleHistory() noexcept;
+    Name& named(urString::CString const& name);
+    void requireChanges() const;
+    void requireFiles(urString::CString const& path) const;
+    [[nodiscard]] KeptValues::ItemReference validated(urString::CString const& name, KeptValues::ItemReference item);
+    void notify(urString::CString const& name);
 
-    nxTXN::Manager& history_;
+    nxSupport::Document& document_;
     nxSupport::Domain& domain_;
-    std::map<urString::CString, Entry> entries_;
-    KeptValues kept_;
-    ur::Charge entriesCharge_;
-    ur::Charge historyCharge_;
+    NetworkOptions const& options_;
+    std::map<urString::CString, Name> names_;
+    DescribedClasses classes_;
+    DocumentCharges charges_;
+    urRTB::ScopedConnection changes_;
 };
 
-/// Registers the document's class.
-void exposeDocument(nxRFL::Database& database);
+/// Registers the classes of the document and its objects.
+void exposeDocument(nxRFL::Database& database, Document& document);
 
 }  // namespace nxhost

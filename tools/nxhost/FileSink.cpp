@@ -7,16 +7,9 @@
 
 #include <cerrno>
 
-#include "foundation/nxRFL/Exception.h"
+#include "tools/nxhost/throwIfFailed.h"
 
 namespace nxhost {
-namespace {
-
-void throwIfFailed(urUtil::Error const& error) {
-    if (error.isError()) throw nxRFL::Exception(urString::CString(error.message()));
-}
-
-}  // namespace
 
 FileSink::FileSink(urString::CString const& path, Transfers& transfers) : transfers_(transfers) {
     if (path.find('\0') != urString::CString::npos) throw nxRFL::Exception("the name of a file has no NULs");

@@ -3,12 +3,14 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <stdexcept>
 
 #include "foundation/nxRFL/ExposeFunction.h"
 #include "foundation/urThread/Runnable.h"
 #include "plst/make.h"
 #include "script/initialize.h"
 #include "script/luaFunctions.h"
+#include "support/documents/documentFiles.h"
 #include "support/messaging/AppInitMsg.h"
 #include "support/messaging/InitializeLuaMsg.h"
 #include "support/messaging/InitializeReflectionMsg.h"
@@ -79,21 +81,25 @@ CString packagePath(std::string_view places) {
 Host::Host(Options const& options)
     : arguments_(options.arguments),
       loop_(options.network, interrupt_),
-      diagnostics_(options, domain_, cache_, history_, *database_.account()) {
+      diagnostics_(options, domain_, cache_, tree_.history(), *database_.account()) {
     theCache = &cache_;
     urKRCache::setCacheManagerFunc([] { return theCache; });
     cache_.setMemoryLimit64(options.cacheLimit);
-    history_.setStepLimit(options.undoSteps);
-    history_.setByteLimit(options.undoMemory);
+    tree_.history().setStepLimit(options.undoSteps);
+    tree_.history().setByteLimit(options.undoMemory);
     database_.setErrorHandler([this](nxRFL::Exception const& error) { onCallbackError(error); });
     loop_.transfers().setPipeErrorHandler([this](nxRFL::Exception const& error) { onCallbackError(error); });
 
     domain_.offer(&broadcaster_);
     domain_.offer(&cache_);
-    domain_.offer(&history_);
+    domain_.offer(&tree_.history());
     domain_.offer(&registry_);
     domain_.offer<nxNet::Manager>(&network_);
     domain_.offer<nxSupport::Domain>(&domain_);
+    if (!options.document.empty()) {
+        auto const error = nxSupport::open(tree_, options.document);
+        if (error.isError()) throw std::runtime_error(std::string(error.message()));
+    }
     startUp(options);
 }
 
@@ -121,7 +127,7 @@ void Host::startUp(Options const& options) {
 
 void Host::registerClasses(nxRFL::Database& database) {
     exposeNetwork(database);
-    exposeDocument(database);
+    exposeDocument(database, document_);
     exposeCache(database, loop_.transfers().options().sandboxed ? cache_.getMemoryLimit64() : 0);
     registerFunctions(database);
 }

@@ -10,8 +10,8 @@
 
 #include "foundation/nxLC/State.h"
 #include "foundation/nxRFL/Database.h"
-#include "foundation/nxTXN/Manager.h"
 #include "krcache/Manager.h"
+#include "support/documents/Document.h"
 #include "support/messaging/Broadcaster.h"
 #include "support/messaging/DataSink.h"
 #include "support/services/Registry.h"
@@ -90,14 +90,15 @@ private:
     Interrupt interrupt_;
     TemporaryFolder folder_{interrupt_};
     Loop loop_;
-    nxTXN::Manager history_;
-    HostDomain domain_{loop_.queue(), history_};
+    nxSupport::ObjectCatalog catalog_;
+    nxSupport::Document tree_{catalog_, "Document"};
+    HostDomain domain_{loop_.queue(), tree_.history()};
     urKRCache::Manager cache_{folder_.path()};
     nxSupport::Broadcaster broadcaster_;
     nxRFL::Database database_;
     nxSupport::Registry registry_;
     Network network_{loop_.transfers()};
-    Document document_{history_, domain_};
+    Document document_{tree_, catalog_, domain_, loop_.transfers().options()};
     Diagnostics diagnostics_;
     std::unique_ptr<nxLC::State> state_;
     // [members]

@@ -50,7 +50,7 @@ extern "C" void onSignal(int number) {
     }
     caught = number;
     if (nxLC::State* const state = watched) state->interrupt();
-    if (write(pipeEnds[1], "!", 1) < 0) errno = 0;  // the pipe is full and thus already readable
+    if (::write(pipeEnds[1], "!", 1) < 0) errno = 0;  // the pipe is full and thus already readable
     errno = before;
 }
 
@@ -89,7 +89,7 @@ void Interrupt::clear() noexcept {
     caught = 0;                              // before the reads: a signal in between is seen by the next call of
                                              // `pending`
     char bytes[16];
-    while (read(pipeEnds[0], bytes, sizeof bytes) > 0) continue;
+    while (::read(pipeEnds[0], bytes, sizeof bytes) > 0) continue;
 }
 
 int Interrupt::descriptor() const noexcept { return pipeEnds[0]; }

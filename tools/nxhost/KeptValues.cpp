@@ -7,12 +7,23 @@
 
 namespace nxhost {
 
-void KeptValues::add(ur::Reference<nxPLST::Item const> const& value) {
+void KeptValues::add(ItemReference const& value, std::size_t more) {
     if (!value || !charge_) return;
-    std::size_t const bytes = bytesOf(*value) + sizeof(Kept);
+    std::size_t const bytes = bytesOf(*value) + sizeof(Kept) + more;
     if (values_.size() >= purgeThreshold_ || !charge_.account()->allows(bytes)) forgetDropped();
     charge_.add(bytes);
     values_.push_back({value, bytes});
+}
+
+void KeptValues::addAnyway(ItemReference const& value, std::size_t more) {
+    if (!value || !charge_) return;
+    std::size_t const bytes = bytesOf(*value) + sizeof(Kept) + more;
+    values_.push_back({value, bytes});
+    charge_.set(charge_.bytes() + bytes);
+}
+
+void KeptValues::settle() noexcept {
+    if (charge_ && !charge_.account()->allows(charge_.bytes() / 4)) forgetDropped();
 }
 
 void KeptValues::forgetDropped() noexcept {

@@ -9,18 +9,26 @@
 
 namespace nxhost {
 
-/// Charges values as long as other references exist: in a property, or in the history for former values.
+/// Charges values as long as other references exist: in an object, or in the history for former values.
 class KeptValues {
 public:
+    using ItemReference = ur::Reference<nxPLST::Item const>;
+
     void chargeTo(std::shared_ptr<ur::Account> const& account) {
         if (!charge_) charge_ = ur::Charge(account, 0);
     }
-    /// Charges a value before it is stored; null is ignored. Throws `ur::BudgetSpent`.
-    void add(ur::Reference<nxPLST::Item const> const& value);
+    /// Charges a value, and `more` bytes that go with it, before it is stored; null is ignored. Throws
+    /// `ur::BudgetSpent`.
+    void add(ItemReference const& value, std::size_t more = 0);
+    /// Gives back what dropped values were charged, when the account has little room. The script's own allocations
+    /// cannot do that.
+    void settle() noexcept;
+    /// Charges a value that is stored already, so that the charge cannot be refused.
+    void addAnyway(ItemReference const& value, std::size_t more);
 
 private:
     struct Kept {
-        ur::Reference<nxPLST::Item const> value;
+        ItemReference value;
         std::size_t bytes;
     };
 

@@ -91,6 +91,8 @@ void addScripts(CLI::App& app, Options& o) {
     app.option_defaults()->group("Scripts");
     addOption(app, "-e", "CODE", "run CODE in place of SCRIPT; several run in order",
               [&o](std::string const& code) { o.code.push_back(code); });
+    addOption(app, "--open", "FILE", "open FILE as the document before the script runs",
+              [&o](std::string const& file) { o.document = file; });
     app.add_flag("-i", o.prompt, "show a prompt when the script has ended");
     auto const addListing = [&](char const* name, nxRFL::ListingFormat format, char const* meaning) {
         app.add_flag_callback(

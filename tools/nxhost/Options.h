@@ -38,6 +38,7 @@ struct Options {
     std::vector<std::string> code;       ///< run in order, in place of a script
     std::vector<std::string> arguments;  ///< for the script
     bool prompt = false;
+    std::string document;  ///< a file to open before the script; empty for none
 
     nxLC::Library library = nxLC::Library::everything;
     nxLC::Limits limits;

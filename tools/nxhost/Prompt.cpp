@@ -1,7 +1,6 @@
 // Reading, evaluating, printing.
 #include "tools/nxhost/Prompt.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <string_view>
 
@@ -9,6 +8,7 @@
 #include "foundation/nxRFL/Writer.h"
 #include "support/services/Timeline.h"
 #include "tools/nxhost/Host.h"
+#include "tools/nxhost/trimmed.h"
 
 namespace nxhost {
 
@@ -126,12 +126,6 @@ constexpr char const* helpText =
     "quotes.\n"
     "  help(x)      what an object, a class, a table or a function offers: help(host.document), help(nx.encodeJSON)\n"
     "  quit         ends the program, as Ctrl-D does";
-
-std::string_view trimmed(std::string_view text) {
-    constexpr std::string_view blanks = " \t\r\n";
-    std::size_t const begin = std::min(text.find_first_not_of(blanks), text.size());
-    return text.substr(begin, text.find_last_not_of(blanks) + 1 - begin);
-}
 
 /// The function that a chunk returns.
 Reference<Function> made(Host& host, char const* source, char const* argument) {

@@ -63,7 +63,7 @@ bool Meter::grants(std::size_t bytes) noexcept {
     if (bytes < largeBlock) [[likely]]
         return true;
     spendBytes(bytes);
-    return !mustStop();
+    return bytes < hugeBlock || !mustStop();
 }
 
 /// Combines `bounds` with the limits of a call.

@@ -219,6 +219,13 @@ MemberCell const* findProperty(lua_State* state) noexcept {
     return static_cast<MemberCell const*>(lua_touserdata(state, -1));
 }
 
+/// The cell for a name that the class does not have; null for a member, for other keys, and when there is none.
+/// Requires: the member is on top.
+MemberCell const* findOtherName(lua_State* state, int key) noexcept {
+    if (!lua_isnil(state, -1) || lua_type(state, key) != LUA_TSTRING) return nullptr;
+    return static_cast<MemberCell const*>(lua_touserdata(state, lua_upvalueindex(3)));
+}
+
 char const* classNameOf(lua_State* state, int index) noexcept {
     Box const* const box = toBox(state, index);
     return box ? box->objectClass->name().c_str() : luaL_typename(state, index);
@@ -272,6 +279,10 @@ int indexObject(lua_State* state) {
     if (lua_gettop(state) != 2) lua_settop(state, 2);
     lua_pushvalue(state, 2);
     MemberCell const* const property = findProperty(state);
+    if (MemberCell const* const other = property ? nullptr : findOtherName(state, 2)) {
+        ShortText text;
+        return complete(state, callAt(other->anchor->binding, state, *other->member->function, {2, 1}, text), text);
+    }
     if (!property) {
         bool const isMissing = lua_isnil(state, -1) && lua_type(state, 2) == LUA_TSTRING;
         if (!isMissing) return 1;
@@ -289,20 +300,23 @@ int missMember(lua_State* state) {
 int assignProperty(lua_State* state) {
     lua_pushvalue(state, 2);
     MemberCell const* const property = findProperty(state);
-    if (!property) {
+    MemberCell const* const other = property ? nullptr : findOtherName(state, 2);
+    if (!property && !other) {
         char const* const owner = classNameOf(state, 1);
         if (lua_type(state, 2) == LUA_TSTRING) {
             return failOnMember(state, owner, lua_upvalueindex(2), 2, Wanted::property);
         }
         return luaL_error(state, "%s has no property %s", owner, luaL_typename(state, 2));
     }
-    if (!property->member->second) {
+    if (property && !property->member->second) {
         return luaL_error(state, "%s.%s is read-only", classNameOf(state, 1), lua_tostring(state, 2));
     }
-    Binding* const binding = property->anchor->binding;
+    MemberCell const& assigned = property ? *property : *other;
+    Binding* const binding = assigned.anchor->binding;
     if (binding && binding->asksAssignmentHook) askAssignmentHook(state, *binding);
     ShortText text;
-    return complete(state, callAt(binding, state, *property->member->second, {2, 2}, text), text);
+    Places const places = property ? Places{2, 2} : Places{3, 1};
+    return complete(state, callAt(binding, state, *assigned.member->second, places, text), text);
 }
 
 }  // namespace nxLC::impl

@@ -20,7 +20,7 @@ int callFunction(Binding* binding, lua_State* state, nxRFL::Function const& func
 int callMember(lua_State* state);
 int beginIteration(lua_State* state);
 
-// Upvalues: the anchor, and the table of members, where properties are cells.
+// Upvalues: the anchor, the table of members, where properties are cells, and the cell for other names, or nil.
 int indexObject(lua_State* state);
 /// `__index` of a table of members for objects without properties. Upvalue: the name of the class.
 int missMember(lua_State* state);

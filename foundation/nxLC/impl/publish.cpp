@@ -21,13 +21,6 @@ void pushFunction(Binding& binding, lua_State* state, lua_CFunction function) {
     lua_pushcclosure(state, function, 1);
 }
 
-/// The same with the value at `table` as its second upvalue.
-void pushFunctionWithTable(Binding& binding, lua_State* state, lua_CFunction function, int table) {
-    Binding::pushKept(state, binding.anchor);
-    lua_pushvalue(state, table);
-    lua_pushcclosure(state, function, 2);
-}
-
 void pushCell(Binding& binding, lua_State* state, Member const& member) {
     Binding::pushKept(state, binding.anchor);
     auto const* const anchor = static_cast<Anchor*>(lua_touserdata(state, -1));
@@ -52,6 +45,18 @@ void setFunction(Binding& binding, lua_State* state, char const* name, lua_CFunc
     lua_pushstring(state, name);
     pushFunction(binding, state, function);
     lua_rawset(state, -3);
+}
+
+/// Pushes a function whose further upvalues are the value at `table` and the cell of `others`, or nil.
+void pushPropertyFunction(Binding& binding, lua_State* state, lua_CFunction function, int table, Member const* others) {
+    Binding::pushKept(state, binding.anchor);
+    lua_pushvalue(state, table);
+    if (others) {
+        pushCell(binding, state, *others);
+    } else {
+        lua_pushnil(state);
+    }
+    lua_pushcclosure(state, function, 3);
 }
 
 /// Fills the table on top with the members of objects: functions, and properties as cells. Members of bases come first,
@@ -101,15 +106,16 @@ void fillMetatable(Binding& binding, lua_State* state, Class const& objectClass)
     bool const hasProperties = fillMembers(binding, state, objectClass);
     int const members = lua_gettop(state);
     lua_pushliteral(state, "__index");
-    if (hasProperties) {
-        pushFunctionWithTable(binding, state, &indexObject, members);
+    Member const* const others = objectClass.otherNames();
+    if (hasProperties || others) {
+        pushPropertyFunction(binding, state, &indexObject, members, others);
     } else {
         failOnMissing(state, members, objectClass);
         lua_pushvalue(state, members);
     }
     lua_rawset(state, members - 1);
     lua_pushliteral(state, "__newindex");
-    pushFunctionWithTable(binding, state, &assignProperty, members);
+    pushPropertyFunction(binding, state, &assignProperty, members, others);
     lua_rawset(state, members - 1);
     lua_pop(state, 1);
 }

@@ -1,5 +1,7 @@
 // Tests native classes and objects as scripts see them.
 #include <cstring>
+#include <map>
+#include <optional>
 
 #include "foundation/nxLC/tests/Farm.h"
 
@@ -8,6 +10,7 @@ namespace {
 using namespace nxRFL;
 using farm::Animal;
 using farm::Barn;
+using farm::CString;
 
 using Objects = farm::Farm;
 
@@ -39,6 +42,41 @@ TEST_F(Objects, HaveMethodsPropertiesAndIterators) {
         do walk = farm.Duck.make(false):meals() end
         collectgarbage()
         assert(walk() == nil and walk() == nil))");
+}
+
+/// Has an entry under any name.
+struct Shelf : ur::ReferenceCount {
+    std::map<CString, double> entries;
+};
+struct BigShelf : Shelf {};
+
+TEST(OtherNames, BelongToObjectsWhereTheClassAndItsBasesHaveNoMember) {
+    Database database;
+    ExposeClass<Shelf>(database, "Shelf")
+        .addMethod("count", [](Shelf& self) { return self.entries.size(); })
+        .addOtherNames(
+            [](Shelf& self, CString const& name) {
+                auto const found = self.entries.find(name);
+                return found == self.entries.end() ? std::nullopt : std::optional(found->second);
+            },
+            [](Shelf& self, CString const& name, double value) { self.entries[name] = value; });
+    ExposeClass<BigShelf>(database, "BigShelf")
+        .addBase<Shelf>()
+        .addStaticMethod("make", [] { return ur::make<BigShelf>(); })
+        .addProperty("size", [](BigShelf&) { return 2; });
+    nxLC::State state(database, nxLC::Library::everything);
+    std::pair<std::string, std::string> const rows[] = {
+        {"assert(shelf.corn == nil and shelf[1] == nil and shelf.size == 2) shelf.corn, shelf.rye = 3, 5", ""},
+        {"shelf.corn = 7 assert(shelf.corn == 7 and shelf.rye == nil and shelf:count() == 1)", ""},
+        {"shelf.corn = 'much'", "test:1: Shelf.NAME: argument 2 (value) must be number, but is string"},
+        {"shelf.size = 1", "test:1: BigShelf.size is read-only"},
+        {"shelf.count = 1", "test:1: BigShelf has no property count"},
+        {"shelf[1] = 1", "test:1: BigShelf has no property number"},
+    };
+    for (auto const& [script, message] : rows) {
+        auto const error = state.run("local shelf = BigShelf.make() " + script, "=test");
+        EXPECT_EQ(error ? std::string(error->message().view()) : "", message) << script;
+    }
 }
 
 TEST_F(Objects, RefuseWhatTheyDoNotHave) {
