@@ -21,8 +21,8 @@ NX_API urString::CString asJSON(ur::Reference<Item const> item);
 NX_API urString::CString asJSON(ur::Reference<Item const> item, std::uint64_t mostExpandedBytes);
 
 /// Writes the complete text of `asJSON` into the file at `path`; only a line feed for a null item. False when the file
-/// cannot be opened or written. The file is replaced as a whole, and stays unchanged on failure; or it is overwritten in
-/// place where replacing is impossible or would change more than the content, and an error of the disk can leave a
+/// cannot be opened or written. The file is replaced as a whole, and stays unchanged on failure; or it is overwritten
+/// in place where replacing is impossible or would change more than the content, and an error of the disk can leave a
 /// mixture (see `urOS::AtomicFile`).
 [[nodiscard]] NX_API bool outputJSON(urString::IString const& path, ur::Reference<Item const> item);
 

@@ -92,8 +92,8 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    static constexpr std::size_t largeBlock = 4096;         ///< counted from this size on
-    static constexpr std::size_t hugeBlock = 64 * 1024;     ///< refused to a script that must end; errors need less
+    static constexpr std::size_t largeBlock = 4096;      ///< counted from this size on
+    static constexpr std::size_t hugeBlock = 64 * 1024;  ///< refused to a script that must end; errors need less
     static constexpr unsigned looksPerClock = 64;
     static constexpr std::chrono::milliseconds longPeriod{2};
 
