@@ -362,7 +362,7 @@ void read(Reader& reader, ThrowingFunction<Result(Arguments...)>& callable) {
     callable = [function = std::move(function)](Arguments... arguments) -> Result {
         Stack const values = impl::argumentsOf<Arguments...>(std::forward<Arguments>(arguments)...);
         Stack results;
-        ur::Reference<Function> const self = function;  // the call may drop this callable
+        ur::Reference<Function> const self(function.get());  // the call may drop this callable
         if (self->canRun()) self->call(values, results);
         if constexpr (!std::is_void_v<Result>) {
             bool const hasRun = !results.empty() || self->canRun();
@@ -380,7 +380,7 @@ void read(Reader& reader, std::function<Result(Arguments...)>& callable) {
     callable = [callback = Callback(std::move(function))](Arguments... arguments) -> Result {
         Stack const values = impl::argumentsOf<Arguments...>(std::forward<Arguments>(arguments)...);
         Stack results;
-        Callback const self(callback);  // the call may drop this callable
+        Callback const self(callback.function());  // the call may drop this callable
         bool const succeeded = self.call(values, results);
         if constexpr (!std::is_void_v<Result>) {
             try {
