@@ -89,7 +89,7 @@ def completes(folder):
     terminal.enter("host.document:un\t()", "false\r\n")
     terminal.expect("> ")
     terminal.type("host.document:\t")
-    terminal.expect("edit  get  listen  names  redo  set  undo  validate")
+    terminal.expect("describe  edit  find  findId  get  listen  names  open  redo  save  set  undo  undoTo  validate  watch")
     terminal.type("nothing\t\x03")
     terminal.enter("'alive'", "alive\r\n")
     terminal.enter("os.exit(3)")
