@@ -108,13 +108,14 @@ bool ObjectReader::readObject(Item const* item) {
     KnownClass const* const known = readClass(members);
     if (!known) return false;
     Object* const parent = open_.back().parent;
-    if (parent && !parent->objectClass().mayContain(*known->objectClass))
+    if (parent && !parent->objectClass().mayContain(*known->objectClass)) {
         return fail(CString("is a ")
                         .append(known->objectClass->name())
                         .append(", which a ")
                         .append(parent->objectClass().name())
                         .append(" may not contain"),
                     form::className);
+    }
     Identity identity;
     if (!readId(members, identity)) return false;
     auto const valuesItem = members.find(form::values);
