@@ -87,7 +87,7 @@ Account::Bounds Meter::bounded(Account::Bounds bounds) noexcept {
 void Meter::enter() noexcept {
     if (depth_++ > 0) return;
     instructions_ = 0;
-    began_ = Clock::now();
+    if (limits_.instructions != 0) began_ = Clock::now();
     processorTime_.reset();
     refused_ = false;
     stopped_ = ended_;

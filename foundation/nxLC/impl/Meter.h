@@ -27,7 +27,7 @@ namespace nxLC::impl {
 ///
 /// When a script has used up its instructions or is interrupted, every further instruction of its thread raises an
 /// error, so catching the error does not help. Refused memory is Lua's ordinary error. A single instruction may fill a
-/// large block of memory, so such blocks count by their size and are refused to a script that must end.
+/// large block of memory, so such blocks count by their size, and a script that must end gets no huge ones.
 class Meter final : private ur::Account::Collector {
 public:
     static constexpr int period = 1000;                     ///< the most instructions between two checks
