@@ -5,6 +5,7 @@
 #include <cstring>
 #include <exception>
 #include <typeinfo>
+#include <utility>
 
 #include "foundation/nxLC/ReflectionData.h"
 #include "foundation/nxLC/protect.h"
@@ -75,19 +76,23 @@ void pushAny(lua_State* state, Item const* item) {
 
 constexpr std::size_t nodeBytes = 32;    ///< about, of an item with its allocation
 constexpr std::size_t memberBytes = 24;  ///< about, of a reference in its container, with a key
+constexpr std::size_t chargedAtOnce = 4096;
 
 /// Builds the items of a Lua value, and charges them. An open container is held by the one that encloses it, and all
 /// of them by the root.
 class ItemSink final : public nxLC::ValueSink {
 public:
     explicit ItemSink(ur::Charge& charge) noexcept : charge_(charge) {}
-    [[nodiscard]] Reference<Item> takeRoot() noexcept { return std::move(root_); }
+    [[nodiscard]] Reference<Item> takeRoot() {
+        charge_.add(std::exchange(uncharged_, 0));
+        return std::move(root_);
+    }
 
     void onNil() override {}
     void onBoolean(bool value) override { add(ur::make<nxPLST::Bool>(value)); }
     void onNumber(double value) override { add(ur::make<nxPLST::Double>(value)); }
     void onText(char const* bytes, std::size_t size) override {
-        charge_.add(size);
+        charge(size);
         CString text(bytes, static_cast<std::size_t>(std::find(bytes, bytes + size, '\0') - bytes));
         if (isKeyNext()) {
             open_.back().key = std::move(text);
@@ -124,8 +129,12 @@ private:
     [[nodiscard]] bool isKeyNext() const noexcept {
         return !open_.empty() && open_.back().dictionary && !open_.back().hasKey;
     }
+    void charge(std::size_t bytes) {
+        uncharged_ += bytes;
+        if (uncharged_ >= chargedAtOnce) charge_.add(std::exchange(uncharged_, 0));
+    }
     void add(Reference<Item> item) {
-        charge_.add(nodeBytes + memberBytes);
+        charge(nodeBytes + memberBytes);
         if (open_.empty()) {
             root_ = std::move(item);
         } else if (Open& top = open_.back(); top.array) {
@@ -137,6 +146,7 @@ private:
     }
 
     ur::Charge& charge_;
+    std::size_t uncharged_ = 0;
     Reference<Item> root_;
     ur::vector<Open> open_;
 };

@@ -11,17 +11,33 @@ namespace nxLC {
 
 namespace {
 
+constexpr std::size_t bytesOfValue = 16;
+/// The meter counts so many values at once: counting each alone takes a tenth longer.
+constexpr std::size_t settledAtOnce = 64;
+
 /// The walk over one Lua value. Runs in the body of a `protect`: raises and throws.
 class Walk {
 public:
     Walk(lua_State* state, ValueSink& sink) noexcept;
 
-    /// Requires: the index is positive.
-    void value(int index);
+    /// Visits the whole value. Requires: the index is positive.
+    void run(int index) {
+        value(index);
+        settle();
+    }
 
 private:
     /// Counts values. Fails if they exceed the budget, or the script must end.
-    void spend(std::size_t values);
+    void spend(std::size_t values) {
+        if (values > budget_) [[unlikely]]
+            repeat(values);
+        budget_ -= values;
+        unsettled_ += values;
+        if (unsettled_ >= settledAtOnce) settle();
+    }
+    void repeat(std::size_t values);
+    void settle();
+    void value(int index);
     void text(int index);
     void table(int index);
     void array(int index);
@@ -32,12 +48,11 @@ private:
 
     lua_State* state_;
     ValueSink& sink_;
-    impl::Meter* meter_;  ///< null for an unbound state
-    std::size_t budget_;  ///< the number of values still allowed
+    impl::Meter* meter_;         ///< null for an unbound state
+    std::size_t budget_;         ///< the number of values still allowed
+    std::size_t unsettled_ = 0;  ///< values counted here that the meter has not counted yet
     bool isRepeating_ = false;
 };
-
-constexpr std::size_t bytesOfValue = 16;
 
 [[noreturn]] void fail(char const* complaint) { throw nxRFL::Exception(complaint); }
 
@@ -50,14 +65,16 @@ Walk::Walk(lua_State* state, ValueSink& sink) noexcept : state_(state), sink_(si
     budget_ = static_cast<std::size_t>(lua_gc(state, LUA_GCCOUNT, 0)) * 1024 / bytesOfValue;
 }
 
-void Walk::spend(std::size_t values) {
-    if (values > budget_ && !std::exchange(isRepeating_, true)) {
-        // Shared parts are visited at every occurrence; this bounds their number.
+/// Shared parts are visited at every occurrence; this bounds their number.
+void Walk::repeat(std::size_t values) {
+    if (!std::exchange(isRepeating_, true)) {
         budget_ += meter_ ? meter_->limits().repeatedValues : Limits().repeatedValues;
     }
     if (values > budget_) fail("is a table with itself in it, or with parts that it holds too often");
-    budget_ -= values;
-    if (meter_) meter_->spendOrThrow(values);
+}
+
+void Walk::settle() {
+    if (meter_) meter_->spendOrThrow(std::exchange(unsettled_, 0));
 }
 
 void Walk::text(int index) {
@@ -158,7 +175,7 @@ void Walk::dictionary(int index) {
 void walkValue(lua_State* state, int index, ValueSink& sink) {
     lua_pushvalue(state, index);
     protect(state, 1, 0, [&sink](lua_State* inner) {
-        Walk(inner, sink).value(1);
+        Walk(inner, sink).run(1);
         return 0;
     });
 }
