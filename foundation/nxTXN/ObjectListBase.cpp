@@ -7,7 +7,7 @@
 #include "foundation/nxTXN/Serializer.h"
 #include "foundation/nxTXN/impl/Lifetimes.h"
 #include "foundation/nxTXN/impl/ListVersion.h"
-#include "foundation/nxTXN/impl/ObjectSequence.h"
+#include "foundation/ur/Sequence.h"
 #include "foundation/urOS/FirstError.h"
 
 namespace nxTXN {
@@ -16,12 +16,13 @@ namespace impl {
 /// The objects, the version of the list that they represent, and the changes not signalled yet.
 class ListState {
 public:
+    using Objects = ur::Sequence<ur::Reference<RefCountedObject>>;
     struct News {
         ListChange change;
         ur::Reference<RefCountedObject> object;
     };
 
-    ListState(ObjectListBase& list, std::size_t mostInPiece) : list_(&list), objects_(mostInPiece) {}
+    ListState(ObjectListBase& list, Objects objects) : list_(&list), objects_(std::move(objects)) {}
 
     [[nodiscard]] ObjectListBase* list() const noexcept { return list_; }
     void setGone() noexcept {
@@ -29,7 +30,7 @@ public:
         news_.clear();
         delivered_ = 0;
     }
-    [[nodiscard]] ObjectSequence& objects() noexcept { return objects_; }
+    [[nodiscard]] Objects& objects() noexcept { return objects_; }
     [[nodiscard]] ListVersion const& version() const noexcept { return *version_; }
 
     /// Changes nothing when it throws.
@@ -47,7 +48,7 @@ private:
     void turnBack();
 
     ObjectListBase* list_;  ///< null once the list is destroyed
-    ObjectSequence objects_;
+    Objects objects_;
     ur::Reference<ListVersion> version_{new ListVersion};
     std::vector<News> news_;
     std::size_t delivered_ = 0;  ///< of `news_`
@@ -59,11 +60,11 @@ void ListState::apply(ListChange const& change, RefCountedObject& object) {
     try {
         switch (change.kind) {
             case ListChange::Kind::inserted: objects_.insert(change.from, &object); return;
-            case ListChange::Kind::erased: static_cast<void>(objects_.take(change.from)); return;
+            case ListChange::Kind::erased: objects_.take(change.from); return;
             case ListChange::Kind::moved: break;
         }
         objects_.insert(change.to + (change.to > change.from ? 1 : 0), &object);
-        static_cast<void>(objects_.take(change.from + (change.to > change.from ? 0 : 1)));
+        objects_.take(change.from + (change.to > change.from ? 0 : 1));
     } catch (...) {
         news_.pop_back();
         throw;
@@ -121,8 +122,6 @@ void ListState::deliver(Tell tell) {
 
 namespace {
 
-constexpr std::size_t usualMostInPiece = 512;
-
 /// A record holds a version of the list. It is read only while the list exists.
 constexpr FieldHandlers versionHandlers = {
     [](Writer& writer, void const* field) { writer.writePtr(&static_cast<impl::ListState const*>(field)->version()); },
@@ -133,9 +132,10 @@ constexpr FieldHandlers versionHandlers = {
 
 }  // namespace
 
-ObjectListBase::ObjectListBase(Manager& manager) : ObjectListBase(manager, usualMostInPiece) {}
+ObjectListBase::ObjectListBase(Manager& manager)
+    : Object(manager), state_(std::make_shared<impl::ListState>(*this, impl::ListState::Objects())) {}
 ObjectListBase::ObjectListBase(Manager& manager, std::size_t mostInPiece)
-    : Object(manager), state_(std::make_shared<impl::ListState>(*this, mostInPiece)) {}
+    : Object(manager), state_(std::make_shared<impl::ListState>(*this, impl::ListState::Objects(mostInPiece))) {}
 
 ObjectListBase::~ObjectListBase() { state_->setGone(); }
 

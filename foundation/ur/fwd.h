@@ -18,6 +18,8 @@ class NodeSource;
 template <class T>
 class Reference;
 class ReferenceCount;
+template <class T>
+class Sequence;
 class TypeInfo;
 template <class T>
 struct less;

@@ -14,6 +14,7 @@
 #include "foundation/ur/NodeSource.h"
 #include "foundation/ur/Reference.h"
 #include "foundation/ur/ReferenceCount.h"
+#include "foundation/ur/Sequence.h"
 #include "foundation/ur/TypeInfo.h"
 #include "foundation/ur/containers.h"
 #include "foundation/ur/describe.h"

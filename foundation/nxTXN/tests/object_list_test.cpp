@@ -6,7 +6,6 @@
 #include "foundation/nxTXN/HookError.h"
 #include "foundation/nxTXN/ImmutableReference.h"
 #include "foundation/nxTXN/ObjectList.h"
-#include "foundation/nxTXN/impl/ObjectSequence.h"
 #include "foundation/nxTXN/tests/Node.h"
 
 namespace nxTXN::test {
@@ -185,34 +184,6 @@ TEST(ObjectLists, AreBroughtBackByUndoRedoAndAbort) {
     EXPECT_GT(longest, 16U) << "several pieces";
 }
 
-TEST(ObjectSequences, KeepTheirPiecesFullEnough) {
-    constexpr std::size_t most = 8;
-    Manager manager;
-    auto const element = ur::make<RefCountedObject>(manager);
-    impl::ObjectSequence sequence(most);
-    std::mt19937 random(1);
-    std::size_t pieces = 0;
-    for (int i = 0; i < 3000; ++i) {
-        bool const grows = i % 1000 < 600;
-        if (random() % 3 == 0 ? grows : !grows && sequence.size() > 0) {
-            static_cast<void>(sequence.size() > 0 ? sequence.take(random() % sequence.size()) : nullptr);
-        } else {
-            sequence.insert(random() % (sequence.size() + 1), element);
-        }
-        std::size_t previous = most;
-        pieces = 0;
-        for (std::size_t at = 0; at < sequence.size(); ++pieces) {
-            std::size_t const length = sequence.run(at).size();
-            ASSERT_LE(length, most);
-            ASSERT_GT(previous + length, most / 2) << "two of them go into one";
-            at += previous = length;
-        }
-        ASSERT_EQ(element->referenceCount(), sequence.size() + 1);
-    }
-    sequence.clear();
-    EXPECT_EQ(element->referenceCount(), 1U);
-}
-
 struct ObjectListUse : testing::Test {
     Log log;
     Manager manager;
@@ -233,6 +204,19 @@ TEST_F(ObjectListUse, TakeObjectsOfTheirManagerAlone) {
     EXPECT_EQ(list.indexOf(*a), 0U);
     EXPECT_EQ(list.indexOf(list[1]), 1U);
     EXPECT_EQ(list.indexOf(*node("c")), std::nullopt);
+}
+
+TEST_F(ObjectListUse, SendNoSignalsWhenTheirMakingIsUndone) {
+    std::unique_ptr<ObjectList<Node>> made;
+    int signals = 0;
+    edit(manager, [&] {
+        made = std::make_unique<ObjectList<Node>>(manager);
+        made->append(node("a"));
+        made->erasedSignal().addCallback([&](std::size_t, Node&) { ++signals; });
+    });
+    ASSERT_TRUE(manager.undo());
+    EXPECT_TRUE(made->empty());
+    EXPECT_EQ(signals, 0);
 }
 
 TEST_F(ObjectListUse, KeepWhatUndoMayBringBackAndNoMore) {

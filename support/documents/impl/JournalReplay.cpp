@@ -1,6 +1,7 @@
 // Applies changes to a table of objects.
 #include "support/documents/impl/JournalReplay.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "support/documents/impl/format.h"
@@ -52,7 +53,7 @@ bool JournalReplay::enterTree(Reference<Item> const& top) {
             auto const members = nxPLST::asDictionary(child);
             urOS::Uuid childId;
             if (!members || !readId(childId, members->find(form::id))) return false;
-            place->second.children.push_back(childId);
+            place->second.children.insert(place->second.children.size(), childId);
             left.push_back(members);
         }
     }
@@ -85,7 +86,9 @@ bool JournalReplay::addObjects(Dictionary const& record) {
         item->dictionary().erase(form::children);
         Entry entry{item, {}};
         for (int i = 0; children && i < children->size(); ++i) {
-            if (!readId(entry.children.emplace_back(), (*children)[i])) return false;
+            urOS::Uuid child;
+            if (!readId(child, (*children)[i])) return false;
+            entry.children.insert(entry.children.size(), child);
         }
         objects_[id] = std::move(entry);
     }
@@ -139,24 +142,21 @@ bool JournalReplay::applyList(Array const& change) {
                                                                            : children.size() + 1;
     };
     std::size_t const index = indexAt(2);
-    auto const place = [&](std::size_t at) { return children.begin() + static_cast<std::ptrdiff_t>(at); };
     switch (static_cast<ListChange>(nxPLST::valueOf<int>(change[1], -1))) {
         case ListChange::inserted: {
             urOS::Uuid child;
             if (index > children.size() || change.size() < 4 || !readId(child, change[3])) return false;
-            children.insert(place(index), child);
+            children.insert(index, child);
             return true;
         }
         case ListChange::removed:
             if (index >= children.size()) return false;
-            children.erase(place(index));
+            children.take(index);
             return true;
         case ListChange::moved: {
             std::size_t const to = indexAt(3);
             if (index >= children.size() || to >= children.size()) return false;
-            urOS::Uuid const child = children[index];
-            children.erase(place(index));
-            children.insert(place(to), child);
+            children.insert(to, children.take(index));
             return true;
         }
     }
@@ -181,7 +181,9 @@ Reference<Dictionary> JournalReplay::document() const {
         item->insert(form::children, children);
         // The last one first, since the next one taken is the last: each array thus grows in its order, for all below
         // one child are taken before the next.
-        for (auto child = ids.rbegin(); child != ids.rend(); ++child) left.emplace_back(*child, children);
+        std::size_t const before = left.size();
+        ids.forEach([&](urOS::Uuid const& child) { left.emplace_back(child, children); });
+        std::reverse(left.begin() + static_cast<std::ptrdiff_t>(before), left.end());
     }
     auto document = ur::make<Dictionary>(*head_);
     document->insert(form::objects, tops);

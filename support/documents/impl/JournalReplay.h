@@ -3,7 +3,7 @@
 
 #include <unordered_map>
 
-#include "foundation/ur/containers.h"
+#include "foundation/ur/Sequence.h"
 #include "foundation/urOS/Uuid.h"
 #include "plst/make.h"
 
@@ -27,7 +27,7 @@ public:
 private:
     struct Entry {
         ur::Reference<nxPLST::Dictionary> item;  ///< without children
-        ur::vector<urOS::Uuid> children;
+        ur::Sequence<urOS::Uuid> children;
     };
 
     [[nodiscard]] bool enterTree(ur::Reference<nxPLST::Item> const& top);
