@@ -32,6 +32,8 @@ void Object::transactSilently() {
 
 bool Object::isTxnExtant() const noexcept { return history_ && history_->lifetimes().entryOf(*this).exists(); }
 
+bool Object::isTxnChangeable() const noexcept { return isTxnExtant() && history_->allowsChange(*this); }
+
 Manager* Object::txnManager() const noexcept { return history_ ? history_->manager() : nullptr; }
 
 }  // namespace nxTXN

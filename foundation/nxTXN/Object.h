@@ -68,6 +68,11 @@ public:
     /// gone, and after its manager is gone.
     [[nodiscard]] bool isTxnExtant() const noexcept;
 
+    /// Whether a change made now fits the history: it is recorded, or no step names or made the object. After any
+    /// other change, undo restores this object but not what was changed together with it. So classes whose objects
+    /// refer to each other refuse such changes.
+    [[nodiscard]] bool isTxnChangeable() const noexcept;
+
     /// Null once the manager is destroyed.
     [[nodiscard]] Manager* txnManager() const noexcept;
 

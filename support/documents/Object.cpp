@@ -179,11 +179,16 @@ bool Object::isWithin(Object const& other) const noexcept {
 
 bool Object::isChangeable() const noexcept { return document_ && isTxnExtant(); }
 
+bool Object::areChildrenChangeable() const noexcept {
+    return isChangeable() && isTxnChangeable() && (!children_ || children_->isTxnChangeable());
+}
+
 bool Object::isInTree() const noexcept { return document_ && isWithin(document_->root()); }
 
 /// Trees may be deep, so the walk up is only for a child with children.
 bool Object::mayHold(Object const& child) const noexcept {
-    if (!isChangeable() || !child.isChangeable() || child.document_ != document_) return false;
+    if (!areChildrenChangeable() || !child.isChangeable() || !child.isTxnChangeable()) return false;
+    if (child.document_ != document_) return false;
     if (&child == &document_->root() || !class_->mayContain(*child.class_)) return false;
     return child.children().empty() ? this != &child : !isWithin(child);
 }
@@ -195,13 +200,13 @@ bool Object::insert(std::size_t index, ur::Reference<Object> const& child) {
 }
 
 bool Object::remove(Object& child) {
-    if (child.parent_ != this || !isChangeable()) return false;
+    if (child.parent_ != this || !areChildrenChangeable() || !child.isTxnChangeable()) return false;
     take(child.index(), child);
     return true;
 }
 
 bool Object::moveTo(Object& parent, std::size_t index) {
-    if (!parent_ || !parent.mayHold(*this)) return false;
+    if (!parent_ || !parent_->areChildrenChangeable() || !parent.mayHold(*this)) return false;
     std::size_t const size = parent.children().size();
     if (index > (&parent == parent_ ? size - 1 : size)) return false;
     ur::Reference<Object> const self(this);

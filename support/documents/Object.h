@@ -27,11 +27,12 @@ class PropertyBinding;
 ///
 ///     document.edit("Grow", [&] { circle->set("radius", 2.5); });
 ///
-/// The history of the document records what changes; changes outside of any transaction are not recorded, as in
-/// `nxTXN`. Values that differ from the defaults are held in one dictionary; names that the class does not describe are
-/// allowed and take any value. Made by `Document::make`, shared by reference. An object that is in no tree can be
-/// changed like any other. When the document goes, objects that are left are empty and refuse changes;
-/// so do those whose making is undone.
+/// The history of the document records what changes in its transactions; other changes are not recorded, as in `nxTXN`.
+/// The children of objects that the history names change only where that is recorded: otherwise, and while undo, redo
+/// and abort run, the functions that change children return false. Values that differ from the defaults are held in one
+/// dictionary; names that the class does not describe are allowed and take any value. Made by `Document::make`, shared
+/// by reference. An object that is in no tree can be changed like any other. When the document goes, objects that are
+/// left are empty and refuse changes; so do those whose making is undone.
 ///
 /// Signals come after the change; after undo, redo and abort when the whole step is in place. The object's own come
 /// before those of the document. An object whose making is undone sends none itself. Listeners may do anything, and
@@ -110,10 +111,10 @@ public:
     /// Whether it is `other` or below it.
     [[nodiscard]] bool isWithin(Object const& other) const noexcept;
     /// False, with no change, when the classes do not allow it, when `child` has a parent, is the root or holds this
-    /// object, or is of another document, and beyond the end.
+    /// object, or is of another document, beyond the end, and where the history would not know it.
     bool insert(std::size_t index, ur::Reference<Object> const& child);
     bool append(ur::Reference<Object> const& child) { return insert(children().size(), child); }
-    /// False when it is no child of this object.
+    /// False when it is no child of this object, and where the history would not know it.
     bool remove(Object& child);
     /// Moves the object to be the child at `index` of `parent`, counted without the object itself. False, with no
     /// change, where `insert` would be false, and for an object without a parent.
@@ -172,6 +173,8 @@ private:
     void followChildren();
     /// Not without a document, nor while its making is undone.
     [[nodiscard]] bool isChangeable() const noexcept;
+    /// Also not where undo would restore only some of the objects concerned.
+    [[nodiscard]] bool areChildrenChangeable() const noexcept;
     [[nodiscard]] bool mayHold(Object const& child) const noexcept;
     void put(std::size_t index, ur::Reference<Object> const& child);
     void take(std::size_t index, Object& child);

@@ -53,7 +53,10 @@ Pasted paste(Object& parent, std::size_t index, Reference<nxPLST::Item> const& c
     Reference<Object> const held(&parent);
     nxTXN::Transaction transaction(document->history(), "Paste");
     reader.enter();
-    for (auto const& object : reader.objects()) parent.insert(std::min(index++, parent.children().size()), object);
+    for (auto const& object : reader.objects()) {
+        if (!parent.insert(std::min(index++, parent.children().size()), object))
+            return {{}, urUtil::Error(0, "the children stay: the history does not record the change here")};
+    }
     transaction.commit();
     return {reader.objects(), {}};
 }
@@ -71,7 +74,7 @@ ur::vector<Reference<Object>> duplicate(std::span<Object* const> objects) {
     reader.enter();
     for (std::size_t i = 0; i < originals.size(); ++i) {
         Object* const parent = originals[i]->parent();
-        if (parent) parent->insert(originals[i]->index() + 1, reader.objects()[i]);
+        if (parent && !parent->insert(originals[i]->index() + 1, reader.objects()[i])) return {};
     }
     transaction.commit();
     return reader.objects();

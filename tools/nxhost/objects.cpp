@@ -43,6 +43,12 @@ void requireContainable(ObjectClass const& parent, ObjectClass const& child) {
     throw nxRFL::Exception(CString("a ").append(parent.name()).append(" may not contain a ").append(child.name()));
 }
 
+/// Raises for a change of children that the document did not make.
+void requireDone(bool isDone) {
+    if (isDone) return;
+    throw nxRFL::Exception("the children stay: the history does not record the change here, or a listener came first");
+}
+
 /// From 0; `index` counts from 1, and is behind the last of `size` children when it is left out.
 std::size_t placeAmong(std::size_t size, Index const& index) {
     if (!index) return size;
@@ -69,7 +75,7 @@ Reference<Object> add(Document& document, Object& parent, CString const& classNa
         if (values) {
             for (auto const& [name, value] : *values) assign(document, *object, name, value);
         }
-        parent.insert(std::min(place, parent.children().size()), object);  // a listener may have come first
+        requireDone(parent.insert(std::min(place, parent.children().size()), object));  // a listener may come first
     });
     return object;
 }
@@ -78,7 +84,7 @@ void remove(Document& document, Object& object) {
     document.requireChangeable(object);
     if (&object == &document.document().root()) throw nxRFL::Exception("the root of the document cannot be removed");
     if (!object.parent()) throw nxRFL::Exception("the object is in no other");
-    document.change("Remove", [&] { object.parent()->remove(object); });
+    document.change("Remove", [&] { requireDone(object.parent()->remove(object)); });
 }
 
 void moveTo(Document& document, Object& object, Object& parent, Index const& index) {
@@ -91,7 +97,7 @@ void moveTo(Document& document, Object& object, Object& parent, Index const& ind
     std::size_t const size = parent.children().size() - (object.parent() == &parent ? 1 : 0);
     std::size_t const place = placeAmong(size, index);
     document.change("Move", [&] {
-        object.parent() ? object.moveTo(parent, place) : parent.insert(place, Reference<Object>(&object));
+        requireDone(object.parent() ? object.moveTo(parent, place) : parent.insert(place, Reference<Object>(&object)));
     });
 }
 

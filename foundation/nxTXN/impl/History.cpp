@@ -80,6 +80,32 @@ bool History::transactSilently(Object& object) {
     return true;
 }
 
+// What the innermost transaction records is restored together with the records of those that it merges into. Older
+// records must not name the object: they would be restored without the change.
+bool History::allowsChange(Object const& object) noexcept {
+    Level const* const scope = busy_ ? nullptr : mergedScope();
+    if (scope && scope == levels_.data() && scope->kind == TransactionKind::recorded) return true;
+    if (scope && object.index_ >= scope->birthsBegin) return true;
+    if (mayUndoMaking(object)) return false;
+    bool const hasOlder = !steps_.empty() || !scope || scope->outerRecords > 0;
+    return !hasOlder || lifetimes_.entryOf(object).pins == 0;
+}
+
+/// The outermost transaction that keeps what the innermost one records, or null.
+Level const* History::mergedScope() const noexcept {
+    if (levels_.empty() || !levels_.back().keeps) return nullptr;
+    std::size_t i = levels_.size() - 1;
+    while (i > 0 && levels_[i].kind == TransactionKind::recorded && levels_[i - 1].keeps) --i;
+    return &levels_[i];
+}
+
+/// Whether the end of a transaction, or a step, may undo the making of the object.
+bool History::mayUndoMaking(Object const& object) noexcept {
+    if (!lifetimes_.entryOf(object).born) return false;
+    if (!levels_.empty() && object.index_ >= levels_.front().birthsBegin) return true;
+    return !steps_.empty() && object.index_ >= steps_[0].birthsBegin && object.index_ < steps_.back().birthsEnd;
+}
+
 void History::record(Object& object, Entry const& entry) {
     Hold const hold(*this);
     std::uint32_t const formerStamp = entry.stamp;

@@ -79,6 +79,8 @@ public:
     }
     /// False when no transaction records the object.
     bool transactSilently(Object& object);
+    /// Whether a change of the object is recorded, or no step names or made the object.
+    [[nodiscard]] bool allowsChange(Object const& object) noexcept;
     /// Removes the object from all records that may name it.
     static void forgetEverywhere(Object const& object) noexcept;
     /// A record of this manager keeps the object, which may belong to another manager. Throws, without an effect, when
@@ -172,6 +174,8 @@ private:
     [[nodiscard]] ur::Reference<SharedName> shared(urString::CString const& name) const;
     void compact();
     void record(Object& object, Entry const& entry);
+    [[nodiscard]] Level const* mergedScope() const noexcept;
+    [[nodiscard]] bool mayUndoMaking(Object const& object) noexcept;
     void makeRoomForAbort();
     void missed(Object const& object);
 

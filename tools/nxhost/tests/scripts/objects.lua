@@ -101,6 +101,14 @@ document:edit("Group", function() small:moveTo(group) group:add("Circle", {}, 1)
 document:undo()  -- removals end both
 document:redo()
 print(document:get("size"))
+local isFollowed = true
+document:watch(function()
+    if isFollowed then refused(function() root:add("Circle") end) end
+    return isFollowed
+end)
+document:undo()
+isFollowed = false
+document:redo()
 
 print "== files"
 root:watch(function() error("is heard") end)
