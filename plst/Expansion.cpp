@@ -24,11 +24,25 @@ void grow(std::uint64_t& sum, std::uint64_t by) {
     if (__builtin_add_overflow(sum, by, &sum)) sum = unbounded;
 }
 
-/// The size of an item without indentation, and the number of lines that one step of indentation lengthens.
-struct Size {
-    std::uint64_t items = 0;
+/// The text of an item without indentation, and the number of lines that one step of indentation lengthens.
+struct Text {
     std::uint64_t bytes = 0;
     std::uint64_t lines = 0;
+
+    /// Adds that of an indented child with its comma and line feed.
+    void add(Text const& child) {
+        grow(lines, child.lines);
+        grow(lines, 1);
+        grow(bytes, child.bytes);
+        grow(bytes, 2 + indentStep);
+        for (std::uint64_t space = 0; space < indentStep; ++space) grow(bytes, child.lines);
+    }
+};
+
+struct Size {
+    std::uint64_t items = 0;
+    Text text;
+    Text own;  ///< without what occurred before
 };
 
 std::uint64_t bytesOf(std::string_view text) {
@@ -63,8 +77,9 @@ public:
     Expansion run(Item const* root) {
         visit(root);
         while (!open_.empty()) step();
-        grow(total_.bytes, 1);
-        return {total_.items, total_.bytes, shares_};
+        grow(total_.text.bytes, 1);
+        grow(total_.own.bytes, 1);
+        return {total_.items, total_.text.bytes, total_.own.bytes, shares_};
     }
 
 private:
@@ -74,13 +89,17 @@ private:
         Size size;
     };
 
+    [[nodiscard]] static Size sizeOf(Text const& text) { return {1, text, text}; }
+
     void step() {
         Open& innermost = open_.back();
         impl::ChildWalk& children = innermost.children;
         if (children.atEnd()) return close();
         Item const* child = nullptr;
         if (children.inDictionary()) {
-            grow(innermost.size.bytes, bytesOf(children.members.key().view()) + 2);
+            std::uint64_t const key = bytesOf(children.members.key().view()) + 2;
+            grow(innermost.size.text.bytes, key);
+            grow(innermost.size.own.bytes, key);
             child = children.members.item();
             children.members.advance();
         } else {
@@ -91,23 +110,23 @@ private:
     }
 
     void visit(Item const* item) {
-        if (!item) return add({1, 4, 0});
+        if (!item) return add(sizeOf({4, 0}));
         if (item->referenceCount() > 1) {
             auto const known = sizes_.find(item);
             if (known != sizes_.end()) {
                 shares_ = true;
-                return add(known->second);
+                return add({known->second.items, known->second.text, {}});
             }
         }
         if (item->type() == ArrayType) return open(static_cast<Array const&>(*item));
         if (item->type() == DictionaryType) return open(static_cast<Dictionary const&>(*item));
-        finish(*item, {1, scalarBytes(*item), 0});
+        finish(*item, sizeOf({scalarBytes(*item), 0}));
     }
 
     /// Two brackets and two line feeds; the last one replaces the last comma.
     template <class Container>
     void open(Container const& container) {
-        open_.push_back({&container, impl::ChildWalk(container), {1, container.empty() ? 4U : 2U, 1}});
+        open_.push_back({&container, impl::ChildWalk(container), sizeOf({container.empty() ? 4U : 2U, 1})});
     }
 
     void close() {
@@ -121,7 +140,7 @@ private:
         add(size);
     }
 
-    /// Adds an indented child with its comma and line feed to its container.
+    /// Adds a child to its container.
     void add(Size const& child) {
         if (open_.empty()) {
             total_ = child;
@@ -129,11 +148,8 @@ private:
         }
         Size& parent = open_.back().size;
         grow(parent.items, child.items);
-        grow(parent.lines, child.lines);
-        grow(parent.lines, 1);
-        grow(parent.bytes, child.bytes);
-        grow(parent.bytes, 2 + indentStep);
-        for (std::uint64_t space = 0; space < indentStep; ++space) grow(parent.bytes, child.lines);
+        parent.text.add(child.text);
+        parent.own.add(child.own);
     }
 
     std::vector<Open> open_;

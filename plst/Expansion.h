@@ -13,8 +13,9 @@ namespace nxPLST {
 /// Check this before copying a tree from an untrusted source. Numbers stop at the largest value.
 struct Expansion {
     std::uint64_t items = 0;
-    std::uint64_t textBytes = 0;  ///< of the text of `convertToJSON`, without its limit of depth
-    bool shares = false;          ///< whether an item occurs several times in the tree
+    std::uint64_t textBytes = 0;     ///< of the text of `convertToJSON`, without its limit of depth
+    std::uint64_t ownTextBytes = 0;  ///< of these, without what items add where they occur again
+    bool shares = false;             ///< whether an item occurs several times in the tree
 };
 
 /// The default limit of the JSON writers for the text of a tree that shares items, in bytes.

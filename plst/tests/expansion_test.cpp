@@ -35,13 +35,17 @@ TEST(Expansion, IsTheSizeOfTheTextOfAnyTree) {
         ASSERT_EQ(expansion.items, itemsIn(tree.get())) << "seed " << seed;
         seenSharing = seenSharing || expansion.shares;
         auto const copy = tree ? tree->clone() : nullptr;
-        EXPECT_FALSE(expansionOf(copy.get()).shares);
+        Expansion const ofCopy = expansionOf(copy.get());
+        EXPECT_FALSE(ofCopy.shares);
+        EXPECT_EQ(ofCopy.ownTextBytes, expansion.textBytes);
+        EXPECT_EQ(expansion.ownTextBytes < expansion.textBytes, expansion.shares);
     }
     EXPECT_TRUE(seenSharing);
 }
 
 TEST(Expansion, CountsToTheLargestNumberInNoTime) {
     EXPECT_EQ(expansionOf(doubled(60, make<Bool>(true)).get()).items, (std::uint64_t(1) << 61) - 1);
+    EXPECT_LT(expansionOf(doubled(60, make<Bool>(true)).get()).ownTextBytes, 30'000U);
     for (int levels : {64, 100, 5000}) {
         Expansion const expansion = expansionOf(doubled(levels, make<Bool>(true)).get());
         EXPECT_EQ(expansion.items, std::numeric_limits<std::uint64_t>::max());

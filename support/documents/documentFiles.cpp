@@ -1,8 +1,10 @@
 // Files of both forms.
 #include "support/documents/documentFiles.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 
 #include "foundation/io/ioFormat.h"
 #include "foundation/urOS/AtomicFile.h"
@@ -62,12 +64,23 @@ CString unwritable(Object const& top) {
     return "is too large for JSON";
 }
 
+/// Objects of a class, and copies, share items. The text may be so many times what it would be without the shared ones.
+constexpr std::uint64_t mostExpansion = 16;
+constexpr std::uint64_t mostOwnText = std::numeric_limits<std::uint64_t>::max() / mostExpansion;
+
+bool writeText(CString& text, Reference<nxPLST::Dictionary> const& file) {
+    if (nxPLST::writeJson(text, file)) return true;
+    nxPLST::JsonStyle style;
+    style.mostExpandedBytes = mostExpansion * std::min(nxPLST::expansionOf(file.get()).ownTextBytes, mostOwnText);
+    return nxPLST::writeJson(text, file, style);
+}
+
 Error writeTo(urOS::IOStream& stream, Document const& document, FileForm form, IString const& path) {
     Object const* const root = &document.root();
     auto const file = ObjectWriter(document.catalog()).write({&root, 1});
     if (form == FileForm::json) {
         CString text;
-        if (!nxPLST::writeJson(text, file)) return errorAbout(path, unwritable(*root));
+        if (!writeText(text, file)) return errorAbout(path, unwritable(*root));
         text.append('\n');
         return stream.write(text.data(), text.size());
     }

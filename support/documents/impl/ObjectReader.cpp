@@ -217,7 +217,7 @@ bool ObjectReader::report() {
     double part = 1;
     for (Open const& open : open_) {
         auto const size = static_cast<double>(open.items->array().size());
-        done += part * static_cast<double>(open.next - 1) / size;
+        if (open.next > 0) done += part * static_cast<double>(open.next - 1) / size;
         part /= size;
     }
     isCancelled_ = !progress_(done);

@@ -176,6 +176,24 @@ TEST_F(DocumentFiles, NameTheValueThatJsonCannotHold) {
     EXPECT_EQ(fault("a.nx"), "");
 }
 
+TEST_F(DocumentFiles, MayHoldVeryDeepTrees) {
+    scene.document.edit("Deep", [&] {
+        Object* top = &scene.root();
+        for (int i = 0; i < 12000; ++i) {
+            auto const below = scene.document.make("Group");
+            top->append(below);
+            top = below.get();
+        }
+    });
+    for (char const* name : {"deep.json", "deep.nx"}) {
+        auto const error = save(scene.document, wide(path(name)));
+        ASSERT_TRUE(error.ok()) << error.message();
+        std::vector<double> all;
+        EXPECT_EQ(fault(name, [&](double done) { return all.push_back(done), true; }), "");
+        EXPECT_TRUE(std::ranges::is_sorted(all) && all.front() >= 0 && all.back() <= 1);
+    }
+}
+
 TEST_F(DocumentFiles, ReportTheirProgressAndCanBeCancelled) {
     scene.document.edit("Many", [&] {
         for (int i = 0; i < 5000; ++i) scene.root().append(scene.document.make("Ball"));
