@@ -126,7 +126,6 @@ private:
     Step readElements(ioReadContext::Cursor& cursor, Container& array) {
         auto& elements = static_cast<Array&>(*array.item).array();
         for (; array.missing > 0; --array.missing) {
-            if (!cursor.hasMore()) return Step::other;
             Step const step = readChild(cursor, [&](auto item) { elements.push_back(std::move(item)); });
             if (step != Step::taken) return step;
         }
@@ -135,7 +134,6 @@ private:
 
     Step readEntries(ioReadContext::Cursor& cursor, Container& dictionary) {
         for (; dictionary.missing > 0; --dictionary.missing) {
-            if (!cursor.hasMore()) return Step::other;
             if (std::string_view key; !dictionary.value) {
                 if (!cursor.name(key)) return Step::other;
                 dictionary.takeKey(key);
@@ -176,7 +174,7 @@ private:
     }
 
     Step finishUsual(ioReadContext::Cursor& cursor) {
-        bool const isUsual = open_.size() > 1 && !context_.packetIsNumbered() && cursor.hasMore() && cursor.leave();
+        bool const isUsual = open_.size() > 1 && !context_.packetIsNumbered() && cursor.leave();
         if (!isUsual) return Step::other;
         add(finishInnermost());
         return Step::taken;

@@ -5,8 +5,9 @@
 
 urUtil::Error ioBufferedStreamInput::openIOStream(urOS::IOStream& stream) {
     stream_ = &stream;
-    if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(bufferBytes_);
-    cursor_ = end_ = buffer_.get();
+    if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(bufferBytes_ + padding);
+    cursor_ = buffer_.get();
+    endAt(buffer_.get());
     fetched_ = 0;
     atEnd_ = false;
     error_ = urUtil::Error();
@@ -21,8 +22,13 @@ urUtil::Error ioBufferedStreamInput::close() {
 
 void ioBufferedStreamInput::abandon() noexcept {
     fetched_ = position();
-    end_ = cursor_;
+    if (buffer_) endAt(buffer_.get() + (cursor_ - buffer_.get()));
     atEnd_ = true;
+}
+
+void ioBufferedStreamInput::endAt(char* end) noexcept {
+    std::memset(end, 0, padding);
+    end_ = end;
 }
 
 bool ioBufferedStreamInput::fetch(std::size_t bytes) {
@@ -37,6 +43,6 @@ bool ioBufferedStreamInput::fetch(std::size_t bytes) {
         fetched_ += done;
     }
     cursor_ = buffer_.get();
-    end_ = cursor_ + kept;
+    endAt(buffer_.get() + kept);
     return kept >= bytes;
 }

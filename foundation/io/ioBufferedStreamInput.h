@@ -14,6 +14,7 @@
 class NX_API ioBufferedStreamInput {
 public:
     static constexpr std::size_t usualBytes = 64 * 1024;
+    static constexpr std::size_t padding = 16;
 
     /// `bufferBytes` is the buffer's size. Requires: at least 256, enough for a token and its text.
     explicit ioBufferedStreamInput(std::size_t bufferBytes = usualBytes) noexcept : bufferBytes_(bufferBytes) {}
@@ -32,7 +33,8 @@ public:
     [[nodiscard]] bool ensure(std::size_t bytes) { return available() >= bytes || fetch(bytes); }
     /// The number of bytes in the buffer.
     [[nodiscard]] std::size_t available() const noexcept { return static_cast<std::size_t>(end_ - cursor_); }
-    /// The next bytes; they stay in place until `ensure` is called.
+    /// The next bytes; they stay in place until `ensure` is called. After the available ones, `padding` zeros can be
+    /// read.
     [[nodiscard]] char const* next() const noexcept { return cursor_; }
     /// Requires: that many bytes are available.
     void advance(std::size_t bytes) noexcept { cursor_ += bytes; }
@@ -45,6 +47,7 @@ public:
 
 private:
     bool fetch(std::size_t bytes);
+    void endAt(char* end) noexcept;
 
     std::size_t bufferBytes_;
     urOS::IOStream* stream_ = nullptr;

@@ -69,17 +69,19 @@ inline char* putToken(char* to, Kind kind, std::uint64_t number) noexcept {
     return to;
 }
 
-/// Adds the rest of a long number, which starts at `from`, to `number`. Returns the position after it, or null if it
-/// does not end before `end` or exceeds 64 bits.
-inline char const* addRest(char const* from, char const* end, std::uint64_t& number) noexcept {
+/// The number of the token at `at`. Returns the position after it, or null if the number exceeds 64 bits. Reads at most
+/// `longestToken` bytes.
+inline char const* takeNumber(char const* at, std::uint64_t& number) noexcept {
+    number = numberOf(static_cast<unsigned char>(*at++));
+    if (number != longNumber) return at;
     std::uint64_t rest = 0;
-    for (unsigned shift = 0; shift < 64 && from != end; shift += 7) {
-        std::uint64_t const group = static_cast<unsigned char>(*from++);
+    for (unsigned shift = 0; shift < 64; shift += 7) {
+        std::uint64_t const group = static_cast<unsigned char>(*at++);
         rest |= (group & 0x7F) << shift;
         if (shift == 63 && group > 1) return nullptr;
         if (group >= 0x80) continue;
         number += rest;
-        return number >= rest ? from : nullptr;
+        return number >= rest ? at : nullptr;
     }
     return nullptr;
 }

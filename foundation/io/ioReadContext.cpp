@@ -185,22 +185,15 @@ bool ioReadContext::readNumber(ioFormat::Kind kind, std::uint64_t& number) {
     if (!need(1)) return false;
     unsigned char const token = nextByte();
     if (ioFormat::kindOf(token) != kind) fail(ioStatus::malformed);
-    if (!ok()) return false;
-    input_.advance(1);
-    number = ioFormat::numberOf(token);
-    return number != ioFormat::longNumber || readRest(number);
-}
-
-bool ioReadContext::readRest(std::uint64_t& number) {
-    // Ask for no byte beyond the number: after the file's last bytes, a pipe may block.
-    std::size_t bytes = 0;
-    do {
-        if (!need(++bytes)) return false;
-    } while (bytes < ioFormat::longestRest && static_cast<unsigned char>(input_.next()[bytes - 1]) >= 0x80);
-    char const* const end = ioFormat::addRest(input_.next(), input_.next() + bytes, number);
-    if (!end) fail(ioStatus::malformed);
-    if (end) input_.advance(bytes);
-    return end;
+    while (ok()) {
+        char const* const end = ioFormat::takeNumber(input_.next(), number);
+        if (!end) return fail(ioStatus::malformed), false;
+        auto const bytes = static_cast<std::size_t>(end - input_.next());
+        if (bytes <= input_.available()) return input_.advance(bytes), true;
+        // The zeros after the last byte end any number, so that no byte beyond this one is asked for: a pipe may block.
+        static_cast<void>(need(bytes));
+    }
+    return false;
 }
 
 std::int32_t ioReadContext::readZigzag(ioFormat::Kind kind) {

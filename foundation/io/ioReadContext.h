@@ -112,7 +112,6 @@ private:
     /// Reads the packets before the next value. False when no value follows.
     [[nodiscard]] bool comeToValue();
     [[nodiscard]] bool readNumber(ioFormat::Kind kind, std::uint64_t& number);
-    [[nodiscard]] bool readRest(std::uint64_t& number);
     [[nodiscard]] std::int32_t readZigzag(ioFormat::Kind kind);
     [[nodiscard]] static double doubleAt(char const* bytes) noexcept;
     [[nodiscard]] std::string_view takeText(std::size_t size);
@@ -158,9 +157,6 @@ public:
     Cursor& operator=(Cursor const&) = delete;
     ~Cursor() { context_.input_.advance(static_cast<std::size_t>(at_ - context_.input_.next())); }
 
-    /// Whether the buffer holds enough for a name and the packet after it. The calls below require it.
-    [[nodiscard]] bool hasMore() const noexcept { return end_ - at_ >= lookAhead; }
-
     /// The first byte of the next token.
     [[nodiscard]] unsigned char first() const noexcept { return byteAt(at_); }
     // Each is false, and does not move, when something else comes next. Texts are valid until the next call.
@@ -176,7 +172,9 @@ public:
     [[nodiscard]] bool leave() noexcept;
 
 private:
-    static constexpr std::ptrdiff_t lookAhead = 2 + 2 + ioFormat::longestToken;
+    // A packet's first byte, a value and an end. What ends beyond the available bytes ends in zeros, which are no end
+    // of a packet.
+    static_assert(1 + ioFormat::longestToken + 1 <= ioBufferedStreamInput::padding);
 
     [[nodiscard]] static unsigned char byteAt(char const* at) noexcept { return static_cast<unsigned char>(*at); }
     [[nodiscard]] bool endsAt(char const* end) noexcept {

@@ -98,15 +98,10 @@ inline ioReadContext::Ending ioReadContext::closePacket() {
 
 inline bool ioReadContext::Cursor::name(std::string_view& name) noexcept {
     unsigned char const token = byteAt(at_);
-    std::size_t number = ioFormat::numberOf(token);
-    if (ioFormat::kindOf(token) != ioFormat::name || number == 0) return false;
-    char const* next = at_ + 1;
-    if (number == ioFormat::longNumber) {
-        unsigned char const rest = byteAt(next++);
-        if (rest >= 0x80) return false;
-        number += rest;
-    }
-    if (!context_.names_.knows(number - 1)) return false;
+    if (ioFormat::kindOf(token) != ioFormat::name) return false;
+    std::uint64_t number = 0;
+    char const* const next = ioFormat::takeNumber(at_, number);
+    if (!next || next > end_ || number == 0 || !context_.names_.knows(number - 1)) return false;
     name = context_.names_.at(number - 1);
     at_ = next;
     return true;
@@ -119,27 +114,24 @@ inline bool ioReadContext::Cursor::packet(bool& value) noexcept {
 }
 
 inline bool ioReadContext::Cursor::packet(double& value) noexcept {
-    char const* next = at_ + 2;
     unsigned char const token = byteAt(at_ + 1);
     if (token == ioFormat::doubleMark) {
-        value = doubleAt(next);
-        return endsAt(next + sizeof(value));
+        value = doubleAt(at_ + 2);
+        return endsAt(at_ + 2 + sizeof(value));
     }
     if (ioFormat::kindOf(token) != ioFormat::wholeDouble) return false;
-    std::uint64_t number = ioFormat::numberOf(token);
-    if (number == ioFormat::longNumber) next = ioFormat::addRest(next, next + ioFormat::longestRest, number);
+    std::uint64_t number = 0;
+    char const* const next = ioFormat::takeNumber(at_ + 1, number);
     if (!next || number > std::numeric_limits<std::uint32_t>::max()) return false;
     value = ioFormat::unzigzag(static_cast<std::uint32_t>(number));
     return endsAt(next);
 }
 
 inline bool ioReadContext::Cursor::packet(std::string_view& value) noexcept {
-    char const* next = at_ + 2;
-    unsigned char const token = byteAt(at_ + 1);
-    std::uint64_t size = ioFormat::numberOf(token);
-    if (ioFormat::kindOf(token) != ioFormat::text) return false;
-    if (size == ioFormat::longNumber) next = ioFormat::addRest(next, next + ioFormat::longestRest, size);
-    if (!next || size >= static_cast<std::uint64_t>(end_ - next)) return false;
+    if (ioFormat::kindOf(byteAt(at_ + 1)) != ioFormat::text) return false;
+    std::uint64_t size = 0;
+    char const* const next = ioFormat::takeNumber(at_ + 1, size);
+    if (!next || next >= end_ || size >= static_cast<std::uint64_t>(end_ - next)) return false;
     value = std::string_view(next, size);
     return value.find('\0') == std::string_view::npos && endsAt(next + size);
 }

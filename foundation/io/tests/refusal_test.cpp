@@ -101,8 +101,8 @@ TEST(Packets, RefuseMalformedInput) {
         {file(a + "\x20\xE0\x7F\x01" + std::string(32, 'x')), ioStatus::malformed, 16},  // a name that is too long
         {file(a + "\x20\x07\x03\x06"), ioStatus::malformed, 13},                         // an unknown mark
         {file(a + "\x3F\xFF\xFF\xFF\xFF\x7F\x03\x06"), ioStatus::malformed, 18},         // a number beyond 32 bits
-        {file(a + "\x3F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x02\x03\x06"), ioStatus::malformed, 13},
-        {file(a + "\x3F" + std::string(100, '\xFF')), ioStatus::malformed, 13},
+        {file(a + "\x3F\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\x02\x03\x06"), ioStatus::malformed, 12},
+        {file(a + "\x3F" + std::string(100, '\xFF')), ioStatus::malformed, 12},
         {file(a + "\x3F" + std::string(5, '\xFF')), ioStatus::truncated, 18},
     };
     for (Case const& c : cases) {
