@@ -8,11 +8,9 @@
 #include <unordered_map>
 #include <vector>
 
-#include "plst/Bool.h"
-#include "plst/Double.h"
-#include "plst/String.h"
 #include "plst/impl/ChildWalk.h"
 #include "plst/impl/json/JsonNumberWriter.h"
+#include "plst/visit.h"
 
 namespace nxPLST {
 namespace {
@@ -62,15 +60,6 @@ std::uint64_t bytesOf(double value) {
     return std::isfinite(value) ? static_cast<std::uint64_t>(impl::writeExactNumber(text, value) - text) : 0;
 }
 
-std::uint64_t scalarBytes(Item const& item) {
-    switch (item.type()) {
-        case BoolType: return static_cast<Bool const&>(item).value() ? 4 : 5;
-        case DoubleType: return bytesOf(static_cast<Double const&>(item).value());
-        case StringType: return bytesOf(static_cast<String const&>(item).value().view());
-        default: return 0;
-    }
-}
-
 /// Remembers the sizes of items that may recur. Keeps its own stack, so that the depth of a tree does not matter.
 class Expander {
 public:
@@ -118,9 +107,18 @@ private:
                 return add({known->second.items, known->second.text, {}});
             }
         }
-        if (item->type() == ArrayType) return open(static_cast<Array const&>(*item));
-        if (item->type() == DictionaryType) return open(static_cast<Dictionary const&>(*item));
-        finish(*item, sizeOf({scalarBytes(*item), 0}));
+        nxPLST::visit(
+            *item,
+            [&](Bool const& truth) {
+                finish(*item, sizeOf({truth.value() ? 4U : 5U, 0}));
+            },
+            [&](Double const& number) {
+                finish(*item, sizeOf({bytesOf(number.value()), 0}));
+            },
+            [&](String const& text) {
+                finish(*item, sizeOf({bytesOf(text.value().view()), 0}));
+            },
+            [&](auto const& container) { open(container); });
     }
 
     /// Two brackets and two line feeds; the last one replaces the last comma.

@@ -8,6 +8,7 @@
 #include "foundation/io/ioWriteContext.h"
 #include "plst/impl/ScratchStack.h"
 #include "plst/impl/packetNames.h"
+#include "plst/visit.h"
 
 namespace nxPLST {
 
@@ -47,7 +48,7 @@ private:
 
     /// The outcome of writing a child.
     enum class Step {
-        other,    ///< it is not a usual one
+        other,    ///< it is not a usual one, or of an unknown kind
         written,  ///< it is complete
         entered,  ///< it is now the innermost container
     };
@@ -106,15 +107,12 @@ private:
     template <class Name>
     Step writeUsual(ioWriteContext::Cursor& cursor, Item const* child, Name name) {
         if (!cursor.hasRoom() || !child || child->referenceCount() > 1) return Step::other;
-        switch (child->type()) {
-            case BoolType: return writeScalar<BoolType>(cursor, static_cast<Bool const*>(child)->value(), name);
-            case DoubleType: return writeScalar<DoubleType>(cursor, static_cast<Double const*>(child)->value(), name);
-            case StringType:
-                return writeScalar<StringType>(cursor, static_cast<String const*>(child)->value().view(), name);
-            case ArrayType: return enter<ArrayType>(cursor, static_cast<Array const&>(*child), name);
-            case DictionaryType: return enter<DictionaryType>(cursor, static_cast<Dictionary const&>(*child), name);
-        }
-        return Step::other;
+        return visit(
+            *child, [&](Bool const& truth) { return writeScalar<BoolType>(cursor, truth.value(), name); },
+            [&](Double const& number) { return writeScalar<DoubleType>(cursor, number.value(), name); },
+            [&](String const& text) { return writeScalar<StringType>(cursor, text.value().view(), name); },
+            [&](Array const& array) { return enter<ArrayType>(cursor, array, name); },
+            [&](Dictionary const& dictionary) { return enter<DictionaryType>(cursor, dictionary, name); });
     }
 
     template <Type kind, class Value, class Name>
@@ -179,30 +177,26 @@ private:
             }
             context_.writeValue(value);
         };
+        auto const enter = [&](auto const& container) {
+            start(container.size());
+            open_.push(container);
+            return true;
+        };
         if (visitScalar(item, start)) return true;
-        if (item.type() == ArrayType) {
-            auto const size = static_cast<Array const&>(item).array().size();
-            start(static_cast<int>(size));
-            open_.push(static_cast<Array const&>(item));
-        } else if (item.type() == DictionaryType) {
-            auto const& entries = static_cast<Dictionary const&>(item).dictionary();
-            start(static_cast<int>(entries.size()));
-            open_.push(static_cast<Dictionary const&>(item));
-        } else {
-            context_.writeReference(&item, 0);  // an item of an unknown kind has no packet: the reference is refused
-        }
+        bool const isKnown = visit(
+            item, [&](Array const& array) { return enter(array); },
+            [&](Dictionary const& dictionary) { return enter(dictionary); }, [](Item const&) { return false; });
+        if (!isKnown) context_.writeReference(&item, 0);  // it has no packet: the reference is refused
         return false;
     }
 
     /// False when the item has children, or is of an unknown kind.
-    template <class Visit>
-    static bool visitScalar(Item const& item, Visit visit) {
-        switch (item.type()) {
-            case BoolType: visit(static_cast<Bool const&>(item).value()); return true;
-            case DoubleType: visit(static_cast<Double const&>(item).value()); return true;
-            case StringType: visit(static_cast<String const&>(item).value().view()); return true;
-            default: return false;
-        }
+    template <class Take>
+    static bool visitScalar(Item const& item, Take take) {
+        return visit(
+            item, [&](Bool const& truth) { return take(truth.value()), true; },
+            [&](Double const& number) { return take(number.value()), true; },
+            [&](String const& text) { return take(text.value().view()), true; }, [](Item const&) { return false; });
     }
 
     ioPacketTypeId typeOf(Type kind) {

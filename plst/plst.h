@@ -21,3 +21,4 @@
 #include "plst/make.h"
 #include "plst/packets.h"
 #include "plst/shape.h"
+#include "plst/visit.h"

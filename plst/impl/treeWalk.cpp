@@ -9,11 +9,9 @@
 #include <utility>
 
 #include "foundation/ur/NodeSource.h"
-#include "plst/Bool.h"
-#include "plst/Double.h"
-#include "plst/String.h"
 #include "plst/impl/ChildWalk.h"
 #include "plst/impl/ItemSource.h"
+#include "plst/visit.h"
 
 namespace nxPLST::impl {
 namespace {
@@ -48,14 +46,14 @@ private:
 
     ur::Reference<Item> copyOf(Item const* source) {
         if (!source) return nullptr;
-        switch (source->type()) {
-            case BoolType: return items_.make<Bool>(static_cast<Bool const*>(source)->value());
-            case DoubleType: return items_.make<Double>(static_cast<Double const*>(source)->value());
-            case StringType: return items_.make<String>(static_cast<String const*>(source)->value());
-            case ArrayType: return filled(*source, items_.make<Array>());
-            case DictionaryType: return filled(*source, items_.make<Dictionary>());
-            default: return source->clone();
-        }
+        ur::Reference<Item> copy = visit(
+            *source, [this](Array const& array) { return filled(array, items_.make<Array>()); },
+            [this](Dictionary const& dictionary) { return filled(dictionary, items_.make<Dictionary>()); },
+            [this](auto const& scalar) -> ur::Reference<Item> {
+                return items_.make<std::remove_cvref_t<decltype(scalar)>>(scalar.value());
+            });
+        if (!copy) copy = source->clone();  // of an unknown kind
+        return copy;
     }
 
     /// Not inlined, so that scalars are copied without saving registers for this.
@@ -94,13 +92,11 @@ bool sameNumber(double a, double b) { return a == b || (std::isnan(a) && std::is
 
 bool equalScalars(Item const& a, Item const& b) {
     if (a.type() != b.type()) return false;
-    switch (a.type()) {
-        case BoolType: return static_cast<Bool const&>(a).value() == static_cast<Bool const&>(b).value();
-        case DoubleType:
-            return sameNumber(static_cast<Double const&>(a).value(), static_cast<Double const&>(b).value());
-        case StringType: return static_cast<String const&>(a).value() == static_cast<String const&>(b).value();
-        default: return a.congruent(b);
-    }
+    return visit(
+        a, [&](Bool const& truth) { return truth.value() == static_cast<Bool const&>(b).value(); },
+        [&](Double const& number) { return sameNumber(number.value(), static_cast<Double const&>(b).value()); },
+        [&](String const& text) { return text.value() == static_cast<String const&>(b).value(); },
+        [&](Item const&) { return a.congruent(b); });
 }
 
 /// Compares pairs of children in order and stops at the first difference. `agreeing` compares scalars.

@@ -6,6 +6,7 @@
 #include "foundation/ur/tests/smallStack.h"
 #include "plst/casts.h"
 #include "plst/tests/trees.h"
+#include "plst/visit.h"
 
 namespace {
 
@@ -33,6 +34,23 @@ TEST(Dictionary, KeepsOneValuePerKeyInKeyOrder) {
     std::string keys;
     for (auto const& entry : dictionary->dictionary()) keys += entry.first.c_str();
     EXPECT_EQ(keys, "abc");
+}
+
+TEST(Visit, CallsTheFunctionOfTheItemsClass) {
+    struct Unknown final : Item {
+        Unknown() : Item(static_cast<Type>(7)) {}
+        Reference<Item> onClone() const override { return nullptr; }
+    };
+    auto const kind = [](Item const& item) {
+        return visit(
+            item, [](Double const& number) { return std::to_string(number.value()); },
+            [](Array const& array) { return std::string(array.size(), 'a'); },
+            [](Item const&) { return std::string("other"); });
+    };
+    EXPECT_EQ(kind(*number(2)), "2.000000");
+    EXPECT_EQ(kind(*arrayOf({text("x"), text("y")})), "aa");
+    EXPECT_EQ(kind(*text("x")) + kind(*make<Dictionary>()) + kind(*make<Bool>(true)), "otherotherother");
+    EXPECT_EQ(kind(*make<Unknown>()), "");
 }
 
 TEST(Clone, UnsharesEveryOccurrence) {

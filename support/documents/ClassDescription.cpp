@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "foundation/urOS/Uuid.h"
+#include "plst/visit.h"
 
 namespace nxSupport {
 
@@ -30,8 +31,9 @@ char const* nameOf(nxPLST::Type type) {
 }
 
 bool isEmptyContainer(Item const& item) {
-    if (item.type() == nxPLST::ArrayType) return static_cast<Array const&>(item).empty();
-    return item.type() == nxPLST::DictionaryType && static_cast<Dictionary const&>(item).empty();
+    return nxPLST::visit(
+        item, [](Array const& array) { return array.empty(); },
+        [](Dictionary const& dictionary) { return dictionary.empty(); }, [](Item const&) { return false; });
 }
 
 CString faultOfKind(Item const& item, Item const& example) {
@@ -44,11 +46,14 @@ CString faultOfKind(Item const& item, Item const& example) {
 /// Calls `visit` with the number, or with each number of the array.
 template <class Visit>
 void forEachNumber(Item const& item, Visit visit) {
-    if (item.type() == nxPLST::DoubleType) return visit(static_cast<Double const&>(item).value());
-    if (item.type() != nxPLST::ArrayType) return;
-    for (auto const& element : static_cast<Array const&>(item).array()) {
-        if (element && element->type() == nxPLST::DoubleType) visit(static_cast<Double const&>(*element).value());
-    }
+    nxPLST::visit(
+        item, [&](Double const& number) { visit(number.value()); },
+        [&](Array const& array) {
+            for (auto const& element : array.array()) {
+                if (auto const number = nxPLST::asDouble(element)) visit(number->value());
+            }
+        },
+        [](Item const&) {});
 }
 
 CString faultOfRange(Item const& item, PropertyDescription const& description) {

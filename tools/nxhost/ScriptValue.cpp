@@ -4,7 +4,7 @@
 #include "foundation/nxRFL/Exception.h"
 #include "foundation/nxRFL/Reader.h"
 #include "foundation/nxRFL/Writer.h"
-#include "plst/casts.h"
+#include "plst/visit.h"
 
 namespace nxhost {
 namespace {
@@ -63,36 +63,38 @@ private:
 
 void writeTree(nxRFL::Writer& writer, Reference<nxPLST::Item const> const& item) {
     if (!item) return writer.writeNull();
-    switch (item->type()) {
-        case nxPLST::BoolType: return writer.writeBool(asBool(item)->value());
-        case nxPLST::DoubleType: return writer.writeDouble(asDouble(item)->value());
-        case nxPLST::StringType: return writer.writeText(asString(item)->value());
-        case nxPLST::ArrayType:
-            writer.startArray(static_cast<unsigned>(asArray(item)->size()));
-            for (auto const& element : asArray(item)->array()) writeTree(writer, element);
-            return writer.endArray();
-        case nxPLST::DictionaryType:
-            writer.startDictionary(static_cast<unsigned>(asDictionary(item)->size()));
-            for (auto const& [key, value] : asDictionary(item)->dictionary()) {
+    nxPLST::visit(
+        *item, [&](nxPLST::Bool const& truth) { writer.writeBool(truth.value()); },
+        [&](nxPLST::Double const& number) { writer.writeDouble(number.value()); },
+        [&](nxPLST::String const& text) { writer.writeText(text.value()); },
+        [&](nxPLST::Array const& array) {
+            writer.startArray(static_cast<unsigned>(array.size()));
+            for (auto const& element : array.array()) writeTree(writer, element);
+            writer.endArray();
+        },
+        [&](nxPLST::Dictionary const& dictionary) {
+            writer.startDictionary(static_cast<unsigned>(dictionary.size()));
+            for (auto const& [key, value] : dictionary.dictionary()) {
                 writer.writeText(key);
                 writeTree(writer, value);
             }
-            return writer.endDictionary();
-    }
+            writer.endDictionary();
+        });
 }
 
 }  // namespace
 
 std::size_t bytesOf(nxPLST::Item const& item) {
     std::size_t bytes = bytesOfItem;
-    Reference<nxPLST::Item const> const held(&item);
-    if (auto const text = asString(held)) bytes += text->value().size();
-    if (auto const array = asArray(held)) {
-        for (auto const& element : array->array()) bytes += bytesOf(*element);
-    }
-    if (auto const dictionary = asDictionary(held)) {
-        for (auto const& [key, value] : dictionary->dictionary()) bytes += bytesOf(*value) + key.size();
-    }
+    nxPLST::visit(
+        item, [&](nxPLST::String const& text) { bytes += text.value().size(); },
+        [&](nxPLST::Array const& array) {
+            for (auto const& element : array.array()) bytes += bytesOf(*element);
+        },
+        [&](nxPLST::Dictionary const& dictionary) {
+            for (auto const& [key, value] : dictionary.dictionary()) bytes += bytesOf(*value) + key.size();
+        },
+        [](nxPLST::Item const&) {});
     return bytes;
 }
 

@@ -4,9 +4,7 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "plst/Bool.h"
-#include "plst/Double.h"
-#include "plst/String.h"
+#include "plst/visit.h"
 #include "tools/nxplist/Walk.h"
 
 namespace nxplist {
@@ -27,19 +25,15 @@ std::uint64_t heapBytes(urString::CString const& text) {
 }
 
 std::uint64_t ownBytes(Item const& item) {
-    switch (item.type()) {
-        case nxPLST::BoolType: return sizeof(nxPLST::Bool);
-        case nxPLST::DoubleType: return sizeof(nxPLST::Double);
-        case nxPLST::StringType:
-            return sizeof(nxPLST::String) + heapBytes(static_cast<nxPLST::String const&>(item).value());
-        case nxPLST::ArrayType:
-            return sizeof(nxPLST::Array) +
-                   static_cast<nxPLST::Array const&>(item).array().capacity() * sizeof(ur::Reference<Item>);
-        case nxPLST::DictionaryType:
-            return sizeof(nxPLST::Dictionary) + static_cast<nxPLST::Dictionary const&>(item).dictionary().size() *
-                                                    sizeof(nxPLST::Dictionary::Map::value_type);
-    }
-    return 0;
+    return nxPLST::visit(
+        item, [](nxPLST::String const& text) { return sizeof text + heapBytes(text.value()); },
+        [](nxPLST::Array const& array) {
+            return sizeof array + array.array().capacity() * sizeof(ur::Reference<Item>);
+        },
+        [](nxPLST::Dictionary const& dictionary) {
+            return sizeof dictionary + dictionary.dictionary().size() * sizeof(nxPLST::Dictionary::Map::value_type);
+        },
+        [](auto const& scalar) { return sizeof scalar; });
 }
 
 class Counter {

@@ -3,10 +3,8 @@
 
 #include <algorithm>
 
-#include "plst/Bool.h"
-#include "plst/Double.h"
-#include "plst/String.h"
 #include "plst/impl/json/JsonNumberWriter.h"
+#include "plst/visit.h"
 
 namespace nxPLST::impl {
 
@@ -41,25 +39,19 @@ void JsonTextWriter::writeItem(Item const* item) {
     if (!item) return endValue();
     stopped_ = !guard_.allows(written_ + indented_, item);
     if (stopped_) return;
-    switch (item->type()) {
-        case BoolType: put(static_cast<Bool const*>(item)->value() ? "true" : "false"); break;
-        case DoubleType: {
+    bool const isContainer = visit(
+        *item, [this](Bool const& truth) { return put(truth.value() ? "true" : "false"), false; },
+        [this](Double const& number) {
             char text[numberRoom];
-            char const* const end = writeShortNumber(text, static_cast<Double const*>(item)->value());
-            put({text, static_cast<std::size_t>(end - text)});
-            break;
-        }
-        case StringType: writeText(static_cast<String const*>(item)->value()); break;
-        case ArrayType:
-            put(JsonToken::openArray);
-            stack_.emplace_back(*static_cast<Array const*>(item));
-            return;
-        case DictionaryType:
-            put(JsonToken::openObject);
-            stack_.emplace_back(*static_cast<Dictionary const*>(item));
-            return;
-    }
-    endValue();
+            char const* const end = writeShortNumber(text, number.value());
+            return put({text, static_cast<std::size_t>(end - text)}), false;
+        },
+        [this](String const& text) { return writeText(text.value()), false; },
+        [this](Array const& array) { return put(JsonToken::openArray), stack_.emplace_back(array), true; },
+        [this](Dictionary const& dictionary) {
+            return put(JsonToken::openObject), stack_.emplace_back(dictionary), true;
+        });
+    if (!isContainer) endValue();
 }
 
 void JsonTextWriter::endValue() {

@@ -5,10 +5,8 @@
 #include <charconv>
 #include <cmath>
 
-#include "plst/Bool.h"
-#include "plst/Double.h"
-#include "plst/String.h"
 #include "plst/impl/json/JsonText.h"
+#include "plst/visit.h"
 
 namespace nxPLST::impl {
 namespace {
@@ -72,14 +70,12 @@ bool StyledJsonWriter::writeItem(Item const* item) {
         text_ += "null";
         return true;
     }
-    switch (item->type()) {
-        case BoolType: text_ += static_cast<Bool const*>(item)->value() ? "true" : "false"; return true;
-        case DoubleType: return writeNumber(static_cast<Double const*>(item)->value());
-        case StringType: writeText(static_cast<String const*>(item)->value()); return true;
-        case ArrayType: return open(*static_cast<Array const*>(item), '[');
-        case DictionaryType: return open(*static_cast<Dictionary const*>(item), '{');
-    }
-    return false;
+    return visit(
+        *item, [this](Bool const& truth) { return text_ += truth.value() ? "true" : "false", true; },
+        [this](Double const& number) { return writeNumber(number.value()); },
+        [this](String const& text) { return writeText(text.value()), true; },
+        [this](Array const& array) { return open(array, '['); },
+        [this](Dictionary const& dictionary) { return open(dictionary, '{'); });
 }
 
 template <class Container>
