@@ -6,7 +6,7 @@
 #include "foundation/ur/Export.h"
 #include "foundation/ur/Reference.h"
 #include "foundation/urUtil/Error.h"
-#include "plst/Item.h"
+#include "plst/Path.h"
 
 namespace urOS {
 class IOStream;
@@ -33,5 +33,9 @@ struct PacketReport {
 /// into memory: see plst/Expansion.h. May consume bytes after the file, but never waits for them.
 [[nodiscard]] NX_API bool read(urOS::IOStream& stream, ur::Reference<Item>& item);
 [[nodiscard]] NX_API bool read(urOS::IOStream& stream, ur::Reference<Item>& item, PacketReport& report);
+
+/// How many bytes of a file from `write` come before the item at `path`, for messages. Where the file only refers to an
+/// item on the path, or lacks it, the bytes before that place. Takes no negative indexes.
+[[nodiscard]] NX_API std::uint64_t packetPosition(urOS::IOStream& stream, Path const& path);
 
 }  // namespace nxPLST

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstring>
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -272,6 +273,33 @@ TEST(ItemPackets, WaitForNoByteAfterTheirFile) {
         Reference<Item> item;
         EXPECT_TRUE(read(pipe, item));
     }
+}
+
+TEST(ItemPackets, TellWhereAnItemBegins) {
+    Reference<Item> const shared = arrayOf({make<String>("shared")});
+    Reference<Item> const tree = dictionaryOf(
+        {{"A", make<String>("names the type")},
+         {"a", arrayOf({shared, nullptr, dictionaryOf({{"k", make<String>("first")}, {"l", make<String>("second")}}),
+                        shared})},
+         {"b", make<String>("third")}});
+    std::string const file = bytesOf(tree);
+    auto const position = [](std::string const& bytes, Path const& path) {
+        ioTest::Trickle stream(bytes, 3);
+        return packetPosition(stream, path);
+    };
+    struct Case {
+        Path path;
+        char const* text;
+    };
+    std::string const a = "a";
+    for (auto const& [path, text] :
+         {Case{{a, 2L, "k"}, "first"}, Case{{a, 2L, "l"}, "second"}, Case{{"b"}, "third"}, Case{{a, 0L, 0L}, "shared"}})
+        EXPECT_EQ(file.substr(position(file, path) + 2, std::strlen(text)), text)
+            << "after the starts of packet and text";
+    EXPECT_GT(position(file, {a, 3L}), position(file, {a, 2L, "l"})) << "the reference";
+    EXPECT_EQ(position(file, {a, 3L, 0L}), position(file, {a, 3L}));
+    EXPECT_GT(position(file, {a, 9L}), position(file, {a, 3L})) << "the end of the array";
+    for (std::size_t size = 0; size < file.size(); ++size) EXPECT_LE(position(file.substr(0, size), {"b"}), size);
 }
 
 TEST(ItemPackets, ReportAStreamThatFails) {

@@ -149,12 +149,11 @@ Error readContent(IString const& path, OpenProgress const& progress, Content& co
     return isPackets ? readPackets(watched, path, content) : readJson(watched, path, content);
 }
 
-CString placeOf(ObjectReader const& reader, Content const& content) {
-    if (!content.text.empty())
-        return CString::format("line %zu: ", impl::lineOf(content.text.view(), reader.faultPath()));
-    CString place;
-    for (auto const& step : reader.faultPath()) place.append(nxPLST::stepText(step));
-    return place.empty() ? place : place.append(": ");
+CString placeOf(nxPLST::Path const& fault, IString const& path, Content const& content) {
+    if (!content.text.empty()) return CString::format("line %zu: ", impl::lineOf(content.text.view(), fault));
+    urOS::File file;
+    if (file.open(path, urOS::openRead).isError()) return {};
+    return CString::format("byte %llu: ", static_cast<unsigned long long>(nxPLST::packetPosition(file, fault)));
 }
 
 }  // namespace
@@ -182,7 +181,7 @@ Error open(Document& document, IString const& path, OpenProgress const& progress
     ObjectReader reader(document, ObjectReader::Identities::kept,
                         progress ? ObjectReader::Progress(afterReading) : nullptr);
     if (!reader.read(content.item) || !reader.checkRoot()) {
-        CString const place = reader.isCancelled() ? CString() : placeOf(reader, content);
+        CString const place = reader.isCancelled() ? CString() : placeOf(reader.faultPath(), path, content);
         return errorAbout(path, CString(place).append(reader.fault()));
     }
     if (!reader.install(ObjectReader::Origin::saved)) return errorAbout(path, "cannot be opened during undo");
