@@ -11,9 +11,9 @@ namespace nxPLST {
 bool operator==(Item const& a, Item const& b) { return impl::equalTrees(a, b); }
 
 std::ostream& operator<<(std::ostream& out, Item const& item) {
-    impl::StyledJsonWriter writer({.indent = 0});
-    bool const isWhole = writer.write(&item);
-    return out << writer.text() << (isWhole ? "" : "...");
+    urString::CString text;
+    bool const isWhole = impl::StyledJsonWriter(text, {.indent = 0}).write(&item);
+    return out << text.view() << (isWhole ? "" : "...");
 }
 std::ostream& operator<<(std::ostream& out, ur::Reference<Item const> const& item) {
     return item ? out << *item : out << "null";

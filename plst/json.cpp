@@ -39,11 +39,16 @@ bool convertToJSON(CString& text, ur::Reference<Item const> item, std::uint64_t 
 }
 
 bool writeJson(urString::CString& text, ur::Reference<Item const> item, JsonStyle const& style) {
-    impl::StyledJsonWriter writer(style);
-    if (!writer.write(item.get())) return false;
-    if (style.charge) style.charge->add(writer.text().size());
-    text.append(writer.text());
-    return true;
+    std::size_t const before = text.size();
+    auto const takeBack = [&] { text.erase(before); };
+    try {
+        if (impl::StyledJsonWriter(text, style).write(item.get())) return true;
+    } catch (...) {
+        takeBack();
+        throw;
+    }
+    takeBack();
+    return false;
 }
 
 bool convertFromJSON(ur::Reference<Item>& out, std::string_view text) {

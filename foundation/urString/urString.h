@@ -5,3 +5,4 @@
 #include "foundation/urString/IString.h"
 #include "foundation/urString/NearestName.h"
 #include "foundation/urString/TextRep.h"
+#include "foundation/urString/utf8.h"

@@ -7,7 +7,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "foundation/urString/IString.h"
+#include "foundation/urString/utf8.h"
 #include "plst/String.h"
 #include "tools/nxplist/Walk.h"
 
@@ -68,13 +68,6 @@ private:
     std::unordered_set<Item const*> met_;
 };
 
-bool isUtf8(std::string_view text) {
-    bool const isAscii = std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-    if (isAscii) return true;
-    urString::CString const bytes(text);
-    return urString::IString(bytes, urString::Encoding::utf8).asUTF8() == bytes;
-}
-
 void reportMore(std::string const& name, std::uint64_t more) {
     if (more > 0) std::fprintf(stderr, "%s: %llu more losses\n", name.c_str(), static_cast<unsigned long long>(more));
 }
@@ -109,7 +102,7 @@ std::uint64_t reportCutTexts(std::string const& name, Item const* root) {
 std::string pathOfBrokenText(Item const* root) {
     std::string broken;
     TextWalk([&](std::string_view text, auto const& path) {
-        if (!isUtf8(text)) broken = path();
+        if (!urString::isUtf8(text)) broken = path();
         return broken.empty();
     }).run(root);
     return broken;

@@ -5,6 +5,8 @@
 
 #include <iterator>
 
+#include "foundation/urString/utf8.h"
+
 namespace urString::impl {
 
 namespace {
@@ -98,3 +100,11 @@ CString encode(std::u32string_view text, Encoding encoding) {
 }
 
 }  // namespace urString::impl
+
+namespace urString {
+
+bool isUtf8(std::string_view bytes) noexcept {
+    return utf8::find_invalid(bytes.data(), bytes.data() + bytes.size()) == bytes.data() + bytes.size();
+}
+
+}  // namespace urString

@@ -8,6 +8,8 @@
 #include <string>
 #include <unordered_set>
 
+#include "foundation/urString/utf8.h"
+
 using urString::CString;
 using urString::Encoding;
 using urString::IString;
@@ -60,6 +62,8 @@ TEST(IString, ReplacesEachIllFormedPieceOnceAndReportsIt) {
         IString const text(bytes, Encoding::utf8, &error);
         EXPECT_EQ(text.view(), characters) << testing::PrintToString(bytes);
         EXPECT_TRUE(error);
+        EXPECT_FALSE(urString::isUtf8(bytes));
+        EXPECT_TRUE(urString::isUtf8(text.asUTF8().view()));
     }
 }
 

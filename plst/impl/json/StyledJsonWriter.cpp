@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "foundation/urString/utf8.h"
 #include "plst/impl/json/JsonText.h"
 #include "plst/visit.h"
 
@@ -18,8 +19,13 @@ constexpr std::size_t indentationPerByte = 16;
 
 }  // namespace
 
-StyledJsonWriter::StyledJsonWriter(JsonStyle const& style)
-    : indent_(style.indent), asciiOnly_(style.asciiOnly), charge_(style.charge), guard_(style.mostExpandedBytes) {}
+StyledJsonWriter::StyledJsonWriter(urString::CString& text, JsonStyle const& style)
+    : sink_(text),
+      before_(sink_.size()),
+      indent_(style.indent),
+      asciiOnly_(style.asciiOnly),
+      charge_(style.charge),
+      guard_(style.mostExpandedBytes) {}
 
 bool StyledJsonWriter::write(Item const* root) {
     guard_.watch(root);
@@ -27,7 +33,7 @@ bool StyledJsonWriter::write(Item const* root) {
     while (!open_.empty()) {
         if (!writeNext()) return false;
     }
-    return guard_.allows(text_.size(), nullptr);
+    return guard_.allows(written(), nullptr);
 }
 
 void StyledJsonWriter::chargeFor(std::size_t capacity) {
@@ -44,16 +50,16 @@ bool StyledJsonWriter::writeNext() {
         open_.pop_back();
         if (!isFirst_) startLine();
         isFirst_ = false;
-        text_ += closing;
+        sink_.append(1, closing);
         return true;
     }
-    if (!isFirst_) text_ += ',';
+    if (!isFirst_) sink_.append(1, ',');
     isFirst_ = false;
     startLine();
     Item const* item = nullptr;
     if (children.inDictionary()) {
         writeText(children.members.key());
-        text_ += indent_ > 0 ? ": " : ":";
+        sink_.append(indent_ > 0 ? ": " : ":");
         item = children.members.item();
         children.members.advance();
     } else {
@@ -64,14 +70,14 @@ bool StyledJsonWriter::writeNext() {
 }
 
 bool StyledJsonWriter::writeItem(Item const* item) {
-    if (!guard_.allows(text_.size(), item)) return false;
-    chargeFor(text_.capacity());
+    if (!guard_.allows(written(), item)) return false;
+    chargeFor(sink_.capacity() - before_);
     if (!item) {
-        text_ += "null";
+        sink_.append("null");
         return true;
     }
     return visit(
-        *item, [this](Bool const& truth) { return text_ += truth.value() ? "true" : "false", true; },
+        *item, [this](Bool const& truth) { return sink_.append(truth.value() ? "true" : "false"), true; },
         [this](Double const& number) { return writeNumber(number.value()); },
         [this](String const& text) { return writeText(text.value()), true; },
         [this](Array const& array) { return open(array, '['); },
@@ -80,7 +86,7 @@ bool StyledJsonWriter::writeItem(Item const* item) {
 
 template <class Container>
 bool StyledJsonWriter::open(Container const& container, char opening) {
-    text_ += opening;
+    sink_.append(1, opening);
     open_.emplace_back(container);
     isFirst_ = true;
     return true;
@@ -90,7 +96,7 @@ bool StyledJsonWriter::open(Container const& container, char opening) {
 bool StyledJsonWriter::writeNumber(double value) {
     if (!std::isfinite(value)) return false;
     if (value == 0 && std::signbit(value)) {
-        text_ += "-0.0";
+        sink_.append("-0.0");
         return true;
     }
     char digits[32];
@@ -98,47 +104,57 @@ bool StyledJsonWriter::writeNumber(double value) {
     auto const isWhole = std::fabs(value) <= 0x1p53 && std::trunc(value) == value;
     auto const [end, problem] = isWhole ? std::to_chars(digits, digits + sizeof digits, static_cast<long long>(value))
                                         : std::to_chars(digits, digits + sizeof digits, value, format);
-    text_.append(digits, end);
+    sink_.append({digits, end});
     return problem == std::errc();
 }
 
 /// Invalid UTF-8 becomes U+FFFD, since no reader would accept it.
 void StyledJsonWriter::writeText(urString::CString const& text) {
-    text_ += '"';
+    char const* const begin = text.data();
+    char const* const end = begin + text.size();
+    char const* const special = runEnd<Stop::atEscapesAndUtf8>(begin, end);
+    sink_.append(1, '"');
+    if (special == end) {
+        sink_.append(text.view());
+    } else if (!asciiOnly_ && urString::isUtf8({special, end})) {
+        writeValid(text.view());
+    } else {
+        writeCharacters(text.view());
+    }
+    sink_.append(1, '"');
+}
+
+void StyledJsonWriter::writeValid(std::string_view text) {
     char const* at = text.data();
     char const* const end = at + text.size();
     while (at != end) {
-        char const* const stop = runEnd<Stop::atEscapesAndUtf8>(at, end);
-        text_.append(at, stop);
-        if (stop != end && static_cast<unsigned char>(*stop) >= 0x80) return writeUnicode({stop, end});
-        at = stop == end ? end : stop + 1;
+        char const* const stop = runEnd<Stop::atEscapes>(at, end);
+        sink_.append({at, stop});
         if (stop != end) writeAscii(*stop);
+        at = stop == end ? end : stop + 1;
     }
-    text_ += '"';
 }
 
-/// Writes the rest of a text and the closing quote.
-void StyledJsonWriter::writeUnicode(std::string_view rest) {
-    urString::IString const characters(rest, urString::Encoding::utf8);
+void StyledJsonWriter::writeCharacters(std::string_view text) {
+    urString::IString const characters(text, urString::Encoding::utf8);
     for (char32_t const character : characters.view()) {
         if (character < 0x80) {
             writeAscii(static_cast<char>(character));
         } else if (asciiOnly_) {
             writeUnits(character);
         } else {
-            text_ += urString::IString(std::u32string_view(&character, 1)).asUTF8().view();
+            sink_.append(urString::IString(std::u32string_view(&character, 1)).asUTF8().view());
         }
     }
-    text_ += '"';
 }
 
 void StyledJsonWriter::writeAscii(char character) {
     if (character >= ' ' && character != '"' && character != '\\') {
-        text_ += character;
+        sink_.append(1, character);
         return;
     }
     char escape[longestEscape];
-    text_.append(escape, putEscape(escape, character));
+    sink_.append({escape, putEscape(escape, character)});
 }
 
 /// Writes a character as one escape sequence, or as a surrogate pair.
@@ -149,17 +165,17 @@ void StyledJsonWriter::writeUnits(char32_t character) {
         end = putUnit(end, 0xD7C0 + (character >> 10));
         character = 0xDC00 + (character & 0x3FF);
     }
-    text_.append(escapes, putUnit(end, character));
+    sink_.append({escapes, putUnit(end, character)});
 }
 
 void StyledJsonWriter::startLine() {
     if (indent_ == 0) return;
-    text_ += '\n';
+    sink_.append(1, '\n');
     std::size_t const width = indent_ * std::min(open_.size(), deepestIndent);
-    if (indented_ + width > freeIndentation + indentationPerByte * (text_.size() - indented_)) return;
+    if (indented_ + width > freeIndentation + indentationPerByte * (written() - indented_)) return;
     indented_ += width;
-    chargeFor(text_.size() + width);
-    text_.append(width, ' ');
+    chargeFor(written() + width);
+    sink_.append(width, ' ');
 }
 
 }  // namespace nxPLST::impl

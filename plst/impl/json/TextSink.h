@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 #include "foundation/urString/CString.h"
 
@@ -15,7 +16,18 @@ public:
     TextSink(TextSink const&) = delete;
     TextSink& operator=(TextSink const&) = delete;
     ~TextSink() {
-        text_.resizeAndOverwrite(used(), [](char*, std::size_t size) { return size; });
+        text_.resizeAndOverwrite(size(), [](char*, std::size_t size) { return size; });
+    }
+
+    [[nodiscard]] std::size_t size() const noexcept { return sizeAt(at_); }
+    [[nodiscard]] std::size_t capacity() const noexcept { return sizeAt(end_); }
+    void append(std::string_view piece) {
+        char* const to = room(piece.size());
+        at_ = to + piece.copy(to, piece.size());
+    }
+    void append(std::size_t count, char character) {
+        std::fill_n(room(count), count, character);
+        at_ += count;
     }
 
     /// The end of the text, with room for `bytes` bytes; those before `advanceTo` become part of the text.
@@ -35,12 +47,7 @@ public:
 private:
     static constexpr std::size_t firstRoom = 240;
 
-    [[nodiscard]] std::size_t used() const noexcept { return sizeAt(at_); }
-
-    void grow(std::size_t bytes) {
-        std::size_t const size = used();
-        expose(size, size + std::max({bytes, size, firstRoom}));
-    }
+    void grow(std::size_t bytes) { expose(size(), size() + std::max({bytes, size(), firstRoom})); }
 
     void expose(std::size_t size, std::size_t capacity) {
         text_.reserve(capacity);
