@@ -132,16 +132,18 @@ private:
             if (*stop == '\\') {
                 unescaped_.append(at, stop);
                 at = stop = readEscape(stop, end_, unescaped_);
-                if (!at) return nullptr;
             } else {
-                int const length = utf8Length(stop, end_);
-                if (length < 2) return nullptr;
-                stop += length;
+                stop = utf8RunEnd(stop, end_);
             }
+            if (!stop) return nullptr;
         }
         if (end_ - stop < 2) return nullptr;
-        unescaped_.append(at, stop);
-        text = {unescaped_, unescaped_.size()};
+        if (unescaped_.empty()) {  // it had no escapes
+            text = {{at, static_cast<std::size_t>(stop - at)}, static_cast<std::size_t>(end_ - at)};
+        } else {
+            unescaped_.append(at, stop);
+            text = {unescaped_, unescaped_.size()};
+        }
         return stop + 1;
     }
 

@@ -58,15 +58,18 @@ int hexDigit(char c) noexcept {
     return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
 }
 
-int utf8Length(char const* at, char const* end) noexcept {
-    auto const lead = static_cast<unsigned char>(*at);
-    if (lead < 0x80) return 1;
-    int const length = lead < 0xC0 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : 0;
-    if (length > end - at) return 0;
-    for (int i = 1; i < length; ++i) {
-        if ((static_cast<unsigned char>(at[i]) & 0xC0) != 0x80) return 0;
+char const* utf8RunEnd(char const* at, char const* end) noexcept {
+    char const* const begin = at;
+    while (at != end && static_cast<unsigned char>(*at) >= 0x80) {
+        auto const lead = static_cast<unsigned char>(*at);
+        int const length = lead < 0xC0 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : 0;
+        if (length == 0 || length > end - at) return nullptr;
+        for (int i = 1; i < length; ++i) {
+            if ((static_cast<unsigned char>(at[i]) & 0xC0) != 0x80) return nullptr;
+        }
+        at += length;
     }
-    return length;
+    return at == begin ? nullptr : at;
 }
 
 char const* readEscape(char const* at, char const* end, std::string& text) {

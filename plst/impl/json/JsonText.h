@@ -13,9 +13,9 @@
 
 namespace nxPLST::impl {
 
-/// The length of the UTF-8 sequence at `at`, or 0 when there is none. Like yajl, it accepts overlong forms and
-/// surrogates. Requires: at least one byte before `end`.
-[[nodiscard]] int utf8Length(char const* at, char const* end) noexcept;
+/// The end of the non-ASCII characters from `at` on; null when there is none, or when one is not UTF-8. Like yajl, it
+/// accepts overlong forms and surrogates. Requires: at least one byte before `end`.
+[[nodiscard]] char const* utf8RunEnd(char const* at, char const* end) noexcept;
 
 /// Appends the character of the escape sequence at `at` and returns its end. Null when it is invalid, or half of a
 /// surrogate pair. Requires: a backslash at `at`.
