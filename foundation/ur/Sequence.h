@@ -53,6 +53,12 @@ private:
     }
     /// The insertion place for that index: the end of a piece rather than the start of the next.
     [[nodiscard]] Place placeOf(std::size_t index) const noexcept {
+        if (index > size_ / 2) {
+            std::size_t piece = pieces_.size() - 1;
+            std::size_t start = size_ - pieces_[piece].size();
+            while (index <= start && piece > 0) start -= pieces_[--piece].size();
+            return {piece, index - start};
+        }
         std::size_t piece = 0;
         while (index > pieces_[piece].size()) index -= pieces_[piece++].size();
         return {piece, index};
@@ -60,7 +66,7 @@ private:
     void split(std::size_t piece);
     void joinWithNext(std::size_t piece) noexcept;
 
-    std::size_t mostInPiece_ = 512;
+    std::size_t mostInPiece_ = 128;
     std::vector<Piece> pieces_;  ///< not empty; each has room for the most elements, but a single one only for its own
     std::size_t size_ = 0;
 };
