@@ -12,6 +12,11 @@ using impl::Container;
 using impl::nowhere;
 using impl::Value;
 
+void impl::failOnInexact(std::string_view number) {
+    throw Exception(
+        urString::CString("the integer ").append(number).append(" is beyond 2^53 and equals no number of scripts"));
+}
+
 void Writer::closeAll() {
     while (open_ != nowhere) {
         Container const& container = head(open_);

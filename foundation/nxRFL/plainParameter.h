@@ -103,9 +103,13 @@ inline void setResult(PlainResult& result, std::same_as<bool> auto value) noexce
     result.kind = PlainValue::Kind::boolean;
     result.truth = value;
 }
-inline void setResult(PlainResult& result, PlainNumber auto value) noexcept {
+inline void setResult(PlainResult& result, PlainNumber auto value) {
     result.kind = PlainValue::Kind::number;
-    result.number = static_cast<double>(value);
+    if constexpr (WholeNumber<decltype(value)>) {
+        result.number = doubleOf(value);
+    } else {
+        result.number = static_cast<double>(value);
+    }
 }
 inline void setResult(PlainResult& result, urString::CString text) noexcept {
     result.kind = PlainValue::Kind::text;

@@ -78,15 +78,34 @@ struct WholeRange {
     static constexpr double least = isExact ? static_cast<double>(Limits::lowest()) : Limits::is_signed ? -greatest : 0;
 };
 
+[[noreturn]] NX_API void failOnInexact(std::string_view number);
+
+/// Raises for an integer that no double equals.
+template <WholeNumber T>
+[[nodiscard]] double doubleOf(T value) {
+    using Range = WholeRange<T>;
+    auto const number = static_cast<double>(value);
+    if constexpr (!Range::isExact) {
+        bool const isSmall = value >= static_cast<T>(Range::least) && value <= static_cast<T>(Range::greatest);
+        if (!isSmall) [[unlikely]] {
+            // The double nearest to the largest integers is 2^63 or 2^64, which is no T.
+            bool const isT = number < static_cast<double>(Range::Limits::max());
+            if (!isT || static_cast<T>(number) != value) failOnInexact(std::to_string(value));
+        }
+    }
+    return number;
+}
+
 }  // namespace impl
 
 template <WholeNumber T>
 void read(Reader& reader, T& value) {
     value = static_cast<T>(reader.readWhole(impl::WholeRange<T>::least, impl::WholeRange<T>::greatest));
 }
+/// Raises for an integer that no double equals, which is beyond 2^53.
 template <WholeNumber T>
 void write(Writer& writer, T value) {
-    writer.writeDouble(static_cast<double>(value));
+    writer.writeDouble(impl::doubleOf(value));
 }
 
 template <class T>
@@ -378,18 +397,19 @@ void read(Reader& reader, std::function<Result(Arguments...)>& callable) {
     ur::Reference<Function> function = reader.readFunction();
     if (!function) return;
     callable = [callback = Callback(std::move(function))](Arguments... arguments) -> Result {
-        Stack const values = impl::argumentsOf<Arguments...>(std::forward<Arguments>(arguments)...);
-        Stack results;
         Callback const self(callback.function());  // the call may drop this callable
-        bool const succeeded = self.call(values, results);
-        if constexpr (!std::is_void_v<Result>) {
-            try {
+        if (!self.function()->canRun()) return Result();
+        try {
+            Stack const values = impl::argumentsOf<Arguments...>(std::forward<Arguments>(arguments)...);
+            Stack results;
+            bool const succeeded = self.call(values, results);
+            if constexpr (!std::is_void_v<Result>) {
                 if (succeeded) return impl::resultOf<Result>(results, *self.function());
-            } catch (Exception const& error) {
-                self.callHandler(error);
             }
-            return Result{};
+        } catch (Exception const& error) {
+            self.callHandler(error);
         }
+        return Result();
     };
 }
 

@@ -270,6 +270,48 @@ TEST_F(Exposed, TakesPlainValuesThatFitAndLeavesOthers) {
     EXPECT_FALSE(takes(quack, {self, plain(1)}));
 }
 
+template <class Integer>
+void expectExactResults(Database& database, std::initializer_list<Integer> exact,
+                        std::initializer_list<Integer> others) {
+    Integer next = 0;
+    auto const function = makeFunction(database, [&next] { return next; });
+    for (Integer const value : exact) {
+        next = value;
+        PlainResult result;
+        Stack results;
+        EXPECT_TRUE(function->callPlain({}, result));
+        function->call({}, results);
+        EXPECT_EQ(result.number, static_cast<long double>(value));
+        EXPECT_EQ(Reader(results).readDouble(), result.number);
+    }
+    for (Integer const value : others) {
+        next = value;
+        PlainResult result;
+        Stack results;
+        EXPECT_THROW(static_cast<void>(function->callPlain({}, result)), Exception) << value;
+        EXPECT_THROW(function->call({}, results), Exception) << value;
+    }
+}
+
+TEST_F(Exposed, RefusesIntegersThatNoNumberEquals) {
+    constexpr auto two53 = std::int64_t(1) << 53;
+    using Limits = std::numeric_limits<std::int64_t>;
+    expectExactResults<std::int64_t>(database, {0, -1, two53, -two53, 2 * two53 + 4, Limits::min()},
+                                     {two53 + 1, -two53 - 1, 2 * two53 + 2 + 1, Limits::max(), Limits::min() + 1});
+    expectExactResults<std::uint64_t>(database, {0, std::uint64_t(two53), std::uint64_t(1) << 63},
+                                      {std::uint64_t(two53) + 1, (std::uint64_t(1) << 63) + 1, ~std::uint64_t(0)});
+    std::function<double(std::int64_t)> callable;
+    Stack callback;
+    Writer(callback).writeFunction(makeFunction(database, [](double number) { return number; }));
+    Reader reader(callback);
+    read(reader, callable);
+    CString reported;
+    database.setErrorHandler([&](Exception const& error) { reported = error.message(); });
+    EXPECT_EQ(callable(two53), two53);
+    EXPECT_EQ(callable(two53 + 1), 0);
+    EXPECT_EQ(reported, "the integer 9007199254740993 is beyond 2^53 and equals no number of scripts");
+}
+
 TEST(Resolving, FindsTheClassOfAnObjectAndConvertsPointersOnTheWay) {
     struct Beast : Animal {
         using Animal::Animal;
