@@ -8,6 +8,15 @@
 
 namespace nxRFL {
 
+namespace impl {
+
+/// Takes what has no type of its own, such as the name of an overloaded function.
+struct Anything {
+    Anything(...);
+};
+
+}  // namespace impl
+
 /// A class whose objects can be charged for what they own; see `Class::setCharge`.
 template <class T>
 concept Charged = requires(T& object, std::shared_ptr<ur::Account> const& account) {
@@ -56,6 +65,8 @@ public:
     /// An overloaded member function: cast it to one form, or pass several to `overloads`.
     template <class castTheOverloadedFunctionToOneForm = void>
     ExposeClass& addMethod(urString::CString const& name, ...) = delete;
+    template <class castTheOverloadedFunctionToOneForm = void>
+    ExposeClass& addMethod(urString::CString const& name, impl::Anything method, Parameters parameters) = delete;
     template <class Callable>
     ExposeClass& addStaticMethod(urString::CString const& name, Callable callable, Parameters parameters = {}) {
         ExposeClassBase::addStaticMethod(name, makeFunction(getDB(), std::move(callable)), parameters);
