@@ -33,6 +33,16 @@ void freePlace(Binding& binding, int place) noexcept {
     binding.freeFunctions.push_back(place);  // its room was reserved with the place
 }
 
+/// The member of a class or table that scripts call by the function on top; null for a function of a script.
+nxRFL::Member const* memberOnTop(lua_State* state) noexcept {
+    lua_CFunction const function = lua_tocfunction(state, -1);
+    if (function != &callMember && function != &beginIteration) return nullptr;
+    lua_getupvalue(state, -1, 1);
+    auto const* const cell = static_cast<MemberCell const*>(lua_touserdata(state, -1));
+    lua_pop(state, 1);
+    return cell->member;
+}
+
 /// Calls the native function that the second upvalue, a userdata, holds.
 int callHeld(lua_State* state) {
     ShortText text;
@@ -64,6 +74,10 @@ bool ScriptFunction::push(Binding const& binding, lua_State* state) const noexce
 urString::CString ScriptFunction::describe() const {
     Binding const* const binding = link_->binding;
     if (!binding || !push(*binding, binding->running)) return Function::describe();
+    if (nxRFL::Member const* const member = memberOnTop(binding->running)) {
+        lua_pop(binding->running, 1);
+        return member->function->describe();
+    }
     lua_Debug info{};
     lua_getinfo(binding->running, ">S", &info);
     if (info.linedefined <= 0) return Function::describe();

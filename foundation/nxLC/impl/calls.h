@@ -16,7 +16,7 @@ struct MemberCell {
 /// has begun to close.
 int callFunction(Binding* binding, lua_State* state, nxRFL::Function const& function, ShortText& text) noexcept;
 
-// Upvalue: the cell of the member.
+// First upvalue: the cell of the member.
 int callMember(lua_State* state);
 int beginIteration(lua_State* state);
 

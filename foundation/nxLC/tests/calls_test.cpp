@@ -156,13 +156,16 @@ TEST_F(Calls, ErrorsEverywhereLeaveNothingBehind) {
             assert(rex:call("exception") == "")
             rex:setOnCall(function(self, text) return {} end)
             assert(rex:call("wrong type") == "")
+            rex:setOnCall(farm.tools.echo)
+            assert(rex:call("echo") == "")
             local co = coroutine.wrap(function() rex:feed("meat", 1) coroutine.yield() rex:fail("exception") end)
             co() fails(co)
             fails(coroutine.wrap(function() farm.tools.apply(coroutine.yield, {}) end))
         end
         rex:setOnCall(nil))");
     std::string_view const expected =
-        "test:11: Rex is tired;the function at test:13: the result must be string, but is array;";
+        "test:11: Rex is tired;the function at test:13: the result must be string, but is array;"
+        "farm::tools.echo: the result must be string, but is farm::Animal;";
     EXPECT_EQ(reported.substr(0, expected.size()).view(), expected);
     EXPECT_EQ(farm::Token::alive, 0);
 }
