@@ -99,26 +99,71 @@ bool fillTable(lua_State* state) {
     return true;
 }
 
-}  // namespace
+struct Parameter {
+    std::string_view name;  ///< with "?" if calls may leave it out
+    std::string_view type;
+};
 
-urString::CString luaFunctionListing() {
-    urString::CString text = "table nx\n";
-    for (Entry const& entry : functions) {
-        urString::CString parameters, results;
+/// What the annotations of a function say.
+struct Signature {
+    explicit Signature(Entry const& entry) {
         for (std::string_view rest = entry.annotations; !rest.empty(); rest.remove_prefix(rest.find('\n') + 1)) {
             std::string_view const line = rest.substr(0, rest.find('\n'));
             std::string_view const content = line.substr(line.find(' ') + 1);
             std::size_t const end = content.find(' ');
             if (line.starts_with("---@param")) {
-                parameters.append(parameters.empty() ? "" : ", ").append(content.substr(0, end));
-                parameters.append(": ").append(content.substr(end + 1));
+                parameters.push_back({content.substr(0, end), content.substr(end + 1)});
             } else {
-                results.append(results.empty() ? ": " : ", ").append(content.substr(0, end));
+                results.append(results.empty() ? "" : ", ").append(content.substr(0, end));
             }
         }
-        text.append("    ").append(entry.name).append("(").append(parameters).append(")").append(results).append("\n");
+    }
+
+    ur::vector<Parameter> parameters;
+    urString::CString results;
+};
+
+}  // namespace
+
+urString::CString luaFunctionListing() {
+    urString::CString text = "table nx\n";
+    for (Entry const& entry : functions) {
+        Signature const signature(entry);
+        text.append("    ").append(entry.name);
+        char const* separator = "(";
+        for (auto const& [name, type] : signature.parameters) {
+            text.append(separator).append(name).append(": ").append(type);
+            separator = ", ";
+        }
+        text.append(signature.parameters.empty() ? "()" : ")");
+        if (!signature.results.empty()) text.append(": ").append(signature.results);
+        text.append("\n");
     }
     return text;
+}
+
+urString::CString luaFunctionJson() {
+    urString::CString text = R"({"name":"nx","functions":[)";
+    char const* separator = "";
+    for (Entry const& entry : functions) {
+        Signature const signature(entry);
+        urString::CString types, names;
+        for (auto const& [name, type] : signature.parameters) {
+            bool const isOptional = name.ends_with('?') || name == "...";
+            types.append(",\"").append(type).append("\"");
+            names.append(names.empty() ? "" : ",").append(R"({"name":")").append(name.substr(0, name.find('?')));
+            names.append(R"(","optional":)").append(isOptional ? "true}" : "false}");
+        }
+        text.append(separator)
+            .append(R"({"name":")")
+            .append(entry.name)
+            .append(R"(","kind":"function","signature":[")");
+        text.append(signature.results.empty() ? "void" : signature.results).append("\"").append(types).append("]");
+        if (!names.empty()) text.append(",\"parameters\":[").append(names).append("]");
+        text.append("}");
+        separator = ",";
+    }
+    return text.append("]}");
 }
 
 urString::CString luaFunctionStubs() {

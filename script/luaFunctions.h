@@ -14,6 +14,8 @@ NX_API void registerLuaFunctions(InitializeLuaMsg& message);
 
 /// The table `nx` for people, to be appended to `nxRFL::listing` in the format `text`.
 [[nodiscard]] NX_API urString::CString luaFunctionListing();
+/// The table `nx` as JSON, an element of "tables" of `nxRFL::listing` in the format `json`.
+[[nodiscard]] NX_API urString::CString luaFunctionJson();
 /// Declarations of the table `nx` for editors, to be appended to `nxRFL::listing` in the format `luaStubs`.
 [[nodiscard]] NX_API urString::CString luaFunctionStubs();
 

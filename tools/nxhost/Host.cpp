@@ -201,7 +201,10 @@ CString Host::listing(nxRFL::ListingFormat format) const {
     if (format == nxRFL::ListingFormat::luaStubs) text += nxSupport::luaFunctionStubs();
     if (format == nxRFL::ListingFormat::text) text += nxSupport::luaFunctionListing();
     bool const isJson = format == nxRFL::ListingFormat::json;
-    if (isJson) text.erase(text.rfind('}')).append(",\"values\":[");
+    if (isJson) {
+        text.erase(text.rfind(']')).append(database_.tables().empty() ? "" : ",");
+        text.append(nxSupport::luaFunctionJson()).append("],\"values\":[");
+    }
     char const* separator = "";
     for (auto const& [name, type] : values_) {
         if (isJson) {

@@ -197,6 +197,13 @@ std::vector<std::string> wordsIn(std::span<char const* const> line) {
     return words;
 }
 
+/// CLI11 leaves out the dashes of a flag that is given a value.
+std::string messageOf(CLI::ParseError const& mistake) {
+    std::string const text = mistake.what();
+    if (!text.ends_with("was given a disallowed flag override")) return text;
+    return "--" + text.substr(0, text.find(' ')) + " takes no value";
+}
+
 /// Checks and completes what the single options say.
 void combine(Options& o, bool choosesCache) {
     if (o.network.sandboxed) o.library = nxLC::Library::sandboxed;
@@ -241,7 +248,7 @@ std::optional<Options> readOptions(int argc, char const* const* argv) {
         app.exit(answer);
         return std::nullopt;
     } catch (CLI::ParseError const& mistake) {
-        throw UsageError{mistake.what()};
+        throw UsageError{messageOf(mistake)};
     }
     if (app.count("--completion") > 0) {
         printCompletion(app);

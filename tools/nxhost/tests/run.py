@@ -80,7 +80,7 @@ USAGE = [  # arguments, standard input, exit code, text in the output
     (["-e"], "", 2, "nxhost: -e: 1 required CODE missing"),
     (["--cache", "12Q"], "", 2, '--cache takes bytes, such as 65536 or 64K, not "12Q"'),
     (["--cache=99999999999G"], "", 2, "--cache takes less than"),
-    (["--sandbox", "--sandbox=no"], "", 2, "nxhost: sandbox was given a disallowed flag override"),
+    (["--sandbox", "--sandbox=no"], "", 2, "nxhost: --sandbox takes no value (nxhost --help tells more)\n"),
     (["--authorities", "/nowhere/ca.pem", "-e", "print(1)"], "", 2, "nxhost: /nowhere/ca.pem: No such file or directory"),
     (["--time", "-1"], "", 2, '--time takes a number of seconds, 0 for no limit, not "-1"'),
     (["--allow", "gopherr", "-e", ""], "", 2, 'nxhost: --allow takes a scheme that libcurl knows, not "gopherr"'),
@@ -115,6 +115,8 @@ USAGE = [  # arguments, standard input, exit code, text in the output
         "local t = {} for i = 1, 9 do t[i] = host.network:createConnection() t[i]:setRequest(r) t[i]:start() end",
         "nx.decodeJSON(('['):rep(3000000))", "nx.decodeJSON(('[1,'):rep(5000000))")),
     (["--list", "script.lua"], "", 2, "nxhost: a listing takes neither a script nor -e or -i"),
+    (["--list", "--json"], "", 0, '{"name":"encodeJSON","kind":"function","signature":["string?, string?","any","number"],"parameters":['
+                                  '{"name":"value","optional":false},{"name":"indent","optional":true}]}'),
     (["--list", "--stubs"], "", 0, "\n---@class nxhost.Connection : nxNet.Connection\n"),
     (["--list", "--stubs"], "", 0, "\n---@param text string\n---@return any value\nfunction nx.decodeJSON2(text) end\n"),
 ]
