@@ -4,6 +4,7 @@
 #include "foundation/nxRFL/Exception.h"
 #include "foundation/nxRFL/Reader.h"
 #include "foundation/nxRFL/Writer.h"
+#include "foundation/ur/containers.h"
 #include "plst/visit.h"
 
 namespace nxhost {
@@ -61,22 +62,23 @@ private:
     ur::Charge& charge_;
 };
 
-void writeTree(nxRFL::Writer& writer, Reference<nxPLST::Item const> const& item) {
+void writeTree(nxRFL::Writer& writer, Reference<nxPLST::Item const> const& item, int depth) {
     if (!item) return writer.writeNull();
+    if (depth == deepest) throw nxRFL::Exception("the value is nested too deeply");
     nxPLST::visit(
         *item, [&](nxPLST::Bool const& truth) { writer.writeBool(truth.value()); },
         [&](nxPLST::Double const& number) { writer.writeDouble(number.value()); },
         [&](nxPLST::String const& text) { writer.writeText(text.value()); },
         [&](nxPLST::Array const& array) {
             writer.startArray(static_cast<unsigned>(array.size()));
-            for (auto const& element : array.array()) writeTree(writer, element);
+            for (auto const& element : array.array()) writeTree(writer, element, depth + 1);
             writer.endArray();
         },
         [&](nxPLST::Dictionary const& dictionary) {
             writer.startDictionary(static_cast<unsigned>(dictionary.size()));
             for (auto const& [key, value] : dictionary.dictionary()) {
                 writer.writeText(key);
-                writeTree(writer, value);
+                writeTree(writer, value, depth + 1);
             }
             writer.endDictionary();
         });
@@ -85,16 +87,28 @@ void writeTree(nxRFL::Writer& writer, Reference<nxPLST::Item const> const& item)
 }  // namespace
 
 std::size_t bytesOf(nxPLST::Item const& item) {
-    std::size_t bytes = bytesOfItem;
-    nxPLST::visit(
-        item, [&](nxPLST::String const& text) { bytes += text.value().size(); },
-        [&](nxPLST::Array const& array) {
-            for (auto const& element : array.array()) bytes += bytesOf(*element);
-        },
-        [&](nxPLST::Dictionary const& dictionary) {
-            for (auto const& [key, value] : dictionary.dictionary()) bytes += bytesOf(*value) + key.size();
-        },
-        [](nxPLST::Item const&) {});
+    std::size_t bytes = 0;
+    ur::vector<nxPLST::Item const*> left = {&item};
+    auto const addChild = [&left](Reference<nxPLST::Item> const& child) {
+        if (child) left.push_back(child.get());
+    };
+    while (!left.empty()) {
+        nxPLST::Item const& next = *left.back();
+        left.pop_back();
+        bytes += bytesOfItem;
+        nxPLST::visit(
+            next, [&](nxPLST::String const& text) { bytes += text.value().size(); },
+            [&](nxPLST::Array const& array) {
+                for (auto const& element : array.array()) addChild(element);
+            },
+            [&](nxPLST::Dictionary const& dictionary) {
+                for (auto const& [key, value] : dictionary.dictionary()) {
+                    bytes += key.size();
+                    addChild(value);
+                }
+            },
+            [](nxPLST::Item const&) {});
+    }
     return bytes;
 }
 
@@ -105,6 +119,6 @@ void read(nxRFL::Reader& reader, ScriptValue& value) {
     value.item = TreeReader(reader, value.charge).read(0);
 }
 
-void write(nxRFL::Writer& writer, ScriptValue const& value) { writeTree(writer, value.item); }
+void write(nxRFL::Writer& writer, ScriptValue const& value) { writeTree(writer, value.item, 0); }
 
 }  // namespace nxhost

@@ -23,6 +23,7 @@ struct ScriptValue {
 
 /// Raises for values without an item form: objects, functions, nil inside a table, and values nested too deeply.
 void read(nxRFL::Reader& reader, ScriptValue& value);
+/// Raises for a value nested too deeply, which only files and copies hold.
 void write(nxRFL::Writer& writer, ScriptValue const& value);
 
 }  // namespace nxhost
