@@ -130,10 +130,14 @@ Error Autosave::write() {
 
 Error Autosave::discard() { return journal_->remove(); }
 
-Error autosave(Document& document, IString const& folder) {
+Error autosave(Document& document, IString const& folder, CString const& name) {
     auto& kept = document.autosave_;
-    if (kept && kept->journal_->folder == folder) return kept->write();
+    if (kept && kept->journal_->folder == folder) {
+        kept->setName(name);
+        return kept->write();
+    }
     auto const former = std::exchange(kept, std::make_unique<Autosave>(document, folder));
+    kept->setName(name);
     Error error = kept->write();
     if (former && error.ok()) return former->discard();
     return error;

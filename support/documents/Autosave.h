@@ -39,15 +39,16 @@ public:
 
 private:
     class Journal;
-    friend NX_API urUtil::Error autosave(Document& document, urString::IString const& folder);
+    friend NX_API urUtil::Error autosave(Document& document, urString::IString const& folder,
+                                         urString::CString const& name);
 
     std::unique_ptr<Journal> journal_;
 };
 
 /// Writes what has changed since the last call to a file in `folder`, as `Autosave::write` does. The document keeps the
 /// `Autosave`; another folder gets a new file instead. `save` removes the file; the end of the document leaves it, so
-/// call `discardAutosave` when the user closes without saving.
-NX_API urUtil::Error autosave(Document& document, urString::IString const& folder);
+/// call `discardAutosave` when the user closes without saving. `name` is what `recoverable` shows.
+NX_API urUtil::Error autosave(Document& document, urString::IString const& folder, urString::CString const& name = {});
 /// Removes the file of `autosave`, if there is one.
 NX_API urUtil::Error discardAutosave(Document& document);
 

@@ -102,7 +102,8 @@ private:
     friend class Autosave;
     friend class impl::ChangeCollector;
     friend class impl::ObjectReader;
-    friend NX_API urUtil::Error autosave(Document& document, urString::IString const& folder);
+    friend NX_API urUtil::Error autosave(Document& document, urString::IString const& folder,
+                                         urString::CString const& name);
     friend NX_API urUtil::Error discardAutosave(Document& document);
 
     using Index = std::unordered_map<urOS::Uuid, Object*, urOS::UuidHash>;

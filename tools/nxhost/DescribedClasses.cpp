@@ -5,10 +5,12 @@
 #include <cmath>
 
 #include "foundation/nxRFL/Exception.h"
+#include "foundation/nxRFL/Reader.h"
+#include "foundation/nxRFL/Writer.h"
 #include "foundation/urString/NearestName.h"
 #include "plst/casts.h"
 #include "plst/convert.h"
-#include "tools/nxhost/ScriptValue.h"
+#include "support/services/Timeline.h"
 
 namespace nxhost {
 
@@ -125,8 +127,8 @@ unsigned versionIn(Members& members) {
     return static_cast<unsigned>(version);
 }
 
-ClassDescription classFrom(ItemReference const& table) {
-    Members members(table, "the description of a class");
+ClassDescription classFrom(ItemReference const& values) {
+    Members members(values, "the description of a class");
     ClassDescription result;
     result.name = nameIn(members);
     members.setAbout(CString("class \"").append(result.name).append('"'));
@@ -140,6 +142,7 @@ ClassDescription classFrom(ItemReference const& table) {
         if (!name) members.fail("must have names of classes as children");
         result.children.push_back(name->value());
     });
+    if (members.item("upgrade")) members.fail("must have a function as upgrade");
     members.finish();
     return result;
 }
@@ -154,10 +157,81 @@ std::size_t bytesInherited(PropertyDescription const& property) {
     return bytes;
 }
 
+/// Counts a call while it runs.
+class Counted {
+public:
+    explicit Counted(int& count) noexcept : count_(count) { ++count_; }
+    Counted(Counted const&) = delete;
+    Counted& operator=(Counted const&) = delete;
+    ~Counted() { --count_; }
+
+private:
+    int& count_;
+};
+
+/// The function's result for the values of that version; null, with the reason, if it is no table of values.
+ur::Reference<nxPLST::Dictionary const> upgraded(nxRFL::Function const& function, nxPLST::Dictionary& values,
+                                                 unsigned version, CString& why) {
+    nxRFL::Stack arguments;
+    nxRFL::Stack results;
+    nxRFL::Writer writer(arguments);
+    write(writer, ScriptValue{ItemReference(&values)});
+    writer.writeUnsigned(version);
+    function.call(arguments, results);
+    why = "returns nothing";
+    if (results.empty()) return nullptr;
+    why = "returns no table with names";
+    ScriptValue result;
+    try {
+        nxRFL::Reader reader = nxRFL::Reader::ofResults(results, function);
+        read(reader, result);
+    } catch (nxRFL::Exception const& error) {
+        why = CString("returns no values: ").append(error.message());
+        return nullptr;
+    }
+    auto const array = asArray(result.item);
+    if (array && array->empty()) return ur::make<nxPLST::Dictionary>();  // an empty table may be either
+    return asDictionary(result.item);
+}
+
 }  // namespace
 
-void DescribedClasses::add(ItemReference const& description) {
+void read(nxRFL::Reader& reader, ClassTable& table) {
+    table = {};
+    if (reader.kind() != nxRFL::Kind::dictionary) return read(reader, table.values);
+    auto const members = ur::make<nxPLST::Dictionary>();
+    table.values = {members, ur::Charge(reader.account(), 0)};
+    for (unsigned left = reader.startDictionary(); left > 0; --left) {
+        CString const name = reader.readText();
+        if (name == "upgrade" && reader.kind() == nxRFL::Kind::function) {
+            table.upgrade = reader.readFunction();
+            continue;
+        }
+        ScriptValue member;
+        read(reader, member);
+        table.values.charge.add(name.size() + member.charge.bytes());
+        members->insert(name, ur::Reference<nxPLST::Item>(const_cast<nxPLST::Item*>(member.item.get())));
+    }
+    reader.endDictionary();
+}
+
+ClassDescription::Upgrade DescribedClasses::upgradeBy(ur::Reference<nxRFL::Function> function, CString name) {
+    if (!function) return {};
+    return
+        [this, function = std::move(function), name = std::move(name)](nxPLST::Dictionary& values, unsigned version) {
+            Counted const counted(upgrading_);
+            nxSupport::ScriptCallScope const scope("upgrade");
+            CString why;
+            auto const result = upgraded(*function, values, version, why);
+            if (!result) throw nxRFL::Exception(CString("the upgrade of \"").append(name).append("\" ").append(why));
+            values.dictionary() = result->dictionary();
+        };
+}
+
+void DescribedClasses::add(ClassTable const& table) {
+    ItemReference const& description = table.values.item;
     ClassDescription added = classFrom(description);
+    added.upgrade = upgradeBy(table.upgrade, added.name);
     auto const base = catalog_.find(added.base);
     int bases = 0;
     for (auto const* each = base.get(); each; each = each->base()) ++bases;

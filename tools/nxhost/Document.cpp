@@ -1,9 +1,14 @@
 // Named values, steps, files, and the class that scripts use.
 #include "tools/nxhost/Document.h"
 
+#include <array>
+#include <chrono>
+
 #include "foundation/nxRFL/ExposeClass.h"
 #include "foundation/urOS/File.h"
+#include "support/documents/Autosave.h"
 #include "support/documents/documentFiles.h"
+#include "support/documents/recovery.h"
 #include "support/services/DebugPrint.h"
 #include "support/services/PerfScope.h"
 #include "support/services/Timeline.h"
@@ -147,23 +152,33 @@ void Document::notify(CString const& name) {
 }
 
 void Document::setValue(Object& object, CString const& name, ItemReference item) {
-    requireChangeable(object);
+    setValue(std::array{&object}, name, std::move(item), CString("Set ").append(name));
+}
+
+void Document::setValue(std::span<Object* const> objects, CString const& name, ItemReference item,
+                        CString const& step) {
+    for (Object const* const object : objects) requireChangeable(*object);
     if (name.size() > longestName) throw nxRFL::Exception("the name of a value has at most 256 bytes");
     if (name.empty()) throw nxRFL::Exception("the name of a value is empty");
-    charges_.addValue(item, name);
-    change(CString("Set ").append(name), [&] {
-        Reference<Object> const held(&object);
-        if (&object == &document_.root()) item = validated(name, std::move(item));
-        nxSupport::ObjectClass const& objectClass = object.objectClass();
-        if (auto const* const description = objectClass.find(name)) {
-            item = fitted(item, *description);
-            requireFitting(objectClass, *description, item);
-        }
-        object.setValue(name, item);
+    charges_.addValue(item, name, objects.size());
+    Objects const held(objects.begin(), objects.end());  // a listener may let go of them
+    change(step, [&] {
+        for (auto const& object : held) setFitting(*object, name, item);
     });
 }
 
+void Document::setFitting(Object& object, CString const& name, ItemReference item) {
+    if (&object == &document_.root()) item = validated(name, std::move(item));
+    nxSupport::ObjectClass const& objectClass = object.objectClass();
+    if (auto const* const description = objectClass.find(name)) {
+        item = fitted(item, *description);
+        requireFitting(objectClass, *description, item);
+    }
+    object.setValue(name, item);
+}
+
 void Document::requireChanges() const {
+    if (classes_.isUpgrading()) throw nxRFL::Exception("nothing can be changed while values are brought up");
     if (domain_.isConst()) throw nxRFL::Exception("nothing can be changed in a Const context");
 }
 
@@ -209,6 +224,15 @@ bool Document::undoTo(std::size_t count) {
     return isDone;
 }
 
+// ---- What a user has selected
+
+void Document::select(Objects const& objects) {
+    charges_.setSelected(objects.size());
+    document_.select(pointersTo(objects));
+}
+
+Reference<Panel> Document::panel(Objects const& objects) { return ur::make<Panel>(*this, objects); }
+
 // ---- Files
 
 void Document::requireFiles(CString const& path) const {
@@ -221,7 +245,9 @@ void Document::save(CString const& path) {
     throwIfFailed(nxSupport::save(document_, path));
 }
 
-void Document::open(CString const& path) {
+/// Charges the account for what `open` reads.
+template <class Open>
+void Document::replace(CString const& path, Open open) {
     requireFiles(path);
     requireChanges();
     std::uint64_t bytes = 0;
@@ -229,8 +255,36 @@ void Document::open(CString const& path) {
     throwIfFailed(file.open(path, urOS::openRead));
     throwIfFailed(file.size(bytes));
     ur::Charge const room = charges_.room(bytes);
-    throwIfFailed(nxSupport::open(document_, path));
+    throwIfFailed(open());
     charges_.addOpened();
+}
+
+void Document::open(CString const& path) {
+    replace(path, [&] { return nxSupport::open(document_, path); });
+}
+
+void Document::recover(CString const& path) {
+    replace(path, [&] { return nxSupport::recover(document_, path); });
+}
+
+void Document::autosave(CString const& folder, CString const& name) {
+    requireFiles(folder);
+    throwIfFailed(nxSupport::autosave(document_, folder, name));
+}
+
+void Document::discardAutosave() {
+    requireFiles({});
+    throwIfFailed(nxSupport::discardAutosave(document_));
+}
+
+ur::vector<RecoverableFile> Document::recoverable(CString const& folder) const {
+    requireFiles(folder);
+    ur::vector<RecoverableFile> files;
+    for (auto const& file : nxSupport::recoverable(folder)) {
+        std::chrono::duration<double> const time = file.time.time_since_epoch();
+        files.push_back({file.path.asUTF8(), file.name, time.count()});
+    }
+    return files;
 }
 
 void Document::chargeTo(std::shared_ptr<ur::Account> const& account) {
@@ -240,6 +294,7 @@ void Document::chargeTo(std::shared_ptr<ur::Account> const& account) {
 
 void exposeDocument(nxRFL::Database& database, Document& document) {
     exposeObjects(database, document);
+    exposePanels(database);
     using Path = std::string_view;
     nxRFL::ExposeClass<Document>(database, "nxhost::Document")
         .addProperty("root", [](Document& self) { return &self.document().root(); })
@@ -250,7 +305,7 @@ void exposeDocument(nxRFL::Database& database, Document& document) {
                        return id.parse(text) ? self.document().find(id) : nullptr;
                    },
                    {"id"})
-        .addMethod("describe", &Document::describe, {"class"})
+        .addMethod("describe", [](Document& self, ClassTable const& table) { self.classes().add(table); }, {"class"})
         .addMethod("get", &Document::get, {"name"})
         .addMethod("set", &Document::set, {"name", "value"})
         .addMethod("names", &Document::names)
@@ -266,8 +321,21 @@ void exposeDocument(nxRFL::Database& database, Document& document) {
                        ObjectListener::connect(self.document(), function, self.charges().callable());
                    },
                    {"callback"})
+        .addProperty("selection",
+                     [](Document& self) {
+                         auto const selected = self.document().selection();
+                         return Objects(selected.begin(), selected.end());
+                     })
+        .addMethod("select", &Document::select, {"objects"})
+        .addMethod("panel", &Document::panel, {"objects"})
+        .addMethod("copy", &copy, {"objects"})
+        .addMethod("duplicate", &duplicate, {"objects"})
         .addMethod("save", &Document::save, {"path"})
         .addMethod("open", &Document::open, {"path"})
+        .addMethod("autosave", &Document::autosave, {"folder", {"name", ""}})
+        .addMethod("discardAutosave", &Document::discardAutosave)
+        .addMethod("recoverable", &Document::recoverable, {"folder"})
+        .addMethod("recover", &Document::recover, {"path"})
         .addProperty("isModified", [](Document& self) { return self.document().isModified(); })
         .addProperty("steps", [](Document& self) { return self.document().steps(); })
         .addProperty("undoName", [](Document& self) { return self.document().history().undoName(); })

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <span>
 
 #include "foundation/nxRFL/Callback.h"
 #include "foundation/nxRFL/Database.h"
@@ -11,9 +12,21 @@
 #include "tools/nxhost/DescribedClasses.h"
 #include "tools/nxhost/DocumentCharges.h"
 #include "tools/nxhost/Options.h"
+#include "tools/nxhost/Panel.h"
 #include "tools/nxhost/ScriptValue.h"
 
 namespace nxhost {
+
+/// What a crash left, for scripts.
+struct RecoverableFile {
+    urString::CString path;
+    urString::CString name;
+    double time = 0;  ///< in seconds since 1970
+};
+template <class Visit>
+void listMembers(RecoverableFile& file, Visit&& visit) {
+    visit("path", file.path), visit("name", file.name), visit("time", file.time);
+}
 
 /// A document as scripts see it. Its root holds their named values; `exposeObjects` shows the objects.
 ///
@@ -46,10 +59,16 @@ public:
     bool redo();
     bool undoTo(std::size_t count);
 
-    void describe(ScriptValue const& description) { classes_.add(description.item); }
+    void select(Objects const& objects);
+    [[nodiscard]] ur::Reference<Panel> panel(Objects const& objects);
+
     // Refused in the sandbox.
     void save(urString::CString const& path);
     void open(urString::CString const& path);
+    void autosave(urString::CString const& folder, urString::CString const& name);
+    void discardAutosave();
+    [[nodiscard]] ur::vector<RecoverableFile> recoverable(urString::CString const& folder) const;
+    void recover(urString::CString const& path);
 
     // For the functions of objects.
     /// Runs `change` as a step of that name, or as a part of the one that is open.
@@ -63,8 +82,11 @@ public:
     }
     /// Raises where nothing can be changed, and for an object whose making was undone.
     void requireChangeable(Object const& object) const;
-    /// Null removes the value.
+    /// Null removes the value. The step is called "Set NAME".
     void setValue(Object& object, urString::CString const& name, KeptValues::ItemReference item);
+    /// The same in all objects as one step, or raises why one of them refuses the value.
+    void setValue(std::span<Object* const> objects, urString::CString const& name, KeptValues::ItemReference item,
+                  urString::CString const& step);
     [[nodiscard]] nxSupport::Document& document() const noexcept { return document_; }
     [[nodiscard]] DescribedClasses& classes() noexcept { return classes_; }
     [[nodiscard]] DocumentCharges& charges() noexcept { return charges_; }
@@ -82,6 +104,9 @@ private:
     Name& named(urString::CString const& name);
     void requireChanges() const;
     void requireFiles(urString::CString const& path) const;
+    template <class Open>
+    void replace(urString::CString const& path, Open open);
+    void setFitting(Object& object, urString::CString const& name, KeptValues::ItemReference item);
     [[nodiscard]] KeptValues::ItemReference validated(urString::CString const& name, KeptValues::ItemReference item);
     void notify(urString::CString const& name);
 

@@ -33,7 +33,8 @@ void ObjectListener::connect(nxSupport::Document& document, ur::Reference<nxRFL:
                              ur::Charge charge) {
     auto const listener = ur::make<ObjectListener>(function, std::move(charge));
     follow(document, listener);
-    document.replacedSignal().addCallback([listener] { listener->opened(); });
+    document.replacedSignal().addCallback([listener] { listener->event("opened"); });
+    document.selectionSignal().addCallback([listener] { listener->event("selected"); });
 }
 
 void ObjectListener::changed(Object& object, CString const& name) {
@@ -68,9 +69,9 @@ void ObjectListener::moved(Object& parent, std::size_t from, std::size_t to, Obj
     call(arguments);
 }
 
-void ObjectListener::opened() {
+void ObjectListener::event(char const* name) {
     nxRFL::Stack arguments;
-    nxRFL::Writer(arguments).writeText("opened");
+    nxRFL::Writer(arguments).writeText(name);
     call(arguments);
 }
 

@@ -10,8 +10,8 @@
 namespace nxhost {
 
 /// Calls the function with "changed", object, name and value; "inserted" or "removed", parent, index and child;
-/// "moved", parent, former index, index and child; "opened", for a document. Indices count from 1. The function is
-/// called until it returns false. Owned by the signals of what it listens to.
+/// "moved", parent, former index, index and child; for a document also "opened" and "selected". Indices count from 1.
+/// The function is called until it returns false. Owned by the signals of what it listens to.
 class ObjectListener final : public ur::ReferenceCount {
 public:
     using Object = nxSupport::Object;
@@ -30,7 +30,7 @@ private:
     void changed(Object& object, urString::CString const& name);
     void child(char const* event, Object& parent, std::size_t index, Object& child);
     void moved(Object& parent, std::size_t from, std::size_t to, Object& child);
-    void opened();
+    void event(char const* name);
     void call(nxRFL::Stack const& arguments);
 
     nxRFL::Callback callback_;

@@ -67,7 +67,7 @@ Reference<Object> add(Document& document, Object& parent, CString const& classNa
     document.requireChangeable(parent);
     requireContainable(parent.objectClass(), *document.classes().get(className));
     std::size_t const place = placeAmong(parent.children().size(), index);
-    document.charges().addObject();
+    document.charges().addObjects(1);
     Reference<Object> const held(&parent);
     Reference<Object> object;
     document.change(CString("Add ").append(className), [&] {
@@ -150,6 +150,11 @@ void exposeObjects(nxRFL::Database& database, Document& document) {
                        return add(*d, self, name, values, index);
                    },
                    {"class", {"values", nothing}, {"index", nothing}})
+        .addMethod("paste",
+                   [d](Object& self, std::string_view text, Index const& index) {
+                       return paste(*d, self, placeAmong(self.children().size(), index), text);
+                   },
+                   {"text", {"index", nothing}})
         .addMethod("remove", [d](Object& self) { remove(*d, self); })
         .addMethod("moveTo", [d](Object& self, Object& parent, Index const& index) { moveTo(*d, self, parent, index); },
                    {"parent", {"index", nothing}})

@@ -112,10 +112,11 @@ TEST_F(Recovery, IsKeptByTheDocument) {
         Scene other;
         other.add(other.root(), "Ball", "lost");
         ASSERT_TRUE(autosave(other.document, wide(path("first"))).ok());
-        ASSERT_TRUE(autosave(other.document, wide(path())).ok());
+        ASSERT_TRUE(autosave(other.document, wide(path()), "plan").ok());
         EXPECT_TRUE(recoverable(wide(path("first"))).empty()) << "it is in the other folder now";
     }
     EXPECT_EQ(recovered(file()).substr(0, 5), "Group");
+    EXPECT_EQ(recoverable(wide(path()))[0].name, "plan");
     bool isModified = false;
     scene.document.replacedSignal().addCallback([&] {
         isModified = scene.document.isModified();
