@@ -1,9 +1,14 @@
 // Reading, evaluating, printing.
 #include "tools/nxhost/Prompt.h"
 
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cstdio>
 #include <string_view>
 
+#include "foundation/nxRFL/NativeFunction.h"
 #include "foundation/nxRFL/Reader.h"
 #include "foundation/nxRFL/Writer.h"
 #include "support/services/Timeline.h"
@@ -22,12 +27,13 @@ namespace {
 /// Calls a function and prints its results, tables as text of a few lines. Takes what it needs from Lua now, since
 /// scripts may change it.
 constexpr char const* showSource = R"lua(
-local helpText = ...
+local helpText, nameOf = ...
 local getmetatable, pairs, print, select, tostring, type = getmetatable, pairs, print, select, tostring, type
 local format, gsub, sub = string.format, string.gsub, string.sub
 local sort, concat, insert = table.sort, table.concat, table.insert
 local gmatch, rawequal = string.gmatch, rawequal
-local mostLines, mostWidth, mostDepth, longestText, longestLine = 20, 100, 8, 100, 120
+local mostLines, mostDepth = 20, 8
+local longestLine, mostWidth, longestText  -- set from the width of the terminal
 
 local function sorted(a, b)
     if type(a) == type(b) and (type(a) == "number" or type(a) == "string") then return a < b end
@@ -88,6 +94,11 @@ end
 local function described(what)
     local name = tostring(what):match("^class (.*)") or getmetatable(what)
     if type(name) == "string" then return describe(name) end
+    if type(what) == "function" then
+        local holder, member = nameOf(what):match("^(.*)%.([^.]*)$")
+        local found = holder and describeMember(holder, member) or ""
+        if found ~= "" then return found end
+    end
     for key, value in pairs(_G) do
         local isTable = key ~= "_G" and type(key) == "string" and type(value) == "table" and describe(key) ~= ""
         if isTable and rawequal(value, what) then return describe(key) end
@@ -107,7 +118,8 @@ if help == nil then
     end
 end
 
-return function(call)
+return function(width, call)
+    longestLine, mostWidth, longestText = width, width - 20, width - 20
     local function show(...)
         local count, shown = select("#", ...), {...}
         for i = 1, count do
@@ -124,14 +136,26 @@ end
 constexpr char const* helpText =
     "Type Lua; what it gives is printed. Chunks may take several lines. Tab completes names, members and files in "
     "quotes.\n"
-    "  help(x)      what an object, a class, a table or a function offers: help(host.document), help(nx.encodeJSON)\n"
+    "  help(x)      what an object, a class, a table or a function offers: help(host.document), help(nx.encodeJSON),\n"
+    "               help(host.document.undo)\n"
     "  quit         ends the program, as Ctrl-D does";
 
-/// The function that a chunk returns.
-Reference<Function> made(Host& host, char const* source, char const* argument) {
+/// The bytes of a line at most: the columns of the terminal.
+int widthOfTerminal() {
+    constexpr int least = 40, standard = 120;
+    winsize size{};
+    bool const isKnown = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return isKnown ? std::max<int>(size.ws_col, least) : standard;
+}
+
+/// The function that prints what another one returns.
+Reference<Function> makeShow(Host& host) {
+    auto const nameOf = [](Reference<Function> const& function) { return function ? function->describe() : CString(); };
     nxRFL::Stack arguments, results;
-    nxRFL::Writer(arguments).writeText(argument);
-    host.state().load(source, "=nxhost")->call(arguments, results);
+    nxRFL::Writer writer(arguments);
+    writer.writeText(helpText);
+    writer.writeFunction(nxRFL::makeFunction(*host.state().reflection().getDB(), nameOf));
+    host.state().load(showSource, "=nxhost")->call(arguments, results);
     return nxRFL::Reader(results).readFunction();
 }
 
@@ -148,7 +172,7 @@ CString withoutPrompt(CString const& trace) {
 
 }  // namespace
 
-Prompt::Prompt(Host& host) : host_(host), show_(made(host, showSource, helpText)), editor_(host.loop(), host.state()) {}
+Prompt::Prompt(Host& host) : host_(host), show_(makeShow(host)), editor_(host.loop(), host.state()) {}
 
 void Prompt::run() {
     Interrupt& interrupt = host_.loop().interrupt();
@@ -203,6 +227,7 @@ void Prompt::evaluate(Reference<Function> const& chunk) const {
     nxRFL::Stack arguments;
     nxRFL::Stack results;
     nxRFL::Writer writer(arguments);
+    writer.writeInt(widthOfTerminal());
     writer.writeFunction(chunk);
     nxSupport::ScriptCallScope const call("prompt");
     try {

@@ -1,14 +1,17 @@
 #!/usr/bin/env -S python3 -B
 """Types at nxhost's prompt through a terminal, and sends it signals.  usage: terminal.py NXHOST"""
 import faulthandler
+import fcntl
 import os
 import pty
 import select
 import signal
 import socket
+import struct
 import subprocess
 import sys
 import tempfile
+import termios
 import time
 from pathlib import Path
 
@@ -89,7 +92,8 @@ def completes(folder):
     terminal.enter("host.document:un\t()", "false\r\n")
     terminal.expect("> ")
     terminal.type("host.document:\t")
-    terminal.expect("describe  edit  find  findId  get  listen  names  open  redo  save  set  undo  undoTo  validate  watch")
+    terminal.expect("autosave  copy  describe  discardAutosave  duplicate  edit  find  findId  get  listen  names  open  panel  "
+                    "recover  recoverable  redo  save  select  set  undo  undoTo  validate  watch")
     terminal.type("nothing\t\x03")
     terminal.enter("'alive'", "alive\r\n")
     terminal.enter("os.exit(3)")
@@ -119,7 +123,14 @@ def helps(folder):
     terminal.enter("help(nx.encodeJSON)", "nx.encodeJSON(value: any, indent?: number): string?, string?\r\n")
     terminal.enter("help(host.span)", "host.span(name: string, body: function)\r\n")
     terminal.enter("help(nxSupport.Context.exec)", "nxSupport::Context.exec(")
+    terminal.enter("help(host.document.undoTo)", "nxhost::Document.undoTo(steps: number): boolean\r\n")
+    terminal.enter("c = host.network:createConnection() help(c.start)", "nxNet::Connection.start()\r\n")
+    terminal.enter("help(print)", "nothing is known of this function\r\n")
     terminal.enter("help({})", "nothing is known of this table\r\n")
+    for columns, longest in ((60, 60), (10, 40), (300, 300), (0, 120)):
+        fcntl.ioctl(terminal.terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 0, columns, 0, 0))
+        terminal.enter("t = {} for i = 1, 90 do t[i] = {{{{{{{{('x'):rep(999)}}}}}}}} end return t")
+        assert max(map(len, terminal.expect("...\r\n}\r\n").split("\r\n"))) == longest, columns
     Path(folder, "some file.txt").touch()
     Path(folder, "some folder").mkdir()
     terminal.expect("> ")
