@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <limits>
 
 #include "foundation/io/ioFormat.h"
@@ -33,14 +32,10 @@ namespace {
 
 constexpr double partOfReading = 0.5;  // of the time that opening takes
 
-bool isFinite(Item const& item) {
-    return item.type() != nxPLST::DoubleType || std::isfinite(static_cast<nxPLST::Double const&>(item).value());
-}
-
 /// Whether JSON has a form for the value.
 bool isWritable(Item const& value) {
     CString text;
-    return isFinite(value) && nxPLST::writeJson(text, Reference<Item const>(&value));
+    return nxPLST::writeJson(text, Reference<Item const>(&value));
 }
 
 /// Names the first value below `top` that made JSON fail.
