@@ -106,7 +106,7 @@ TEST_F(Recovery, BeginsAndEndsWithUnsavedChanges) {
 
 TEST_F(Recovery, IsKeptByTheDocument) {
     urOS::fs::create_directory(path("first"));
-    Object& ball = scene.add(scene.root(), "Ball", "b");
+    ur::Reference<Object> const ball(&scene.add(scene.root(), "Ball", "b"));
     auto const file = [&] { return recoverable(wide(path()))[0].path; };
     {
         Scene other;
@@ -123,7 +123,7 @@ TEST_F(Recovery, IsKeptByTheDocument) {
         throw std::runtime_error("listener");
     });
     EXPECT_THROW(static_cast<void>(recover(scene.document, file())), std::runtime_error);
-    EXPECT_TRUE(isModified && scene.document.isModified() && !ball.document());
+    EXPECT_TRUE(isModified && scene.document.isModified() && !ball->document());
     ASSERT_TRUE(autosave(scene.document, wide(path())).ok());
     auto const before = fileCount();
     ASSERT_TRUE(save(scene.document, wide(path("saved.nx"))).ok());
