@@ -27,11 +27,12 @@ check: packages
 	$(call preset,dev) --target all fuzzers
 	ctest --preset check
 
-# QUICK=1: smaller inputs, under a minute.
+# QUICK=1: smaller inputs, under a minute. JSON=FOLDER: the files in it as well.
 bench: packages
 	@packaging/install-packages bench
 	$(call preset,bench)
-	build/bench/bin/nxbench $(if $(filter-out 0,$(QUICK)),--quick) --json build/bench/ratios.json
+	build/bench/bin/nxbench $(if $(filter-out 0,$(QUICK)),--quick) $(if $(JSON),--files $(JSON)) \
+		--json build/bench/ratios.json
 
 asan tsan: packages
 	$(call preset,$@) --target all fuzzers

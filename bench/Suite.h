@@ -58,6 +58,7 @@ public:
         bool quick = false;    // smaller inputs and fewer repetitions
         std::string filter;    // only rows whose names contain it
         std::string jsonFile;  // the file for `writeJson`; empty for none
+        std::string folder;    // of further JSON files to read, write and copy; empty for none
     };
 
     explicit Suite(Options options) : options_(std::move(options)) {}
@@ -72,6 +73,7 @@ public:
     void compareGrowth(std::string const& subject, std::size_t least, std::function<double(std::size_t)> const& work);
 
     [[nodiscard]] bool quick() const { return options_.quick; }
+    [[nodiscard]] std::string const& folder() const { return options_.folder; }
     /// `full`, or a tenth of it in a quick run.
     [[nodiscard]] int scaled(int full) const { return options_.quick ? (full + 9) / 10 : full; }
 

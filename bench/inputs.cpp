@@ -1,8 +1,11 @@
 // Real and generated inputs.
 #include "bench/inputs.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <random>
 
@@ -69,6 +72,17 @@ std::vector<Document> const& documents(bool quick) {
                                               {"outlines", outlines(1000 * scale)},
                                               {"records", smallObjects(5000 * scale)},
                                               {"nested", nested(40 * scale, 500)}};
+    return all;
+}
+
+std::vector<Document> documentsIn(std::string const& folder) {
+    std::vector<Document> all;
+    if (folder.empty()) return all;
+    for (auto const& entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().extension() == ".json")
+            all.push_back({entry.path().stem().string(), file(entry.path().c_str())});
+    }
+    std::ranges::sort(all, std::less(), &Document::name);
     return all;
 }
 

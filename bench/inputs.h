@@ -17,6 +17,9 @@ struct Document {
 /// nesting. `quick` makes the generated ones a tenth as long.
 std::vector<Document> const& documents(bool quick);
 
+/// The JSON files in a folder by their names; none for an empty path.
+std::vector<Document> documentsIn(std::string const& folder);
+
 /// An array of records of eight nodes each: numbers, texts, booleans, and an array of numbers.
 ur::Reference<nxPLST::Item> recordTree(int records);
 

@@ -81,9 +81,67 @@ Sides writers(Document const& document) {
              }}};
 }
 
+/// Reads a text and drops what it held.
+template <class Read>
+Side loading(char const* name, Read read) {
+    return {name, [=] { return seconds(read); }};
+}
+
+Sides loaders(Text const& text) {
+    return {loading("nxPLST",
+                    [=] {
+                        ur::Reference<nxPLST::Item> tree;
+                        keep(nxPLST::convertFromJSON(tree, *text));
+                    }),
+            loading(rapidName,
+                    [=] {
+                        rapidjson::Document tree;
+                        tree.Parse<rapidjson::kParseFullPrecisionFlag | rapidjson::kParseValidateEncodingFlag>(
+                            text->data(), text->size());
+                        keep(tree);
+                    }),
+            loading(boostName, [=] { keep(boost::json::parse(*text, {}, anyDepth)); })};
+}
+
+/// Beside a tree that frees everything at once.
+Sides poolLoaders(Text const& text) {
+    return {loaders(text).front(), loading("boost.json in one block", [=] {
+                boost::json::monotonic_resource block;
+                keep(boost::json::parse(*text, &block, anyDepth));
+            })};
+}
+
+Sides copies(Text const& text) {
+    ur::Reference<nxPLST::Item> ours;
+    static_cast<void>(nxPLST::convertFromJSON(ours, *text));
+    auto const rapid = std::make_shared<rapidjson::Document>();
+    rapid->Parse<rapidjson::kParseFullPrecisionFlag>(text->data(), text->size());
+    auto const boosts = std::make_shared<boost::json::value>(boost::json::parse(*text, {}, anyDepth));
+    return {loading("nxPLST", [=] { keep(ours->clone()); }),
+            loading(rapidName,
+                    [=] {
+                        rapidjson::Document copy;
+                        copy.CopyFrom(*rapid, copy.GetAllocator());
+                        keep(copy);
+                    }),
+            loading(boostName, [=] { keep(boost::json::value(*boosts)); })};
+}
+
+/// Files as other people have them.
+void addFileRows(Suite& suite) {
+    for (Document const& document : documentsIn(suite.folder())) {
+        Text const text = std::make_shared<std::string>(document.text);
+        suite.compare("file-load/" + document.name, 0.65, [&] { return loaders(text); });
+        suite.compare("file-load-in-block/" + document.name, 1.0, [&] { return poolLoaders(text); });
+        suite.compare("file-write/" + document.name, 0.60, [&] { return writers(document); });
+        suite.compare("file-copy/" + document.name, 1.0, [&] { return copies(text); });
+    }
+}
+
 }  // namespace
 
 void addJsonRows(Suite& suite) {
+    addFileRows(suite);
     for (Document const& document : documents(suite.quick())) {
         suite.compare("json-read/" + document.name, 0.90, [&] { return readers(document); });
     }

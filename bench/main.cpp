@@ -12,11 +12,13 @@ int main(int argc, char** argv) {
             options.quick = true;
         } else if (std::strcmp(argv[i], "--json") == 0 && i + 1 < argc) {
             options.jsonFile = argv[++i];
+        } else if (std::strcmp(argv[i], "--files") == 0 && i + 1 < argc) {
+            options.folder = argv[++i];
         } else if (argv[i][0] != '-') {
             options.filter = argv[i];
         } else {
-            std::fprintf(stderr, "nxbench: %s is no option, or lacks its FILE\n", argv[i]);
-            std::fprintf(stderr, "usage: nxbench [--quick] [--json FILE] [PART OF THE ROWS' NAMES]\n");
+            std::fprintf(stderr, "nxbench: %s is no option, or lacks its FILE or FOLDER\n", argv[i]);
+            std::fprintf(stderr, "usage: nxbench [--quick] [--json FILE] [--files FOLDER] [PART OF THE ROWS' NAMES]\n");
             return 2;
         }
     }
