@@ -5,6 +5,7 @@
 
 #include "foundation/nxRFL/Exception.h"
 #include "foundation/nxRFL/Function.h"
+#include "foundation/nxRFL/values.h"
 
 namespace nxRFL {
 

@@ -292,10 +292,11 @@ TEST(ItemPackets, TellWhereAnItemBegins) {
         char const* text;
     };
     std::string const a = "a";
-    for (auto const& [path, text] :
-         {Case{{a, 2L, "k"}, "first"}, Case{{a, 2L, "l"}, "second"}, Case{{"b"}, "third"}, Case{{a, 0L, 0L}, "shared"}})
+    for (auto const& [path, text] : {Case{{a, 2L, "k"}, "first"}, Case{{a, 2L, "l"}, "second"}, Case{{"b"}, "third"},
+                                     Case{{a, 0L, 0L}, "shared"}}) {
         EXPECT_EQ(file.substr(position(file, path) + 2, std::strlen(text)), text)
             << "after the starts of packet and text";
+    }
     EXPECT_GT(position(file, {a, 3L}), position(file, {a, 2L, "l"})) << "the reference";
     EXPECT_EQ(position(file, {a, 3L, 0L}), position(file, {a, 3L}));
     EXPECT_GT(position(file, {a, 9L}), position(file, {a, 3L})) << "the end of the array";

@@ -199,7 +199,7 @@ std::vector<std::string> wordsIn(std::span<char const* const> line) {
 
 /// CLI11 leaves out the dashes of a flag that is given a value.
 std::string messageOf(CLI::ParseError const& mistake) {
-    std::string const text = mistake.what();
+    std::string text = mistake.what();
     if (!text.ends_with("was given a disallowed flag override")) return text;
     return "--" + text.substr(0, text.find(' ')) + " takes no value";
 }

@@ -104,7 +104,7 @@ TEST_F(Calls, ATraceBelongsToOneErrorAndIsBounded) {
              {"pcall(apply, index, {})", "index()"},
              {"apply(function() pcall(twice) end, {})", "error('same', 0)"},
          }) {
-        auto const traceAfter = [&](int rounds) {
+        auto const traceAfter = [&, round = round, last = last](int rounds) {
             std::string const loop = "for i = 1, " + std::to_string(rounds) + " do " + round + " end\n";
             return state->run(functions + loop + last, "=test")->trace();
         };

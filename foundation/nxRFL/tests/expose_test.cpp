@@ -203,7 +203,7 @@ TEST_F(Exposed, GivesErrorsOfScriptsToTheHandlerOrToTheCaller) {
     struct Failing : Function {
         using Function::Function;
         void onCall(Stack const& arguments, Stack& results) const override {
-            if (arguments.size() == 0) throw Exception("nothing given");
+            if (arguments.empty()) throw Exception("nothing given");
             Writer(results).writeItem(arguments);
         }
         bool canRun() const noexcept override { return !closed; }
@@ -411,7 +411,7 @@ TEST_F(Exposed, HandlesHoldObjectsAsTheirRecordSays) {
 TEST_F(Exposed, TurnsFunctionsIntoCallables) {
     std::function<int(Animal&, CString const&)> kept;
     ExposeFunction(database, "farm::tools").add("keep", [&](std::function<int(Animal&, CString const&)> f) {
-        kept = f;
+        kept = std::move(f);
     });
     CString error;
     database.setErrorHandler([&](Exception const& raised) { error = raised.message(); });
