@@ -2,6 +2,7 @@
 #include "support/documents/Document.h"
 
 #include <exception>
+#include <unordered_set>
 
 #include "support/documents/Autosave.h"
 #include "support/documents/impl/ChangeLog.h"
@@ -104,8 +105,9 @@ ur::vector<Object*> Document::selection() const {
 
 void Document::select(std::span<Object* const> objects) {
     ur::vector<urOS::Uuid> ids;
+    std::unordered_set<Object const*> taken;
     for (Object const* const object : objects) {
-        if (object) ids.push_back(object->id());
+        if (object && taken.insert(object).second) ids.push_back(object->id());
     }
     selection_.swap(ids);
     selectionChanged_.emit();

@@ -81,8 +81,8 @@ public:
     /// Names the steps of contexts that begin from now on.
     void setStepName(urString::CString name) { stepName_ = std::move(name); }
 
-    /// The selected objects that are in the tree, in the order of their selection. Not part of the history: an object
-    /// that is removed leaves the selection, and is in it again when undo brings it back.
+    /// The selected objects that are in the tree, in the order of their selection, each once. Not part of the history:
+    /// an object that is removed leaves the selection, and is in it again when undo brings it back.
     [[nodiscard]] ur::vector<Object*> selection() const;
     void select(std::span<Object* const> objects);
     void select(std::initializer_list<Object*> objects) { select(std::span(objects.begin(), objects.size())); }

@@ -78,7 +78,7 @@ TEST(References, ReadAsNullWhileTheirTargetIsRemoved) {
     Object& target = scene.add(group, "Ball", "t");
     Object& ball = scene.add(scene.root(), "Ball", "b");
     scene.document.edit("Refer", [&] { EXPECT_TRUE(ball.setTarget("next", &target)); });
-    scene.document.select({&target, &ball});
+    scene.document.select({&target, nullptr, &ball, &target});
     scene.document.edit("Remove", [&] { scene.root().remove(group); });
     EXPECT_EQ(ball.target("next"), nullptr);
     EXPECT_THAT(scene.document.selection(), ElementsAre(&ball));
