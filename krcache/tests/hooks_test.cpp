@@ -138,8 +138,8 @@ TEST_F(HooksTest, AskingForTheSizeMayThrowOrTakeTheResourceAway) {
 }
 
 /// Every hook of every key and resource makes a random call of the cache, and so do the hooks called from there.
-struct Meddlers {
-    explicit Meddlers(unsigned seed) : random(seed) {}
+struct RandomHooks {
+    explicit RandomHooks(unsigned seed) : random(seed) {}
 
     unsigned draw(unsigned below) { return static_cast<unsigned>(random() % below); }
     Reference<Shim>& any() { return shims[draw(12)]; }
@@ -194,14 +194,14 @@ struct Meddlers {
 
 TEST(MeddlingHooks, NeverLeaveTheCacheBroken) {
     for (unsigned seed = 0; seed < 40; ++seed) {
-        Meddlers meddlers(seed);
+        RandomHooks hooks(seed);
         for (int step = 0; step < 500; ++step) {
             try {
-                meddlers.meddle();
+                hooks.meddle();
             } catch (int) {
             }
-            ASSERT_EQ(meddlers.manager->audit(), "") << "seed " << seed << ", step " << step;
-            ASSERT_LE(meddlers.manager->numKeys(), Meddlers::numbers) << "seed " << seed << ", step " << step;
+            ASSERT_EQ(hooks.manager->audit(), "") << "seed " << seed << ", step " << step;
+            ASSERT_LE(hooks.manager->numKeys(), RandomHooks::numbers) << "seed " << seed << ", step " << step;
         }
     }
 }

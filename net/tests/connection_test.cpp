@@ -138,11 +138,11 @@ TEST(Connection, CallsListenersThatReplaceThemselvesAndReportWithinReports) {
 TEST(Connection, SurvivesAHostThatDropsItWhenItStops) {
     auto transfer = ur::make<Transfer>();
     Transfer& raw = *transfer;
-    Connection::Status told{};
-    raw.setStatusFunc([&] { told = raw.getStatus(); });
+    Connection::Status notified{};
+    raw.setStatusFunc([&] { notified = raw.getStatus(); });
     raw.onStop = [&] { transfer.reset(); };
     raw.cancel();
-    EXPECT_EQ(told, Connection::Cancelled);
+    EXPECT_EQ(notified, Connection::Cancelled);
     EXPECT_EQ(Transfer::alive, 0);
 }
 

@@ -34,7 +34,7 @@ struct SetProperty {
         property = Property::createTxd(history, "brush.radius", list(1));
         twin = property->cloneUnTxd("slider");
         history.commit();
-        connection = twin->subscribe([this](auto const& /*property*/, auto /*stage*/) { heard = value(); });
+        connection = twin->subscribe([this](auto const& /*property*/, auto /*stage*/) { events = value(); });
     }
     bool act() { return set(property); }
     bool set(Reference<Property> const& through) {
@@ -51,7 +51,7 @@ struct SetProperty {
     nxTXN::Manager history;
     Reference<Property> property, twin;
     urRTB::ScopedConnection connection;
-    std::string heard;
+    std::string events;
 };
 
 struct SetTwin : SetProperty {
@@ -102,10 +102,10 @@ struct RedoJoin : JoinProperties {
     RedoJoin() {
         join(transacted[1], transacted[0]);
         history.undo();
-        transacted[1]->txnModifiedSignal()->addCallback([this](auto const& /*property*/) { heard = state(); });
+        transacted[1]->txnModifiedSignal()->addCallback([this](auto const& /*property*/) { events = state(); });
     }
     bool act() { return history.redo(); }
-    std::string heard;
+    std::string events;
 };
 
 struct Text : urKRCache::Resource {

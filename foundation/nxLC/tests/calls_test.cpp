@@ -125,9 +125,9 @@ TEST_F(Calls, ATraceBelongsToOneErrorAndIsBounded) {
 }
 
 TEST_F(Calls, ErrorsAreTracedWhateverTheHostLeftOfTheLibraries) {
-    CString told;
+    CString notified;
     ExposeFunction(database, "farm::tools").add("later", [](std::function<void()> const& call) { call(); });
-    database.setErrorHandler([&](Exception const& error) { told = error.message() + error.trace(); });
+    database.setErrorHandler([&](Exception const& error) { notified = error.message() + error.trace(); });
     for (char const* const left :
          {"debug = nil", "debug = {}", "debug = 5", "coroutine, debug, pcall = nil", "debug.traceback = error",
           "package.loaded.debug = nil", "debug = nil setmetatable(_G, {__index = error, __newindex = error})"}) {
@@ -136,7 +136,7 @@ TEST_F(Calls, ErrorsAreTracedWhateverTheHostLeftOfTheLibraries) {
         EXPECT_EQ(luaL_dostring(L, left), 0);
         nxLC::ReflectionData::bind(L, database);
         EXPECT_EQ(luaL_dostring(L, "farm.tools.later(function() error('no', 0) end)"), 0) << lua_tostring(L, -1);
-        EXPECT_TRUE(told.startsWith("nostack traceback:\n\t[C]: in function 'error'")) << left << ": " << told;
+        EXPECT_TRUE(notified.startsWith("nostack traceback:\n\t[C]: in function 'error'")) << left << ": " << notified;
         lua_close(L);
     }
 }

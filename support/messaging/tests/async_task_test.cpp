@@ -117,9 +117,9 @@ TEST_F(AsyncTasks, PrintTheirFailureUnlessTheyHandleIt) {
 }
 
 TEST_F(AsyncTasks, AreCancelledAndTellTheirLastProgress) {
-    std::vector<std::pair<double, std::string>> told;
+    std::vector<std::pair<double, std::string>> calls;
     auto const connection = task->progressSignal().addCallback(
-        [&](double fraction, std::string_view text) { told.emplace_back(fraction, text); });
+        [&](double fraction, std::string_view text) { calls.emplace_back(fraction, text); });
     std::atomic<bool> read = false;
     task->work = [&] {
         for (double const fraction : {0.1, 0.2, 0.3}) task->setProgress(fraction, "reading");
@@ -134,7 +134,7 @@ TEST_F(AsyncTasks, AreCancelledAndTellTheirLastProgress) {
     task->cancel();
     task->wait();
     EXPECT_EQ(host->queue.service(), 2U);
-    EXPECT_EQ(told, (std::vector<std::pair<double, std::string>>{{0.3, "reading"}, {1, "cancelled"}}));
+    EXPECT_EQ(calls, (std::vector<std::pair<double, std::string>>{{0.3, "reading"}, {1, "cancelled"}}));
     EXPECT_EQ(counts.completed, 1);
 
     auto dropped = ur::make<Task>(*host, counts);  // destroyed with its progress still in the queue

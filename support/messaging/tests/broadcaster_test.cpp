@@ -92,18 +92,18 @@ TEST(Broadcaster, MayBeDestroyedByASubscriber) {
 }
 
 TEST(Broadcaster, MayBeUsedByWhatGoesWithIt) {
-    std::string heard;
+    std::string events;
     {
         Broadcaster broadcaster;
-        std::shared_ptr<void> parting(&heard, [&](void*) {
-            heard = sent(broadcaster);
+        std::shared_ptr<void> parting(&events, [&](void*) {
+            events = sent(broadcaster);
             broadcaster.connect(at(9, 0), noteC);
         });
         broadcaster.connect({}, noteA);
         broadcaster.sigFor<Note>(at(1, 0)).addCallback(
             [held = std::move(parting)](Note& note) { note.text += held ? "!" : "?"; });
     }
-    EXPECT_EQ(heard, "A");
+    EXPECT_EQ(events, "A");
 }
 
 TEST(SubscribeFirstTime, SubscribesOnceToEachBroadcasterThatThereIs) {

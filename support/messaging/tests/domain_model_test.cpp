@@ -19,9 +19,9 @@ struct Plain {
 };
 
 /// Opens random nested contexts and suppressions. The end of each restores the state before it.
-class Lives {
+class RandomDomains {
 public:
-    explicit Lives(unsigned seed) : random_(seed) {
+    explicit RandomDomains(unsigned seed) : random_(seed) {
         for (Host& host : hosts_)
             host.provide = [this](CallInfo& info) { info.add(numbers_.emplace_back(new int(made_)).get()); };
     }
@@ -79,7 +79,7 @@ private:
 TEST(DomainModel, AgreesWithThePlainLinesOnEveryStep) {
     for (unsigned seed = 1; seed <= 50 && !testing::Test::HasFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
-        Lives(seed).live(100, -1);
+        RandomDomains(seed).live(100, -1);
     }
 }
 

@@ -83,7 +83,7 @@ public:
     void redo() { turn(future, past, Direction::forth); }
 
     [[nodiscard]] int value(int property) const { return states_.at(states_.at(property).data).value; }
-    [[nodiscard]] bool extant(int property) const { return unborn_.count(property) == 0; }
+    [[nodiscard]] bool extant(int property) const { return undone_.count(property) == 0; }
     /// Whether its joined set has both sides, even if one of them has no members.
     [[nodiscard]] bool isMirrored(int property) const { return twinOf(states_.at(property).data) != 0; }
     /// The notifications since the last call.
@@ -98,7 +98,7 @@ public:
     };
     struct Step {
         std::vector<std::pair<int, State>> records;
-        std::set<int> births;
+        std::set<int> created;
     };
     std::vector<Step> past, future;
     bool isOpen = false;  // a transaction that collects the next step
@@ -122,12 +122,12 @@ private:
     }
     [[nodiscard]] bool remains(int made) const { return states_.at(made).data || isReferredTo(made); }
     [[nodiscard]] bool hasPassing(Step const& step) const {
-        return std::any_of(step.births.begin(), step.births.end(), [this](int made) { return !remains(made); });
+        return std::any_of(step.created.begin(), step.created.end(), [this](int made) { return !remains(made); });
     }
     [[nodiscard]] bool changedAnything(Step const& step) const {
-        return std::any_of(step.births.begin(), step.births.end(), [this](int made) { return remains(made); }) ||
+        return std::any_of(step.created.begin(), step.created.end(), [this](int made) { return remains(made); }) ||
                std::any_of(step.records.begin(), step.records.end(), [&](auto const& record) {
-                   return step.births.count(record.first) == 0 && states_.at(record.first) != record.second;
+                   return step.created.count(record.first) == 0 && states_.at(record.first) != record.second;
                });
     }
     [[nodiscard]] Ids members(int property, Kind kind) const {
@@ -143,7 +143,7 @@ private:
 
     int make(Kind kind) {
         states_[++newest_] = {};
-        if (kind == transacted) transacted_.insert(newest_), present_.births.insert(newest_);
+        if (kind == transacted) transacted_.insert(newest_), present_.created.insert(newest_);
         return newest_;
     }
     int makeData(Kind kind, int value = 0) {
@@ -219,8 +219,8 @@ private:
             std::swap(states_[object], state);
             if (states_[object].value != before) mirror(object);
         }
-        for (int const object : step.births) {
-            direction == Direction::back ? void(unborn_.insert(object)) : void(unborn_.erase(object));
+        for (int const object : step.created) {
+            direction == Direction::back ? void(undone_.insert(object)) : void(undone_.erase(object));
         }
         for (auto const& [id, ends] : links_) {
             if (states_[ends.first].link != id) sever(id);
@@ -256,7 +256,7 @@ private:
     int newest_ = 0;
     std::map<int, State> states_;  // by property or data object
     std::set<int> transacted_;
-    std::set<int> unborn_;
+    std::set<int> undone_;
     std::set<int> validating_;
     std::map<int, std::pair<int, int>> links_;  // the transacted and the untransacted data, or 0 for an ended link
     Step present_;

@@ -26,10 +26,10 @@ public:
     std::string step() {
         wrongResult_ = nullptr;
         act();
-        std::string const told = heard_.take();
+        std::string const notified = heard_.take();
         std::string const expected = model_.take();
         if (wrongResult_) return wrongResult_;
-        if (told != expected) return "told: " + told + "\nmodel: " + expected;
+        if (notified != expected) return "told: " + notified + "\nmodel: " + expected;
         if (manager_.undoCount() != model_.past.size()) return "another number of steps to undo";
         if (manager_.redoCount() != model_.future.size()) return "another number of steps to redo";
         for (auto const& [id, property] : properties_) {
@@ -78,8 +78,8 @@ private:
     void add(int id, PropertyReference property) {
         if (pick(6) == 0) {
             model_.addValidator(id);
-            validators_.push_back(property->subscribeValidation([this](auto const& told, Item& candidate) {
-                heard_.add(*told, "validate");
+            validators_.push_back(property->subscribeValidation([this](auto const& notified, Item& candidate) {
+                heard_.add(*notified, "validate");
                 auto const value = static_cast<int>(nxPLST::asDouble(candidate)->value());
                 if (PropertyModel::isReplaced(value)) candidate = number(value + 1);
             }));

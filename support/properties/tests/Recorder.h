@@ -27,10 +27,10 @@ constexpr char const* stageNames[] = {"start", "perform", "end"};
 class Recorder {
 public:
     void follow(PropertyReference const& property) {
-        handles_.push_back(property->subscribe(
-            [this](ur::Reference<Property const> const& told, PropertyModType type) { add(*told, stageNames[type]); }));
+        handles_.push_back(property->subscribe([this](ur::Reference<Property const> const& calls,
+                                                      PropertyModType type) { add(*calls, stageNames[type]); }));
         if (auto* const signal = property->txnModifiedSignal()) {
-            handles_.push_back(signal->addCallback([this](PropertyReference const& told) { add(*told, "txn"); }));
+            handles_.push_back(signal->addCallback([this](PropertyReference const& calls) { add(*calls, "txn"); }));
         }
     }
     void add(Property const& property, char const* stage) {

@@ -131,17 +131,17 @@ TEST(Fields, PropertiesLiveInTheRecordsThatReferToThem) {
 
 TEST(Fields, APropertyThatWasDroppedUnrecordedIsAMemberAgainWhenARecordBringsItBack) {
     nxTXN::Manager manager;
-    Recorder heard;
+    Recorder events;
     auto const layer = ur::make<Layer>(manager);
     auto const p = Property::createTxd(manager, "p", number(1));
     PropertyReference q = p->cloneTxd(manager, "q");
-    heard.follow(q);
+    events.follow(q);
     layer->set(q);
     edit(manager, [&] { layer->set(nullptr); });
     q.reset();
     manager.undo();
     p->setValue(number(2));
-    EXPECT_EQ(heard.take(), "q:start q:perform q:end");
+    EXPECT_EQ(events.take(), "q:start q:perform q:end");
 }
 
 }  // namespace

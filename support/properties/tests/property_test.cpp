@@ -18,12 +18,12 @@ struct Trio {
                                         : Property::createTxd(manager, "p", number(1))),
           q(kind == Sides::untransacted ? p->cloneUnTxd("q") : p->cloneTxd(manager, "q")),
           r(kind == Sides::transacted ? p->cloneTxd(manager, "r") : p->cloneUnTxd("r")) {
-        for (auto const& property : {p, q, r}) heard.follow(property);
+        for (auto const& property : {p, q, r}) events.follow(property);
     }
 
     nxTXN::Manager manager;
     PropertyReference p, q, r;
-    Recorder heard;
+    Recorder events;
 };
 
 TEST(Property, HasANameAndAtFirstNoValue) {
@@ -49,35 +49,35 @@ TEST(Property, TakesWhatValidatorsLeaveAndSaysWhetherTheyReplacedTheItem) {
     replacement = number(5);  // an equal value in another item
     EXPECT_FALSE(p->setValue(candidate));
     EXPECT_TRUE(seen == replacement && q->value() == replacement);
-    Recorder heard;
+    Recorder events;
     PropertyReference late;
     auto const third = q->subscribeValidation([&](auto const&, Item&) {
-        if (!late) heard.follow(late = p->cloneUnTxd("late"));
+        if (!late) events.follow(late = p->cloneUnTxd("late"));
     });
     p->setValue(candidate);
-    EXPECT_EQ(heard.take(), "late:start late:perform late:end");
+    EXPECT_EQ(events.take(), "late:start late:perform late:end");
 }
 
 TEST(Property, CallsPlainFunctionsForGood) {
-    static int told;
-    told = 0;
+    static int calls;
+    calls = 0;
     auto const p = Property::createUnTxd("p"), q = p->cloneUnTxd("q");
-    q->connect([](ur::Reference<Property const>, PropertyModType) { ++told; });
+    q->connect([](ur::Reference<Property const>, PropertyModType) { ++calls; });
     p->setValue(number(1));
-    EXPECT_EQ(told, 3);
+    EXPECT_EQ(calls, 3);
 }
 
 TEST(Property, ListenersMayDoAnything) {
     struct Case {
         std::string what;
         std::function<void(Trio&)> action;  // run by q's listener at the first start of a change through p
-        std::string heard;
+        std::string events;
     };
     PropertyReference other;
     Case const cases[] = {
         {"set the value", [](Trio& set) { set.q->setValue(number(7)); },
          "q:start p:start r:start p:perform r:perform p:end r:end r:start q:perform r:perform q:end r:end"},
-        {"add a member", [&](Trio& set) { set.heard.follow(other = set.r->cloneUnTxd("new")); },
+        {"add a member", [&](Trio& set) { set.events.follow(other = set.r->cloneUnTxd("new")); },
          "q:start r:start q:perform r:perform new:perform q:end r:end new:end"},
         {"drop a member", [](Trio& set) { set.r = set.q; }, "q:start q:perform q:end"},
         {"drop itself", [](Trio& set) { set.q = set.p; }, "q:start r:start r:perform r:end"},
@@ -102,7 +102,7 @@ TEST(Property, ListenersMayDoAnything) {
             } else {
                 set.p->setValue(number(2));
             }
-            EXPECT_EQ(set.heard.take(), c.heard);
+            EXPECT_EQ(set.events.take(), c.events);
             for (auto const& member : {set.p, set.q, set.r}) EXPECT_EQ(numberOf(*member), throws ? 1 : 2);
             set.p->setValue(number(8));
             EXPECT_EQ(numberOf(*set.r), set.r->name() == "k" && set.p != set.r ? 2 : 8);

@@ -102,20 +102,20 @@ TEST(Prop, TellsTypedListenersAndHoldsNothingAtFirst) {
     nxTXN::Manager manager;
     auto slider = Prop<BoundedDouble>::createTxd(manager, "slider", BoundedDouble(1, 0, 10));
     Prop<BoundedDouble> label(slider.pty()->cloneUnTxd("label"));
-    std::string told;
-    auto const handle = label.subscribe([&told](BoundedDouble const& value, PropertyModType type) {
-        told += std::to_string(int(value.value())) + "/" + std::to_string(type) + " ";
+    std::string calls;
+    auto const handle = label.subscribe([&calls](BoundedDouble const& value, PropertyModType type) {
+        calls += std::to_string(int(value.value())) + "/" + std::to_string(type) + " ";
     });
     slider.set(BoundedDouble(4, 0, 10));
     slider.pty()->setValue(number(1));
-    EXPECT_EQ(told, "1/0 4/1 4/2 4/0 ");
+    EXPECT_EQ(calls, "1/0 4/1 4/2 4/0 ");
     EXPECT_TRUE(label.set(BoundedDouble(7, 0, 10)));
     std::size_t const steps = manager.undoCount();
-    told.clear();
+    calls.clear();
     edit(manager, [&] { EXPECT_TRUE(slider.set(BoundedDouble(7, 0, 10))); });
-    EXPECT_EQ(told + std::to_string(manager.undoCount() - steps), "0") << "an equal value is no change";
+    EXPECT_EQ(calls + std::to_string(manager.undoCount() - steps), "0") << "an equal value is no change";
     edit(manager, [&] { slider.pty()->setValue(slider.pty()->value()); });
-    EXPECT_EQ(told, "7/0 7/1 7/2 ") << "of the item itself it is one" << manager.undoCount();
+    EXPECT_EQ(calls, "7/0 7/1 7/2 ") << "of the item itself it is one" << manager.undoCount();
     slider.allocateUnTxd("other");
     EXPECT_FALSE(slider.isSet());
 }

@@ -14,11 +14,11 @@ namespace {
 
 struct Storage : testing::Test {
     nxTXN::Manager manager;
-    Recorder heard;
+    Recorder events;
     PropertyReference p = follow(Property::createTxd(manager, "p", number(1)));
 
     PropertyReference follow(PropertyReference property) {
-        heard.follow(property);
+        events.follow(property);
         return property;
     }
     void set(PropertyReference const& property, double value) {
@@ -61,10 +61,10 @@ TEST_F(Storage, APropertyComesAndGoesWithTheStepThatMadeIt) {
     EXPECT_TRUE(txd(made).isTxnExtant());
     EXPECT_EQ(numberOf(*made), 1);
     made->join(p);
-    heard.follow(made);
+    events.follow(made);
     manager.undo();
     p->setValue(number(5));
-    EXPECT_EQ(heard.take(), "");
+    EXPECT_EQ(events.take(), "");
 }
 
 TEST_F(Storage, AMemberDroppedInAStepLeavesTheSetAndIsNotToldAgain) {
@@ -72,10 +72,10 @@ TEST_F(Storage, AMemberDroppedInAStepLeavesTheSetAndIsNotToldAgain) {
     set(p, 2);
     edit(manager, [&] { q.reset(); });
     manager.undo();
-    heard.take();
+    events.take();
     p->setValue(number(3));
     manager.undo();
-    EXPECT_EQ(heard.take(), "p:txn");
+    EXPECT_EQ(events.take(), "p:txn");
     manager.clear();
     EXPECT_EQ(txd(p).data()->members().size(), 1U);
 }
@@ -87,11 +87,11 @@ TEST_F(Storage, UndoKeepsMembersThatCameUnrecordedAndDropsThoseThatLeftUnrecorde
     txd(q).attachData(txd(other).data());
     auto const late = follow(p->cloneTxd(manager, "l"));
     manager.undo();
-    heard.take();
+    events.take();
     p->setValue(number(3));
-    EXPECT_EQ(heard.take(), "l:start l:perform l:end");
+    EXPECT_EQ(events.take(), "l:start l:perform l:end");
     other->setValue(number(8));
-    EXPECT_EQ(heard.take(), "q:start q:perform q:end");
+    EXPECT_EQ(events.take(), "q:start q:perform q:end");
     manager.redo();
     q.reset();
     EXPECT_TRUE(share(late, p));
@@ -155,10 +155,10 @@ TEST_F(Storage, BothSidesAgreeWhateverListenersThrowOrDropDuringUndo) {
     auto u = p->cloneUnTxd("u");
     auto const v = follow(u->cloneUnTxd("v"));
     set(p, 2);
-    heard.take();
+    events.take();
     auto listener = u->subscribe([](auto const&, PropertyModType) { throw std::runtime_error("listener"); });
     EXPECT_THROW(manager.undo(), nxTXN::HookError);
-    EXPECT_EQ(heard.take(), "v:start v:perform v:end p:txn");
+    EXPECT_EQ(events.take(), "v:start v:perform v:end p:txn");
     EXPECT_EQ(numberOf(*p) * 10 + numberOf(*u), 11);
     listener = u->subscribe([&](auto const&, PropertyModType) {
         u.reset();

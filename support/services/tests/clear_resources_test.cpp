@@ -30,15 +30,15 @@ TEST_F(ClearResourcesTest, SubscribersUnlockFirst) {
     manager.setSerializable(paged);
     manager.lockResource(unlocked);
     manager.lockResource(locked);
-    std::string heard;
+    std::string events;
     auto const subscription = broadcaster.subscribe<PreClearResourcesMsg>({}, [&](PreClearResourcesMsg&) {
-        heard += plain->isResourceAllocated() ? "in time " : "late ";
+        events += plain->isResourceAllocated() ? "in time " : "late ";
         manager.unlockResource(unlocked);
     });
     Context const context(this, Context::NoTxn);
     debug.enable(Debug_Resources);
     clearResources();
-    EXPECT_EQ(heard, "in time ");
+    EXPECT_EQ(events, "in time ");
     EXPECT_FALSE(plain->isResourceAllocated() || unlocked->isResourceAllocated());
     EXPECT_TRUE(locked->isResourceAllocated() && paged->isResourceSerialized());
     EXPECT_EQ(manager.numKeys(), 4);
@@ -61,18 +61,18 @@ TEST_F(ClearResourcesTest, SubscribersUnlockFirst) {
 TEST_F(ClearResourcesTest, DoesWithoutWhatTheHostDoesNotOffer) {
     auto const shim = built(1);
     clearResources();  // without any context
-    int told = 0;
-    auto const subscription = broadcaster.subscribe<PreClearResourcesMsg>({}, [&](PreClearResourcesMsg&) { ++told; });
+    int calls = 0;
+    auto const subscription = broadcaster.subscribe<PreClearResourcesMsg>({}, [&](PreClearResourcesMsg&) { ++calls; });
     provide = [this](CallInfo& callInfo) { callInfo.add(&broadcaster); };
     {
         Context const context(this, Context::NoTxn);
         clearResources();
-        EXPECT_TRUE(told == 1 && shim->isResourceAllocated());
+        EXPECT_TRUE(calls == 1 && shim->isResourceAllocated());
     }
     provide = [this](CallInfo& callInfo) { callInfo.add(&manager); };
     Context const context(this, Context::NoTxn);
     clearResources();
-    EXPECT_TRUE(told == 1 && !shim->isResourceAllocated());
+    EXPECT_TRUE(calls == 1 && !shim->isResourceAllocated());
 }
 
 }  // namespace

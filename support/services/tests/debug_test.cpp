@@ -46,9 +46,9 @@ TEST_F(DebugTest, ValuesThatAreNoCodeAreOffAndStaySo) {
 }
 
 TEST_F(DebugTest, SwitchingTellsAndTheResourcesCodeSwitchesTheCacheToo) {
-    std::string told;
+    std::string calls;
     urRTB::ScopedConnection const telling = debug.codeChanged.addCallback([&](DebugCode changed) {
-        told += std::to_string(changed) + (debug.isEnabled(changed) ? "+ " : "- ");
+        calls += std::to_string(changed) + (debug.isEnabled(changed) ? "+ " : "- ");
         // Handlers may switch codes, and are then called again.
         if (changed == Debug_Undo && debug.isEnabled(Debug_Undo)) debug.toggle(Debug_Undo);
     });
@@ -58,7 +58,7 @@ TEST_F(DebugTest, SwitchingTellsAndTheResourcesCodeSwitchesTheCacheToo) {
     EXPECT_FALSE(debug.isEnabled(Debug_Resources) || urKRCache::debugChannel().isEnabled());
     debug.enable(Debug_Undo);
     debug.disable(Debug_Undo);
-    EXPECT_EQ(told, "17+ 17- 16+ 16- 16- ");
+    EXPECT_EQ(calls, "17+ 17- 16+ 16- 16- ");
 
     static urOS::DebugChannel provided;  // static, because the code continues to use it
     provided.enable();

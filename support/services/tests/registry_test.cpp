@@ -66,9 +66,9 @@ TEST(Registry, SharesValuesThatOutliveTheirKeysAndIsSeenThroughItsCopies) {
 }
 
 /// Reads the registry in its destructor.
-struct Nosy : ur::ReferenceCount {
-    Nosy(Registry& seen, bool& found) : registry(seen), hasKey(found) {}
-    ~Nosy() override { hasKey = registry.hasKey("key") && !registry.getKey("key"); }
+struct KeyChecker : ur::ReferenceCount {
+    KeyChecker(Registry& seen, bool& found) : registry(seen), hasKey(found) {}
+    ~KeyChecker() override { hasKey = registry.hasKey("key") && !registry.getKey("key"); }
 
     Registry& registry;
     bool& hasKey;
@@ -78,7 +78,7 @@ TEST(Registry, IsWholeWhenAnOverwrittenObjectGoes) {
     nxRFL::Database database;
     Registry registry;
     bool hadKey = false;
-    registry.setKey("key", valueOf(ur::make<Nosy>(registry, hadKey)));
+    registry.setKey("key", valueOf(ur::make<KeyChecker>(registry, hadKey)));
     registry.setKey("key", RegistryValue());
     static_cast<void>(registry.getKey("key").getItem());
     EXPECT_TRUE(hadKey && !registry.getKey("key"));

@@ -44,16 +44,16 @@ struct Draw {
 struct TransformerTest : testing::Test {
     TransformerTest() {
         auto const log = [this](char const* what) {
-            return [this, what](Transformer* sender) { told += sender == &transformer ? what : "? "; };
+            return [this, what](Transformer* sender) { calls += sender == &transformer ? what : "? "; };
         };
         transformer.transformStarted.addCallback(log("start "));
         transformer.transformChanged.addCallback(log("change "));
         transformer.transformFinished.addCallback(
-            [this](Transformer* sender) { told += sender->getCurrentOp() == Op::none ? "late " : "finish "; });
+            [this](Transformer* sender) { calls += sender->getCurrentOp() == Op::none ? "late " : "finish "; });
     }
 
     Transformer transformer;
-    std::string told;
+    std::string calls;
 };
 
 TEST_F(TransformerTest, WithoutAGestureNothingHappensToTheObject) {
@@ -86,7 +86,7 @@ TEST_F(TransformerTest, UnequalFactorsMakeAnythingANonUniformScale) {
 
 TEST_F(TransformerTest, ListenersHearOfEachStepAndEveryGestureStartsAnew) {
     auto const expect = [&](Vector const& total, Vector const& delta) {
-        EXPECT_TRUE(transformer.getTranslate() == total && transformer.getTranslateDelta() == delta) << told;
+        EXPECT_TRUE(transformer.getTranslate() == total && transformer.getTranslateDelta() == delta) << calls;
     };
     transformer.startTranslate({});
     for (double const x : {1, 3}) transformer.setTranslate({x, 0, 0});
@@ -97,7 +97,7 @@ TEST_F(TransformerTest, ListenersHearOfEachStepAndEveryGestureStartsAnew) {
     expect({5, 0, 0}, {5, 0, 0});
     transformer.finish();
     EXPECT_EQ(transformer.getCurrentOp(), Op::none);
-    EXPECT_EQ(told, "start change change start change finish ");
+    EXPECT_EQ(calls, "start change change start change finish ");
 }
 
 TEST_F(TransformerTest, ListenersMaySetOtherValuesAndDropTheLastReference) {

@@ -7,14 +7,14 @@ namespace nxSupport::test {
 namespace {
 
 /// A document whose listeners change it, and all objects that were ever made.
-class MeddledScene {
+class ChangingScene {
 public:
-    explicit MeddledScene(unsigned seed) : random_(seed) {
-        auto const meddle = [this](Object&, auto const&...) { listen(); };
-        scene_.document.insertedSignal().addCallback(meddle);
-        scene_.document.removedSignal().addCallback(meddle);
-        scene_.document.movedSignal().addCallback(meddle);
-        scene_.document.changedSignal().addCallback(meddle);
+    explicit ChangingScene(unsigned seed) : random_(seed) {
+        auto const listener = [this](Object&, auto const&...) { listen(); };
+        scene_.document.insertedSignal().addCallback(listener);
+        scene_.document.removedSignal().addCallback(listener);
+        scene_.document.movedSignal().addCallback(listener);
+        scene_.document.changedSignal().addCallback(listener);
         scene_.document.history().setUnrecordedChange(nxTXN::UnrecordedChange::apply);
     }
 
@@ -96,10 +96,10 @@ private:
     int thrown_ = 0;
 };
 
-TEST(Meddling, LeavesTheTreeSound) {
+TEST(Listeners, LeaveTheTreeSoundWhateverTheyChange) {
     unsigned const first = std::random_device{}();
     for (unsigned seed = first; seed != first + 20 && !testing::Test::HasFailure(); ++seed) {
-        MeddledScene scene(seed);
+        ChangingScene scene(seed);
         for (int step = 0; step < 1000 && !testing::Test::HasFailure(); ++step) {
             SCOPED_TRACE("seed " + std::to_string(seed) + " step " + std::to_string(step));
             scene.step();
