@@ -94,7 +94,7 @@ AsyncTask::AsyncTask(Domain& domain) : impl_(std::make_unique<TaskImpl>(domain))
     impl_->thread.getSignal().addCallback(client_, this, &AsyncTask::threadFunc);
     impl_->domainWatch = domain.destroying.addCallback([this](Domain*) {
         impl_->domain = nullptr;
-        if (impl_->abandoned.exchange(false)) unref();
+        if (impl_->abandoned.exchange(false)) release();
     });
     domain.setAsyncTask(this);
 }
@@ -163,7 +163,9 @@ void AsyncTask::fail() {
     onFailed(failureText());
 }
 
-void AsyncTask::onFailed(std::string_view text) {
+void AsyncTask::onFailed(std::string_view text) { printFailure(text); }
+
+void AsyncTask::printFailure(std::string_view text) const {
     urOS::AppOutput::getInstance().print("%s has failed: %.*s\n", ur::TypeInfo::of(*this).readableName().c_str(),
                                          static_cast<int>(text.size()), text.data());
 }
@@ -171,10 +173,20 @@ void AsyncTask::onFailed(std::string_view text) {
 void AsyncTask::abandon() noexcept {
     impl_->failing = nullptr;
     if (std::this_thread::get_id() == impl_->home) {
-        leaveDomain();
-        unref();
+        release();
     } else {
         impl_->abandoned = true;
+    }
+}
+
+/// Ends a task whose completion was dropped. What `onFailed` uses may be gone, so a failure is printed.
+void AsyncTask::release() noexcept {
+    auto const started = ur::Reference<AsyncTask>::adopt(this);
+    if (urUtil::Error const outcome = impl_->thread.wait(); outcome.isError()) impl_->failure = outcome;
+    leaveDomain();
+    try {
+        if (failed()) printFailure(failureText());
+    } catch (...) {  // the output itself fails
     }
 }
 
@@ -192,8 +204,8 @@ void AsyncTask::wait() {
         return fail();
     }
     if (!impl_->abandoned.exchange(false)) return;
-    leaveDomain();
-    unref();
+    if (outcome.isError()) return fail();
+    release();
 }
 
 void AsyncTask::cancel() noexcept { impl_->cancelled = true; }

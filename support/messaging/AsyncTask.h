@@ -23,9 +23,10 @@ struct TaskImpl;
 /// `execute` throws, the work ends but not the process, and the task never completes: the domain forgets it, and
 /// `onFailed` is called instead, from the run queue or from `wait`.
 ///
-/// If the queue drops the completion without running it, `onComplete` is not called, but the task is freed: at once if
-/// the main thread drops it from a closed queue. If the queue was closed before the work ended, the task is freed by
-/// `wait`, or when its domain is destroyed after the end of the work. A host that closes the queue and destroys the
+/// If the queue drops the completion without running it, `onComplete` is not called, and the text of a failure is
+/// printed. The task is freed at once if the main thread drops it from a closed queue. If the queue was closed before
+/// the work ended, the task is freed by `wait`, which calls `onFailed` after a failure, or when its domain is destroyed
+/// after the end of the work. A host that closes the queue and destroys the
 /// domain while tasks run keeps references to them and calls `wait`. Everything else belongs to the main thread, which
 /// services the queue.
 class NX_API AsyncTask : public ur::ReferenceCount {
@@ -42,7 +43,7 @@ public:
     /// this calls `onFailed`; the task may then be destroyed.
     void wait();
 
-    /// True if no thread could be created, or if the work threw and `onFailed` has been called.
+    /// True if no thread could be created, or if the work threw and that has been reported.
     [[nodiscard]] bool failed() const noexcept;
     /// The message of the system or of the exception; empty unless `failed`.
     [[nodiscard]] std::string_view failureText() const noexcept;
@@ -64,8 +65,8 @@ protected:
     /// Called when the work is done. `waited`: `wait` was called. The queue's `service` passes on an exception.
     virtual void onComplete(bool waited) = 0;
     /// Called with a message if the work threw or no thread could be created. It is called from the run queue, or
-    /// earlier from `wait`, but not if the queue drops the task. By default prints a line with the class and the
-    /// message on the application output.
+    /// earlier from `wait`. By default prints a line with the class and the message on the application output; so does
+    /// a queue that drops the task, without calling this, since what it uses may be gone.
     virtual void onFailed(std::string_view text);
 
 private:
@@ -75,7 +76,9 @@ private:
     void complete(bool waited);
     void queueFailure();
     void fail();
+    void printFailure(std::string_view text) const;
     void abandon() noexcept;
+    void release() noexcept;
     void leaveDomain() noexcept;
 
     urRTB::SignalClient client_;  ///< connected to the thread's signal

@@ -86,21 +86,49 @@ TEST_F(AsyncTasks, NeverCompleteWhenTheWorkThrows) {
     EXPECT_EQ(counts.completed, 0);
 }
 
-TEST_F(AsyncTasks, TellOfTheirFailureUnwaitedAndNotWhenTheQueueIsGone) {
+TEST_F(AsyncTasks, FailUnwaited) {
     task->work = [] { throw std::runtime_error("broken"); };
     task->startThread();
     EXPECT_TRUE(host->queue.wait(10s));
     host->queue.service();
     EXPECT_EQ(task->failure, "broken");
     EXPECT_FALSE(host->waitForAsyncTask());
+}
 
-    auto const other = ur::make<Task>(*host, counts);
-    other->work = task->work;
-    other->startThread();
+/// A thread-local whose destructor reports that the thread runs no more of its own code.
+struct AtThreadExit {
+    ~AtThreadExit() { ended = true; }
+    std::atomic<bool>& ended;
+};
+
+TEST_F(AsyncTasks, PrintAFailureThatTheQueueDrops) {
+    urOS::CapturedOutput const output;
+    task->work = [] { throw std::runtime_error("broken"); };
+    task->startThread();
     EXPECT_TRUE(host->queue.wait(10s));
     host->queue.close();
-    EXPECT_EQ(other->failure, "");
-    EXPECT_EQ(other->referenceCount(), 1);
+    EXPECT_EQ(task->failure, "");
+    EXPECT_EQ(task->failureText(), "broken");
+    EXPECT_NE(output.text().find("Task has failed: broken\n"), std::string::npos);
+    EXPECT_EQ(task->referenceCount(), 1);
+
+    auto const waited = ur::make<Task>(*host, counts);  // the queue is already closed
+    waited->work = task->work;
+    waited->startThread();
+    waited->wait();
+    EXPECT_EQ(waited->failure, "broken");
+    EXPECT_EQ(waited->referenceCount(), 1);
+
+    auto const left = ur::make<Task>(*host, counts);
+    std::atomic<bool> ended = false;
+    left->work = [&] {
+        static thread_local AtThreadExit const last{ended};
+        throw std::runtime_error("left");
+    };
+    left->startThread();
+    while (!ended) std::this_thread::yield();
+    host.reset();
+    EXPECT_NE(output.text().find("Task has failed: left\n"), std::string::npos);
 }
 
 TEST_F(AsyncTasks, PrintTheirFailureUnlessTheyHandleIt) {
@@ -167,12 +195,6 @@ TEST_F(AsyncTasks, AndTheirDomainsMayGoInAnyOrder) {
     task->wait();
     EXPECT_EQ(counts.executed, 0);
 }
-
-/// A thread-local whose destructor reports that the thread runs no more of its own code.
-struct AtThreadExit {
-    ~AtThreadExit() { ended = true; }
-    std::atomic<bool>& ended;
-};
 
 TEST_F(AsyncTasks, AreFreedWhenAnotherThreadClosesTheQueue) {
     enum End { serviced, waited, domainGone, closedBefore };
