@@ -36,8 +36,9 @@ NX_API urString::CString asJSON(ur::Reference<Item const> item, std::uint64_t mo
 
 /// The format of JSON for programs.
 struct JsonStyle {
-    unsigned indent = 2;     ///< spaces per level; 0 writes one line without spaces
-    bool asciiOnly = false;  ///< writes non-ASCII characters as escape sequences
+    unsigned indent = 2;       ///< spaces per level; 0 writes one line without spaces
+    bool asciiOnly = false;    ///< writes non-ASCII characters as escape sequences
+    bool refuseNulls = false;  ///< makes a null item or element a failure, since reading drops it
     /// The longest text for a tree that shares items.
     std::uint64_t mostExpandedBytes = mostExpandedText;
     /// If set, the bytes of the text are added to this charge while it grows, and `writeJson` throws `ur::BudgetSpent`
@@ -46,10 +47,10 @@ struct JsonStyle {
 };
 
 /// Appends JSON of a tree of any depth, with integers up to 2^53 in full and other numbers with the fewest digits that
-/// identify them; `convertFromJSON` always reads the same doubles. Null items and elements are `null`. Bytes that are
-/// not UTF-8 become U+FFFD. Lines beyond 127 levels are indented like level 127, and no longer once that would take
-/// more than 64 MiB and sixteen times the rest of the text. False for a NaN, an infinity, or a text that is too long
-/// because the tree shares items; `text` then stays unchanged.
+/// identify them; `convertFromJSON` always reads the same doubles. Null items and elements are `null`, which reading
+/// drops. Bytes that are not UTF-8 become U+FFFD. Lines beyond 127 levels are indented like level 127, and no longer
+/// once that would take more than 64 MiB and sixteen times the rest of the text. False for a NaN, an infinity, or a
+/// text that is too long because the tree shares items; `text` then stays unchanged.
 [[nodiscard]] NX_API bool writeJson(urString::CString& text, ur::Reference<Item const> item,
                                     JsonStyle const& style = {});
 

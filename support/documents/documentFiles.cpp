@@ -32,10 +32,12 @@ namespace {
 
 constexpr double partOfReading = 0.5;  // of the time that opening takes
 
-/// Whether JSON has a form for the value.
+/// The style of files. JSON cannot hold nulls: reading drops them.
+constexpr nxPLST::JsonStyle fileStyle = {.refuseNulls = true};
+
 bool isWritable(Item const& value) {
     CString text;
-    return nxPLST::writeJson(text, Reference<Item const>(&value));
+    return nxPLST::writeJson(text, Reference<Item const>(&value), fileStyle);
 }
 
 /// Names the first value below `top` that made JSON fail.
@@ -51,7 +53,7 @@ CString unwritable(Object const& top) {
                     .append(object.path())
                     .append("\", property \"")
                     .append(name)
-                    .append("\": has a number that is not finite, or is too large for JSON");
+                    .append("\": has a null or a number that is not finite, or is too large for JSON");
             }
         }
         for (Object const& child : object.children()) left.push_back(&child);
@@ -64,8 +66,8 @@ constexpr std::uint64_t mostExpansion = 16;
 constexpr std::uint64_t mostOwnText = std::numeric_limits<std::uint64_t>::max() / mostExpansion;
 
 bool writeText(CString& text, Reference<nxPLST::Dictionary> const& file) {
-    if (nxPLST::writeJson(text, file)) return true;
-    nxPLST::JsonStyle style;
+    if (nxPLST::writeJson(text, file, fileStyle)) return true;
+    nxPLST::JsonStyle style = fileStyle;
     style.mostExpandedBytes = mostExpansion * std::min(nxPLST::expansionOf(file.get()).ownTextBytes, mostOwnText);
     return nxPLST::writeJson(text, file, style);
 }
@@ -125,10 +127,13 @@ Error readPackets(urOS::IOStream& stream, IString const& path, Content& content)
 
 Error readJson(urOS::IOStream& stream, IString const& path, Content& content) {
     if (Error const error = stream.readAll(content.text); error.isError()) return errorAbout(path, error.message());
-    if (nxPLST::convertFromJSON(content.item, content.text)) return {};
     nxPLST::JsonReport report;
-    static_cast<void>(nxPLST::convertFromJSON(content.item, content.text, report));
-    return errorAbout(path, CString::format("line %zu: ", report.location.line).append(report.reason));
+    bool const isRead = nxPLST::convertFromJSON(content.item, content.text, report);
+    if (isRead && report.lossCount == 0) return {};
+    auto const at = [](nxPLST::JsonLocation const& location) { return CString::format("line %zu: ", location.line); };
+    if (!isRead) return errorAbout(path, at(report.location).append(report.reason));
+    nxPLST::JsonLoss const& loss = report.losses.front();
+    return errorAbout(path, at(loss.location).append(describe(loss.kind)).append(" at ").append(loss.path));
 }
 
 Error readContent(IString const& path, OpenProgress const& progress, Content& content) {

@@ -10,7 +10,7 @@ namespace nxSupport {
 
 enum class FileForm {
     byName,   ///< JSON if the name ends in ".json", otherwise packets
-    json,     ///< for people and version control; refuses numbers that are not finite
+    json,     ///< for people and version control; refuses nulls and numbers that are not finite
     packets,  ///< smaller and faster
 };
 
@@ -27,7 +27,8 @@ using OpenProgress = std::function<bool(double)>;
 /// that were there refuse changes. The root must be of the class of the present root, or derived from it. What the
 /// catalog does not know, classes and properties of other or newer programs, is kept and saved again.
 ///
-/// After an error, also when cancelled, the document is what it was. The error names the file, the line or the place in
+/// JSON with values that no item holds (nulls, repeated keys, integers that are rounded) is refused, so that saving
+/// again never loses them. After an error, also when cancelled, the document is what it was. The error names the file, the line or the place in
 /// the tree, the object, the property and the mistake. An error as well while a transaction is open.
 NX_API urUtil::Error open(Document& document, urString::IString const& path, OpenProgress const& progress = {});
 

@@ -42,9 +42,9 @@ CString copy(Document& document, Objects const& objects) {
     ur::Charge const room = document.charges().roomToCopy(countBelow(originals));
     ur::Charge ofText = document.charges().nothing();
     CString text;
-    if (!nxPLST::writeJson(text, nxSupport::copy(originals), {.indent = 0, .charge = &ofText})) {
+    if (!nxPLST::writeJson(text, nxSupport::copy(originals), {.indent = 0, .refuseNulls = true, .charge = &ofText})) {
         throw nxRFL::Exception(
-            "the objects have no JSON form: they hold a number that is not finite, or are too large");
+            "the objects have no JSON form: they hold a null or a number that is not finite, or are too large");
     }
     return text;
 }

@@ -24,6 +24,7 @@ StyledJsonWriter::StyledJsonWriter(urString::CString& text, JsonStyle const& sty
       before_(sink_.size()),
       indent_(style.indent),
       asciiOnly_(style.asciiOnly),
+      refuseNulls_(style.refuseNulls),
       charge_(style.charge),
       guard_(style.mostExpandedBytes) {}
 
@@ -74,7 +75,7 @@ bool StyledJsonWriter::writeItem(Item const* item) {
     chargeFor(sink_.capacity() - before_);
     if (!item) {
         sink_.append("null");
-        return true;
+        return !refuseNulls_;
     }
     return visit(
         *item, [this](Bool const& truth) { return sink_.append(truth.value() ? "true" : "false"), true; },

@@ -15,7 +15,7 @@ class StyledJsonWriter {
 public:
     StyledJsonWriter(urString::CString& text, JsonStyle const& style);
 
-    /// False when the tree contains a number without a JSON form, or shares too many items: the text then ends there.
+    /// False when the tree contains a number without a JSON form or a null that is refused, or shares too many items: the text then ends there.
     /// Call it once.
     [[nodiscard]] bool write(Item const* root);
 
@@ -39,6 +39,7 @@ private:
     std::size_t const indent_;
     std::size_t indented_ = 0;  // bytes of indentation so far
     bool const asciiOnly_;
+    bool const refuseNulls_;
     ur::Charge* const charge_;
     std::size_t charged_ = 0;
     ExpansionGuard guard_;

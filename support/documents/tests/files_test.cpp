@@ -72,7 +72,7 @@ TEST_F(DocumentFiles, KeepWhatTheProgramDoesNotKnow) {
             "{\"classes\":{\"Ball\":1,\"Group\":1,\"Node\":1,\"Shape\":3,\"Star\":4},"
             "\"format\":\"nxDocument\",\"objects\":[{\"children\":[{\"class\":\"Star\","
             "\"children\":[{\"class\":\"Ball\",\"id\":\"") +
-        b + "\",\"values\":{\"colour\":[1,null],\"size\":\"large\"}}],\"id\":\"" +
+        b + "\",\"values\":{\"colour\":[1,2],\"size\":\"large\"}}],\"id\":\"" +
         "cccccccc-0000-4000-8000-000000000003\",\"values\":{\"rays\":5}}],\"class\":\"Group\",\"id\":\"" + a +
         "\"}],\"version\":1}";
     put(path("new.json"), file);
@@ -166,14 +166,32 @@ TEST_F(DocumentFiles, NeedNoMoreMemoryThanTheyShould) {
     EXPECT_EQ(faultOf(objects), "");
 }
 
-TEST_F(DocumentFiles, NameTheValueThatJsonCannotHold) {
-    Object& ball = scene.add(scene.add(scene.root(), "Group", "g"), "Ball", "b");
-    scene.document.edit("Set", [&] { EXPECT_TRUE(ball.set("free", std::vector<double>{1, std::nan("")})); });
-    EXPECT_THAT(std::string(save(scene.document, wide(path("a.json"))).message()),
-                HasSubstr("object \"/g/b\", property \"free\": has a number that is not finite"));
-    EXPECT_EQ(fileCount(), 0U);
-    EXPECT_TRUE(save(scene.document, wide(path("a.nx"))).ok());
-    EXPECT_EQ(fault("a.nx"), "");
+TEST_F(DocumentFiles, NeverLoseValuesThatJsonCannotHold) {
+    scene.add(scene.add(scene.root(), "Group", "g"), "Ball", "b");
+    auto const saved = [&](char const* name) { return std::string(save(scene.document, wide(path(name))).message()); };
+    auto const set = [&](auto const& value) {
+        scene.document.edit("Set", [&] { EXPECT_TRUE(scene.document.find("g/b")->set("free", value)); });
+    };
+    auto const refusesToSave = [&](auto const& value) {
+        set(value);
+        EXPECT_THAT(saved("a.json"), HasSubstr("object \"/g/b\", property \"free\": has a null or a number"));
+        EXPECT_FALSE(std::filesystem::exists(path("a.json")));
+        EXPECT_EQ(saved("a.nx"), "");
+        EXPECT_EQ(fault("a.nx"), "");
+    };
+    refusesToSave(std::vector<double>{1, std::nan("")});
+    refusesToSave(std::vector<std::optional<double>>{1, std::nullopt, 3});
+    refusesToSave(std::map<std::string, std::optional<int>>{{"a", 1}, {"b", std::nullopt}});
+    for (double const large : {0x1p53, 0x1p60, 1e18, -0x1p63, 1e19, 1e300}) {
+        set(large);
+        EXPECT_EQ(saved("large.json"), "");
+        EXPECT_EQ(fault("large.json"), "") << large;
+    }
+    std::string const values = std::string("{\"class\": \"Ball\", \"id\": \"") + b + "\", \"values\": {\"free\":\n";
+    std::string const place = ".objects[0].children[0].values.free";
+    EXPECT_EQ(faultOf(values + "[1, null]}}"), "line 4: null has no item at " + place + "[1]");
+    EXPECT_EQ(faultOf(values + "9007199254740993}}"), "line 4: rounded integer at " + place);
+    EXPECT_EQ(faultOf(values + "1,\n\"free\": 2}}"), "line 3: repeated key at " + place);
 }
 
 TEST_F(DocumentFiles, MayHoldVeryDeepTrees) {
