@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 #include "foundation/ur/ReferenceCount.h"
 #include "foundation/ur/containers.h"
@@ -32,6 +33,9 @@ public:
     [[nodiscard]] urLinear::Point vertex(std::uint32_t number) const { return urLinear::Point(vertices_[number]); }
     [[nodiscard]] Triangle const& triangle(std::uint32_t number) const { return triangles_[number]; }
     void moveVertex(std::uint32_t number, urLinear::Point const& position);
+    /// All of them, valid until the mesh changes.
+    [[nodiscard]] std::span<urLinear::PointFlt const> vertices() const noexcept { return vertices_; }
+    [[nodiscard]] std::span<Triangle const> triangles() const noexcept { return triangles_; }
 
     /// The position that a coordinate names. Requires: its triangle exists.
     [[nodiscard]] urLinear::Point at(MeshCoord const& coord) const;
