@@ -1,5 +1,5 @@
 // Converts values on reflection stacks to items and back.
-#include "tools/nxhost/ScriptValue.h"
+#include "script/ScriptValue.h"
 
 #include "foundation/nxRFL/Exception.h"
 #include "foundation/nxRFL/Reader.h"
@@ -7,7 +7,7 @@
 #include "foundation/ur/containers.h"
 #include "plst/visit.h"
 
-namespace nxhost {
+namespace nxSupport {
 namespace {
 
 using nxRFL::Kind;
@@ -121,4 +121,4 @@ void read(nxRFL::Reader& reader, ScriptValue& value) {
 
 void write(nxRFL::Writer& writer, ScriptValue const& value) { writeTree(writer, value.item, 0); }
 
-}  // namespace nxhost
+}  // namespace nxSupport

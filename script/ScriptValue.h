@@ -3,6 +3,7 @@
 
 #include "foundation/nxRFL/typeName.h"
 #include "foundation/ur/Account.h"
+#include "foundation/ur/Export.h"
 #include "plst/Item.h"
 
 namespace nxRFL {
@@ -10,25 +11,29 @@ class Reader;
 class Writer;
 }  // namespace nxRFL
 
-namespace nxhost {
+namespace nxSupport {
 
-/// A value passed by a script, in a form that a property list can hold. Null is nil.
+/// Any value of a script that has an item form, as a parameter, result or property of native functions. Null is nil.
+///
+///     exposed.addMethod("set", [](Object& self, CString const& name, ScriptValue const& value) {
+///         self.setValue(name, value.item);
+///     });
 struct ScriptValue {
     ur::Reference<nxPLST::Item const> item;
     ur::Charge charge = {};  ///< for the bytes of an item that was read, to the account of the arguments
 };
 
 /// The approximate number of bytes that a value occupies.
-[[nodiscard]] std::size_t bytesOf(nxPLST::Item const& item);
+[[nodiscard]] NX_API std::size_t bytesOf(nxPLST::Item const& item);
 
 /// Raises for values without an item form: objects, functions, nil inside a table, and values nested too deeply.
-void read(nxRFL::Reader& reader, ScriptValue& value);
+NX_API void read(nxRFL::Reader& reader, ScriptValue& value);
 /// Raises for a value nested too deeply, which only files and copies hold.
-void write(nxRFL::Writer& writer, ScriptValue const& value);
+NX_API void write(nxRFL::Writer& writer, ScriptValue const& value);
 
-}  // namespace nxhost
+}  // namespace nxSupport
 
 template <>
-struct nxRFL::TypeName<nxhost::ScriptValue> {
+struct nxRFL::TypeName<nxSupport::ScriptValue> {
     static constexpr char const* name = "value";
 };

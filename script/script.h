@@ -1,6 +1,7 @@
 // All of this module. Made by scripts/module_headers.
 #pragma once
 
+#include "script/ScriptValue.h"
 #include "script/initialize.h"
 #include "script/luaFunctions.h"
 #include "script/luaItems.h"

@@ -25,6 +25,7 @@ struct PropertyDescription {
     urString::CString description = {};
     urString::CString group = {};
     urString::CString unit = {};
+    urString::CString control = {};      ///< what panels show it by, such as "colour"; the program's own words
     std::optional<double> minimum = {};  ///< of a number, and of each number in an array of numbers
     std::optional<double> maximum = {};
     std::optional<double> step = {};         ///< of a control that changes the value; other values are allowed

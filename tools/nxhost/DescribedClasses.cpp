@@ -108,6 +108,7 @@ PropertyDescription propertyFrom(ItemReference const& table, CString const& abou
     members.read("description", result.description);
     members.read("group", result.group);
     members.read("unit", result.unit);
+    members.read("control", result.control);
     members.read("minimum", result.minimum);
     members.read("maximum", result.maximum);
     members.read("step", result.step);
@@ -175,13 +176,13 @@ ur::Reference<nxPLST::Dictionary const> upgraded(nxRFL::Function const& function
     nxRFL::Stack arguments;
     nxRFL::Stack results;
     nxRFL::Writer writer(arguments);
-    write(writer, ScriptValue{ItemReference(&values)});
+    write(writer, nxSupport::ScriptValue{ItemReference(&values)});
     writer.writeUnsigned(version);
     function.call(arguments, results);
     why = "returns nothing";
     if (results.empty()) return nullptr;
     why = "returns no table with names";
-    ScriptValue result;
+    nxSupport::ScriptValue result;
     try {
         nxRFL::Reader reader = nxRFL::Reader::ofResults(results, function);
         read(reader, result);
@@ -207,7 +208,7 @@ void read(nxRFL::Reader& reader, ClassTable& table) {
             table.upgrade = reader.readFunction();
             continue;
         }
-        ScriptValue member;
+        nxSupport::ScriptValue member;
         read(reader, member);
         table.values.charge.add(name.size() + member.charge.bytes());
         members->insert(name, ur::Reference<nxPLST::Item>(const_cast<nxPLST::Item*>(member.item.get())));
@@ -253,7 +254,7 @@ void DescribedClasses::add(ClassTable const& table) {
 }
 
 void DescribedClasses::chargeFor(nxPLST::Item const& description, nxSupport::ObjectClass const* base) {
-    std::size_t bytes = bytesOfClass + 4 * bytesOf(description);
+    std::size_t bytes = bytesOfClass + 4 * nxSupport::bytesOf(description);
     if (base) {
         for (PropertyDescription const& property : base->properties()) bytes += bytesInherited(property);
     }

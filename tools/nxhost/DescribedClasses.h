@@ -3,8 +3,8 @@
 
 #include "foundation/nxRFL/Function.h"
 #include "foundation/ur/Account.h"
+#include "script/ScriptValue.h"
 #include "support/documents/ObjectCatalog.h"
-#include "tools/nxhost/ScriptValue.h"
 
 namespace nxhost {
 
@@ -13,7 +13,7 @@ inline constexpr std::size_t longestName = 256;
 
 /// A class as a script describes it: a table of values, but for a function under "upgrade".
 struct ClassTable {
-    ScriptValue values = {};
+    nxSupport::ScriptValue values = {};
     ur::Reference<nxRFL::Function> upgrade = {};  ///< null if there is none
 };
 

@@ -27,18 +27,18 @@ using ItemReference = KeptValues::ItemReference;
 namespace {
 
 /// Returns the validator's result for the value. A failure of the validator is raised.
-ScriptValue corrected(Function const& validator, CString const& name, ItemReference const& item) {
+nxSupport::ScriptValue corrected(Function const& validator, CString const& name, ItemReference const& item) {
     nxRFL::Stack arguments;
     nxRFL::Stack results;
     nxRFL::Writer writer(arguments);
-    write(writer, ScriptValue{item});
+    write(writer, nxSupport::ScriptValue{item});
     nxSupport::ScriptCallScope const scope("validator");
     validator.call(arguments, results);
     auto const refuse = [&name](CString const& why) {
         throw nxRFL::Exception(CString::format("the validator of \"%s\" %s", name.c_str(), why.c_str()));
     };
     if (results.empty()) refuse("returns nothing");
-    ScriptValue result;
+    nxSupport::ScriptValue result;
     try {
         nxRFL::Reader reader = nxRFL::Reader::ofResults(results, validator);
         read(reader, result);
@@ -87,7 +87,7 @@ Document::Document(nxSupport::Document& document, nxSupport::ObjectCatalog& cata
 
 // ---- Named values
 
-void Document::set(CString const& name, ScriptValue const& value) {
+void Document::set(CString const& name, nxSupport::ScriptValue const& value) {
     requireChanges();
     named(name);
     setValue(document_.root(), name, value.item);
@@ -128,7 +128,7 @@ ItemReference Document::validated(CString const& name, ItemReference item) {
     if (known == names_.end()) return item;
     auto const& validators = known->second.validators;
     for (std::size_t i = 0; i < validators.size(); ++i) {
-        ScriptValue const accepted = corrected(*Reference<Function>(validators[i]), name, item);
+        nxSupport::ScriptValue const accepted = corrected(*Reference<Function>(validators[i]), name, item);
         charges_.addValue(accepted.item, name);
         item = accepted.item;
     }

@@ -7,13 +7,13 @@
 #include "foundation/nxRFL/Callback.h"
 #include "foundation/nxRFL/Database.h"
 #include "foundation/nxTXN/Transaction.h"
+#include "script/ScriptValue.h"
 #include "support/documents/Document.h"
 #include "support/messaging/Domain.h"
 #include "tools/nxhost/DescribedClasses.h"
 #include "tools/nxhost/DocumentCharges.h"
 #include "tools/nxhost/Options.h"
 #include "tools/nxhost/Panel.h"
-#include "tools/nxhost/ScriptValue.h"
 
 namespace nxhost {
 
@@ -42,9 +42,11 @@ public:
     Document& operator=(Document const&) = delete;
 
     // Named values: those of the root.
-    [[nodiscard]] ScriptValue get(urString::CString const& name) const { return {document_.root().value(name)}; }
+    [[nodiscard]] nxSupport::ScriptValue get(urString::CString const& name) const {
+        return {document_.root().value(name)};
+    }
     /// Null removes the value. Raises in a context that does not allow changes.
-    void set(urString::CString const& name, ScriptValue const& value);
+    void set(urString::CString const& name, nxSupport::ScriptValue const& value);
     /// The names that have a value.
     [[nodiscard]] ur::vector<urString::CString> names() const;
     /// Calls `function` with the name and the value after each change, including undo and redo.

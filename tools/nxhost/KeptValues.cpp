@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "tools/nxhost/ScriptValue.h"
+#include "script/ScriptValue.h"
 
 namespace nxhost {
 
@@ -15,14 +15,14 @@ constexpr std::size_t bytesOfEntry = 64;  // in the table
 
 void KeptValues::add(ItemReference const& value, std::size_t more) {
     if (!value || !charge_ || isKept(value)) return;
-    std::size_t const bytes = bytesOf(*value) + bytesOfEntry + more;
+    std::size_t const bytes = nxSupport::bytesOf(*value) + bytesOfEntry + more;
     if (values_.size() >= purgeThreshold_ || !charge_.account()->allows(bytes)) forgetDropped();
     charge_.add(bytes);
     values_.try_emplace(value.get(), Kept{value, bytes});
 }
 
 void KeptValues::addAnyway(ItemReference const& value, std::size_t more) {
-    if (value && !isKept(value)) addSharedAnyway(value, bytesOf(*value) + more);
+    if (value && !isKept(value)) addSharedAnyway(value, nxSupport::bytesOf(*value) + more);
 }
 
 void KeptValues::addSharedAnyway(ur::Reference<ur::ReferenceCount const> const& shared, std::size_t bytes) {

@@ -3,8 +3,8 @@
 
 #include "foundation/nxRFL/Reader.h"
 #include "foundation/nxRFL/values.h"
+#include "script/ScriptValue.h"
 #include "support/services/Timeline.h"
-#include "tools/nxhost/ScriptValue.h"
 
 namespace nxhost {
 
@@ -44,7 +44,7 @@ void ObjectListener::changed(Object& object, CString const& name) {
     writer.writeText("changed");
     nxRFL::write(writer, &object);
     writer.writeText(name);
-    write(writer, ScriptValue{object.value(name)});
+    write(writer, nxSupport::ScriptValue{object.value(name)});
     call(arguments);
 }
 

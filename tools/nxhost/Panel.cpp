@@ -24,8 +24,8 @@ CString const& labelOf(nxSupport::PropertyDescription const& description) {
     return description.label.empty() ? description.name : description.label;
 }
 
-ur::vector<ScriptValue> choicesOf(nxSupport::PropertyDescription const& description) {
-    ur::vector<ScriptValue> choices;
+ur::vector<nxSupport::ScriptValue> choicesOf(nxSupport::PropertyDescription const& description) {
+    ur::vector<nxSupport::ScriptValue> choices;
     for (auto const& choice : description.choices) choices.push_back({choice.item()});
     return choices;
 }
@@ -71,6 +71,7 @@ void exposePanels(nxRFL::Database& database) {
         .addProperty("description", [](Row& self) { return self.description().description; })
         .addProperty("group", [](Row& self) { return self.description().group; })
         .addProperty("unit", [](Row& self) { return self.description().unit; })
+        .addProperty("control", [](Row& self) { return self.description().control; })
         .addProperty("minimum", [](Row& self) { return self.description().minimum; })
         .addProperty("maximum", [](Row& self) { return self.description().maximum; })
         .addProperty("step", [](Row& self) { return self.description().step; })

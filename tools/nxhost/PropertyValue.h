@@ -2,14 +2,14 @@
 #pragma once
 
 #include "foundation/nxRFL/values.h"
+#include "script/ScriptValue.h"
 #include "support/documents/Object.h"
-#include "tools/nxhost/ScriptValue.h"
 
 namespace nxhost {
 
 /// References between objects are texts with an identity; scripts may use the object in its place.
 struct PropertyValue {
-    ScriptValue value = {};
+    nxSupport::ScriptValue value = {};
     nxSupport::Object* object = nullptr;  ///< if not null, it is the value
 
     /// In the form that the property holds.
@@ -32,4 +32,4 @@ inline void write(nxRFL::Writer& writer, PropertyValue const& value) {
 }  // namespace nxhost
 
 template <>
-struct nxRFL::TypeName<nxhost::PropertyValue> : nxRFL::TypeName<nxhost::ScriptValue> {};
+struct nxRFL::TypeName<nxhost::PropertyValue> : nxRFL::TypeName<nxSupport::ScriptValue> {};

@@ -158,7 +158,8 @@ void exposeObjects(nxRFL::Database& database, Document& document) {
         .addMethod("remove", [d](Object& self) { remove(*d, self); })
         .addMethod("moveTo", [d](Object& self, Object& parent, Index const& index) { moveTo(*d, self, parent, index); },
                    {"parent", {"index", nothing}})
-        .addMethod("get", [](Object& self, CString const& name) { return ScriptValue{self.value(name)}; }, {"name"})
+        .addMethod("get", [](Object& self, CString const& name) { return nxSupport::ScriptValue{self.value(name)}; },
+                   {"name"})
         .addMethod("set",
                    [d](Object& self, CString const& name, PropertyValue const& value) {
                        d->setValue(self, name, value.item());

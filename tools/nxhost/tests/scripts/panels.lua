@@ -10,7 +10,7 @@ end
 
 document:describe{name = "Node", properties = {{name = "name", value = ""}}}
 document:describe{name = "Circle", base = "Node", properties = {
-    {name = "radius", value = 1, label = "Radius", unit = "mm", minimum = 0, maximum = 100, step = 0.5},
+    {name = "radius", value = 1, label = "Radius", unit = "mm", control = "dial", minimum = 0, maximum = 100, step = 0.5},
     {name = "fill", value = "solid", choices = {"none", "solid"}, group = "Look", description = "What is inside"},
     {name = "after", value = "", reference = true}, {name = "area", value = 3, readOnly = true}, {name = "secret", hidden = true}}}
 document:describe{name = "Dot", base = "Node", children = {"Node"}, properties = {{name = "radius", value = 1, maximum = 5}}}
@@ -38,7 +38,7 @@ document:select{inner}
 print "== panels"
 local panel = document:panel{b, a, a}
 for _, row in ipairs(panel.rows) do
-    print(row.name, row.label, row.description, row.group, row.unit, row.minimum, row.maximum, row.step, #row.choices,
+    print(row.name, row.label, row.description, row.group, row.unit, row.control, row.minimum, row.maximum, row.step, #row.choices,
           row.readOnly, row.isMixed, row.value)
 end
 local radius, after, fill = panel:find("radius"), panel:find("after"), panel:find("fill")
