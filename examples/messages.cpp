@@ -4,7 +4,7 @@
 
 #include "plst/make.h"
 #include "support/messaging/AppInitMsg.h"
-#include "support/messaging/AsyncTask.h"
+#include "support/messaging/JobQueue.h"
 #include "support/messaging/ServiceDomain.h"
 #include "support/messaging/subscribeFirstTime.h"
 
@@ -53,6 +53,17 @@ private:
 };
 // [task]
 
+void addByJob(nxSupport::JobQueue& jobs) {
+    // [jobs]
+    auto const sum = std::make_shared<int>(0);  // used by the worker, then by the main thread
+    jobs.add(
+        "Adding", [sum](nxSupport::Job&) { *sum = 2 + 3; },
+        [sum](nxSupport::Job const& job) {
+            if (!job.failed()) std::printf("the job made %d\n", *sum);
+        });
+    // [jobs]
+}
+
 int main() {
     // [run]
     urThread::RunQueue queue;
@@ -75,5 +86,8 @@ int main() {
     queue.wait(std::chrono::seconds(10));  // a host with a main loop services the queue there
     queue.service();
     // [run]
+    nxSupport::JobQueue jobs(application);
+    addByJob(jobs);
+    while (jobs.isBusy() && queue.wait(std::chrono::seconds(10))) queue.service();
     return 0;
 }

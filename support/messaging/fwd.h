@@ -14,6 +14,8 @@ class DataSink;
 class Domain;
 class InitializeLuaMsg;
 class InitializeReflectionMsg;
+class Job;
+class JobQueue;
 class PreClearResourcesMsg;
 class Priority;
 class ServiceDomain;

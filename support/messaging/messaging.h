@@ -12,6 +12,8 @@
 #include "support/messaging/Domain.h"
 #include "support/messaging/InitializeLuaMsg.h"
 #include "support/messaging/InitializeReflectionMsg.h"
+#include "support/messaging/Job.h"
+#include "support/messaging/JobQueue.h"
 #include "support/messaging/PreClearResourcesMsg.h"
 #include "support/messaging/Priority.h"
 #include "support/messaging/ServiceDomain.h"
