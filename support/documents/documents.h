@@ -4,6 +4,7 @@
 #include "support/documents/Autosave.h"
 #include "support/documents/ClassDescription.h"
 #include "support/documents/Document.h"
+#include "support/documents/Interaction.h"
 #include "support/documents/Object.h"
 #include "support/documents/ObjectCatalog.h"
 #include "support/documents/ObjectClass.h"

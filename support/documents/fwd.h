@@ -7,6 +7,7 @@ class Autosave;
 struct ClassDescription;
 class Document;
 enum class FileForm;
+class Interaction;
 class Object;
 class ObjectCatalog;
 class ObjectClass;

@@ -206,6 +206,29 @@ private:
     Document& document_;
 };
 
+TEST(Documents, TakeAnInteractionAsOneStepOrNone) {
+    Scene scene;
+    Object& ball = scene.add(scene.root(), "Ball", "b");
+    urThread::RunQueue queue;
+    ContextHost host(queue, scene.document);
+    std::optional<Interaction> drag(std::in_place, host, scene.document, "Drag");
+    for (int size = 2; size < 5; ++size) drag->perform([&] { ball.set("size", size); });
+    EXPECT_THROW(drag->perform([&] { throw ball.set("size", 50); }), bool);
+    EXPECT_EQ(ball.get<int>("size"), 4) << "one move is taken back";
+    EXPECT_TRUE(drag->finish());
+    EXPECT_FALSE(drag->finish());
+    drag.reset();
+    EXPECT_THAT(scene.document.steps(), ElementsAre("Add", "Drag"));
+    drag.emplace(host, scene.document, "Drag");
+    drag->perform([&] { ball.set("size", 60); });
+    EXPECT_FALSE(scene.document.undo()) << "while it is open";
+    drag.reset();
+    EXPECT_EQ(ball.get<int>("size"), 4);
+    EXPECT_THAT(scene.document.steps(), ElementsAre("Add", "Drag"));
+    EXPECT_TRUE(scene.document.undo());
+    EXPECT_EQ(ball.get<int>("size"), 1);
+}
+
 TEST(Documents, RecordWhatContextsSay) {
     Scene scene;
     Object& ball = scene.add(scene.root(), "Ball", "b");
