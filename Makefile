@@ -7,7 +7,7 @@ export DESTDIR
 
 preset = cmake --preset $(1) $(2) && cmake --build --preset $(1)
 
-.PHONY: run test check bench asan tsan clang windows valgrind fuzz soak coverage docs reference ratios install debian try-debian abi format clean packages
+.PHONY: run test check scene scene-program scene-test picture bench asan tsan clang windows valgrind fuzz soak coverage docs reference ratios install debian try-debian abi format clean packages
 .DEFAULT_GOAL := run
 
 packages:
@@ -26,6 +26,22 @@ check: packages
 	@packaging/install-packages check
 	$(call preset,dev) --target all fuzzers
 	ctest --preset check
+
+# The scene editor: on a sample scene, its tests, and the picture of the first page.
+scene-program: packages
+	@packaging/install-packages scene
+	$(call preset,scene)
+
+scene: scene-program
+	mkdir -p build/scene/session
+	build/scene/bin/nxscene --folder build/scene/session --run examples/scene/scripts/sample.lua
+
+scene-test: scene-program
+	ctest --preset scene
+
+picture: scene-program
+	folder=$$(mktemp -d) && QT_QPA_PLATFORM=offscreen build/scene/bin/nxscene --folder $$folder \
+	    --run examples/scene/scripts/sample.lua --run examples/scene/scripts/tidy.lua --picture docs/images/nxscene.png
 
 # QUICK=1: smaller inputs, under a minute. JSON=FOLDER: the files in it as well.
 bench: packages

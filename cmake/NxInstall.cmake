@@ -14,7 +14,7 @@ install(FILES ${PROJECT_BINARY_DIR}/nxSupportConfig.cmake ${PROJECT_BINARY_DIR}/
         DESTINATION ${folder})
 
 # The pages and the programs that they show, in the folders of the tree, since the pages link to each other.
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md PATTERN *.png)
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY packaging/host DESTINATION ${CMAKE_INSTALL_DOCDIR}/packaging)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN CMakeLists.txt EXCLUDE PATTERN *.expected EXCLUDE)
