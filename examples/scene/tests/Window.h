@@ -50,8 +50,11 @@ struct Window : testing::Test {
         editor.document().select(objects);
         settle();
     }
+    /// By its keys, if it has any.
     void run(char const* command) {
-        window.command(command)->trigger();
+        QAction* const action = window.command(command);
+        window.activateWindow();
+        action->shortcut().isEmpty() ? action->trigger() : QTest::keySequence(&window, action->shortcut());
         settle();
     }
     ur::vector<urString::CString> steps() { return editor.document().steps(); }

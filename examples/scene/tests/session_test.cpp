@@ -9,7 +9,14 @@ namespace {
 
 using nxSupport::Object;
 
-using Session = Window;
+struct Session : Window {
+    void printCost(int operations, double slowestFrame) {
+        auto& document = editor.document();
+        std::printf("%d operations: %zu objects, history %.1f KiB, cache %.1f MiB, slowest frame %.0f ms\n", operations,
+                    document.objectCount(), double(document.history().historyBytes()) / 1024,
+                    double(editor.cache().getMemoryUsed64()) / 1048576, slowestFrame);
+    }
+};
 
 int numberFrom(char const* variable, int usual) {
     return qEnvironmentVariableIntValue(variable) > 0 ? qEnvironmentVariableIntValue(variable) : usual;
@@ -62,11 +69,9 @@ TEST_F(Session, OfFiveHundredOperationsIsUndoneAndDoneAgain) {
         }
         worst = std::max(worst, view().frameMilliseconds());
         ASSERT_EQ(editor.cache().audit(), "") << i;
+        if (i % 100 == 99) printCost(i + 1, worst);
     }
     std::string const end = content(editor.document().root());
-    std::printf("500 operations: %zu steps, %zu objects, history %zu KiB, cache %.1f MiB, slowest frame %.1f ms\n",
-                steps().size(), editor.document().objectCount(), editor.document().history().historyBytes() / 1024,
-                double(editor.cache().getMemoryUsed64()) / 1048576, worst);
     std::size_t const done = editor.document().history().undoCount();
     ASSERT_GE(done, startSteps);
     ASSERT_TRUE(editor.document().undoTo(startSteps));
