@@ -121,7 +121,7 @@ void Editor::autosave() {
 bool Editor::recover() {
     auto const left = nxSupport::recoverable(folder_);
     if (left.empty() || !report(nxSupport::recover(document_, left.front().path))) return false;
-    recovered_ = std::string(left.front().path.asMultibyte());
+    recovered_ = left.front().path;
     path_ = std::string(left.front().name);
     messageSignal.emit("Recovered what the last session did not save");
     return true;

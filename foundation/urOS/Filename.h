@@ -36,6 +36,11 @@ public:
 
     [[nodiscard]] urString::IString const& text() const noexcept { return path_; }
     operator urString::IString const&() const noexcept { return path_; }
+    /// As `IString` gives it.
+    template <urString::FilePath Path>
+    operator Path() const {
+        return path_;
+    }
     [[nodiscard]] urString::CString asUTF8() const { return path_.asUTF8(); }
     /// The path in the system's bytes.
     [[nodiscard]] urString::CString asMultibyte() const { return path_.asMultibyte(); }

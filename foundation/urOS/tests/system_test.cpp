@@ -1,6 +1,7 @@
 // Tests memory streams, file names, identifiers, stopwatches and message outputs.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <set>
 #include <stdexcept>
 #include <string>
@@ -81,6 +82,7 @@ TEST(Filename, TakesPathsApartAndJoinsThem) {
     EXPECT_EQ(Filename::join("a/", "c").asUTF8(), "a/c");
     EXPECT_EQ(Filename::join("", "c").asUTF8(), "c");
     EXPECT_EQ(Filename::join("a", "/c").asUTF8(), "/c");
+    EXPECT_EQ(std::filesystem::path(Filename("a/b")), "a/b");
 }
 
 TEST(Uuid, WritesAndReadsItsText) {
