@@ -1,4 +1,4 @@
-// Checks the grammar of JSON, with comments, for reports.
+// Follows yajl through a text, and explains where it stops.
 #include "plst/impl/json/JsonInspector.h"
 
 #include <algorithm>
@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "plst/impl/json/JsonText.h"
+#include "plst/impl/json/YajlScan.h"
 
 namespace nxPLST::impl {
 namespace {
@@ -32,19 +32,6 @@ JsonLocation locate(std::string_view text, std::size_t offset) {
     return location;
 }
 
-/// The unescaped text of a key. Halves of surrogate pairs stay as they are spelled.
-urString::CString unescaped(std::string_view spelling) {
-    if (spelling.find('\\') == std::string_view::npos) return urString::CString(spelling);
-    std::string text;
-    char const* const end = spelling.data() + spelling.size();
-    for (char const* at = spelling.data(); at != end;) {
-        char const* const behind = *at == '\\' ? readEscape(at, end, text) : nullptr;
-        if (!behind) text += *at;
-        at = behind ? behind : at + 1;
-    }
-    return urString::CString(text);
-}
-
 bool isBare(std::string_view key) {
     return !key.empty() && std::all_of(key.begin(), key.end(), [](char c) {
         auto const byte = static_cast<unsigned char>(c);
@@ -64,7 +51,7 @@ template <class Frames>
 urString::CString pathTo(Frames const& frames) {
     std::string path;
     for (auto const& frame : frames) {
-        if (frame.isArray) {
+        if (frame.inside == Inside::array) {
             path += '[' + std::to_string(frame.index) + ']';
         } else {
             path += isBare(frame.key) ? "." : ".\"";
@@ -89,19 +76,20 @@ bool isRounded(std::string_view integer) {
 }  // namespace
 
 void JsonInspector::reportFault(JsonReport& report) {
-    report.reason = inspect() ? "not the JSON that is read here" : scanner_.reason;
+    static_cast<void>(YajlScan<JsonInspector>(*this).run(text_));
+    report.reason = passToFault() ? "not the JSON that is read here" : scanner_.reason;
     report.location = locate(text_, offset(scanner_.at));
     if (endedEarly_ && !frames_.empty()) {
         JsonLocation const start = locate(text_, offset(frames_.back().start));
-        report.reason =
-            urString::CString::format("the text ends inside the %s that begins at line %zu, column %zu",
-                                      frames_.back().isArray ? "array" : "object", start.line, start.column);
+        report.reason = urString::CString::format("the text ends inside the %s that begins at line %zu, column %zu",
+                                                  frames_.back().inside == Inside::array ? "array" : "object",
+                                                  start.line, start.column);
     }
 }
 
 void JsonInspector::reportLosses(JsonReport& report) {
     seeksLosses_ = true;
-    static_cast<void>(inspect());
+    static_cast<void>(YajlScan<JsonInspector>(*this).run(text_));
     std::sort(losses_.begin(), losses_.end(), before);
     JsonLocation location;
     for (JsonLoss& loss : losses_) {
@@ -112,87 +100,30 @@ void JsonInspector::reportLosses(JsonReport& report) {
     report.lossCount = lossCount_;
 }
 
-bool JsonInspector::inspect() {
-    if (text_.starts_with("\xEF\xBB\xBF")) return scanner_.fail("byte-order mark before the text");
-    bool valueComes = true;
-    do {
-        if (!scanner_.passSpace()) return false;
-        if (valueComes ? !passValue(valueComes) : !passBehindValue(valueComes)) return false;
-    } while (valueComes || !frames_.empty());
-    return scanner_.passSpace() && (scanner_.atEnd() || scanner_.fail("expected the end of the text"));
+// ---- What yajl reads
+
+void JsonInspector::key(ScannedText name) {
+    char const* start = tokenEnd_ - 1;  // the closing quote
+    auto const isEscaped = [&] {
+        char const* before = start;
+        while (before[-1] == '\\') --before;
+        return (start - before) % 2 != 0;
+    };
+    do --start;
+    while (*start != '"' || isEscaped());
+    frames_.back().key = {start + 1, tokenEnd_ - 1};
+    if (seeksLosses_) key_ = name.copy();
+    last_ = Last::key;
+    lastEnd_ = tokenEnd_;
 }
 
-/// Skips a scalar, or everything before the first value in a container.
-bool JsonInspector::passValue(bool& valueComes) {
-    char const first = scanner_.next();
-    if (first != '[' && first != '{') {
-        valueComes = false;
-        return passScalar();
-    }
+void JsonInspector::open(Inside inside) {
     addMember();
-    open(first == '[');
-    if (!scanner_.passSpace()) return false;
-    valueComes = scanner_.next() != (first == '[' ? ']' : '}');
-    return first == '[' || !valueComes || passKey("expected a key in quotes or '}'");
-}
-
-/// Skips the end of the innermost container, or everything before the next value in it.
-bool JsonInspector::passBehindValue(bool& valueComes) {
-    Frame& frame = frames_.back();
-    char const next = scanner_.next();
-    if (next == (frame.isArray ? ']' : '}')) {
-        close();
-        return true;
-    }
-    if (next != ',') return fail(frame.isArray ? "expected ',' or ']'" : "expected ',' or '}'");
-    ++scanner_.at;
-    ++frame.index;
-    valueComes = true;
-    return scanner_.passSpace() && (frame.isArray || passKey("expected a key in quotes"));
-}
-
-bool JsonInspector::passKey(char const* expected) {
-    if (scanner_.next() != '"') return fail(expected);
-    if (!scanner_.passText(frames_.back().key) || !scanner_.passSpace()) return false;
-    if (scanner_.next() != ':') return fail("expected ':'");
-    ++scanner_.at;
-    return true;
-}
-
-bool JsonInspector::passScalar() {
-    char const* const start = scanner_.at;
-    char const first = scanner_.next();
-    if (first == 'n') {
-        if (!scanner_.passWord("null")) return false;
-        addLoss(JsonLoss::Kind::nullValue, start);
-        return true;
-    }
-    addMember();
-    if (first == 't') return scanner_.passWord("true");
-    if (first == 'f') return scanner_.passWord("false");
-    if (first == '"') {
-        std::string_view text;
-        return scanner_.passText(text);
-    }
-    if (first != '-' && (first < '0' || first > '9')) return fail("expected a value");
-    bool isInteger = false;
-    if (!scanner_.passNumber(isInteger)) return false;
-    std::string_view const digits(start, static_cast<std::size_t>(scanner_.at - start));
-    if (isInteger && isRounded(digits)) addLoss(JsonLoss::Kind::roundedInteger, start);
-    return true;
-}
-
-/// Reports a fault between tokens.
-bool JsonInspector::fail(char const* expected) {
-    endedEarly_ = scanner_.atEnd();
-    return scanner_.fail(endedEarly_ ? "there is no value in the text" : expected);
-}
-
-void JsonInspector::open(bool isArray) {
     if (charge_ && frames_.size() == frames_.capacity())
         charge_->add(std::max<std::size_t>(frames_.size(), 1) * sizeof(Frame));
-    frames_.push_back({scanner_.at, isArray, members_.size()});
-    ++scanner_.at;
+    frames_.push_back({tokenEnd_ - 1, inside, members_.size()});
+    last_ = Last::opening;
+    lastEnd_ = tokenEnd_;
 }
 
 /// All but the last of the members with equal keys are lost.
@@ -206,12 +137,33 @@ void JsonInspector::close() {
     }
     members_.erase(first, members_.end());
     frames_.pop_back();
-    ++scanner_.at;
+    endValue();
+}
+
+void JsonInspector::addScalar() {
+    addMember();
+    endValue();
+}
+
+void JsonInspector::addNumber() {
+    char const* start = tokenEnd_;
+    while (start != text_.data() && std::string_view("0123456789.eE+-").find(start[-1]) != std::string_view::npos)
+        --start;
+    std::string_view const digits(start, tokenEnd_);
+    bool const isInteger = digits.find_first_of(".eE") == std::string_view::npos;
+    if (isInteger && isRounded(digits)) addLoss(JsonLoss::Kind::roundedInteger, start);
+    addScalar();
 }
 
 void JsonInspector::addMember() {
-    if (!seeksLosses_ || frames_.empty() || frames_.back().isArray) return;
-    members_.push_back({unescaped(frames_.back().key), frames_.back().key});
+    if (!seeksLosses_ || frames_.empty() || frames_.back().inside == Inside::array) return;
+    members_.push_back({std::move(key_), frames_.back().key});
+}
+
+void JsonInspector::endValue() noexcept {
+    if (!frames_.empty()) ++frames_.back().index;
+    last_ = Last::value;
+    lastEnd_ = tokenEnd_;
 }
 
 void JsonInspector::addLoss(JsonLoss::Kind kind, char const* start) {
@@ -224,6 +176,57 @@ void JsonInspector::addLoss(JsonLoss::Kind kind, char const* start) {
     if (!isFull) return;
     std::pop_heap(losses_.begin(), losses_.end(), before);
     losses_.pop_back();
+}
+
+// ---- The step to the fault
+
+bool JsonInspector::passToFault() {
+    if (text_.starts_with("\xEF\xBB\xBF")) return scanner_.fail("byte-order mark before the text");
+    scanner_.at = lastEnd_;
+    bool const isZero = last_ == Last::value && lastEnd_[-1] == '0';  // yajl ends a number there
+    if (isZero && isDigit(scanner_.next())) return scanner_.fail("a number must not begin with 0");
+    if (!scanner_.passSpace()) return false;
+    if (last_ == Last::value && frames_.empty())
+        return scanner_.atEnd() || scanner_.fail("expected the end of the text");
+    if (last_ == Last::key) {
+        if (scanner_.next() != ':') return fail("expected ':'");
+        ++scanner_.at;
+    } else if (last_ != Last::nothing && !passToChild()) {
+        return false;
+    }
+    return scanner_.passSpace() && passScalar();
+}
+
+/// Skips what is between the last value, or the beginning of a container, and the next value.
+bool JsonInspector::passToChild() {
+    bool const isArray = frames_.back().inside == Inside::array;
+    if (last_ == Last::opening) return isArray || passKey("expected a key in quotes or '}'");
+    if (scanner_.next() != ',') return fail(isArray ? "expected ',' or ']'" : "expected ',' or '}'");
+    ++scanner_.at;
+    return scanner_.passSpace() && (isArray || passKey("expected a key in quotes"));
+}
+
+/// Yajl has not accepted the key.
+bool JsonInspector::passKey(char const* expected) {
+    if (scanner_.next() != '"') return fail(expected);
+    return scanner_.passText();
+}
+
+/// Yajl has not accepted the value.
+bool JsonInspector::passScalar() {
+    switch (char const first = scanner_.next(); first) {
+        case 'n': return scanner_.passWord("null");
+        case 't': return scanner_.passWord("true");
+        case 'f': return scanner_.passWord("false");
+        case '"': return scanner_.passText();
+        default: return first == '-' || isDigit(first) ? scanner_.passNumber() : fail("expected a value");
+    }
+}
+
+/// Reports a fault between tokens.
+bool JsonInspector::fail(char const* expected) {
+    endedEarly_ = scanner_.atEnd();
+    return scanner_.fail(endedEarly_ ? "there is no value in the text" : expected);
 }
 
 }  // namespace nxPLST::impl

@@ -45,12 +45,10 @@ bool JsonScanner::passComment() noexcept {
     return true;
 }
 
-bool JsonScanner::passText(std::string_view& contents) noexcept {
-    char const* const first = ++at;
-    for (; !atEnd(); ++at) {
+bool JsonScanner::passText() noexcept {
+    for (++at; !atEnd(); ++at) {
         auto const byte = static_cast<unsigned char>(*at);
         if (byte == '"') {
-            contents = {first, static_cast<std::size_t>(at - first)};
             ++at;
             return true;
         }
@@ -89,13 +87,12 @@ bool JsonScanner::passUtf8() noexcept {
     return true;
 }
 
-bool JsonScanner::passNumber(bool& isInteger) noexcept {
+bool JsonScanner::passNumber() noexcept {
     char const* const first = at;
-    isInteger = true;
+    bool isInteger = true;
     if (next() == '-') ++at;
     if (next() == '0') {
         ++at;
-        if (isDigit(next())) return fail("a number must not begin with 0");
     } else if (!passDigits()) {
         return false;
     }

@@ -14,9 +14,8 @@ public:
     explicit JsonScanner(std::string_view text) noexcept : at(text.data()), end_(at + text.size()) {}
 
     bool passSpace() noexcept;
-    /// `contents` receives the bytes between the quotes, with escapes unchanged.
-    bool passText(std::string_view& contents) noexcept;
-    bool passNumber(bool& isInteger) noexcept;
+    bool passText() noexcept;
+    bool passNumber() noexcept;
     bool passWord(std::string_view word) noexcept;
 
     [[nodiscard]] bool atEnd() const noexcept { return at == end_; }

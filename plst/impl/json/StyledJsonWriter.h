@@ -15,8 +15,8 @@ class StyledJsonWriter {
 public:
     StyledJsonWriter(urString::CString& text, JsonStyle const& style);
 
-    /// False when the tree contains a number without a JSON form or a null that is refused, or shares too many items: the text then ends there.
-    /// Call it once.
+    /// False when the tree contains a number without a JSON form or a null that is refused, or shares too many items:
+    /// the text then ends there. Call it once.
     [[nodiscard]] bool write(Item const* root);
 
 private:

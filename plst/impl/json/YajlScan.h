@@ -42,7 +42,8 @@ private:
 };
 
 /// Passes yajl's reading of a text to a sink, as FastJsonScan does; comments allowed. A scalar may be alone; it then
-/// counts as inside an array.
+/// counts as inside an array. Before each call, a sink with `setEnd(std::size_t)` is given the position after the
+/// token.
 template <class Sink>
 class YajlScan {
 public:
@@ -51,11 +52,12 @@ public:
     /// False when yajl refuses the text. Call it once.
     bool run(std::string_view text) {
         YajlMemory memory;
-        yajl_handle const parser = yajl_alloc(&callbacks, memory.functions(), this);
-        yajl_config(parser, yajl_allow_comments, 1);
+        parser_ = yajl_alloc(&callbacks, memory.functions(), this);
+        yajl_config(parser_, yajl_allow_comments, 1);
         auto const* const bytes = reinterpret_cast<unsigned char const*>(text.data());
-        bool const ok =
-            yajl_parse(parser, bytes, text.size()) == yajl_status_ok && yajl_complete_parse(parser) == yajl_status_ok;
+        bool ok = yajl_parse(parser_, bytes, text.size()) == yajl_status_ok;
+        parsed_ = text.size();
+        ok = ok && yajl_complete_parse(parser_) == yajl_status_ok;
         if (failure_) std::rethrow_exception(failure_);
         return ok;
     }
@@ -92,6 +94,9 @@ private:
     static int guard(void* context, Tell tell) noexcept {
         auto& scan = *static_cast<YajlScan*>(context);
         try {
+            if constexpr (requires { scan.sink_.setEnd(std::size_t()); }) {
+                scan.sink_.setEnd(scan.parsed_ + yajl_get_bytes_consumed(scan.parser_));
+            }
             return tell(scan) ? 1 : 0;
         } catch (...) {
             scan.failure_ = std::current_exception();
@@ -151,6 +156,8 @@ private:
     };
 
     Sink& sink_;
+    yajl_handle parser_ = nullptr;
+    std::size_t parsed_ = 0;  ///< bytes that yajl had before those that it is parsing
     std::exception_ptr failure_;
 };
 
