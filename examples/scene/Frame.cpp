@@ -53,7 +53,11 @@ void Frame::add(Object const& object, AffineMatrix const& place) {
     Shim normals = shape.normals;
     if (!mesh) return;
     bool const isLatest = access<CompactMesh>(shape.meshes.back()) == mesh;
-    if (!wantsFull(object, *mesh, place)) {
+    auto const detail = object.get<std::string>("detail");
+    bool const isAutomatic = detail == "automatic";
+    bool const isHurried = isAutomatic && quality_ == Quality::quick && mesh->triangleCount() > quickTriangles;
+    isFull_ = isFull_ && !isHurried;
+    if (isHurried || detail == "simplified" || (isAutomatic && isDistant(shape, place))) {
         if (Mesh const small = access<CompactMesh>(shape.simplified)) {
             mesh = small;
             normals = shape.simplifiedNormals;
@@ -68,17 +72,11 @@ void Frame::add(Object const& object, AffineMatrix const& place) {
 }
 // [frame]
 
-bool Frame::wantsFull(Object const& object, CompactMesh const& mesh, AffineMatrix const& place) const {
-    auto const detail = object.get<std::string>("detail");
-    if (detail != "automatic") return detail == "full";
-    if (quality_ == Quality::quick && mesh.triangleCount() > quickTriangles) {
-        const_cast<Frame*>(this)->isFull_ = false;
-        return false;
-    }
-    auto const box = access<urGeom::BoundingBox>(editor_.shapes().of(object).bounds);
-    if (!box) return true;
+bool Frame::isDistant(Shape const& shape, AffineMatrix const& place) const {
+    auto const box = access<urGeom::BoundingBox>(shape.bounds);
+    if (!box) return false;
     auto const range = box->range().transformed(place);
-    return range.size().length() * rasterizer_.projection().scaleAt(range.center()) > distantPixels;
+    return range.size().length() * rasterizer_.projection().scaleAt(range.center()) < distantPixels;
 }
 
 std::size_t Frame::triangleCount() const {

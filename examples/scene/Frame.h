@@ -36,8 +36,7 @@ private:
     };
     void collect(nxSupport::Object const& object, urLinear::AffineMatrix const& place);
     void add(nxSupport::Object const& object, urLinear::AffineMatrix const& place);
-    [[nodiscard]] bool wantsFull(nxSupport::Object const& object, urGeom::CompactMesh const& mesh,
-                                 urLinear::AffineMatrix const& place) const;
+    [[nodiscard]] bool isDistant(Shape const& shape, urLinear::AffineMatrix const& place) const;
 
     Editor& editor_;
     Quality const quality_;

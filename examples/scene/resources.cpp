@@ -13,6 +13,8 @@ using urGeom::MeshAdjVertices;
 
 namespace {
 
+constexpr std::size_t mostAtOnce = 20000;  // triangles
+
 void writeAll(urOS::IOStream& stream, std::span<std::byte const> bytes) {
     static_cast<void>(stream.write(bytes.data(), bytes.size()));  // the cache counts what was written
 }
@@ -55,7 +57,7 @@ void readData(urOS::IOStream& stream, std::shared_ptr<CompactMesh const>& mesh) 
 }
 
 template <class T>
-int DerivedKey<T>::onCompare(KeyData const* other) const {
+int DerivedKey<T>::onCompare(urKRCache::KeyData const* other) const {
     auto const identity = [](Recipe const& r) {
         auto const& c = r.dab.centre;
         return std::tuple(r.kind, r.source.get(), r.second.get(), c.x, c.y, c.z, r.dab.radius, r.dab.strength);
@@ -67,24 +69,24 @@ int DerivedKey<T>::onCompare(KeyData const* other) const {
 
 // [recipes]
 template <class T>
-auto DerivedKey<T>::prepare(std::size_t& triangles) const -> Make {
+auto DerivedKey<T>::prepare() const -> typename JobKey<T>::Work {
     Mesh const mesh = access<CompactMesh>(recipe_.source);
     if (!mesh) return {};
-    triangles = mesh->triangleCount();
+    std::string const name = mesh->triangleCount() > mostAtOnce ? "Preparing" : "";
     if constexpr (std::is_same_v<T, MeshAdjVertices>) {
-        return [mesh] { return std::make_shared<MeshAdjVertices const>(*mesh); };
+        return {name, [mesh](auto*) { return std::make_shared<MeshAdjVertices const>(*mesh); }};
     } else if constexpr (std::is_same_v<T, Normals>) {
-        return [mesh] { return std::make_shared<Normals const>(normalsOf(*mesh)); };
+        return {name, [mesh](auto*) { return std::make_shared<Normals const>(normalsOf(*mesh)); }};
     } else if constexpr (std::is_same_v<T, BoundingBox>) {
-        return [mesh] { return std::make_shared<BoundingBox const>(mesh->bounds()); };
+        return {name, [mesh](auto*) { return std::make_shared<BoundingBox const>(mesh->bounds()); }};
     } else if constexpr (std::is_same_v<T, Picture>) {
-        return [mesh] { return std::make_shared<Picture const>(thumbnailOf(*mesh)); };
+        return {name, [mesh](auto*) { return std::make_shared<Picture const>(thumbnailOf(*mesh)); }};
     } else if (recipe_.kind == Recipe::Kind::simplified) {
-        return [mesh] { return simplified(*mesh, 48); };
+        return {name, [mesh](auto*) { return simplified(*mesh, 48); }};
     } else {
         auto const neighbours = access<MeshAdjVertices>(recipe_.second);
         if (!neighbours) return {};
-        return [mesh, neighbours, dab = recipe_.dab] { return smoothed(*mesh, *neighbours, dab); };
+        return {name, [mesh, neighbours, dab = recipe_.dab](auto*) { return smoothed(*mesh, *neighbours, dab); }};
     }
 }
 // [recipes]
@@ -95,21 +97,11 @@ template class DerivedKey<Normals>;
 template class DerivedKey<BoundingBox>;
 template class DerivedKey<Picture>;
 
-ur::Reference<urKRCache::Resource> FileKey::onCreateResource() const {
-    if (made_) return ur::make<Shared<CompactMesh>>(std::exchange(made_, nullptr));
-    if (path_.empty() || std::exchange(isBusy_, true)) return nullptr;
-    auto const result = std::make_shared<Mesh>();
-    ur::Reference<FileKey const> const self(this);
-    jobs_.add(
-        path_,
-        [path = path_, result](nxSupport::Job& job) {
-            *result = readMesh(path, [&job](double part) { return job.setProgress(part), !job.isCancelled(); });
-        },
-        [self, result](nxSupport::Job const&) {
-            self->isBusy_ = !*result;  // failed or cancelled: it stays away
-            self->made_ = std::move(*result);
-        });
-    return nullptr;
+auto FileKey::prepare() const -> Work {
+    if (path_.empty()) return {};
+    return {path_, [path = path_](nxSupport::Job* job) {
+                return readMesh(path, [job](double part) { return job->setProgress(part), !job->isCancelled(); });
+            }};
 }
 
 }  // namespace scene

@@ -77,74 +77,82 @@ struct Recipe {
     Dab dab = {};      ///< of a smoothed mesh
 };
 
-// [derived]
-/// Builds a resource from others: at once if they are small, otherwise on a worker; until then there is none.
+// [key]
+/// A key whose data a worker makes. Until that has ended there is no resource, and what is drawn does without it.
 template <class T>
-class DerivedKey final : public urKRCache::KeyData {
+class JobKey : public urKRCache::KeyData {
 public:
-    DerivedKey(nxSupport::JobQueue& jobs, Recipe recipe) : jobs_(jobs), recipe_(std::move(recipe)) {}
+    using Data = std::shared_ptr<T const>;
+
+    /// Takes data that was made already.
+    void provide(Data data) const { made_ = std::move(data); }
+
+protected:
+    struct Work {
+        std::string name;                                ///< shown to the user; empty for work that is done at once
+        std::function<Data(nxSupport::Job*)> make = {};  ///< for any thread; null if a source is missing
+    };
+
+    explicit JobKey(nxSupport::JobQueue& jobs) : jobs_(jobs) {}
+    [[nodiscard]] virtual Work prepare() const = 0;
 
 private:
-    using Data = std::shared_ptr<T const>;
-    using Make = std::function<Data()>;  // for any thread
+    ur::Reference<urKRCache::Resource> onCreateResource() const override {
+        if (made_) return ur::make<Shared<T>>(std::exchange(made_, nullptr));
+        Work const work = isAway_ ? Work() : prepare();
+        if (!work.make) return nullptr;
+        if (work.name.empty()) return ur::make<Shared<T>>(work.make(nullptr));
+        isAway_ = true;
+        auto const result = std::make_shared<Data>();
+        ur::Reference<JobKey const> const self(this);
+        jobs_.add(
+            work.name, [make = work.make, result](nxSupport::Job& job) { *result = make(&job); },
+            [self, result](nxSupport::Job const& job) {
+                self->isAway_ = job.failed() || job.isCancelled();  // not tried again
+                self->made_ = std::move(*result);
+            });
+        return nullptr;
+    }
 
+    nxSupport::JobQueue& jobs_;
+    mutable Data made_;
+    mutable bool isAway_ = false;  ///< a worker makes it, or could not
+};
+// [key]
+
+/// Builds a resource from others: at once if they are small.
+template <class T>
+class DerivedKey final : public JobKey<T> {
+public:
+    DerivedKey(nxSupport::JobQueue& jobs, Recipe recipe) : JobKey<T>(jobs), recipe_(std::move(recipe)) {}
+
+private:
     void onVisitSubKeys(urKRCache::KeyVisitor& visitor) const override {
         visitor.visit(recipe_.source.get());
         if (recipe_.second) visitor.visit(recipe_.second.get());
     }
-    ur::Reference<urKRCache::Resource> onCreateResource() const override {
-        if (made_) return ur::make<Shared<T>>(std::exchange(made_, nullptr));
-        if (isBusy_) return nullptr;
-        std::size_t triangles = 0;
-        Make const make = prepare(triangles);
-        if (!make) return nullptr;
-        if (triangles <= mostAtOnce) return ur::make<Shared<T>>(make());
-        isBusy_ = true;
-        auto const result = std::make_shared<Data>();
-        ur::Reference<DerivedKey const> const self(this);
-        jobs_.add(
-            "Preparing", [make, result](nxSupport::Job&) { *result = make(); },
-            [self, result](nxSupport::Job const&) {
-                self->made_ = std::move(*result);
-                self->isBusy_ = false;
-            });
-        return nullptr;
-    }
-    // [derived]
     int onCompare(urKRCache::KeyData const* other) const override;
     unsigned onHash() const override {
-        return getTypeHash() ^ static_cast<unsigned>(std::hash<urKRCache::Shim*>()(recipe_.source.get()));
+        return this->getTypeHash() ^ static_cast<unsigned>(std::hash<urKRCache::Shim*>()(recipe_.source.get()));
     }
-    /// Empty while a source is missing.
-    Make prepare(std::size_t& triangles) const;
+    typename JobKey<T>::Work prepare() const override;
 
-    static constexpr std::size_t mostAtOnce = 20000;
-
-    nxSupport::JobQueue& jobs_;
     Recipe const recipe_;
-    mutable Data made_;
-    mutable bool isBusy_ = false;
 };
 
-/// The mesh of a file. A worker reads it when it is first needed; failures are reported once.
-class FileKey final : public urKRCache::KeyData {
+/// The mesh of a file.
+class FileKey final : public JobKey<urGeom::CompactMesh> {
 public:
-    FileKey(nxSupport::JobQueue& jobs, std::string path) : jobs_(jobs), path_(std::move(path)) {}
-
-    /// Takes a mesh that was read already.
-    void provide(Mesh mesh) const { made_ = std::move(mesh); }
+    FileKey(nxSupport::JobQueue& jobs, std::string path) : JobKey(jobs), path_(std::move(path)) {}
 
 private:
     int onCompare(KeyData const* other) const override {
         return path_.compare(static_cast<FileKey const*>(other)->path_);
     }
     unsigned onHash() const override { return getTypeHash() ^ ur::hashfunction(path_); }
-    ur::Reference<urKRCache::Resource> onCreateResource() const override;
+    Work prepare() const override;
 
-    nxSupport::JobQueue& jobs_;
     std::string const path_;
-    mutable Mesh made_;
-    mutable bool isBusy_ = false;  ///< or has failed
 };
 
 }  // namespace scene
