@@ -7,7 +7,7 @@ export DESTDIR
 
 preset = cmake --preset $(1) $(2) && cmake --build --preset $(1)
 
-.PHONY: run test check scene scene-program scene-test picture bench asan tsan clang windows valgrind fuzz soak coverage docs reference ratios install debian try-debian abi format clean packages
+.PHONY: run test check scene scene-program scene-test picture bench count asan tsan clang windows valgrind fuzz soak coverage docs reference ratios install debian try-debian abi format clean packages
 .DEFAULT_GOAL := run
 
 packages:
@@ -49,6 +49,12 @@ bench: packages
 	$(call preset,bench)
 	build/bench/bin/nxbench $(if $(filter-out 0,$(QUICK)),--quick) $(if $(JSON),--files $(JSON)) \
 		--json build/bench/ratios.json
+
+# The instructions of rows with a name such as json-read, counted by callgrind: make count ROWS="json-read tree-copy".
+count: packages
+	@packaging/install-packages bench valgrind
+	$(call preset,bench)
+	bench/count $(if $(JSON),--files $(JSON)) build/bench/bin/nxbench $(ROWS)
 
 asan tsan: packages
 	$(call preset,$@) --target all fuzzers

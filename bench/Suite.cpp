@@ -70,8 +70,11 @@ void print(Row const& row, Unit unit) {
 }  // namespace
 
 void Suite::compare(std::string const& name, double target, std::function<Sides()> const& prepare, Unit unit) {
-    if (name.find(options_.filter) == std::string::npos) return;
+    if (options_.side >= 0 ? name != options_.filter : name.find(options_.filter) == std::string::npos) return;
+    isEmpty_ = false;
+    if (options_.list) return static_cast<void>(std::puts(name.c_str()));
     Sides const sides = prepare();
+    if (options_.side >= 0) return countSide(name, sides);
     std::vector<Measured> const costs = interleaved(sides, options_.quick, unit);
     std::size_t best = 1;
     for (std::size_t i = 2; i < sides.size(); ++i) {
@@ -93,6 +96,17 @@ void Suite::compareGrowth(std::string const& subject, std::size_t least,
             return Sides{{subject, [=] { return work(n); }}, {"n log n", [=] { return factor * work(n / 10); }}};
         });
     }
+}
+
+/// The first run brings caches and pools into the state that they keep.
+void Suite::countSide(std::string const& name, Sides const& sides) {
+    auto const side = static_cast<std::size_t>(options_.side);
+    if (side >= sides.size()) return;
+    sides[side].measure();
+    isCounting = true;
+    sides[side].measure();
+    isCounting = false;
+    std::printf("%s\t%s\n", name.c_str(), sides[side].name.c_str());
 }
 
 bool Suite::allMet() const {

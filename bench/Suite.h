@@ -7,6 +7,12 @@
 #include <string>
 #include <vector>
 
+#if __has_include(<valgrind/callgrind.h>)
+#include <valgrind/callgrind.h>
+#else
+#define CALLGRIND_TOGGLE_COLLECT
+#endif
+
 namespace bench {
 
 /// One way of doing the task. `measure` does it once and returns its cost: seconds, or bytes in rows about memory.
@@ -15,11 +21,16 @@ struct Side {
     std::function<double()> measure;
 };
 
+/// While true, valgrind counts the instructions in `seconds`: see bench/count.
+inline bool isCounting = false;
+
 /// The time that `work` takes, in seconds.
 template <class Work>
 double seconds(Work&& work) {
     auto const start = std::chrono::steady_clock::now();
+    if (isCounting) CALLGRIND_TOGGLE_COLLECT;
     work();
+    if (isCounting) CALLGRIND_TOGGLE_COLLECT;
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
@@ -59,6 +70,8 @@ public:
         std::string filter;    // only rows whose names contain it
         std::string jsonFile;  // the file for `writeJson`; empty for none
         std::string folder;    // of further JSON files to read, write and copy; empty for none
+        bool list = false;     // only prints the names of the rows
+        int side = -1;         // measures only this side of the row named by `filter`, once, for bench/count
     };
 
     explicit Suite(Options options) : options_(std::move(options)) {}
@@ -78,13 +91,16 @@ public:
     [[nodiscard]] int scaled(int full) const { return options_.quick ? (full + 9) / 10 : full; }
 
     /// Whether no row has run, because no name contains the filter's text.
-    [[nodiscard]] bool empty() const { return rows_.empty(); }
+    [[nodiscard]] bool empty() const { return isEmpty_; }
     [[nodiscard]] bool allMet() const;
     /// False if the file could not be written.
     [[nodiscard]] bool writeJson() const;
 
 private:
+    void countSide(std::string const& name, Sides const& sides);
+
     Options options_;
+    bool isEmpty_ = true;
     std::vector<Row> rows_;
 };
 

@@ -1,5 +1,6 @@
 // The benchmark program: prints one line per row; exits with 1 if a target is missed.
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "bench/Suite.h"
@@ -14,11 +15,16 @@ int main(int argc, char** argv) {
             options.jsonFile = argv[++i];
         } else if (std::strcmp(argv[i], "--files") == 0 && i + 1 < argc) {
             options.folder = argv[++i];
+        } else if (std::strcmp(argv[i], "--list") == 0) {
+            options.list = true;
+        } else if (std::strcmp(argv[i], "--side") == 0 && i + 1 < argc) {
+            options.side = std::atoi(argv[++i]);
         } else if (argv[i][0] != '-') {
             options.filter = argv[i];
         } else {
             std::fprintf(stderr, "nxbench: %s is no option, or lacks its FILE or FOLDER\n", argv[i]);
-            std::fprintf(stderr, "usage: nxbench [--quick] [--json FILE] [--files FOLDER] [PART OF THE ROWS' NAMES]\n");
+            std::fprintf(
+                stderr, "usage: nxbench [--quick] [--json FILE] [--files FOLDER] [--list] [PART OF THE ROWS' NAMES]\n");
             return 2;
         }
     }
