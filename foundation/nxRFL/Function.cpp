@@ -44,6 +44,18 @@ void Function::setParameters(std::initializer_list<Parameter> parameters) {
 void Function::onSetParameters(std::span<Parameter const> parameters) {
     if (!signature_.empty()) requireArguments(parameters.size(), mostArguments());
     parameters_ = std::make_shared<ur::vector<Parameter>>(parameters.begin(), parameters.end());
+    if (!signature_.empty()) requireDefaultsAtTheEnd();
+}
+
+void Function::requireDefaultsAtTheEnd() const {
+    auto const named = parameters();
+    for (std::size_t i = 0; i < named.size(); ++i) {
+        if (named[i].without && !mayOmit(i)) failDefault(named[i], "comes before an argument without one");
+    }
+}
+
+void Function::failDefault(Parameter const& parameter, CString const& reason) const {
+    throw Exception(describe().append(": the default of ").append(parameter.name).append(" ").append(reason));
 }
 
 void Function::requireArguments(std::size_t names, std::size_t most) const {
@@ -60,8 +72,18 @@ std::span<Parameter const> Function::parameters() const noexcept {
 unsigned Function::leastOf(unsigned most) const noexcept {
     std::size_t const object = isMethod_ ? 1 : 0;
     auto const named = parameters();
-    while (most > object && most - object <= named.size() && named[most - object - 1].without) --most;
+    std::size_t const firstOptional = most - optionals_;
+    auto const mayGo = [&](std::size_t argument) {
+        bool const hasDefault = argument - object < named.size() && named[argument - object].without;
+        return hasDefault || argument >= firstOptional;
+    };
+    while (most > object && mayGo(most - 1)) --most;
     return most;
+}
+
+bool Function::mayOmit(std::size_t argument) const noexcept {
+    if (signature_.empty()) return argument < parameters().size() && parameters()[argument].without;
+    return argument + (isMethod_ ? 1 : 0) >= leastOf(static_cast<unsigned>(signature_.size()) - 1);
 }
 
 bool Function::takes(unsigned arguments) const noexcept {
@@ -73,12 +95,14 @@ void Function::callWithDefaults(Stack const& arguments, Stack& results) const {
     std::size_t const object = isMethod_ ? 1 : 0;
     auto const named = parameters();
     if (signature_.empty() || arguments.size() < object || !takes(arguments.size()) ||
-        arguments.size() - object >= named.size()) {
+        arguments.size() - object >= mostArguments()) {
         return onCall(arguments, results);
     }
     Stack all(arguments);
     Writer writer(all);
-    for (Parameter const& parameter : named.subspan(arguments.size() - object)) writer.writeItem(*parameter.without);
+    for (std::size_t i = arguments.size() - object; i < mostArguments(); ++i) {
+        i < named.size() && named[i].without ? writer.writeItem(*named[i].without) : writer.writeNull();
+    }
     onCall(all, results);
 }
 

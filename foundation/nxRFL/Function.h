@@ -1,6 +1,8 @@
 // A reflected callable: a native or a script function.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -34,7 +36,7 @@ public:
     /// callback for which it got nil, this raises an `Exception` that names the argument.
     void call(Stack const& arguments, Stack& results) const {
         try {
-            parameters_ ? callWithDefaults(arguments, results) : onCall(arguments, results);
+            parameters_ || optionals_ > 0 ? callWithDefaults(arguments, results) : onCall(arguments, results);
         } catch (std::bad_function_call const&) {
             failOnNullCallback(arguments);
         }
@@ -65,11 +67,15 @@ public:
     [[nodiscard]] bool givesSeveral() const noexcept;
     void setSignature(ur::vector<urString::CString> signature) noexcept { signature_ = std::move(signature); }
     /// Names the first or all arguments, without the object of a method. Arguments at the end may have defaults for
-    /// calls that omit them. Raises when there are more names than arguments.
+    /// calls that omit them. Raises when there are more names than arguments, when a default comes before an argument
+    /// without one, and for a default of another type than its argument.
     void setParameters(std::initializer_list<Parameter> parameters);
     void setParameters(std::span<Parameter const> parameters) { onSetParameters(parameters); }
     /// Empty when the arguments have no names.
     [[nodiscard]] std::span<Parameter const> parameters() const noexcept;
+    /// Whether calls may omit that argument, counted from 0 without the object: it has a default, or is a
+    /// `std::optional`, and so are all after it.
+    [[nodiscard]] bool mayOmit(std::size_t argument) const noexcept;
     /// The functions among which a call chooses; empty for any other function.
     [[nodiscard]] virtual std::span<ur::Reference<Function> const> overloads() const noexcept { return {}; }
     /// The most arguments of a call, without the object. Requires: a known signature.
@@ -85,16 +91,22 @@ protected:
     /// Raises unless the function has `names` arguments at least, when it has `most`.
     void requireArguments(std::size_t names, std::size_t most) const;
     void setTakesPlainValues() noexcept { takesPlainValues_ = true; }
+    /// The last arguments are `std::optional`: calls that omit them pass none.
+    void setOptionals(std::size_t count) noexcept { optionals_ = static_cast<std::uint32_t>(count); }
+    /// Raises an `Exception` about the default of a parameter.
+    [[noreturn]] void failDefault(Parameter const& parameter, urString::CString const& reason) const;
 
 private:
     [[noreturn]] void failArity(Stack const& arguments, unsigned count) const;
     [[noreturn]] void failOnNullCallback(Stack const& arguments) const;
     void callWithDefaults(Stack const& arguments, Stack& results) const;
     [[nodiscard]] unsigned leastOf(unsigned most) const noexcept;
+    void requireDefaultsAtTheEnd() const;
 
     Database* database_;
     bool isMethod_;
     bool takesPlainValues_ = false;
+    std::uint32_t optionals_ = 0;  ///< the number of arguments at the end that are optional by their types
     urString::CString name_;
     ur::vector<urString::CString> signature_;
     std::shared_ptr<ur::vector<Parameter> const> parameters_;  ///< null when the arguments have no names

@@ -1,7 +1,9 @@
 // Wraps native callables as reflected functions; their C++ signature is the reflected one.
 #pragma once
 
+#include <optional>
 #include <tuple>
+#include <type_traits>
 
 #include "foundation/nxRFL/Overloads.h"
 #include "foundation/nxRFL/Parameter.h"
@@ -86,6 +88,11 @@ auto readArgument(Reader& reader) {
     }
 }
 
+template <class T>
+inline constexpr bool isOptional = false;
+template <class T>
+inline constexpr bool isOptional<std::optional<T>> = true;
+
 template <class Parameter, class Held>
 decltype(auto) pass(Held& held) {
     if constexpr (std::is_lvalue_reference_v<Parameter>) {
@@ -110,9 +117,30 @@ public:
         : Function(&database, method), callable_(std::move(callable)) {
         setSignature({typeName<Result>(database), typeName<Parameters>(database)...});
         if constexpr (isPlain) setTakesPlainValues();
+        std::size_t optionals = 0;
+        ((optionals = impl::isOptional<std::remove_cvref_t<Parameters>> ? optionals + 1 : 0), ...);
+        setOptionals(optionals);
     }
 
 private:
+    void onSetParameters(std::span<Parameter const> named) override {
+        Function::onSetParameters(named);
+        std::size_t next = isMethod() ? std::size_t(-1) : 0;  // a method's object has no name
+        (checkDefault<Parameters>(named, next++), ...);
+    }
+    template <class T>
+    void checkDefault(std::span<Parameter const> named, std::size_t index) const {
+        if (index >= named.size() || !named[index].without) return;
+        Reader reader(*named[index].without);
+        try {
+            static_cast<void>(impl::readArgument<T>(reader));
+        } catch (Exception const& exception) {
+            urString::CString const what = exception.what();  // "argument 1 must be number, but is string"
+            std::size_t const must = what.find("must");
+            failDefault(named[index], must == urString::CString::npos ? what : what.substr(must));
+        }
+    }
+
     static constexpr bool isPlain = impl::plainResult<Result> && (impl::PlainParameter<Parameters>::exists && ...);
 
     void onCall(Stack const& arguments, Stack& results) const override {

@@ -31,7 +31,7 @@ void appendCall(CString& text, CString const& name, Function const& function) {
     auto const named = function.parameters();
     for (std::size_t i = 0; i < types.size(); ++i) {
         text.append(separator);
-        if (i < named.size()) text.append(named[i].name).append(named[i].without ? "?: " : ": ");
+        if (i < named.size()) text.append(named[i].name).append(function.mayOmit(i) ? "?: " : ": ");
         text.append(types[i]);
         separator = ", ";
     }

@@ -79,8 +79,9 @@ void writeSignature(JsonText& json, char const* key, Function const& function) {
 void writeParameters(JsonText& json, Function const& function) {
     if (function.parameters().empty()) return;
     json.key("parameters").open('[');
+    std::size_t index = 0;
     for (Parameter const& parameter : function.parameters()) {
-        json.open('{').key("name").string(parameter.name).key("optional").boolean(parameter.without != nullptr);
+        json.open('{').key("name").string(parameter.name).key("optional").boolean(function.mayOmit(index++));
         json.close('}');
     }
     json.close(']');

@@ -33,7 +33,7 @@ void forEachParameter(Function const& function, Visit visit) {
     for (std::size_t i = 0; i < types.size(); ++i) {
         bool const isNamed = i < named.size();
         visit(isNamed ? named[i].name : CString::format("argument%d", static_cast<int>(i) + 1),
-              isNamed && named[i].without, annotation(types[i]));
+              function.mayOmit(i), annotation(types[i]));
     }
 }
 

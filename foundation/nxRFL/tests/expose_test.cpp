@@ -147,6 +147,26 @@ TEST_F(Exposed, NamesParametersFillsInWhatIsLeftOutAndChoosesByTheNumberOfArgume
     EXPECT_EQ(messageOf(inTable("studio", "both")), "studio.both has no form with 0 arguments");
 }
 
+TEST_F(Exposed, OmitsOptionalsAtTheEndAndRefusesDefaultsThatDoNotFit) {
+    ExposeFunction table(database, "studio");
+    auto const count = [](std::string const& name, std::optional<double> const& times, std::optional<bool> loud) {
+        return name + std::to_string(times.value_or(1)).substr(0, 1) + (loud.value_or(false) ? "!" : "");
+    };
+    table.add("count", count).add("named", count, {"name", {"times", 2.0}});
+    EXPECT_EQ(Reader(call(inTable("studio", "count"), "a")).readText(), "a1");
+    EXPECT_EQ(Reader(call(inTable("studio", "count"), "a", 3, true)).readText(), "a3!");
+    EXPECT_EQ(Reader(call(inTable("studio", "named"), "a")).readText(), "a2");
+    EXPECT_EQ(messageOf(inTable("studio", "count")), "studio.count takes 1 to 3 arguments, but got 0");
+    EXPECT_FALSE(inTable("studio", "count")->mayOmit(0));
+    EXPECT_TRUE(inTable("studio", "count")->mayOmit(1));
+
+    auto const two = [](double a, double b) { return a + b; };
+    EXPECT_EQ(messageOfCall([&] { table.add("wrong", two, {"a", {"b", "text"}}); }),
+              "studio.wrong: the default of b must be number, but is string");
+    EXPECT_EQ(messageOfCall([&] { table.add("middle", two, {{"a", 1.0}, "b"}); }),
+              "studio.middle: the default of a comes before an argument without one");
+}
+
 TEST_F(Exposed, GivesEachFormTheNamesAndDefaultsItHasParametersFor) {
     auto const line = nxRFL::overloads([](double x) { return x; }, [](double x, double y) { return x * y; },
                                        [](double x, double y, std::string const&, double) { return x + y; });
