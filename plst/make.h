@@ -1,6 +1,7 @@
 // Builds trees of items in place, and reads values from them.
 #pragma once
 
+#include <algorithm>
 #include <concepts>
 #include <cstddef>
 #include <initializer_list>
@@ -13,6 +14,12 @@
 
 namespace nxPLST {
 
+namespace impl {
+
+inline bool isText(ur::Reference<Item> const& item) { return item && item->type() == StringType; }
+
+}  // namespace impl
+
 /// A new item for a value. Null when the value has no item form: an integer beyond 2^53 that is no double, an
 /// enumeration value without a name, or whatever contains one.
 template <class T>
@@ -20,7 +27,10 @@ template <class T>
     return impl::converted(value);
 }
 
-/// Anything that can become an item: a value of a type with a shape, an item, or values in braces, which form an array.
+/// Anything that can become an item: a value of a type with a shape, an item, or values in braces.
+///
+/// Values in braces form an array. If each of them is itself a pair in braces whose first value is a text, they form a
+/// dictionary: `{{"x", 1}, {"y", 2}}`; write `array({...})` for an array of such pairs.
 class Value {
 public:
     template <class T>
@@ -37,8 +47,11 @@ public:
     [[nodiscard]] bool hasItemForm() const noexcept { return hasItemForm_; }
 
 private:
+    inline static ur::Reference<Item> ofBraces(std::initializer_list<Value> elements);
+
     ur::Reference<Item> item_;
     bool hasItemForm_ = true;
+    bool isMember_ = false;  ///< a pair in braces, the first a text
 };
 
 /// A new array of these elements; items are shared, not copied. Null when one has no item form.
@@ -64,7 +77,23 @@ private:
     return result;
 }
 
-inline Value::Value(std::initializer_list<Value> elements) : item_(array(elements)), hasItemForm_(!item_.null()) {}
+inline Value::Value(std::initializer_list<Value> elements)
+    : item_(ofBraces(elements)),
+      hasItemForm_(!item_.null()),
+      isMember_(elements.size() == 2 && impl::isText(elements.begin()->item())) {}
+
+inline ur::Reference<Item> Value::ofBraces(std::initializer_list<Value> elements) {
+    auto all = array(elements);
+    bool const areMembers =
+        all && elements.size() > 0 && std::ranges::all_of(elements, [](Value const& value) { return value.isMember_; });
+    if (!areMembers) return all;
+    auto members = ur::make<Dictionary>();
+    for (auto const& pair : all->array()) {
+        auto const& both = static_cast<Array const&>(*pair).array();
+        if (both[1]) members->insert(static_cast<String const&>(*both[0]).value(), both[1]);
+    }
+    return members;
+}
 
 namespace impl {
 

@@ -44,14 +44,16 @@ TEST(Trees, AreMadeInPlace) {
                                   {"size", 1.5},
                                   {"at", {1, 2, 3}},
                                   {"tags", {"a", std::string("b"), urString::CString("c")}},
-                                  {"drawer", dictionary({{"open", true}})},
+                                  {"drawer", {{"open", true}, {"at", {{"x", 1}, {"y", nullptr}}}}},
+                                  {"pairs", array({{"a", 1}})},
                                   {"absent", nullptr},
                                   {"shared", shared}});
     desk->insert("more", array({}));
     desk->insert(std::string("count"), 2);
     asArray(desk->find("more"))->insert("text");
-    EXPECT_EQ(printed(desk), R"({"at":[1,2,3],"count":2,"drawer":{"open":true},"more":["text"],"name":"desk",)"
-                             R"("shared":7,"size":1.5,"tags":["a","b","c"]})");
+    EXPECT_EQ(printed(desk),
+              R"({"at":[1,2,3],"count":2,"drawer":{"at":{"x":1},"open":true},"more":["text"],"name":"desk",)"
+              R"("pairs":[["a",1]],"shared":7,"size":1.5,"tags":["a","b","c"]})");
     EXPECT_EQ(desk->find("shared"), shared);
     std::string_view const key = "count and more";
     for (auto const& found : {desk->get("count"), desk->get(std::string("count")), desk->find(key.substr(0, 5)),
