@@ -3,20 +3,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <list>
-#include <map>
 #include <utility>
 
 #include "krcache/tests/TestKeys.h"
 
 namespace urKRCache::test {
-
-/// The second class of keys; their resources are not resident.
-struct ElsewhereKey : Key {
-    using Key::Key;
-    bool isResidential() const override { return false; }
-};
 
 /// The expected behaviour of a manager, without graphs, tables or files: arrays, a list, and recursion.
 struct PlainCache {
@@ -24,67 +16,51 @@ struct PlainCache {
     static constexpr unsigned payloadSize = 8;
     enum class State { absent, memory, paged };
     struct Entry {
-        bool exists = false, isWeak = false, isSerializable = false, isHot = false, isRemoving = false;
+        bool exists = false, isWeak = false, isSerializable = false, isRemoving = false;
         State state = State::absent;
         int locks = 0, builds = 0, held = 0, references = 0;
-        unsigned size = 0;   ///< as last reported
-        unsigned bytes = 0;  ///< of the resource, now
-        std::vector<int> children, parents;
+        unsigned expected = 0;  ///< as last reported
+        unsigned bytes = 0;     ///< of the resource, now
+        std::vector<int> children{}, parents{};
     };
 
     /// The size of the n-th resource that a key builds; `Key::none` if it builds none.
     static unsigned sizeOf(int key, int build) {
         unsigned const hash = static_cast<unsigned>(key * 7919 + build * 104729) * 2654435761U >> 8;
         if (hash % 11 == 0) return Key::none;
-        if (hash % 7 == 0) return 524'000 + hash % 3000;
         return hash % 5 == 0 ? hash % 16 : hash % 6000;
     }
-
     static unsigned expectedSize(int key) { return key % 3 == 0 ? 3000U + static_cast<unsigned>(key) * 50 : 0; }
 
     void create(int key, bool isWeak, std::vector<int> const& children) {
-        entries[key] = Entry();
-        entries[key].exists = true, entries[key].isWeak = isWeak, entries[key].children = children;
-        entries[key].size = expectedSize(key);
+        entries[key] = {.exists = true, .isWeak = isWeak, .expected = expectedSize(key), .children = children};
         for (int const child : children) ++entries[child].references, entries[child].parents.push_back(key);
         for (int const child : children) unref(child);
     }
     bool access(int key) {
         Entry& entry = entries[key];
-        if (entry.state == State::memory) {
-            if (entry.locks == 0) lru.remove(key), lru.push_back(key);
-        } else {
-            makeSpace(entry.size);
+        if (entry.state != State::memory) {
+            makeSpace(entry.expected);
             unsigned const size = entry.state == State::paged ? entry.bytes : sizeOf(key, ++entry.builds);
             if (size == Key::none) return false;
             put(key, size);
+        } else if (entry.locks == 0) {
+            lru.remove(key), lru.push_back(key);
         }
-        if (inInteraction && !entry.isHot) entry.isHot = true, addHot(entry.size);
         return entry.state != State::absent;
     }
     void lock(int key) {
-        Entry& entry = entries[key];
-        if (++entry.locks > 1 || entry.state != State::memory) return;
-        lru.remove(key);
-        addLocked(entry.size);
-        if (maxLocked + 1048576 > limit) say("Locked resources too large for size limit!\n"), sayUsage();
+        if (++entries[key].locks == 1) lru.remove(key);
     }
     void unlock(int key) {
         Entry& entry = entries[key];
-        if (entry.locks == 0 || --entry.locks > 0 || entry.state != State::memory) return;
-        lru.push_back(key);
-        locked -= entry.size;
+        if (entry.locks > 0 && --entry.locks == 0 && entry.state == State::memory) lru.push_back(key);
     }
     void clear(int key) {
         Entry& entry = entries[key];
         if (entry.state != State::memory || entry.locks > 0) return;
         leave(key);
-        if (entry.isSerializable && entry.size >= payloadSize) {
-            entry.state = State::paged;
-        } else if (entry.isSerializable) {
-            say("Dropped a %.02fMB resource instead of paging it: the resource writes more than its size\n",
-                entry.size);
-        }
+        if (entry.isSerializable && entry.expected >= payloadSize) entry.state = State::paged;
     }
     void remove(int key) {
         Entry& entry = entries[key];
@@ -99,7 +75,7 @@ struct PlainCache {
         for (auto list : {parents, children}) {
             for (; !list.empty(); list.pop_back()) unref(list.back());
         }
-        entry.exists = entry.isHot = false;
+        entry.exists = false;
     }
     /// Releases a reference that is not the client's; `held` counts the client's.
     void unref(int key) { --entries[key].references, dropped(key); }
@@ -108,98 +84,36 @@ struct PlainCache {
         int const strong = 1 + entry.held + entry.references;
         if (entry.exists && entry.isWeak && std::cmp_equal(strong, entry.parents.size())) remove(key);
     }
-    void enforce() {
-        while (isOver() && !lru.empty()) {
+    void enforce(unsigned reserved = 0) {
+        while (limit > 0 && used + reserved > limit && !lru.empty()) {
             int const head = lru.front();
             ++entries[head].references;
             clear(head);
             unref(head);
         }
-        if (isOver()) say("Locked resources exceed memory limit by (%.02fMB)\n", used + reserved - limit), sayUsage();
-    }
-    void setLimit(std::int64_t bytes) {
-        say("Memory limit set to %.02fMB\n", bytes);
-        limit = bytes;
-        enforce();
-    }
-    void allocateExternal(std::int64_t bytes) {
-        std::int64_t const given = limit == 0 ? 0 : std::min(bytes, limit - 1);
-        if (limit > 0) debt += bytes - given;
-        setLimit(limit - given);
-        say("Creating a %.02fMB external resource.\n", bytes);
-        external += bytes, addHot(bytes), addLocked(bytes);
-    }
-    void deleteExternal(std::int64_t bytes) {
-        say("Destroyed a %.02fMB external resource.\n", bytes);
-        external -= bytes, hot -= bytes, locked -= bytes;
-        std::int64_t const paid = std::min(bytes, debt);
-        debt -= paid;
-        setLimit(limit == 0 ? 0 : limit + bytes - paid);
-    }
-    void startInteraction() { inInteraction = true, hot = maxHot = 0; }
-    void endInteraction() {
-        inInteraction = false;
-        if (maxHot > maxWorkingSet) maxWorkingSet = maxHot, sayPeak("Maximum working set", maxHot);
-        for (Entry& entry : entries) entry.isHot = false;
-        if (maxWorkingSet + 1048576 > limit) say("Working set too large for size limit!\n"), sayUsage();
     }
 
     std::array<Entry, count> entries;
     std::list<int> lru;
-    std::int64_t used = 0, reserved = 0, limit = 0, debt = 0, external = 0, locked = 0, maxLocked = 0, hot = 0,
-                 maxHot = 0, maxWorkingSet = 0;
-    bool inInteraction = false;
-    std::string said;
+    std::int64_t used = 0, limit = 0;
 
 private:
-    [[nodiscard]] bool isOver() const { return limit > 0 && used + reserved > limit; }
-    void makeSpace(std::int64_t bytes) {
-        reserved = bytes;
-        if (bytes > 0) enforce();
-        reserved = 0;
+    void makeSpace(unsigned bytes) {
+        if (bytes > 0) enforce(bytes);
     }
     void put(int key, unsigned size) {
         Entry& entry = entries[key];
         entry.state = State::memory;
         if (entry.locks == 0) lru.push_back(key);
         used += size;
-        auto const difference = std::abs(std::int64_t{size} - entry.size);
-        if (size > 524288 && difference >= 1024) say("Unanticipated %.02fMB resource!\n", size);
-        entry.size = entry.bytes = size;
-        if (entry.locks > 0) addLocked(size);
+        entry.expected = entry.bytes = size;
         enforce();
     }
     void leave(int key) {
         Entry& entry = entries[key];
         entry.state = State::absent;
         used -= std::min<std::int64_t>(entry.bytes, used);
-        if (entry.locks > 0) locked -= entry.size;
-        if (entry.isHot && inInteraction) hot -= entry.size;
-        entry.isHot = false;
-        if (entry.locks == 0) lru.remove(key);
-    }
-    void addHot(std::int64_t bytes) { hot += bytes, maxHot = std::max(hot, maxHot); }
-    void addLocked(std::int64_t bytes) {
-        locked += bytes;
-        if (locked > maxLocked) maxLocked = locked, sayPeak("Maximum locked size", locked);
-    }
-    void say(std::string const& format, std::int64_t bytes = 0) {
-        char text[200];
-        float const megabytes = static_cast<float>(bytes) * 9.5367431640625e-07F;
-        std::snprintf(text, sizeof text, format.c_str(), static_cast<double>(megabytes));
-        said += text;
-    }
-    void sayPeak(std::string const& what, std::int64_t bytes) {
-        say(what + " is %.02fMB", bytes), say(" (%.02f external)\n", external);
-    }
-    void sayUsage() {
-        say("\nTotal resource memory: %0.02f MB\n", used + reserved);
-        std::map<ur::TypeInfo, std::int64_t> bytes;
-        for (int key = 0; key < count; ++key) {
-            if (entries[key].state != State::memory) continue;
-            bytes[key % 2 ? ur::TypeInfo::of<ElsewhereKey>() : ur::TypeInfo::of<Key>()] += entries[key].bytes;
-        }
-        for (auto const& [type, sum] : bytes) say(std::string("Resource type ") + type.name() + ": %0.02f MB\n", sum);
+        lru.remove(key);
     }
 };
 
@@ -225,8 +139,8 @@ private:
         Manager& manager = cache_.manager;
         unsigned const what = draw_() % 32;
         if (what == 0) return limit();
-        if (what == 1) return external();
-        if (what == 2) return interaction();
+        if (what == 1) return manager.startInteraction();
+        if (what == 2) return manager.endInteraction();
         if (what == 3) return clearAll();
         if (what == 4) return model_.enforce(), manager.enforceMemoryLimit(draw_());
         if (what == 5 && held_[key]) return resize(key);
@@ -244,24 +158,9 @@ private:
     void limit() {
         unsigned const drawn = draw_();
         unsigned const bytes = drawn % 8 == 0 ? 0 : 1 + drawn % (drawn % 3 == 0 ? 2'000'000 : 40'000);
-        model_.debt = 0;
-        model_.setLimit(bytes);
+        model_.limit = bytes;
+        model_.enforce();
         cache_.manager.setMemoryLimit(bytes);
-    }
-    void external() {
-        if (externals_.empty() || draw_() % 2) {
-            externals_.push_back(draw_() % 30'000);
-            model_.allocateExternal(externals_.back());
-            return cache_.manager.allocatingExternalResource(externals_.back());
-        }
-        model_.deleteExternal(externals_.back());
-        cache_.manager.deletedExternalResource(externals_.back());
-        externals_.pop_back();
-    }
-    void interaction() {
-        bool const isStart = !model_.inInteraction || draw_() % 8 == 0;
-        isStart ? model_.startInteraction() : model_.endInteraction();
-        isStart ? cache_.manager.startInteraction() : cache_.manager.endInteraction();
     }
     // The manager holds all shims meanwhile and releases them in the order of its table, which the model does not know.
     // The call is skipped when the order could matter.
@@ -270,7 +169,6 @@ private:
             if (entry.isWeak && entry.parents.size() > 1) return;
         }
         for (int key = 0; key < PlainCache::count; ++key) model_.clear(key);
-        model_.said += "Resources cleared.\n";
         for (int key = 0; key < PlainCache::count; ++key) model_.dropped(key);
         cache_.manager.clear();
     }
@@ -316,9 +214,7 @@ private:
         if (static_cast<Blob&>(*resource).payload != payload(keyOf(held_[key]))) wrong_ = "another content";
     }
     std::string difference() {
-        std::string const said = messages_.take();
         if (!wrong_.empty()) return wrong_;
-        if (said != std::exchange(model_.said, "")) return "other messages, among them: " + said;
         if (auto const fault = cache_.manager.audit(); !fault.empty()) return std::string(fault.view());
         if (cache_.manager.getMemoryUsed() != model_.used) return "another number of bytes";
         if (cache_.manager.getMemoryLimit() != model_.limit) return "another limit";
@@ -327,21 +223,17 @@ private:
             Entry const& entry = model_.entries[key];
             keys += entry.exists ? 1 : 0;
             if (!held_[key]) continue;
-            if (held_[key]->isResourceAllocated() != (entry.state == State::memory)) return "other resources in memory";
-            if (held_[key]->isResourceSerialized() != (entry.state == State::paged)) return "other resources paged out";
-            if (held_[key]->isResourceLocked() != (entry.locks > 0)) return "other locks";
-            if (!held_[key]->manager()) return "a shim that has been removed";
+            std::string const state = entry.state == State::memory ? "m" : entry.state == State::paged ? "p" : "-";
+            if (states({held_[key]}) != state + (entry.locks > 0 ? "!" : "")) return "a shim in another state";
         }
         return keys == cache_.manager.numKeys() ? "" : "another number of keys";
     }
 
     std::function<unsigned()> draw_;
-    Messages messages_;
     Cache cache_{{.tableSlots = 2, .pageExtension = 9000, .pageBlock = 5}};
     PlainCache model_;
     std::array<ur::Reference<Shim>, PlainCache::count> held_;
     std::array<Blob*, PlainCache::count> blobs_;  ///< the last one that each key built
-    std::vector<unsigned> externals_;
     std::string wrong_;
 };
 

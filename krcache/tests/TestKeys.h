@@ -1,7 +1,6 @@
 // Keys, resources and outputs shared by the cache's tests.
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <string>
@@ -18,7 +17,7 @@ namespace urKRCache::test {
 
 using Hook = std::function<void()>;
 
-constexpr std::uint64_t megabyte = 1048576;
+constexpr unsigned megabyte = 1048576;
 
 /// Has `size` bytes and pages `payload`.
 struct Blob : Resource {
@@ -108,6 +107,12 @@ inline urString::IString nameOf(std::filesystem::path const& path) {
     return urString::IString(path.string(), urString::Encoding::multibyte);
 }
 
+/// The second class of keys; their resources are not resident.
+struct ElsewhereKey : Key {
+    using Key::Key;
+    bool isResidential() const override { return false; }
+};
+
 /// A manager in a folder of its own.
 struct Cache {
     explicit Cache(Tuning const& tuning = {}) : manager(nameOf(folder.path()), tuning) {}
@@ -119,6 +124,16 @@ struct Cache {
     std::filesystem::path const pageFile = folder / "urKRCachePageFile.dat";
     Manager manager;
 };
+
+/// A letter for each shim: m in memory, p paged out, - absent, x removed; with ! if it is locked.
+inline std::string states(std::vector<ur::Reference<Shim>> const& shims) {
+    std::string text;
+    for (auto const& shim : shims) {
+        text += !shim->manager() ? 'x' : shim->isResourceAllocated() ? 'm' : shim->isResourceSerialized() ? 'p' : '-';
+        if (shim->isResourceLocked()) text += '!';
+    }
+    return text;
+}
 
 inline Key& keyOf(ur::Reference<Shim> const& shim) { return static_cast<Key&>(*shim->keyData()); }
 

@@ -27,7 +27,9 @@ TEST_F(ManagerTest, EqualKeysShareOneShimAndItsKeyIsTheFirstOfThem) {
     auto const first = make<Key>(1);
     auto const shim = manager.getShim(first, Shim::Retained);
     EXPECT_EQ(manager.getShim(make<Key>(1), Shim::WeakCounted), shim);
-    EXPECT_TRUE(shim->keyType() == Shim::Retained && shim->keyData() == first && first->hashes == 1);
+    EXPECT_EQ(shim->keyType(), Shim::Retained);
+    EXPECT_EQ(shim->keyData(), first);
+    EXPECT_EQ(first->hashes, 1);
     EXPECT_EQ(manager.findShim(make<Key>(*first)), shim);
     auto const changedCopy = make<Key>(*first);
     changedCopy->number = 2, changedCopy->hash = 8;
@@ -36,7 +38,8 @@ TEST_F(ManagerTest, EqualKeysShareOneShimAndItsKeyIsTheFirstOfThem) {
     auto const other = make<OtherKey>(1);
     EXPECT_EQ(manager.findShim(other), nullptr);
     int const order = typeid(Key).before(typeid(OtherKey)) ? -1 : 1;
-    EXPECT_TRUE(first->compare(other.get()) == order && other->compare(first.get()) == -order);
+    EXPECT_EQ(first->compare(other.get()), order);
+    EXPECT_EQ(other->compare(first.get()), -order);
     EXPECT_EQ(manager.numKeys(), 1);
 }
 
@@ -55,14 +58,12 @@ TEST_F(ManagerTest, AKeyIsInTheTableOnceOrNotAtAllWhateverItsHashDoes) {
     EXPECT_EQ(shim(doubled), first);
 }
 
-TEST_F(ManagerTest, ProxiesAndWhatIsNotBuiltCountNothing) {
+TEST_F(ManagerTest, ProxiesCountNothing) {
     struct Proxy : Resource {
         Proxy() : Resource(true) {}
         unsigned onGetSizeInBytes() const override { throw std::logic_error("asked"); }
     };
-    auto const a = shim(make<Key>(1, Key::none));
-    EXPECT_EQ(access(a), nullptr);
-    keyOf(a).size = 10;
+    auto const a = shim(make<Key>(1));
     keyOf(a).make = [] { return Reference<Resource>(new Proxy); };
     EXPECT_TRUE(access(a)->isProxy());
     EXPECT_EQ(manager.getMemoryUsed(), 0);
@@ -86,24 +87,63 @@ TEST_F(ManagerTest, CountersGoBeyondFourGigabytesAndNarrowOnesStopThere) {
     manager.setMemoryLimit64(2 * large);
     for (int const number : {1, 2}) access(shim(make<Key>(number, static_cast<unsigned>(large))));
     EXPECT_EQ(manager.getMemoryUsed64(), 2 * large);
-    EXPECT_TRUE(manager.getMemoryUsed() == ~0U && manager.getMemoryLimit() == ~0U);
+    EXPECT_EQ(manager.getMemoryUsed(), ~0U);
+    EXPECT_EQ(manager.getMemoryLimit(), ~0U);
     manager.setMemoryLimit64(2 * large - 1);
     EXPECT_EQ(manager.getMemoryUsed64(), large);
 }
 
-TEST_F(ManagerTest, ResidentSizeModeBoundsTheWholeProcess) {
+TEST_F(ManagerTest, ExternalResourcesTakeTheirBytesFromTheLimit) {
     auto const a = shim(make<Key>(1));
     access(a);
-    manager.setUseResidentSize();
-    EXPECT_GT(manager.getResidentSize(), megabyte);
-    manager.setMemoryLimit(megabyte);  // less than the process uses without the cache
-    EXPECT_FALSE(a->isResourceAllocated());
-    messages.take();
-    manager.allocatingExternalResource(10), manager.deletedExternalResource(10);
-    EXPECT_EQ(manager.getMemoryLimit(), megabyte);
-    EXPECT_THAT(messages.take(), testing::StartsWith("Locked resources exceed memory limit by ("));
-    manager.setMemoryLimit(~0U);
-    EXPECT_NE(access(a), nullptr);
+    manager.setMemoryLimit(5000);
+    manager.allocatingExternalResource(4000);
+    EXPECT_EQ(manager.getMemoryLimit(), 1000);
+    EXPECT_EQ(states({a}), "m");
+    manager.allocatingExternalResource(3000);
+    EXPECT_EQ(manager.getMemoryLimit(), 1);  // 0 means no limit
+    EXPECT_EQ(states({a}), "-");
+    manager.deletedExternalResource(3000);
+    EXPECT_EQ(manager.getMemoryLimit(), 1000);
+    manager.allocatingExternalResource(3000);
+    for (unsigned const limit : {7, 0}) {
+        manager.setMemoryLimit(limit);
+        manager.deletedExternalResource(3000);
+        EXPECT_EQ(manager.getMemoryLimit(), limit == 0 ? 0 : 3007);
+        manager.allocatingExternalResource(3000);
+    }
+}
+
+TEST_F(ManagerTest, PeaksAreReportedAndWarningsComeWithTheUsage) {
+    auto const key = make<Key>(1, megabyte), other = Reference<Key>(new ElsewhereKey(2, 2 * megabyte));
+    key->expected = key->size, other->expected = other->size;
+    auto const a = shim(key), b = shim(other);
+    manager.setMemoryLimit(4 * megabyte);
+    manager.startInteraction();
+    access(b), manager.clearResource(b);
+    manager.lockResource(a), access(a), access(a);
+    manager.endInteraction();
+    EXPECT_EQ(messages.take(),
+              "Memory limit set to 4.00MB\nMaximum locked size is 1.00MB (0.00 external)\n"
+              "Maximum working set is 2.00MB (0.00 external)\n");
+    std::string const usage = std::string("\nTotal resource memory: 3.00 MB\nResource type ") +
+                              ur::TypeInfo::of<ElsewhereKey>().name() + ": 2.00 MB\nResource type " +
+                              ur::TypeInfo::of<Key>().name() + ": 1.00 MB\n";
+    manager.startInteraction();
+    manager.allocatingExternalResource(megabyte), access(b), access(a), manager.deletedExternalResource(megabyte);
+    manager.endInteraction();
+    EXPECT_EQ(messages.take(),
+              "Memory limit set to 3.00MB\nCreating a 1.00MB external resource.\n"
+              "Maximum locked size is 2.00MB (1.00 external)\nDestroyed a 1.00MB external resource.\n"
+              "Memory limit set to 4.00MB\nMaximum working set is 4.00MB (0.00 external)\n"
+              "Working set too large for size limit!\n" +
+                  usage);
+    manager.lockResource(b), manager.setMemoryLimit(megabyte);
+    manager.unlockResource(b), manager.lockResource(b);
+    EXPECT_EQ(messages.take(),
+              "Maximum locked size is 3.00MB (0.00 external)\nMemory limit set to 1.00MB\n"
+              "Locked resources exceed memory limit by (2.00MB)\n" +
+                  usage + "Locked resources too large for size limit!\n" + usage);
 }
 
 std::uint64_t resident;
@@ -111,28 +151,30 @@ int samples;
 
 TEST(ResidentSize, IsSampledNowAndThenAndLessThanResourcesClaim) {
     Cache cache({.sampleInterval = 100, .residentSize = [] { return ++samples, resident; }});
-    struct Elsewhere : Key {
-        using Key::Key;
-        bool isResidential() const override { return false; }
-    };
-    auto const elsewhere = cache.shim(Reference<Key>(new Elsewhere(1, 3000))),
+    auto const elsewhere = cache.shim(Reference<Key>(new ElsewhereKey(1, 3000))),
                claims = cache.shim(make<Key>(2, 10'000));
+    auto const request = [&](int times) {
+        for (; times > 0; --times) cache.manager.enforceMemoryLimit(0);
+    };
     resident = 1000;
     cache.manager.setUseResidentSize();
     cache.manager.setMemoryLimit(5000);
-    for (int request = 1; request < 10; ++request) cache.manager.enforceMemoryLimit(0);
+    cache.manager.deletedExternalResource(10);  // in the resident size already
+    EXPECT_EQ(cache.manager.getMemoryLimit(), 5000);
+    request(9);
     EXPECT_EQ(samples, 1);
     cache.access(elsewhere), cache.access(claims);
-    EXPECT_TRUE(elsewhere->isResourceAllocated() && claims->isResourceAllocated());
     EXPECT_EQ(samples, 3);
     resident = 2500;
-    for (int request = 1; request < 11; ++request) cache.manager.enforceMemoryLimit(0);
-    EXPECT_TRUE(elsewhere->isResourceAllocated() && samples == 3);
-    cache.manager.enforceMemoryLimit(0);
-    EXPECT_TRUE(!elsewhere->isResourceAllocated() && claims->isResourceAllocated() && samples == 4);
+    request(10);
+    EXPECT_EQ(states({elsewhere, claims}), "mm");
+    EXPECT_EQ(samples, 3);
+    request(1);
+    EXPECT_EQ(states({elsewhere, claims}), "-m");
+    EXPECT_EQ(samples, 4);
     cache.manager.clear();
     resident = 1500, cache.access(elsewhere), cache.access(claims);  // reserving the claim takes no room from others
-    EXPECT_TRUE(elsewhere->isResourceAllocated() && claims->isResourceAllocated());
+    EXPECT_EQ(states({elsewhere, claims}), "mm");
 }
 
 TEST(CacheManagerFunction, MissingIsALogicError) {

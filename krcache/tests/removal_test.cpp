@@ -12,10 +12,9 @@ using ur::Reference;
 
 /// Logs its destruction.
 struct Mortal : Blob {
-    Mortal(std::string& where, int which) : Blob(1000), log(where), number(which) {}
-    ~Mortal() override { log += " d" + std::to_string(number); }
-    std::string& log;
-    int number;
+    explicit Mortal(Hook hook) : Blob(1000), onDestroy(std::move(hook)) {}
+    ~Mortal() override { onDestroy(); }
+    Hook onDestroy;
 };
 
 struct RemovalTest : testing::Test {
@@ -23,9 +22,12 @@ struct RemovalTest : testing::Test {
     Reference<Shim> add(int number, std::vector<Reference<Shim>> sources = {}) {
         auto const key = make<Key>(number);
         key->sources = std::move(sources);
-        key->make = [this, number] { return Reference<Resource>(new Mortal(log, number)); };
-        key->onCleared = [this, number] { log += " c" + std::to_string(number); };
-        key->onRemoved = [this, number] { log += " r" + std::to_string(number); };
+        auto const note = [this, number](char what) {
+            return [=, this] { log += std::string(" ") + what + std::to_string(number); };
+        };
+        key->make = [note] { return Reference<Resource>(new Mortal(note('d'))); };
+        key->onCleared = note('c');
+        key->onRemoved = note('r');
         auto shim = manager->getShim(key, Shim::Retained);
         cache->access(shim);
         return shim;
@@ -53,11 +55,13 @@ TEST_F(RemovalTest, TakesAllThatIsBuiltFromTheSourceAndKeepsWhatItIsBuiltFrom) {
     auto const left = add(3, {source, other}), right = add(4, {source}), top = add(5, {right, left, left});
     manager->lockResource(source), manager->removeResource(source);
     EXPECT_EQ(log, " d1 c1 d3 c3 d5 c5 r5 r3 d4 c4 r4 r1");
-    EXPECT_TRUE(manager->numKeys() == 1 && manager->getMemoryUsed() == 1000);
+    EXPECT_EQ(manager->getMemoryUsed(), 1000);
     EXPECT_EQ(manager->audit(), "");
     manager->lockResource(top), manager->unlockResource(source), manager->clearResource(top);
     manager->removeResource(top);
-    EXPECT_TRUE(!top->manager() && !top->keyData() && !cache->access(top) && !top->isResourceLocked());
+    EXPECT_EQ(states({source, other, left, right, top}), "x!mxxx");
+    EXPECT_EQ(top->keyData(), nullptr);
+    EXPECT_EQ(cache->access(top), nullptr);
 }
 
 TEST_F(RemovalTest, WhatAHookGivesUpIsGoneWhenTheHookGoesOnAndIsNeverFoundAgain) {
@@ -73,11 +77,14 @@ TEST_F(RemovalTest, WhatAHookGivesUpIsGoneWhenTheHookGoesOnAndIsNeverFoundAgain)
             EXPECT_EQ(log, deepest == 1 ? " d1" : " d1 r2");
             EXPECT_EQ(manager->findShim(make<Key>(2)), nullptr);
             again = manager->getShim(key, Shim::Retained);
-            EXPECT_TRUE(again != former && cache->access(again));
+            EXPECT_NE(again, former);
+            EXPECT_NE(cache->access(again), nullptr);
         };
         keyOf(outer).onCleared = [&] { EXPECT_NE(cache->shim(make<Key>(1)), outer); };
         manager->removeResource(outer);
-        EXPECT_TRUE(cache->access(again) && manager->findShim(key) == again && manager->numKeys() == 2);
+        EXPECT_EQ(states({again}), "m");
+        EXPECT_EQ(manager->findShim(key), again);
+        EXPECT_EQ(manager->numKeys(), 2);
         EXPECT_EQ(manager->audit(), "");
     }
 }
@@ -96,7 +103,8 @@ TEST_F(RemovalTest, DestroyingTheManagerRemovesDependentsFirst) {
     auto const k1 = add(1), k2 = add(2, {k1}), k3 = add(3, {k2, k2});
     keyOf(k3).onRemoved = [this] {
         auto const late = manager->getShim(make<Key>(9), Shim::Retained);
-        EXPECT_TRUE(!late->manager() && !manager->accessResource(late));
+        EXPECT_EQ(manager->accessResource(late), nullptr);
+        EXPECT_EQ(states({late}), "x");
     };
     cache.reset();
     EXPECT_EQ(log, " d3 c3 d2 c2 r2 d1 c1 r1");
