@@ -1,7 +1,0 @@
-// says: no conversion of this type to an item: include plst/convert.h or plst/containers.h
-#include "plst/make.h"
-
-struct Stroke {
-    double pressure;
-};
-auto const item = nxPLST::itemOf(Stroke{1});

@@ -1,7 +1,0 @@
-// says: no conversion of this type to an item: include plst/convert.h or plst/containers.h
-#include "plst/make.h"
-
-struct Stroke {
-    double pressure;
-};
-auto const brush = nxPLST::dictionary({{"size", 1}, {"stroke", Stroke{1}}});
