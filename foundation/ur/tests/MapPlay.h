@@ -6,7 +6,6 @@
 #include <new>
 #include <ostream>
 #include <string>
-#include <tuple>
 #include <utility>
 
 #include "foundation/ur/containers.h"
@@ -80,39 +79,27 @@ private:
     std::string insert(int key) {
         std::string const value = "the text number " + std::to_string(++texts_) + ", which is long";
         bool const isNew = !model_.contains(key);
-        bool keptOld = true;
-        bool saidNew = isNew;
-        typename Map::iterator at;
-        switch (below(9)) {
-            case 0: std::tie(at, saidNew) = map_.try_emplace(key, value); break;
-            case 1: std::tie(at, saidNew) = map_.insert({key, value}); break;
-            case 2: std::tie(at, saidNew) = map_.emplace(key, value); break;
-            case 3:
-                std::tie(at, saidNew) = map_.insert_or_assign(key, value);
-                keptOld = false;
-                break;
-            case 4: at = map_.emplace_hint(map_.lower_bound(key), key, value); break;
-            case 5: at = map_.emplace_hint(map_.lower_bound(below(keys_)), key, value); break;
+        int const way = below(9);
+        if (way == 8 && !model_.empty() && key <= model_.rbegin()->first) return {};
+        auto const [at, saidNew] = insertBy(way, key, value, isNew);
+        if (isNew || (way >= 4 && way < 8)) model_[key] = value;
+        return saidNew == isNew ? compare(at, model_.find(key)) : "told wrongly whether the key was new";
+    }
+    std::pair<typename Map::iterator, bool> insertBy(int way, int key, std::string const& value, bool isNew) {
+        switch (way) {
+            case 0: return map_.try_emplace(key, value);
+            case 1: return map_.insert({key, value});
+            case 2: return {map_.emplace_hint(map_.lower_bound(key), key, value), isNew};
+            case 3: return {map_.emplace_hint(map_.lower_bound(below(keys_)), key, value), isNew};
+            case 4: return map_.insert_or_assign(key, value);
+            case 5: map_[key] = value; break;
             case 6:
-                map_[key] = value;
-                keptOld = false;
-                break;
-            case 7:
-                map_.ascending(key) = value;
-                keptOld = false;
-                break;
-            default:
-                if (!model_.empty() && key <= model_.rbegin()->first) return {};
-                at = map_.emplaceLast(key, value);
+            case 7: map_.ascending(key) = value; break;
+            default: return {map_.emplaceLast(key, value), isNew};
         }
-        if (isNew || !keptOld) model_[key] = value;
-        if (saidNew != isNew) return "told wrongly whether the key was new";
-        return at == typename Map::iterator() ? std::string() : compare(at, model_.find(key));
+        return {map_.find(key), isNew};
     }
-    std::string erase(int key) {
-        if (map_.erase(key) != model_.erase(key)) return "erased something else";
-        return {};
-    }
+    std::string erase(int key) { return map_.erase(key) == model_.erase(key) ? "" : "erased something else"; }
     std::string eraseRun(int key) {
         auto at = map_.lower_bound(key);
         auto expected = model_.lower_bound(key);
@@ -123,28 +110,19 @@ private:
         return compare(at, expected);
     }
     std::string replaceWhole() {
-        switch (below(4)) {
-            case 0: {
-                Map const copy(map_);
-                map_.clear();
-                map_ = copy;
-                break;
-            }
-            case 1: map_.reserve(below(2 * blockSize)); break;
-            case 2: {
-                Map taken(std::move(map_));
-                if (!map_.empty() || map_.begin() != map_.end()) return "something is left behind";
-                map_.swap(taken);
-                break;
-            }
-            default: {
-                std::size_t dropped = 0;
-                map_.clear([&](std::string const&) { ++dropped; });
-                if (dropped != model_.size()) return "dropped another number of values";
-                model_.clear();
-            }
+        int const way = below(4);
+        if (way == 0) map_ = Map(std::as_const(map_));
+        if (way == 1) map_.reserve(below(2 * blockSize));
+        if (way == 2) {
+            Map taken(std::move(map_));
+            if (!map_.empty() || map_.begin() != map_.end()) return "something is left behind";
+            map_.swap(taken);
         }
-        return {};
+        if (way < 3) return {};
+        std::size_t dropped = 0;
+        map_.clear([&](std::string const&) { ++dropped; });
+        std::size_t const expected = std::exchange(model_, {}).size();
+        return dropped == expected ? "" : "dropped another number of values";
     }
     std::string compare(typename Map::iterator at, std::map<int, std::string>::iterator expected) {
         if ((at == map_.end()) != (expected == model_.end())) return "found where nothing is, or not found";

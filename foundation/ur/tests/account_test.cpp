@@ -66,23 +66,20 @@ TEST(Account, LooksForGarbageBeforeItRefuses) {
 TEST(Account, WantsACollectionWhenNativeBytesHaveDoubled) {
     Account account;
     std::size_t const pace = Account::leastPace;
-    account.take(pace);
-    EXPECT_FALSE(account.wantsCollection());
-    account.take(1);
-    EXPECT_TRUE(account.wantsCollection());
+    auto const expectWantedAfter = [&](std::size_t bytes) {
+        account.take(bytes);
+        EXPECT_FALSE(account.wantsCollection());
+        account.take(1);
+        EXPECT_TRUE(account.wantsCollection());
+    };
+    expectWantedAfter(pace);
     account.take(3 * pace - 1);
     account.noteCollection();
-    account.take(4 * pace);
-    EXPECT_FALSE(account.wantsCollection());
-    account.take(1);
-    EXPECT_TRUE(account.wantsCollection());
+    expectWantedAfter(4 * pace);
     // A collection costs as much as the state of the script is large.
     account.changeScript(100 * pace);
     account.noteCollection();
-    account.take(50 * pace);
-    EXPECT_FALSE(account.wantsCollection());
-    account.take(1);
-    EXPECT_TRUE(account.wantsCollection());
+    expectWantedAfter(50 * pace);
 }
 
 }  // namespace
