@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "foundation/io/tests/packetFiles.h"
 
@@ -83,42 +82,6 @@ TEST(Contexts, AreMadeOnlyForOpenStreamsAndReportTheirFailures) {
     auto const reading = ioReadContextAlloc(input, registry);
     reading->definePacketObject(&stream);  // outside packets
     EXPECT_FALSE(reading->packetIsNumbered());
-}
-
-TEST(Contexts, WriteAndReadTheSameThroughBuffersOfEverySize) {
-    std::vector<int> objects(300);
-    auto const write = [&](ioWriteContext& context) {
-        context.startPacket("a", nullptr);
-        for (int& object : objects) {
-            context.writeNameValue(std::string(static_cast<std::size_t>(&object - objects.data()) % 40, 'k'));
-            context.startPacket("b", &object);
-            context.writeDoubleValue(0.1);
-            context.endPacket();
-            context.writeReference(&object, 0);
-            context.writeTextValue(std::string(static_cast<std::size_t>(&object - objects.data()), 'x'));
-        }
-        context.endPacket();
-    };
-    std::string const bytes = written(write, 0, addTypes, ioBufferedStreamOutput::usualBytes);
-    for (std::size_t extra = 0; extra < 40; ++extra) {
-        EXPECT_EQ(written(write, 0, addTypes, leastOutput + extra), bytes);
-        std::size_t next = 0;
-        Reader reader;
-        reader.buffer = leastInput + extra;
-        reader.on("a", [&](ioReadContext& context) {
-            for (std::size_t i = 0; i < objects.size(); ++i) {
-                ASSERT_EQ(context.readTextValue(), std::string(i % 40, 'k'));
-                ASSERT_EQ(context.readReference(0), &objects[i]);
-                ASSERT_EQ(context.readTextValue(), std::string(i, 'x'));
-            }
-        });
-        reader.on("b", [&](ioReadContext& context) {
-            EXPECT_EQ(context.readDoubleValue(), 0.1);
-            context.definePacketObject(&objects[next++]);
-        });
-        EXPECT_EQ(reader.read(bytes), 0);
-        EXPECT_EQ(reader.log, "<aa>");
-    }
 }
 
 }  // namespace

@@ -37,49 +37,46 @@ bool writeInRow(ioWriteContext& context, unsigned char first, std::size_t i) {
     if (!cursor.hasRoom()) return false;
     cursor.name(nameOf(i));
     cursor.enter(first, static_cast<int>(i));
-    for (int value = 0; value < 3; ++value) {
-        if (!cursor.hasRoom()) std::abort();  // this test's buffer always has room
-        if (value == 0) cursor.packet(first, numberOf(i));
-        if (value == 1) cursor.packet(first, i % 2 == 0);
-        if (value == 2) cursor.packet(first, std::string_view(textOf(i)));
-    }
+    EXPECT_TRUE(cursor.hasRoom()) << "this test's buffer always has room";
+    cursor.packet(first, numberOf(i));
+    EXPECT_TRUE(cursor.hasRoom());
+    cursor.packet(first, i % 2 == 0);
+    EXPECT_TRUE(cursor.hasRoom());
+    cursor.packet(first, std::string_view(textOf(i)));
     cursor.leave();
     return true;
 }
 
-std::string packetRows(bool areQuick) {
-    return written(
-        [&](ioWriteContext& context) {
-            context.startPacket("a", nullptr);
-            ioPacketTypeId const type = context.typeId("b");
-            EXPECT_EQ(context.firstByteOf(type), 0) << "the file has not named it";
-            EXPECT_EQ(context.firstByteOf(ioPacketTypeId::none), 0);
-            writePlainly(context, type, 0);
-            unsigned char const first = context.firstByteOf(type);
-            EXPECT_EQ(first, 0xA1);
-            std::size_t inRows = 0;
-            for (std::size_t i = 1; i < entries; ++i) {
-                if (areQuick && writeInRow(context, first, i)) {
-                    ++inRows;
-                } else {
-                    writePlainly(context, type, i);
-                }
-            }
-            EXPECT_EQ(inRows > 0, areQuick);
-            context.endPacket();
-        },
-        0, addTypes, areQuick ? std::size_t(64) * 1024 : leastOutput);
+std::string packetRows(bool areQuick, std::size_t buffer = leastOutput) {
+    auto const write = [&](ioWriteContext& context) {
+        context.startPacket("a", nullptr);
+        ioPacketTypeId const type = context.typeId("b");
+        EXPECT_EQ(context.firstByteOf(type), 0) << "the file has not named it";
+        EXPECT_EQ(context.firstByteOf(ioPacketTypeId::none), 0);
+        writePlainly(context, type, 0);
+        unsigned char const first = context.firstByteOf(type);
+        EXPECT_EQ(first, 0xA1);
+        std::size_t inRows = 0;
+        for (std::size_t i = 1; i < entries; ++i) {
+            bool const isQuick = areQuick && writeInRow(context, first, i);
+            if (!isQuick) writePlainly(context, type, i);
+            inRows += isQuick;
+        }
+        EXPECT_EQ(inRows > 0, areQuick);
+        context.endPacket();
+    };
+    return written(write, 0, addTypes, buffer);
 }
 
-TEST(Cursors, WriteTheBytesThatTheContextWrites) { EXPECT_EQ(packetRows(true), packetRows(false)); }
-
-TEST(Cursors, WriteNothingInAContextThatTakesNoValues) {
-    written(
-        [](ioWriteContext& context) {
-            EXPECT_FALSE(ioWriteContext::Cursor(context).hasRoom()) << "no packet is open";
-            context.endPacket();
-        },
-        number(ioStatus::misuse), addTypes, std::size_t(64) * 1024);
+TEST(Cursors, WriteTheBytesThatTheContextWritesOrNothing) {
+    constexpr std::size_t large = 64 * 1024;
+    std::string const rows = packetRows(true, large);
+    for (std::size_t extra = 0; extra < 40; ++extra) EXPECT_EQ(packetRows(false, leastOutput + extra), rows);
+    auto const writeOutside = [](ioWriteContext& context) {
+        EXPECT_FALSE(ioWriteContext::Cursor(context).hasRoom()) << "no packet is open";
+        context.endPacket();
+    };
+    written(writeOutside, number(ioStatus::misuse), addTypes, large);
 }
 
 TEST(Cursors, ReadWhatTheContextReads) {
@@ -92,52 +89,41 @@ TEST(Cursors, ReadWhatTheContextReads) {
         Reader reader;
         reader.buffer = leastInput + extra;
         reader.on("a", [&](ioReadContext& context) {
-            for (std::size_t i = 0; i < entries; ++i) {
-                std::string name;
-                double value = 7;
-                bool isEven = false;
-                std::string text;
-                std::size_t size = 0;
-                auto const withCursor = [&](char what, auto read) {
-                    ioReadContext::Cursor cursor(context);
-                    bool const isRead = read(cursor);
-                    quick[what] += isRead;
-                    return isRead;
-                };
-                std::string_view view;
-                if (withCursor('n', [&](auto& cursor) { return cursor.name(view); })) {
-                    name = view;
-                } else {
-                    name = context.readTextValue();
+            auto const byCursor = [&](char what, auto read) {
+                ioReadContext::Cursor cursor(context);
+                bool const isRead = read(cursor);
+                quick[what] += isRead;
+                return isRead;
+            };
+            auto const close = [&] { ASSERT_EQ(context.closePacket(), ioReadContext::Ending::referred); };
+            auto const expectPacket = [&](char what, auto expected, auto slowly) {
+                decltype(expected) value{};
+                bool const isQuick = byCursor(what, [&](auto& cursor) { return cursor.packet(value); });
+                if (!isQuick) {
+                    ASSERT_TRUE(context.openPacket());
+                    value = (context.*slowly)();
                 }
-                if (!withCursor('e', [&](auto& cursor) { return cursor.first() == 0xA1 && cursor.enter(size); })) {
+                ASSERT_EQ(value, expected);
+                if constexpr (std::is_same_v<decltype(value), double>) {
+                    ASSERT_EQ(1 / value, 1 / expected) << "the sign";
+                }
+                if (!isQuick) close();
+            };
+            for (std::size_t i = 0; i < entries; ++i) {
+                std::string_view name;
+                if (!byCursor('n', [&](auto& cursor) { return cursor.name(name); })) name = context.readTextValue();
+                ASSERT_EQ(name, nameOf(i));
+                std::size_t size = 0;
+                if (!byCursor('e', [&](auto& cursor) { return cursor.first() == 0xA1 && cursor.enter(size); })) {
                     ASSERT_TRUE(context.openPacket());
                     size = static_cast<std::size_t>(context.readIntValue());
                 }
-                auto const close = [&] { ASSERT_EQ(context.closePacket(), ioReadContext::Ending::referred); };
-                if (!withCursor('d', [&](auto& cursor) { return cursor.packet(value); })) {
-                    ASSERT_TRUE(context.openPacket());
-                    value = context.readDoubleValue();
-                    close();
-                }
-                if (!withCursor('b', [&](auto& cursor) { return cursor.packet(isEven); })) {
-                    ASSERT_TRUE(context.openPacket());
-                    isEven = context.readBoolValue();
-                    close();
-                }
-                if (withCursor('t', [&](auto& cursor) { return cursor.packet(view); })) {
-                    text = view;
-                } else {
-                    ASSERT_TRUE(context.openPacket());
-                    text = context.readTextValue();
-                    close();
-                }
-                if (!withCursor('l', [&](auto& cursor) { return cursor.leave(); })) close();
-                ASSERT_EQ(name, nameOf(i));
-                ASSERT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(numberOf(i)));
-                ASSERT_EQ(isEven, i % 2 == 0);
-                ASSERT_EQ(text, textOf(i));
                 ASSERT_EQ(size, i);
+                std::string const text = textOf(i);
+                expectPacket('d', numberOf(i), &ioReadContext::readDoubleValue);
+                expectPacket('b', i % 2 == 0, &ioReadContext::readBoolValue);
+                expectPacket('t', std::string_view(text), &ioReadContext::readTextValue);
+                if (!byCursor('l', [&](auto& cursor) { return cursor.leave(); })) close();
             }
         });
         reader.on("b", [](ioReadContext&) { FAIL() << "its packets are opened here"; });

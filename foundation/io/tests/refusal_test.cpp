@@ -40,35 +40,31 @@ TEST(Packets, OfUnknownTypesAndValuesThatNobodyAsksForArePassedOver) {
 }
 
 TEST(Packets, CutAnywhereDeliverTheRestAndFailAtTheCut) {
-    std::string const longest(ioFormat::longestTypeName, 'n');
-    static std::string const& longestName = longest;
-    std::string const whole = written(
-        [](ioWriteContext& context) {
-            context.startPacket(longestName.c_str(), nullptr);
-            context.writeDoubleValue(0.25);
-            context.writeIntValue(100000);
-            context.writeTextValue("text");
-            context.writeTextValue(std::string(300, 'x'));  // unread values are skipped
-            context.writeBoolValue(true);
-            context.endPacket();
-        },
-        0, [](ioSimplePacketRegistry& types) { types.add(longestName.c_str()); });
-    for (bool const isKnown : {true, false}) {
-        for (std::size_t size = 0; size <= whole.size(); ++size) {
+    static std::string const longest(ioFormat::longestTypeName, 'n');
+    auto const write = [](ioWriteContext& context) {
+        context.startPacket(longest.c_str(), nullptr);
+        context.writeDoubleValue(0.25);
+        context.writeIntValue(100000);
+        context.writeTextValue("text");
+        context.writeTextValue(std::string(300, '\7'));  // unread values are skipped, these as one
+        context.writeBoolValue(true);
+        context.endPacket();
+    };
+    std::string const whole = written(write, 0, [](ioSimplePacketRegistry& types) { types.add(longest.c_str()); });
+    for (std::size_t size = 0; size <= whole.size(); ++size) {
+        bool const isCut = size < whole.size();
+        Reader knowing, ignorant;
+        knowing.on(longest.c_str(), [&](ioReadContext& context) {
+            bool isWhole = context.readDoubleValue() == 0.25;
+            isWhole = context.readIntValue() == 100000 && isWhole;
+            isWhole = context.readTextValue() == "text" && isWhole;
+            EXPECT_EQ(isWhole, context.getStatus() == 0) << size;
+            EXPECT_EQ(isWhole ? 0 : context.readIntValue(), 0);
+        });
+        for (Reader* const reader : {&knowing, &ignorant}) {
             Trickle stream(whole.substr(0, size), 1);
-            Reader reader;
-            if (isKnown) {
-                reader.on(longest.c_str(), [&](ioReadContext& context) {
-                    bool isWhole = context.readDoubleValue() == 0.25;
-                    isWhole = context.readIntValue() == 100000 && isWhole;
-                    isWhole = context.readTextValue() == "text" && isWhole;
-                    EXPECT_EQ(isWhole, context.getStatus() == 0) << size;
-                    EXPECT_EQ(isWhole ? 0 : context.readIntValue(), 0);
-                });
-            }
-            bool const isCut = size < whole.size();
-            EXPECT_EQ(reader.read(stream), isCut ? number(ioStatus::truncated) : 0) << size;
-            EXPECT_EQ(reader.position, isCut ? size : 0);
+            EXPECT_EQ(reader->read(stream), isCut ? number(ioStatus::truncated) : 0) << size;
+            EXPECT_EQ(reader->position, isCut ? size : 0);
         }
     }
 }
@@ -90,14 +86,14 @@ TEST(Packets, RefuseMalformedInput) {
         {file(a + "\x20\x02" + std::string(7, 'x')), ioStatus::truncated, 21},  // a double of seven bytes
         {file("\x05\x7F\xE0\x01" + std::string(255, 'n') + "\xA0\x03\x06"), ioStatus::ok, 0},
         {file("\x05\x7F\xE1\x01" + std::string(256, 'n') + "\xA0\x03\x06"), ioStatus::malformed, 12},
-        {file("\xA0\x03\x06"), ioStatus::malformed, 9},           // a type without a name
-        {file("\x05\x60\xA0\x03\x06"), ioStatus::malformed, 10},  // a name without letters
-        {file("\x05\x61\x61\x20\x06"), ioStatus::malformed, 11},  // a name without a packet
-        {file("\x20\x06"), ioStatus::malformed, 8},               // a value outside packets
-        {file(a + "\x20\x04\x06"), ioStatus::malformed, 14},      // a reference outside packets
-        {file(a + "\x01\x03\x06"), ioStatus::malformed, 12},      // a boolean instead of a number
-        {file(a + "\x03\x06"), ioStatus::malformed, 12},          // no number
-        {file(a + "\x20\xE1\x03\x06"), ioStatus::malformed, 14},  // an unknown name
+        {file("\xA0\x03\x06"), ioStatus::malformed, 9},                // a type without a name
+        {file("\x05\x60\xA0\x03\x06"), ioStatus::malformed, 10},       // a name without letters
+        {file("\x05\x61\x61\x20\x06"), ioStatus::malformed, 11},       // a name without a packet
+        {file("\x20\x06"), ioStatus::malformed, 8},                    // a value outside packets
+        {file(a + "\x20\x04\x06"), ioStatus::malformed, 14},           // a reference outside packets
+        {file(a + "\x01\x03\x06"), ioStatus::malformed, 12},           // a boolean instead of a number
+        {file(a + "\x03\x06"), ioStatus::malformed, 12},               // no number
+        {file(a + "\x20\xE1\x61k\x03\x06"), ioStatus::malformed, 14},  // an unknown name
         {file(a + "\x20\xE0\x7F\x01" + std::string(32, 'x')), ioStatus::malformed, 16},  // a name that is too long
         {file(a + "\x20\x07\x03\x06"), ioStatus::malformed, 13},                         // an unknown mark
         {file(a + "\x3F\xFF\xFF\xFF\xFF\x7F\x03\x06"), ioStatus::malformed, 18},         // a number beyond 32 bits
@@ -156,24 +152,17 @@ TEST(Packets, RefuseReferencesToMissingObjects) {
     }
 }
 
-TEST(Packets, NestOnlyToTheLimit) {
-    for (int const depth : {ioReadContext::deepestRead, ioReadContext::deepestRead + 1}) {
-        std::string const bytes = written([&](ioWriteContext& context) {
-            for (int i = 0; i < depth; ++i) context.startPacket("a", nullptr);
-            context.writeIntValue(1);
-            for (int i = 0; i < depth; ++i) context.endPacket();
-        });
-        Reader reader;
-        reader.on("a", [](ioReadContext& context) { static_cast<void>(context.readIntValue()); });
-        // The innermost packet has a number and the enclosing ones lack one, so only the depth decides the status.
-        bool const tooDeep = depth > ioReadContext::deepestRead;
-        EXPECT_EQ(reader.read(bytes), number(tooDeep ? ioStatus::tooDeep : ioStatus::malformed));
-    }
-}
-
-TEST(Packets, OfUnknownTypesNestWithoutLimit) {
-    std::string const bytes = file("\x05\x61\x7A" + std::string(1000000, '\xA0') + std::string(1000000, '\3') + "\6");
-    EXPECT_EQ(Reader().read(bytes), 0);
+TEST(Packets, NestOnlyToTheLimitUnlessTheirTypeIsUnknown) {
+    auto const nested = [](std::size_t depth) {
+        return file("\x05\x61\x61" + std::string(depth, '\xA0') + "\x22" + std::string(depth, '\3') + "\6");
+    };
+    auto const read = [](std::string const& bytes) {
+        return Reader().on("a", [](auto& context) { static_cast<void>(context.readIntValue()); }).read(bytes);
+    };
+    // The innermost packet has a number and the enclosing ones lack one, so only the depth decides the status.
+    EXPECT_EQ(read(nested(ioReadContext::deepestRead)), number(ioStatus::malformed));
+    EXPECT_EQ(read(nested(ioReadContext::deepestRead + 1)), number(ioStatus::tooDeep));
+    EXPECT_EQ(Reader().read(nested(1000000)), 0);
 }
 
 TEST(Packets, TypesMayForgetTheirObjectsOrStillWaitForOthers) {
