@@ -22,6 +22,23 @@ TEST(Color, BytesAreTheNearestStepAndTheEndsOutside) {
     EXPECT_EQ(Color8(Color(-1, 2, nan, infinity)), Color8(0, 255, 0, 255));
 }
 
+template <class C>
+void expectOrder(C const& counted, C const& black, int size) {
+    C value;
+    EXPECT_EQ(value, black);
+    for (int i = 0; i < size; ++i) {
+        EXPECT_EQ(counted[i], i + 1);
+        value[i] = counted[i];
+    }
+    EXPECT_EQ(value, counted);
+}
+
+TEST(Color, HasItsComponentsInOrder) {
+    expectOrder(Color(1, 2, 3, 4), Color(0, 0, 0, 1), 4);
+    expectOrder(Color8(1, 2, 3, 4), Color8(0, 0, 0, 255), 4);
+    expectOrder(HSL(1, 2, 3), HSL(0, 0, 0), 3);
+}
+
 TEST(HSL, EveryColorOfAGridSurvivesTheRoundTripAndKeepsItsOpacity) {
     for (int i = 0; i < 52 * 52 * 52; ++i) {
         auto const step = [&](int divisor) { return static_cast<unsigned char>(i / divisor % 52 * 5); };
@@ -33,7 +50,7 @@ TEST(HSL, EveryColorOfAGridSurvivesTheRoundTripAndKeepsItsOpacity) {
 }
 
 TEST(HSL, NamesTheKnownColorsAndStaysInRange) {
-    std::pair<Color, HSL> const cases[] = {
+    std::pair<Color, HSL> const names[] = {
         {{0, 1, 0}, {1 / 3.0F, 1, 0.5F}},
         {{1, 0, 1}, {5 / 6.0F, 1, 0.5F}},
         {{0.75F, 0.25F, 0.25F}, {0, 0.5F, 0.5F}},
@@ -42,17 +59,14 @@ TEST(HSL, NamesTheKnownColorsAndStaysInRange) {
         {{least, 0, 0}, {0, 1, 0}},
         {{std::nextafter(1.0F, 0.0F), 1, 1}, {0.5F, 1, 1}},
     };
-    for (auto const& [color, hsl] : cases) {
+    for (auto const& [color, hsl] : names) {
         HSL const result = urUtil::RGBtoHSL(color);
         for (int i = 0; i < 3; ++i) EXPECT_FLOAT_EQ(result[i], hsl[i]) << color.r << ' ' << color.g << ' ' << color.b;
     }
-}
-
-TEST(HSL, HueWrapsAndTheRestIsClamped) {
-    std::pair<HSL, Color8> const cases[] = {{{-2 / 3.0F, 5, 0.5F}, Color8(0, 255, 0)},
-                                            {{nan, -1, nan}, Color8(0, 0, 0)},
-                                            {{infinity, infinity, 0.5F}, Color8(255, 0, 0)}};
-    for (auto const& [hsl, expected] : cases) {
+    std::pair<HSL, Color8> const outside[] = {{{-2 / 3.0F, 5, 0.5F}, Color8(0, 255, 0)},
+                                              {{nan, -1, nan}, Color8(0, 0, 0)},
+                                              {{infinity, infinity, 0.5F}, Color8(255, 0, 0)}};
+    for (auto const& [hsl, expected] : outside) {
         Color color;
         urUtil::HSLtoRGB(hsl, color);
         EXPECT_EQ(Color8(color), expected) << hsl.h;

@@ -37,7 +37,8 @@ TEST(LinkedListNode, CircularListFollowsAPlainVector) {
         } else if (place != model.end()) {
             page.unlink();
             model.erase(place);
-            ASSERT_TRUE(!page.next() && !page.previous());
+            ASSERT_EQ(page.next(), nullptr);
+            ASSERT_EQ(page.previous(), nullptr);
         } else {
             std::size_t const at = random() % (model.size() + 1);
             Node& before = at == 0 ? sentinel : static_cast<Node&>(*model[at - 1]);
@@ -53,12 +54,14 @@ TEST(LinkedListNode, OpenListEndsWithNull) {
     Page first, middle, last;
     middle.insertAfter(first);
     last.insertAfter(middle);
-    EXPECT_TRUE(first.next() == &middle && middle.next() == &last && !last.next());
+    EXPECT_EQ(first.next(), &middle);
+    EXPECT_EQ(last.next(), nullptr);
     first.unlink();
     first.insertBefore(middle);
-    EXPECT_TRUE(!first.previous() && last.previous() == &middle && middle.previous() == &first);
+    EXPECT_EQ(first.previous(), nullptr);
+    EXPECT_EQ(middle.previous(), &first);
     last.unlink();
-    EXPECT_TRUE(!middle.next() && !last.previous());
+    EXPECT_EQ(middle.next(), nullptr);
 }
 
 }  // namespace
