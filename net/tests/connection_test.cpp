@@ -24,25 +24,28 @@ TEST(Request, KeepsOneValueForEachNameInTheOrderOfNames) {
 }
 
 TEST(Request, IsChargedForWhatItHolds) {
-    auto const account = std::make_shared<ur::Account>();
+    auto const account = std::make_shared<ur::Account>(), other = std::make_shared<ur::Account>();
     auto request = ur::make<Request>();
-    urString::CString const page(100'000, 'x');
+    urString::CString const page(1000, 'x');
     request->addHeader("h", page);
     request->chargeTo(account);
+    request->chargeTo(other);  // charged already
     std::size_t const before = account->native();
-    EXPECT_GE(before, 100'000U);
-    request->setUrl(page);
+    for (std::size_t const size : {1000U, 400U, 700U}) {
+        request->setUrl(page.substr(0, size));
+        EXPECT_EQ(account->native(), before + size);
+    }
     request->setHTTPMethod(page);
     request->setFileForUpload(page);
     request->addPostData(page, page);
-    EXPECT_GE(account->native(), before + 500'000 - 3);
-    account->setBounds({.allowed = account->used() + 50'000});
-    for (int i = 0; i < 3; ++i) request->addHeader("h", page);
+    std::size_t const whole = account->native();
+    EXPECT_GE(whole, before + 4700 - 3);
+    request->addPostData(page, page);
+    EXPECT_EQ(account->native(), whole);
+    account->setBounds({.allowed = account->used() + 500});
+    request->addHeader("h", page);
     EXPECT_THROW(request->addHeader("i", page), ur::BudgetSpent);
-    request->setUrl("");
-    request->addHeader("i", page);
-    ur::Reference<Request> const copy = ur::make<Request>();
-    EXPECT_THROW(*copy = *request, ur::BudgetSpent);
+    EXPECT_THROW(*ur::make<Request>() = *request, ur::BudgetSpent);
     request = nullptr;
     EXPECT_EQ(account->native(), 0U);
 }
@@ -83,12 +86,14 @@ TEST_P(ConnectionEnd, IsToldOnceWithTheDataFunctionReleasedBefore) {
     end();
     transfer->arrive("late");
     transfer->setFailed(-3);
-    EXPECT_TRUE(transfer->getStatus() == Connection::ConnectionFailed && transfer->getError() == -3);
+    EXPECT_EQ(transfer->getStatus(), Connection::ConnectionFailed);
+    EXPECT_EQ(transfer->getError(), -3);
     std::string const stopped = GetParam().status == Connection::Cancelled ? "1stop " : "";
     EXPECT_EQ(log, "1?b" + stopped + std::to_string(GetParam().status) + "!");
 }
 
 TEST_P(ConnectionEnd, KeepsFunctionsThatAreInstalledWhileItIsTold) {
+    EXPECT_EQ(transfer->getError(), 0);
     transfer->setStatusFunc([this] { transfer->setStatusFunc([this] { log += "again"; }); });
     end();
     EXPECT_EQ(log, "");
