@@ -86,14 +86,14 @@ TEST_F(AtomicFiles, TakeTheOldOnesPlaceWhenCommitted) {
 }
 
 TEST_F(AtomicFiles, ThatAreNotCommittedOrFailLeaveTheOldFileAndNothingElse) {
-    {
-        AtomicFile file;
-        ASSERT_TRUE(file.open(wide(target())).ok());
-        ASSERT_TRUE(file.write("new", 3).ok());
-    }
     AtomicFile file;
-    ASSERT_TRUE(file.open(wide(target())).ok());
-    ASSERT_TRUE(file.write("new", 3).ok());
+    {
+        AtomicFile dropped;
+        for (AtomicFile* const each : {&dropped, &file}) {
+            ASSERT_TRUE(each->open(wide(target())).ok());
+            ASSERT_TRUE(each->write("new", 3).ok());
+        }
+    }
     EXPECT_EQ(text(), "the old text");
     fs::remove(target());
     fs::create_directories(path("target/in the way"));
@@ -221,7 +221,8 @@ TEST_F(AtomicFiles, OverwriteTheOldOneOnlyWhenTheyFit) {
 TEST_F(AtomicFiles, OverwriteTheFileThatWasThereWhenTheyWereOpened) {
     fs::create_hard_link(target(), path("again"));
     AtomicFile file;
-    ASSERT_TRUE(file.open(wide(target())).ok() && file.write("new", 3).ok());
+    ASSERT_TRUE(file.open(wide(target())).ok());
+    ASSERT_TRUE(file.write("new", 3).ok());
     fs::remove(target());
     ASSERT_EQ(mkfifo(target().c_str(), 0600), 0);  // opening it would wait for a reader
     EXPECT_TRUE(file.commit().ok());
@@ -235,7 +236,9 @@ TEST_F(AtomicFiles, KeepPermissionsAttributesAndTheLinkToThem) {
     bool const hasAttributes = setxattr(target().c_str(), "user.note", "kept", 4, 0) == 0;
     Facts const before(target());
     AtomicFile file;
-    ASSERT_TRUE(file.open(wide(path("link"))).ok() && file.write("new", 3).ok() && file.commit().ok());
+    ASSERT_TRUE(file.open(wide(path("link"))).ok());
+    ASSERT_TRUE(file.write("new", 3).ok());
+    ASSERT_TRUE(file.commit().ok());
     EXPECT_EQ(text(), "new");
     EXPECT_FALSE(Facts(target()).sameFile(before));
     EXPECT_EQ(Facts(target()).facts.st_mode, before.facts.st_mode);

@@ -62,9 +62,11 @@ TEST_F(Files, KnowTheirPlaceAndCloseOnlyTheirOwnDescriptors) {
     EXPECT_TRUE(file.sync().ok());
     File borrower;
     EXPECT_TRUE(borrower.attach(file.descriptor(), File::Ownership::borrowed).ok());
-    EXPECT_TRUE(borrower.isOpen() && borrower.close().ok() && !borrower.isOpen());
+    EXPECT_TRUE(borrower.close().ok());
+    EXPECT_FALSE(borrower.isOpen());
     EXPECT_TRUE(file.seek(1).ok()) << "still open";
-    EXPECT_TRUE(borrower.attach(file.descriptor(), File::Ownership::own).ok() && borrower.close().ok());
+    EXPECT_TRUE(borrower.attach(file.descriptor(), File::Ownership::own).ok());
+    EXPECT_TRUE(borrower.close().ok());
     for (urUtil::Error const& error : {file.seek(0), file.tell(position), file.size(position), file.sync()}) {
         EXPECT_EQ(error.code(), EBADF) << "closed by the other";
     }
