@@ -72,7 +72,7 @@ void print(Row const& row, Unit unit) {
 void Suite::compare(std::string const& name, double target, std::function<Sides()> const& prepare, Unit unit) {
     if (options_.side >= 0 ? name != options_.filter : name.find(options_.filter) == std::string::npos) return;
     isEmpty_ = false;
-    if (options_.list) return static_cast<void>(std::puts(name.c_str()));
+    if (options_.list) return static_cast<void>(std::printf("%s\t%g\n", name.c_str(), target));
     Sides const sides = prepare();
     if (options_.side >= 0) return countSide(name, sides);
     std::vector<Measured> const costs = interleaved(sides, options_.quick, unit);
@@ -89,7 +89,8 @@ void Suite::compare(std::string const& name, double target, std::function<Sides(
 void Suite::compareGrowth(std::string const& subject, std::size_t least,
                           std::function<double(std::size_t)> const& work) {
     constexpr double steepest = 2.0;  // a larger working set no longer fits the processor's caches
-    for (std::size_t n = 10 * least; n <= (quick() ? 100 : 1000) * least; n *= 10) {
+    std::size_t const most = (quick() ? 100 : options_.large ? 10000 : 1000) * least;
+    for (std::size_t n = 10 * least; n <= most; n *= 10) {
         double const count = static_cast<double>(n);
         double const factor = 10 * std::log2(count) / std::log2(count / 10);
         compare("growth/" + subject + "/" + std::to_string(n), steepest, [=] {

@@ -70,7 +70,8 @@ public:
         std::string filter;    // only rows whose names contain it
         std::string jsonFile;  // the file for `writeJson`; empty for none
         std::string folder;    // of further JSON files to read, write and copy; empty for none
-        bool list = false;     // only prints the names of the rows
+        bool large = false;    // growth to ten times the usual number, which takes gigabytes and minutes
+        bool list = false;     // only prints the names and targets of the rows
         int side = -1;         // measures only this side of the row named by `filter`, once, for bench/count
     };
 
@@ -82,7 +83,8 @@ public:
                  Unit unit = Unit::seconds);
 
     /// Adds rows `growth/SUBJECT/N` for N = 10, 100 and 1000 times `least`. Each compares the seconds of `work` for N
-    /// with ten times those for N / 10, and allows growth by n log n. A quick run leaves out the last row.
+    /// with ten times those for N / 10, and allows growth by n log n. A quick run leaves out the last row, a large one
+    /// adds 10,000 times `least`.
     void compareGrowth(std::string const& subject, std::size_t least, std::function<double(std::size_t)> const& work);
 
     [[nodiscard]] bool quick() const { return options_.quick; }

@@ -15,6 +15,8 @@ int main(int argc, char** argv) {
             options.jsonFile = argv[++i];
         } else if (std::strcmp(argv[i], "--files") == 0 && i + 1 < argc) {
             options.folder = argv[++i];
+        } else if (std::strcmp(argv[i], "--large") == 0) {
+            options.large = true;
         } else if (std::strcmp(argv[i], "--list") == 0) {
             options.list = true;
         } else if (std::strcmp(argv[i], "--side") == 0 && i + 1 < argc) {
@@ -24,7 +26,7 @@ int main(int argc, char** argv) {
         } else {
             std::fprintf(stderr, "nxbench: %s is no option, or lacks its FILE or FOLDER\n", argv[i]);
             std::fprintf(
-                stderr, "usage: nxbench [--quick] [--json FILE] [--files FOLDER] [--list] [PART OF THE ROWS' NAMES]\n");
+                stderr, "usage: nxbench [--quick | --large] [--json FILE] [--files FOLDER] [--list] [PART OF THE ROWS' NAMES]\n");
             return 2;
         }
     }
