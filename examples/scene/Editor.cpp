@@ -45,7 +45,6 @@ Editor::Editor(urThread::RunQueue& queue, Path folder)
         if (job.failed()) messageSignal.emit(job.failureText());
         changedSignal.emit();
     });
-    loadSettings();
 }
 // [editor]
 
@@ -101,7 +100,9 @@ void Editor::importMesh(Path const& path) {
 
 // [files]
 void Editor::open(Path const& path) {
-    if (report(nxSupport::open(document_, path))) path_ = path;
+    if (!report(nxSupport::open(document_, path))) return;
+    path_ = path;
+    recovered_.clear();  // its file stays for the next start
     changedSignal.emit();
 }
 

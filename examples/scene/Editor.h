@@ -55,6 +55,8 @@ public:
     /// "desk.json*" for a modified document.
     [[nodiscard]] std::string title() const;
 
+    /// Call it once somebody listens to messages.
+    void loadSettings();
     [[nodiscard]] Settings const& settings() const { return settings_; }
     void setSettings(Settings const& settings);
 
@@ -74,7 +76,6 @@ protected:
 
 private:
     bool report(urUtil::Error const& error);
-    void loadSettings();
     void stopTimeline();
 
     std::filesystem::path const folder_;

@@ -25,9 +25,13 @@ MainWindow::MainWindow(Editor& editor, std::filesystem::path scripts)
       panel_(new PropertyPanel(editor)),
       history_(new HistoryPanel(editor)),
       console_(new Console(editor, scripting_)),
-      debugPage_(new DebugPage(editor)),
       progress_(new QProgressBar),
       counters_(new QLabel) {
+    editor.messageSignal.addCallback(client_, [this](std::string_view text) {
+        statusBar()->showMessage(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())), 10000);
+    });
+    editor.loadSettings();
+    debugPage_ = new DebugPage(editor);
     resize(1100, 700);
     setCentralWidget(&viewport_);
     addDock("Objects", outliner_, Qt::LeftDockWidgetArea);
@@ -52,9 +56,6 @@ MainWindow::MainWindow(Editor& editor, std::filesystem::path scripts)
         progress_->setFormat(QString::fromUtf8(job.name().c_str()) + " %p%");
         progress_->setValue(static_cast<int>(100 * part));
         progress_->show();
-    });
-    editor.messageSignal.addCallback(client_, [this](std::string_view text) {
-        statusBar()->showMessage(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())), 10000);
     });
     auto const later = [this] { status_.start(0); };
     editor.changedSignal.addCallback(client_, later);
@@ -107,6 +108,7 @@ void MainWindow::addCommands() {
     add(edit, "Group", Qt::CTRL | Qt::Key_G, [this] { group(); });
     QMenu* const view = menuBar()->addMenu("View");
     add(view, "Look at selection", Qt::CTRL | Qt::Key_F, [this] { viewport_.frameSelection(); });
+    add(view, "Reload meshes", QKeySequence::Refresh, [this] { reload(); });
     using Tool = Viewport::Tool;
     QMenu* const tools = menuBar()->addMenu("Tools");
     add(tools, "Move", Qt::CTRL | Qt::Key_1, [this] { viewport_.setTool(Tool::move); });
@@ -166,6 +168,13 @@ void MainWindow::group() {
         }
         editor_.document().select({made.get()});
     });
+}
+
+void MainWindow::reload() {
+    for (Object const* const object : editor_.document().selection()) {
+        editor_.shapes().reload(object->get<std::string>("file"));
+    }
+    viewport_.refresh();
 }
 
 // [clipboard]

@@ -44,6 +44,7 @@ private:
     bool saveByDialog();
     void deleteSelected();
     void group();
+    void reload();
     void copy();
     void paste();
     void showStatus();
@@ -55,7 +56,7 @@ private:
     PropertyPanel* panel_;
     HistoryPanel* history_;
     Console* console_;
-    DebugPage* debugPage_;
+    DebugPage* debugPage_ = nullptr;
     QProgressBar* progress_;
     QLabel* counters_;
     QTimer status_;

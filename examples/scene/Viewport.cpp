@@ -223,6 +223,7 @@ std::unique_ptr<Drag> Viewport::dragFor(QMouseEvent const& event) {
 void Viewport::mousePressEvent(QMouseEvent* event) {
     if (drag_ || event->button() == Qt::NoButton) return;
     drag_ = dragFor(*event);
+    button_ = event->button();
     if (drag_ && tool_ == Tool::smooth) drag_->move(event->position().x(), event->position().y());
 }
 
@@ -233,8 +234,8 @@ void Viewport::mouseMoveEvent(QMouseEvent* event) {
     if (tool_ != Tool::smooth) requestCursor(shown && shown->axisAt(at.x(), at.y()) >= 0 ? "arrows" : "");
 }
 
-void Viewport::mouseReleaseEvent(QMouseEvent*) {
-    if (!drag_) return;
+void Viewport::mouseReleaseEvent(QMouseEvent* event) {
+    if (!drag_ || event->button() != button_) return;
     std::unique_ptr<Drag> const done = std::move(drag_);
     done->finish();
     refresh();

@@ -63,7 +63,8 @@ private:
     Camera camera_;
     Tool tool_ = Tool::move;
     std::unique_ptr<Drag> drag_;
-    QRect box_;  ///< that is being drawn
+    Qt::MouseButton button_ = Qt::NoButton;  ///< that began the drag
+    QRect box_;                              ///< that is being drawn
     bool isDirty_ = true;
     bool isFramed_ = false;  ///< the camera looks at the scene that was opened
     std::unique_ptr<Frame> shown_;

@@ -1,6 +1,7 @@
 // Starts the editor.
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QStandardPaths>
 #include <QStyleFactory>
 #include <cstdio>
 
@@ -15,7 +16,9 @@ bool savePicture(scene::MainWindow& window, scene::Editor& editor, QString const
         QCoreApplication::processEvents(QEventLoop::AllEvents, 50);
     } while (editor.jobs().isBusy() || !window.viewport().isUpToDate());
     QCoreApplication::processEvents();
-    return window.grab().save(file);
+    bool const isSaved = window.grab().save(file);
+    if (!isSaved) std::fprintf(stderr, "nxscene: %s: cannot be written\n", qPrintable(file));
+    return isSaved;
 }
 
 }  // namespace
@@ -28,17 +31,28 @@ int main(int argc, char** argv) {
     QCommandLineParser options;
     options.addHelpOption();
     options.addPositionalArgument("files", "Scenes and meshes to open.", "[files...]");
-    options.addOptions({{"folder", "For settings and autosaves.", "folder", "."},
+    options.addOptions({{"folder", "For settings and autosaves.", "folder",
+                         QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation)},
                         {"scripts", "The scripts of the menu.", "folder", NX_SCENE_SCRIPTS},
                         {"run", "Runs a script at first; may be given several times.", "script"},
                         {"picture", "Saves a picture of the window, then quits.", "file"}});
     options.process(application);
 
+    std::filesystem::path const folder = options.value("folder").toStdString();
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) {
+        std::fprintf(stderr, "nxscene: %s: %s\n", folder.c_str(), error.message().c_str());
+        return 1;
+    }
     scene::Queue queue;
-    scene::Editor editor(queue, options.value("folder").toStdString());
+    scene::Editor editor(queue, folder);
+    editor.messageSignal.addCallback([](std::string_view text) {
+        std::fprintf(stderr, "nxscene: %.*s\n", static_cast<int>(text.size()), text.data());
+    });
     scene::MainWindow window(editor, options.value("scripts").toStdString());
     window.show();
-    editor.recover();
+    if (options.positionalArguments().isEmpty()) editor.recover();
     window.openFiles(options.positionalArguments());
     for (QString const& script : options.values("run")) {
         if (!window.scripting().runFile(script.toStdString())) return 1;

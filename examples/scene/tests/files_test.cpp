@@ -93,15 +93,17 @@ TEST_F(Files, DocumentsAreSavedAndOpened) {
     settle();
     Object& again = *find("spider");
     EXPECT_TRUE(std::ranges::equal(latestMesh(editor.shapes().of(again))->vertices(), mesh->vertices()));
-    editor.shapes().reload(again.get<std::string>("file"));
-    view().refresh();
-    settle();
+    select({&again});
+    run("Reload meshes");
     EXPECT_EQ(latestMesh(editor.shapes().of(again))->vertexCount(), mesh->vertexCount()) << "read again";
 }
 
 TEST_F(Files, SettingsLimitTheCacheWhichPagesToDisk) {
     editor.setSettings({.cacheMegabytes = 0.25});
-    EXPECT_EQ(Editor(queue, folder.path().toStdString()).settings().cacheMegabytes, 0.25);
+    Editor other(queue, folder.path().toStdString());
+    other.messageSignal.addCallback([this](std::string_view text) { messages.emplace_back(text); });
+    other.loadSettings();
+    EXPECT_EQ(other.settings().cacheMegabytes, 0.25);
     for (char const* file : {"OBJ/spider.obj", "OFF/Wuson.off", "STL/3DSMaxExport.STL"}) import(file);
     editor.perform("Detail", [&] {
         for (Object& mesh : editor.document().root().children()) mesh.set("detail", "full");
@@ -111,6 +113,8 @@ TEST_F(Files, SettingsLimitTheCacheWhichPagesToDisk) {
     EXPECT_EQ(view().frame()->triangleCount(), 1368U + 3732 + 2000) << "what was paged out is drawn all the same";
     EXPECT_LE(editor.cache().getMemoryUsed(), 262144U);
     write("settings.json", "{\"cacheMegabytes\": \n oops}");
+    other.loadSettings();
+    EXPECT_THAT(messages, testing::ElementsAre(HasSubstr("settings.json: line 2: ")));
 }
 
 /// Runs the program.
@@ -154,6 +158,26 @@ TEST_F(Files, PicturesAreTheSameEachTime) {
     }
     EXPECT_GT(pictures[0].size(), 10000);
     EXPECT_EQ(pictures[0], pictures[1]);
+}
+
+TEST_F(Files, TheProgramFailsWithALine) {
+    std::string const bad = write("bad.lua", "scene.find('x').position = 1");
+    struct Case {
+        QStringList arguments;
+        char const* line;
+    };
+    Case const cases[] = {
+        {{"--folder", "/proc/none"}, "nxscene: /proc/none: "},
+        {{"--folder", folder.path(), "--run", QString::fromStdString(bad)}, "nxscene: bad.lua:1: "},
+        {{"--folder", folder.path(), "--run", "none.lua"}, "nxscene: none.lua: cannot be read"},
+        {{"--folder", folder.path(), "--picture", "/proc/none.png"}, "nxscene: /proc/none.png: cannot be written"},
+    };
+    for (auto const& [arguments, line] : cases) {
+        Program program(arguments);
+        ASSERT_TRUE(program.waitForFinished(30000));
+        EXPECT_EQ(program.exitCode(), 1);
+        EXPECT_THAT(program.readAll().toStdString(), HasSubstr(line));
+    }
 }
 
 }  // namespace

@@ -58,6 +58,7 @@ TEST_F(View, TakesADragBackOnEscape) {
     auto const before = steps();
     QPoint const from = handle(0);
     press(from);
+    release(from, Qt::RightButton);  // of another button
     moveTo(from + QPoint(40, 30));
     EXPECT_NE(box.get<Point>("position"), Point());
     editor.autosave();  // not during a drag
