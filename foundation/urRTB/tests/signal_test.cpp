@@ -60,7 +60,8 @@ TEST_F(SignalTest, TakesEveryFormOfCallbackAndDescribesEach) {
     one.connections()[0].disconnect();
     auto const connections = one.connections();
     ASSERT_EQ(connections.size(), 4U);
-    EXPECT_TRUE(connections[0].blocked() && !connections[1].blocked());
+    EXPECT_TRUE(connections[0].blocked());
+    EXPECT_FALSE(connections[1].blocked());
     EXPECT_NE(connections[0].describe(), "");
     EXPECT_NE(connections[1].describe().find("Doubler"), std::string::npos);
     EXPECT_NE(connections[3].describe().find("TakesEveryForm"), std::string::npos);
@@ -75,13 +76,13 @@ TEST_F(SignalTest, HandlesOutliveTheSignalButNotTheCallbacksCaptures) {
     EXPECT_EQ(held(), 1);
     signal.reset();
     EXPECT_EQ(held(), 0);
-    EXPECT_FALSE(second.connected());
-    second.block();
-    EXPECT_FALSE(second.blocked());
-    second.disconnect();
-    Connection().disconnect();
-    Connection().block();
-    Connection().unblock();
+    for (Connection const& ended : {first, second, Connection()}) {
+        EXPECT_FALSE(ended.connected());
+        ended.block();
+        EXPECT_FALSE(ended.blocked());
+        ended.unblock();
+        ended.disconnect();
+    }
 }
 
 TEST_F(SignalTest, ScopedOwnersEndWhatTheyOwnAndCopiedSignalsOwnNothing) {
@@ -140,19 +141,16 @@ TEST_F(SignalTest, TheEndOfAConnectionMayDestroyTheSignalAndTheClientDuringAnEmi
 }
 
 TEST_F(SignalTest, TheEndOfAConnectionMayRemoveTheNextOneOrAddAnother) {
-    using AtEnd = std::shared_ptr<void>;
-    auto signal = std::make_unique<Signal<>>();
-    Connection self;
-    Connection next;
-    auto const removeNext = [&](void*) { next.disconnect(); };
-    auto const addAnother = [this, raw = signal.get()](void*) { raw->addCallback([token = token] {}); };
-    self = signal->addCallback([&, atEnd = AtEnd(nullptr, removeNext)] { self.disconnect(); });
-    next = signal->addCallback([token = token] { log += "next"; });
-    signal->addCallback([atEnd = AtEnd(nullptr, addAnother)] { log += "last"; });
-    signal->emit();
+    Signal<> signal;
+    Connection self, next;
+    auto const atEnd = [](auto act) { return std::shared_ptr<void>(nullptr, [act](void*) { act(); }); };
+    self = signal.addCallback([&, end = atEnd([&] { next.disconnect(); })] { self.disconnect(); });
+    next = signal.addCallback([] { log += "next"; });
+    signal.addCallback([end = atEnd([&] { signal.addCallback([token = token] {}); })] { log += "last"; });
+    signal.emit();
     EXPECT_EQ(log, "last");
-    signal.reset();
-    EXPECT_EQ(held(), 0);
+    signal.disconnectAll();
+    EXPECT_EQ(held(), 1);
 }
 
 TEST_F(SignalTest, DisconnectingInAnyOrderNeverSearches) {
