@@ -119,17 +119,5 @@ TEST(Dump, IndentsOnlyWhileThatIsFreeOrInProportion) {
               static_cast<std::ptrdiff_t>(lines + 1));
 }
 
-TEST(Dump, IndentsSomeHundredLevelsInFull) {
-    Reference<Item> item = make<Double>(1);
-    std::string open;
-    std::string close;
-    for (int depth = 400; depth > 0; --depth) {
-        item = dictionaryOf({{"k", item}});
-        open = "{\n" + std::string(4U * depth, ' ') + "\"k\": " + open;
-        close += "\n" + std::string(4U * (depth - 1), ' ') + "}";
-    }
-    EXPECT_EQ(asJSON(item), open + "1" + close + "\n");
-}
-
 }  // namespace
 }  // namespace nxPLST

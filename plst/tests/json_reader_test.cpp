@@ -12,37 +12,30 @@ namespace {
 
 using namespace test;
 
-TEST(ReadJson, GivesTheItemsOfTheText) {
-    auto const one = make<Double>(1), two = make<Double>(2), large = make<Double>(0x1p63);
-    auto const yes = make<Bool>(true);
+TEST(ReadJson, DropsNullsTakesTheLastOfEqualKeysAndRefusesWhatNoItemHolds) {
+    auto const two = make<Double>(2);
     std::pair<char const*, Reference<Item>> const cases[] = {
-        {R"({"b":[1,-2.5e3,true],"a":"x"})",
-         dictionaryOf({{"a", make<String>("x")}, {"b", arrayOf({one, make<Double>(-2500), yes})}})},
-        {"[1,null,2]", arrayOf({one, two})},
+        {"[1,null,2]", arrayOf({make<Double>(1), two})},
         {R"({"a":null,"b":{"c":null}})", dictionaryOf({{"b", make<Dictionary>()}})},
         {R"({"a":1,"a":2,"a":null})", dictionaryOf({{"a", two}})},
         {"null", nullptr},
-        {"[/* c */true]", arrayOf({yes})},
-        {"1 // trailing", one},
-        {"-0", make<Double>(0)},
-        {"-0.0", make<Double>(-0.0)},
-        {R"(["\ud83d\ude00\u00e9\n"])", arrayOf({make<String>("😀é\n")})},
-        {"9223372036854775807", large},
-        {"[9223372036854775808.0]", arrayOf({large})},
-        {"[-1e-400]", arrayOf({make<Double>(-0.0)})},
+        {"2 // trailing", two},
+        {"[9223372036854775808.0]", arrayOf({make<Double>(0x1p63)})},
     };
-    for (auto const& [text, expected] : cases) {
-        Reference<Item> item = yes;
-        EXPECT_TRUE(convertFromJSON(item, text) && same(item, expected)) << text;
-    }
-    std::string const large400 = "[1" + std::string(400, '0') + ".0]";
-    std::string const small800 = "[0." + std::string(800, '0') + "1e100]";
     Reference<Item> item;
-    EXPECT_TRUE(convertFromJSON(item, small800) && same(item, arrayOf({make<Double>(0)})));
-    for (char const* text :
-         {"9223372036854775808", "[-9223372036854775808]", "[1e309]", large400.c_str(), "[1][2]", "", " "}) {
-        item = yes;
-        EXPECT_TRUE(!convertFromJSON(item, text) && item == yes) << text;
+    for (auto const& [text, expected] : cases) {
+        item = make<Bool>();
+        EXPECT_TRUE(convertFromJSON(item, text)) << text;
+        EXPECT_TRUE(same(item, expected)) << text;
+    }
+    std::string const small800 = "[0." + std::string(800, '0') + "1e100]";
+    EXPECT_TRUE(convertFromJSON(item, small800));
+    EXPECT_TRUE(same(item, arrayOf({make<Double>(0)})));
+    std::string const large400 = "[1" + std::string(400, '0') + ".0]";
+    for (char const* text : {"9223372036854775808", "[1e309]", large400.c_str(), "[1][2]", "", " "}) {
+        item = two;
+        EXPECT_FALSE(convertFromJSON(item, text)) << text;
+        EXPECT_EQ(item, two);
     }
 }
 
@@ -62,17 +55,6 @@ TEST(ReadJson, MayReplaceTheTreeThatHoldsItsText) {
     Reference<Item> item = make<String>(urString::CString::format("[\"%s\"]", text));
     EXPECT_TRUE(convertFromJSON(item, asString(item)->value()));
     EXPECT_TRUE(same(item, arrayOf({make<String>(text)})));
-}
-
-TEST(ReadJson, KeepsTheLastOfManyEqualKeys) {
-    std::string text = "{";
-    for (int i = 0; i < 5000; ++i) text += "\"key " + std::to_string(i * 7 % 50) + "\":" + std::to_string(i) + ",";
-    auto const expected = make<Dictionary>();
-    for (int i = 4950; i < 5000; ++i)
-        expected->insert(urString::CString::format("key %d", i * 7 % 50), make<Double>(i));
-    expected->insert("", make<Double>(0));
-    Reference<Item> item;
-    EXPECT_TRUE(convertFromJSON(item, urString::CString(text + "\"\":0}")) && same(item, expected));
 }
 
 /// The item of the tape's next value, without nulls, as in trees.
@@ -122,7 +104,8 @@ bool agree(std::string const& text) {
     std::vector<char> const block(text.begin(), text.end());
     Reference<Item> const fast = impl::FastJsonReader({block.data(), block.size()}).read();
     if (!fast) return false;
-    EXPECT_TRUE(accepted && same(fast.get(), plain.get())) << text;
+    EXPECT_TRUE(accepted) << text;
+    EXPECT_TRUE(same(fast.get(), plain.get())) << text;
     return true;
 }
 

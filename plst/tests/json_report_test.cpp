@@ -28,7 +28,7 @@ TEST(JsonFault, IsTheFirstInvalidByte) {
         {"", 0, 1, 1, "there is no value in the text"},
         {"// nothing\n", 11, 2, 1, "there is no value in the text"},
         {"[1,\n 2\n 3]", 8, 3, 2, "expected ',' or ']'"},
-        {"[1,]", 3, 1, 4, "expected a value"},
+        {"[12345678901234567890.5,\r]", 25, 1, 26, "expected a value"},
         {"{\"ä\": \"ö\" 1}", 12, 1, 11, "expected ',' or '}'"},
         {"{\"a\" 1}", 5, 1, 6, "expected ':'"},
         {"{a:1}", 1, 1, 2, "expected a key in quotes or '}'"},

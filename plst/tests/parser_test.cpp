@@ -14,18 +14,18 @@ ur::Reference<Array> numbers(int count) {
     return array;
 }
 
-TEST(Parser, AcceptsOnlyTheKindItself) {
-    Parser parser(make<Double>(1.0), false);
-    EXPECT_TRUE(parser.parseDouble() && parser.parseDouble()) << "it takes nothing away";
-    EXPECT_FALSE(parser.parseBool() || parser.parseString() || parser.parseArray() || parser.parseDictionary());
-    EXPECT_TRUE(Parser().null() && !Parser().parseDouble() && !Parser(nullptr, false).parseNumericArray());
-}
-
-TEST(Parser, ChecksNumericArrays) {
-    Parser three(numbers(3), false);
-    EXPECT_TRUE(three.parseNumericArray(3) && three.parseNumericArray() && !three.parseNumericArray(2));
-    Parser none(numbers(0), false);
-    EXPECT_TRUE(none.parseNumericArray() && none.parseNumericArray(0));
+TEST(Parser, AcceptsOnlyTheKindItselfAndTakesNothingAway) {
+    bool (Parser::*const checks[])() = {&Parser::parseBool, &Parser::parseDouble, &Parser::parseString,
+                                        &Parser::parseArray, &Parser::parseDictionary};
+    ur::Reference<Item> const items[] = {make<Bool>(),  make<Double>(),     make<String>(""),
+                                         make<Array>(), make<Dictionary>(), nullptr};
+    for (std::size_t item = 0; item < std::size(items); ++item) {
+        Parser parser(items[item], false);
+        EXPECT_EQ(parser.null(), !items[item]);
+        for (std::size_t i = 0; i < 10; ++i) EXPECT_EQ((parser.*checks[i % 5])(), i % 5 == item);
+        EXPECT_EQ(parser.parseNumericArray(), item == 3) << "an empty one";
+        for (int size : {0, 3}) EXPECT_EQ(Parser(numbers(size), false).parseNumericArray(3), size == 3);
+    }
 }
 
 TEST(Parser, ThrowsFalseInThrowModeExceptForAnElementOfAnotherKind) {

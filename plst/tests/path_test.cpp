@@ -14,12 +14,12 @@ std::string refusal(std::string_view text) {
 
 TEST(Paths, AreReadAndSpelled) {
     std::string error;
-    auto const path = parsePath(R"(.a["b c"][-1]."\"\\\n\u00e4\ud83d\ude00"._9ä)", error);
+    auto const path = parsePath(R"(.a["b c"][-1]."\"\\\n\u00e4\ud83d\ude00"._09ä)", error);
     ASSERT_TRUE(path);
-    EXPECT_EQ(*path, (Path{"a", "b c", -1L, "\"\\\nä😀", "_9ä"}));
+    EXPECT_EQ(*path, (Path{"a", "b c", -1L, "\"\\\nä😀", "_09ä"}));
     std::string spelled;
     for (auto const& step : *path) spelled += stepText(step);
-    EXPECT_EQ(spelled, ".a.\"b c\"[-1].\"\\\"\\\\\\u000aä😀\"._9ä");
+    EXPECT_EQ(spelled, ".a.\"b c\"[-1].\"\\\"\\\\\\u000aä😀\"._09ä");
     EXPECT_EQ(parsePath(spelled, error), path);
     EXPECT_EQ(parsePath(".", error), Path());
     EXPECT_EQ(parsePath("", error), Path());
