@@ -25,8 +25,9 @@ int main(int argc, char** argv) {
             options.filter = argv[i];
         } else {
             std::fprintf(stderr, "nxbench: %s is no option, or lacks its FILE or FOLDER\n", argv[i]);
-            std::fprintf(
-                stderr, "usage: nxbench [--quick | --large] [--json FILE] [--files FOLDER] [--list] [PART OF THE ROWS' NAMES]\n");
+            std::fprintf(stderr,
+                         "usage: nxbench [--quick | --large] [--json FILE] [--files FOLDER] [--list] [PART OF THE "
+                         "ROWS' NAMES]\n");
             return 2;
         }
     }

@@ -28,8 +28,9 @@ using OpenProgress = std::function<bool(double)>;
 /// catalog does not know, classes and properties of other or newer programs, is kept and saved again.
 ///
 /// JSON with values that no item holds (nulls, repeated keys, integers that are rounded) is refused, so that saving
-/// again never loses them. After an error, also when cancelled, the document is what it was. The error names the file, the line or the place in
-/// the tree, the object, the property and the mistake. An error as well while a transaction is open.
+/// again never loses them. After an error, also when cancelled, the document is what it was. The error names the file,
+/// the line or the place in the tree, the object, the property and the mistake. An error as well while a transaction is
+/// open.
 NX_API urUtil::Error open(Document& document, urString::IString const& path, OpenProgress const& progress = {});
 
 }  // namespace nxSupport

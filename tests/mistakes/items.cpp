@@ -37,7 +37,7 @@ auto const item = nxPLST::itemOf(Stroke{1});
 void listMembers(Made& made, auto&& visit) { visit("pressure", made.pressure); }
 Made first(Item const& item) { return nxPLST::valueOf<Made>(item, Made(1)); }
 
-// says: a value without a default constructor is read with a fallback | that lists its members has a default constructor
+// says: a value without a default constructor is read with a fallback | lists its members has a default constructor
 void listMembers(Made& made, auto&& visit) { visit("pressure", made.pressure); }
 Made first(Item const& item) { return nxPLST::valueOf<Made>(item); }
 

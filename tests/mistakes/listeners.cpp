@@ -13,10 +13,14 @@ extern nxSupport::Prop<double>& width;
 auto const saved = ur::make<Saved>();
 
 // says: a callback of this signal can be called with its arguments
-void listen(urRTB::Signal<int>& changed) { changed.addCallback([](char const* text) { return text; }); }
+void listen(urRTB::Signal<int>& changed) {
+    changed.addCallback([](char const* text) { return text; });
+}
 
 // says: what a run queue runs is called without arguments
-void later(urThread::RunQueue& queue) { queue.add([](int count) { return count; }); }
+void later(urThread::RunQueue& queue) {
+    queue.add([](int count) { return count; });
+}
 
 // says: messages derive from nxSupport::Broadcaster::Message
 void tell(Saved& saved) { broadcaster.broadcast(saved); }

@@ -14,7 +14,9 @@ extern nxTXN::Manager& manager;
 extern nxTXN::Serializer& serializer;
 
 // says: what nxTXN::edit runs is called without arguments
-void move() { nxTXN::edit(manager, "Move", [](int) {}); }
+void move() {
+    nxTXN::edit(manager, "Move", [](int) {});
+}
 
 // says: the objects of an nxTXN::ObjectList derive from nxTXN::RefCountedObject
 nxTXN::ObjectList<Stroke> const strokes(manager);

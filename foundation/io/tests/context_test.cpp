@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "foundation/io/tests/packetFiles.h"
 
@@ -9,54 +11,40 @@ namespace {
 
 using namespace ioTest;
 
-TEST(WriteContext, ReportsFaultsAndWritesNoEndMark) {
-    int const object = 0;
-    struct Case {
-        ioStatus status;
-        Writing write;
-    };
-    Case const cases[] = {
-        {ioStatus::unknownType, [](auto& c) { c.startPacket("z", nullptr); }},
-        {ioStatus::unknownType, [](auto& c) { EXPECT_EQ(c.firstByteOf(c.typeId("z")), 0); }},
-        {ioStatus::misuse, [](auto& c) { c.writeIntValue(1); }},
-        {ioStatus::misuse, [](auto& c) { c.writeNameValue("k"); }},
-        {ioStatus::misuse, [](auto& c) { c.writeReference(nullptr, 0); }},
-        {ioStatus::misuse, [](auto& c) { c.endPacket(); }},
-        {ioStatus::misuse, [](auto& c) { c.startFile(); }},
-        {ioStatus::misuse, [](auto& c) { c.writeReferredPacket(c.typeId("a"), true); }},
-        {ioStatus::misuse,
-         [](auto& c) {
-             c.startPacket("a", nullptr);
-             c.endReferredPacket();  // no enclosing packet
-         }},
-        {ioStatus::misuse, [](auto& c) { c.startPacket("a", nullptr); }},  // a packet is left open
-        {ioStatus::unresolvedReference,
-         [&](auto& c) {
-             c.startPacket("a", nullptr);
-             c.writeReference(&object, 0);
-         }},
-        {ioStatus::unresolvedReference,
-         [&](auto& c) {
-             c.startPacket("a", &object);
-             c.writeReference(&object, 0);
-         }},
-        {ioStatus::cycle,
-         [&](auto& c) {
-             c.startPacket("a", &object);
-             c.startPacket("b", nullptr);
-             c.startPacket("a", &object);
-         }},
-        {ioStatus::misuse,
-         [&](auto& c) {
-             c.startPacket("a", &object);
-             c.endPacket();
-             c.startPacket("a", &object);
-         }},
-    };
-    for (Case const& c : cases) {
-        std::string const bytes = written(c.write, number(c.status));
-        EXPECT_EQ(Reader().read(bytes), number(ioStatus::truncated)) << ioStatusText(number(c.status));
+/// Makes a call for each letter.
+void write(ioWriteContext& context, std::string_view calls) {
+    static int const object = 0;
+    for (char const call : calls) {
+        if (call == 'z') context.startPacket("z", nullptr);
+        if (call == 'a') context.startPacket("a", nullptr);
+        if (call == 'o') context.startPacket("a", &object);
+        if (call == '.') context.endPacket();
+        if (call == '!') context.endReferredPacket();
+        if (call == 'p') context.writeReferredPacket(context.typeId("a"), true);
+        if (call == 'i') context.writeIntValue(1);
+        if (call == 'n') context.writeNameValue("k");
+        if (call == '0') context.writeReference(nullptr, 0);
+        if (call == 'r') context.writeReference(&object, 0);
+        if (call == 's') context.startFile();
     }
+}
+
+TEST(WriteContext, ReportsFaultsAndWritesNoEndMark) {
+    std::pair<ioStatus, std::vector<char const*>> const cases[] = {
+        {ioStatus::unknownType, {"z"}},
+        {ioStatus::misuse, {"i", "n", "0", ".", "s", "p"}},  // outside packets
+        {ioStatus::misuse, {"a!", "a", "o.o"}},              // no enclosing packet, one left open, one object twice
+        {ioStatus::unresolvedReference, {"ar", "or"}},       // without its packet, inside its packet
+        {ioStatus::cycle, {"oao"}},
+    };
+    for (auto const& [status, texts] : cases) {
+        for (char const* const calls : texts) {
+            SCOPED_TRACE(calls);
+            std::string const bytes = written([&](auto& context) { write(context, calls); }, number(status));
+            EXPECT_EQ(Reader().read(bytes), number(ioStatus::truncated));
+        }
+    }
+    written([](auto& c) { EXPECT_EQ(c.firstByteOf(c.typeId("z")), 0); }, number(ioStatus::unknownType));
 }
 
 TEST(Contexts, AreMadeOnlyForOpenStreamsAndReportTheirFailures) {

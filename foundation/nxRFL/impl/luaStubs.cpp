@@ -32,8 +32,8 @@ void forEachParameter(Function const& function, Visit visit) {
     auto const types = argumentTypes(function);
     for (std::size_t i = 0; i < types.size(); ++i) {
         bool const isNamed = i < named.size();
-        visit(isNamed ? named[i].name : CString::format("argument%d", static_cast<int>(i) + 1),
-              function.mayOmit(i), annotation(types[i]));
+        visit(isNamed ? named[i].name : CString::format("argument%d", static_cast<int>(i) + 1), function.mayOmit(i),
+              annotation(types[i]));
     }
 }
 

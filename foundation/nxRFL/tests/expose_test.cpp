@@ -161,9 +161,13 @@ TEST_F(Exposed, OmitsOptionalsAtTheEndAndRefusesDefaultsThatDoNotFit) {
     EXPECT_TRUE(inTable("studio", "count")->mayOmit(1));
 
     auto const two = [](double a, double b) { return a + b; };
-    EXPECT_EQ(messageOfCall([&] { table.add("wrong", two, {"a", {"b", "text"}}); }),
+    EXPECT_EQ(messageOfCall([&] {
+                  table.add("wrong", two, {"a", {"b", "text"}});
+              }),
               "studio.wrong: the default of b must be number, but is string");
-    EXPECT_EQ(messageOfCall([&] { table.add("middle", two, {{"a", 1.0}, "b"}); }),
+    EXPECT_EQ(messageOfCall([&] {
+                  table.add("middle", two, {{"a", 1.0}, "b"});
+              }),
               "studio.middle: the default of a comes before an argument without one");
 }
 
