@@ -17,7 +17,8 @@ install(FILES ${PROJECT_BINARY_DIR}/nxSupportConfig.cmake ${PROJECT_BINARY_DIR}/
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md PATTERN *.png)
 install(FILES README.md CHANGELOG.md CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY packaging/host DESTINATION ${CMAKE_INSTALL_DOCDIR}/packaging)
-install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} PATTERN CMakeLists.txt EXCLUDE PATTERN *.expected EXCLUDE)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        PATTERN CMakeLists.txt EXCLUDE PATTERN *.expected EXCLUDE PATTERN tests EXCLUDE)
 
 # gdb loads it together with the library.
 install(FILES packaging/gdb/libSupport-gdb.py RENAME libSupport.so.${PROJECT_VERSION}-gdb.py

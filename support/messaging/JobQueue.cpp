@@ -6,7 +6,7 @@
 namespace nxSupport {
 
 JobQueue::~JobQueue() {
-    if (isDestroyed_) *isDestroyed_ = true;
+    *isAlive_ = false;
     for (auto const& job : running_) {
         job->queue_ = nullptr;
         job->cancel();
@@ -44,13 +44,10 @@ void JobQueue::cancelAll() {
 }
 
 bool JobQueue::report(Job& job, urOS::FirstError& errors) {
-    bool isDestroyed = false;
-    bool* const outer = std::exchange(isDestroyed_, &isDestroyed);
+    auto const isAlive = isAlive_;
     if (Job::Done const done = std::exchange(job.done_, {})) errors.guard([&] { done(job); });
-    if (!isDestroyed) errors.guard([&] { ended.emit(job); });
-    if (!isDestroyed) isDestroyed_ = outer;
-    if (isDestroyed && outer) *outer = true;
-    return !isDestroyed;
+    if (*isAlive) errors.guard([&] { ended.emit(job); });
+    return *isAlive;
 }
 
 void JobQueue::end(Job& job) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <memory>
 
 #include "foundation/urOS/FirstError.h"
 #include "support/messaging/Job.h"
@@ -55,7 +56,7 @@ private:
     std::size_t const mostRunning_;
     std::deque<Waiting> waiting_;
     ur::vector<ur::Reference<Job>> running_;
-    bool* isDestroyed_ = nullptr;  ///< of the innermost `report` that runs
+    std::shared_ptr<bool> isAlive_ = std::make_shared<bool>(true);
 };
 
 }  // namespace nxSupport

@@ -198,8 +198,13 @@ class ContextHost : public ServiceDomain {
 public:
     ContextHost(urThread::RunQueue& queue, Document& document) : ServiceDomain(queue), document_(document) {}
 
+    Context::Mode last = Context::Bare;
+
 protected:
-    void onBeginContext(Context const& context) override { document_.beginContext(context); }
+    void onBeginContext(Context const& context) override {
+        last = context.mode();
+        document_.beginContext(context);
+    }
     void onEndContext(Context const& context) override { document_.endContext(context); }
 
 private:
@@ -223,6 +228,7 @@ TEST(Documents, TakeAnInteractionAsOneStepOrNone) {
     drag->perform([&] { ball.set("size", 60); });
     EXPECT_FALSE(scene.document.undo()) << "while it is open";
     drag.reset();
+    EXPECT_EQ(host.last, Context::InteractionEnd);
     EXPECT_EQ(ball.get<int>("size"), 4);
     EXPECT_THAT(scene.document.steps(), ElementsAre("Add", "Drag"));
     EXPECT_TRUE(scene.document.undo());

@@ -110,8 +110,27 @@ TEST_F(Jobs, MayAddThrowAndDestroyTheQueue) {
     for (int i = 0; i < 4; ++i) jobs->add("last", waiting(), logging());
     jobs->cancelAll();
     EXPECT_FALSE(jobs.has_value());
-    EXPECT_THAT(log, ElementsAre("second", "last cancelled"));
     host.queue.service();
+    EXPECT_THAT(log, ElementsAre("second", "last cancelled"));
+
+    urOS::CapturedOutput const output;
+    jobs.emplace(host);
+    jobs->add(
+        "fail", [&](Job& job) { waiting()(job), throw std::runtime_error("too late"); }, logging());
+    jobs.reset();
+    host.queue.service();
+    EXPECT_THAT(output.text(), HasSubstr("too late"));
+    EXPECT_EQ(log.back(), "last cancelled");
+
+    jobs.emplace(host);
+    jobs->ended.addCallback([&](Job const&) { log.emplace_back("not told any more"); });
+    jobs->add("end", waiting(), [&](Job const& job) {
+        jobs.reset();
+        log.push_back(std::string(job.name()));
+    });
+    mayEnd = true;
+    while (jobs && host.queue.wait(10s)) host.queue.service();
+    EXPECT_EQ(log.back(), "end");
 }
 
 }  // namespace
