@@ -52,12 +52,11 @@ public:
 private:
     // These read from a position and return the position after it, or null when they give up.
 
-    static bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-    static char const* skipSpace(char const* at) {
+    char const* skipSpace(char const* at) const {
         if (static_cast<unsigned char>(*at) > ' ') [[likely]]
             return at;
-        while (isSpace(*at)) ++at;
-        return at;
+        if (!isSpace(*at) || static_cast<unsigned char>(*++at) > ' ') return at;
+        return spaceEnd(at, end_);
     }
 
     /// Reads values until their container ends or the next value is a container, which begins. In an object, the first

@@ -5,11 +5,6 @@
 #include "plst/impl/json/JsonText.h"
 
 namespace nxPLST::impl {
-namespace {
-
-bool isSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
-}  // namespace
 
 bool JsonScanner::fail(char const* why) noexcept {
     reason = why;
