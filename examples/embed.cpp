@@ -8,7 +8,7 @@
 #include "support/services/Registry.h"
 
 int main() {
-    nxRFL::Database database;  // holds the classes for scripts; must outlive values that scripts stored
+    nxRFL::Database database;  // the classes for scripts; outlives every value that a script has stored
     urThread::RunQueue queue;  // tasks complete here
     nxSupport::Broadcaster broadcaster;
     nxSupport::Registry registry;
