@@ -122,8 +122,8 @@ template <Stop stop>
 /// Whether JSON may have the byte between tokens. Yajl also takes vertical tabs and form feeds.
 [[nodiscard]] inline bool isSpace(char c) noexcept { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-/// The end of the spaces from `at` on. Runs of sixteen are skipped at once: reading an indented catalogue takes a quarter
-/// fewer instructions than byte by byte.
+/// The end of the spaces from `at` on. Runs of sixteen are skipped at once: reading an indented catalogue takes a
+/// quarter fewer instructions than byte by byte.
 [[nodiscard]] inline char const* spaceEnd(char const* at, char const* end) noexcept {
 #if defined(__SSE2__)
     for (; end - at >= 16; at += 16) {
