@@ -171,6 +171,8 @@ TEST(RegionSource, FillsItsChunksAndKeepsOneEmptyOne) {
         ASSERT_LE(source.chunkCount() - used.size(), 1U);
     }
     EXPECT_EQ(std::set<Region*>(held.begin(), held.end()).size(), held.size());
+    for (Region* const region : held) source.put(region);
+    EXPECT_EQ(source.chunkCount(), 1U);
 }
 
 TEST(NodeHeap, FillsTheGapsOfItsRegionsBeforeItTakesMore) {
